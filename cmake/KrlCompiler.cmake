@@ -1,0 +1,25 @@
+# What every target is compiled with. The flags on floating point are part of the product: the same
+# bytes come out of every build.
+add_library(krl_compiler INTERFACE)
+target_compile_options(krl_compiler INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror
+  -ffp-contract=off -fno-fast-math)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  target_compile_options(krl_compiler INTERFACE -msse2 -mfpmath=sse)
+endif()
+if(KRL_SANITIZE)
+  target_compile_options(krl_compiler INTERFACE -fsanitize=${KRL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(krl_compiler INTERFACE -fsanitize=${KRL_SANITIZE})
+endif()
+find_package(Threads REQUIRED)
+target_link_libraries(krl_compiler INTERFACE Threads::Threads)
+
+# Adding a source file to a subsystem is enough: nothing else lists it.
+function(krl_sources variable)
+  set(found "")
+  foreach(folder IN LISTS ARGN)
+    file(GLOB files CONFIGURE_DEPENDS ${folder}/*.cpp)
+    list(APPEND found ${files})
+  endforeach()
+  set(${variable} ${found} PARENT_SCOPE)
+endfunction()

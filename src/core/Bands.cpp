@@ -1,0 +1,105 @@
+#include "core/Bands.h"
+
+#include <cmath>
+#include <exception>
+#include <new>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "core/Faults.h"
+
+namespace krl {
+
+namespace {
+
+struct BandTask {
+    std::thread thread;
+    std::exception_ptr failure;
+};
+
+/// The bands that run on threads of their own; none outlives this object.
+class Workers {
+public:
+    ~Workers() { join(); }
+
+    /// Room for `count` threads, so that starting one allocates nothing here.
+    bool reserve(size_t count) {
+        try {
+            tasks_.reserve(count);
+            return true;
+        } catch (const std::bad_alloc&) {
+            return false;
+        }
+    }
+
+    Status start(int32_t band, const std::function<void(int32_t)>& work) {
+        BandTask& task = tasks_.emplace_back();
+        if (!Faults::grant(faults().threads)) return kStatusThreadFailed;
+        try {
+            task.thread = std::thread([&task, &work, band] {
+                try {
+                    work(band);
+                } catch (...) {
+                    task.failure = std::current_exception();
+                }
+            });
+        } catch (const std::bad_alloc&) {
+            return kStatusNoTaskMemory;
+        } catch (const std::system_error&) {
+            return kStatusThreadFailed;
+        }
+        return kStatusOk;
+    }
+
+    void join() {
+        for (BandTask& task : tasks_)
+            if (task.thread.joinable()) task.thread.join();
+    }
+
+    void rethrowFailure() const {
+        for (const BandTask& task : tasks_)
+            if (task.failure) std::rethrow_exception(task.failure);
+    }
+
+private:
+    std::vector<BandTask> tasks_;
+};
+
+}  // namespace
+
+int32_t ceilingShare(int32_t count, int32_t parts) {
+    const auto share = static_cast<float>(static_cast<double>(count) / parts);
+    return truncate(std::ceil(share));
+}
+
+IndexRange lineBand(int32_t lineCount, int32_t threadCount, int32_t band) {
+    const int64_t share = ceilingShare(lineCount, threadCount);
+    const auto limited = [&](int64_t line) { return static_cast<int32_t>(line < lineCount ? line : lineCount); };
+    return {limited(share * band), limited(share * (band + 1))};
+}
+
+IndexRange pixelBand(const ImageBuffer& image, int32_t threadCount, int32_t band) {
+    const int64_t share = ceilingShare(wrapMultiply(image.width, image.height), threadCount);
+    const auto total = static_cast<int64_t>(image.bytes() / sizeof(Pixel));
+    const auto limited = [&](int64_t pixel) { return static_cast<int32_t>(pixel < total ? pixel : total); };
+    return {limited(share * band), limited(share * (band + 1))};
+}
+
+Status runBands(int32_t bandCount, const std::function<void(int32_t)>& work) {
+    Workers workers;
+    if (!workers.reserve(static_cast<size_t>(bandCount - 1))) return kStatusNoTaskMemory;
+    for (int32_t band = 0; band < bandCount; ++band) {
+        if (!Faults::grant(faults().tasks)) return kStatusNoTaskMemory;
+        if (band == bandCount - 1) {
+            work(band);
+        } else if (Status status = workers.start(band, work)) {
+            return status;
+        }
+    }
+    workers.join();
+    workers.rethrowFailure();
+    return kStatusOk;
+}
+
+}  // namespace krl

@@ -1,0 +1,65 @@
+#include "core/ImageEngine.h"
+
+#include <algorithm>
+#include <thread>
+
+#include "core/LookupTables.h"
+
+namespace krl {
+
+ImageEngine::ImageEngine() = default;
+ImageEngine::~ImageEngine() = default;
+
+void ImageEngine::allocateTables() { lookupTables_ = std::make_unique<LookupTables>(); }
+
+void ImageEngine::buildTables() { lookupTables_->build(); }
+
+void ImageEngine::freeTables() { lookupTables_.reset(); }
+
+void ImageEngine::configureExecution(bool singleThreaded) {
+    if (singleThreaded) {
+        threadCount_ = 1;
+        return;
+    }
+    threadCount_ = std::max(1, static_cast<int32_t>(std::thread::hardware_concurrency()));
+    selectInstructionSet(3);
+}
+
+void ImageEngine::selectInstructionSet(int32_t mode) {
+    if (mode != 2) {
+        useWidePath_ = false;
+        return;
+    }
+#if defined(__SSE2__)
+    useWidePath_ = true;  // a build for SSE2 runs nowhere else
+#endif
+}
+
+void ImageEngine::load(uint8_t* pixels, const ImageInfo& info) {
+    auto buffer = std::make_unique<ImageBuffer>();
+    pixels_ = pixels;
+    info_ = info;
+    buffer->pixels = pixels;
+    buffer->height = info.height;
+    buffer->width = info.width;
+    buffer->rowBytes = info.rowBytes;
+    buffer->end = pixels ? pixels + ptrdiff_t(info.rowBytes) * info.height : nullptr;
+    buffer_ = std::move(buffer);
+}
+
+void ImageEngine::clear() {
+    buffer_.reset();
+    lookupTables_.reset();
+}
+
+Status ImageEngine::imageStatus() const {
+    if (!buffer_) return kStatusNoImage;
+    if (!buffer_->pixels) return kStatusNoPixels;
+    return kStatusOk;
+}
+
+bool ImageEngine::hasSizeOf(const SecondImage& other) const {
+    return other.info.width == buffer_->width && other.info.height == buffer_->height;
+}
+
+}  // namespace krl

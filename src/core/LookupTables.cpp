@@ -1,0 +1,7 @@
+#include "core/LookupTables.h"
+
+namespace krl {
+
+void LookupTables::build() {}
+
+}  // namespace krl

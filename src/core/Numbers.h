@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+/// The few conversions that every effect's bytes depend on.
+namespace krl {
+
+/// `pi / 180` to double precision, the factor from degrees to radians.
+inline constexpr double kRadiansPerDegree = 0.017453292519943295;
+
+/// Float to integer, toward zero; `INT32_MIN` for NaN and for what does not fit. The only road
+/// from floating point to integers, so that no conversion is ever undefined.
+inline int32_t truncate(double value) {
+#if defined(__SSE2__)
+    return _mm_cvttsd_si32(_mm_set_sd(value));
+#else
+    const bool fits = value > -2147483649.0 && value < 2147483648.0;
+    return fits ? static_cast<int32_t>(value) : std::numeric_limits<int32_t>::min();
+#endif
+}
+
+/// `value` limited to `low..high`. NaN passes through, as both comparisons fail.
+template <class Number>
+constexpr Number clampTo(Number value, Number low, Number high) {
+    return value < low ? low : value > high ? high : value;
+}
+
+/// An integer limited to 0..255.
+constexpr uint8_t clampByte(int32_t value) {
+    return static_cast<uint8_t>(clampTo(value, 0, 255));
+}
+
+/// A real limited to 0..255 and truncated; NaN gives 0, the low byte of `INT32_MIN`.
+inline uint8_t truncatedByte(double value) {
+    return static_cast<uint8_t>(truncate(clampTo(value, 0.0, 255.0)));
+}
+
+/// A real limited to 0..1.
+constexpr double clampUnit(double value) { return clampTo(value, 0.0, 1.0); }
+
+/// 32-bit arithmetic that wraps.
+constexpr int32_t wrapAdd(int32_t a, int32_t b) {
+    return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
+}
+constexpr int32_t wrapSubtract(int32_t a, int32_t b) {
+    return static_cast<int32_t>(static_cast<uint32_t>(a) - static_cast<uint32_t>(b));
+}
+constexpr int32_t wrapMultiply(int32_t a, int32_t b) {
+    return static_cast<int32_t>(static_cast<uint32_t>(a) * static_cast<uint32_t>(b));
+}
+
+/// Ceiling of `count / parts`, the quotient rounded to single precision first: the rule by which
+/// pixels, rows and columns are dealt to bands.
+int32_t ceilingShare(int32_t count, int32_t parts);
+
+}  // namespace krl

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+
+namespace krl {
+
+/// The sequential generator: a linear congruential step of 214013 and 2531011 modulo 2^32, each
+/// draw the 15 bits above bit 16.
+class Random {
+public:
+    explicit Random(int32_t seed = 1) : state_(static_cast<uint32_t>(seed)) {}
+
+    /// Next draw, 0..32767.
+    int32_t next() {
+        state_ = state_ * 214013u + 2531011u;
+        return static_cast<int32_t>(state_ >> 16 & 0x7FFFu);
+    }
+
+    /// Passes over `count` draws at once, by repeated squaring of the step.
+    void skip(uint64_t count) {
+        uint32_t factor = 214013u, term = 2531011u;
+        for (; count != 0; count >>= 1) {
+            if (count & 1) state_ = state_ * factor + term;
+            term *= factor + 1;
+            factor *= factor;
+        }
+    }
+
+private:
+    uint32_t state_;
+};
+
+}  // namespace krl
