@@ -39,6 +39,10 @@ struct SecondImage {
     ImageInfo info;
 
     const Pixel* begin() const { return reinterpret_cast<const Pixel*>(pixels); }
+    /// First pixel of row `y`.
+    const Pixel* row(int32_t y) const {
+        return reinterpret_cast<const Pixel*>(pixels + ptrdiff_t(y) * info.rowBytes);
+    }
 };
 
 /// The object behind every script method: which pixels are loaded, the shared tables, and how many

@@ -35,9 +35,11 @@ constexpr uint8_t clampByte(int32_t value) {
     return static_cast<uint8_t>(clampTo(value, 0, 255));
 }
 
-/// A real limited to 0..255 and truncated; NaN gives 0, the low byte of `INT32_MIN`.
-inline uint8_t truncatedByte(double value) {
-    return static_cast<uint8_t>(truncate(clampTo(value, 0.0, 255.0)));
+/// A real limited to 0..255 and truncated; NaN gives 0, the low byte of `INT32_MIN`. Told as two
+/// selections that NaN falls through, so that loops over it become vectors.
+constexpr uint8_t truncatedByte(double value) {
+    const double positive = value > 0.0 ? value : 0.0;
+    return static_cast<uint8_t>(static_cast<int32_t>(positive < 255.0 ? positive : 255.0));
 }
 
 /// A real limited to 0..1.
