@@ -75,7 +75,9 @@ int32_t ceilingShare(int32_t count, int32_t parts) {
 
 IndexRange lineBand(int32_t lineCount, int32_t threadCount, int32_t band) {
     const int64_t share = ceilingShare(lineCount, threadCount);
-    const auto limited = [&](int64_t line) { return static_cast<int32_t>(line < lineCount ? line : lineCount); };
+    const auto limited = [&](int64_t line) {
+        return static_cast<int32_t>(line < lineCount ? line : lineCount);
+    };
     return {limited(share * band), limited(share * (band + 1))};
 }
 

@@ -12,9 +12,9 @@ struct LookupTables;
 
 /// The host's description of an image.
 struct ImageInfo {
-    int32_t width = 0;     ///< pixels per row
-    int32_t height = 0;    ///< number of rows
-    int32_t rowBytes = 0;  ///< bytes from one row to the next
+    int32_t width = 0;                        ///< pixels per row
+    int32_t height = 0;                       ///< number of rows
+    int32_t rowBytes = 0;                     ///< bytes from one row to the next
     int32_t info3 = 0, info4 = 0, info5 = 0;  ///< the host's own; stored and handed back
 };
 static_assert(sizeof(ImageInfo) == 24);

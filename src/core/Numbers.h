@@ -31,9 +31,7 @@ constexpr Number clampTo(Number value, Number low, Number high) {
 }
 
 /// An integer limited to 0..255.
-constexpr uint8_t clampByte(int32_t value) {
-    return static_cast<uint8_t>(clampTo(value, 0, 255));
-}
+constexpr uint8_t clampByte(int32_t value) { return static_cast<uint8_t>(clampTo(value, 0, 255)); }
 
 /// A real limited to 0..255 and truncated; NaN gives 0, the low byte of `INT32_MIN`. Told as two
 /// selections that NaN falls through, so that loops over it become vectors.

@@ -32,7 +32,8 @@ struct Colour {
 
     constexpr Colour() = default;
     constexpr explicit Colour(uint32_t packed) : word(packed) {}
-    constexpr Colour(uint8_t r, uint8_t g, uint8_t b) : word(uint32_t(r) | uint32_t(g) << 8 | uint32_t(b) << 16) {}
+    constexpr Colour(uint8_t r, uint8_t g, uint8_t b)
+        : word(uint32_t(r) | uint32_t(g) << 8 | uint32_t(b) << 16) {}
 
     constexpr uint8_t red() const { return static_cast<uint8_t>(word); }
     constexpr uint8_t green() const { return static_cast<uint8_t>(word >> 8); }

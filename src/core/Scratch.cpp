@@ -13,9 +13,9 @@ Faults& faults() {
 
 void* takeScratch(size_t bytes) {
     if (!Faults::grant(faults().scratchBlocks)) throw std::bad_alloc();
-    return ::operator new(bytes, std::align_val_t{64});
+    return ::operator new (bytes, std::align_val_t{64});
 }
 
-void giveScratch(void* block) noexcept { ::operator delete(block, std::align_val_t{64}); }
+void giveScratch(void* block) noexcept { ::operator delete (block, std::align_val_t{64}); }
 
 }  // namespace krl

@@ -41,8 +41,8 @@ using Release = Operation<2, uint32_t()>;
 
 /// The host's service provider: services are asked for with `QueryInterface`.
 namespace callback {
-using CreateInstance =
-    Operation<slots::kCreateInstance, HostStatus(const Identifier* classId, const Identifier* interfaceId, void**)>;
+using CreateInstance = Operation<slots::kCreateInstance, HostStatus(const Identifier* classId,
+                                                                    const Identifier* interfaceId, void**)>;
 }  // namespace callback
 
 namespace allocator {
@@ -83,17 +83,16 @@ using NewPropertyList = Operation<slots::kNewPropertyList, HostStatus(ScriptValu
 using AppendProperty =
     Operation<slots::kAppendProperty,
               HostStatus(const ScriptValue* list, const ScriptValue* key, const ScriptValue*)>;
-using GetElementByKey =
-    Operation<slots::kGetElementByKey,
-              HostStatus(const ScriptValue* list, const ScriptValue* key, ScriptValue*)>;
+using GetElementByKey = Operation<slots::kGetElementByKey,
+                                  HostStatus(const ScriptValue* list, const ScriptValue* key, ScriptValue*)>;
 using GetPropertyByIndex =
     Operation<slots::kGetPropertyByIndex, HostStatus(const ScriptValue* list, int32_t, ScriptValue*)>;
 }  // namespace lists
 
 namespace images {
 /// Width, height, depth, alpha depth and a word that is always 0.
-using CreateImage = Operation<slots::kCreateImage,
-                              HostStatus(int32_t, int32_t, int32_t, int32_t, int32_t, ScriptValue*)>;
+using CreateImage =
+    Operation<slots::kCreateImage, HostStatus(int32_t, int32_t, int32_t, int32_t, int32_t, ScriptValue*)>;
 using LockImage = Operation<slots::kLockImage, HostStatus(const ScriptValue*, ImageLock*)>;
 using UnlockImage = Operation<slots::kUnlockImage, HostStatus(const ScriptValue*)>;
 using QueryImage = Operation<slots::kQueryImage, HostStatus(const ScriptValue*, ImageInfo*)>;
@@ -128,8 +127,8 @@ using GetApplicationItem =
 using AddEntry = Operation<slots::kAddRegistryEntry,
                            HostStatus(HostInterface* entry, const Identifier* classId,
                                       const Identifier* interfaceId, HostInterface** dictionary)>;
-using PutEntry = Operation<slots::kPutEntry,
-                           HostStatus(int32_t type, const void* value, int32_t size, const char* key)>;
+using PutEntry =
+    Operation<slots::kPutEntry, HostStatus(int32_t type, const void* value, int32_t size, const char* key)>;
 }  // namespace registry
 
 }  // namespace krl::host

@@ -61,8 +61,8 @@ struct ImageLock {
 
 /// The host's record for one call of a method.
 struct CallInfo {
-    int32_t selector = 0;           ///< place of the method in the message table, 0 for `new`
-    ScriptValue result;             ///< what the script gets
+    int32_t selector = 0;                    ///< place of the method in the message table, 0 for `new`
+    ScriptValue result;                      ///< what the script gets
     const ScriptValue* arguments = nullptr;  ///< element 0 is `me`, element 1 the first argument
 };
 
