@@ -1,0 +1,187 @@
+#include "blur/TentBlur.h"
+
+#include <algorithm>
+#include <cstring>
+#include <type_traits>
+
+#include "blur/TentWindow.h"
+#include "core/Bands.h"
+
+namespace krl {
+
+namespace {
+
+using tent::Line;
+
+/// Samples that a tile of the column pass is wide: a window's worth of rows stays in the cache, and
+/// every touch of a row takes whole cache lines.
+constexpr int32_t kTileSamples = 512;
+
+// A layout tells where the samples of a block lie and how blurred ones go back. `kLanes` samples
+// of each word are blurred together, the words are `kPitch` samples apart, and `firstLane` is the
+// place of the first in its word.
+
+/// Whole pixels of which the bytes under `keep` stay as they were.
+struct PixelLayout {
+    using Sample = uint8_t;
+    static constexpr int32_t kLanes = 4, kPitch = 4;
+    static constexpr int32_t firstLane = 0;
+    uint32_t keep;
+
+    void store(uint8_t* words, const uint8_t* blurred, int32_t count) const {
+        if (keep == 0) {
+            std::memcpy(words, blurred, static_cast<size_t>(count) * 4);
+            return;
+        }
+        for (int32_t i = 0; i < count; ++i) {
+            uint32_t old, fresh;
+            std::memcpy(&old, words + i * 4, 4);
+            std::memcpy(&fresh, blurred + i * 4, 4);
+            old = (old & keep) | (fresh & ~keep);
+            std::memcpy(words + i * 4, &old, 4);
+        }
+    }
+};
+
+/// One sample of each word of `Pitch`.
+template <class SampleType, int32_t Pitch>
+struct SingleLayout {
+    using Sample = SampleType;
+    static constexpr int32_t kLanes = 1, kPitch = Pitch;
+    int32_t firstLane = 0;
+
+    void store(Sample* words, const Sample* blurred, int32_t count) const {
+        for (int32_t i = 0; i < count; ++i) words[i * Pitch + firstLane] = blurred[i];
+    }
+};
+
+/// The windows that walk a row: all lanes of a word at once.
+template <class Arithmetic, int32_t Lanes>
+struct RowWindow : tent::Window<Arithmetic, Lanes> {
+    RowWindow(const Arithmetic& arithmetic, const Line<typename Arithmetic::Sample>& line, int32_t halfWidth)
+        : tent::Window<Arithmetic, Lanes>(arithmetic, line, halfWidth, Lanes) {}
+};
+
+#if defined(__SSE2__)
+template <>
+struct RowWindow<tent::NarrowBytes, 4> : tent::PixelWindow {
+    using PixelWindow::PixelWindow;
+};
+#endif
+
+/// The size of a block and of the tent on it.
+struct Extent {
+    int32_t height, width, halfWidth;
+};
+
+/// Blurs rows of `block` along themselves into `lines`, where only the blurred lanes are kept.
+template <class Arithmetic, class Layout>
+void blurRows(const typename Arithmetic::Sample* block, typename Arithmetic::Sample* lines,
+              const Extent& extent, const Layout& layout, IndexRange rows) {
+    using Sample = typename Arithmetic::Sample;
+    const Arithmetic arithmetic(extent.halfWidth);
+    for (int32_t y = rows.first; y < rows.last; ++y) {
+        const ptrdiff_t start = ptrdiff_t(y) * extent.width;
+        const Line<Sample> line{block + start * Layout::kPitch + layout.firstLane, Layout::kPitch,
+                                extent.width};
+        Sample* to = lines + start * Layout::kLanes;
+        RowWindow<Arithmetic, Layout::kLanes> window(arithmetic, line, extent.halfWidth);
+        tent::walk(line, extent.halfWidth,
+                   [&](int32_t, const Sample* entering, const Sample* centre, const Sample* leaving) {
+                       window.step(to, entering, centre, leaving);
+                       to += Layout::kLanes;
+                   });
+    }
+}
+
+/// Blurs columns of `lines` down themselves into `block`, a tile of adjacent columns at a time.
+template <class Arithmetic, class Layout>
+void blurColumns(const typename Arithmetic::Sample* lines, typename Arithmetic::Sample* block,
+                 const Extent& extent, const Layout& layout, IndexRange columns) {
+    using Sample = typename Arithmetic::Sample;
+    constexpr int32_t tileColumns = kTileSamples / Layout::kLanes;
+    const Arithmetic arithmetic(extent.halfWidth);
+    const ptrdiff_t pitch = ptrdiff_t(extent.width) * Layout::kLanes;
+    for (int32_t x = columns.first; x < columns.last; x += tileColumns) {
+        const int32_t count = std::min(tileColumns, columns.last - x);
+        const Line<Sample> line{lines + ptrdiff_t(x) * Layout::kLanes, pitch, extent.height};
+        tent::Window<Arithmetic, kTileSamples> window(arithmetic, line, extent.halfWidth,
+                                                      count * Layout::kLanes);
+        tent::walk(line, extent.halfWidth,
+                   [&](int32_t y, const Sample* entering, const Sample* centre, const Sample* leaving) {
+                       Sample blurred[kTileSamples];
+                       window.step(blurred, entering, centre, leaving);
+                       layout.store(block + (ptrdiff_t(y) * extent.width + x) * Layout::kPitch, blurred,
+                                    count);
+                   });
+    }
+}
+
+uint8_t* bytesOf(Pixel* pixels) { return reinterpret_cast<uint8_t*>(pixels); }
+
+}  // namespace
+
+template <class Arithmetic, class Layout>
+void TentBlur::runPasses(typename Arithmetic::Sample* block, int32_t height, int32_t width, int32_t halfWidth,
+                         const Layout& layout, typename Arithmetic::Sample* lines) {
+    const Extent extent{height, width, halfWidth};
+    const Status rowStatus = runBands(threadCount_, [&](int32_t band) {
+        blurRows<Arithmetic>(block, lines, extent, layout, lineBand(height, threadCount_, band));
+    });
+    if (rowStatus) return;
+    runBands(threadCount_, [&](int32_t band) {
+        blurColumns<Arithmetic>(lines, block, extent, layout, lineBand(width, threadCount_, band));
+    });
+}
+
+template <class Layout>
+void TentBlur::blurLayout(uint8_t* block, int32_t height, int32_t width, int32_t radius,
+                          const Layout& layout) {
+    const int32_t halfWidth = tent::halfWidth(radius);
+    if (halfWidth <= 0 || height <= 0 || width <= 0) return;
+    const size_t samples = size_t(height) * size_t(width) * Layout::kLanes;
+    if (lines_.size() < samples) lines_ = Scratch<uint8_t>(samples);
+    if (halfWidth <= tent::NarrowBytes::kWidestHere) {
+        runPasses<tent::NarrowBytes>(block, height, width, halfWidth, layout, lines_.data());
+    } else {
+        runPasses<tent::WideBytes>(block, height, width, halfWidth, layout, lines_.data());
+    }
+}
+
+void TentBlur::blurRGBA(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
+    blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{0});
+}
+
+void TentBlur::blurRGB(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
+    blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{0xFF000000u});
+}
+
+void TentBlur::blurChroma(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
+    blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{0xFFFF0000u});
+}
+
+void TentBlur::blurChannel(Pixel* pixels, int32_t height, int32_t width, int32_t radius, int32_t channel) {
+    blurLayout(bytesOf(pixels), height, width, radius, SingleLayout<uint8_t, 4>{channel});
+}
+
+void TentBlur::blurAlpha(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
+    blurChannel(pixels, height, width, radius, 3);
+}
+
+void TentBlur::blurSingle(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
+    blurChannel(pixels, height, width, radius, 0);
+}
+
+void TentBlur::blurBytes(uint8_t* plane, int32_t height, int32_t width, int32_t radius) {
+    blurLayout(plane, height, width, radius, SingleLayout<uint8_t, 1>{});
+}
+
+void TentBlur::blurPlane(int32_t* plane, int32_t height, int32_t width, int32_t radius) {
+    threadCount_ = 1;
+    const int32_t halfWidth = tent::halfWidth(radius);
+    if (halfWidth <= 0 || height <= 0 || width <= 0) return;
+    const Scratch<int32_t> lines(size_t(height) * size_t(width));
+    runPasses<tent::SignedWords>(plane, height, width, halfWidth, SingleLayout<int32_t, 1>{}, lines.data());
+}
+
+}  // namespace krl
