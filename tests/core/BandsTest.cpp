@@ -1,0 +1,215 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <climits>
+#include <cmath>
+#include <mutex>
+#include <stdexcept>
+#include <vector>
+
+#include "core/Bands.h"
+#include "core/Faults.h"
+#include "core/ImageCopy.h"
+#include "core/Random.h"
+#include "support/Picture.h"
+
+namespace krl {
+namespace {
+
+using test::Picture;
+
+ImageBuffer bufferOf(int32_t width, int32_t height, uint8_t* pixels = nullptr) {
+    ImageBuffer buffer{pixels, height, width, width * 4, nullptr};
+    buffer.end = pixels + ptrdiff_t(buffer.rowBytes) * height;
+    return buffer;
+}
+
+std::vector<int32_t> bandSizes(const ImageBuffer& image, int32_t threads) {
+    std::vector<int32_t> sizes;
+    for (int32_t band = 0; band < threads; ++band) {
+        const IndexRange run = pixelBand(image, threads, band);
+        sizes.push_back(run.last - run.first);
+    }
+    return sizes;
+}
+
+/// Puts the fault seam back as programs have it.
+struct FaultReset {
+    ~FaultReset() { faults() = Faults{}; }
+};
+
+TEST(Truncation, GoesTowardZeroAndMarksWhatDoesNotFit) {
+    EXPECT_EQ(truncate(2.99), 2);
+    EXPECT_EQ(truncate(-2.99), -2);
+    EXPECT_EQ(truncate(2147483647.9), INT_MAX);
+    EXPECT_EQ(truncate(2147483648.0), INT_MIN);
+    EXPECT_EQ(truncate(-2147483648.9), INT_MIN);
+    EXPECT_EQ(truncate(1e300), INT_MIN);
+    EXPECT_EQ(truncate(-1e300), INT_MIN);
+    EXPECT_EQ(truncate(std::nan("")), INT_MIN);
+    EXPECT_EQ(truncatedByte(std::nan("")), 0);
+    EXPECT_EQ(truncatedByte(-INFINITY), 0);
+    EXPECT_EQ(truncatedByte(INFINITY), 255);
+}
+
+TEST(PixelBands, LeaveALateBandShortOrEmpty) {
+    uint8_t block[64] = {};
+    EXPECT_EQ(bandSizes(bufferOf(2, 2, block), 3), (std::vector<int32_t>{2, 2, 0}));
+    EXPECT_EQ(bandSizes(bufferOf(5, 1, block), 4), (std::vector<int32_t>{2, 2, 1, 0}));
+    EXPECT_EQ(bandSizes(bufferOf(4, 4, block), 1), (std::vector<int32_t>{16}));
+}
+
+TEST(PixelBands, ComeOutShortWhereSinglePrecisionRoundsTheQuotientDown) {
+    constexpr int32_t beyond = (1 << 24) + 1;
+    EXPECT_EQ(ceilingShare(beyond, 1), 1 << 24);
+    EXPECT_EQ(ceilingShare(beyond + 2, 1), beyond + 3);  // rounded up: the block's end clips it
+    EXPECT_EQ(ceilingShare(beyond, 2), (1 << 23) + 1);
+}
+
+TEST(PixelBands, StopAtTheEndOfTheBlockWhenRowsArePadded) {
+    uint8_t block[64] = {};
+    ImageBuffer padded{block, 2, 3, 16, block + 32};
+    EXPECT_EQ(pixelBand(padded, 1, 0).last, 6);  // the tail of the block is never reached
+    ImageBuffer cut{block, 2, 3, 8, block + 16};
+    EXPECT_EQ(pixelBand(cut, 1, 0).last, 4);
+}
+
+TEST(LineBands, DealRowsByTheCeilingAndEndAtTheLast) {
+    const auto range = [](int32_t band) {
+        const IndexRange lines = lineBand(10, 4, band);
+        return std::pair(lines.first, lines.last);
+    };
+    EXPECT_EQ(range(0), std::pair(0, 3));
+    EXPECT_EQ(range(3), std::pair(9, 10));
+    EXPECT_EQ(lineBand(2, 7, 5).first, lineBand(2, 7, 5).last);
+}
+
+TEST(BandRunner, RunsEveryBandOnceAndTheLastOnTheCaller) {
+    std::vector<std::thread::id> ran(5);
+    ASSERT_EQ(runBands(5, [&](int32_t band) { ran[size_t(band)] = std::this_thread::get_id(); }), kStatusOk);
+    EXPECT_TRUE(ran[4] == std::this_thread::get_id());
+    for (size_t band = 0; band < 4; ++band) {
+        EXPECT_TRUE(ran[band] != std::thread::id());
+        EXPECT_TRUE(ran[band] != ran[4]);
+    }
+}
+
+TEST(BandRunner, EndsTheStartedBandsBeforeItReportsAMissingTaskOrThread) {
+    const FaultReset reset;
+    std::atomic<int> ran = 0;
+    faults().tasks = 2;
+    EXPECT_EQ(runBands(4, [&](int32_t) { ++ran; }), kStatusNoTaskMemory);
+    EXPECT_EQ(ran, 2);
+    faults() = Faults{};
+    faults().threads = 1;
+    EXPECT_EQ(runBands(4, [&](int32_t) { ++ran; }), kStatusThreadFailed);
+    EXPECT_EQ(ran, 3);
+    faults() = Faults{};
+    faults().tasks = 0;
+    EXPECT_EQ(runBands(1, [&](int32_t) { ++ran; }), kStatusNoTaskMemory);
+    EXPECT_EQ(ran, 3);
+}
+
+TEST(BandRunner, ThrowsOnWhatABandThrewAfterAllHaveEnded) {
+    std::atomic<int> ran = 0;
+    const auto work = [&](int32_t band) {
+        ++ran;
+        if (band == 0) throw std::runtime_error("first band");
+    };
+    EXPECT_THROW(runBands(3, work), std::runtime_error);
+    EXPECT_EQ(ran, 3);
+}
+
+TEST(PixelPasses, VisitEveryPixelOnceForAnyNumberOfBands) {
+    for (int32_t bands : {1, 2, 3, 4, 7, 64}) {
+        Picture picture(7, 5, {0, 0, 0, 0});
+        picture.apply([](ImageEngine& engine) { return forEachPixel(engine, [](Pixel& p) { ++p.red; }); },
+                      bands);
+        EXPECT_EQ(picture, Picture(7, 5, Pixel{0, 0, 1, 0})) << bands;
+    }
+}
+
+TEST(ColumnTiles, CoverEveryColumnOnceInTilesOfTheirWidth) {
+    for (int32_t bands : {1, 2, 3, 7}) {
+        Picture picture(41, 2);
+        std::vector<std::atomic<int>> visits(41);
+        picture.apply(
+            [&](ImageEngine& engine) {
+                return forEachColumnTile(engine, [&](IndexRange columns) {
+                    EXPECT_LE(columns.last - columns.first, kTileColumns);
+                    for (int32_t x = columns.first; x < columns.last; ++x) ++visits[size_t(x)];
+                });
+            },
+            bands);
+        for (const auto& count : visits) EXPECT_EQ(count, 1);
+    }
+}
+
+TEST(StateTests, ComeBeforeEveryKindOfPass) {
+    test::expectStateTests([](ImageEngine& e) { return forEachPixel(e, [](Pixel&) {}); });
+    test::expectStateTests([](ImageEngine& e) { return forEachRow(e, [](Pixel*, int32_t) {}); });
+    test::expectStateTests([](ImageEngine& e) { return forEachColumnTile(e, [](IndexRange) {}); });
+}
+
+TEST(Engine, KeepsTheLastAddressAfterUnloadButHasNoImage) {
+    Picture picture(2, 2);
+    ImageEngine engine;
+    engine.load(reinterpret_cast<uint8_t*>(picture.pixels().data()), picture.info());
+    EXPECT_EQ(engine.buffer()->height, 2);
+    engine.unload();
+    EXPECT_EQ(engine.imageStatus(), kStatusNoImage);
+    EXPECT_EQ(engine.getPixels(), reinterpret_cast<uint8_t*>(picture.pixels().data()));
+    EXPECT_EQ(engine.getImageInfo().width, 2);
+}
+
+TEST(Engine, ReplacesALoadedImageByAnother) {
+    Picture first(2, 2), second(3, 1);
+    ImageEngine engine;
+    engine.load(reinterpret_cast<uint8_t*>(first.pixels().data()), first.info());
+    engine.load(reinterpret_cast<uint8_t*>(second.pixels().data()), second.info());
+    EXPECT_EQ(engine.buffer()->width, 3);
+    EXPECT_EQ(engine.buffer()->height, 1);
+}
+
+TEST(Engine, TakesOneBandOrOneForEachProcessor) {
+    ImageEngine engine;
+    EXPECT_EQ(engine.getThreadCount(), 1);
+    engine.configureExecution(false);
+    EXPECT_EQ(engine.getThreadCount(), std::max(1, int32_t(std::thread::hardware_concurrency())));
+    engine.configureExecution(true);
+    EXPECT_EQ(engine.getThreadCount(), 1);
+}
+
+TEST(Engine, TurnsTheWidePathsOnForModeTwoAlone) {
+    ImageEngine engine;
+    engine.selectInstructionSet(2);
+    EXPECT_TRUE(engine.useWidePath());
+    engine.selectInstructionSet(3);
+    EXPECT_FALSE(engine.useWidePath());
+    engine.configureExecution(false);
+    EXPECT_FALSE(engine.useWidePath());
+}
+
+TEST(Scratch, ThrowsWhenTheSeamGrantsNoMore) {
+    const FaultReset reset;
+    faults().scratchBlocks = 1;
+    Scratch<int32_t> granted(4);
+    EXPECT_EQ(granted.size(), 4u);
+    EXPECT_THROW(Scratch<int32_t>(4), std::bad_alloc);
+}
+
+TEST(SequentialGenerator, DrawsTheKnownSequenceAndSkipsAhead) {
+    Random random(1);
+    EXPECT_EQ(random.next(), 41);
+    EXPECT_EQ(random.next(), 18467);
+    EXPECT_EQ(random.next(), 6334);
+    for (uint64_t count : {0u, 1u, 2u, 3u, 1000u, 65537u}) {
+        Random walked(7), skipped(7);
+        for (uint64_t i = 0; i < count; ++i) walked.next();
+        skipped.skip(count);
+        EXPECT_EQ(walked.next(), skipped.next()) << count;
+    }
+}
+
+}  // namespace
+}  // namespace krl
