@@ -3,10 +3,6 @@
 #include <cstdint>
 #include <limits>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 /// The few conversions that every effect's bytes depend on.
 namespace krl {
 
@@ -15,13 +11,9 @@ inline constexpr double kRadiansPerDegree = 0.017453292519943295;
 
 /// Float to integer, toward zero; `INT32_MIN` for NaN and for what does not fit. The only road
 /// from floating point to integers, so that no conversion is ever undefined.
-inline int32_t truncate(double value) {
-#if defined(__SSE2__)
-    return _mm_cvttsd_si32(_mm_set_sd(value));
-#else
+constexpr int32_t truncate(double value) {
     const bool fits = value > -2147483649.0 && value < 2147483648.0;
     return fits ? static_cast<int32_t>(value) : std::numeric_limits<int32_t>::min();
-#endif
 }
 
 /// `value` limited to `low..high`. NaN passes through, as both comparisons fail.

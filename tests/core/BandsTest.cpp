@@ -63,7 +63,7 @@ TEST(PixelBands, ComeOutShortWhereSinglePrecisionRoundsTheQuotientDown) {
     constexpr int32_t beyond = (1 << 24) + 1;
     EXPECT_EQ(ceilingShare(beyond, 1), 1 << 24);
     EXPECT_EQ(ceilingShare(beyond + 2, 1), beyond + 3);  // rounded up: the block's end clips it
-    EXPECT_EQ(ceilingShare(beyond, 2), (1 << 23) + 1);
+    EXPECT_EQ(ceilingShare(beyond, 2), 1 << 23);         // the half is lost, and the last pixel with it
 }
 
 TEST(PixelBands, StopAtTheEndOfTheBlockWhenRowsArePadded) {
