@@ -3,6 +3,7 @@
 #include <set>
 #include <sstream>
 
+#include "host/ExampleCall.h"
 #include "host/MessageTable.h"
 #include "host/MethodRegistry.h"
 
@@ -117,6 +118,23 @@ TEST(Registry, FindsMethodsByEitherNameInAnyCase) {
     EXPECT_EQ(load->shortName(), "load");
     EXPECT_EQ(findMethod("YUVBlur")->shortName(), "YUVBlur");
     EXPECT_EQ(signatureOf(*load), "krlImageLoad object me, any srcCMem");
+}
+
+TEST(Examples, AreWrittenAsLingoHasThem) {
+    EXPECT_EQ(lingoReal(0.5), "0.5");
+    EXPECT_EQ(lingoReal(-2), "-2.0");
+    EXPECT_EQ(lingoReal(1e9), "1000000000.0");
+    const Method all = Method("krlImageAll")
+                           .integer("count", {0, 9, 3}, "")
+                           .real("amount", {0, 1, 0.25}, "")
+                           .symbol("target", {{"RGB", 5}, {"Alpha", 6}}, refused(""))
+                           .colour("tint", {1, 2, 3}, "")
+                           .point("origin", {0.5, 0.25}, "")
+                           .colourList("ramp", {}, {{0, {0, 0, 0}}, {100, {255, 128, 0}}}, "")
+                           .image("foreground", {}, "logo.png", "");
+    EXPECT_EQ(exampleCall(all, {.width = 100, .height = 80, .image = {}}),
+              "krlImageAll(3, 0.25, #RGB, rgb(1, 2, 3), point(50, 20), "
+              "[0: rgb(0, 0, 0), 100: rgb(255, 128, 0)], image(\"logo.png\"))");
 }
 
 }  // namespace
