@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <utility>
 
@@ -13,20 +14,38 @@ namespace {
 constexpr size_t kChunk = 256;
 constexpr size_t kModes = 18;
 
-// Two pixels in eight 16-bit lanes, in the compilers' portable vector form: the products of two bytes
-// below all fit.
-using PairBytes [[gnu::vector_size(8)]] = uint8_t;
+// Four pixels in the compilers' portable vector form: as bytes, and as two halves of 16-bit lanes, which
+// hold every product of two bytes below.
+using QuadBytes [[gnu::vector_size(16)]] = uint8_t;
 using PairLanes [[gnu::vector_size(16)]] = uint16_t;
+static_assert(std::endian::native == std::endian::little);
 
-PairLanes loadPair(const uint8_t* pixels) {
-    PairBytes bytes;
+constexpr QuadBytes kAlphaBytes{0, 0, 0, 255, 0, 0, 0, 255, 0, 0, 0, 255, 0, 0, 0, 255};
+
+struct Quad {
+    PairLanes low, high;
+};
+
+QuadBytes loadBytes(const uint8_t* pixels) {
+    QuadBytes bytes;
     std::memcpy(&bytes, pixels, sizeof bytes);
-    return __builtin_convertvector(bytes, PairLanes);
+    return bytes;
 }
 
-void storePair(uint8_t* pixels, PairLanes lanes) {
-    const PairBytes bytes = __builtin_convertvector(lanes, PairBytes);
-    std::memcpy(pixels, &bytes, sizeof bytes);
+void storeBytes(uint8_t* pixels, QuadBytes bytes) { std::memcpy(pixels, &bytes, sizeof bytes); }
+
+Quad widen(QuadBytes bytes) {
+    const QuadBytes zero{};
+    return {std::bit_cast<PairLanes>(
+                __builtin_shufflevector(bytes, zero, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23)),
+            std::bit_cast<PairLanes>(__builtin_shufflevector(bytes, zero, 8, 24, 9, 25, 10, 26, 11, 27, 12,
+                                                             28, 13, 29, 14, 30, 15, 31))};
+}
+
+/// Lanes to bytes; they are below 256.
+QuadBytes narrow(Quad quad) {
+    return __builtin_shufflevector(std::bit_cast<QuadBytes>(quad.low), std::bit_cast<QuadBytes>(quad.high), 0,
+                                   2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
 }
 
 /// Each pixel's alpha in its three colour lanes, and 0 in its alpha lane.
@@ -38,6 +57,14 @@ PairLanes opacityLanes(PairLanes pair) {
 /// `lanes / 255` for lanes below 65535.
 PairLanes dividedBy255(PairLanes lanes) { return (lanes + 1 + (lanes >> 8)) >> 8; }
 
+/// Runs `perQuad` on every four pixels and `perPixel` on those that are left, both by byte offset.
+template <class PerQuad, class PerPixel>
+void forEachQuad(size_t count, PerQuad&& perQuad, PerPixel&& perPixel) {
+    size_t i = 0;
+    for (; i + 4 <= count; i += 4) perQuad(4 * i);
+    for (; i < count; ++i) perPixel(4 * i);
+}
+
 /// The modes whose tables are plain arithmetic, by that arithmetic: the compiler turns it into vectors.
 template <BlendMode mode>
 constexpr bool kArithmetic = mode == BlendMode::Add || mode == BlendMode::Darken ||
@@ -46,7 +73,7 @@ constexpr bool kArithmetic = mode == BlendMode::Add || mode == BlendMode::Darken
 template <BlendMode mode>
 uint8_t blendedByArithmetic(uint8_t front, uint8_t behind) {
     if constexpr (mode == BlendMode::Add)
-        return static_cast<uint8_t>(front > 255 - behind ? 255 : front + behind);
+        return static_cast<uint8_t>(std::min(front + behind, 255));
     else if constexpr (mode == BlendMode::Darken)
         return std::min(front, behind);
     else if constexpr (mode == BlendMode::Lighten)
@@ -75,23 +102,38 @@ void blendByArithmetic(uint8_t* __restrict blended, const uint8_t* front, const 
 /// `(behind * (256 - a) + blended * a) >> 8` is `behind + (((blended - behind) * a) >> 8)` without a
 /// negative number in between.
 void mixShift(uint8_t* pixels, const uint8_t* blended, const uint8_t* front, size_t count) {
-    size_t i = 0;
-    for (; i + 2 <= count; i += 2, pixels += 8, blended += 8, front += 8) {
-        const PairLanes opacity = opacityLanes(loadPair(front));
-        storePair(pixels, (loadPair(pixels) * (256 - opacity) + loadPair(blended) * opacity) >> 8);
-    }
-    if (i < count) {
-        const uint32_t opacity = front[3];
-        for (size_t c = 0; c < 3; ++c)
-            pixels[c] = static_cast<uint8_t>((pixels[c] * (256 - opacity) + blended[c] * opacity) >> 8);
-    }
+    const auto mixed = [](PairLanes behind, PairLanes before, PairLanes opacity) {
+        return (behind * (256 - opacity) + before * opacity) >> 8;
+    };
+    forEachQuad(
+        count,
+        [&](size_t at) {
+            const Quad behind = widen(loadBytes(pixels + at)), before = widen(loadBytes(blended + at)),
+                       opacity = widen(loadBytes(front + at));
+            storeBytes(pixels + at, narrow({mixed(behind.low, before.low, opacityLanes(opacity.low)),
+                                            mixed(behind.high, before.high, opacityLanes(opacity.high))}));
+        },
+        [&](size_t at) {
+            const int32_t opacity = front[at + 3];
+            for (size_t c = at; c < at + 3; ++c)
+                pixels[c] = static_cast<uint8_t>((pixels[c] * (256 - opacity) + blended[c] * opacity) >> 8);
+        });
+}
+
+void copyColour(uint8_t* pixels, const uint8_t* front, size_t count) {
+    forEachQuad(
+        count,
+        [&](size_t at) {
+            storeBytes(pixels + at,
+                       (loadBytes(pixels + at) & kAlphaBytes) | (loadBytes(front + at) & ~kAlphaBytes));
+        },
+        [&](size_t at) { std::memcpy(pixels + at, front + at, 3); });
 }
 
 template <BlendMode mode>
 void shiftRun(Pixel* pixels, const Pixel* front, size_t count, const LookupTables& tables) {
     if constexpr (mode == BlendMode::NoBlend) {
-        for (size_t i = 0; i < count; ++i)
-            pixels[i] = {front[i].blue, front[i].green, front[i].red, pixels[i].alpha};
+        copyColour(reinterpret_cast<uint8_t*>(pixels), reinterpret_cast<const uint8_t*>(front), count);
         return;
     }
     alignas(16) uint8_t blended[4 * kChunk];
@@ -110,42 +152,58 @@ void shiftRun(Pixel* pixels, const Pixel* front, size_t count, const LookupTable
 
 /// Colour as the blend sees it, scaled by its own alpha: `scaleByte[colour][alpha]`.
 void scaleByAlpha(uint8_t* scaled, const uint8_t* pixels, size_t count) {
-    for (size_t i = 0; i + 2 <= count; i += 2) {
-        const PairLanes pair = loadPair(pixels + 4 * i);
-        storePair(scaled + 4 * i, dividedBy255(pair * opacityLanes(pair)));
-    }
-    if (count % 2) {
-        const uint8_t* last = pixels + 4 * (count - 1);
-        for (size_t c = 0; c < 3; ++c)
-            scaled[4 * (count - 1) + c] = static_cast<uint8_t>(last[c] * last[3] / 255);
-    }
+    forEachQuad(
+        count,
+        [&](size_t at) {
+            const Quad quad = widen(loadBytes(pixels + at));
+            storeBytes(scaled + at, narrow({dividedBy255(quad.low * opacityLanes(quad.low)),
+                                            dividedBy255(quad.high * opacityLanes(quad.high))}));
+        },
+        [&](size_t at) {
+            for (size_t c = at; c < at + 3; ++c)
+                scaled[c] = static_cast<uint8_t>(pixels[c] * pixels[at + 3] / 255);
+        });
 }
 
 /// Lays a colour that is already blended over one pixel.
 void mixOver(uint8_t* pixel, const uint8_t* blended, uint8_t frontAlpha, const LookupTables& tables) {
     const StraightOver over(tables, pixel[3], frontAlpha);
     if (over.alpha() == 0) return;
-    for (size_t c = 0; c < 3; ++c) pixel[c] = over.mix(pixel[c], blended[c]);
-    pixel[3] = over.alpha();
+    const uint8_t mixed[4] = {over.mix(pixel[0], blended[0]), over.mix(pixel[1], blended[1]),
+                              over.mix(pixel[2], blended[2]), over.alpha()};
+    std::memcpy(pixel, mixed, sizeof mixed);
+}
+
+/// Whether in each of four pixels one alpha or the other is 255.
+bool oneIsOpaque(QuadBytes behind, QuadBytes front) {
+    constexpr uint64_t alphas = 0xFF000000FF000000;
+    using Halves [[gnu::vector_size(16)]] = uint64_t;
+    const auto full = std::bit_cast<Halves>((behind == 255) | (front == 255));
+    return (full[0] & full[1] & alphas) == alphas;
 }
 
 /// Where either alpha is 255 the weights are whole numbers over 255, and the mix is one exact division.
 void mixOverRun(uint8_t* pixels, const uint8_t* blended, const uint8_t* front, size_t count,
                 const LookupTables& tables) {
-    size_t i = 0;
-    for (; i + 2 <= count; i += 2, pixels += 8, blended += 8, front += 8) {
-        const bool whole = std::max(pixels[3], front[3]) == 255 && std::max(pixels[7], front[7]) == 255;
-        if (whole) {
-            const PairLanes opacity = opacityLanes(loadPair(front));
-            const PairLanes mixed = loadPair(pixels) * (255 - opacity) + loadPair(blended) * opacity;
-            storePair(pixels, dividedBy255(mixed));
-            pixels[3] = pixels[7] = 255;
-        } else {
-            mixOver(pixels, blended, front[3], tables);
-            mixOver(pixels + 4, blended + 4, front[7], tables);
-        }
-    }
-    if (i < count) mixOver(pixels, blended, front[3], tables);
+    const auto mixed = [](PairLanes behind, PairLanes before, PairLanes opacity) {
+        return dividedBy255(behind * (255 - opacity) + before * opacity);
+    };
+    const auto perPixel = [&](size_t at) { mixOver(pixels + at, blended + at, front[at + 3], tables); };
+    forEachQuad(
+        count,
+        [&](size_t at) {
+            const QuadBytes behindBytes = loadBytes(pixels + at), frontBytes = loadBytes(front + at);
+            if (!oneIsOpaque(behindBytes, frontBytes)) {
+                for (size_t c = at; c < at + 16; c += 4) perPixel(c);
+                return;
+            }
+            const Quad behind = widen(behindBytes), before = widen(loadBytes(blended + at)),
+                       opacity = widen(frontBytes);
+            const Quad colour{mixed(behind.low, before.low, opacityLanes(opacity.low)),
+                              mixed(behind.high, before.high, opacityLanes(opacity.high))};
+            storeBytes(pixels + at, narrow(colour) | kAlphaBytes);
+        },
+        perPixel);
 }
 
 template <BlendMode mode>
