@@ -1,0 +1,128 @@
+#include "point/ColourEffects.h"
+
+#include "core/Numbers.h"
+#include "point/BlackBody.h"
+#include "point/ByteCurve.h"
+#include "point/ColourBlock.h"
+#include "point/HsvBlock.h"
+
+namespace krl {
+
+Status ambientLight(ImageEngine& engine, Colour myColor, int32_t intensity) {
+    const int32_t lift = clampTo(intensity, 0, 255);
+    const auto missing = [=](uint8_t light) { return clampByte(255 - light - lift); };
+    const Pixel loss = {missing(myColor.blue()), missing(myColor.green()), missing(myColor.red()), 0};
+    if (engine.useWidePath()) return shiftSaturated(engine, loss, true);
+    const auto dimmed = [](uint8_t by) { return byteCurve([=](int32_t i) { return clampByte(i - by); }); };
+    return applyCurves(engine, {dimmed(loss.blue), dimmed(loss.green), dimmed(loss.red)});
+}
+
+Status colourBalance(ImageEngine& engine, float redVal, float greenVal, float blueVal) {
+    const auto scaled = [](float by) {
+        return byteCurve([=](int32_t i) { return truncatedByte(i * double(by)); });
+    };
+    return applyCurves(engine, {scaled(blueVal), scaled(greenVal), scaled(redVal)});
+}
+
+Status colourTemperature(ImageEngine& engine, float tempShift) {
+    const LightColour light = blackBodyColour(tempShift);
+    // Truncated before it is limited: a product beyond all integers turns black, not white.
+    const auto lit = [](double by) {
+        return byteCurve([=](int32_t i) { return clampByte(truncate(i * by)); });
+    };
+    return applyCurves(engine, {lit(light.blue), lit(light.green), lit(light.red)});
+}
+
+Status desaturate(ImageEngine& engine) {
+    return recolourByMean(engine, [](int32_t mean) {
+        const auto grey = static_cast<uint8_t>(mean);
+        return Pixel{grey, grey, grey, 0};
+    });
+}
+
+Status sepia(ImageEngine& engine) {
+    return recolourByMean(engine, [&](int32_t mean) {
+        const LookupTables& tables = engine.tables();
+        return Pixel{static_cast<uint8_t>(tables.sepiaBlue[mean]),
+                     static_cast<uint8_t>(tables.sepiaGreen[mean]),
+                     static_cast<uint8_t>(tables.sepiaRed[mean]), 0};
+    });
+}
+
+namespace {
+
+/// Moves each lane of `from` towards `to` by `opacity` of 256; bits above the low byte are no matter.
+void mixLanes(int32_t (&from)[kBlockPixels], const int32_t (&to)[kBlockPixels], int32_t opacity) {
+    for (size_t i = 0; i < kBlockPixels; ++i)
+        from[i] = wrapAdd(from[i], wrapMultiply(to[i] - from[i], opacity) >> 8);
+}
+
+}  // namespace
+
+Status desaturatePro(ImageEngine& engine, float red, float green, float blue, int32_t opacity,
+                     bool equalise) {
+    const auto weights = static_cast<float>(double(green) + blue + red);
+    const double divisor = equalise && weights != 0.0f ? weights : 1.0;
+    return forEachColourBlock(engine, [=](ColourBlock& colours) {
+        int32_t greys[kBlockPixels];
+        for (size_t i = 0; i < kBlockPixels; ++i) {
+            const float greenPart = float(colours.green[i]) * green;
+            const float bluePart = float(colours.blue[i]) * blue;
+            const float redPart = float(colours.red[i]) * red;
+            const int32_t sum = truncate(double(greenPart) + bluePart + redPart);
+            greys[i] = clampTo(truncate(sum / divisor), 0, 255);
+        }
+        mixLanes(colours.blue, greys, opacity);
+        mixLanes(colours.green, greys, opacity);
+        mixLanes(colours.red, greys, opacity);
+    });
+}
+
+namespace {
+
+using Lanes = int32_t (ColourBlock::*)[kBlockPixels];
+
+/// Where each channel comes from.
+struct ChannelSources {
+    Lanes red, green, blue;
+};
+
+ChannelSources channelSources(ChannelOrder order) {
+    constexpr Lanes red = &ColourBlock::red, green = &ColourBlock::green, blue = &ColourBlock::blue;
+    switch (order) {
+        case ChannelOrder::RBG:
+            return {red, blue, green};
+        case ChannelOrder::GBR:
+            return {green, blue, red};
+        case ChannelOrder::GRB:
+            return {green, red, blue};
+        case ChannelOrder::BRG:
+            return {blue, red, green};
+        case ChannelOrder::BGR:
+            return {blue, green, red};
+        case ChannelOrder::RGB:
+            break;
+    }
+    return {red, green, blue};
+}
+
+}  // namespace
+
+Status rgbChannelSwap(ImageEngine& engine, ChannelOrder channel, int32_t opacity) {
+    if (channel == ChannelOrder::RGB) return engine.imageStatus();
+    const ChannelSources sources = channelSources(channel);
+    return forEachColourBlock(engine, [=](ColourBlock& colours) {
+        const ColourBlock before = colours;
+        mixLanes(colours.red, before.*sources.red, opacity);
+        mixLanes(colours.green, before.*sources.green, opacity);
+        mixLanes(colours.blue, before.*sources.blue, opacity);
+    });
+}
+
+Status saturation(ImageEngine& engine, float saturation) {
+    return recolourByHsv(engine, [=](float& pixelSaturation, float&) {
+        pixelSaturation = clampTo(pixelSaturation * saturation, 0.0f, 1.0f);
+    });
+}
+
+}  // namespace krl

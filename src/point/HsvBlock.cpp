@@ -1,0 +1,61 @@
+#include "point/HsvBlock.h"
+
+namespace krl {
+
+void toHsv(const ColourBlock& colours, HsvBlock& hsv) {
+    for (size_t i = 0; i < kBlockPixels; ++i) {
+        const float red = float(colours.red[i]) / 255.0f;
+        const float green = float(colours.green[i]) / 255.0f;
+        const float blue = float(colours.blue[i]) / 255.0f;
+        const float larger = red > green ? red : green, smaller = red < green ? red : green;
+        const float max = larger > blue ? larger : blue, min = smaller < blue ? smaller : blue;
+        const float delta = max - min;
+        hsv.value[i] = max;
+        hsv.saturation[i] = delta / (max == 0.0f ? 1.0f : max);
+
+        const bool redLeads = red == max, greenLeads = green == max;
+        const float across = redLeads ? green - blue : greenLeads ? blue - red : red - green;
+        const float sector = redLeads ? 0.0f : greenLeads ? 2.0f : 4.0f;
+        const float hue = (across / (delta == 0.0f ? 1.0f : delta) + sector) * 60.0f;
+        const float around = hue + 360.0f;
+        hsv.turn[i] = (hue < 0.0f ? around : hue) / 60.0f;
+    }
+}
+
+namespace {
+
+/// A channel on 0..1 as a byte, rounded; NaN gives 0.
+int32_t channelByte(float channel) {
+    const double level = channel * 255.0 + 0.5;
+    return static_cast<int32_t>(level > 0.0 ? level : 0.0);
+}
+
+}  // namespace
+
+void fromHsv(const HsvBlock& hsv, ColourBlock& colours) {
+    int32_t sectors[kBlockPixels], high[kBlockPixels], middle[kBlockPixels], low[kBlockPixels];
+    float slopes[kBlockPixels];
+    // In odd sectors one channel falls with the hue's fraction, in even ones one rises with it.
+    for (size_t i = 0; i < kBlockPixels; ++i) sectors[i] = static_cast<int32_t>(hsv.turn[i]);
+    for (size_t i = 0; i < kBlockPixels; ++i) slopes[i] = hsv.turn[i] - float(sectors[i]);
+    for (size_t i = 0; i < kBlockPixels; ++i) {
+        const double value = hsv.value[i], saturation = hsv.saturation[i], fraction = slopes[i];
+        const double rest = 1.0 - fraction;
+        const double slope = (sectors[i] & 1) != 0 ? fraction : rest;
+        high[i] = channelByte(hsv.value[i]);
+        middle[i] = channelByte(static_cast<float>(value * (1.0 - saturation * slope)));
+        low[i] = channelByte(static_cast<float>(value * (1.0 - saturation)));
+    }
+    for (size_t i = 0; i < kBlockPixels; ++i) {
+        const int32_t s = sectors[i], top = high[i], mid = middle[i], bottom = low[i];
+        const auto choose = [=](bool isHigh, bool isMiddle) {
+            const int32_t other = isMiddle ? mid : bottom;
+            return isHigh ? top : other;
+        };
+        colours.red[i] = choose((s == 0) | (s == 5), (s == 1) | (s == 4));
+        colours.green[i] = choose((s == 1) | (s == 2), (s == 0) | (s == 3));
+        colours.blue[i] = choose((s == 3) | (s == 4), (s == 2) | (s == 5));
+    }
+}
+
+}  // namespace krl
