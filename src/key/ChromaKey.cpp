@@ -1,0 +1,99 @@
+#include <array>
+
+#include "core/Clones.h"
+#include "core/LookupTables.h"
+#include "key/ExtremesTable.h"
+#include "key/HsvKeys.h"
+#include "key/HueRun.h"
+#include "key/KeyMatte.h"
+
+namespace krl {
+
+namespace {
+
+/// The range of one component: matte 0 on `low..high`, a ramp on either side out to the outer
+/// bounds, and none beyond, which counts as 255.
+struct KeyWindow {
+    float low = 0, high = 0, outerLow = 0, outerHigh = 0;
+    float scale = 0;  ///< levels per unit of distance, infinite where the ramp has no width
+};
+
+/// A range in turns. Bounds below 0 or from 1 on reach across the seam.
+KeyWindow hueWindow(float pick, float inner, float outer) {
+    return {.low = static_cast<float>((double(pick) - inner) / 360.0),
+            .high = static_cast<float>((double(pick) + inner) / 360.0),
+            .outerLow = static_cast<float>((double(pick) - inner - outer) / 360.0),
+            .outerHigh = static_cast<float>((double(pick) + inner + outer) / 360.0),
+            .scale = static_cast<float>(255.0 / (outer / 360.0))};
+}
+
+/// A range in percent.
+KeyWindow unitWindow(float pick, float inner, float outer) {
+    const auto bound = [](double percent) { return static_cast<float>(clampUnit(percent / 100.0)); };
+    return {.low = bound(double(pick) - inner),
+            .high = bound(double(pick) + inner),
+            .outerLow = bound(double(pick) - inner - outer),
+            .outerHigh = bound(double(pick) + inner + outer),
+            .scale = static_cast<float>(255.0 / (outer / 100.0))};
+}
+
+/// Matte of a saturation or value.
+uint8_t matteIn(const KeyWindow& window, double x) {
+    if (window.low <= x && x <= window.high) return 0;
+    if (window.outerLow <= x && x < window.low) return truncatedByte((window.low - x) * window.scale);
+    if (window.high < x && x <= window.outerHigh) return truncatedByte((x - window.high) * window.scale);
+    return 255;
+}
+
+/// Mattes of hues. A later test that holds overrides an earlier one, as where wide ranges meet
+/// themselves around the circle. A turn is always below 1, so the tests across the seam hold only
+/// where a bound reaches across it.
+KRL_WIDE_CLONES void hueMattes(const KeyWindow& window, const float* hues, ptrdiff_t count, uint8_t* mattes) {
+    const double low = window.low, high = window.high, scale = window.scale;
+    const double outerLow = window.outerLow, outerHigh = window.outerHigh;
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        const double turn = hues[i] * 0.0027777778450399637f;
+        const bool inside = (low <= turn) & (turn <= high);
+        const bool below = (outerLow <= turn) & (turn < low);
+        const bool belowSeam = outerLow + 1.0 <= turn;
+        const bool above = (high < turn) & (turn <= outerHigh);
+        const bool aboveSeam = turn <= outerHigh - 1.0;
+
+        double distance = below ? low - turn : 0.0;
+        distance = belowSeam ? 1.0 + low - turn : distance;
+        distance = above ? turn - high : distance;
+        distance = aboveSeam ? 1.0 + turn - high : distance;
+        const bool found = inside | below | belowSeam | above | aboveSeam;
+        mattes[i] = found ? truncatedByte(distance * scale) : 255;
+    }
+}
+
+}  // namespace
+
+Status chromaKey(ImageEngine& engine, float huePick, float innerHue, float outerHue, float satPick,
+                 float innerSat, float outerSat, float valPick, float innerVal, float outerVal, bool keep,
+                 bool invert) {
+    if (Status state = engine.imageStatus()) return state;
+    const auto degrees = [](float value) { return clampTo(value, 0.0f, 360.0f); };
+    const auto percent = [](double value) { return clampTo(static_cast<float>(value), 0.0f, 100.0f); };
+    const KeyWindow hue = hueWindow(degrees(huePick), degrees(innerHue), degrees(outerHue));
+    const KeyWindow saturation = unitWindow(percent(satPick * 100.0), percent(innerSat), percent(outerSat));
+    const KeyWindow value = unitWindow(percent(valPick * 100.0), percent(innerVal), percent(outerVal));
+
+    // No matte counts as 255 throughout: screened with anything, 255 stays 255.
+    const auto& screen = engine.tables().blendScreen;
+    const ExtremesTable greyMattes(engine.tables(), [&](const Hsv& colour) {
+        return screen[matteIn(saturation, colour.saturation)][matteIn(value, colour.value)];
+    });
+    return keyEachRun(engine, keep, invert, [&](const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) {
+        std::array<float, kMatteRun> hues;
+        huesOf(pixels, count, hues.data());
+        hueMattes(hue, hues.data(), count, mattes);
+        for (ptrdiff_t i = 0; i < count; ++i) {
+            const uint8_t grey = greyMattes[pixels[i]];
+            mattes[i] = hues[size_t(i)] == -1.0f ? grey : screen[mattes[i]][grey];
+        }
+    });
+}
+
+}  // namespace krl

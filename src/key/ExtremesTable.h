@@ -1,0 +1,35 @@
+#pragma once
+
+#include <algorithm>
+
+#include "core/ColourSpace.h"
+#include "core/LookupTables.h"
+#include "core/Pixel.h"
+#include "core/Scratch.h"
+
+namespace krl {
+
+/// The mattes of a key on saturation and value, which hang on nothing but a pixel's largest and
+/// smallest channel: worked out once for each pair of bytes, then read.
+class ExtremesTable {
+public:
+    /// From `matteOf(const Hsv&)`, whose argument's hue means nothing.
+    template <class MatteOf>
+    ExtremesTable(const LookupTables& tables, MatteOf&& matteOf) {
+        for (size_t max = 0; max < 256; ++max)
+            for (size_t min = 0; min <= max; ++min) {
+                const float least = tables.unitFromByte[min];
+                mattes_[max << 8 | min] = matteOf(rgbToHsv(tables.unitFromByte[max], least, least));
+            }
+    }
+
+    uint8_t operator[](const Pixel& p) const {
+        const uint8_t max = std::max({p.blue, p.green, p.red}), min = std::min({p.blue, p.green, p.red});
+        return mattes_[size_t(max) << 8 | min];
+    }
+
+private:
+    Scratch<uint8_t> mattes_{size_t(256) << 8};
+};
+
+}  // namespace krl
