@@ -141,7 +141,7 @@ void TentBlur::blurLayout(uint8_t* block, int32_t height, int32_t width, int32_t
     if (halfWidth <= 0 || height <= 0 || width <= 0) return;
     const size_t samples = size_t(height) * size_t(width) * Layout::kLanes;
     if (lines_.size() < samples) lines_ = Scratch<uint8_t>(samples);
-    if (halfWidth <= tent::NarrowBytes::kWidestHere) {
+    if (halfWidth <= tent::kWidestNarrow) {
         runPasses<tent::NarrowBytes>(block, height, width, halfWidth, layout, lines_.data());
     } else {
         runPasses<tent::WideBytes>(block, height, width, halfWidth, layout, lines_.data());

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 
+#include "blur/ByteQuotient.h"
 #include "core/Numbers.h"
 
 #if defined(__SSE2__)
@@ -32,45 +32,26 @@ inline int32_t halfWidth(int32_t radius) {
 /// Sum of the weights of a window.
 constexpr int64_t weightOf(int32_t halfWidth) { return (halfWidth + int64_t{1}) * (halfWidth + int64_t{1}); }
 
-/// Bytes whose sums fit 32 bits. The division by the weight is a multiplication and a shift, exact
-/// for every sum: the multiplier is less than 1 too large, the sum below 256 * weight and 2^shift at
-/// least 2^31 * weight, so up to a weight of 2^23 the error never carries a quotient over.
-class NarrowBytes {
+/// Bytes, whose sums are divided by `Quotient`.
+template <class Quotient>
+class Bytes {
 public:
     using Sample = uint8_t;
-    using Sum = uint32_t;
-    static constexpr int32_t kWidestHere = 2895;
+    using Sum = typename Quotient::Sum;
 
-    explicit NarrowBytes(int32_t halfWidth) {
-        const auto weight = static_cast<uint64_t>(weightOf(halfWidth));
-        shift_ = 31 + static_cast<int>(std::bit_width(weight - 1));
-        multiplier_ = static_cast<uint32_t>(((uint64_t{1} << shift_) + weight - 1) / weight);
-    }
-
-    uint8_t quotient(uint32_t sum) const {
-        return static_cast<uint8_t>((uint64_t{sum} * multiplier_) >> shift_);
-    }
-
-    uint32_t multiplier() const { return multiplier_; }
-    int shift() const { return shift_; }
+    explicit Bytes(int32_t halfWidth) : divide_(static_cast<uint64_t>(weightOf(halfWidth))) {}
+    uint8_t quotient(Sum sum) const { return divide_(sum); }
+    const Quotient& division() const { return divide_; }
 
 private:
-    uint32_t multiplier_;
-    int shift_;
+    Quotient divide_;
 };
 
-/// Bytes under a window too wide for 32 bits.
-class WideBytes {
-public:
-    using Sample = uint8_t;
-    using Sum = uint64_t;
-
-    explicit WideBytes(int32_t halfWidth) : weight_(static_cast<uint64_t>(weightOf(halfWidth))) {}
-    uint8_t quotient(uint64_t sum) const { return static_cast<uint8_t>(sum / weight_); }
-
-private:
-    uint64_t weight_;
-};
+/// Bytes under windows up to `kWidestNarrow`, whose sums fit 32 bits, and under wider ones.
+using NarrowBytes = Bytes<ByteQuotient>;
+using WideBytes = Bytes<WideByteQuotient>;
+inline constexpr int32_t kWidestNarrow = 2895;
+static_assert(weightOf(kWidestNarrow) <= int64_t{ByteQuotient::kLargestWeight});
 
 /// Any 32-bit integers; the quotient is truncated toward zero.
 class SignedWords {
@@ -174,8 +155,8 @@ public:
         : Window(arithmetic, line, halfWidth, 4),
           sum_(_mm_load_si128(reinterpret_cast<const __m128i*>(sums_))),
           slope_(_mm_load_si128(reinterpret_cast<const __m128i*>(slopes_))),
-          multiplier_(_mm_set1_epi32(static_cast<int>(arithmetic.multiplier()))),
-          shift_(_mm_cvtsi32_si128(arithmetic.shift())) {}
+          multiplier_(_mm_set1_epi32(static_cast<int>(arithmetic.division().multiplier()))),
+          shift_(_mm_cvtsi32_si128(arithmetic.division().shift())) {}
 
     void step(uint8_t* means, const uint8_t* entering, const uint8_t* centre, const uint8_t* leaving) {
         store(means, quotients());

@@ -71,7 +71,7 @@ TEST(TentWindow, ReachesSeventyTwoHundredthsOfTheRadius) {
 // A quotient only changes at multiples of the weight, so one sum on each side of each step is the
 // whole range of sums.
 TEST(TentWindow, DividesExactlyForEverySumOfEveryNarrowWindow) {
-    for (int32_t halfWidth = 0; halfWidth <= tent::NarrowBytes::kWidestHere; ++halfWidth) {
+    for (int32_t halfWidth = 0; halfWidth <= tent::kWidestNarrow; ++halfWidth) {
         const tent::NarrowBytes arithmetic(halfWidth);
         const auto weight = static_cast<uint64_t>(tent::weightOf(halfWidth));
         ASSERT_LE(weight * 255, UINT32_MAX);

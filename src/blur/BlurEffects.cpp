@@ -1,0 +1,85 @@
+#include "blur/BlurEffects.h"
+
+#include "blur/ByteMix.h"
+#include "blur/TentBlur.h"
+#include "core/ImageCopy.h"
+#include "core/Numbers.h"
+#include "point/ByteCurve.h"
+
+namespace krl {
+
+void blurTarget(const ImageBuffer& block, int32_t radius, ChannelTarget target, int32_t threadCount) {
+    TentBlur blur(threadCount);
+    switch (target) {
+        case ChannelTarget::RGBA:
+            return blur.blurRGBA(block.row(0), block.height, block.width, radius);
+        case ChannelTarget::RGB:
+            return blur.blurRGB(block.row(0), block.height, block.width, radius);
+        default:
+            return blur.blurAlpha(block.row(0), block.height, block.width, radius);
+    }
+}
+
+Status fastGaussianBlur(ImageEngine& engine, int32_t radius, ChannelTarget target) {
+    if (Status state = engine.imageStatus()) return state;
+    if (radius <= 0) return kStatusOk;
+    const ImageBuffer& image = *engine.buffer();
+    if (target == ChannelTarget::Single) {
+        TentBlur(engine.getThreadCount()).blurSingle(image.row(0), image.height, image.width, radius);
+    } else {
+        blurTarget(image, radius, target, engine.getThreadCount());
+    }
+    return kStatusOk;
+}
+
+Status blurProRGB(ImageEngine& engine, int32_t blurR, int32_t blurG, int32_t blurB) {
+    if (Status state = engine.imageStatus()) return state;
+    const ImageBuffer& image = *engine.buffer();
+    TentBlur blur(engine.getThreadCount());
+    const int32_t radii[] = {blurB, blurG, blurR};
+    for (int32_t channel = 2; channel >= 0; --channel)
+        blur.blurChannel(image.row(0), image.height, image.width, radii[channel], channel);
+    return kStatusOk;
+}
+
+Status defocus(ImageEngine& engine, int32_t blur, float bloom, ChannelTarget target) {
+    if (Status state = engine.imageStatus()) return state;
+    const auto rest = static_cast<float>(1.0 - static_cast<float>(clampTo<double>(bloom, 0.0, 0.8)));
+    const ByteCurve lift = byteCurve([=](int32_t i) { return truncatedByte(i / 255.0 / rest * 255.0); });
+    const ChannelTarget blurred = target == ChannelTarget::RGBA ? target : ChannelTarget::RGB;
+    if (blur > 0) blurTarget(*engine.buffer(), blur, blurred, engine.getThreadCount());
+    return applyCurve(engine, ChannelTarget::RGB, lift);
+}
+
+Status diffuse(ImageEngine& engine, int32_t blur, float opacity, BlurQuality, ChannelTarget target) {
+    if (Status state = engine.imageStatus()) return state;
+    const double sharpShare = clampUnit(opacity), blurShare = 1.0 - sharpShare;
+    const ImageCopy sharp(*engine.buffer());
+    if (blur > 0) blurTarget(*engine.buffer(), blur, target, engine.getThreadCount());
+    return mixBytes(engine, sharp.row(0), target, [=](uint8_t blurredByte, uint8_t sharpByte) {
+        return truncatedByte(sharpByte * sharpShare + blurredByte * blurShare);
+    });
+}
+
+Status oneChannelFeather(ImageEngine& engine, int32_t radius, BlurQuality) {
+    if (Status state = engine.imageStatus()) return state;
+    blurTarget(*engine.buffer(), radius, ChannelTarget::Alpha, engine.getThreadCount());
+    return kStatusOk;
+}
+
+Status blurColourReplace(ImageEngine& engine, Colour colour) {
+    if (!engine.getPixels()) return kStatusRefused;
+    const auto scaledBy = [](uint8_t level) {
+        const auto share = static_cast<float>(level / 255.0);
+        return byteCurve([=](int32_t i) { return truncatedByte(share * (i / 255.0) * 255.0); });
+    };
+    const ImageInfo& info = engine.getImageInfo();
+    auto* first = reinterpret_cast<Pixel*>(engine.getPixels());
+    const int64_t bytes = int64_t{info.height} * info.rowBytes;
+    if (bytes > 0)
+        applyCurves(first, first + bytes / int64_t{sizeof(Pixel)},
+                    {scaledBy(colour.blue()), scaledBy(colour.green()), scaledBy(colour.red())});
+    return kStatusOk;
+}
+
+}  // namespace krl

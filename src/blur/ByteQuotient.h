@@ -1,0 +1,46 @@
+#pragma once
+
+#include <bit>
+#include <cstdint>
+
+namespace krl {
+
+/// Division of a sum of bytes by the sum of their weights, as one multiplication and a shift.
+///
+/// Exact for every sum of up to `255 * weight`: the multiplier is less than 1 too large, such a sum
+/// below `256 * weight` and 2^shift at least `2^31 * weight`, so up to `kLargestWeight` the error
+/// never carries a quotient over.
+class ByteQuotient {
+public:
+    using Sum = uint32_t;
+    static constexpr uint64_t kLargestWeight = uint64_t{1} << 23;
+
+    explicit ByteQuotient(uint64_t weight)
+        : shift_(31 + static_cast<int>(std::bit_width(weight - 1))),
+          multiplier_(static_cast<uint32_t>(((uint64_t{1} << shift_) + weight - 1) / weight)) {}
+
+    uint8_t operator()(uint32_t sum) const {
+        return static_cast<uint8_t>((uint64_t{sum} * multiplier_) >> shift_);
+    }
+
+    uint32_t multiplier() const { return multiplier_; }
+    int shift() const { return shift_; }
+
+private:
+    int shift_;
+    uint32_t multiplier_;
+};
+
+/// The same for any weight whose sums fit 64 bits, by division.
+class WideByteQuotient {
+public:
+    using Sum = uint64_t;
+
+    explicit WideByteQuotient(uint64_t weight) : weight_(weight) {}
+    uint8_t operator()(uint64_t sum) const { return static_cast<uint8_t>(sum / weight_); }
+
+private:
+    uint64_t weight_;
+};
+
+}  // namespace krl
