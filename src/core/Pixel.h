@@ -10,8 +10,8 @@ struct Pixel {
     uint8_t blue, green, red, alpha;
 
     /// Byte by channel number: 0 blue, 1 green, 2 red, 3 alpha.
-    uint8_t& operator[](size_t channel) { return (&blue)[channel]; }
-    uint8_t operator[](size_t channel) const { return (&blue)[channel]; }
+    uint8_t& operator[](size_t channel) { return reinterpret_cast<uint8_t*>(this)[channel]; }
+    uint8_t operator[](size_t channel) const { return reinterpret_cast<const uint8_t*>(this)[channel]; }
 
     bool operator==(const Pixel&) const = default;
 };

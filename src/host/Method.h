@@ -289,7 +289,7 @@ Method method(const char* name, Status (*effect)(ImageEngine&, Parameters...)) {
     made.hasEffect_ = true;
     made.parameters_ = {argumentKindOf<std::remove_cvref_t<Parameters>>()...};
     const auto applied = [effect]<size_t... Index>(std::index_sequence<Index...>) {
-        return [effect](ImageEngine& engine, std::span<const ArgumentValue> arguments) {
+        return [effect](ImageEngine& engine, [[maybe_unused]] std::span<const ArgumentValue> arguments) {
             return effect(engine, arguments[Index].template as<std::remove_cvref_t<Parameters>>()...);
         };
     }

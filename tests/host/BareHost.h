@@ -61,12 +61,12 @@ public:
 private:
     /// An interface of this host: its table first, as every interface has it.
     struct Service {
-        HostInterface interface;
+        HostInterface door;
         BareHost* host;
         std::array<void*, slots::kTableSize> operations{};
     };
 
-    HostInterface* face(Service& service) { return &service.interface; }
+    HostInterface* face(Service& service) { return &service.door; }
 
     // An instance's head begins like a service too: a table, then this host.
     static BareHost& hostOf(HostInterface* self) { return *reinterpret_cast<Service*>(self)->host; }
@@ -79,7 +79,7 @@ private:
     template <class Op>
     void set(Service& service, typename Op::Function function) {
         service.host = this;
-        service.interface.operations = service.operations.data();
+        service.door.operations = service.operations.data();
         service.operations[Op::slot] = reinterpret_cast<void*>(function);
     }
 
@@ -93,7 +93,7 @@ private:
         for (const Identifier& lacking : host.missing)
             if (lacking == *id) return kHostNoInterface;
         ++host.references;
-        *out = *id == ids::kAppInfo ? &host.application_.interface : &host.other_.interface;
+        *out = *id == ids::kAppInfo ? &host.application_.door : &host.other_.door;
         return kHostOk;
     }
 
@@ -135,7 +135,7 @@ private:
         BareHost& host = hostOf(self);
         if (host.failingEntry && *host.failingEntry == *interfaceId) return kHostOutOfMemory;
         ++host.entriesAdded;
-        *dictionary = &host.dictionary_.interface;
+        *dictionary = &host.dictionary_.door;
         return kHostOk;
     }
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "BareHost.h"
+#include "host/BareHost.h"
 #include "host/Door.h"
 #include "host/MessageTable.h"
 
