@@ -1,7 +1,198 @@
+#include "composite/BlendMode.h"
+#include "host/MethodCall.h"
 #include "host/MethodRegistry.h"
 
+/// Bindings of the methods that read and check their arguments like any other and leave the picture
+/// as it is. They stand in the method list so that scripts written against the whole of it run.
 namespace krl::host {
 
-void addInertMethods(MethodList& list) { list.group(""); }
+namespace {
+
+/// Takes its arguments and does nothing; a picture need not be loaded.
+template <class... Arguments>
+Status leavePicture(ImageEngine&, Arguments...) {
+    return kStatusOk;
+}
+
+/// The same, for methods that want a picture loaded all the same.
+template <class... Arguments>
+Status leaveLoadedPicture(ImageEngine& engine, Arguments...) {
+    return engine.imageStatus();
+}
+
+/// A colour list that is read and not used.
+using Colours = std::span<const CurveKey>;
+const std::vector<ColourStop> kColoursExample = {{0, Colour(0, 0, 0)}, {100, Colour(255, 255, 255)}};
+
+std::vector<SymbolChoice> allBlends() {
+    return {{"noBlend", BlendMode::NoBlend},
+            {"normal", BlendMode::Normal},
+            {"add", BlendMode::Add},
+            {"darken", BlendMode::Darken},
+            {"multiply", BlendMode::Multiply},
+            {"screen", BlendMode::Screen},
+            {"lighten", BlendMode::Lighten},
+            {"hardlight", BlendMode::HardLight},
+            {"difference", BlendMode::Difference},
+            {"pinlight", BlendMode::PinLight},
+            {"overlay", BlendMode::Overlay},
+            {"exclusion", BlendMode::Exclusion},
+            {"softlight", BlendMode::SoftLight},
+            {"colorburn", BlendMode::ColorBurn},
+            {"colordodge", BlendMode::ColorDodge},
+            {"hue", BlendMode::Hue},
+            {"saturation", BlendMode::Saturation},
+            {"color", BlendMode::Color}};
+}
+
+std::vector<SymbolChoice> compositeBlends() {
+    std::vector<SymbolChoice> choices;
+    for (const BlendSymbol& blend : kCompositeBlends) choices.emplace_back(blend.symbol, blend.mode);
+    return choices;
+}
+
+std::vector<SymbolChoice> colourSources() { return {{"from_image", 0}, {"colourise_image", 1}}; }
+std::vector<SymbolChoice> qualities() { return {{"standard", 0}, {"antialiased", 1}}; }
+std::vector<SymbolChoice> colourWithAlpha() {
+    return {{"RGB", ChannelTarget::RGB}, {"RGBA", ChannelTarget::RGBA}};
+}
+
+void addPatterns(MethodList& list) {
+    list.add(method("krlImageDefinePattern", leavePicture<SecondImage, BlendMode, int32_t>)
+                 .summary("Checks its arguments and leaves the picture as it is.")
+                 .image("patternImage", {}, "logo.png", "a picture")
+                 .symbol("blendMethod", allBlends(), refused("Zoom Glow invalid input blendMethod (Image)"),
+                         "a blend mode")
+                 .integer("transparency", {.from = 0, .to = 255, .example = 255}, "opacity, 255 being full")
+                 .inputFailure("Define Pattern input failure (Image)")
+                 .failed("Failed Define Pattern function (Image)"));
+    list.add(method("krlImageDiffuseExtended", leavePicture<int32_t, bool, int32_t, float, bool>)
+                 .summary("Checks its arguments and leaves the picture as it is.")
+                 .integer("threshold", {.from = 0, .to = 255, .example = 128}, "a level")
+                 .symbol("colourMethod", {{"black", 0}, {"white", 1}},
+                         refused("Diffuse Extended invalid input quality (Image)"), "a colour")
+                 .integer("blur", {.from = 0, .to = 50, .example = 5}, "a radius in pixels")
+                 .real("opacity", {.from = 0, .to = 1, .example = 0.5}, "a share")
+                 .symbol("quality", qualities(), refused("Diffuse Extended invalid input quality (Image)"),
+                         "a quality")
+                 .inputFailure("Diffuse Extended input failure (Image)")
+                 .failed("Failed Diffuse Extended function (Image)"));
+    list.add(method("krlImageFishEye", leavePicture<int32_t, float, Point, bool, bool, bool>)
+                 .summary("Checks its arguments and leaves the picture as it is.")
+                 .integer("radius", {.from = 0, .to = 500, .example = 100}, "a radius in pixels")
+                 .real("curvature", {.from = 0, .to = 2, .example = 1}, "a strength")
+                 .point("origin", {}, "a place")
+                 .symbol("direction", {{"inwards", 0}, {"outwards", 1}},
+                         refused("Fish Eye invalid input direction option (Image)"), "a direction")
+                 .symbol("background", {{"original", 0}, {"transparent", 1}},
+                         refused("Fish Eye invalid input background option (Image)"), "what lies outside")
+                 .symbol("traditional", {{"yes", true}, {"no", false}},
+                         refused("Fish Eye invalid input background option (Image)"), "a choice of lens")
+                 .inputFailure("Fish Eye input failure (Image)")
+                 .failed("Failed Fish Eye function (Image)"));
+}
+
+void addGleams(MethodList& list) {
+    list.add(
+        method(
+            "krlImageGleamBlur",
+            leavePicture<int32_t, int32_t, int32_t, BlendMode, float, int32_t, Colours, bool, ChannelTarget>)
+            .summary("Checks its arguments and leaves the picture as it is.")
+            .integer("blackPoint", {.from = 0, .to = 255, .example = 100}, "a level")
+            .integer("whitePoint", {.from = 0, .to = 255, .example = 255}, "a level")
+            .integer("blur", {.from = 0, .to = 50, .example = 10}, "a radius in pixels")
+            .symbol("blendMethod", allBlends(), refused("Gleam Blur invalid input blendMethod (Image)"),
+                    "a blend mode")
+            .real("brightness", {.from = 0, .to = 4, .example = 1}, "a strength")
+            .integer("transparency", {.from = 0, .to = 255, .example = 255}, "opacity, 255 being full")
+            .colourList("colorList", {.scale = kLevelsPerPercent}, kColoursExample, "colours under percents")
+            .symbol("colourMethod", colourSources(), refused("Gleam Blur invalid input colourMethod (Image)"),
+                    "where colour comes from")
+            .symbol("colourOrAlpha", colourWithAlpha(),
+                    refused("Gleam Blur invalid input colourOrAlpha (Image)"), "colour, or alpha too")
+            .inputFailure("Gleam Blur input failure (Image)")
+            .failed("Failed Gleam Blur function (Image)"));
+    list.add(
+        method("krlImageGleamZoom", leavePicture<int32_t, int32_t, Point, float, float, BlendMode, float,
+                                                 int32_t, Colours, bool, ChannelTarget, bool>)
+            .summary("Checks its arguments and leaves the picture as it is.")
+            .integer("black", {.from = 0, .to = 255, .example = 100}, "a level")
+            .integer("white", {.from = 0, .to = 255, .example = 255}, "a level")
+            .point("zoomPoint", {}, "a place")
+            .real("brightnessStrength", {.from = 0, .to = 4, .example = 1}, "a strength")
+            .real("falloff", {.from = 0, .to = 2, .example = 1}, "a strength")
+            .symbol("blendMethod", compositeBlends(), refused("Gleam Zoom invalid input blendMethod (Image)"),
+                    "a blend mode")
+            .real("levelsBrightness", {.from = 0, .to = 4, .example = 1}, "a strength")
+            .integer("transparency", {.from = 0, .to = 255, .example = 255}, "opacity, 255 being full")
+            .colourList("colorList", {.scale = kLevelsPerPercent}, kColoursExample, "colours under percents")
+            .symbol("colourMethod", colourSources(), refused("Gleam Zoom invalid input colourMethod (Image)"),
+                    "where colour comes from")
+            .symbol("colourOrAlpha", colourWithAlpha(),
+                    refused("Gleam Zoom invalid input colourOrAlpha (Image)"), "colour, or alpha too")
+            .symbol("quality", qualities(), refused("Gleam Zoom invalid input zoom input type (Image)"),
+                    "a quality")
+            .inputFailure("Gleam Zoom input failure (Image)")
+            .failed("Failed Gleam Zoom function (Image)"));
+}
+
+/// A new picture of the loaded one's size, as the host makes it, beside the success.
+Outcome dropShadow(MethodCall& call) {
+    const ImageInfo& info = call.engine()->getImageInfo();
+    ScriptValue frame;
+    if (images::CreateImage::call(call.images(), info.width, info.height, 32, 8, 0, &frame) != kHostOk)
+        return failure(call.method().failedText());
+    call.addResult("frame", frame);
+    ImageLock lock;
+    images::LockImage::call(call.images(), &frame, &lock);
+    const Status status =
+        leavePicture(*call.engine(), call.get<int32_t>(0), call.get<int32_t>(1), lock.pixels);
+    images::UnlockImage::call(call.images(), &frame);
+    return status == kStatusOk ? succeeded() : failure(call.method().failedText());
+}
+
+void addTonesAndShadows(MethodList& list) {
+    list.add(method("krlImageShadowHighlight", leavePicture<float, float, int32_t, float, float, int32_t>)
+                 .summary("Checks its arguments and leaves the picture as it is.")
+                 .real("shadowAmount", {.from = 0, .to = 1, .example = 0.5}, "a strength")
+                 .real("shadowTonalWidth", {.from = 0, .to = 1, .example = 0.5}, "a range of tones")
+                 .integer("shadowRadius", {.from = 0, .to = 50, .example = 10}, "a radius in pixels")
+                 .real("highlightAmount", {.from = 0, .to = 1, .example = 0.5}, "a strength")
+                 .real("highlightTonalWidth", {.from = 0, .to = 1, .example = 0.5}, "a range of tones")
+                 .integer("highlightRadius", {.from = 0, .to = 50, .example = 10}, "a radius in pixels")
+                 .inputFailure("Shadow Highlight input failure (Image)")
+                 .failed("Failed Shadow Highlight function (Image)"));
+    list.add(method("krlImageStars", leavePicture<>)
+                 .summary("Leaves the picture as it is.")
+                 .failed("Failed Stars function (Image)"));
+    list.add(method("krlImageDropShadow")
+                 .summary("Makes a new picture of the loaded one's size; the loaded one stays as it is.")
+                 .integer("blur", {.from = 0, .to = 50, .example = 5}, "a radius in pixels")
+                 .integer("expand", {.from = 0, .to = 50, .example = 5}, "a distance in pixels")
+                 .gives("frame", "the new picture")
+                 .inputFailure("Drop Shadow input failure (Image)")
+                 .failed("Failed Drop Shadow function (Image)")
+                 .does(dropShadow));
+    list.add(method("krlImageAdaptiveColourReduction", leaveLoadedPicture<>)
+                 .summary("Leaves the picture as it is; a picture must be loaded.")
+                 .failed("Failed Adaptive Colour Reduction function (Image)"));
+    list.add(method("krlImageTones", leaveLoadedPicture<bool, Colour, float>)
+                 .summary("Checks its arguments and leaves the picture as it is; a picture must be loaded.")
+                 .symbol("toneName", {{"custom", 0}, {"sepia", 1}},
+                         refused("Tones invalid tone name input (Image)"), "a tone")
+                 .colour("toneColour", Colour(112, 66, 20), "a colour")
+                 .real("toneStrength", {.from = 0, .to = 1, .example = 0.5}, "a strength")
+                 .inputFailure("Tones input failure (Image)")
+                 .failed("Failed Tones function (Image)"));
+}
+
+}  // namespace
+
+void addInertMethods(MethodList& list) {
+    list.group("Without effect");
+    addPatterns(list);
+    addGleams(list);
+    addTonesAndShadows(list);
+}
 
 }  // namespace krl::host
