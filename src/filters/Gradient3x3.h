@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "core/Bands.h"
 #include "core/ImageEngine.h"
 #include "core/Numbers.h"
 #include "filters/ChannelMask.h"
@@ -35,8 +36,39 @@ inline uint8_t sobelStrength(const SobelSums& sums) {
 /// stand between the rows `above` and `below`. None of them may lie on the picture's border.
 void sobelStrengths(const Pixel* above, const Pixel* at, const Pixel* below, int32_t count, Pixel* strengths);
 
+/// Runs `kernel(above, at, below, count, fresh)` over the inner pixels of row `y` of `source`, run by run:
+/// `at` is the first of `count` pixels between the rows `above` and `below`, and `fresh` takes what
+/// they become, of which the masked bytes go into `image`.
+template <class Kernel>
+void filterInnerRow(const ImageBuffer& source, const ImageBuffer& image, int32_t y, ChannelMask mask,
+                    const Kernel& kernel) {
+    constexpr int32_t kRun = 256;
+    if (y < 1 || y >= image.height - 1) return;
+    Pixel fresh[kRun];
+    for (int32_t x = 1; x < image.width - 1; x += kRun) {
+        const int32_t left = image.width - 1 - x, count = left < kRun ? left : kRun;
+        kernel(source.row(y - 1) + x, source.row(y) + x, source.row(y + 1) + x, count, fresh);
+        mask.write(image.row(y) + x, fresh, count);
+    }
+}
+
+/// Runs `kernel` as above over the whole image, banded by rows, and then repairs the border.
+template <class Kernel>
+Status filterInner(const ImageEngine& engine, const ImageBuffer& source, ChannelMask mask,
+                   const Kernel& kernel);
+
 /// Gives every border pixel the masked bytes of its nearest inner pixel; a corner takes its diagonal
 /// neighbour. A picture under 3 pixels in either direction has no inner pixel and stays as it is.
 void repairBorder(const ImageBuffer& image, ChannelMask mask);
+
+template <class Kernel>
+Status filterInner(const ImageEngine& engine, const ImageBuffer& source, ChannelMask mask,
+                   const Kernel& kernel) {
+    const ImageBuffer& image = *engine.buffer();
+    const Status status =
+        forEachRow(engine, [&](Pixel*, int32_t y) { filterInnerRow(source, image, y, mask, kernel); });
+    if (!status) repairBorder(image, mask);
+    return status;
+}
 
 }  // namespace krl

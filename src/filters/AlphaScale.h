@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+
+#include "core/ImageEngine.h"
+
+/// Colour weighted by its own alpha: what filters sum and compare where transparent pixels must not
+/// count as much as opaque ones.
+namespace krl {
+
+/// `b` scaled by `a / 255`, truncated; the arithmetic of the table `scaleByte`, in a form that becomes
+/// vectors.
+constexpr uint8_t scaledByte(uint8_t a, uint8_t b) {
+    const uint32_t product = uint32_t(a) * b;
+    return static_cast<uint8_t>((product + 1 + (product >> 8)) >> 8);
+}
+
+/// The pixel with its colour bytes scaled by its alpha, which stays.
+constexpr Pixel scaledByAlpha(Pixel p) {
+    return {scaledByte(p.alpha, p.blue), scaledByte(p.alpha, p.green), scaledByte(p.alpha, p.red), p.alpha};
+}
+
+/// Scales `count` adjacent pixels into `scaled`, which may be the same run.
+void scaleByAlpha(const Pixel* pixels, Pixel* scaled, int32_t count);
+
+/// Whether any pixel's alpha is not 255.
+bool hasTransparency(const ImageBuffer& image);
+
+}  // namespace krl

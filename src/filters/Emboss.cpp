@@ -1,0 +1,157 @@
+#include <cmath>
+
+#include "core/Clones.h"
+#include "core/ImageCopy.h"
+#include "filters/Edges.h"
+#include "filters/Gradient3x3.h"
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace krl {
+
+namespace {
+
+/// The light on a relief, and how flat the relief is.
+struct Light {
+    int32_t x, y, z;
+    int32_t depth;  ///< the upright part of every surface's normal
+
+    Light(int32_t strength, float azimuth, float elevation) {
+        const auto az = static_cast<float>(azimuth * kRadiansPerDegree);
+        const auto el = static_cast<float>(elevation * kRadiansPerDegree);
+        x = truncate(std::cos(double(az)) * std::cos(double(el)) * 255.9);
+        y = truncate(std::sin(double(az)) * std::cos(double(el)) * 255.9);
+        z = truncate(std::sin(double(el)) * 255.9);
+        depth = 1530 / strength;
+    }
+
+    /// Whether every sum of shading is a whole number that single precision holds; it is unless an
+    /// angle was no number.
+    bool isOrdinary() const { return std::abs(int64_t(x)) < 256 && std::abs(int64_t(y)) < 256; }
+};
+
+/// How far a surface leans to the right and down.
+struct Slope {
+    int32_t x, y;
+};
+
+inline Slope slopeAt(const uint8_t* above, const uint8_t* at, const uint8_t* below) {
+    constexpr int32_t kLeft = -4, kRight = 4;
+    return {above[kLeft] + at[kLeft] + below[kLeft] - above[kRight] - at[kRight] - below[kRight],
+            below[kLeft] + below[0] + below[kRight] - above[kLeft] - above[0] - above[kRight]};
+}
+
+/// The shade of a surface, by its definition.
+uint8_t shadeOf(const Light& light, const Slope& slope) {
+    if (slope.x == 0 && slope.y == 0) return static_cast<uint8_t>(light.z);
+    const int32_t lean = wrapAdd(wrapMultiply(slope.x, light.x), wrapMultiply(slope.y, light.y));
+    const int32_t dot = wrapAdd(lean, wrapMultiply(light.depth, light.z));
+    if (dot < 0) return 0;
+    const int32_t square = slope.x * slope.x + slope.y * slope.y + light.depth * light.depth;
+    return static_cast<uint8_t>(truncate(dot / std::sqrt(double(square))));
+}
+
+void takeRoots(float* values, int32_t count) {
+    int32_t i = 0;
+#if defined(__SSE2__)
+    for (; i + 4 <= count; i += 4) _mm_storeu_ps(values + i, _mm_sqrt_ps(_mm_loadu_ps(values + i)));
+#endif
+    for (; i < count; ++i) values[i] = std::sqrt(values[i]);
+}
+
+constexpr int32_t kRun = 256;
+
+/// The two numbers whose quotient is the shade of a byte; whole, and exact in single precision.
+struct ShadeTerms {
+    float dot[kRun], length[kRun];
+};
+
+KRL_WIDE_CLONES
+void gatherTerms(const uint8_t* above, const uint8_t* at, const uint8_t* below, int32_t count,
+                 const Light& light, ShadeTerms& terms) {
+    const auto x = float(light.x), y = float(light.y), upright = float(light.depth * light.z);
+    const auto depthSquare = float(light.depth * light.depth);
+    for (int32_t i = 0; i < count; ++i) {
+        const Slope slope = slopeAt(above + i, at + i, below + i);
+        const auto slopeX = float(slope.x), slopeY = float(slope.y);
+        terms.dot[i] = slopeX * x + slopeY * y + upright;
+        terms.length[i] = slopeX * slopeX + slopeY * slopeY + depthSquare;
+    }
+}
+
+/// Divides in single precision. A quotient is wrong by less than `kDoubt`, so only one that lies that
+/// near a whole number is in doubt; returns whether any does, and tells which.
+KRL_WIDE_CLONES
+bool divideTerms(const ShadeTerms& terms, int32_t count, uint8_t* shades, uint8_t* doubts) {
+    constexpr float kDoubt = 1e-4f;
+    uint8_t any = 0;
+    for (int32_t i = 0; i < count; ++i) {
+        const float quotient = terms.dot[i] / terms.length[i];
+        const float lit = quotient > 0.0f ? quotient : 0.0f;
+        const float shade = lit < 256.0f ? lit : 256.0f;
+        const int32_t least = static_cast<int32_t>(shade - kDoubt),
+                      most = static_cast<int32_t>(shade + kDoubt);
+        shades[i] = static_cast<uint8_t>(most);
+        doubts[i] = static_cast<uint8_t>(most - least);
+        any |= doubts[i];
+    }
+    return any != 0;
+}
+
+void shadeRun(const uint8_t* above, const uint8_t* at, const uint8_t* below, int32_t count,
+              const Light& light, uint8_t* shades) {
+    ShadeTerms terms;
+    uint8_t doubts[kRun];
+    gatherTerms(above, at, below, count, light, terms);
+    takeRoots(terms.length, count);
+    if (!divideTerms(terms, count, shades, doubts)) return;
+    for (int32_t i = 0; i < count; ++i)
+        if (doubts[i]) shades[i] = shadeOf(light, slopeAt(above + i, at + i, below + i));
+}
+
+/// The part of the picture that is shaded: its sizes are known to 16 bits, and what is beyond them
+/// is read as a narrower picture.
+ImageBuffer shadedPart(const ImageBuffer& image) {
+    constexpr int32_t kSizes = 0x10000;
+    ImageBuffer part = image;
+    part.height = image.height % kSizes;
+    if (image.width >= kSizes) {
+        part.width = image.width % kSizes;
+        part.rowBytes = part.width * int32_t(sizeof(Pixel));
+    }
+    return part;
+}
+
+}  // namespace
+
+Status emboss(ImageEngine& engine, int32_t strength, float azimuth, float elevation, ChannelTarget target) {
+    if (engine.imageStatus()) return kStatusRefused;
+    const Light light(clampTo(strength, 1, 50), clampTo(azimuth, 0.0f, 360.0f), elevation);
+    const ChannelMask mask(target == ChannelTarget::RGB ? target : ChannelTarget::Alpha);
+    const ImageBuffer& image = *engine.buffer();
+    const ImageBuffer part = shadedPart(image);
+    const ImageCopy copy(image);
+    ImageBuffer source = part;
+    source.pixels = copy.view().pixels;
+
+    const auto shade = [&](const Pixel* above, const Pixel* at, const Pixel* below, int32_t count,
+                           Pixel* fresh) {
+        const uint8_t *up = &above->blue, *row = &at->blue, *down = &below->blue;
+        uint8_t* out = &fresh->blue;
+        for (int32_t i = 0; i < count * 4; i += kRun) {
+            const int32_t run = std::min(kRun, count * 4 - i);
+            if (light.isOrdinary())
+                shadeRun(up + i, row + i, down + i, run, light, out + i);
+            else
+                for (int32_t j = i; j < i + run; ++j)
+                    out[j] = shadeOf(light, slopeAt(up + j, row + j, down + j));
+        }
+    };
+    for (int32_t y = 1; y < part.height - 1; ++y) filterInnerRow(source, part, y, mask, shade);
+    repairBorder(image, mask);
+    return kStatusOk;
+}
+
+}  // namespace krl
