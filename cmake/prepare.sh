@@ -1,0 +1,40 @@
+# Shared by ./run and ./test: installs what is missing, configures a preset and builds it.
+# Speaks only when something takes long or fails.
+
+build_packages=(cmake ninja-build g++ pkg-config libvips-dev libcli11-dev nlohmann-json3-dev)
+test_packages=(libgtest-dev)
+
+# Installs the Debian packages among its arguments that are not there yet.
+install_missing() {
+    local missing=() package
+    for package in "$@"; do
+        [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return
+    local as_root=()
+    [ "$(id -u)" = 0 ] || as_root=(sudo)
+    echo "installing ${missing[*]} ..." >&2
+    local log
+    log=$(mktemp)
+    if ! { "${as_root[@]}" apt-get update && DEBIAN_FRONTEND=noninteractive \
+        "${as_root[@]}" apt-get install -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+        tail -n 20 "$log" >&2
+        echo "could not install ${missing[*]}" >&2
+        exit 1
+    fi
+    rm -f "$log"
+}
+
+# Configures preset $1 and builds the targets that follow (all of them when none does).
+build_preset() {
+    local preset=$1 log=build/$1.log options=()
+    shift
+    mkdir -p build
+    command -v ccache >/dev/null && options+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+    [ -e "build/$preset/build.ninja" ] || echo "building $preset ..." >&2
+    if ! { cmake --preset "$preset" "${options[@]}" && cmake --build "build/$preset" ${1:+--target "$@"}; } >"$log" 2>&1; then
+        tail -n 40 "$log" >&2
+        echo "the build of $preset failed; all of it is in $log" >&2
+        exit 1
+    fi
+}
