@@ -1,0 +1,36 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace krl::player {
+
+/// A place in a script, both numbers from 1; line 0 where there is none.
+struct Place {
+    int line = 0;
+    int column = 0;
+};
+
+/// Whatever ends a script: text that cannot be parsed, an unknown name, a wrong kind of value, a
+/// file that cannot be had, a limit that was reached. `what()` is one line:
+/// `grade.ls:3:9: expected "then" after the condition`.
+class ScriptError : public std::runtime_error {
+public:
+    explicit ScriptError(const std::string& message) : ScriptError("", {}, message, "") {}
+    ScriptError(std::string file, Place place, std::string message, std::string sourceLine);
+
+    const std::string& file() const { return file_; }
+    Place place() const { return place_; }
+    /// The message without the place.
+    const std::string& message() const { return message_; }
+    /// The line of the script and below it a caret under the column, or empty.
+    std::string excerpt() const;
+
+private:
+    std::string file_;
+    Place place_;
+    std::string message_;
+    std::string sourceLine_;
+};
+
+}  // namespace krl::player
