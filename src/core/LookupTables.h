@@ -12,19 +12,19 @@ using ByteSquare = Element[256][256];
 /// The shared block of tables that stands in for per-pixel arithmetic: 2,513,920 bytes, filled once
 /// and read-only afterwards. The order and the offsets of its members are fixed.
 struct LookupTables {
-    int32_t meanOf3[768];         ///< mean of three bytes by their sum
-    int32_t meanOf4[1024];        ///< mean of four bytes by their sum
-    float unitFromByte[256];      ///< i / 255
-    float lumaRed[256];           ///< i * 0.299
-    float lumaGreen[256];         ///< i * 0.587
-    float lumaBlue[256];          ///< i * 0.114
+    int32_t meanOf3[768];     ///< mean of three bytes by their sum
+    int32_t meanOf4[1024];    ///< mean of four bytes by their sum
+    float unitFromByte[256];  ///< i / 255
+    float lumaRed[256];       ///< i * 0.299
+    float lumaGreen[256];     ///< i * 0.587
+    float lumaBlue[256];      ///< i * 0.114
     int32_t sepiaBlue[256];
     int32_t sepiaGreen[256];
     int32_t sepiaRed[256];
-    int32_t solariseCurve[256];   ///< up to 128 and down again
-    int32_t distanceFrom255[256]; ///< 255 - i
-    ByteSquare<int32_t> yuvU;     ///< 565 (a - b) / 1000 + 128
-    ByteSquare<int32_t> yuvV;     ///< 713 (a - b) / 1000 + 128
+    int32_t solariseCurve[256];    ///< up to 128 and down again
+    int32_t distanceFrom255[256];  ///< 255 - i
+    ByteSquare<int32_t> yuvU;      ///< 565 (a - b) / 1000 + 128
+    ByteSquare<int32_t> yuvV;      ///< 713 (a - b) / 1000 + 128
     int32_t blueFromU[256];
     int32_t greenFromU[256];
     int32_t greenFromV[256];
@@ -46,9 +46,9 @@ struct LookupTables {
     ByteSquare<uint8_t> blendPin;
     ByteSquare<uint8_t> blendScreen;
     ByteSquare<uint8_t> blendSoftLight;
-    int32_t meanOf2[512];         ///< mean of two bytes by their sum
-    ByteSquare<uint8_t> scaleByte; ///< b scaled by a / 255
-    float reciprocal[256];        ///< 1 / i, infinite at 0
+    int32_t meanOf2[512];           ///< mean of two bytes by their sum
+    ByteSquare<uint8_t> scaleByte;  ///< b scaled by a / 255
+    float reciprocal[256];          ///< 1 / i, infinite at 0
 
     /// Fills every table; the content depends on nothing but constants.
     void build();
