@@ -1,0 +1,139 @@
+#pragma once
+
+#include <type_traits>
+
+#include "core/ImageEngine.h"
+#include "core/Numbers.h"
+#include "core/Pixel.h"
+
+/// How the warps read a picture between its pixels. `standard` takes the pixel that truncation leads
+/// to; `bilinear` weighs four, and knows what to do where some of them are missing. A warp reads a
+/// copy and writes the image, both of the same geometry.
+namespace krl {
+
+/// How a warp samples.
+enum class SampleQuality : int32_t { Standard = 8, Bilinear = 9 };
+
+/// What stands for the samples beyond the border.
+enum class SampleEdge : int32_t {
+    FadeAlpha = 56,  ///< nothing in alpha, where all four bytes are written; the nearest pixel in colour
+    Repeat = 57,     ///< the nearest pixel in every byte
+};
+
+/// A place in a picture as bilinear sampling sees it. Note the weights: `yWeight` is that of the upper
+/// index and `xWeight` that of the lower one.
+struct SamplePoint {
+    int32_t xCeil = 0;
+    int32_t xFloor = 0;
+    int32_t yCeil = 0;
+    int32_t yFloor = 0;
+    float yWeight = 0;         ///< weight of row `yCeil`; 1 minus this is that of `yFloor`
+    float xWeight = 0;         ///< weight of column `xFloor`; 1 minus this is that of `xCeil`
+    bool inside = false;       ///< all four samples are in the picture
+    bool bottomStrip = false;  ///< the row below is missing
+    bool topStrip = false;     ///< the row above is missing
+    bool rightStrip = false;   ///< the column to the right is missing
+    bool leftStrip = false;    ///< the column to the left is missing
+    bool cornerBottomRight = false, cornerTopRight = false;  ///< diagonally off a corner:
+    bool cornerBottomLeft = false, cornerTopLeft = false;    ///< nothing is sampled there
+};
+
+/// The place (`x`, `y`) of a picture of `width` by `height`; the row comes first.
+SamplePoint makeSamplePoint(float y, float x, int32_t width, int32_t height);
+
+/// Writes to `destination` what `source` shows at `point`: the bytes that `target` names, after two
+/// truncated blends, first down the columns, then along the row. Off a corner and farther outside
+/// nothing is written.
+void sampleBilinear(const SamplePoint& point, Pixel& destination, const ImageBuffer& source,
+                    ChannelTarget target, SampleEdge edge);
+
+/// Copies the bytes that `target` names.
+template <ChannelTarget target>
+void copyChannels(Pixel& destination, Pixel source) {
+    if constexpr (target == ChannelTarget::RGBA)
+        destination = source;
+    else if constexpr (target == ChannelTarget::RGB)
+        destination = {source.blue, source.green, source.red, destination.alpha};
+    else
+        destination.alpha = source.alpha;
+}
+
+/// Nearest sampling of a picture: truncated toward zero, and kept inside.
+template <ChannelTarget target>
+class NearestSampler {
+public:
+    static constexpr SampleQuality kQuality = SampleQuality::Standard;
+
+    explicit NearestSampler(const ImageBuffer& source) : source_(source) {}
+
+    void operator()(Pixel& destination, float y, float x) const { at(destination, truncate(y), truncate(x)); }
+    void alongRow(Pixel& destination, int32_t y, int32_t x) const { at(destination, y, x); }
+    void downColumn(Pixel& destination, int32_t y, int32_t x) const { at(destination, y, x); }
+
+    void at(Pixel& destination, int32_t y, int32_t x) const {
+        const int32_t column = clampTo(x, 0, source_.width - 1), row = clampTo(y, 0, source_.height - 1);
+        copyChannels<target>(destination, source_.row(row)[column]);
+    }
+
+private:
+    const ImageBuffer& source_;
+};
+
+/// Bilinear sampling of a picture with repeated edges: `sampleBilinear` at `makeSamplePoint`, with a
+/// road of whole numbers for the places whose four samples all exist.
+template <ChannelTarget target>
+class BilinearSampler {
+public:
+    static constexpr SampleQuality kQuality = SampleQuality::Bilinear;
+
+    explicit BilinearSampler(const ImageBuffer& source)
+        : source_(source),
+          right_(static_cast<float>(source.width - 1)),
+          bottom_(static_cast<float>(source.height - 1)) {}
+
+    void operator()(Pixel& destination, float y, float x) const;
+    /// At a whole row.
+    void alongRow(Pixel& destination, int32_t y, float x) const;
+    /// At a whole column.
+    void downColumn(Pixel& destination, float y, int32_t x) const;
+
+private:
+    // From 1 upward a float's fraction is a whole number of 2^-23, and so is every weight.
+    bool inColumns(float x) const { return x >= 1.0f && x < right_; }
+    bool inRows(float y) const { return y >= 1.0f && y < bottom_; }
+    void general(Pixel& destination, float y, float x) const {
+        const SamplePoint point = makeSamplePoint(y, x, source_.width, source_.height);
+        sampleBilinear(point, destination, source_, target, SampleEdge::Repeat);
+    }
+
+    const ImageBuffer& source_;
+    float right_, bottom_;
+};
+
+/// Calls `work` with the target as a compile-time constant: what is none of the first two is alpha.
+template <class Work>
+decltype(auto) withTarget(ChannelTarget target, Work&& work) {
+    switch (target) {
+        case ChannelTarget::RGBA:
+            return work(std::integral_constant<ChannelTarget, ChannelTarget::RGBA>());
+        case ChannelTarget::RGB:
+            return work(std::integral_constant<ChannelTarget, ChannelTarget::RGB>());
+        default:
+            return work(std::integral_constant<ChannelTarget, ChannelTarget::Alpha>());
+    }
+}
+
+/// Calls `work` with the sampler of `source` that `quality` and `target` ask for.
+template <class Work>
+decltype(auto) withSampler(const ImageBuffer& source, SampleQuality quality, ChannelTarget target,
+                           Work&& work) {
+    return withTarget(target, [&](auto constant) {
+        constexpr ChannelTarget channels = decltype(constant)::value;
+        if (quality == SampleQuality::Bilinear) return work(BilinearSampler<channels>(source));
+        return work(NearestSampler<channels>(source));
+    });
+}
+
+}  // namespace krl
+
+#include "warp/BilinearSampler.h"
