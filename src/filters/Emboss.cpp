@@ -27,9 +27,9 @@ struct Light {
         depth = 1530 / strength;
     }
 
-    /// Whether every sum of shading is a whole number that single precision holds; it is unless an
-    /// angle was no number.
-    bool isOrdinary() const { return std::abs(int64_t(x)) < 256 && std::abs(int64_t(y)) < 256; }
+    /// Whether the light comes from above, as a number: then every sum of shading is a whole number
+    /// that single precision holds, and none but a slope turned away is dark.
+    bool isOrdinary() const { return std::abs(int64_t(x)) < 256 && std::abs(int64_t(y)) < 256 && z >= 0; }
 };
 
 /// How far a surface leans to the right and down.
@@ -63,7 +63,8 @@ void takeRoots(float* values, int32_t count) {
 
 constexpr int32_t kRun = 256;
 
-/// The two numbers whose quotient is the shade of a byte; whole, and exact in single precision.
+/// The two numbers whose quotient is the shade of a byte: the light along the normal, 0 where it comes
+/// from behind, and the normal's length. Light is shorter than 256, and so is every quotient.
 struct ShadeTerms {
     float dot[kRun], length[kRun];
 };
@@ -76,7 +77,8 @@ void gatherTerms(const uint8_t* above, const uint8_t* at, const uint8_t* below, 
     for (int32_t i = 0; i < count; ++i) {
         const Slope slope = slopeAt(above + i, at + i, below + i);
         const auto slopeX = float(slope.x), slopeY = float(slope.y);
-        terms.dot[i] = slopeX * x + slopeY * y + upright;
+        const float dot = slopeX * x + slopeY * y + upright;
+        terms.dot[i] = dot > 0.0f ? dot : 0.0f;
         terms.length[i] = slopeX * slopeX + slopeY * slopeY + depthSquare;
     }
 }
@@ -88,9 +90,7 @@ bool divideTerms(const ShadeTerms& terms, int32_t count, uint8_t* shades, uint8_
     constexpr float kDoubt = 1e-4f;
     uint8_t any = 0;
     for (int32_t i = 0; i < count; ++i) {
-        const float quotient = terms.dot[i] / terms.length[i];
-        const float lit = quotient > 0.0f ? quotient : 0.0f;
-        const float shade = lit < 256.0f ? lit : 256.0f;
+        const float shade = terms.dot[i] / terms.length[i];
         const int32_t least = static_cast<int32_t>(shade - kDoubt),
                       most = static_cast<int32_t>(shade + kDoubt);
         shades[i] = static_cast<uint8_t>(most);
