@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 /// themselves. Where only one header of another room may be taken, the header is named.
 const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"core", {}},
-    {"blur", {}},
+    {"blur", {"point/ByteCurve.h"}},
     {"point", {"blur/TentBlur.h", "generate/Curve.h", "generate/CurveKey.h", "composite/BlendMode.h"}},
     {"filters", {"blur/TentBlur.h"}},
     {"warp", {}},

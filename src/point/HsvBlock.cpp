@@ -24,15 +24,15 @@ void toHsv(const ColourBlock& colours, HsvBlock& hsv) {
 
 namespace {
 
-/// A channel on 0..1 as a byte, rounded; NaN gives 0.
-int32_t channelByte(float channel) {
-    const double level = channel * 255.0 + 0.5;
+/// A channel on 0..1 as a byte, rounded by `half`; NaN gives 0.
+int32_t channelByte(float channel, double half) {
+    const double level = channel * 255.0 + half;
     return static_cast<int32_t>(level > 0.0 ? level : 0.0);
 }
 
 }  // namespace
 
-void fromHsv(const HsvBlock& hsv, ColourBlock& colours) {
+void fromHsv(const HsvBlock& hsv, ColourBlock& colours, double half) {
     int32_t sectors[kBlockPixels], high[kBlockPixels], middle[kBlockPixels], low[kBlockPixels];
     float slopes[kBlockPixels];
     // In odd sectors one channel falls with the hue's fraction, in even ones one rises with it.
@@ -42,9 +42,9 @@ void fromHsv(const HsvBlock& hsv, ColourBlock& colours) {
         const double value = hsv.value[i], saturation = hsv.saturation[i], fraction = slopes[i];
         const double rest = 1.0 - fraction;
         const double slope = (sectors[i] & 1) != 0 ? fraction : rest;
-        high[i] = channelByte(hsv.value[i]);
-        middle[i] = channelByte(static_cast<float>(value * (1.0 - saturation * slope)));
-        low[i] = channelByte(static_cast<float>(value * (1.0 - saturation)));
+        high[i] = channelByte(hsv.value[i], half);
+        middle[i] = channelByte(static_cast<float>(value * (1.0 - saturation * slope)), half);
+        low[i] = channelByte(static_cast<float>(value * (1.0 - saturation)), half);
     }
     for (size_t i = 0; i < kBlockPixels; ++i) {
         const int32_t s = sectors[i], top = high[i], mid = middle[i], bottom = low[i];

@@ -15,8 +15,8 @@ struct HsvBlock {
 void toHsv(const ColourBlock& colours, HsvBlock& hsv);
 
 /// The same bytes as `hsvToRgb` gives, without a branch. Saturation and value lie within 0..1 or
-/// are NaN.
-void fromHsv(const HsvBlock& hsv, ColourBlock& colours);
+/// are NaN. Channels are rounded by adding `half`; with 0 they are truncated.
+void fromHsv(const HsvBlock& hsv, ColourBlock& colours, double half = 0.5);
 
 /// Takes every pixel through its saturation and value: `change(saturation, value)` rewrites both,
 /// which must then lie within 0..1 or be NaN.
