@@ -24,7 +24,7 @@ void addLights(MethodList& list) {
     list.add(method("krlImageColourTemperature", colourTemperature)
                  .summary("Lights the picture with the glow of a hot body, from candle to sky.")
                  .real("tempShift", {.from = 1500, .to = 12000, .example = 4500},
-                       "temperature in kelvin; low is warm, about 6600 is neutral, high is cold")
+                       "temperature in kelvin; low is warm, about 4900 is neutral, high is cold")
                  .inputFailure("Colour Temperature input failure (Image)")
                  .failed("Failed Colour Temperature function (Image)"));
 }
