@@ -1,0 +1,160 @@
+#include <array>
+#include <cmath>
+#include <vector>
+
+#include "core/Scratch.h"
+#include "key/DifferenceKeys.h"
+#include "key/KeyMatte.h"
+
+namespace krl {
+
+namespace {
+
+/// Gives each band's pixels to `measure(first, last)` and keeps what each finds, so that bands
+/// share nothing.
+template <class Finding, class Measure>
+Status measureBands(const ImageEngine& engine, std::vector<Finding>& findings, Measure&& measure) {
+    if (Status state = engine.imageStatus()) return state;
+    const int32_t bandCount = engine.getThreadCount();
+    findings.resize(size_t(bandCount));
+    return runBands(bandCount, [&](int32_t band) {
+        const IndexRange run = pixelBand(*engine.buffer(), bandCount, band);
+        Pixel* const pixels = engine.buffer()->row(0);
+        if (run.first < run.last) findings[size_t(band)] = measure(pixels + run.first, pixels + run.last);
+    });
+}
+
+struct ColourCount {
+    int64_t green = 0, blue = 0;
+};
+
+ColourCount countColours(const Pixel* first, const Pixel* last) {
+    ColourCount count;
+    for (const Pixel* p = first; p != last; ++p) {
+        const bool isGreen = p->green >= std::max(p->blue, p->red);
+        count.green += isGreen;
+        count.blue += !isGreen & (p->blue > std::max(p->red, p->green));
+    }
+    return count;
+}
+
+/// What the first pass learns of the pixels whose key channel stands above both others.
+struct DifferenceRange {
+    int64_t count = 0, sum = 0;
+    int32_t lowest = 255, highest = 0;
+
+    void add(int32_t difference) {
+        ++count;
+        sum += difference;
+        lowest = std::min(lowest, difference);
+        highest = std::max(highest, difference);
+    }
+    void add(const DifferenceRange& other) {
+        count += other.count;
+        sum += other.sum;
+        lowest = std::min(lowest, other.lowest);
+        highest = std::max(highest, other.highest);
+    }
+};
+
+/// How differences fade out toward grey, by the distance between a pixel's largest and smallest
+/// channel.
+class GreyFade {
+public:
+    GreyFade(float userGrey, float thresholdVal) {
+        const float greyLevel = clampTo(userGrey, 0.0f, 1.0f) * 255.0f;
+        const float start = greyLevel * thresholdVal;
+        const float scale = 1.0f / (greyLevel * (1.0f - thresholdVal));
+        for (size_t i = 0; i < losses_.size(); ++i) {
+            const auto chroma = static_cast<double>(i);
+            const double weight = (chroma - start) * scale;
+            losses_[i] = chroma >= greyLevel ? 0.0 : chroma < start ? 1.0 : std::fabs(weight - 1.0);
+        }
+    }
+
+    uint8_t faded(int32_t difference, int32_t chroma) const {
+        return clampByte(truncate(difference - losses_[size_t(chroma)] * difference));
+    }
+
+private:
+    /// The share of a difference that is lost.
+    std::array<double, 256> losses_;
+};
+
+/// The stretch of faded differences to mattes.
+std::array<uint8_t, 256> stretchMattes(const DifferenceRange& range, float userDetail) {
+    const float detail = clampTo(userDetail, -1.0f, 1.0f);
+    const auto middle = static_cast<float>((range.lowest + range.highest) * 0.5);
+    const auto mean = static_cast<float>(double(range.sum) / double(range.count));
+    const auto high = static_cast<float>(middle + (double(mean) - middle) * detail);
+    const double low = range.lowest;
+    std::array<uint8_t, 256> mattes;
+    for (size_t v = 0; v < mattes.size(); ++v) {
+        const auto value = static_cast<double>(v);
+        const uint8_t between = truncatedByte((value - low) / (high - low) * 255.0);
+        mattes[v] = value <= low ? 0 : value >= high ? 255 : between;
+    }
+    return mattes;
+}
+
+/// Both automatic keys: a pass that maps the faded differences and learns their range, and a pass
+/// that stretches them; `toAlpha(alpha, matte)` is what sets the two keys apart.
+template <class ToAlpha>
+Status keyAutomatically(ImageEngine& engine, const AutoKeySettings& settings, KeyColour& used,
+                        ToAlpha&& toAlpha) {
+    if (Status state = engine.imageStatus()) return state;
+    const Scratch<uint8_t> map(engine.buffer()->bytes() / sizeof(Pixel));
+    used = settings.userColor;
+    // What was counted decides even if not every band could count.
+    if (used == KeyColour::Auto) static_cast<void>(autoColor(engine, used));
+
+    const GreyFade fade(settings.userGrey, settings.thresholdVal);
+    const Pixel* const pixels = engine.buffer()->row(0);
+    std::vector<DifferenceRange> ranges;
+    const Status mapped = withKeyChannel(used, [&](auto key) {
+        return measureBands(engine, ranges, [&](const Pixel* first, const Pixel* last) {
+            DifferenceRange range;
+            for (const Pixel* p = first; p != last; ++p) {
+                const auto [least, most] = std::minmax({p->blue, p->green, p->red});
+                const int32_t difference = keyDifference<key>(*p);
+                if (difference > 0) range.add(difference);
+                map[size_t(p - pixels)] = fade.faded(difference, most - least);
+            }
+            return range;
+        });
+    });
+    if (mapped) return mapped;
+
+    DifferenceRange whole;
+    for (const DifferenceRange& range : ranges) whole.add(range);
+    const std::array<uint8_t, 256> mattes = stretchMattes(whole, settings.userDetail);
+    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
+        const uint8_t* faded = map.data() + (first - pixels);
+        for (Pixel* p = first; p != last; ++p) p->alpha = toAlpha(p->alpha, mattes[*faded++]);
+    });
+}
+
+}  // namespace
+
+Status autoColor(const ImageEngine& engine, KeyColour& found) {
+    std::vector<ColourCount> counts;
+    const Status counted = measureBands(engine, counts, countColours);
+    ColourCount total;
+    for (const ColourCount& count : counts) total = {total.green + count.green, total.blue + count.blue};
+    found = total.green < total.blue ? KeyColour::Blue : KeyColour::Green;
+    return counted;
+}
+
+Status autoColorDifference(ImageEngine& engine, const AutoKeySettings& settings, KeyColour& used) {
+    return keyAutomatically(engine, settings, used,
+                            [](uint8_t, uint8_t matte) { return uint8_t(255 - matte); });
+}
+
+Status autoColorDifferenceCharger(ImageEngine& engine, const AutoKeySettings& settings, bool keep,
+                                  bool invert, KeyColour& used) {
+    return keyAutomatically(engine, settings, used, [=](uint8_t alpha, uint8_t matte) {
+        return applyKeyMatte(alpha, matte, keep, invert);
+    });
+}
+
+}  // namespace krl
