@@ -191,14 +191,15 @@ TEST(Levels, TouchesTheBytesOfItsChannelAlone) {
 }
 
 TEST(Levels, SpreadsOneRangeOverAnother) {
+    expectIdentity([](ImageEngine& e) { return levels(e, 0, 1.0f, 255, 0, 255, LevelsChannel::RGB); });
     const auto curve =
         curveOf([](ImageEngine& e) { return levels(e, 50, 1.0f, 150, 100, 200, LevelsChannel::RGB); });
     EXPECT_EQ(curve[0], 100);
     EXPECT_EQ(curve[50], 100);
     EXPECT_NEAR(curve[100], 150, 1);
-    // 200 / 255 in single precision lies just below itself, and is truncated.
-    EXPECT_EQ(curve[150], 199);
-    EXPECT_EQ(curve[255], 199);
+    EXPECT_EQ(curve[150], 199);  // the upper level, rounded to single precision, lies just above it
+    EXPECT_EQ(curve[151], 200);
+    EXPECT_EQ(curve[255], 200);
 }
 
 TEST(Levels, StepsAtOnceWhereTheRangeIsEmpty) {
