@@ -1,0 +1,136 @@
+#include "warp/DisplacementMap.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/ColourSpace.h"
+#include "core/LookupTables.h"
+#include "warp/PositionWarp.h"
+
+namespace krl {
+
+namespace {
+
+/// A run of a map's row: its values and how much each counts.
+struct MapRun {
+    uint8_t values[kRunPixels];
+    float alphas[kRunPixels];
+};
+
+template <class Value>
+void fillValues(MapRun& run, const Pixel* pixels, size_t count, Value&& value) {
+    for (size_t i = 0; i < count; ++i) run.values[i] = static_cast<uint8_t>(value(pixels[i]));
+}
+
+Hls hlsOf(Pixel p) { return rgbToHls(p.red, p.green, p.blue); }
+
+int32_t lightnessOf(Pixel p) {
+    return (std::max({p.red, p.green, p.blue}) + std::min({p.red, p.green, p.blue}) + 1) / 2;
+}
+
+/// The values of `option` in a run of pixels. `SameAsMapOne` leaves them as they are.
+void readValues(MapRun& run, const Pixel* pixels, size_t count, MapOption option, const LookupTables& t) {
+    const auto fill = [&](auto value) { fillValues(run, pixels, count, value); };
+    switch (option) {
+        case MapOption::SameAsMapOne:
+            return;
+        case MapOption::Red:
+            return fill([](Pixel p) { return p.red; });
+        case MapOption::Green:
+            return fill([](Pixel p) { return p.green; });
+        case MapOption::Blue:
+            return fill([](Pixel p) { return p.blue; });
+        case MapOption::Alpha:
+            return fill([](Pixel p) { return p.alpha >> 1; });
+        case MapOption::Greyscale:
+            return fill([&](Pixel p) { return t.meanOf3[p.blue + p.green + p.red]; });
+        case MapOption::Luminosity:
+            return fill([&](Pixel p) {
+                return truncate(double(t.lumaRed[p.red]) + t.lumaGreen[p.green] + t.lumaBlue[p.blue]);
+            });
+        case MapOption::Hue:
+            return fill([](Pixel p) { return std::max(0, truncate(hlsOf(p).hue / 360.0 * 255)); });
+        case MapOption::Saturation:
+            return fill([](Pixel p) { return truncate(hlsOf(p).saturation / 720.0 * 255); });
+        case MapOption::Lightness:
+            return fill(lightnessOf);
+        case MapOption::Off:
+            return fill([](Pixel) { return 128; });
+    }
+}
+
+/// A map as it shifts: what each value shifts by at full alpha.
+class ShiftMap {
+public:
+    /// `sign` is the way that dark values read from: -1 is left or up.
+    ShiftMap(const SecondImage& image, MapOption option, float distance, float sign,
+             const LookupTables& tables)
+        : image_(image), option_(option), tables_(tables) {
+        for (size_t i = 0; i < 256; ++i) {
+            const double unit = tables.unitFromByte[i];
+            const double below = unit < 0.5 ? unit - 0.5 : 0.5 - unit;
+            const auto shift = static_cast<float>(below * distance);
+            shifts_[i] = unit < 0.5 ? -sign * shift : sign * shift;
+        }
+    }
+
+    /// Reads the values at row `y` from column `x` on. For the same values as another map's, `run` holds
+    /// those beforehand.
+    void read(MapRun& run, int32_t y, int32_t x, size_t count) const {
+        const Pixel* pixels =
+            reinterpret_cast<const Pixel*>(image_.pixels + ptrdiff_t(image_.info.rowBytes) * y) + x;
+        readValues(run, pixels, count, option_, tables_);
+        for (size_t i = 0; i < count; ++i) run.alphas[i] = tables_.unitFromByte[pixels[i].alpha];
+    }
+
+    float shifted(int32_t place, const MapRun& run, size_t i) const {
+        return static_cast<float>(place + static_cast<double>(run.alphas[i]) * shifts_[run.values[i]]);
+    }
+
+private:
+    const SecondImage& image_;
+    MapOption option_;
+    const LookupTables& tables_;
+    float shifts_[256];
+};
+
+/// A place brought into a line of `length` pixels by whole lengths, as often as it takes.
+float folded(float place, int32_t length) {
+    const auto end = static_cast<float>(length);
+    if (place >= 0 && place < end) return place;
+    const double rest = std::fmod(static_cast<double>(place), length);
+    const auto inside = static_cast<float>(rest < 0 ? rest + length : rest);
+    return inside >= end ? inside - end : inside;
+}
+
+/// Whether `map` can be read beside every pixel of the image.
+bool covers(const ImageEngine& engine, const SecondImage& map) { return map.pixels && engine.hasSizeOf(map); }
+
+}  // namespace
+
+Status displacementMapComposite(ImageEngine& engine, const SecondImage& dMapOne, MapOption colouringOptionOne,
+                                const SecondImage& dMapTwo, MapOption colouringOptionTwo, float hDistance,
+                                float vDistance, MapEdge edgeOption) {
+    if (Status state = engine.imageStatus()) return state;
+    if (!covers(engine, dMapOne) || !covers(engine, dMapTwo)) return kStatusRefused;
+    const float across = hDistance > 0 ? hDistance : 0.0f, down = vDistance > 0 ? vDistance : 0.0f;
+    if (across == 0 && down == 0) return kStatusOk;
+
+    const ShiftMap horizontal(dMapOne, colouringOptionOne, across, -1, engine.tables());
+    const ShiftMap vertical(dMapTwo, colouringOptionTwo, down, 1, engine.tables());
+    const int32_t width = engine.buffer()->width, height = engine.buffer()->height;
+    const auto edged = edgeOption == MapEdge::Wrap ? heldInside : folded;
+    return warpByPosition(engine, SampleQuality::Bilinear, ChannelTarget::RGBA,
+                          [&](int32_t y, int32_t first, PositionRun& run) {
+                              MapRun map;
+                              horizontal.read(map, y, first, run.count);
+                              for (size_t i = 0; i < run.count; ++i)
+                                  run.x[i] = edged(
+                                      horizontal.shifted(first + static_cast<int32_t>(i), map, i), width);
+                              vertical.read(map, y, first, run.count);
+                              for (size_t i = 0; i < run.count; ++i)
+                                  run.y[i] = edged(vertical.shifted(y, map, i), height);
+                          });
+}
+
+}  // namespace krl
