@@ -1,0 +1,82 @@
+#include "player/pictures/AtomicFile.h"
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <system_error>
+
+#include "player/pictures/Picture.h"
+
+namespace krl::player {
+
+namespace {
+
+/// Names of the files that are being written, where a signal handler can read them.
+constexpr size_t kSlots = 64, kNameBytes = 4096;
+struct Unfinished {
+    std::atomic<bool> taken = false, written = false;
+    char name[kNameBytes];
+};
+std::array<Unfinished, kSlots> unfinished;
+
+void remember(const std::string& name) {
+    if (name.size() >= kNameBytes) return;
+    for (Unfinished& slot : unfinished) {
+        if (slot.taken.exchange(true)) continue;
+        std::memcpy(slot.name, name.c_str(), name.size() + 1);
+        slot.written = true;
+        return;
+    }
+}
+
+void forget(const std::string& name) {
+    for (Unfinished& slot : unfinished) {
+        if (!slot.written || name != slot.name) continue;
+        slot.written = false;
+        slot.taken = false;
+        return;
+    }
+}
+
+/// A name beside `target` that no other writer has: hidden, with the same extension.
+std::filesystem::path temporaryName(const std::filesystem::path& target) {
+    static std::atomic<uint32_t> count = 0;
+    const auto ticks = std::chrono::steady_clock::now().time_since_epoch().count();
+    const std::string mark = std::to_string(ticks) + "-" + std::to_string(++count);
+    return target.parent_path() / ("." + target.stem().string() + "." + mark + target.extension().string());
+}
+
+}  // namespace
+
+AtomicFile::AtomicFile(const std::filesystem::path& target)
+    : target_(target), temporary_(temporaryName(target)) {
+    std::FILE* created = std::fopen(temporary_.string().c_str(), "wb");
+    if (!created) throw PictureError("cannot write " + target.string() + ": " + std::strerror(errno));
+    std::fclose(created);
+    remember(temporary_.string());
+}
+
+AtomicFile::~AtomicFile() {
+    if (committed_) return;
+    std::error_code ignored;
+    std::filesystem::remove(temporary_, ignored);
+    forget(temporary_.string());
+}
+
+void AtomicFile::commit() {
+    std::error_code failure;
+    std::filesystem::rename(temporary_, target_, failure);
+    if (failure) throw PictureError("cannot write " + target_.string() + ": " + failure.message());
+    committed_ = true;
+    forget(temporary_.string());
+}
+
+void removeUnfinishedFiles() noexcept {
+    for (const Unfinished& slot : unfinished)
+        if (slot.written) std::remove(slot.name);
+}
+
+}  // namespace krl::player

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "player/pictures/Picture.h"
+
+/// The formats behind `readPicture` and `writePicture`.
+namespace krl::player {
+
+/// Throws `PictureError` for a size that is empty or past the limit, before anything is allocated.
+void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_t height);
+
+/// Portable arbitrary map, `P7` with `RGB_ALPHA`: read and written without any library.
+Bitmap readPam(const std::filesystem::path& path);
+void writePam(const std::filesystem::path& path, const Bitmap& picture);
+
+/// PNG, JPEG, TIFF and WebP, in builds with libvips.
+Bitmap readWithVips(const std::filesystem::path& path);
+void writeWithVips(const std::filesystem::path& path, const Bitmap& picture, const WriteOptions& options);
+
+}  // namespace krl::player

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "core/Pixel.h"
+
+/// Pictures in memory and in files.
+namespace krl::player {
+
+/// What came with a picture beside its pixels, to go out with it again.
+struct PictureMetadata {
+    std::vector<uint8_t> colourProfile;  ///< ICC
+    std::vector<uint8_t> exif, xmp, iptc;
+    double pixelsPerMillimetreX = 0, pixelsPerMillimetreY = 0;  ///< 0 when unknown
+};
+
+/// A picture of 32-bit pixels with straight alpha, rows without gaps.
+struct Bitmap {
+    int32_t width = 0;
+    int32_t height = 0;
+    std::vector<Pixel> pixels;
+    std::shared_ptr<const PictureMetadata> metadata;  ///< may be null
+
+    Pixel* row(int32_t y) { return pixels.data() + size_t(y) * size_t(width); }
+    const Pixel* row(int32_t y) const { return pixels.data() + size_t(y) * size_t(width); }
+};
+
+/// A picture that cannot be read or written: one line that names the file and says why.
+class PictureError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// No picture takes more memory than this.
+inline constexpr int64_t kPictureByteLimit = int64_t{1} << 31;
+
+/// Reads a picture file. Its format is told by its content; grey, palette and 16-bit pictures are
+/// converted, EXIF orientation is applied. Throws `PictureError`.
+Bitmap readPicture(const std::filesystem::path& path);
+
+struct WriteOptions {
+    int quality = 90;  ///< of formats that lose something, 1 to 100
+};
+
+/// Writes a picture in the format of the name's extension. The file appears whole or not at all,
+/// and an existing one is replaced only by a whole one. Throws `PictureError`.
+void writePicture(const std::filesystem::path& path, const Bitmap& picture, const WriteOptions& options = {});
+
+/// Whether a name's extension is one that `writePicture` knows.
+bool isPictureName(const std::filesystem::path& path);
+
+/// The extensions that this build writes, as a reader is told: `.png, .jpg, .tif, .webp, .pam`.
+std::string writableFormats();
+
+}  // namespace krl::player

@@ -1,0 +1,235 @@
+#if defined(KRL_WITH_VIPS)
+
+#include <vips/vips.h>
+
+#include <algorithm>
+#include <cstring>
+#include <mutex>
+
+#include "player/pictures/Formats.h"
+
+namespace krl::player {
+
+namespace {
+
+void startVips() {
+    static std::once_flag started;
+    std::call_once(started, [] {
+        g_setenv("VIPS_WARNING", "0", TRUE);
+        if (VIPS_INIT("krlimage")) throw PictureError("libvips does not start");
+        vips_concurrency_set(1);  // pictures are worked on side by side, not within
+        vips_cache_set_max(0);
+    });
+}
+
+/// The first line of what libvips says of its last failure.
+std::string vipsReason() {
+    std::string reason = vips_error_buffer();
+    vips_error_clear();
+    reason = reason.substr(0, reason.find('\n'));
+    return reason.empty() ? "unknown failure" : reason;
+}
+
+/// A step of a chain of images; each replaces the one before it.
+class Chain {
+public:
+    explicit Chain(VipsImage* first) : image_(first) {}
+    ~Chain() { g_object_unref(image_); }
+    Chain(const Chain&) = delete;
+    Chain& operator=(const Chain&) = delete;
+
+    VipsImage* get() const { return image_; }
+
+    /// Runs a libvips operation that writes its result to the pointer that it is given.
+    template <class Operation>
+    void then(const std::string& doing, Operation&& operation) {
+        VipsImage* next = nullptr;
+        if (operation(image_, &next)) throw PictureError("cannot " + doing + ": " + vipsReason());
+        g_object_unref(image_);
+        image_ = next;
+    }
+
+private:
+    VipsImage* image_;
+};
+
+std::vector<uint8_t> blobOf(VipsImage* image, const char* name) {
+    const void* data = nullptr;
+    size_t bytes = 0;
+    if (vips_image_get_typeof(image, name) == 0 || vips_image_get_blob(image, name, &data, &bytes)) return {};
+    const auto* first = static_cast<const uint8_t*>(data);
+    return std::vector<uint8_t>(first, first + bytes);
+}
+
+std::shared_ptr<const PictureMetadata> metadataOf(VipsImage* image, bool profileFits) {
+    auto metadata = std::make_shared<PictureMetadata>();
+    if (profileFits) metadata->colourProfile = blobOf(image, VIPS_META_ICC_NAME);
+    metadata->exif = blobOf(image, VIPS_META_EXIF_NAME);
+    metadata->xmp = blobOf(image, VIPS_META_XMP_NAME);
+    metadata->iptc = blobOf(image, VIPS_META_IPTC_NAME);
+    metadata->pixelsPerMillimetreX = vips_image_get_xres(image);
+    metadata->pixelsPerMillimetreY = vips_image_get_yres(image);
+    return metadata;
+}
+
+bool isGrey(VipsInterpretation kind) {
+    return kind == VIPS_INTERPRETATION_B_W || kind == VIPS_INTERPRETATION_GREY16;
+}
+
+bool isColour(VipsInterpretation kind) {
+    return kind == VIPS_INTERPRETATION_sRGB || kind == VIPS_INTERPRETATION_RGB ||
+           kind == VIPS_INTERPRETATION_RGB16;
+}
+
+/// Brings any image to bytes of red, green, blue and alpha. 16-bit samples keep their high byte.
+void convertToBytes(Chain& chain, const std::string& doing) {
+    const VipsInterpretation kind = vips_image_guess_interpretation(chain.get());
+    if (kind == VIPS_INTERPRETATION_CMYK)
+        chain.then(doing, [](VipsImage* in, VipsImage** out) {
+            return vips_icc_transform(in, out, "srgb", "embedded", TRUE, nullptr);
+        });
+    else if (!isGrey(kind) && !isColour(kind))
+        chain.then(doing, [](VipsImage* in, VipsImage** out) {
+            return vips_colourspace(in, out, VIPS_INTERPRETATION_sRGB, nullptr);
+        });
+    const gboolean shift = vips_image_get_format(chain.get()) == VIPS_FORMAT_USHORT;
+    chain.then(doing, [shift](VipsImage* in, VipsImage** out) {
+        return vips_cast_uchar(in, out, "shift", shift, nullptr);
+    });
+    const int bands = vips_image_get_bands(chain.get());
+    if (bands < 3)
+        chain.then(doing, [bands](VipsImage* in, VipsImage** out) {
+            VipsImage* grey = nullptr;
+            if (vips_extract_band(in, &grey, 0, nullptr)) return -1;
+            VipsImage* parts[] = {grey, grey, bands == 2 ? in : grey};
+            const int status = vips_bandjoin(parts, out, 3, nullptr);
+            g_object_unref(grey);
+            return status;
+        });
+    // Grey with alpha is now grey, grey, grey, alpha: the second part brought its own grey along.
+    if (vips_image_get_bands(chain.get()) == 3)
+        chain.then(doing, [](VipsImage* in, VipsImage** out) {
+            return vips_bandjoin_const1(in, out, 255, nullptr);
+        });
+    if (vips_image_get_bands(chain.get()) > 4)
+        chain.then(doing, [](VipsImage* in, VipsImage** out) {
+            return vips_extract_band(in, out, 0, "n", 4, nullptr);
+        });
+}
+
+void setBlob(VipsImage* image, const char* name, const std::vector<uint8_t>& blob) {
+    if (!blob.empty()) vips_image_set_blob_copy(image, name, blob.data(), blob.size());
+}
+
+void attachMetadata(VipsImage* image, const PictureMetadata& metadata) {
+    setBlob(image, VIPS_META_ICC_NAME, metadata.colourProfile);
+    setBlob(image, VIPS_META_EXIF_NAME, metadata.exif);
+    setBlob(image, VIPS_META_XMP_NAME, metadata.xmp);
+    setBlob(image, VIPS_META_IPTC_NAME, metadata.iptc);
+    vips_image_set_int(image, VIPS_META_ORIENTATION, 1);
+}
+
+enum class Format { Png, Jpeg, Tiff, Webp };
+
+Format formatOf(const std::filesystem::path& path) {
+    const std::string extension = path.extension().string();
+    switch (extension.size() > 1 ? extension[1] | 0x20 : 0) {
+        case 'j':
+            return Format::Jpeg;
+        case 't':
+            return Format::Tiff;
+        case 'w':
+            return Format::Webp;
+        default:
+            return Format::Png;
+    }
+}
+
+int save(VipsImage* image, const char* name, Format format, const WriteOptions& options) {
+    switch (format) {
+        case Format::Jpeg:
+            return vips_jpegsave(image, name, "Q", options.quality, nullptr);
+        case Format::Tiff:
+            return vips_tiffsave(image, name, "compression", VIPS_FOREIGN_TIFF_COMPRESSION_DEFLATE, nullptr);
+        case Format::Webp:
+            return vips_webpsave(image, name, "Q", options.quality, nullptr);
+        case Format::Png:
+            break;
+    }
+    return vips_pngsave(image, name, nullptr);
+}
+
+}  // namespace
+
+Bitmap readWithVips(const std::filesystem::path& path) {
+    startVips();
+    const std::string doing = "read " + path.string();
+    VipsImage* opened = vips_image_new_from_file(path.string().c_str(), "access", VIPS_ACCESS_SEQUENTIAL,
+                                                 "fail_on", VIPS_FAIL_ON_ERROR, nullptr);
+    if (!opened) {
+        vips_error_clear();
+        throw PictureError("cannot " + doing + ": it is no picture of a known format");
+    }
+    Chain chain(opened);
+    requirePictureSize(path, vips_image_get_width(opened), vips_image_get_height(opened));
+    const bool profileFits = isColour(vips_image_guess_interpretation(opened));
+    auto metadata = metadataOf(opened, profileFits);
+    if (vips_image_get_orientation(opened) != 1) {
+        // Turning reads in another order than the file's.
+        chain.then(doing, [](VipsImage* in, VipsImage** out) {
+            *out = vips_image_copy_memory(in);
+            return *out ? 0 : -1;
+        });
+        chain.then(doing, [](VipsImage* in, VipsImage** out) { return vips_autorot(in, out, nullptr); });
+    }
+    convertToBytes(chain, doing);
+    size_t bytes = 0;
+    void* memory = vips_image_write_to_memory(chain.get(), &bytes);
+    if (!memory) throw PictureError("cannot " + doing + ": " + vipsReason());
+    Bitmap picture{
+        vips_image_get_width(chain.get()), vips_image_get_height(chain.get()), {}, std::move(metadata)};
+    const auto* samples = static_cast<const Pixel*>(memory);
+    picture.pixels.assign(samples, samples + bytes / sizeof(Pixel));
+    g_free(memory);
+    for (Pixel& p : picture.pixels) std::swap(p.blue, p.red);
+    return picture;
+}
+
+void writeWithVips(const std::filesystem::path& path, const Bitmap& picture, const WriteOptions& options) {
+    startVips();
+    const std::string doing = "write " + path.string();
+    std::vector<Pixel> samples = picture.pixels;
+    for (Pixel& p : samples) std::swap(p.blue, p.red);
+    VipsImage* wrapped = vips_image_new_from_memory(samples.data(), samples.size() * sizeof(Pixel),
+                                                    picture.width, picture.height, 4, VIPS_FORMAT_UCHAR);
+    if (!wrapped) throw PictureError("cannot " + doing + ": " + vipsReason());
+    Chain chain(wrapped);
+    const PictureMetadata none;
+    const PictureMetadata& metadata = picture.metadata ? *picture.metadata : none;
+    const double xres = metadata.pixelsPerMillimetreX, yres = metadata.pixelsPerMillimetreY;
+    chain.then(doing, [&](VipsImage* in, VipsImage** out) {
+        return vips_copy(in, out, "interpretation", VIPS_INTERPRETATION_sRGB, "xres", xres > 0 ? xres : 1.0,
+                         "yres", yres > 0 ? yres : 1.0, nullptr);
+    });
+    attachMetadata(chain.get(), metadata);
+    const Format format = formatOf(path);
+    const bool opaque = std::all_of(picture.pixels.begin(), picture.pixels.end(),
+                                    [](const Pixel& p) { return p.alpha == 255; });
+    if (opaque)
+        chain.then(doing, [](VipsImage* in, VipsImage** out) {
+            return vips_extract_band(in, out, 0, "n", 3, nullptr);
+        });
+    else if (format == Format::Jpeg)  // which has no transparency
+        chain.then(doing, [](VipsImage* in, VipsImage** out) {
+            VipsArrayDouble* white = vips_array_double_newv(1, 255.0);
+            const int status = vips_flatten(in, out, "background", white, nullptr);
+            vips_area_unref(VIPS_AREA(white));
+            return status;
+        });
+    if (save(chain.get(), path.string().c_str(), format, options))
+        throw PictureError("cannot " + doing + ": " + vipsReason());
+}
+
+}  // namespace krl::player
+
+#endif

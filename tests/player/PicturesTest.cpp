@@ -1,0 +1,154 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "core/Random.h"
+#include "player/pictures/AtomicFile.h"
+#include "player/pictures/Formats.h"
+#include "player/pictures/Picture.h"
+
+namespace krl::player {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A folder of the test's own, gone at its end.
+class Pictures : public testing::Test {
+protected:
+    Pictures() {
+        folder =
+            fs::temp_directory_path() /
+            ("krl-pictures-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+        fs::remove_all(folder);
+        fs::create_directories(folder);
+    }
+    ~Pictures() override { fs::remove_all(folder); }
+
+    static Bitmap noise(int32_t width, int32_t height) {
+        Bitmap picture{width, height, std::vector<Pixel>(size_t(width) * size_t(height)), nullptr};
+        Random random(5);
+        for (Pixel& p : picture.pixels)
+            p = {uint8_t(random.next()), uint8_t(random.next()), uint8_t(random.next()),
+                 uint8_t(random.next() / 64)};
+        return picture;
+    }
+
+    void writeText(const fs::path& path, const std::string& text) {
+        std::ofstream(path, std::ios::binary) << text;
+    }
+
+    /// What reading `path` fails with.
+    std::string failureOf(const fs::path& path) {
+        try {
+            readPicture(path);
+        } catch (const PictureError& error) {
+            return error.what();
+        }
+        return "";
+    }
+
+    size_t filesInFolder() const {
+        return size_t(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+    }
+
+    fs::path folder;
+};
+
+TEST_F(Pictures, KeepEveryByteThroughPam) {
+    const Bitmap picture = noise(13, 7);
+    writePicture(folder / "a.pam", picture);
+    const Bitmap back = readPicture(folder / "a.pam");
+    EXPECT_EQ(back.width, 13);
+    EXPECT_EQ(back.height, 7);
+    EXPECT_EQ(back.pixels, picture.pixels);
+}
+
+#if defined(KRL_WITH_VIPS)
+TEST_F(Pictures, KeepEveryByteThroughPngEvenUnderFullTransparency) {
+    Bitmap picture = noise(13, 7);
+    picture.pixels[0].alpha = 0;
+    writePicture(folder / "a.png", picture);
+    EXPECT_EQ(readPicture(folder / "a.png").pixels, picture.pixels);
+}
+
+TEST_F(Pictures, GoThroughEveryFormatWithTheirSize) {
+    for (const char* name : {"a.jpg", "b.tif", "c.webp", "d.png", "e.JPEG", "f[1].png"}) {
+        Bitmap picture = noise(16, 9);
+        for (Pixel& p : picture.pixels) p = {60, 120, 180, 255};
+        writePicture(folder / name, picture);
+        const Bitmap back = readPicture(folder / name);
+        ASSERT_EQ(back.pixels.size(), picture.pixels.size()) << name;
+        EXPECT_NEAR(back.pixels[40].red, 180, 3) << name;
+        EXPECT_NEAR(back.pixels[40].blue, 60, 3) << name;
+        EXPECT_EQ(back.pixels[40].alpha, 255) << name;
+    }
+}
+
+TEST_F(Pictures, CarryTheColourProfileAlong) {
+    auto metadata = std::make_shared<PictureMetadata>();
+    metadata->pixelsPerMillimetreX = metadata->pixelsPerMillimetreY = 3.0;
+    metadata->xmp = {'<', 'x', '/', '>'};
+    Bitmap picture = noise(4, 4);
+    picture.metadata = metadata;
+    writePicture(folder / "a.png", picture);
+    const Bitmap back = readPicture(folder / "a.png");
+    ASSERT_TRUE(back.metadata);
+    EXPECT_EQ(back.metadata->xmp, metadata->xmp);
+    EXPECT_NEAR(back.metadata->pixelsPerMillimetreX, 3.0, 0.01);
+}
+#endif
+
+TEST_F(Pictures, AreToldByTheirContentNotTheirName) {
+    writePicture(folder / "a.pam", noise(3, 2));
+    fs::rename(folder / "a.pam", folder / "a.png");
+    EXPECT_EQ(readPicture(folder / "a.png").width, 3);
+}
+
+TEST_F(Pictures, SayWhyTheyCannotBeRead) {
+    EXPECT_NE(failureOf(folder / "none.png").find("No such file"), std::string::npos);
+    EXPECT_NE(failureOf(folder).find("cannot read"), std::string::npos);
+    writeText(folder / "words.png", "these are words and no picture at all");
+    EXPECT_NE(failureOf(folder / "words.png").find("words.png"), std::string::npos);
+    const std::string start = "P7\nWIDTH 4\nHEIGHT 4\n";
+    writeText(folder / "short.pam", start + "DEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\nxx");
+    EXPECT_NE(failureOf(folder / "short.pam").find("ends after 2 of 64 bytes"), std::string::npos);
+    writeText(folder / "grey.pam", start + "DEPTH 1\nMAXVAL 255\nTUPLTYPE GRAYSCALE\nENDHDR\n");
+    EXPECT_NE(failureOf(folder / "grey.pam").find("RGB_ALPHA"), std::string::npos);
+    writeText(folder / "open.pam", start);
+    EXPECT_NE(failureOf(folder / "open.pam").find("header has no end"), std::string::npos);
+    writeText(folder / "odd.pam", "P7\nWIDTH x\n");
+    EXPECT_NE(failureOf(folder / "odd.pam").find("WIDTH x"), std::string::npos);
+}
+
+TEST_F(Pictures, TooLargeForMemoryAreRefusedBeforeTheyTakeAny) {
+    writeText(folder / "huge.pam",
+              "P7\nWIDTH 65536\nHEIGHT 65536\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n");
+    EXPECT_NE(failureOf(folder / "huge.pam").find("too large"), std::string::npos);
+    EXPECT_NO_THROW(requirePictureSize("x", 1 << 15, 1 << 14));
+    EXPECT_THROW(requirePictureSize("x", (1 << 15) + 1, 1 << 14), PictureError);
+    EXPECT_THROW(requirePictureSize("x", 0, 4), PictureError);
+}
+
+TEST_F(Pictures, LeaveAnOlderFileWholeWhenWritingFails) {
+    writeText(folder / "kept.txt", "old");
+    EXPECT_THROW(writePicture(folder / "kept.txt", noise(2, 2)), PictureError);
+    EXPECT_THROW(writePicture(folder / "no" / "such" / "folder.pam", noise(2, 2)), PictureError);
+    std::ostringstream text;
+    text << std::ifstream(folder / "kept.txt").rdbuf();
+    EXPECT_EQ(text.str(), "old");
+    EXPECT_EQ(filesInFolder(), 1u);
+}
+
+TEST_F(Pictures, LeaveNothingWhenWritingIsGivenUpOrInterrupted) {
+    { const AtomicFile given(folder / "given.pam"); }
+    EXPECT_EQ(filesInFolder(), 0u);
+    const AtomicFile interrupted(folder / "interrupted.pam");
+    EXPECT_EQ(filesInFolder(), 1u);
+    removeUnfinishedFiles();
+    EXPECT_EQ(filesInFolder(), 0u);
+}
+
+}  // namespace
+}  // namespace krl::player
