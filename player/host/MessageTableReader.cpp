@@ -1,0 +1,55 @@
+#include "player/host/MessageTableReader.h"
+
+#include "player/host/HostError.h"
+
+namespace krl::player {
+
+namespace {
+
+bool blank(char letter) { return letter == ' ' || letter == '\t' || letter == '\r'; }
+
+/// The next word of `text`, which is shortened by it.
+std::string takeWord(std::string_view& text) {
+    while (!text.empty() && blank(text.front())) text.remove_prefix(1);
+    size_t length = 0;
+    while (length < text.size() && !blank(text[length])) ++length;
+    const std::string word(text.substr(0, length));
+    text.remove_prefix(length);
+    return word;
+}
+
+/// Up to `mark`, which is dropped with it.
+std::string_view takeUntil(std::string_view& text, std::string_view mark) {
+    const size_t end = text.find(mark);
+    const std::string_view part = text.substr(0, end);
+    text = end == std::string_view::npos ? std::string_view() : text.substr(end + mark.size());
+    return part;
+}
+
+MethodSignature readLine(std::string_view line) {
+    std::string_view told = takeUntil(line, "--");
+    MethodSignature method;
+    method.name = takeWord(told);
+    for (bool first = true; !told.empty(); first = false) {
+        std::string_view part = takeUntil(told, ",");
+        MethodSignature::Argument argument;
+        argument.kind = takeWord(part);
+        argument.name = takeWord(part);
+        const bool itself = first && argument.kind == "object";
+        if (!itself && !argument.kind.empty()) method.arguments.push_back(std::move(argument));
+    }
+    return method;
+}
+
+}  // namespace
+
+MessageTable readMessageTable(std::string_view text) {
+    MessageTable table;
+    std::string_view heading = takeUntil(text, "\n");
+    if (takeWord(heading) == "xtra") table.xtraName = takeWord(heading);
+    if (table.xtraName.empty()) throw HostError("the xtra's message table does not begin with its name");
+    while (!text.empty()) table.methods.push_back(readLine(takeUntil(text, "\n")));
+    return table;
+}
+
+}  // namespace krl::player

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "player/host/Heap.h"
+#include "player/pictures/Picture.h"
+
+/// The objects behind handles that the plug-in and scripts share.
+namespace krl::player {
+
+struct StringObject : Object {
+    static constexpr Kind kKind = Kind::String;
+    explicit StringObject(std::string characters) : text(std::move(characters)) {}
+    size_t bytes() const override { return sizeof(*this) + text.capacity(); }
+
+    std::string text;
+};
+
+struct ListObject : Object {
+    static constexpr Kind kKind = Kind::List;
+    size_t bytes() const override { return sizeof(*this) + items.capacity() * sizeof(Value); }
+    void eachChild(const std::function<void(const Value&)>& show) const override {
+        for (const Value& item : items) show(item);
+    }
+    void dropChildren() override { items.clear(); }
+
+    std::vector<Value> items;
+    bool sorted = false;  ///< `sort` was called: `add` keeps the order
+};
+
+struct PropertyListObject : Object {
+    static constexpr Kind kKind = Kind::PropertyList;
+    struct Entry {
+        Value key, value;
+    };
+    size_t bytes() const override { return sizeof(*this) + entries.capacity() * sizeof(Entry); }
+    void eachChild(const std::function<void(const Value&)>& show) const override {
+        for (const Entry& entry : entries) {
+            show(entry.key);
+            show(entry.value);
+        }
+    }
+    void dropChildren() override { entries.clear(); }
+
+    std::vector<Entry> entries;
+    bool sorted = false;
+};
+
+/// A point is two numbers, a rect four: `locH, locV` and `left, top, right, bottom`.
+template <Kind OfKind, size_t Count>
+struct CoordinatesObject : Object {
+    static constexpr Kind kKind = OfKind;
+    static constexpr size_t kCount = Count;
+    explicit CoordinatesObject(std::array<Value, Count> numbers) : values(std::move(numbers)) {}
+    size_t bytes() const override { return sizeof(*this); }
+    void eachChild(const std::function<void(const Value&)>& show) const override {
+        for (const Value& value : values) show(value);
+    }
+    void dropChildren() override { values.fill(Value()); }
+
+    std::array<Value, Count> values;
+};
+using PointObject = CoordinatesObject<Kind::Point, 2>;
+using RectObject = CoordinatesObject<Kind::Rect, 4>;
+
+/// An image. Pixels never move while it lives. A locked image is kept alive by its lock, since who
+/// locked it may hold nothing but the address.
+struct ImageObject : Object {
+    static constexpr Kind kKind = Kind::Image;
+    explicit ImageObject(Bitmap pixels, int32_t bitsPerPixel = 32)
+        : bitmap(std::move(pixels)), depth(bitsPerPixel) {}
+    size_t bytes() const override { return sizeof(*this) + bitmap.pixels.capacity() * sizeof(Pixel); }
+    int32_t width() const { return bitmap.width; }
+    int32_t height() const { return bitmap.height; }
+    bool holds(int64_t x, int64_t y) const { return x >= 0 && y >= 0 && x < width() && y < height(); }
+
+    Bitmap bitmap;
+    int32_t depth;  ///< 32, or 8 for a mask: then the three colour bytes of a pixel are equal
+    bool useAlpha = true;
+    int32_t locks = 0;
+};
+
+/// A white, opaque image. Throws `HostError` for a side below 1, more than 2^31 bytes or too little
+/// memory.
+Value makeImage(Heap& heap, int64_t width, int64_t height, int32_t depth = 32);
+
+}  // namespace krl::player

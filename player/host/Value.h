@@ -1,0 +1,126 @@
+#pragma once
+
+#include <cstdint>
+#include <utility>
+
+#include "host/HostTypes.h"
+
+namespace krl::player {
+
+using host::ColourRecord;
+using host::ScriptValue;
+using host::SymbolId;
+
+class Heap;
+
+/// What a value is. The first ones are whole in their two words; the others are a handle to
+/// something on the heap.
+enum class Kind : uint8_t {
+    Void,
+    Integer,
+    Symbol,
+    Colour,
+    Float,
+    String,
+    List,
+    PropertyList,
+    Point,
+    Rect,
+    Image,
+    Xtra,
+    XtraInstance,
+    Script,
+    ScriptInstance,
+    Member,
+};
+
+/// The two words of a value: the kind in the low byte of the first with, above it, the generation
+/// of the heap slot; the payload or the slot's number in the second. A slot's generation goes up
+/// when it is freed, so a stale handle is recognised and refused.
+constexpr Kind kindOf(const ScriptValue& words) { return static_cast<Kind>(words.words[0] & 0xFF); }
+constexpr bool onHeap(const ScriptValue& words) { return kindOf(words) >= Kind::Float; }
+constexpr uint32_t generationOf(const ScriptValue& words) {
+    return static_cast<uint32_t>(words.words[0]) >> 8;
+}
+constexpr uint32_t slotOf(const ScriptValue& words) { return static_cast<uint32_t>(words.words[1]); }
+constexpr ScriptValue wordsOf(Kind kind, uint32_t generation, uint32_t payload) {
+    return {
+        {static_cast<int32_t>(generation << 8 | static_cast<uint32_t>(kind)), static_cast<int32_t>(payload)}};
+}
+
+/// A value that holds one reference on what it denotes.
+class Value {
+public:
+    Value() = default;
+    static Value integer(int32_t number) {
+        return Value(wordsOf(Kind::Integer, 0, static_cast<uint32_t>(number)));
+    }
+    static Value truth(bool holds) { return integer(holds ? 1 : 0); }
+    static Value symbol(SymbolId id) { return Value(wordsOf(Kind::Symbol, 0, static_cast<uint32_t>(id))); }
+    static Value colour(Colour colour) { return Value(wordsOf(Kind::Colour, 0, colour.word & 0xFFFFFFu)); }
+    /// Takes over the one reference that `words` stands for.
+    static Value adopting(Heap& heap, ScriptValue words) {
+        Value made(words);
+        made.heap_ = &heap;
+        return made;
+    }
+    /// Adds a reference of its own; VOID for a stale handle.
+    static Value sharing(Heap& heap, ScriptValue words);
+
+    Value(const Value& other) : words_(other.words_), heap_(other.heap_) {
+        if (onHeap(words_)) retain();
+    }
+    Value(Value&& other) noexcept : words_(std::exchange(other.words_, {})), heap_(other.heap_) {}
+    Value& operator=(const Value& other) {
+        Value copy(other);
+        return *this = std::move(copy);
+    }
+    Value& operator=(Value&& other) noexcept {
+        std::swap(words_, other.words_);
+        std::swap(heap_, other.heap_);
+        return *this;
+    }
+    ~Value() {
+        if (onHeap(words_)) drop();
+    }
+
+    Kind kind() const { return kindOf(words_); }
+    bool is(Kind wanted) const { return kind() == wanted; }
+    bool isVoid() const { return is(Kind::Void); }
+    bool isInteger() const { return is(Kind::Integer); }
+    bool isNumber() const { return isInteger() || is(Kind::Float); }
+
+    // What the words hold; meaningful for a value of that kind alone.
+    int32_t integer() const { return words_.words[1]; }
+    SymbolId symbol() const { return words_.words[1]; }
+    Colour colour() const { return Colour(static_cast<uint32_t>(words_.words[1])); }
+    /// An integer or a float as a real.
+    double number() const;
+
+    /// The object behind the handle, or null where the value is of another kind.
+    template <class ObjectType>
+    ObjectType* as() const {
+        return is(ObjectType::kKind) ? static_cast<ObjectType*>(object()) : nullptr;
+    }
+
+    const ScriptValue& words() const { return words_; }
+    /// Gives the reference up to whoever takes the words.
+    ScriptValue release() { return std::exchange(words_, {}); }
+    /// Whether both are the very same two words: the same number, symbol, colour or object.
+    bool sameWords(const Value& other) const {
+        return words_.words[0] == other.words_.words[0] && words_.words[1] == other.words_.words[1];
+    }
+
+private:
+    explicit Value(ScriptValue words) : words_(words) {}
+    class Object* object() const;
+    void retain() const;
+    void drop() noexcept;
+
+    ScriptValue words_;
+    Heap* heap_ = nullptr;
+
+    friend class Object;
+};
+
+}  // namespace krl::player

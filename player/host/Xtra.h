@@ -1,0 +1,79 @@
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+#include <unordered_map>
+
+#include "player/host/EmbeddedHost.h"
+#include "player/host/MessageTableReader.h"
+#include "player/host/PlugInLibrary.h"
+
+namespace krl::player {
+
+/// A plug-in as the host knows it: its classes are read from the exports, it is registered, and its
+/// message table tells the methods. Plug-ins count their objects without locks, so everything that
+/// makes or frees one is done by one thread of the program at a time.
+class Xtra {
+public:
+    /// Reads the classes and registers. Throws `HostError` for a plug-in that refuses.
+    Xtra(EmbeddedHost& host, PlugInLibrary library);
+    Xtra(const Xtra&) = delete;
+    Xtra& operator=(const Xtra&) = delete;
+
+    const std::string& name() const { return table_.xtraName; }
+    const std::vector<MethodSignature>& methods() const { return table_.methods; }
+    /// Selector of a method by name, letter case aside; negative when there is none.
+    int32_t selector(SymbolId name) const;
+
+    /// An instance of the scripting class, as `new` makes it.
+    Value newInstance();
+    /// Sends a message. Arguments are padded with VOID up to the method's count; the answer is VOID
+    /// where the method writes none.
+    Value call(const Value& instance, int32_t selector, std::span<const Value> arguments);
+
+    /// Interfaces of the plug-in that live.
+    int64_t instances() const { return instances_; }
+
+private:
+    friend struct XtraInstanceObject;
+
+    void findClasses();
+    void registerClass();
+    host::InstanceHead* makeRecord(const host::Identifier& classId);
+    host::HostInterface* makeInterface(const host::Identifier& classId, const host::Identifier& interfaceId);
+    void letGo(host::HostInterface* object);
+    static host::HostStatus KRL_HOST_CALL queryInstance(host::HostInterface* self, const host::Identifier* id,
+                                                        void** out);
+    static uint32_t KRL_HOST_CALL addInstanceReference(host::HostInterface* self);
+    static uint32_t KRL_HOST_CALL releaseInstance(host::HostInterface* self);
+
+    EmbeddedHost& host_;
+    PlugInLibrary library_;
+    MessageTable table_;
+    std::unordered_map<SymbolId, int32_t> selectors_;
+    host::Identifier scriptClass_{}, registrationClass_{};
+    int64_t instances_ = 0;
+};
+
+/// `xtra "Name"`: what instances are made of.
+struct XtraObject : Object {
+    static constexpr Kind kKind = Kind::Xtra;
+    explicit XtraObject(Xtra& library) : xtra(library) {}
+    size_t bytes() const override { return sizeof(*this); }
+
+    Xtra& xtra;
+};
+
+/// An instance that a script holds; the plug-in's object goes with it.
+struct XtraInstanceObject : Object {
+    static constexpr Kind kKind = Kind::XtraInstance;
+    XtraInstanceObject(Xtra& maker, host::HostInterface* object) : xtra(maker), script(object) {}
+    ~XtraInstanceObject() override { xtra.letGo(script); }
+    size_t bytes() const override { return sizeof(*this); }
+
+    Xtra& xtra;
+    host::HostInterface* script;
+};
+
+}  // namespace krl::player
