@@ -18,7 +18,7 @@ constexpr int32_t kMostCorners = 1 << 20;
 
 std::vector<PolygonCorner> cornersOf(const FlareElement& polygon) {
     const int32_t count = clampTo(polygon.count, 1, kMostCorners);
-    const double radius = polygon.radius <= 0 ? 1.0 : polygon.radius;
+    const double radius = polygon.radius > 0 ? polygon.radius : 1.0;
     std::vector<PolygonCorner> corners;
     corners.reserve(static_cast<size_t>(count));
     for (int32_t i = 0; i < count; ++i) {

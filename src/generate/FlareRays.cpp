@@ -36,7 +36,7 @@ constexpr double kMostRays = 1 << 20;
 /// The tag of a ray that is skipped.
 constexpr float kSkippedTag = -1.0f;
 
-double radiusOf(const FlareElement& rays) { return rays.radius <= 0 ? 1.0 : rays.radius; }
+double radiusOf(const FlareElement& rays) { return rays.radius > 0 ? rays.radius : 1.0; }
 
 double belowFullTurn(double degrees) { return degrees >= 360 ? degrees - 360 : degrees; }
 

@@ -34,8 +34,8 @@ enum class FlareKind : int32_t {
 /// One element's settings; each kind looks only at those that it has.
 struct FlareElement {
     FlareKind kind = FlareKind::FilledCircle;
-    Point origin;                         ///< the middle of the element
-    Point handle;                         ///< `ChromaHoop`: where the hoop slides from, the source of light
+    Point origin{};                       ///< the middle of the element
+    Point handle{};                       ///< `ChromaHoop`: where the hoop slides from, the source of light
     float brightness = 255;               ///< 0..255
     int32_t transparency = 0;             ///< subtracted from every value
     BlendMode blend = BlendMode::Normal;  ///< `Normal`, `Add` or `Screen`
