@@ -1,0 +1,186 @@
+#include "point/FilmEffects.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <vector>
+
+#include "blur/TentBlur.h"
+#include "core/Bands.h"
+#include "core/ImageCopy.h"
+#include "core/LookupTables.h"
+#include "core/Numbers.h"
+#include "generate/Curve.h"
+#include "point/ByteCurve.h"
+#include "point/HsvBlock.h"
+
+namespace krl {
+
+namespace {
+
+/// What two bytes become together.
+class PairTable {
+public:
+    template <class Entry>
+    explicit PairTable(Entry&& entry) : entries_(256 * 256) {
+        for (int32_t a = 0; a < 256; ++a)
+            for (int32_t b = 0; b < 256; ++b)
+                entries_[size_t(a * 256 + b)] = static_cast<uint8_t>(entry(a, b));
+    }
+
+    const uint8_t* row(size_t a) const { return entries_.data() + a * 256; }
+    uint8_t operator()(size_t a, size_t b) const { return entries_[a * 256 + b]; }
+
+private:
+    std::vector<uint8_t> entries_;
+};
+
+/// Multiplies the saturation of every lane, limited to 0..1. Channels come back truncated.
+void saturate(ColourBlock& colours, float factor) {
+    HsvBlock hsv;
+    toHsv(colours, hsv);
+    for (float& saturation : hsv.saturation)
+        saturation = static_cast<float>(clampUnit(double{saturation} * factor));
+    fromHsv(hsv, colours, 0.0);
+}
+
+/// Sends every lane through the row of `table` that `rowOf(lane)` names.
+template <size_t count, class RowOf>
+void printThrough(int32_t (&lanes)[count], const PairTable& table, RowOf&& rowOf) {
+    for (size_t i = 0; i < count; ++i) lanes[i] = table(rowOf(i), size_t(lanes[i]));
+}
+
+/// Contrast as a factor in 1024ths.
+int32_t contrastFactor(float contrast) { return truncate(clampTo<double>(contrast, 0.0, 2.0) * 1024.0); }
+
+/// An opacity of 0..1 as a level.
+int32_t opacityLevel(float opacity) { return truncatedByte(clampUnit(opacity) * 255.0); }
+
+/// From `from` toward `to` by `level` in 256ths, falling short of `to` even at 255.
+int32_t shiftToward(int32_t from, int32_t to, int32_t level) { return from + ((to - from) * level >> 8); }
+
+}  // namespace
+
+Status bleachBypass(ImageEngine& engine, int32_t opacity, float contrast, float saturation) {
+    if (Status state = engine.imageStatus()) return state;
+    const LookupTables& tables = engine.tables();
+    const int32_t factor = contrastFactor(contrast);
+    const ByteCurve silver =
+        byteCurve([=](int32_t i) { return clampByte(wrapAdd(wrapMultiply(i - 127, factor) / 1024, 127)); });
+    const int32_t laid = clampTo(opacity, 0, 255);
+    const PairTable print([&](int32_t mean, int32_t byte) {
+        return tables.scaleByte[laid][tables.blendOverlay[silver[size_t(mean)]][byte]] +
+               tables.scaleByte[255 - laid][byte];
+    });
+    const auto colourfulness = static_cast<float>(clampTo<double>(saturation, 0.0, 2.0));
+    return forEachColourBlock(engine, [&](ColourBlock& colours) {
+        uint8_t means[kBlockPixels];
+        for (size_t i = 0; i < kBlockPixels; ++i)
+            means[i] = static_cast<uint8_t>((colours.blue[i] + colours.green[i] + colours.red[i]) / 3);
+        const auto mean = [&](size_t i) { return size_t(means[i]); };
+        printThrough(colours.blue, print, mean);
+        printThrough(colours.green, print, mean);
+        printThrough(colours.red, print, mean);
+        if (colourfulness != 1.0f) saturate(colours, colourfulness);
+    });
+}
+
+Status dayForNight(ImageEngine& engine, int32_t blur, float blurOpacity, Colour rgbColor, float colorOpacity,
+                   float highlightOpacity, float saturation, int32_t brightness, float contrast, float gamma,
+                   ChannelTarget target) {
+    if (Status state = engine.imageStatus()) return state;
+    const ImageBuffer& image = *engine.buffer();
+    const LookupTables& tables = engine.tables();
+    const int32_t sharpLevel = opacityLevel(blurOpacity), dayLevel = opacityLevel(colorOpacity);
+    const int32_t highlightLevel = opacityLevel(highlightOpacity);
+    const double contrastStep = contrastFactor(contrast), offset = clampTo(brightness, -255, 255);
+    const double exponent = 1.0 / static_cast<float>(clampTo<double>(gamma, 0.0, 2.0));
+    const ByteCurve tone = byteCurve([=](int32_t i) {
+        const auto bent = static_cast<float>(std::pow(double(i), exponent));
+        return truncatedByte(127.0 + (bent - 127.0) * contrastStep / 1024.0 + offset);
+    });
+    // A channel's night by its own byte and that byte mixed with its blur.
+    const auto nightOf = [&](int32_t tintLevel) {
+        return PairTable([&](int32_t byte, int32_t mixed) {
+            const int32_t tint = tintLevel * mixed >> 8;
+            const int32_t highlight = byte < 128 ? 0 : (byte - 128) * 2;
+            const int32_t lit = shiftToward(tint, tables.blendScreen[highlight][tint], highlightLevel);
+            return tone[size_t(shiftToward(lit, mixed, dayLevel))];
+        });
+    };
+    const PairTable blueNight = nightOf(rgbColor.blue()), greenNight = nightOf(rgbColor.green()),
+                    redNight = nightOf(rgbColor.red());
+    const auto colourfulness = static_cast<float>(clampTo<double>(saturation, 0.0, 2.0));
+
+    const ImageCopy soft(image);
+    if (blur > 0) TentBlur(engine.getThreadCount()).blurRGBA(soft.row(0), image.height, image.width, blur);
+    const Status status = forEachPixelPair(engine, soft.row(0), [&](Pixel& p, const Pixel& s) {
+        const auto mixed = [&](uint8_t sharp, uint8_t blurred) {
+            return size_t(shiftToward(blurred, sharp, sharpLevel));
+        };
+        p.blue = blueNight(p.blue, mixed(p.blue, s.blue));
+        p.green = greenNight(p.green, mixed(p.green, s.green));
+        p.red = redNight(p.red, mixed(p.red, s.red));
+        if (target != ChannelTarget::RGB) p.alpha = static_cast<uint8_t>(mixed(p.alpha, s.alpha));
+    });
+    if (status || colourfulness == 1.0f) return status;
+    return forEachColourBlock(engine, [&](ColourBlock& colours) { saturate(colours, colourfulness); });
+}
+
+Status twoStripColor(ImageEngine& engine, int32_t, int32_t, int32_t) {
+    if (Status state = engine.imageStatus()) return state;
+    const ImageBuffer& image = *engine.buffer();
+    // The key ink is what the brightest byte lacks; the print shows the magenta ink on top of it.
+    const PairTable print([&](int32_t brightest, int32_t green) {
+        const auto key = static_cast<float>(1.0 - brightest / 255.0);
+        const auto lack = static_cast<float>(1.0 - green / 255.0);
+        const auto magenta = key == 1.0f ? 0.0f : static_cast<float>((double{lack} - key) / (1.0 - key));
+        const auto inked = static_cast<float>((1.0 - key) * magenta + key);
+        return clampByte(truncate(255.0 * (1.0 - std::min(inked, 1.0f)) + 0.5));
+    });
+    for (int32_t y = 0; y < image.height; ++y) {
+        Pixel* row = image.row(y);
+        for (Pixel* p = row; p != row + image.width; ++p) {
+            const uint8_t brightest = std::max({p->blue, p->green, p->red});
+            *p = {0, print(brightest, p->green), 0, p->alpha};
+        }
+    }
+    return kStatusOk;
+}
+
+Status threeStripColor(ImageEngine& engine, int32_t expandRed, int32_t expandGreen, int32_t expandBlue) {
+    const auto dyeOf = [](int32_t expand) {
+        return byteCurve([=](int32_t separation) {
+            const int32_t i = 255 - separation;
+            return i < expand ? 0 : truncate((double(i) - expand) * (256.0 / (256.0 - expand)));
+        });
+    };
+    const ByteCurve blueDye = dyeOf(expandBlue), greenDye = dyeOf(expandGreen), redDye = dyeOf(expandRed);
+    return forEachPixel(engine, [&](Pixel& p) {
+        const auto dye = [](const ByteCurve& curve, int32_t own, int32_t others) {
+            return int32_t{curve[clampByte(own - (others >> 1))]};
+        };
+        const int32_t blue = dye(blueDye, p.blue, p.red + p.green);
+        const int32_t green = dye(greenDye, p.green, p.red + p.blue);
+        const int32_t red = dye(redDye, p.red, p.green + p.blue);
+        p.blue = static_cast<uint8_t>((red + green) * p.blue >> 9);
+        p.green = static_cast<uint8_t>((red + blue) * p.green >> 9);
+        p.red = static_cast<uint8_t>((green + blue) * p.red >> 9);
+    });
+}
+
+Status multiColourise(ImageEngine& engine, std::span<const CurveKey> colourValues, float strength) {
+    if (Status state = engine.imageStatus()) return state;
+    const LookupTables& tables = engine.tables();
+    const double share = clampUnit(strength), rest = 1.0 - share;
+    const ColourCurve curve({colourValues.begin(), colourValues.end()}, 255);
+    return forEachPixel(engine, [&](Pixel& p) {
+        const auto luma = static_cast<float>(double{tables.lumaBlue[p.blue]} + tables.lumaGreen[p.green] +
+                                             tables.lumaRed[p.red]);
+        const auto t = static_cast<float>(luma * (1.0 / 255.0));
+        for (size_t channel = 0; channel < 3; ++channel)
+            p[channel] = truncatedByte(p[channel] * rest + curve.valueAt(channel, t) * share);
+    });
+}
+
+}  // namespace krl
