@@ -1,5 +1,6 @@
 #include "point/ColourEffects.h"
 
+#include "core/Clones.h"
 #include "core/Numbers.h"
 #include "point/BlackBody.h"
 #include "point/ByteCurve.h"
@@ -52,7 +53,8 @@ Status sepia(ImageEngine& engine) {
 namespace {
 
 /// Moves each lane of `from` towards `to` by `opacity` of 256; bits above the low byte are no matter.
-void mixLanes(int32_t (&from)[kBlockPixels], const int32_t (&to)[kBlockPixels], int32_t opacity) {
+KRL_WIDE_CLONES void mixLanes(int32_t (&from)[kBlockPixels], const int32_t (&to)[kBlockPixels],
+                              int32_t opacity) {
     for (size_t i = 0; i < kBlockPixels; ++i)
         from[i] = wrapAdd(from[i], wrapMultiply(to[i] - from[i], opacity) >> 8);
 }

@@ -1,5 +1,7 @@
 #include "point/HlsBlock.h"
 
+#include "core/Clones.h"
+
 namespace krl {
 
 namespace {
@@ -12,7 +14,7 @@ int32_t quotient(float numerator, float divisor) { return static_cast<int32_t>(n
 
 // Of the three distances from the largest channel that decide a hue, its own is 0 and that of the
 // smallest 60, so only the middle channel needs a division.
-void toHls(const ColourBlock& colours, HlsBlock& hls) {
+KRL_WIDE_CLONES void toHls(const ColourBlock& colours, HlsBlock& hls) {
     for (size_t i = 0; i < kBlockPixels; ++i) {
         const int32_t red = colours.red[i], green = colours.green[i], blue = colours.blue[i];
         const int32_t larger = red > green ? red : green, smaller = red < green ? red : green;
@@ -54,24 +56,28 @@ int32_t channelAt(int32_t hue, float low, float spread) {
 
 }  // namespace
 
-void fromHls(const HlsBlock& hls, ColourBlock& colours) {
+KRL_WIDE_CLONES void fromHls(const HlsBlock& hls, ColourBlock& colours) {
+    ColourBlock coloured;
     for (size_t i = 0; i < kBlockPixels; ++i) {
         const int32_t hue = hls.hue[i], lightness = hls.lightness[i], saturation = hls.saturation[i];
         const int32_t share = quotient(float(lightness) * float(saturation) + 180.0f, 360.0f);
         const int32_t reach = lightness <= 180 ? share : saturation - share;
         const float low = float(lightness - reach), spread = float(2 * reach);
-        const int32_t red = channelAt(hue + 120, low, spread);
-        const int32_t green = channelAt(hue, low, spread);
-        const int32_t blue = channelAt(hue - 120, low, spread);
-
-        const int32_t grey = quotient(float(lightness) * 255.0f, 360.0f);
-        const bool isGrey = saturation == 0, isUndefined = hue == -1;
-        const int32_t keptRed = isUndefined ? grey : colours.red[i];
-        const int32_t keptGreen = isUndefined ? grey : colours.green[i];
-        const int32_t keptBlue = isUndefined ? grey : colours.blue[i];
-        colours.red[i] = isGrey ? keptRed : red;
-        colours.green[i] = isGrey ? keptGreen : green;
-        colours.blue[i] = isGrey ? keptBlue : blue;
+        coloured.red[i] = channelAt(hue + 120, low, spread);
+        coloured.green[i] = channelAt(hue, low, spread);
+        coloured.blue[i] = channelAt(hue - 120, low, spread);
+    }
+    for (size_t i = 0; i < kBlockPixels; ++i) {
+        const int32_t grey = quotient(float(hls.lightness[i]) * 255.0f, 360.0f);
+        // All ones where it holds, so that the choice stays one of bits.
+        const int32_t isGrey = -int32_t{hls.saturation[i] == 0}, isUndefined = -int32_t{hls.hue[i] == -1};
+        const auto choose = [=](int32_t own, int32_t other) {
+            const int32_t kept = (grey & isUndefined) | (own & ~isUndefined);
+            return (kept & isGrey) | (other & ~isGrey);
+        };
+        colours.red[i] = choose(colours.red[i], coloured.red[i]);
+        colours.green[i] = choose(colours.green[i], coloured.green[i]);
+        colours.blue[i] = choose(colours.blue[i], coloured.blue[i]);
     }
 }
 

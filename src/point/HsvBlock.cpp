@@ -1,8 +1,10 @@
 #include "point/HsvBlock.h"
 
+#include "core/Clones.h"
+
 namespace krl {
 
-void toHsv(const ColourBlock& colours, HsvBlock& hsv) {
+KRL_WIDE_CLONES void toHsv(const ColourBlock& colours, HsvBlock& hsv) {
     for (size_t i = 0; i < kBlockPixels; ++i) {
         const float red = float(colours.red[i]) / 255.0f;
         const float green = float(colours.green[i]) / 255.0f;
@@ -32,7 +34,7 @@ int32_t channelByte(float channel, double half) {
 
 }  // namespace
 
-void fromHsv(const HsvBlock& hsv, ColourBlock& colours, double half) {
+KRL_WIDE_CLONES void fromHsv(const HsvBlock& hsv, ColourBlock& colours, double half) {
     int32_t sectors[kBlockPixels], high[kBlockPixels], middle[kBlockPixels], low[kBlockPixels];
     float slopes[kBlockPixels];
     // In odd sectors one channel falls with the hue's fraction, in even ones one rises with it.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/Clones.h"
 #include "core/ColourSpace.h"
 #include "core/Numbers.h"
 #include "point/HlsBlock.h"
@@ -40,13 +41,17 @@ HlsChange hueChange(NewHue&& newHue) {
     return change;
 }
 
+KRL_WIDE_CLONES void apply(const HlsChange& change, HlsBlock& hls) {
+    for (size_t i = 0; i < kBlockPixels; ++i) {
+        hls.hue[i] = change.hues[hls.hue[i] + 1];
+        hls.lightness[i] = change.lightnesses[hls.lightness[i]];
+    }
+}
+
 void recolour(ColourBlock& colours, const HlsChange& change) {
     HlsBlock hls;
     toHls(colours, hls);
-    for (size_t i = 0; i < kBlockPixels; ++i) {
-        hls.hue[i] = change.hue(hls.hue[i]);
-        hls.lightness[i] = change.lightnesses[hls.lightness[i]];
-    }
+    apply(change, hls);
     fromHls(hls, colours);
 }
 
@@ -67,7 +72,8 @@ Status recolourByHls(ImageEngine& engine, const HlsChange& change) {
 }
 
 /// Moves each lane from what it was to what it became by `mix`, limited to a byte.
-void blendLanes(int32_t (&became)[kBlockPixels], const int32_t (&was)[kBlockPixels], double mix) {
+KRL_WIDE_CLONES void blendLanes(int32_t (&became)[kBlockPixels], const int32_t (&was)[kBlockPixels],
+                                double mix) {
     for (size_t i = 0; i < kBlockPixels; ++i) became[i] = truncatedByte((became[i] - was[i]) * mix + was[i]);
 }
 
