@@ -1,7 +1,166 @@
-#include "host/MethodRegistry.h"
+#include <deque>
 
+#include "fields/Broadcast.h"
+#include "fields/Interlace.h"
+#include "fields/Sizes.h"
+#include "host/MethodRegistry.h"
+#include "host/NewPicture.h"
+
+/// Bindings of the field and size methods, most of which make new pictures.
 namespace krl::host {
 
-void addFieldMethods(MethodList& list) { list.group(""); }
+namespace {
+
+Outcome halveSize(MethodCall& call) {
+    ImageInfo half;
+    Status status = halfSizeInfo(*call.engine(), half);
+    if (status != kStatusOk) return failure(call.method().failedText());
+    NewPicture frame(call, half.width, half.height);
+    status = halfSize(*call.engine(), frame.image());
+    if (status != kStatusOk) return failure(call.method().failedText());
+    call.addResult("frame", frame.give());
+    return succeeded();
+}
+
+Outcome split(MethodCall& call) {
+    const int32_t factor = broadcastFactor(call.get<int32_t>(0));
+    ImageInfo part;
+    Status status = broadcastPartSize(*call.engine(), factor, part);
+    if (status != kStatusOk) return failure(call.method().failedText());
+
+    std::deque<NewPicture> pictures;
+    std::vector<NewImage> targets;
+    for (int32_t i = 0; i < factor * factor; ++i)
+        targets.push_back(pictures.emplace_back(call, part.width, part.height).image());
+    status = broadcastSplit(*call.engine(), targets);
+    if (status != kStatusOk) return failure(call.method().failedText());
+
+    ScriptValue list;
+    lists::NewList::call(call.lists(), &list);
+    for (NewPicture& picture : pictures) {
+        ScriptValue given = picture.give();
+        lists::AppendToList::call(call.lists(), &list, &given);
+        values::ReleaseValue::call(call.values(), &given);
+    }
+    call.answerWith(list);
+    return succeeded();
+}
+
+/// The pictures of a list, locked for the life of this object. What is no picture has no pixels.
+class ListedPictures {
+public:
+    explicit ListedPictures(const MethodCall& call, const ScriptValue& list) : images_(call.images()) {
+        const int32_t count = call.countElements(list);
+        for (int32_t i = 1; i <= count; ++i) {
+            OwnedValue& value = values_.emplace_back(call.values());
+            SecondImage& image = sources_.emplace_back();
+            if (call.element(list, i, value) != kHostOk) continue;
+            ImageLock lock;
+            images::QueryImage::call(images_, value.get(), &image.info);
+            if (images::LockImage::call(images_, value.get(), &lock) != kHostOk) continue;
+            image.pixels = lock.pixels;
+            locked_.push_back(value.get());
+        }
+    }
+    ~ListedPictures() {
+        for (const ScriptValue* value : locked_) images::UnlockImage::call(images_, value);
+    }
+    ListedPictures(const ListedPictures&) = delete;
+    ListedPictures& operator=(const ListedPictures&) = delete;
+
+    const std::vector<SecondImage>& sources() const { return sources_; }
+
+private:
+    HostInterface* images_;
+    std::deque<OwnedValue> values_;
+    std::vector<SecondImage> sources_;
+    std::vector<const ScriptValue*> locked_;
+};
+
+Outcome combine(MethodCall& call) {
+    const ListedPictures parts(call, call.raw(0));
+    ImageInfo whole;
+    Status status = broadcastWholeSize(parts.sources(), whole);
+    if (status != kStatusOk) return failure(call.method().failedText());
+    NewPicture frame(call, whole.width, whole.height);
+    status = broadcastCombine(parts.sources(), frame.image());
+    if (status != kStatusOk) return failure(call.method().failedText());
+    call.addResult("frame", frame.give());
+    return succeeded();
+}
+
+Outcome mergeFields(MethodCall& call) {
+    const auto one = call.get<SecondImage>(0), two = call.get<SecondImage>(1);
+    // The host's lock is good for writing too, and the first picture is the one that changes.
+    const Status status = reinterlace(*call.engine(), const_cast<uint8_t*>(one.pixels), one.info, two);
+    return status == kStatusOk ? succeeded() : failure(call.method().failedText());
+}
+
+void addBroadcast(MethodList& list) {
+    list.add(
+        method("krlImageBroadcastCombine")
+            .summary("Joins the pictures of a broadcast split into one new picture.")
+            .value("imageList",
+                   "[image(480, 320, 32), image(480, 320, 32), image(480, 320, 32), image(480, 320, 32)]",
+                   "4 or 16 pictures of one size, in the order of the split")
+            .gives("frame", "the new picture")
+            .failed("Failed Broadcast Split function (Image)")
+            .does(combine));
+    list.add(method("krlImageBroadcastSplit")
+                 .summary("Deals the picture out into 4 or 16 smaller ones; the result is a list of them.")
+                 .integer("splitNum", {.from = 4, .to = 16, .example = 4},
+                          "4 for blocks of 2 by 2 pixels, anything else for 4 by 4")
+                 .inputFailure("Broadcast Split input failure (Image)")
+                 .failed("Failed Broadcast Split function (Image)")
+                 .does(split));
+}
+
+void addSizes(MethodList& list) {
+    list.add(method("krlImageDrawCheckerBox", drawCheckerBox)
+                 .summary("Paints a checker pattern over the colours; transparency stays.")
+                 .integer("size", {.from = 1, .to = 200, .example = 40}, "side of a square, in pixels")
+                 .colour("cOne", Colour(230, 230, 230), "colour of the first square")
+                 .colour("cTwo", Colour(60, 60, 70), "colour of the squares beside it")
+                 .inputFailure("Draw Checker Box input failure (Image)")
+                 .failed("Failed Draw Checker Box function (Image)"));
+    list.add(method("krlImageHalfSize")
+                 .summary("Makes a new picture of half the width and height.")
+                 .gives("frame", "the new picture")
+                 .failed("Failed Half Size Check function (Image)")
+                 .does(halveSize));
+}
+
+void addInterlace(MethodList& list) {
+    const auto isField = [](const ArgumentValue& argument) {
+        return argument.integer == 0 || argument.integer == 1;
+    };
+    list.add(
+        method("krlImageInterlace", interlace)
+            .summary("Fills one field of an interlaced picture from the other.")
+            .symbol("interlaceType",
+                    {{"deinterlace", InterlaceType::Deinterlace}, {"splitField", InterlaceType::SplitField}},
+                    refused("Interlace invalid input interlaceType (Image)"),
+                    "fill a field from the rows beside it, or shift the field that is kept")
+            .integer("fieldDominance", {.from = 0, .to = 1, .example = 0},
+                     "which of the two fields is filled, 0 or 1")
+            .mustPass(isField, "Interlace invalid input fieldDominance (Image)")
+            .inputFailure("Interlace input failure (Image)")
+            .failed("Failed Interlace function (Image)"));
+    list.add(method("krlImageReinterlace")
+                 .summary("Copies one field of a second picture into the first.")
+                 .image("imageOne", {}, "landscape.png", "the picture that is changed")
+                 .image("imageTwo", {}, "landscape.png", "the picture whose rows it takes")
+                 .failed("Failed Reinterlace function (Image)")
+                 .does(mergeFields));
+}
+
+}  // namespace
+
+void addFieldMethods(MethodList& list) {
+    list.group("Fields and sizes");
+    addBroadcast(list);
+    addSizes(list);
+    addInterlace(list);
+}
 
 }  // namespace krl::host
