@@ -1,6 +1,8 @@
 #include "point/ByteCurve.h"
 
-#include <bit>
+#include <cstring>
+
+#include "core/Clones.h"
 
 namespace krl {
 
@@ -10,7 +12,8 @@ Status applyCurve(ImageEngine& engine, ChannelTarget target, const ByteCurve& cu
 }
 
 void applyCurves(Pixel* first, Pixel* last, const ColourCurves& curves) {
-    for (Pixel* p = first; p != last; ++p) {
+    Pixel* rest = lookUpWide(first, last, {{curves.blue, 1}, {curves.green, 2}, {curves.red, 4}});
+    for (Pixel* p = rest; p != last; ++p) {
         p->blue = curves.blue[p->blue];
         p->green = curves.green[p->green];
         p->red = curves.red[p->red];
@@ -21,12 +24,14 @@ Status applyCurves(ImageEngine& engine, const ColourCurves& curves) {
     return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) { applyCurves(first, last, curves); });
 }
 
-Status recolourBySum(ImageEngine& engine, const ColourBySum& colours) {
-    return forEachPixel(engine, [&](Pixel& p) {
-        Pixel colour = colours[size_t(p.blue + p.green + p.red)];
-        colour.alpha = p.alpha;
-        p = colour;
-    });
+KRL_WIDE_CLONES void takeMeans(Pixel* first, Pixel* last) {
+    for (Pixel* p = first; p != last; ++p) {
+        uint32_t word;  // 0xAARRGGBB
+        std::memcpy(&word, p, sizeof word);
+        const uint32_t mean = thirdOf((word & 255u) + (word >> 8 & 255u) + (word >> 16 & 255u));
+        word = (word & 0xFF000000u) | mean << 16 | mean << 8 | mean;
+        std::memcpy(p, &word, sizeof word);
+    }
 }
 
 Status shiftSaturated(ImageEngine& engine, Pixel step, bool subtract) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <utility>
@@ -8,13 +9,11 @@
 #include "core/ImageEngine.h"
 #include "core/LookupTables.h"
 #include "core/Pixel.h"
+#include "point/CurveLookup.h"
 
 /// Curves: what a byte becomes, told once for all 256 of them and then looked up. Most point
 /// effects are a curve and nothing else.
 namespace krl {
-
-/// What each byte becomes.
-using ByteCurve = std::array<uint8_t, 256>;
 
 /// One curve for each colour byte, in the order of the bytes.
 struct ColourCurves {
@@ -32,7 +31,8 @@ ByteCurve byteCurve(Entry&& entry) {
 /// Sends the listed channels (by number) of a run of pixels through `curve`.
 template <size_t... channel>
 void applyCurveTo(Pixel* first, Pixel* last, const ByteCurve& curve) {
-    for (Pixel* p = first; p != last; ++p) (((*p)[channel] = curve[(*p)[channel]]), ...);
+    Pixel* rest = lookUpWide(first, last, {{curve, ((1u << channel) | ...)}});
+    for (Pixel* p = rest; p != last; ++p) (((*p)[channel] = curve[(*p)[channel]]), ...);
 }
 
 /// The same over the loaded image, in bands.
@@ -51,25 +51,28 @@ void applyCurves(Pixel* first, Pixel* last, const ColourCurves& curves);
 /// The same over the loaded image, in bands.
 Status applyCurves(ImageEngine& engine, const ColourCurves& curves);
 
-/// Gives every pixel the colour `colourOf(mean)`, a `Pixel` whose alpha is ignored, for the mean of
-/// its three colour bytes. Alpha stays.
-template <class ColourOf>
-Status recolourByMean(ImageEngine& engine, ColourOf&& colourOf);
+/// A third of the sum of three bytes, as `meanOf3` has it; exact for every such sum.
+constexpr uint32_t thirdOf(uint32_t sum) { return sum * 21846u >> 16; }
+
+/// Replaces the colour of every pixel of a run by the mean of its three bytes.
+void takeMeans(Pixel* first, Pixel* last);
+
+/// Replaces the colour of the loaded image by its means, in bands, and calls `then(first, last)` with
+/// one stretch of them after another while it is still near.
+template <class Then>
+Status recolourByMean(ImageEngine& engine, Then&& then) {
+    constexpr ptrdiff_t stretch = 2048;
+    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
+        for (Pixel* end; first != last; first = end) {
+            end = first + std::min(stretch, last - first);
+            takeMeans(first, end);
+            then(first, end);
+        }
+    });
+}
 
 /// The dormant wide path of the effects that shift whole channels: adds `step` to every pixel, or
 /// takes it away, byte by byte, each byte stopping at 255 or 0.
 Status shiftSaturated(ImageEngine& engine, Pixel step, bool subtract);
-
-/// Outputs of `recolourByMean` by the sum of the colour bytes, so that a pixel costs one look-up.
-using ColourBySum = std::array<Pixel, 3 * 255 + 1>;
-Status recolourBySum(ImageEngine& engine, const ColourBySum& colours);
-
-template <class ColourOf>
-Status recolourByMean(ImageEngine& engine, ColourOf&& colourOf) {
-    if (Status state = engine.imageStatus()) return state;
-    ColourBySum colours;
-    for (size_t sum = 0; sum < colours.size(); ++sum) colours[sum] = colourOf(engine.tables().meanOf3[sum]);
-    return recolourBySum(engine, colours);
-}
 
 }  // namespace krl

@@ -34,20 +34,16 @@ Status colourTemperature(ImageEngine& engine, float tempShift) {
     return applyCurves(engine, {lit(light.blue), lit(light.green), lit(light.red)});
 }
 
-Status desaturate(ImageEngine& engine) {
-    return recolourByMean(engine, [](int32_t mean) {
-        const auto grey = static_cast<uint8_t>(mean);
-        return Pixel{grey, grey, grey, 0};
-    });
-}
+Status desaturate(ImageEngine& engine) { return forEachPixelRun(engine, takeMeans); }
 
 Status sepia(ImageEngine& engine) {
-    return recolourByMean(engine, [&](int32_t mean) {
-        const LookupTables& tables = engine.tables();
-        return Pixel{static_cast<uint8_t>(tables.sepiaBlue[mean]),
-                     static_cast<uint8_t>(tables.sepiaGreen[mean]),
-                     static_cast<uint8_t>(tables.sepiaRed[mean]), 0};
-    });
+    if (Status state = engine.imageStatus()) return state;
+    const auto tinted = [](const int32_t(&table)[256]) {
+        return byteCurve([&](int32_t mean) { return table[mean]; });
+    };
+    const LookupTables& tables = engine.tables();
+    const ColourCurves tints = {tinted(tables.sepiaBlue), tinted(tables.sepiaGreen), tinted(tables.sepiaRed)};
+    return recolourByMean(engine, [&](Pixel* first, Pixel* last) { applyCurves(first, last, tints); });
 }
 
 namespace {
@@ -61,19 +57,34 @@ KRL_WIDE_CLONES void mixLanes(int32_t (&from)[kBlockPixels], const int32_t (&to)
 
 }  // namespace
 
+namespace {
+
+/// Weights of a grey, and what their sum is divided by.
+struct GreyWeights {
+    float red, green, blue;
+    double divisor;
+};
+
+KRL_WIDE_CLONES void weigh(const ColourBlock& colours, const GreyWeights& weights,
+                           int32_t (&greys)[kBlockPixels]) {
+    for (size_t i = 0; i < kBlockPixels; ++i) {
+        const float green = float(colours.green[i]) * weights.green;
+        const float blue = float(colours.blue[i]) * weights.blue;
+        const float red = float(colours.red[i]) * weights.red;
+        const int32_t sum = truncate(double(green) + blue + red);
+        greys[i] = clampTo(truncate(sum / weights.divisor), 0, 255);
+    }
+}
+
+}  // namespace
+
 Status desaturatePro(ImageEngine& engine, float red, float green, float blue, int32_t opacity,
                      bool equalise) {
-    const auto weights = static_cast<float>(double(green) + blue + red);
-    const double divisor = equalise && weights != 0.0f ? weights : 1.0;
+    const auto sum = static_cast<float>(double(green) + blue + red);
+    const GreyWeights weights = {red, green, blue, equalise && sum != 0.0f ? sum : 1.0};
     return forEachColourBlock(engine, [=](ColourBlock& colours) {
         int32_t greys[kBlockPixels];
-        for (size_t i = 0; i < kBlockPixels; ++i) {
-            const float greenPart = float(colours.green[i]) * green;
-            const float bluePart = float(colours.blue[i]) * blue;
-            const float redPart = float(colours.red[i]) * red;
-            const int32_t sum = truncate(double(greenPart) + bluePart + redPart);
-            greys[i] = clampTo(truncate(sum / divisor), 0, 255);
-        }
+        weigh(colours, weights, greys);
         mixLanes(colours.blue, greys, opacity);
         mixLanes(colours.green, greys, opacity);
         mixLanes(colours.red, greys, opacity);

@@ -114,9 +114,10 @@ Status superContrast(ImageEngine& engine, int32_t low, int32_t high, ChannelTarg
 
 Status threshold(ImageEngine& engine, int32_t threshold, ChannelTarget target) {
     const int32_t limit = clampTo(threshold, 0, 255);
-    const auto cut = [=](int32_t level) { return static_cast<uint8_t>(level > limit ? 255 : 0); };
-    if (target != ChannelTarget::RGB) return applyCurve(engine, target, byteCurve(cut));
-    return recolourByMean(engine, [=](int32_t mean) { return Pixel{cut(mean), cut(mean), cut(mean), 0}; });
+    const ByteCurve curve = byteCurve([=](int32_t level) { return level > limit ? 255 : 0; });
+    if (target != ChannelTarget::RGB) return applyCurve(engine, target, curve);
+    return recolourByMean(engine,
+                          [&](Pixel* first, Pixel* last) { applyCurveTo<0, 1, 2>(first, last, curve); });
 }
 
 namespace {
