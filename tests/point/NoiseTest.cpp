@@ -154,7 +154,7 @@ TEST(Grain, TakesAnyNumbers) {
     for (float odd : {kNaN, kInfinity, -kInfinity, 1e30f})
         for (int32_t band : {INT32_MIN, INT32_MAX}) {
             grained(Picture::random(9, 9), {{odd, odd, 2}, {1, odd, 1}, band, band, band, false});
-            grained(Picture::random(9, 9), {{odd, odd, 2}, {odd, 1, 1}, -band, 255, band, true});
+            grained(Picture::random(9, 9), {{odd, odd, 2}, {odd, 1, 1}, ~band, 255, band, true});
         }
 }
 
