@@ -6,12 +6,12 @@
 #include <cstring>
 #include <utility>
 
+#include "composite/PixelsBeside.h"
+
 namespace krl {
 
 namespace {
 
-/// Pixels that are blended at once, so that what passes between the steps stays in the first cache.
-constexpr size_t kChunk = 256;
 constexpr size_t kModes = 18;
 
 // Four pixels in the compilers' portable vector form: as bytes, and as two halves of 16-bit lanes, which
@@ -136,9 +136,8 @@ void shiftRun(Pixel* pixels, const Pixel* front, size_t count, const LookupTable
         copyColour(reinterpret_cast<uint8_t*>(pixels), reinterpret_cast<const uint8_t*>(front), count);
         return;
     }
-    alignas(16) uint8_t blended[4 * kChunk];
-    for (size_t done = 0; done < count; done += kChunk) {
-        const size_t chunk = std::min(kChunk, count - done);
+    alignas(16) uint8_t blended[4 * kChunkPixels];
+    forEachChunk(count, [&](size_t done, size_t chunk) {
         auto* behind = reinterpret_cast<uint8_t*>(pixels + done);
         const auto* before = reinterpret_cast<const uint8_t*>(front + done);
         const ByteSquare<uint8_t>* table = mode == BlendMode::PinLight ? nullptr : blendTable(tables, mode);
@@ -147,7 +146,7 @@ void shiftRun(Pixel* pixels, const Pixel* front, size_t count, const LookupTable
         else if (table)
             blendByTables(blended, before, behind, chunk, *table, *table);
         mixShift(behind, table ? blended : before, before, chunk);
-    }
+    });
 }
 
 /// Colour as the blend sees it, scaled by its own alpha: `scaleByte[colour][alpha]`.
@@ -208,11 +207,10 @@ void mixOverRun(uint8_t* pixels, const uint8_t* blended, const uint8_t* front, s
 
 template <BlendMode mode>
 void overRun(Pixel* pixels, const Pixel* front, size_t count, const LookupTables& tables) {
-    alignas(16) uint8_t seen[4 * kChunk];
-    alignas(16) uint8_t blended[4 * kChunk];
+    alignas(16) uint8_t seen[4 * kChunkPixels];
+    alignas(16) uint8_t blended[4 * kChunkPixels];
     const ByteSquare<uint8_t>* table = blendTable(tables, mode);
-    for (size_t done = 0; done < count; done += kChunk) {
-        const size_t chunk = std::min(kChunk, count - done);
+    forEachChunk(count, [&](size_t done, size_t chunk) {
         auto* behind = reinterpret_cast<uint8_t*>(pixels + done);
         const auto* before = reinterpret_cast<const uint8_t*>(front + done);
         if (table) {
@@ -224,7 +222,7 @@ void overRun(Pixel* pixels, const Pixel* front, size_t count, const LookupTables
                               mode == BlendMode::Add ? tables.blendScreen : *table);
         }
         mixOverRun(behind, table ? blended : before, before, chunk, tables);
-    }
+    });
 }
 
 template <size_t... modes>

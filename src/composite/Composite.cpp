@@ -1,7 +1,7 @@
 #include "composite/Composite.h"
 
 #include "composite/BlendRun.h"
-#include "core/Bands.h"
+#include "composite/PixelsBeside.h"
 
 namespace krl {
 
@@ -12,9 +12,8 @@ Status composite(ImageEngine& engine, const SecondImage& foreground, BlendMode b
     if (!engine.hasSizeOf(foreground)) return kStatusForegroundSize;
     const bool straight = backgroundAlpha == AlphaRule::BackgroundAlphaYes;
     const BlendRun blend = straight ? overBlendRun(blendMethod) : shiftBlendRun(blendMethod);
-    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
-        const Pixel* front = foreground.begin() + (first - engine.buffer()->row(0));
-        blend(first, front, static_cast<size_t>(last - first), engine.tables());
+    return forEachRunBeside(engine, foreground, [&](Pixel* pixels, size_t count, const Pixel* front) {
+        blend(pixels, front, count, engine.tables());
     });
 }
 

@@ -5,6 +5,10 @@
 #include <bit>
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "warp/Sampler.h"
 
 /// The whole-number road of `BilinearSampler`. A weight is a whole number of 2^-23, so a blend of two
