@@ -1,7 +1,57 @@
+#include "generate/BezierShape.h"
+#include "host/MethodCall.h"
 #include "host/MethodRegistry.h"
 
+/// The binding of the Bezier rasteriser, whose list of segments is of its own kind.
 namespace krl::host {
 
-void addBezierMethods(MethodList& list) { list.group(""); }
+namespace {
+
+/// The point under `key`; a missing one, or a value of another kind, counts as (0, 0).
+Point pointUnder(const MethodCall& call, const ScriptValue& entry, const char* key) {
+    OwnedValue value(call.values());
+    Point point;
+    if (call.elementUnder(entry, key, value) != kHostOk || call.read(*value, point) != kHostOk) return {};
+    return point;
+}
+
+/// The pieces of a closed outline: each ends where the next begins, the last at the first.
+std::vector<BezierSegment> readSegments(const MethodCall& call, const ScriptValue& list) {
+    std::vector<BezierSegment> segments;
+    const int32_t count = call.countElements(list);
+    for (int32_t i = 1; i <= count; ++i) {
+        OwnedValue entry(call.values());
+        BezierSegment& segment = segments.emplace_back();
+        if (call.element(list, i, entry) != kHostOk) continue;
+        segment.vertex = pointUnder(call, *entry, "vertex");
+        segment.handle1 = pointUnder(call, *entry, "handle1");
+        segment.handle2 = pointUnder(call, *entry, "handle2");
+    }
+    for (size_t i = 0; i < segments.size(); ++i) segments[i].end = segments[(i + 1) % segments.size()].vertex;
+    return segments;
+}
+
+Outcome drawShape(MethodCall& call) {
+    const Status status = drawBezierShape(*call.engine(), readSegments(call, call.raw(0)));
+    return status == kStatusOk ? succeeded() : failure(call.method().failedText());
+}
+
+}  // namespace
+
+void addBezierMethods(MethodList& list) {
+    list.group("Generators");
+    list.add(method("krlImageDrawBezierShape")
+                 .summary("Replaces the picture's colours by a matte of one closed Bezier shape.")
+                 .value("bezierList",
+                        "[[#vertex: point(280, -20), #handle1: point(140, 0), #handle2: point(110, 110)], "
+                        "[#vertex: point(530, 230), #handle1: point(0, 130), #handle2: point(-110, 120)], "
+                        "[#vertex: point(280, 400), #handle1: point(-160, 0), #handle2: point(-90, -120)], "
+                        "[#vertex: point(30, 230), #handle1: point(0, -140), #handle2: point(100, -110)]]",
+                        "the pieces in order, each with #vertex, #handle1 from the vertex and #handle2 from "
+                        "the first handle; (0, 0) lies 200 columns in and 200 rows above the bottom edge, "
+                        "rows upward")
+                 .failed("Failed Draw Bezier Shape function (Image)")
+                 .does(drawShape));
+}
 
 }  // namespace krl::host
