@@ -1,0 +1,96 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <iosfwd>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "player/lingo/Session.h"
+
+/// The commands of `krlimage`, one function for each, free of how the command line is parsed.
+/// Each returns the exit code: 0, or 1 when something failed that it has told on `err`.
+namespace krl::player {
+
+/// Where a command speaks.
+struct Terminal {
+    std::ostream& out;
+    std::ostream& err;
+    /// Whether `err` is a terminal, on which a line can be drawn again.
+    bool live = false;
+};
+
+/// Ends a command with one line on standard error and exit code 1.
+class CommandError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A command line that makes no sense: the usage is told too, and the exit code is 2.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+struct RunOptions {
+    std::filesystem::path script;
+    std::vector<std::string> arguments;
+    SessionOptions session;
+};
+/// Runs a script.
+int runScript(const RunOptions& options, const Terminal& terminal);
+
+struct ApplyOptions {
+    /// Pictures, folders of pictures, and calls, in any order.
+    std::vector<std::string> words;
+    std::string output;
+    /// Extension of what is written, without the dot; empty to keep each picture's own.
+    std::string format;
+    int quality = 90;
+    /// Pictures worked on side by side; 0 for one on each processor.
+    unsigned jobs = 0;
+    bool json = false;
+    /// Prints the chain as a script instead of running it.
+    bool printLingo = false;
+    SessionOptions session;
+};
+/// Runs a chain of calls on pictures.
+int applyCalls(const ApplyOptions& options, const Terminal& terminal);
+
+struct ListOptions {
+    std::string word;
+    bool json = false;
+};
+/// Lists the methods, or those that a word is found in.
+int listMethods(const ListOptions& options, const Terminal& terminal);
+
+struct HelpOptions {
+    std::string method;
+    bool json = false;
+};
+/// Tells all about a method.
+int helpOnMethod(const HelpOptions& options, const Terminal& terminal);
+
+struct GalleryOptions {
+    std::filesystem::path picture;
+    std::filesystem::path folder;
+    unsigned jobs = 0;
+    SessionOptions session;
+};
+/// Makes a contact sheet of every effect.
+int makeGallery(const GalleryOptions& options, const Terminal& terminal);
+
+struct CheckOptions {
+    std::vector<std::filesystem::path> scripts;
+};
+/// Looks for mistakes in scripts without running them.
+int checkScripts(const CheckOptions& options, const Terminal& terminal);
+
+struct DocsOptions {
+    std::filesystem::path folder;
+};
+/// Writes the reference of all methods.
+int writeDocs(const DocsOptions& options, const Terminal& terminal);
+
+}  // namespace krl::player
