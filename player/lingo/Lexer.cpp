@@ -1,0 +1,196 @@
+#include "player/lingo/Lexer.h"
+
+#include <charconv>
+
+#include "player/host/Compare.h"
+
+namespace krl::player {
+
+namespace {
+
+bool isDigit(char letter) { return letter >= '0' && letter <= '9'; }
+bool isNameStart(char letter) {
+    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') || letter == '_';
+}
+bool isNamePart(char letter) { return isNameStart(letter) || isDigit(letter); }
+
+class Lexer {
+public:
+    explicit Lexer(const Source& source) : source_(source), text_(source.text) {}
+
+    std::vector<Token> run() {
+        if (text_.substr(0, 3) == "\xEF\xBB\xBF") at_ = 3;  // the mark that some editors begin UTF-8 with
+        lineStart_ = at_;
+        while (at_ < text_.size()) step();
+        if (!tokens_.empty() && tokens_.back().kind != TokenKind::LineEnd) add(TokenKind::LineEnd, at_);
+        add(TokenKind::End, at_);
+        return std::move(tokens_);
+    }
+
+private:
+    char peek(size_t ahead = 0) const { return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0'; }
+    Place placeOf(size_t position) const { return {line_, static_cast<int>(position - lineStart_) + 1}; }
+
+    Token& add(TokenKind kind, size_t begin) {
+        Token token;
+        token.kind = kind;
+        token.place = placeOf(begin);
+        token.begin = begin;
+        token.end = at_;
+        token.text = std::string(text_.substr(begin, at_ - begin));
+        tokens_.push_back(std::move(token));
+        return tokens_.back();
+    }
+
+    void step() {
+        const char letter = peek();
+        if (letter == ' ' || letter == '\t')
+            ++at_;
+        else if (letter == '\n' || letter == '\r')
+            endLine();
+        else if (letter == '-' && peek(1) == '-')
+            skipComment();
+        else if (letter == '\\')
+            continueLine();
+        else if (letter == '"')
+            takeString();
+        else if (letter == '#')
+            takeSymbol();
+        else if (isDigit(letter) || (letter == '.' && isDigit(peek(1))))
+            takeNumber();
+        else if (isNameStart(letter))
+            takeName();
+        else
+            takeMark();
+    }
+
+    void skipComment() {
+        while (at_ < text_.size() && peek() != '\n' && peek() != '\r') ++at_;
+    }
+
+    /// One line end of any of the three kinds.
+    void passLineEnd() {
+        at_ += peek() == '\r' && peek(1) == '\n' ? 2 : 1;
+        ++line_;
+        lineStart_ = at_;
+    }
+
+    void endLine() {
+        if (!tokens_.empty() && tokens_.back().kind != TokenKind::LineEnd) add(TokenKind::LineEnd, at_);
+        passLineEnd();
+    }
+
+    void continueLine() {
+        const size_t begin = at_++;
+        while (peek() == ' ' || peek() == '\t') ++at_;
+        if (peek() == '-' && peek(1) == '-') skipComment();
+        if (at_ < text_.size() && peek() != '\n' && peek() != '\r')
+            throw source_.error(placeOf(begin),
+                                "expected the end of the line after \"\\\", which continues it");
+        if (at_ < text_.size()) passLineEnd();
+    }
+
+    void takeString() {
+        const size_t begin = at_++;
+        while (at_ < text_.size() && peek() != '"' && peek() != '\n' && peek() != '\r') ++at_;
+        if (peek() != '"') throw source_.error(placeOf(begin), "expected a closing quote on the same line");
+        ++at_;
+        Token& token = add(TokenKind::String, begin);
+        token.text = token.text.substr(1, token.text.size() - 2);
+    }
+
+    void takeSymbol() {
+        const size_t begin = at_++;
+        if (!isNamePart(peek())) throw source_.error(placeOf(begin), "expected a name after \"#\"");
+        while (isNamePart(peek())) ++at_;
+        Token& token = add(TokenKind::Symbol, begin);
+        token.text.erase(0, 1);
+    }
+
+    void takeName() {
+        const size_t begin = at_;
+        while (isNamePart(peek())) ++at_;
+        add(TokenKind::Name, begin);
+    }
+
+    void takeNumber() {
+        const size_t begin = at_;
+        while (isDigit(peek())) ++at_;
+        bool real = false;
+        if (peek() == '.' && isDigit(peek(1))) {  // two dots are a range
+            real = true;
+            do ++at_;
+            while (isDigit(peek()));
+        }
+        const size_t sign = peek(1) == '+' || peek(1) == '-' ? 2 : 1;
+        if ((peek() == 'e' || peek() == 'E') && isDigit(peek(sign))) {
+            real = true;
+            at_ += sign;
+            while (isDigit(peek())) ++at_;
+        }
+        if (isNamePart(peek()))
+            throw source_.error(placeOf(at_),
+                                "expected the number to end before \"" + std::string(1, peek()) + '"');
+        Token& token = add(real ? TokenKind::Float : TokenKind::Integer, begin);
+        // Whole numbers wrap to 32 bits as all of Lingo's arithmetic does.
+        if (!real)
+            for (char digit : token.text)
+                token.integer = static_cast<int32_t>(static_cast<uint32_t>(token.integer) * 10u +
+                                                     static_cast<uint32_t>(digit - '0'));
+        else if (!readNumber(token.text, token.real))
+            throw source_.error(token.place, "expected a number that a float can hold");
+    }
+
+    void takeMark() {
+        static const char* const marks[] = {"..", "<>", "<=", ">=", "&&", "(", ")", "[", "]", ",",
+                                            ":",  ".",  "=",  "<",  ">",  "&", "+", "-", "*", "/"};
+        const size_t begin = at_;
+        for (const char* mark : marks) {
+            const std::string_view wanted(mark);
+            if (text_.substr(at_, wanted.size()) != wanted) continue;
+            at_ += wanted.size();
+            add(TokenKind::Mark, begin);
+            return;
+        }
+        const bool shown = peek() > ' ' && peek() < 0x7F;
+        throw source_.error(placeOf(begin), shown ? "unexpected character \"" + std::string(1, peek()) + '"'
+                                                  : std::string("unexpected character"));
+    }
+
+    const Source& source_;
+    std::string_view text_;
+    size_t at_ = 0;
+    size_t lineStart_ = 0;
+    int line_ = 1;
+    std::vector<Token> tokens_;
+};
+
+}  // namespace
+
+std::string Source::line(int number) const {
+    size_t begin = text.rfind("\xEF\xBB\xBF", 0) == 0 ? 3 : 0;
+    for (int passed = 1; passed < number; ++passed) {
+        const size_t end = text.find_first_of("\r\n", begin);
+        if (end == std::string::npos) return "";
+        begin = end + (text.compare(end, 2, "\r\n") == 0 ? 2 : 1);
+    }
+    return text.substr(begin, text.find_first_of("\r\n", begin) - begin);
+}
+
+ScriptError Source::error(Place place, const std::string& message) const {
+    return ScriptError(name, place, message, line(place.line));
+}
+
+bool Token::isWord(const char* word) const { return kind == TokenKind::Name && compareText(text, word) == 0; }
+
+std::string Token::described() const {
+    if (kind == TokenKind::End) return "the end of the script";
+    if (kind == TokenKind::LineEnd) return "the end of the line";
+    if (kind == TokenKind::Symbol) return "#" + text;
+    if (kind == TokenKind::String) return "a string";
+    return '"' + text + '"';
+}
+
+std::vector<Token> tokensOf(const Source& source) { return Lexer(source).run(); }
+
+}  // namespace krl::player

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "player/lingo/ScriptError.h"
+
+namespace krl::player {
+
+/// A script's text, kept for the messages about it.
+struct Source {
+    std::string name;  ///< as messages name it; may be empty
+    std::string text;
+
+    /// Line `number`, from 1, without its end.
+    std::string line(int number) const;
+    ScriptError error(Place place, const std::string& message) const;
+};
+
+enum class TokenKind {
+    End,
+    LineEnd,
+    Integer,
+    Float,
+    String,
+    Symbol,
+    Name,  ///< keywords too: Lingo reserves next to none
+    Mark,  ///< an operator or bracket, in `text`
+};
+
+struct Token {
+    TokenKind kind = TokenKind::End;
+    Place place;
+    std::string text;  ///< a name as spelled, a string's content, a mark
+    int32_t integer = 0;
+    double real = 0;
+    size_t begin = 0, end = 0;  ///< in the source's text
+
+    bool isMark(const char* mark) const { return kind == TokenKind::Mark && text == mark; }
+    /// Whether it is this word, told in lower case.
+    bool isWord(const char* word) const;
+    bool endsLine() const { return kind == TokenKind::End || kind == TokenKind::LineEnd; }
+    /// As a message names it: `"then"`, `the end of the line`.
+    std::string described() const;
+};
+
+/// Cuts a script into tokens; comments and continued line ends are gone, runs of line ends are one,
+/// and the last token is `End`. Throws `ScriptError`.
+std::vector<Token> tokensOf(const Source& source);
+
+}  // namespace krl::player
