@@ -1,6 +1,6 @@
-#include "composite/BlendMode.h"
 #include "host/MethodCall.h"
 #include "host/MethodRegistry.h"
+#include "host/methods/Choices.h"
 
 /// Bindings of the methods that read and check their arguments like any other and leave the picture
 /// as it is. They stand in the method list so that scripts written against the whole of it run.
@@ -24,38 +24,8 @@ Status leaveLoadedPicture(ImageEngine& engine, Arguments...) {
 using Colours = std::span<const CurveKey>;
 const std::vector<ColourStop> kColoursExample = {{0, Colour(0, 0, 0)}, {100, Colour(255, 255, 255)}};
 
-std::vector<SymbolChoice> allBlends() {
-    return {{"noBlend", BlendMode::NoBlend},
-            {"normal", BlendMode::Normal},
-            {"add", BlendMode::Add},
-            {"darken", BlendMode::Darken},
-            {"multiply", BlendMode::Multiply},
-            {"screen", BlendMode::Screen},
-            {"lighten", BlendMode::Lighten},
-            {"hardlight", BlendMode::HardLight},
-            {"difference", BlendMode::Difference},
-            {"pinlight", BlendMode::PinLight},
-            {"overlay", BlendMode::Overlay},
-            {"exclusion", BlendMode::Exclusion},
-            {"softlight", BlendMode::SoftLight},
-            {"colorburn", BlendMode::ColorBurn},
-            {"colordodge", BlendMode::ColorDodge},
-            {"hue", BlendMode::Hue},
-            {"saturation", BlendMode::Saturation},
-            {"color", BlendMode::Color}};
-}
-
-std::vector<SymbolChoice> compositeBlends() {
-    std::vector<SymbolChoice> choices;
-    for (const BlendSymbol& blend : kCompositeBlends) choices.emplace_back(blend.symbol, blend.mode);
-    return choices;
-}
-
 std::vector<SymbolChoice> colourSources() { return {{"from_image", 0}, {"colourise_image", 1}}; }
 std::vector<SymbolChoice> qualities() { return {{"standard", 0}, {"antialiased", 1}}; }
-std::vector<SymbolChoice> colourWithAlpha() {
-    return {{"RGB", ChannelTarget::RGB}, {"RGBA", ChannelTarget::RGBA}};
-}
 
 void addPatterns(MethodList& list) {
     list.add(method("krlImageDefinePattern", leavePicture<SecondImage, BlendMode, int32_t>)

@@ -1,19 +1,11 @@
 #include "host/MethodRegistry.h"
+#include "host/methods/Choices.h"
 #include "point/ToneEffects.h"
 
 /// Bindings of the tone effects.
 namespace krl::host {
 
 namespace {
-
-constexpr const char* kTargetMeaning = "the three colours, or transparency alone";
-
-std::vector<SymbolChoice> colourOrAlpha() {
-    return {{"RGB", ChannelTarget::RGB}, {"Alpha", ChannelTarget::Alpha}};
-}
-
-/// The methods that say nothing of a symbol they do not know work on alpha then.
-constexpr UnknownSymbol kElseAlpha = otherwise(ChannelTarget::Alpha);
 
 void addCurves(MethodList& list) {
     list.add(method("krlImageBrightness", brightness)
