@@ -1,8 +1,6 @@
 #include "player/lingo/Parser.h"
 
 #include <algorithm>
-#include <array>
-#include <span>
 #include <utility>
 
 #include "player/lingo/ExpressionParser.h"
@@ -12,9 +10,9 @@ namespace krl::player {
 
 namespace {
 
-const std::array<std::string, 13> kStatementWords = {"on",       "end",  "if",    "else",   "repeat",
-                                                     "case",     "set",  "put",   "return", "global",
-                                                     "property", "exit", "delete"};
+const std::vector<std::string> kStatementWords = {"on",       "end",  "if",    "else",   "repeat",
+                                                  "case",     "set",  "put",   "return", "global",
+                                                  "property", "exit", "delete"};
 
 class Parser : ExpressionParser {
 public:
@@ -31,8 +29,7 @@ public:
             else if (here().isWord("property"))
                 declare(script_->properties);
             else
-                fail("a handler, which begins with \"on\"" +
-                     suggestion(here().text, std::span(kStatementWords).first(1)));
+                fail("a handler, which begins with \"on\"" + didYouMean(here().text, {"on"}));
             passLineEnds();
         }
         resolveScopes();
@@ -232,7 +229,7 @@ private:
             path = std::move(alone);
         }
         made->expression = std::move(path);
-        if (!endsStatement()) fail("\"=\" or the end of the line" + suggestion(first.text, kStatementWords));
+        if (!endsStatement()) fail("\"=\" or the end of the line" + didYouMean(first.text, kStatementWords));
         return made;
     }
 
@@ -248,12 +245,12 @@ private:
         const Token name = take();
         auto made = std::make_unique<CallExpression>(ExpressionKind::Call, name.place);
         made->name = symbols_.identifier(name.text);
-        if (!beginsExpression()) fail("a statement" + suggestion(name.text, kStatementWords));
+        if (!beginsExpression()) fail("a statement" + didYouMean(name.text, kStatementWords));
         do {
             made->arguments.push_back(expression());
             contain(*made, made->arguments.back());
         } while (takeMark(","));
-        if (!endsStatement()) fail("\",\" or the end of the line" + suggestion(name.text, kStatementWords));
+        if (!endsStatement()) fail("\",\" or the end of the line" + didYouMean(name.text, kStatementWords));
         auto whole = std::make_unique<ExpressionStatement>(StatementKind::Evaluate, name.place);
         whole->expression = std::move(made);
         return whole;
