@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <vector>
 
 #include "support/Picture.h"
 
@@ -26,6 +27,27 @@ inline Picture colourNet() {
     Picture net(int32_t(colours.size()), 1);
     net.pixels() = colours;
     return net;
+}
+
+/// All colours of one red, 256 by 256.
+inline Picture colourPlane(int red) {
+    Picture plane(256, 256);
+    for (int green = 0; green < 256; ++green)
+        for (int blue = 0; blue < 256; ++blue)
+            plane.at(blue, green) = {uint8_t(blue), uint8_t(green), uint8_t(red), uint8_t(blue ^ green)};
+    return plane;
+}
+
+/// Reds whose planes between them hold all colours there are; fewer where sanitizers make it slow.
+inline std::vector<int> allReds() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    constexpr int step = 51;
+#else
+    constexpr int step = 1;
+#endif
+    std::vector<int> reds;
+    for (int red = 0; red < 256; red += step) reds.push_back(red);
+    return reds;
 }
 
 /// Expects of every colour of `source` that the effect makes of it what `reference` says.

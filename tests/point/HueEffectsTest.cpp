@@ -143,6 +143,19 @@ TEST(PosteriseHue, WritesGreysWhereTheRotationMakesTheirHueUndefinedAgain) {
     EXPECT_EQ(one(1, 1, 1).after([](ImageEngine& e) { return posteriseHue(e, 6, -360); }), one(0, 0, 0));
 }
 
+TEST(HueEffects, FollowTheirStepsForAllColoursThereAre) {
+    for (int red : allReds()) {
+        const Picture plane = colourPlane(red);
+        expectEach(
+            plane, [](ImageEngine& e) { return hueShift(e, 37, 100); },
+            [](Pixel p) { return reference::newHue(p, 37, 100, true); });
+        expectEach(
+            plane, [](ImageEngine& e) { return lightnessHSV(e, 1.1f); },
+            [](Pixel p) { return reference::lightnessHSV(p, 1.1f); });
+        if (HasFailure()) return;
+    }
+}
+
 TEST(HueEffects, GiveTheSameBytesForAnyBands) {
     expectSameForAnyBands([](ImageEngine& e) { return hueColourise(e, 40, 80); });
     expectSameForAnyBands([](ImageEngine& e) { return hueShift(e, 40, 80); });
