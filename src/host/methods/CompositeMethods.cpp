@@ -1,7 +1,26 @@
+#include "composite/Composite.h"
 #include "host/MethodRegistry.h"
+#include "host/methods/BlendChoices.h"
 
+/// Binding of the blend compositor.
 namespace krl::host {
 
-void addCompositeMethods(MethodList& list) { list.group(""); }
+void addCompositeMethods(MethodList& list) {
+    list.group("Compositing");
+    list.add(method("krlImageComposite", composite)
+                 .summary("Lays a second picture over this one in any of the blend modes.")
+                 .image("foreground", kCompositeSizes, "logo.png", "the picture on top, of this one's size")
+                 .symbol("blendMethod", blendChoices(kCompositeBlends),
+                         refused("Composite invalid input blendMethod (Image)"), "how the two colours meet")
+                 .showing("screen")
+                 .thenCompare()
+                 .symbol("backgroundAlpha",
+                         {{"background_alpha_yes", AlphaRule::BackgroundAlphaYes},
+                          {"background_alpha_no", AlphaRule::BackgroundAlphaNo}},
+                         refused("Unknown #background_alpha method (Image)"),
+                         "whether this picture's own transparency counts and grows, or stays as it is")
+                 .inputFailure("Composite input failure (Image)")
+                 .failed("Failed Composite function (Image)"));
+}
 
 }  // namespace krl::host
