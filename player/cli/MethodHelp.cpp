@@ -1,0 +1,76 @@
+#include "player/cli/MethodHelp.h"
+
+#include <algorithm>
+
+#include "player/cli/MethodFacts.h"
+
+namespace krl::player {
+
+namespace {
+
+using Rows = std::vector<std::vector<std::string>>;
+
+/// Sets texts in columns as wide as their widest. A text that is wider than `widest` does not widen
+/// its column: what follows it goes to the next line.
+std::string columns(const Rows& rows, size_t widest = 34) {
+    std::vector<size_t> widths;
+    for (const auto& row : rows)
+        for (size_t i = 0; i < row.size(); ++i) {
+            if (widths.size() <= i) widths.push_back(0);
+            if (row[i].size() <= widest) widths[i] = std::max(widths[i], row[i].size());
+        }
+    std::string text;
+    for (const auto& row : rows) {
+        std::string line;
+        size_t column = 2;
+        for (size_t i = 0; i < row.size(); ++i) {
+            if (line.size() > column) {
+                text += line + '\n';
+                line.clear();
+            }
+            line.resize(column, ' ');
+            line += row[i];
+            column += widths[i] + 2;
+        }
+        text += line + '\n';
+    }
+    return text;
+}
+
+std::string section(const std::string& heading, const Rows& rows) {
+    return rows.empty() ? "" : '\n' + heading + '\n' + columns(rows);
+}
+
+}  // namespace
+
+std::string helpText(const host::Method& method) {
+    Rows arguments, results, failures;
+    for (const host::Argument& argument : method.arguments())
+        arguments.push_back({argument.name, wantedText(argument), argument.meaning});
+    if (!method.isSilent()) results.push_back({"error", "0, or what went wrong"});
+    for (const host::ResultEntry& entry : method.resultEntries())
+        results.push_back({entry.key, entry.meaning});
+    for (const MethodFailure& failure : failuresOf(method))
+        failures.push_back({failure.message, failure.when});
+    const std::string heading = outlineOf(method), name = method.name(), summary = method.summaryText();
+    std::string text = heading + "\n  " + summary + "\n  " + method.group() + "; " + name + " in scripts.\n";
+    text += section("Arguments", arguments);
+    text += section("Example", {{"krlimage apply in.png -o out.png '" + shortExample(method) + "'"}});
+    text += section("Result", results);
+    return text + section("Errors", failures);
+}
+
+std::string listText(const std::string& word) {
+    std::string text;
+    for (const MethodGroup& group : methodGroups()) {
+        Rows rows;
+        for (const host::Method* method : group.methods)
+            if (isFound(*method, word)) rows.push_back({method->shortName(), method->summaryText()});
+        if (rows.empty()) continue;
+        if (!text.empty()) text += '\n';
+        text += group.heading + '\n' + columns(rows);
+    }
+    return text;
+}
+
+}  // namespace krl::player
