@@ -1,4 +1,7 @@
+#include <algorithm>
 #include <array>
+#include <cmath>
+#include <limits>
 
 #include "core/Clones.h"
 #include "core/LookupTables.h"
@@ -45,14 +48,34 @@ uint8_t matteIn(const KeyWindow& window, double x) {
     return 255;
 }
 
-/// Mattes of hues. A later test that holds overrides an earlier one, as where wide ranges meet
-/// themselves around the circle. A turn is always below 1, so the tests across the seam hold only
-/// where a bound reaches across it.
-KRL_WIDE_CLONES void hueMattes(const KeyWindow& window, const float* hues, ptrdiff_t count, uint8_t* mattes) {
+constexpr float kTurnsPerDegree = 0.0027777778450399637f;
+/// The hue of a grey. No test rejects it and no distance comes of it, so that its matte is 0 and
+/// leaves the judgement to saturation and value.
+constexpr float kNoHue = std::numeric_limits<float>::quiet_NaN();
+
+/// Mattes of hues for a window that stays off the seam of the circle.
+KRL_WIDE_CLONES void plainHueMattes(const KeyWindow& window, const float* hues, ptrdiff_t count,
+                                    uint8_t* mattes) {
+    constexpr double kOff = std::numeric_limits<double>::infinity();
     const double low = window.low, high = window.high, scale = window.scale;
     const double outerLow = window.outerLow, outerHigh = window.outerHigh;
     for (ptrdiff_t i = 0; i < count; ++i) {
-        const double turn = hues[i] * 0.0027777778450399637f;
+        const double turn = hues[i] * kTurnsPerDegree;
+        const double distance = std::max(low - turn, turn - high);
+        const bool off = (turn < outerLow) | (turn > outerHigh);
+        mattes[i] = truncatedByte((off ? kOff : distance) * scale);
+    }
+}
+
+/// Mattes of hues for any window. A later test that holds overrides an earlier one, as where wide
+/// ranges meet themselves around the circle. A turn is always below 1, so the tests across the seam
+/// hold only where a bound reaches across it.
+KRL_WIDE_CLONES void wrappedHueMattes(const KeyWindow& window, const float* hues, ptrdiff_t count,
+                                      uint8_t* mattes) {
+    const double low = window.low, high = window.high, scale = window.scale;
+    const double outerLow = window.outerLow, outerHigh = window.outerHigh;
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        const double turn = hues[i] * kTurnsPerDegree;
         const bool inside = (low <= turn) & (turn <= high);
         const bool below = (outerLow <= turn) & (turn < low);
         const bool belowSeam = outerLow + 1.0 <= turn;
@@ -63,9 +86,14 @@ KRL_WIDE_CLONES void hueMattes(const KeyWindow& window, const float* hues, ptrdi
         distance = belowSeam ? 1.0 + low - turn : distance;
         distance = above ? turn - high : distance;
         distance = aboveSeam ? 1.0 + turn - high : distance;
-        const bool found = inside | below | belowSeam | above | aboveSeam;
+        const bool found = inside | below | belowSeam | above | aboveSeam | std::isnan(turn);
         mattes[i] = found ? truncatedByte(distance * scale) : 255;
     }
+}
+
+void hueMattes(const KeyWindow& window, const float* hues, ptrdiff_t count, uint8_t* mattes) {
+    const bool plain = window.outerLow >= 0.0f && window.outerHigh < 1.0f;
+    (plain ? plainHueMattes : wrappedHueMattes)(window, hues, count, mattes);
 }
 
 }  // namespace
@@ -80,19 +108,20 @@ Status chromaKey(ImageEngine& engine, float huePick, float innerHue, float outer
     const KeyWindow saturation = unitWindow(percent(satPick * 100.0), percent(innerSat), percent(outerSat));
     const KeyWindow value = unitWindow(percent(valPick * 100.0), percent(innerVal), percent(outerVal));
 
-    // No matte counts as 255 throughout: screened with anything, 255 stays 255.
+    // No matte counts as 255 and a grey's hue as 0: screened with anything, 255 stays 255 and 0
+    // changes nothing.
     const auto& screen = engine.tables().blendScreen;
-    const ExtremesTable greyMattes(engine.tables(), [&](const Hsv& colour) {
+    const ExtremesTable unitMattes(engine.tables(), [&](const Hsv& colour) {
         return screen[matteIn(saturation, colour.saturation)][matteIn(value, colour.value)];
     });
     return keyEachRun(engine, keep, invert, [&](const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) {
+        unitMattes.mattesOf(pixels, count, mattes);
+        if (std::all_of(mattes, mattes + count, [](uint8_t matte) { return matte == 255; })) return;
         std::array<float, kMatteRun> hues;
-        huesOf(pixels, count, hues.data());
-        hueMattes(hue, hues.data(), count, mattes);
-        for (ptrdiff_t i = 0; i < count; ++i) {
-            const uint8_t grey = greyMattes[pixels[i]];
-            mattes[i] = hues[size_t(i)] == -1.0f ? grey : screen[mattes[i]][grey];
-        }
+        std::array<uint8_t, kMatteRun> ofHue;
+        huesOf(pixels, count, kNoHue, hues.data());
+        hueMattes(hue, hues.data(), count, ofHue.data());
+        for (ptrdiff_t i = 0; i < count; ++i) mattes[i] = screen[ofHue[size_t(i)]][mattes[i]];
     });
 }
 

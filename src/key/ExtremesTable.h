@@ -1,7 +1,5 @@
 #pragma once
 
-#include <algorithm>
-
 #include "core/ColourSpace.h"
 #include "core/LookupTables.h"
 #include "core/Pixel.h"
@@ -23,10 +21,8 @@ public:
             }
     }
 
-    uint8_t operator[](const Pixel& p) const {
-        const uint8_t max = std::max({p.blue, p.green, p.red}), min = std::min({p.blue, p.green, p.red});
-        return mattes_[size_t(max) << 8 | min];
-    }
+    /// Writes the mattes of `count` pixels, at most `kMatteRun`.
+    void mattesOf(const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) const;
 
 private:
     Scratch<uint8_t> mattes_{size_t(256) << 8};

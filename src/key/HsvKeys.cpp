@@ -68,9 +68,14 @@ public:
                 mattes_[size_t(i + kOrigin)] = softness.matte(std::abs(i - 180) / double(range) * 255.0);
     }
 
-    uint8_t matte(float hue) const {
-        const float place = hue == -1.0f ? -float(kOrigin) : hue + shift_;
-        return mattes_[size_t(static_cast<int32_t>(place) + kOrigin)];
+    /// A hue for greys, far outside.
+    float greyHue() const { return 900.0f - shift_; }
+
+    /// Writes the mattes of `count` hues.
+    void mattesOf(const float* hues, ptrdiff_t count, uint8_t* mattes) const {
+        const float shift = shift_;
+        for (ptrdiff_t i = 0; i < count; ++i)
+            mattes[i] = mattes_[size_t(static_cast<int32_t>(hues[i] + shift) + kOrigin)];
     }
 
 private:
@@ -78,7 +83,7 @@ private:
     static constexpr int32_t kOrigin = 200;
 
     float shift_;
-    std::array<uint8_t, 768> mattes_;
+    std::array<uint8_t, 1200> mattes_;
 };
 
 }  // namespace
@@ -89,8 +94,8 @@ Status hueKey(ImageEngine& engine, Colour pColor, float dynamicRange, int32_t bl
     const HueRamp ramp(hsvOf(engine.tables(), pColor).hue, dynamicRange, black, white);
     return keyEachRun(engine, keep, invert, [&](const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) {
         std::array<float, kMatteRun> hues;
-        huesOf(pixels, count, hues.data());
-        for (ptrdiff_t i = 0; i < count; ++i) mattes[i] = ramp.matte(hues[size_t(i)]);
+        huesOf(pixels, count, ramp.greyHue(), hues.data());
+        ramp.mattesOf(hues.data(), count, mattes);
     });
 }
 
@@ -98,12 +103,13 @@ Status saturationKey(ImageEngine& engine, Colour pColor, float dynamicRange, int
                      bool keep, bool invert) {
     if (engine.imageStatus()) return kStatusRefused;
     const UnitRamp ramp(hsvOf(engine.tables(), pColor).saturation, dynamicRange, black, white);
-    const ExtremesTable mattes(engine.tables(),
-                               [&](const Hsv& colour) { return ramp.matte(colour.saturation); });
-    const ImageBuffer& image = *engine.buffer();
-    Pixel* const first = image.row(0);
-    for (Pixel* p = first; p != first + image.bytes() / sizeof(Pixel); ++p)
-        p->alpha = applyKeyMatte(p->alpha, mattes[*p], keep, invert);
+    const ExtremesTable table(engine.tables(),
+                              [&](const Hsv& colour) { return ramp.matte(colour.saturation); });
+    Pixel* const first = engine.buffer()->row(0);
+    keyRuns(first, first + engine.buffer()->bytes() / sizeof(Pixel), keep, invert,
+            [&](const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) {
+                table.mattesOf(pixels, count, mattes);
+            });
     return kStatusOk;
 }
 

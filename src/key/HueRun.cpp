@@ -21,7 +21,7 @@ float smaller(float a, float b) { return a < b ? a : b; }
 
 }  // namespace
 
-KRL_WIDE_CLONES void huesOf(const Pixel* pixels, ptrdiff_t count, float* hues) {
+KRL_WIDE_CLONES void huesOf(const Pixel* pixels, ptrdiff_t count, float greyHue, float* hues) {
     for (ptrdiff_t i = 0; i < count; ++i) {
         uint32_t word;
         std::memcpy(&word, pixels + i, sizeof word);
@@ -39,7 +39,7 @@ KRL_WIDE_CLONES void huesOf(const Pixel* pixels, ptrdiff_t count, float* hues) {
         sector = red == max ? 0.0f : sector;
         const float hue = (across / delta + sector) * 60.0f;
         const float turned = hue < 0.0f ? hue + 360.0f : hue;
-        hues[i] = delta == 0.0f ? -1.0f : turned;
+        hues[i] = delta == 0.0f ? greyHue : turned;
     }
 }
 

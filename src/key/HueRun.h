@@ -6,8 +6,8 @@
 
 namespace krl {
 
-/// Writes the hue of each of `count` pixels, in degrees and -1 for a grey: what `rgbToHsv` gives,
-/// many at a time.
-void huesOf(const Pixel* pixels, ptrdiff_t count, float* hues);
+/// Writes the hue of each of `count` pixels in degrees: what `rgbToHsv` gives, many at a time, but
+/// for greys, which get `greyHue`.
+void huesOf(const Pixel* pixels, ptrdiff_t count, float greyHue, float* hues);
 
 }  // namespace krl

@@ -29,21 +29,28 @@ Status keyEachPixel(const ImageEngine& engine, bool keep, bool invert, MatteOf&&
 /// Pixels whose mattes are made at once: few enough that they stay in the nearest cache.
 inline constexpr ptrdiff_t kMatteRun = 512;
 
-/// The same for keys that make the mattes of many pixels together:
+/// Folds `count` mattes into the alpha of the pixels beside them.
+void foldMattes(Pixel* pixels, const uint8_t* mattes, ptrdiff_t count, bool keep, bool invert);
+
+/// Folds the mattes of many pixels that are made together, in runs:
 /// `mattesOf(const Pixel* pixels, ptrdiff_t count, uint8_t* mattes)` writes `count` mattes, at most
 /// `kMatteRun`.
 template <class MattesOf>
+void keyRuns(Pixel* first, Pixel* last, bool keep, bool invert, MattesOf&& mattesOf) {
+    std::array<uint8_t, kMatteRun> mattes;
+    for (Pixel* run = first; run != last;) {
+        const ptrdiff_t count = std::min(kMatteRun, last - run);
+        mattesOf(static_cast<const Pixel*>(run), count, mattes.data());
+        foldMattes(run, mattes.data(), count, keep, invert);
+        run += count;
+    }
+}
+
+/// The same for every pixel of the image, after the state tests.
+template <class MattesOf>
 Status keyEachRun(const ImageEngine& engine, bool keep, bool invert, MattesOf&& mattesOf) {
-    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
-        std::array<uint8_t, kMatteRun> mattes;
-        for (Pixel* run = first; run != last;) {
-            const ptrdiff_t count = std::min(kMatteRun, last - run);
-            mattesOf(static_cast<const Pixel*>(run), count, mattes.data());
-            for (ptrdiff_t i = 0; i < count; ++i)
-                run[i].alpha = applyKeyMatte(run[i].alpha, mattes[size_t(i)], keep, invert);
-            run += count;
-        }
-    });
+    return forEachPixelRun(engine,
+                           [&](Pixel* first, Pixel* last) { keyRuns(first, last, keep, invert, mattesOf); });
 }
 
 }  // namespace krl

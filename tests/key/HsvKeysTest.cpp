@@ -65,7 +65,7 @@ TEST(HueRun, GivesTheConversionsHuesForEveryColour) {
     for (int32_t blue = 0; blue < 256; blue += blue < 4 || blue > 250 ? 1 : 7) {
         for (size_t i = 0; i < pixels.size(); ++i)
             pixels[i] = {uint8_t(blue), uint8_t(i), uint8_t(i >> 8), 9};
-        huesOf(pixels.data(), ptrdiff_t(pixels.size()), hues.data());
+        huesOf(pixels.data(), ptrdiff_t(pixels.size()), -1.0f, hues.data());
         for (size_t i = 0; i < pixels.size(); ++i) {
             const Pixel& p = pixels[i];
             ASSERT_EQ(hues[i], rgbToHsv(unit[p.red], unit[p.green], unit[p.blue]).hue)
@@ -75,6 +75,15 @@ TEST(HueRun, GivesTheConversionsHuesForEveryColour) {
 }
 
 constexpr reference::ChromaArguments kGreenKey{120, 30, 30, 1, 50, 20, 1, 60, 20};
+
+TEST(ChromaKey, ReliesOnAScreenWhoseEndsAreExact) {
+    const auto& screen = test::sharedTables().blendScreen;
+    for (size_t level = 0; level < 256; ++level) {
+        EXPECT_EQ(screen[0][level], level);
+        EXPECT_EQ(screen[255][level], 255);
+        EXPECT_EQ(screen[level][255], 255);
+    }
+}
 
 TEST(ChromaKey, TellsTheBackingFromTheRest) {
     EXPECT_EQ(chromaMatteOf(kGreenKey, kPureGreen), 0);

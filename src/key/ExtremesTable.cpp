@@ -1,0 +1,35 @@
+#include "key/ExtremesTable.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "core/Clones.h"
+#include "key/KeyMatte.h"
+
+namespace krl {
+
+namespace {
+
+/// The place of each pixel in the table.
+KRL_WIDE_CLONES void placesOf(const Pixel* pixels, ptrdiff_t count, uint16_t* places) {
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        uint32_t word;
+        std::memcpy(&word, pixels + i, sizeof word);
+        const auto blue = int32_t(word & 255), green = int32_t(word >> 8 & 255),
+                   red = int32_t(word >> 16 & 255);
+        const int32_t max = std::max(std::max(blue, green), red), min = std::min(std::min(blue, green), red);
+        places[i] = static_cast<uint16_t>(max << 8 | min);
+    }
+}
+
+}  // namespace
+
+void ExtremesTable::mattesOf(const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) const {
+    std::array<uint16_t, kMatteRun> places;
+    placesOf(pixels, count, places.data());
+    const uint8_t* table = mattes_.data();
+    for (ptrdiff_t i = 0; i < count; ++i) mattes[i] = table[places[size_t(i)]];
+}
+
+}  // namespace krl
