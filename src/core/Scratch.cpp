@@ -1,8 +1,13 @@
 #include "core/Scratch.h"
 
+#include <cstdint>
 #include <new>
 
 #include "core/Faults.h"
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
 
 namespace krl {
 
