@@ -1,0 +1,150 @@
+#include <mutex>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <ostream>
+
+#include "player/cli/Batch.h"
+#include "player/cli/ChainCall.h"
+#include "player/cli/ChainScript.h"
+#include "player/cli/ProgressBar.h"
+#include "player/cli/SideBySide.h"
+#include "player/pictures/Picture.h"
+
+namespace krl::player {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// One call on one picture, as it was made and what came of it.
+struct CallReport {
+    std::string call;
+    CallOutcome outcome;
+    std::vector<std::string> complaints;
+};
+
+/// What became of one picture.
+struct PictureReport {
+    std::vector<CallReport> calls;
+    std::string failure;  ///< in one line; empty for a picture that was written
+};
+
+PictureReport workOn(Session& session, const BatchItem& item, const std::vector<ChainCall>& chain,
+                     int quality) {
+    PictureReport report;
+    try {
+        Bitmap picture = readPicture(item.input);
+        for (const ChainCall& call : chain) {
+            CallReport& made = report.calls.emplace_back();
+            made.call = call.lingo(picture.width, picture.height);
+            made.outcome = session.apply(picture, made.call);
+            if (made.outcome.ok()) continue;
+            made.complaints = call.complaints();
+            report.failure = item.input.string() + ": " + made.outcome.error + " from " + made.call;
+            return report;
+        }
+        writePicture(item.output, picture, {quality});
+    } catch (const ScriptError& error) {
+        report.failure = item.input.string() + ": " + error.what();
+    } catch (const PictureError& error) {
+        report.failure = error.what();
+    } catch (const std::bad_alloc&) {
+        report.failure = item.input.string() + ": out of memory";
+    }
+    return report;
+}
+
+nlohmann::ordered_json jsonOf(const BatchItem& item, const PictureReport& report) {
+    nlohmann::ordered_json json = {{"input", item.input.string()}, {"ok", report.failure.empty()}};
+    if (report.failure.empty())
+        json["output"] = item.output.string();
+    else
+        json["failure"] = report.failure;
+    json["calls"] = nlohmann::ordered_json::array();
+    for (const CallReport& made : report.calls) {
+        nlohmann::ordered_json call = {{"call", made.call}, {"result", made.outcome.shown}};
+        if (!made.outcome.ok()) call["error"] = made.outcome.error;
+        if (!made.complaints.empty()) call["complaints"] = made.complaints;
+        json["calls"].push_back(call);
+    }
+    return json;
+}
+
+/// Says what the calls gave, where that is more than that they went well.
+void showResults(const PictureReport& report, const Terminal& terminal) {
+    for (const CallReport& made : report.calls)
+        if (!made.outcome.shown.empty() && made.outcome.shown != "[#error: 0]")
+            terminal.out << made.outcome.shown << '\n';
+}
+
+void showFailure(const PictureReport& report, const Terminal& terminal) {
+    terminal.err << "krlimage: " << report.failure << '\n';
+    if (report.calls.empty()) return;
+    for (const std::string& complaint : report.calls.back().complaints)
+        terminal.err << "  " << complaint << '\n';
+}
+
+int tellAll(const std::vector<BatchItem>& items, const std::vector<PictureReport>& reports, bool json,
+            const Terminal& terminal) {
+    size_t failed = 0;
+    auto all = nlohmann::ordered_json::array();
+    for (size_t i = 0; i < items.size(); ++i) {
+        if (json)
+            all.push_back(jsonOf(items[i], reports[i]));
+        else
+            showResults(reports[i], terminal);
+        if (reports[i].failure.empty()) continue;
+        ++failed;
+        showFailure(reports[i], terminal);
+    }
+    if (json) terminal.out << all.dump(2) << '\n';
+    if (items.size() > 1)
+        terminal.err << items.size() - failed << " of " << items.size() << " pictures done"
+                     << (failed > 0 ? ", " + std::to_string(failed) + " failed" : "") << '\n';
+    return failed > 0 ? 1 : 0;
+}
+
+void splitWords(const std::vector<std::string>& words, std::vector<fs::path>& inputs,
+                std::vector<ChainCall>& chain) {
+    for (const std::string& word : words) {
+        if (looksLikeCall(word))
+            chain.emplace_back(word);
+        else
+            inputs.emplace_back(word);
+    }
+}
+
+int printScript(const std::vector<fs::path>& inputs, const std::vector<ChainCall>& chain,
+                const Terminal& terminal) {
+    Bitmap picture;
+    if (!inputs.empty()) picture = readPicture(inputs.front());
+    terminal.out << (inputs.empty() ? chainScript(chain) : chainScript(chain, picture.width, picture.height));
+    return 0;
+}
+
+}  // namespace
+
+int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
+    std::vector<fs::path> inputs;
+    std::vector<ChainCall> chain;
+    splitWords(options.words, inputs, chain);
+    if (options.printLingo) return printScript(inputs, chain, terminal);
+    if (inputs.empty()) throw UsageError("which picture? a file or a folder is wanted before the calls");
+    if (options.output.empty()) throw UsageError("where to? -o OUT or -o DIR is wanted");
+
+    const std::vector<BatchItem> items = planBatch(inputs, options);
+    std::vector<PictureReport> reports(items.size());
+    {
+        ProgressBar progress(terminal, items.size(), "pictures");
+        workSideBySide(items.size(), options.jobs, [&]() -> Worker {
+            const auto session = std::make_shared<Session>(options.session);
+            return [&, session](size_t i) {
+                reports[i] = workOn(*session, items[i], chain, options.quality);
+                progress.step();
+            };
+        });
+    }
+    return tellAll(items, reports, options.json, terminal);
+}
+
+}  // namespace krl::player

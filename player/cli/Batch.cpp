@@ -1,0 +1,78 @@
+#include "player/cli/Batch.h"
+
+#include <algorithm>
+#include <map>
+#include <system_error>
+
+#include "player/pictures/Picture.h"
+
+namespace krl::player {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::vector<fs::path> picturesIn(const fs::path& folder) {
+    std::vector<fs::path> found;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder))
+        if (entry.is_regular_file() && isPictureName(entry.path()) &&
+            entry.path().filename().string().front() != '.')
+            found.push_back(entry.path());
+    if (found.empty()) throw CommandError("there is no picture in " + folder.string());
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+fs::path nameIn(const fs::path& folder, const fs::path& input, const std::string& format) {
+    fs::path name = input.filename();
+    if (!format.empty()) name.replace_extension(format);
+    return folder / name;
+}
+
+void makeFolder(const fs::path& folder) {
+    std::error_code failure;
+    fs::create_directories(folder, failure);
+    if (failure) throw CommandError("cannot make the folder " + folder.string() + ": " + failure.message());
+}
+
+void refuseSharedOutputs(const std::vector<BatchItem>& items) {
+    std::map<fs::path, fs::path> writers;
+    for (const BatchItem& item : items) {
+        const auto [writer, first] = writers.emplace(item.output.lexically_normal(), item.input);
+        if (!first)
+            throw UsageError(writer->second.string() + " and " + item.input.string() +
+                             " would both be written to " + item.output.string());
+    }
+}
+
+}  // namespace
+
+std::vector<BatchItem> planBatch(const std::vector<fs::path>& inputs, const ApplyOptions& options) {
+    std::vector<fs::path> pictures;
+    bool severalWanted = inputs.size() > 1;
+    for (const fs::path& input : inputs) {
+        if (!fs::is_directory(input)) {
+            pictures.push_back(input);
+            continue;
+        }
+        severalWanted = true;
+        const auto found = picturesIn(input);
+        pictures.insert(pictures.end(), found.begin(), found.end());
+    }
+    const fs::path output = options.output;
+    if (!severalWanted && !fs::is_directory(output) && output.has_filename()) {
+        fs::path named = output;
+        if (!options.format.empty()) named.replace_extension(options.format);
+        return {{pictures.front(), named}};
+    }
+    if (severalWanted && fs::is_regular_file(output))
+        throw UsageError(output.string() + " is a file, and several pictures need a folder");
+    makeFolder(output);
+    std::vector<BatchItem> items;
+    for (const fs::path& picture : pictures)
+        items.push_back({picture, nameIn(output, picture, options.format)});
+    refuseSharedOutputs(items);
+    return items;
+}
+
+}  // namespace krl::player

@@ -1,0 +1,100 @@
+#include "player/cli/ChainCall.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "host/ExampleCall.h"
+#include "player/cli/ArgumentCheck.h"
+#include "player/cli/Commands.h"
+#include "player/cli/MethodFacts.h"
+#include "player/lingo/NearestName.h"
+#include "player/pictures/Picture.h"
+
+namespace krl::player {
+
+namespace {
+
+using host::Argument;
+using host::ArgumentKind;
+using host::Method;
+
+bool sameName(std::string_view a, std::string_view b) {
+    const auto lower = [](char letter) { return std::tolower(static_cast<unsigned char>(letter)); };
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [&](char x, char y) { return lower(x) == lower(y); });
+}
+
+size_t placeOf(const Method& method, const std::string& name) {
+    const auto& arguments = method.arguments();
+    for (size_t i = 0; i < arguments.size(); ++i)
+        if (sameName(arguments[i].name, name)) return i;
+    std::vector<std::string> names;
+    for (const Argument& argument : arguments) names.push_back(argument.name);
+    throw CommandError(method.shortName() + " has no argument " + name + didYouMean(name, names));
+}
+
+/// Pictures, lists and descriptions are a script's own matter: no example can stand in for them.
+bool hasStandIn(const Argument& argument) {
+    return argument.kind != ArgumentKind::SecondImage && argument.kind != ArgumentKind::Value;
+}
+
+}  // namespace
+
+ChainCall::ChainCall(std::string_view text) : written_(text) {
+    const WrittenCall call = readCall(text);
+    method_ = &requireMethod(call.name);
+    const std::string name = method_->shortName();
+    if (managesEngine(*method_))
+        throw CommandError(name + " is not for a chain: apply sees to engine and picture itself");
+    const auto& wanted = method_->arguments();
+    given_.resize(wanted.size());
+    size_t next = 0;
+    for (const WrittenCall::Argument& argument : call.arguments) {
+        if (argument.name.empty() && next == wanted.size())
+            throw CommandError(outlineOf(*method_) + " takes " + std::to_string(wanted.size()) +
+                               (wanted.size() == 1 ? " argument, " : " arguments, ") +
+                               std::to_string(call.arguments.size()) + " were given");
+        const size_t place = argument.name.empty() ? next++ : placeOf(*method_, argument.name);
+        if (!given_[place].empty()) throw CommandError(name + " is given " + wanted[place].name + " twice");
+        given_[place] = argument.value;
+    }
+    for (size_t i = 0; i < wanted.size(); ++i)
+        if (given_[i].empty() && !hasStandIn(wanted[i]))
+            throw CommandError(name + " needs " + wanted[i].name + ", such as " + wanted[i].name + ": " +
+                               host::exampleText(wanted[i]));
+}
+
+std::string ChainCall::lingo(int32_t width, int32_t height) const {
+    host::ExampleSetting setting;
+    setting.width = width;
+    setting.height = height;
+    std::string text = std::string(method_->name()) + "(";
+    for (size_t i = 0; i < given_.size(); ++i) {
+        if (i > 0) text += ", ";
+        text += given_[i].empty() ? host::exampleText(method_->arguments()[i], setting) : given_[i];
+    }
+    return text + ")";
+}
+
+std::vector<std::string> ChainCall::complaints() const {
+    std::vector<std::string> found;
+    for (size_t i = 0; i < given_.size(); ++i) {
+        if (given_[i].empty()) continue;
+        const std::string complaint = complaintAbout(method_->arguments()[i], given_[i]);
+        if (!complaint.empty()) found.push_back(complaint);
+    }
+    return found;
+}
+
+bool looksLikeCall(const std::string& word) {
+    if (std::filesystem::exists(word)) return false;
+    if (host::findMethod(word)) return true;
+    const size_t bracket = word.find('(');
+    if (bracket == std::string::npos || bracket == 0) return false;
+    const bool named = std::all_of(
+        word.begin(), word.begin() + std::ptrdiff_t(bracket),
+        [](unsigned char letter) { return std::isalnum(letter) || letter == '_' || letter == ' '; });
+    return named && !isPictureName(word);
+}
+
+}  // namespace krl::player
