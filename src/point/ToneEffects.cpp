@@ -122,9 +122,10 @@ Status threshold(ImageEngine& engine, int32_t threshold, ChannelTarget target) {
 
 namespace {
 
-/// Lowers or lifts light `x` on 0..1. The extended precision carries an offset of 0 through the
-/// logarithm and back so near that the byte comes out unchanged.
+/// Lowers or lifts light `x` on 0..1. An offset of 0 would come back from its logarithm unchanged but
+/// for the last bits, so light is left alone then and no platform's arithmetic can tip a byte.
 long double offsetLight(long double x, float offset) {
+    if (offset == 0) return x;
     if (offset < 0) return x + 1 - std::exp((0.5L - std::exp(1.2L * (1 - x))) * offset);
     return std::log10(std::pow(10.0L, 255 * x / 180) + 20.0L * offset) * 180 / 255;
 }
