@@ -13,9 +13,9 @@ namespace {
 
 using tent::Line;
 
-/// Samples that a tile of the column pass is wide: a window's worth of rows stays in the cache, and
-/// every touch of a row takes whole cache lines.
-constexpr int32_t kTileSamples = 512;
+/// Samples that a tile of the column pass is wide: half a memory page, so that going down the rows
+/// is not all page walks, and little enough that sums and rows stay in the nearest cache.
+constexpr int32_t kTileSamples = 2048;
 
 // A layout tells where the samples of a block lie and how blurred ones go back. `kLanes` samples
 // of each word are blurred together, the words are `kPitch` samples apart, and `firstLane` is the

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "blur/ByteQuotient.h"
 #include "core/Numbers.h"
@@ -66,6 +67,26 @@ private:
     int64_t weight_;
 };
 
+/// One step of lanes side by side: writes their means and moves sums and slopes on. The lanes'
+/// memory is told not to overlap, as more pointers than these the compiler does not compare.
+template <class Arithmetic>
+inline void stepLanes(const Arithmetic& arithmetic, typename Arithmetic::Sum* __restrict sums,
+                      typename Arithmetic::Sum* __restrict slopes,
+                      typename Arithmetic::Sample* __restrict means,
+                      const typename Arithmetic::Sample* entering, const typename Arithmetic::Sample* centre,
+                      const typename Arithmetic::Sample* leaving, int lanes) {
+    using Sum = typename Arithmetic::Sum;
+    for (int i = 0; i < lanes; ++i) {
+        means[i] = arithmetic.quotient(sums[i]);
+        sums[i] += slopes[i];
+        slopes[i] += Sum(entering[i]) - 2 * Sum(centre[i]) + Sum(leaving[i]);
+    }
+}
+
+/// The same for many lanes of bytes, in the widest vectors that there are.
+void stepManyLanes(const NarrowBytes& arithmetic, uint32_t* sums, uint32_t* slopes, uint8_t* means,
+                   const uint8_t* entering, const uint8_t* centre, const uint8_t* leaving, int lanes);
+
 /// A line of places, `stride` samples apart, each with one or more lanes side by side.
 template <class Sample>
 struct Line {
@@ -86,6 +107,9 @@ void walk(const Line<Sample>& line, int32_t halfWidth, Step&& step) {
         step(place, line.at(std::min(place + halfWidth + 2, last)), line.at(std::min(place + 1, last)),
              line.at(std::max(place - halfWidth, 0)));
 }
+
+/// Up to here a call costs more than the lanes do.
+inline constexpr int kFewLanes = 4;
 
 /// The windows of up to `Lanes` lanes, each at the same place of its own line.
 template <class Arithmetic, int Lanes>
@@ -110,12 +134,10 @@ public:
 
     /// Writes the means at this place to `means` and goes one place on.
     void step(Sample* means, const Sample* entering, const Sample* centre, const Sample* leaving) {
-        const int lanes = lanes_;
-        for (int i = 0; i < lanes; ++i) {
-            means[i] = arithmetic_.quotient(sums_[i]);
-            sums_[i] += slopes_[i];
-            slopes_[i] += Sum(entering[i]) - 2 * Sum(centre[i]) + Sum(leaving[i]);
-        }
+        if constexpr (Lanes > kFewLanes && std::is_same_v<Arithmetic, NarrowBytes>)
+            stepManyLanes(arithmetic_, sums_, slopes_, means, entering, centre, leaving, lanes_);
+        else
+            stepLanes(arithmetic_, sums_, slopes_, means, entering, centre, leaving, lanes_);
     }
 
 protected:
