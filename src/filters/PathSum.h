@@ -1,0 +1,156 @@
+#pragma once
+
+#include <bit>
+#include <cstdint>
+
+#include "core/Bands.h"
+#include "core/ImageEngine.h"
+#include "core/LookupTables.h"
+#include "core/Numbers.h"
+#include "core/Scratch.h"
+#include "filters/AlphaScale.h"
+
+/// What the averages along a path are made of: the pixels to sample, the sums of four channels, and
+/// the running weight of colour.
+namespace krl {
+
+/// `sum` after `term` has been added to it `times` times, each sum rounded to single precision. Takes
+/// no longer for many times than for few.
+float addedRepeatedly(float sum, float term, int64_t times);
+
+/// Means of `count` bytes from their sums. Where all is small enough the division is a multiplication
+/// by 2^32 / `count`, rounded up, whose error does not reach the next quotient.
+class MeanDivisor {
+public:
+    static constexpr int32_t kMost = 4104;  ///< 255 * kMost^2 is below 2^32
+
+    explicit MeanDivisor(int32_t count) : count_(count), factor_((uint64_t(1) << 32) / uint32_t(count) + 1) {}
+
+    /// Writes the mean for each of `number` sums, limited to 0..255 where a sum has wrapped.
+    void means(const uint32_t* sums, int32_t number, uint8_t* bytes) const;
+
+private:
+    int32_t count_;
+    uint64_t factor_;
+};
+
+/// The picture as it is sampled: a tightly packed copy, its colours scaled by alpha where they are to
+/// be weighed by it.
+class PathSource {
+public:
+    PathSource(const ImageEngine& engine, bool scaled);
+
+    const Pixel* pixels() const { return pixels_.data(); }
+    int32_t width() const { return width_; }
+    int32_t height() const { return height_; }
+
+private:
+    int32_t width_, height_;
+    Scratch<Pixel> pixels_;
+};
+
+/// Sums of the four channels over samples, and, where `kWeighted`, of their alpha on 0..1, added one
+/// by one in single precision. The sums are 32-bit integers that wrap.
+template <bool kWeighted>
+class PathSum {
+public:
+    explicit PathSum(const LookupTables& tables) : unitFromByte_(tables.unitFromByte) {}
+
+    /// Adds the pixels of `source` at `count` offsets.
+    void add(const Pixel* source, const int32_t* offsets, int32_t count) {
+        // The four bytes of a pixel lie in four 16-bit fields of one word, which hold 256 samples.
+        constexpr int32_t kFieldSamples = 256;
+        for (int32_t first = 0; first < count; first += kFieldSamples) {
+            uint64_t fields = 0;
+            const int32_t last = count - first < kFieldSamples ? count : first + kFieldSamples;
+            for (int32_t i = first; i < last; ++i) {
+                const Pixel p = source[offsets[i]];
+                fields += spread(p);
+                if constexpr (kWeighted) weight_ += unitFromByte_[p.alpha];
+            }
+            blue_ += fields & 0xFFFF;
+            red_ += fields >> 16 & 0xFFFF;
+            green_ += fields >> 32 & 0xFFFF;
+            alpha_ += static_cast<uint32_t>(fields >> 48);
+        }
+    }
+
+    /// Adds one pixel `times` times.
+    void addRepeatedly(Pixel p, int64_t times) {
+        const auto factor = static_cast<uint32_t>(times);
+        blue_ += factor * p.blue;
+        green_ += factor * p.green;
+        red_ += factor * p.red;
+        alpha_ += factor * p.alpha;
+        if constexpr (kWeighted) weight_ = addedRepeatedly(weight_, unitFromByte_[p.alpha], times);
+    }
+
+    float weight() const { return weight_; }
+    /// Alpha over the number of samples.
+    uint8_t meanAlpha(int32_t count) const { return mean(alpha_, count); }
+    /// Every channel over the number of samples.
+    Pixel mean(int32_t count) const {
+        return {mean(blue_, count), mean(green_, count), mean(red_, count), mean(alpha_, count)};
+    }
+    /// Colour over the weight, which must not be 0, and alpha over the number of samples.
+    Pixel weighted(int32_t count) const {
+        return {overWeight(blue_), overWeight(green_), overWeight(red_), meanAlpha(count)};
+    }
+
+private:
+    static uint64_t spread(Pixel p) {
+        const uint64_t word = std::bit_cast<uint32_t>(p);
+        return (word | word << 24) & 0x00FF00FF00FF00FFu;
+    }
+    static uint8_t mean(uint32_t sum, int32_t count) {
+        return static_cast<uint8_t>(static_cast<int32_t>(sum) / count);
+    }
+    uint8_t overWeight(uint32_t sum) const {
+        return static_cast<uint8_t>(truncate(static_cast<int32_t>(sum) / double(weight_)));
+    }
+
+    const float* unitFromByte_;
+    uint32_t blue_ = 0, green_ = 0, red_ = 0, alpha_ = 0;
+    float weight_ = 0.0f;
+};
+static_assert(std::endian::native == std::endian::little);
+
+/// Where the run of equal samples ends that begins with sample `first` of `count`. `isSame` tells it
+/// of any later sample; equal ones must follow one another.
+template <class IsSame>
+int64_t endOfRun(int64_t first, int64_t count, const IsSame& isSame) {
+    int64_t span = 1;
+    while (first + span < count && isSame(first + span)) span *= 2;
+    int64_t same = first + span / 2, other = first + span < count ? first + span : count;
+    while (other - same > 1) {
+        const int64_t middle = same + (other - same) / 2;
+        (isSame(middle) ? same : other) = middle;
+    }
+    return other;
+}
+
+/// A real coordinate's column or row among `size`: truncated, and limited to the picture. What is not
+/// a number is the first.
+inline int32_t placeWithin(double coordinate, int32_t size) {
+    const double positive = coordinate > 0.0 ? coordinate : 0.0;
+    const double last = size - 1;
+    return static_cast<int32_t>(positive < last ? positive : last);
+}
+
+/// The pixel that a place falls into, and whether another would be it if the place were wrong by as
+/// much as `error`: then, and only then, the place has to be made by its definition.
+struct Placement {
+    int32_t offset;
+    int32_t doubt;  ///< 0 for none
+
+    Placement(double x, double y, int32_t width, int32_t height, double error) {
+        const int32_t column = placeWithin(x + error, width), row = placeWithin(y + error, height);
+        offset = row * width + column;
+        doubt = (column - placeWithin(x - error, width)) | (row - placeWithin(y - error, height));
+    }
+};
+
+/// More than the error of a place that is made without sine and cosine, in pixels.
+inline constexpr double kPlaceError = 1e-6;
+
+}  // namespace krl
