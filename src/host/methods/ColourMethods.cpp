@@ -9,8 +9,8 @@ namespace {
 void addLights(MethodList& list) {
     list.add(method("krlImageAmbientLight", ambientLight)
                  .summary("Lights the picture with one colour only.")
-                 .colour("myColor", Colour(255, 214, 150), "colour of the light; white changes nothing")
-                 .integer("intensity", {.from = 0, .to = 255, .example = 40}, "levels added to the light")
+                 .colour("myColor", Colour(255, 222, 190), "colour of the light; white changes nothing")
+                 .integer("intensity", {.from = 0, .to = 255, .example = 10}, "levels added to the light")
                  .inputFailure("Ambient Light input failure (Image)")
                  .failed("Failed Ambient Light function (Image)"));
     list.add(method("krlImageColourBalance", colourBalance)

@@ -50,15 +50,15 @@ void addCurves(MethodList& list) {
                     "the three colours, one of them, or transparency; any other symbol changes nothing")
             .inputFailure("Levels input failure (Image)")
             .failed("Failed Levels function (Image)"));
-    list.add(
-        method("krlImageExposure", exposure)
-            .summary("Scales light as a longer or shorter exposure would.")
-            .real("exposure", {.from = -20, .to = 20, .example = 1.5}, "stops, about; 0.0 changes nothing")
-            .real("offset", {.from = -0.5, .to = 0.5, .example = 0.02}, "lifts or lowers, shadows most")
-            .real("gamma", {.from = 0.8, .to = 1.3, .example = 1.0},
-                  "bend of the result, as in krlImageGamma; 1.0 is none")
-            .inputFailure("Exposure input failure (Image)")
-            .failed("Failed Exposure function (Image)"));
+    list.add(method("krlImageExposure", exposure)
+                 .summary("Scales light as a longer or shorter exposure would.")
+                 .real("exposure", {.from = -20, .to = 20, .example = 0.8},
+                       "each 2.2 doubles the light; 0.0 changes nothing")
+                 .real("offset", {.from = -0.5, .to = 0.5, .example = 0.02}, "lifts or lowers, shadows most")
+                 .real("gamma", {.from = 0.8, .to = 1.3, .example = 1.0},
+                       "bend of the result, as in krlImageGamma; 1.0 is none")
+                 .inputFailure("Exposure input failure (Image)")
+                 .failed("Failed Exposure function (Image)"));
     list.add(method("krlImageSuperContrast", superContrast)
                  .summary("Spreads the tones between two levels over the whole scale and clips the rest.")
                  .integer("low", {.from = 0, .to = 255, .example = 40}, "level that becomes black")
