@@ -53,6 +53,24 @@ constexpr float kTurnsPerDegree = 0.0027777778450399637f;
 /// leaves the judgement to saturation and value.
 constexpr float kNoHue = std::numeric_limits<float>::quiet_NaN();
 
+/// How many of `count` hues are on the key in full, and how many off it.
+struct HueTally {
+    int32_t on = 0, off = 0;
+};
+
+/// The tally for a window that stays off the seam of the circle.
+KRL_WIDE_CLONES HueTally tallyHues(const KeyWindow& window, const float* hues, ptrdiff_t count) {
+    const float low = window.low, high = window.high;
+    const float outerLow = window.outerLow, outerHigh = window.outerHigh;
+    int32_t ramped = 0, off = 0;
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        const float turn = hues[i] * kTurnsPerDegree;
+        ramped += (turn < low) | (turn > high);
+        off += (turn < outerLow) | (turn > outerHigh);
+    }
+    return {static_cast<int32_t>(count) - ramped, off};
+}
+
 /// Mattes of hues for a window that stays off the seam of the circle.
 KRL_WIDE_CLONES void plainHueMattes(const KeyWindow& window, const float* hues, ptrdiff_t count,
                                     uint8_t* mattes) {
@@ -91,9 +109,19 @@ KRL_WIDE_CLONES void wrappedHueMattes(const KeyWindow& window, const float* hues
     }
 }
 
-void hueMattes(const KeyWindow& window, const float* hues, ptrdiff_t count, uint8_t* mattes) {
+/// Screens the mattes of hues over those of saturation and value.
+void screenHues(const LookupTables& tables, const KeyWindow& window, const float* hues, ptrdiff_t count,
+                uint8_t* mattes) {
     const bool plain = window.outerLow >= 0.0f && window.outerHigh < 1.0f;
-    (plain ? plainHueMattes : wrappedHueMattes)(window, hues, count, mattes);
+    if (plain) {
+        // Most runs lie on the backing or on the subject with all their pixels.
+        const HueTally tally = tallyHues(window, hues, count);
+        if (tally.on == count) return;
+        if (tally.off == count) return void(std::fill_n(mattes, count, uint8_t(255)));
+    }
+    std::array<uint8_t, kMatteRun> ofHue;
+    (plain ? plainHueMattes : wrappedHueMattes)(window, hues, count, ofHue.data());
+    for (ptrdiff_t i = 0; i < count; ++i) mattes[i] = tables.blendScreen[ofHue[size_t(i)]][mattes[i]];
 }
 
 }  // namespace
@@ -118,10 +146,8 @@ Status chromaKey(ImageEngine& engine, float huePick, float innerHue, float outer
         unitMattes.mattesOf(pixels, count, mattes);
         if (std::all_of(mattes, mattes + count, [](uint8_t matte) { return matte == 255; })) return;
         std::array<float, kMatteRun> hues;
-        std::array<uint8_t, kMatteRun> ofHue;
         huesOf(pixels, count, kNoHue, hues.data());
-        hueMattes(hue, hues.data(), count, ofHue.data());
-        for (ptrdiff_t i = 0; i < count; ++i) mattes[i] = screen[ofHue[size_t(i)]][mattes[i]];
+        screenHues(engine.tables(), hue, hues.data(), count, mattes);
     });
 }
 

@@ -31,7 +31,7 @@ void addGivenBackings(MethodList& list) {
                          refused("Colour Difference invalid input colour (Image)"), "colour of the backing")
                  .integer("blackValue", {.from = 0, .to = 255, .example = 20},
                           "difference up to which a pixel is the subject")
-                 .integer("whiteValue", {.from = 0, .to = 255, .example = 80},
+                 .integer("whiteValue", {.from = 0, .to = 255, .example = 60},
                           "difference above which it is the backing")
                  .symbol("keepRemove", keepOrRemove(),
                          refused("Colour Difference invalid input keep_remove option (Image)"), kKeepMeaning)
@@ -52,7 +52,7 @@ void addGivenBackings(MethodList& list) {
                        "how hard edges are told from flat places; 0.5 makes a step")
                  .real("luminocityContrast", {.from = 0, .to = 1, .example = 0.4},
                        "how quickly places darker than the backing drop out; 1.0 at once")
-                 .real("colorDifferenceContrast", {.from = 0, .to = 0.5, .example = 0.2},
+                 .real("colorDifferenceContrast", {.from = 0, .to = 0.5, .example = 0.3},
                        "how hard the difference is told apart; 0.5 makes a step")
                  .symbol("keepRemove", keepOrRemove(),
                          refused("Colour Difference Extended invalid input keep_remove option (Image)"),

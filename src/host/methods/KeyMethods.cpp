@@ -37,7 +37,7 @@ void addChromaKey(MethodList& list) {
 
 /// What the three keys on one component have in common.
 Method& addPick(Method& entry, const char* pickMeaning, const char* rangeMeaning, double rangeExample) {
-    return entry.colour("pColor", Colour(40, 190, 60), pickMeaning)
+    return entry.colour("pColor", Colour(45, 170, 80), pickMeaning)
         .real("dynamicRange", {.from = 0, .to = 1, .example = rangeExample}, rangeMeaning)
         .integer("black", {.from = 0, .to = 255, .example = 60},
                  "level of distance up to which all is on the key")
