@@ -51,9 +51,7 @@ ChainCall::ChainCall(std::string_view text) : written_(text) {
     size_t next = 0;
     for (const WrittenCall::Argument& argument : call.arguments) {
         if (argument.name.empty() && next == wanted.size())
-            throw CommandError(outlineOf(*method_) + " takes " + std::to_string(wanted.size()) +
-                               (wanted.size() == 1 ? " argument, " : " arguments, ") +
-                               std::to_string(call.arguments.size()) + " were given");
+            throw CommandError(countComplaint(*method_, call.arguments.size()));
         const size_t place = argument.name.empty() ? next++ : placeOf(*method_, argument.name);
         if (!given_[place].empty()) throw CommandError(name + " is given " + wanted[place].name + " twice");
         given_[place] = argument.value;

@@ -113,6 +113,14 @@ std::string outlineOf(const Method& method) {
     return text + ")";
 }
 
+std::string countComplaint(const Method& method, size_t given) {
+    const size_t wanted = method.arguments().size();
+    if (given == wanted) return "";
+    return outlineOf(method) + " takes " + std::to_string(wanted) +
+           (wanted == 1 ? " argument, " : " arguments, ") + std::to_string(given) +
+           (given == 1 ? " was given" : " were given");
+}
+
 std::string shortExample(const Method& method) {
     return method.shortName() + host::exampleCall(method).substr(std::strlen(method.name()));
 }

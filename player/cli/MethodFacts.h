@@ -31,6 +31,10 @@ std::string wantedText(const host::Argument& argument);
 /// `brightness(brightnessInt, colourOrAlpha)`.
 std::string outlineOf(const host::Method& method);
 
+/// `brightness(brightnessInt, colourOrAlpha) takes 2 arguments, 3 were given`; empty when that many
+/// are right.
+std::string countComplaint(const host::Method& method, size_t given);
+
 /// The call to show the method with: `brightness(40, #RGB)`.
 std::string shortExample(const host::Method& method);
 

@@ -1,0 +1,89 @@
+#include <fstream>
+#include <ostream>
+#include <sstream>
+
+#include "player/cli/ArgumentCheck.h"
+#include "player/cli/CallWalk.h"
+#include "player/cli/Commands.h"
+#include "player/cli/MethodFacts.h"
+#include "player/lingo/Parser.h"
+
+namespace krl::player {
+
+namespace {
+
+std::shared_ptr<const Source> sourceOf(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    if (!file || std::filesystem::is_directory(path) || !(text << file.rdbuf()))
+        throw CommandError("cannot read " + path.string());
+    return std::make_shared<Source>(Source{path.string(), text.str()});
+}
+
+/// The mistakes of one script, told as they are found.
+class Check {
+public:
+    Check(std::shared_ptr<const Source> source, const Terminal& terminal)
+        : source_(std::move(source)), terminal_(terminal) {}
+
+    size_t mistakes() {
+        try {
+            const auto script = parseScript(source_, symbols_);
+            visitCalls(*script, [&](const CallExpression& call) {
+                if (!script->handler(call.name)) check(call);
+            });
+        } catch (const ScriptError& error) {
+            tell(error);
+        }
+        return mistakes_;
+    }
+
+private:
+    void check(const CallExpression& call) {
+        const std::string name = symbols_.spelling(call.name);
+        if (folded(name).rfind("krlimage", 0) != 0) return;
+        try {
+            check(call, requireMethod(name));
+        } catch (const CommandError& unknown) {
+            complain(call.place, unknown.what());
+        }
+    }
+
+    void check(const CallExpression& call, const host::Method& method) {
+        // In the form krlImageLoad(x, image) the instance is the first argument.
+        const size_t instance = call.kind == ExpressionKind::Call ? 1 : 0;
+        if (call.arguments.size() < instance)
+            return complain(call.place, "an instance of the plug-in is wanted as the first argument");
+        const size_t given = call.arguments.size() - instance;
+        const std::string miscounted = countComplaint(method, given);
+        if (!miscounted.empty()) complain(call.place, miscounted);
+        for (size_t i = 0; i < std::min(given, method.arguments().size()); ++i) {
+            const Expression& argument = *call.arguments[i + instance];
+            const std::string complaint = complaintAbout(method.arguments()[i], argument, symbols_);
+            if (!complaint.empty()) complain(argument.place, complaint);
+        }
+    }
+
+    void complain(Place place, const std::string& message) { tell(source_->error(place, message)); }
+
+    void tell(const ScriptError& error) {
+        ++mistakes_;
+        terminal_.err << error.what() << '\n' << error.excerpt() << '\n';
+    }
+
+    std::shared_ptr<const Source> source_;
+    const Terminal& terminal_;
+    SymbolTable symbols_;
+    size_t mistakes_ = 0;
+};
+
+}  // namespace
+
+int checkScripts(const CheckOptions& options, const Terminal& terminal) {
+    size_t mistakes = 0;
+    for (const std::filesystem::path& script : options.scripts)
+        mistakes += Check(sourceOf(script), terminal).mistakes();
+    return mistakes > 0 ? 1 : 0;
+}
+
+}  // namespace krl::player

@@ -1,0 +1,72 @@
+#include "player/cli/CommandList.h"
+#include "player/cli/MethodFacts.h"
+
+namespace krl::player {
+
+namespace {
+
+/// Text as the formatter takes it literally.
+std::string plain(const std::string& text) {
+    std::string safe;
+    for (const char letter : text) {
+        if (letter == '\n')
+            safe += ' ';
+        else if (letter == '-')
+            safe += "\\-";
+        else if (letter == '\\')
+            safe += "\\e";
+        else
+            safe += letter;
+    }
+    return !safe.empty() && (safe[0] == '.' || safe[0] == '\'') ? "\\&" + safe : safe;
+}
+
+std::string bold(const std::string& text) { return "\\fB" + plain(text) + "\\fR"; }
+std::string slanted(const std::string& text) { return "\\fI" + plain(text) + "\\fR"; }
+
+std::string synopsis(const CommandDescription& command) {
+    std::string text = bold("krlimage " + command.name);
+    if (!command.options.empty()) text += " [" + slanted("option") + "...]";
+    for (const OptionDescription& word : command.words) text += " " + slanted(word.names.front());
+    return text;
+}
+
+std::string item(const OptionDescription& option) {
+    std::string names;
+    for (const std::string& name : option.names) names += (names.empty() ? "" : ", ") + bold(name);
+    if (!option.value.empty()) names += " " + slanted(option.value);
+    return ".TP\n" + names + "\n" + plain(option.meaning) + ".\n";
+}
+
+}  // namespace
+
+std::string manualPage(const CommandList& commands) {
+    std::string page = ".TH KRLIMAGE 1 \"\" \"krlimage " KRL_VERSION
+                       "\" \"User Commands\"\n"
+                       ".SH NAME\nkrlimage \\- grade, key, warp and compose pictures\n.SH SYNOPSIS\n";
+    for (const CommandDescription& command : commands) page += synopsis(command) + "\n.br\n";
+    page +=
+        ".SH DESCRIPTION\n"
+        "Runs the effects of KRLImageXtra on pictures, by single calls or by Lingo scripts. A call is a "
+        "method's name and its arguments, quoted for the shell:\n.PP\n.RS\n.nf\n"
+        "krlimage apply photo.jpg \\-o out.jpg 'brightness(40, #RGB)' 'vignette(blur: 40)'\n"
+        ".fi\n.RE\n.PP\n"
+        "Pictures are read and written as PNG, JPEG, TIFF, WebP and PAM. "
+        "A picture is written whole or not at all.\n.SH COMMANDS\n";
+    for (const CommandDescription& command : commands) {
+        page += ".SS " + synopsis(command) + "\n" + plain(command.summary) + ".\n";
+        for (const OptionDescription& word : command.words) page += item(word);
+        for (const OptionDescription& option : command.options) page += item(option);
+    }
+    page += ".SH METHODS\n";
+    for (const MethodGroup& group : methodGroups()) {
+        page += ".TP\n" + bold(group.heading) + "\n";
+        for (const host::Method* method : group.methods)
+            page += plain(method->shortName()) + (method == group.methods.back() ? ".\n" : ",\n");
+    }
+    return page +
+           ".SH EXIT STATUS\n0 when all went well, 1 when a script, a call or a picture failed, 2 for a "
+           "command line that makes no sense.\n";
+}
+
+}  // namespace krl::player
