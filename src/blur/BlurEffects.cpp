@@ -2,11 +2,22 @@
 
 #include "blur/ByteMix.h"
 #include "blur/TentBlur.h"
+#include "core/Clones.h"
 #include "core/ImageCopy.h"
 #include "core/Numbers.h"
 #include "point/ByteCurve.h"
 
 namespace krl {
+
+namespace {
+
+KRL_WIDE_CLONES
+void diffuseBytes(const uint8_t* soft, const uint8_t* sharp, double sharpShare, double softShare,
+                  uint8_t* out, int32_t count) {
+    for (int32_t i = 0; i < count; ++i) out[i] = truncatedByte(sharp[i] * sharpShare + soft[i] * softShare);
+}
+
+}  // namespace
 
 void blurTarget(const ImageBuffer& block, int32_t radius, ChannelTarget target, int32_t threadCount) {
     TentBlur blur(threadCount);
@@ -53,12 +64,13 @@ Status defocus(ImageEngine& engine, int32_t blur, float bloom, ChannelTarget tar
 
 Status diffuse(ImageEngine& engine, int32_t blur, float opacity, BlurQuality, ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
-    const double sharpShare = clampUnit(opacity), blurShare = 1.0 - sharpShare;
+    const double sharpShare = clampUnit(opacity), softShare = 1.0 - sharpShare;
     const ImageCopy sharp(*engine.buffer());
     if (blur > 0) blurTarget(*engine.buffer(), blur, target, engine.getThreadCount());
-    return mixBytes(engine, sharp.row(0), target, [=](uint8_t blurredByte, uint8_t sharpByte) {
-        return truncatedByte(sharpByte * sharpShare + blurredByte * blurShare);
-    });
+    return mixBytes(engine, sharp.row(0), target,
+                    [=](const uint8_t* soft, const uint8_t* beside, uint8_t* out, int32_t count) {
+                        diffuseBytes(soft, beside, sharpShare, softShare, out, count);
+                    });
 }
 
 Status oneChannelFeather(ImageEngine& engine, int32_t radius, BlurQuality) {

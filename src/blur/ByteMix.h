@@ -1,28 +1,53 @@
 #pragma once
 
-#include <utility>
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
 
 #include "core/Bands.h"
 
 namespace krl {
 
-/// Gives each byte of `target` in the loaded picture the value `mix(byte, beside)`, where `beside` is
-/// the byte at the same place of `other`; alpha alone for any target but `RGBA` and `RGB`.
+/// The bytes of a pixel word that stay as they were when a fresh word is merged in: alpha for `RGB`,
+/// colour for anything but `RGB` and `RGBA`.
+constexpr uint32_t keptBytes(ChannelTarget target) {
+    return target == ChannelTarget::RGBA ? 0u : target == ChannelTarget::RGB ? 0xFF000000u : 0x00FFFFFFu;
+}
+
+/// Writes `count` fresh words over `words`, but for the bits under `kept`.
+inline void mergeWords(uint8_t* words, const uint8_t* fresh, int32_t count, uint32_t kept) {
+    if (kept == 0) {
+        std::memcpy(words, fresh, static_cast<size_t>(count) * 4);
+        return;
+    }
+    for (int32_t i = 0; i < count; ++i) {
+        uint32_t old, given;
+        std::memcpy(&old, words + i * 4, 4);
+        std::memcpy(&given, fresh + i * 4, 4);
+        old = (old & kept) | (given & ~kept);
+        std::memcpy(words + i * 4, &old, 4);
+    }
+}
+
+/// Rewrites the bytes of `target` in the loaded picture, in bands, from those at the same place of
+/// `other`: `mix(bytes, beside, out, count)` makes `count` new bytes of every channel, of which those
+/// of the target are kept.
 template <class Mix>
 Status mixBytes(const ImageEngine& engine, const Pixel* other, ChannelTarget target, Mix&& mix) {
-    const auto mixChannels = [&]<size_t... channel>(std::index_sequence<channel...>) {
-        return forEachPixelPair(engine, other, [&](Pixel& p, const Pixel& beside) {
-            ((p[channel] = mix(p[channel], beside[channel])), ...);
-        });
-    };
-    switch (target) {
-        case ChannelTarget::RGBA:
-            return mixChannels(std::index_sequence<0, 1, 2, 3>{});
-        case ChannelTarget::RGB:
-            return mixChannels(std::index_sequence<0, 1, 2>{});
-        default:
-            return mixChannels(std::index_sequence<3>{});
-    }
+    constexpr ptrdiff_t kBlockPixels = 256;
+    const uint32_t kept = keptBytes(target);
+    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
+        const Pixel* beside = other + (first - engine.buffer()->row(0));
+        uint8_t fresh[kBlockPixels * 4];
+        while (first != last) {
+            const auto count = static_cast<int32_t>(std::min(kBlockPixels, last - first));
+            auto* bytes = reinterpret_cast<uint8_t*>(first);
+            mix(bytes, reinterpret_cast<const uint8_t*>(beside), fresh, count * 4);
+            mergeWords(bytes, fresh, count, kept);
+            first += count;
+            beside += count;
+        }
+    });
 }
 
 }  // namespace krl

@@ -22,12 +22,11 @@ public:
     /// Turns the words into the colour of the loaded picture, in bands; alpha stays.
     Status merge(const ImageEngine& engine) const;
 
-    /// Calls `perWord(Pixel&)` for every word, in bands.
-    template <class PerWord>
-    Status forEachWord(const ImageEngine& engine, PerWord&& perWord) const {
+    /// Calls `work(first, last)` with the two ends of each band's run of words.
+    template <class Work>
+    Status forEachWordRun(const ImageEngine& engine, Work&& work) const {
         return forEachPixelRun(engine, [&](const Pixel* first, const Pixel* last) {
-            Pixel* word = beside(engine, first);
-            for (const Pixel* p = first; p != last; ++p) perWord(*word++);
+            work(beside(engine, first), beside(engine, first) + (last - first));
         });
     }
 

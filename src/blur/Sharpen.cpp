@@ -1,12 +1,13 @@
 #include "blur/Sharpen.h"
 
 #include <cstdlib>
-#include <vector>
+#include <cstring>
 
 #include "blur/BlurEffects.h"
 #include "blur/ByteMix.h"
 #include "blur/ChromaImage.h"
 #include "blur/TentBlur.h"
+#include "core/Clones.h"
 #include "core/ImageCopy.h"
 #include "core/Numbers.h"
 
@@ -15,25 +16,31 @@ namespace krl {
 namespace {
 
 /// What a sharp and a blurred byte become together.
-class ContrastTable {
-public:
-    ContrastTable(float amount, int32_t threshold) : entries_(256 * 256) {
-        for (int32_t sharp = 0; sharp < 256; ++sharp) {
-            for (int32_t blurred = 0; blurred < 256; ++blurred) {
-                const int32_t twice = std::abs(2 * (sharp - blurred));
-                const double difference = twice < threshold ? 0 : sharp - blurred;
-                entries_[size_t(sharp * 256 + blurred)] = truncatedByte(sharp + difference * amount);
-            }
-        }
-    }
+inline uint8_t sharpened(int32_t sharp, int32_t blurred, double amount, int32_t threshold) {
+    const int32_t difference = sharp - blurred;
+    const int32_t edge = std::abs(2 * difference) < threshold ? 0 : difference;
+    return truncatedByte(sharp + edge * amount);
+}
 
-    uint8_t operator()(uint8_t sharp, uint8_t blurred) const {
-        return entries_[size_t(sharp) * 256 + blurred];
-    }
+KRL_WIDE_CLONES
+void sharpenBytes(const uint8_t* sharp, const uint8_t* blurred, double amount, int32_t threshold,
+                  uint8_t* out, int32_t count) {
+    for (int32_t i = 0; i < count; ++i) out[i] = sharpened(sharp[i], blurred[i], amount, threshold);
+}
 
-private:
-    std::vector<uint8_t> entries_;
-};
+/// Sharpens byte 2 of each word by byte 3.
+KRL_WIDE_CLONES
+void sharpenLuma(Pixel* words, ptrdiff_t count, double amount, int32_t threshold) {
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        uint32_t word;
+        std::memcpy(&word, words + i, sizeof word);
+        const auto sharp = static_cast<int32_t>(word >> 16 & 255u),
+                   blurred = static_cast<int32_t>(word >> 24);
+        word = (word & 0xFF00FFFFu) | static_cast<uint32_t>(sharpened(sharp, blurred, amount, threshold))
+                                          << 16;
+        std::memcpy(words + i, &word, sizeof word);
+    }
+}
 
 }  // namespace
 
@@ -41,19 +48,21 @@ Status sharpen(ImageEngine& engine, int32_t radius, float amount, int32_t thresh
     if (Status state = engine.imageStatus()) return state;
     const ImageCopy blurred(*engine.buffer());
     if (radius > 0) blurTarget(blurred.view(), radius, target, engine.getThreadCount());
-    return mixBytes(engine, blurred.row(0), target, ContrastTable(amount, threshold));
+    return mixBytes(engine, blurred.row(0), target,
+                    [=](const uint8_t* sharp, const uint8_t* beside, uint8_t* out, int32_t count) {
+                        sharpenBytes(sharp, beside, amount, threshold, out, count);
+                    });
 }
 
 Status sharpenBrightness(ImageEngine& engine, int32_t radius, float amount, int32_t threshold) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
     const ChromaImage chroma(image);
-    const ContrastTable contrast(amount, threshold);
     if (Status status = chroma.split(engine)) return status;
     if (radius > 0)
         TentBlur(engine.getThreadCount()).blurAlpha(chroma.data(), image.height, image.width, radius);
-    const Status status =
-        chroma.forEachWord(engine, [&](Pixel& word) { word.red = contrast(word.red, word.alpha); });
+    const Status status = chroma.forEachWordRun(
+        engine, [=](Pixel* first, Pixel* last) { sharpenLuma(first, last - first, amount, threshold); });
     return status ? status : chroma.merge(engine);
 }
 

@@ -1,9 +1,9 @@
 #include "blur/TentBlur.h"
 
 #include <algorithm>
-#include <cstring>
 #include <type_traits>
 
+#include "blur/ByteMix.h"
 #include "blur/TentWindow.h"
 #include "core/Bands.h"
 
@@ -29,17 +29,7 @@ struct PixelLayout {
     uint32_t keep;
 
     void store(uint8_t* words, const uint8_t* blurred, int32_t count) const {
-        if (keep == 0) {
-            std::memcpy(words, blurred, static_cast<size_t>(count) * 4);
-            return;
-        }
-        for (int32_t i = 0; i < count; ++i) {
-            uint32_t old, fresh;
-            std::memcpy(&old, words + i * 4, 4);
-            std::memcpy(&fresh, blurred + i * 4, 4);
-            old = (old & keep) | (fresh & ~keep);
-            std::memcpy(words + i * 4, &old, 4);
-        }
+        mergeWords(words, blurred, count, keep);
     }
 };
 
