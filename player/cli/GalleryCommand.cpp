@@ -1,0 +1,153 @@
+#include <cstring>
+#include <map>
+#include <ostream>
+
+#include "host/ExampleCall.h"
+#include "player/cli/GalleryPage.h"
+#include "player/cli/MethodFacts.h"
+#include "player/cli/ProgressBar.h"
+#include "player/cli/SideBySide.h"
+#include "player/cli/TextFile.h"
+#include "player/pictures/Picture.h"
+#include "player/pictures/Scale.h"
+
+namespace krl::player {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Examples are chosen for pictures of about this size, and a screen shows no more.
+constexpr int32_t kWidest = 1280, kThumbnail = 480;
+
+/// Effects and what only answers; engine and stop-watch have nothing to show.
+std::vector<const host::Method*> shownMethods() {
+    std::vector<const host::Method*> shown;
+    for (const MethodGroup& group : methodGroups())
+        for (const host::Method* method : group.methods)
+            if (!method->isSilent() && !managesEngine(*method)) shown.push_back(method);
+    return shown;
+}
+
+Bitmap mirrored(const Bitmap& picture) {
+    Bitmap turned = picture;
+    for (int32_t y = 0; y < turned.height; ++y) std::reverse(turned.row(y), turned.row(y) + turned.width);
+    return turned;
+}
+
+/// The sheet while it is made.
+class Gallery {
+public:
+    Gallery(const GalleryOptions& options)
+        : folder_(fs::absolute(options.folder)),
+          source_(options.picture),
+          picture_(noWiderThan(readPicture(options.picture), kWidest)) {
+        original_ = {options.picture.filename().string(), "before.webp", "thumbnails/before.webp",
+                     picture_.width, picture_.height};
+        fs::create_directories(folder_ / "thumbnails");
+        fs::create_directories(folder_ / "samples");
+        save(picture_, "before");
+    }
+
+    /// Second pictures of the examples, as large as the picture, since most methods ask for that.
+    void prepareSamples(const std::vector<const host::Method*>& methods) {
+        for (const host::Method* method : methods)
+            for (const host::Argument& argument : method->arguments())
+                if (argument.kind == host::ArgumentKind::SecondImage && samples_.count(argument.example) == 0)
+                    samples_[argument.example] = prepareSample(argument.example);
+    }
+
+    GalleryCard work(Session& session, const host::Method& method) const {
+        GalleryCard card{
+            method.group(), method.shortName(), method.summaryText(), shortCall(method, {}), "", "", ""};
+        Bitmap picture = picture_;
+        try {
+            const CallOutcome outcome = session.apply(picture, exampleOn(method));
+            if (!outcome.ok())
+                card.answer = outcome.error;
+            else if (outcome.shown != "[#error: 0]" && !newPictureOf(method).first)
+                card.answer = outcome.shown;
+        } catch (const ScriptError& error) {
+            card.answer = error.what();
+            return card;
+        }
+        if (picture.pixels == picture_.pixels) return card;
+        save(picture, card.name);
+        card.picture = card.name + ".webp";
+        card.thumbnail = "thumbnails/" + card.picture;
+        return card;
+    }
+
+    fs::path writePage(const std::vector<GalleryCard>& cards) const {
+        const fs::path page = folder_ / "index.html";
+        writeText(page, galleryPage(original_, cards));
+        return page;
+    }
+
+private:
+    void save(const Bitmap& picture, const std::string& name) const {
+        writePicture(folder_ / (name + ".webp"), picture);
+        writePicture(folder_ / "thumbnails" / (name + ".webp"), noWiderThan(picture, kThumbnail));
+    }
+
+    std::string prepareSample(const std::string& name) const {
+        Bitmap sample = mirrored(picture_);
+        for (const fs::path& place : {source_.parent_path() / name, fs::path(KRL_SAMPLES) / name}) {
+            if (!fs::exists(place)) continue;
+            sample = scaled(readPicture(place), picture_.width, picture_.height);
+            break;
+        }
+        const fs::path path = folder_ / "samples" / fs::path(name).filename();
+        writePicture(path, sample);
+        return path.string();
+    }
+
+    /// The example call for a picture of this size; `paths` puts the samples' files in the place of
+    /// their names.
+    std::string shortCall(const host::Method& method, const std::map<std::string, std::string>& paths) const {
+        host::ExampleSetting setting;
+        setting.width = picture_.width;
+        setting.height = picture_.height;
+        setting.image = [&](const char* sample) {
+            const auto found = paths.find(sample);
+            return "image(\"" + (found == paths.end() ? sample : found->second) + "\")";
+        };
+        return method.shortName() + host::exampleCall(method, setting).substr(std::strlen(method.name()));
+    }
+
+    std::string exampleOn(const host::Method& method) const { return shortCall(method, samples_); }
+
+    const fs::path folder_;
+    const fs::path source_;
+    const Bitmap picture_;
+    GalleryOriginal original_;
+    std::map<std::string, std::string> samples_;
+};
+
+}  // namespace
+
+int makeGallery(const GalleryOptions& options, const Terminal& terminal) {
+    if (!isPictureName("x.webp"))
+        throw CommandError("a gallery is of WebP pictures, which this build cannot write");
+    Gallery gallery(options);
+    const std::vector<const host::Method*> methods = shownMethods();
+    gallery.prepareSamples(methods);
+    SessionOptions settings = options.session;
+    settings.allowedFolders.push_back(fs::absolute(options.folder));
+
+    std::vector<GalleryCard> cards(methods.size());
+    {
+        ProgressBar progress(terminal, methods.size(), "effects");
+        workSideBySide(methods.size(), options.jobs, [&]() -> Worker {
+            const auto session = std::make_shared<Session>(settings);
+            return [&, session](size_t i) {
+                cards[i] = gallery.work(*session, *methods[i]);
+                progress.step();
+            };
+        });
+    }
+    terminal.out << gallery.writePage(cards).string() << '\n';
+    return 0;
+}
+
+}  // namespace krl::player
