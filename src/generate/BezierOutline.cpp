@@ -14,8 +14,10 @@ constexpr int32_t kMargin = 200;
 /// Ratio of length to bend, squared, from which a piece counts as straight.
 constexpr double kFlatness = 20.0;
 
-/// More halvings than any curve between 32-bit points has need of.
+/// More halvings in a row, and more pieces of a curve, than any that fits a picture has need of. Far outside
+/// single precision is so coarse that pieces would go on bending to the last.
 constexpr int32_t kMostHalvings = 48;
+constexpr size_t kMostPieces = 1 << 16;
 
 Point plus(Point a, Point b) { return {wrapAdd(a.y, b.y), wrapAdd(a.x, b.x)}; }
 
@@ -44,19 +46,20 @@ struct Cubic {
     bool isOnePoint() const { return p0 == p1 && p0 == p2 && p0 == p3; }
 };
 
-/// Appends the middle of every piece that is flat.
-void appendPieces(const Cubic& curve, int32_t halvings, std::vector<Point>& points) {
+/// Appends the middle of every piece that is flat; `points` does not grow beyond `most`, but for one piece
+/// of each halving under way.
+void appendPieces(const Cubic& curve, int32_t halvings, size_t most, std::vector<Point>& points) {
     const CurvePoint p01 = halfway(curve.p0, curve.p1), p12 = halfway(curve.p1, curve.p2);
     const CurvePoint p23 = halfway(curve.p2, curve.p3);
     const CurvePoint p012 = halfway(p01, p12), p123 = halfway(p12, p23);
     const CurvePoint middle = halfway(p012, p123);
     // A piece that has shrunk to a point is never flat.
-    if (curve.isFlat() || curve.isOnePoint() || halvings == 0) {
+    if (curve.isFlat() || curve.isOnePoint() || halvings == 0 || points.size() >= most) {
         points.push_back({truncate(middle.y), truncate(middle.x)});
         return;
     }
-    appendPieces({curve.p0, p01, p012, middle}, halvings - 1, points);
-    appendPieces({middle, p123, p23, curve.p3}, halvings - 1, points);
+    appendPieces({curve.p0, p01, p012, middle}, halvings - 1, most, points);
+    appendPieces({middle, p123, p23, curve.p3}, halvings - 1, most, points);
 }
 
 }  // namespace
@@ -75,7 +78,7 @@ std::vector<Point> flattenOutline(std::span<const BezierSegment> segments, int32
         const Point start = placed(segment.vertex), end = placed(segment.end);
         points.push_back(start);
         appendPieces({onCurve(start), onCurve(placed(handle1)), onCurve(placed(handle2)), onCurve(end)},
-                     kMostHalvings, points);
+                     kMostHalvings, points.size() + kMostPieces, points);
         points.push_back(end);
     }
     return points;

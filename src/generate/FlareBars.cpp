@@ -108,22 +108,22 @@ public:
         const double rise = (origin.y + std::sin(angle) * half) - origin.y;
         const double run = (origin.x + std::cos(angle) * half) - origin.x;
         slope_ = static_cast<float>(rise / run);
-        intercept_ = static_cast<float>(origin.y - slope_ * origin.x);
+        intercept_ = static_cast<float>(origin.y - double{slope_} * origin.x);
         perpendicular_ = static_cast<float>(-1.0 / slope_);
         wholeRise_.reserve(static_cast<size_t>(width));
-        for (int32_t x = 0; x < width; ++x) wholeRise_.push_back(truncate(x * perpendicular_));
+        for (int32_t x = 0; x < width; ++x) wholeRise_.push_back(truncate(x * double{perpendicular_}));
     }
 
     double squaredDistance(int32_t x, int32_t y) const {
         const double k = wrapSubtract(y, wholeRise_[static_cast<size_t>(x)]);
-        const double footX = (k - intercept_) / (slope_ - perpendicular_);
+        const double footX = (k - intercept_) / (double{slope_} - perpendicular_);
         const double footY = footX * perpendicular_ + k;
         return (x - footX) * (x - footX) + (y - footY) * (y - footY);
     }
 
 private:
-    double slope_, intercept_, perpendicular_;  // single-precision values
-    std::vector<int32_t> wholeRise_;            ///< by column
+    float slope_, intercept_, perpendicular_;
+    std::vector<int32_t> wholeRise_;  ///< by column
 };
 
 /// Beyond this a bar has no pixels: its corners, with room for the rounding of the axes. A bar thinner than
