@@ -1,12 +1,12 @@
--- Lightens a picture: krlimage run examples/brighten.ls IN OUT
+-- Brightens a picture: krlimage run brighten.ls IN OUT
 
-on main args
-  picture = image(args[1])
-  grader = new(xtra "KRLImageXtra")
-  grader.krlImageCreateLookupTables(#mt)
-  grader.krlImageLoad(picture)
-  put grader.krlImageBrightness(40, #RGB)
-  grader.krlImageQuit()
-  grader.krlImageDestroyLookupTables()
-  picture.save(args[2])
+on main names
+  picture = image(names[1])
+  grade = new(xtra "KRLImageXtra")
+  grade.krlImageCreateLookupTables(#mt)
+  grade.krlImageLoad(picture)
+  put grade.krlImageBrightness(40, #RGB)
+  grade.krlImageQuit()
+  grade.krlImageDestroyLookupTables()
+  picture.save(names[2])
 end
