@@ -5,11 +5,12 @@
 
 namespace krl::player {
 
-Heap::~Heap() {
-    // What still lives holds values of this heap: let go of those while the slots are there.
-    for (Slot& slot : slots_)
-        if (slot.object) slot.object->dropChildren();
-    for (size_t i = 0; i < slots_.size(); ++i) delete slots_[i].object;
+void Heap::clear() {
+    // Objects hold values of this heap: they let go of those first, each in its own time.
+    for (size_t i = 0; i < slots_.size(); ++i)
+        if (slots_[i].object) slots_[i].object->dropChildren();
+    for (uint32_t i = 0; i < slots_.size(); ++i)
+        if (slots_[i].kind != Kind::Void) vacate(i);
 }
 
 Value Heap::number(double number) { return fill(Kind::Float, nullptr, number); }

@@ -30,7 +30,7 @@ private:
 class Heap {
 public:
     explicit Heap(uint64_t limitBytes) : limitBytes_(limitBytes) {}
-    ~Heap();
+    ~Heap() { clear(); }
     Heap(const Heap&) = delete;
     Heap& operator=(const Heap&) = delete;
 
@@ -55,6 +55,8 @@ public:
 
     /// Frees what is only held by itself: lists in themselves, objects that know each other.
     void freeCycles();
+    /// Frees everything, whoever still holds it.
+    void clear();
     /// Objects and floats that are alive.
     int64_t living() const { return living_; }
 

@@ -58,6 +58,8 @@ public:
     static Value truth(bool holds) { return integer(holds ? 1 : 0); }
     static Value symbol(SymbolId id) { return Value(wordsOf(Kind::Symbol, 0, static_cast<uint32_t>(id))); }
     static Value colour(Colour colour) { return Value(wordsOf(Kind::Colour, 0, colour.word & 0xFFFFFFu)); }
+    /// VOID as it stands in a variable that was never assigned.
+    static Value unassigned() { return Value(wordsOf(Kind::Void, 0, 1)); }
     /// Takes over the one reference that `words` stands for.
     static Value adopting(Heap& heap, ScriptValue words) {
         Value made(words);
@@ -87,6 +89,7 @@ public:
     Kind kind() const { return kindOf(words_); }
     bool is(Kind wanted) const { return kind() == wanted; }
     bool isVoid() const { return is(Kind::Void); }
+    bool isUnassigned() const { return isVoid() && words_.words[1] == 1; }
     bool isInteger() const { return is(Kind::Integer); }
     bool isNumber() const { return isInteger() || is(Kind::Float); }
 

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "player/lingo/Syntax.h"
+
+/// Chars, words, items and lines of texts, counted from 1. A char is one character of UTF-8.
+namespace krl::player {
+
+/// A stretch of a text, in bytes.
+struct Stretch {
+    size_t begin = 0, end = 0;
+
+    size_t length() const { return end - begin; }
+    std::string_view of(std::string_view text) const { return text.substr(begin, length()); }
+};
+
+int32_t countChunks(std::string_view text, ChunkKind kind, char itemDelimiter);
+
+/// Chunk `first` to `last`; empty at the end of the text where there are fewer.
+Stretch findChunk(std::string_view text, ChunkKind kind, int32_t first, int32_t last, char itemDelimiter);
+
+/// `text` with that chunk replaced. Items and lines that are not there yet are added, empty, before.
+std::string withChunk(std::string_view text, ChunkKind kind, int32_t first, int32_t last, char itemDelimiter,
+                      std::string_view replacement);
+
+/// `text` without that chunk and one of the delimiters beside it.
+std::string withoutChunk(std::string_view text, ChunkKind kind, int32_t first, int32_t last,
+                         char itemDelimiter);
+
+}  // namespace krl::player

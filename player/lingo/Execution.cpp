@@ -1,0 +1,263 @@
+#include "core/Numbers.h"
+#include "player/host/Compare.h"
+#include "player/lingo/Arithmetic.h"
+#include "player/lingo/Chunks.h"
+#include "player/lingo/InterpreterScopes.h"
+
+/// Statements and assignments.
+namespace krl::player {
+
+Interpreter::Flow Interpreter::execute(const Block& block) {
+    for (const StatementPointer& statement : block)
+        if (const Flow flow = execute(*statement); flow != Flow::Onward) return flow;
+    return Flow::Onward;
+}
+
+Interpreter::Flow Interpreter::execute(const Statement& statement) {
+    const DepthGuard guard(depth_);
+    place_ = statement.place;
+    switch (statement.kind) {
+        case StatementKind::Evaluate:
+            evaluate(*static_cast<const ExpressionStatement&>(statement).expression);
+            return Flow::Onward;
+        case StatementKind::Assign: {
+            const auto& assignment = static_cast<const AssignStatement&>(statement);
+            assign(*assignment.target, evaluate(*assignment.value));
+            return Flow::Onward;
+        }
+        case StatementKind::Put:
+            put(static_cast<const PutStatement&>(statement));
+            return Flow::Onward;
+        case StatementKind::PutInto:
+            putInto(static_cast<const AssignStatement&>(statement));
+            return Flow::Onward;
+        case StatementKind::Delete:
+            deleteChunk(static_cast<const ChunkExpression&>(
+                *static_cast<const ExpressionStatement&>(statement).expression));
+            return Flow::Onward;
+        case StatementKind::If:
+            return executeIf(static_cast<const IfStatement&>(statement));
+        case StatementKind::RepeatWhile:
+            return repeatWhile(static_cast<const RepeatStatement&>(statement));
+        case StatementKind::RepeatWith:
+            return repeatWith(static_cast<const RepeatStatement&>(statement));
+        case StatementKind::RepeatIn:
+            return repeatIn(static_cast<const RepeatStatement&>(statement));
+        case StatementKind::Case:
+            return executeCase(static_cast<const CaseStatement&>(statement));
+        case StatementKind::Return: {
+            const auto& answer = static_cast<const ExpressionStatement&>(statement);
+            if (answer.expression) frame().answer = evaluate(*answer.expression);
+            return Flow::Return;
+        }
+        case StatementKind::Exit:
+            return Flow::Return;
+        case StatementKind::ExitRepeat:
+            return Flow::ExitRepeat;
+        case StatementKind::NextRepeat:
+            return Flow::NextRepeat;
+        case StatementKind::Nothing:
+            break;
+    }
+    return Flow::Onward;
+}
+
+Interpreter::Flow Interpreter::executeIf(const IfStatement& statement) {
+    for (const IfStatement::Branch& branch : statement.branches)
+        if (truthOf(evaluate(*branch.condition))) return execute(branch.body);
+    return execute(statement.otherwise);
+}
+
+Interpreter::Flow Interpreter::executeCase(const CaseStatement& statement) {
+    const Value subject = evaluate(*statement.subject);
+    for (const CaseStatement::Branch& branch : statement.branches)
+        for (const ExpressionPointer& label : branch.labels)
+            if (equal(symbols, subject, evaluate(*label))) return execute(branch.body);
+    return execute(statement.otherwise);
+}
+
+bool Interpreter::goOn(const RepeatStatement& statement, Flow& flow) {
+    flow = execute(statement.body);
+    if (flow == Flow::Return) return false;
+    const bool ended = flow == Flow::ExitRepeat;
+    flow = Flow::Onward;
+    return !ended;
+}
+
+Interpreter::Flow Interpreter::repeatWhile(const RepeatStatement& statement) {
+    Flow flow = Flow::Onward;
+    while (truthOf(evaluate(*statement.condition)) && goOn(statement, flow)) {
+    }
+    return flow;
+}
+
+/// The end is looked at anew each time, and the body may change the variable: both count.
+Interpreter::Flow Interpreter::repeatWith(const RepeatStatement& statement) {
+    const auto whole = [&](const Value& value) {
+        Value number;
+        place_ = statement.place;
+        if (!numberIn(value, number, heap))
+            throw HostError("expected a number to count with, not " + kindName(value.kind()));
+        return number.isInteger() ? number.integer() : rounded(number.number());
+    };
+    const int32_t step = statement.down ? -1 : 1;
+    const int32_t limit = statement.down ? INT32_MIN : INT32_MAX;
+    int32_t number = whole(evaluate(*statement.from));
+    Flow flow = Flow::Onward;
+    for (;;) {
+        assignVariable(*statement.variable, Value::integer(number));
+        const int32_t end = whole(evaluate(*statement.to));
+        if (statement.down ? number < end : number > end) return flow;
+        if (!goOn(statement, flow)) return flow;
+        number = whole(evaluateVariable(*statement.variable));
+        if (number == limit) return flow;
+        number += step;
+    }
+}
+
+Interpreter::Flow Interpreter::repeatIn(const RepeatStatement& statement) {
+    const Value list = evaluate(*statement.list);
+    place_ = statement.place;
+    const auto* linear = list.as<ListObject>();
+    const auto* properties = list.as<PropertyListObject>();
+    if (!linear && !properties)
+        throw HostError("expected a list to repeat over, not " + kindName(list.kind()));
+    Flow flow = Flow::Onward;
+    // The body may change the list: its length is looked at anew each time.
+    for (size_t i = 0; i < (linear ? linear->items.size() : properties->entries.size()); ++i) {
+        assignVariable(*statement.variable, linear ? linear->items[i] : properties->entries[i].value);
+        if (!goOn(statement, flow)) break;
+    }
+    return flow;
+}
+
+void Interpreter::put(const PutStatement& statement) {
+    std::string line = "--";
+    for (const ExpressionPointer& value : statement.values)
+        line += ' ' + shownText(style(), evaluate(*value));
+    writeLines(output, line + '\n');
+}
+
+void Interpreter::putInto(const AssignStatement& statement) {
+    Value value = evaluate(*statement.value);
+    if (statement.mode == PutMode::Into) return assign(*statement.target, std::move(value));
+    // A variable that holds nothing yet is an empty text here.
+    std::string present;
+    const bool named = statement.target->kind == ExpressionKind::Variable;
+    const Value* known =
+        named ? variable(static_cast<const VariableExpression&>(*statement.target)) : nullptr;
+    if (known || !named) present = plain(known ? *known : evaluate(*statement.target));
+    const std::string added = plain(value);
+    heap.mustHold(present.size() + added.size());
+    assign(*statement.target, text(statement.mode == PutMode::After ? present + added : added + present));
+}
+
+void Interpreter::assign(const Expression& target, Value value) {
+    switch (target.kind) {
+        case ExpressionKind::Variable:
+            return assignVariable(static_cast<const VariableExpression&>(target), std::move(value));
+        case ExpressionKind::Property:
+            return assignProperty(static_cast<const PropertyExpression&>(target), value);
+        case ExpressionKind::SystemProperty: {
+            const auto& property = static_cast<const PropertyExpression&>(target);
+            const PropertyEntry* entry = propertyOf(Kind::Void, property.name);
+            place_ = target.place;
+            if (!entry || !entry->write)
+                throw HostError("\"the " + symbols.spelling(property.name) + "\" is nothing that can be set");
+            return entry->write(*this, Value(), value);
+        }
+        case ExpressionKind::Index: {
+            const auto& index = static_cast<const IndexExpression&>(target);
+            const Value object = evaluate(*index.object), place = evaluate(*index.index);
+            place_ = target.place;
+            return setElement(*this, object, place, value);
+        }
+        case ExpressionKind::Chunk:
+            return assignChunk(static_cast<const ChunkExpression&>(target), plain(value));
+        default:
+            // `put x into member("name").image[1]` and the like end here when nested in a chunk.
+            place_ = target.place;
+            throw HostError("this is nothing to assign to");
+    }
+}
+
+Value* Interpreter::variable(const VariableExpression& expression) {
+    switch (expression.scope) {
+        case VariableScope::Local: {
+            Value& local = frame().locals[static_cast<size_t>(expression.slot)];
+            return local.isUnassigned() ? nullptr : &local;
+        }
+        case VariableScope::Global: {
+            const auto found = globals_.find(expression.name);
+            return found == globals_.end() ? nullptr : &found->second;
+        }
+        case VariableScope::Property:
+            break;
+    }
+    return instanceProperty(frame().owner, expression.name);
+}
+
+void Interpreter::assignVariable(const VariableExpression& target, Value value) {
+    switch (target.scope) {
+        case VariableScope::Local:
+            frame().locals[static_cast<size_t>(target.slot)] = std::move(value);
+            return;
+        case VariableScope::Global:
+            globals_[target.name] = std::move(value);
+            return;
+        case VariableScope::Property:
+            break;
+    }
+    if (Value* place = instanceProperty(frame().owner, target.name))
+        *place = std::move(value);
+    else
+        unknownVariable(target);
+}
+
+void Interpreter::assignProperty(const PropertyExpression& target, const Value& value) {
+    const Value object = evaluate(*target.object);
+    place_ = target.place;
+    if (auto* properties = object.as<PropertyListObject>())
+        return setEntry(*this, *properties, Value::symbol(target.name), value);
+    if (Value* place = instanceProperty(object, target.name)) {
+        *place = value;
+        return;
+    }
+    if (object.is(Kind::Colour)) return assign(*target.object, withChannel(object, target.name, value));
+    const PropertyEntry* entry = propertyOf(object.kind(), target.name);
+    if (!entry) unknownProperty(object, target.name);
+    if (!entry->write)
+        throw HostError("the property \"" + symbols.spelling(target.name) + "\" of " +
+                        kindName(object.kind()) + " cannot be set");
+    entry->write(*this, object, value);
+}
+
+/// A colour is its value: a changed one takes its place.
+Value Interpreter::withChannel(const Value& colour, SymbolId name, const Value& level) {
+    static constexpr const char* channels[] = {"red", "green", "blue"};
+    uint32_t word = colour.colour().word;
+    for (int i = 0; i < 3; ++i) {
+        if (compareText(symbols.spelling(name), channels[i]) != 0) continue;
+        if (!level.isNumber())
+            throw HostError("expected a number for a colour, not " + kindName(level.kind()));
+        const int32_t whole = level.isInteger() ? level.integer() : rounded(level.number());
+        word = (word & ~(0xFFu << i * 8)) | uint32_t(clampByte(whole)) << i * 8;
+        return Value::colour(Colour(word));
+    }
+    unknownProperty(colour, name);
+}
+
+void Interpreter::assignChunk(const ChunkExpression& target, const std::string& added) {
+    const std::string whole = plain(evaluate(*target.source));
+    const auto [first, last] = chunkRange(target, whole);
+    heap.mustHold(whole.size() + added.size() + static_cast<size_t>(std::max(first, 0)));
+    assign(*target.source, text(withChunk(whole, target.chunk, first, last, settings.itemDelimiter, added)));
+}
+
+void Interpreter::deleteChunk(const ChunkExpression& target) {
+    const std::string whole = plain(evaluate(*target.source));
+    const auto [first, last] = chunkRange(target, whole);
+    assign(*target.source, text(withoutChunk(whole, target.chunk, first, last, settings.itemDelimiter)));
+}
+
+}  // namespace krl::player

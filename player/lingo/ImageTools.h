@@ -1,0 +1,37 @@
+#pragma once
+
+#include "player/lingo/Runtime.h"
+
+/// What scripts do with images beyond the plug-in.
+namespace krl::player {
+
+/// Four numbers in pixels: right and bottom are one past the last.
+struct PixelRect {
+    int64_t left = 0, top = 0, right = 0, bottom = 0;
+
+    int64_t width() const { return right - left; }
+    int64_t height() const { return bottom - top; }
+    bool empty() const { return width() <= 0 || height() <= 0; }
+    PixelRect within(const PixelRect& other) const;
+};
+
+PixelRect pixelRectOf(const RectObject& rect);
+inline PixelRect boundsOf(const ImageObject& image) { return {0, 0, image.width(), image.height()}; }
+
+/// A copy of an image.
+Value duplicateImage(Runtime& runtime, const ImageObject& image);
+/// A part as an image of its own, white where it reaches beyond.
+Value cropImage(Runtime& runtime, const ImageObject& image, const PixelRect& part);
+
+/// How `copyPixels` lays one image over another.
+struct CopyOptions {
+    int32_t blendLevel = 255;
+    bool leaveOutWhite = false;         ///< ink 36
+    const ImageObject* mask = nullptr;  ///< of the source's size: its bytes scale the blend
+};
+/// Copies a part of `source`, stretched to fit, over a part of `target`; alpha counts where the
+/// source uses it.
+void copyPixels(ImageObject& target, const ImageObject& source, const PixelRect& to, const PixelRect& from,
+                const CopyOptions& options);
+
+}  // namespace krl::player

@@ -1,0 +1,134 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <unordered_map>
+
+#include "player/lingo/Runtime.h"
+#include "player/lingo/Session.h"
+
+namespace krl::player {
+
+/// A script file's text; throws `HostError`.
+std::shared_ptr<const Source> scriptSource(const std::filesystem::path& file);
+/// Writes Lingo's text, whose lines end with a return, with the line ends of terminals.
+void writeLines(std::ostream& out, std::string_view text);
+
+/// Runs scripts by walking their syntax.
+class Interpreter : public Runtime {
+public:
+    Interpreter(EmbeddedHost& embedded, Xtra& plugIn, const SessionOptions& options);
+
+    /// Parses and keeps a script under its name.
+    const LoadedScript& load(std::shared_ptr<const Source> source, const std::string& name);
+    /// Calls a handler of a script from outside.
+    Value run(const LoadedScript& script, const Handler& handler, std::span<const Value> arguments);
+    /// The value of a text of one expression.
+    Value evaluateText(std::string name, std::string_view text);
+    /// Sends the call in a text, such as `brightness(40, #RGB)`, to an instance of the plug-in; the
+    /// name may lack the plug-in's prefix.
+    Value callOn(const Value& instance, std::string name, std::string_view text);
+    /// Makes `script` the one whose handlers every script may call.
+    void setMovieScript(const LoadedScript& script) { movie_ = &script; }
+    /// Lets go of everything that scripts hold.
+    void close();
+
+    Value send(SymbolId name, std::span<const Value> arguments) override;
+    Value valueOf(const std::string& text) override;
+    Value scriptNamed(const std::string& name) override;
+    Value memberNamed(const std::string& name) override;
+    Value newInstance(const Value& script, std::span<const Value> arguments) override;
+    std::span<const Value> handlerArguments() const override;
+    void clearGlobals() override { globals_.clear(); }
+
+private:
+    /// How a statement ended.
+    enum class Flow { Onward, ExitRepeat, NextRepeat, Return };
+
+    /// A handler at work.
+    struct Frame {
+        const LoadedScript& script;
+        const Handler& handler;
+        std::span<const Value> arguments;
+        Value owner;  ///< the instance or script whose properties are at hand, or VOID
+        std::vector<Value> locals;
+        Value answer;
+    };
+    class FrameScope;
+    class DepthGuard;
+
+    // Statements.
+    Flow execute(const Block& block);
+    Flow execute(const Statement& statement);
+    Flow executeIf(const IfStatement& statement);
+    Flow executeCase(const CaseStatement& statement);
+    Flow repeatWhile(const RepeatStatement& statement);
+    Flow repeatWith(const RepeatStatement& statement);
+    Flow repeatIn(const RepeatStatement& statement);
+    /// Runs the body once; false when the loop ends with `flow`.
+    bool goOn(const RepeatStatement& statement, Flow& flow);
+    void put(const PutStatement& statement);
+    void putInto(const AssignStatement& statement);
+
+    // Assignment.
+    void assign(const Expression& target, Value value);
+    void assignVariable(const VariableExpression& target, Value value);
+    void assignProperty(const PropertyExpression& target, const Value& value);
+    Value withChannel(const Value& colour, SymbolId name, const Value& level);
+    void assignChunk(const ChunkExpression& target, const std::string& text);
+    void deleteChunk(const ChunkExpression& target);
+    Value* variable(const VariableExpression& expression);
+
+    // Expressions.
+    Value evaluate(const Expression& expression);
+    Value evaluateVariable(const VariableExpression& expression);
+    Value evaluateBinary(const BinaryExpression& expression);
+    Value evaluateList(const ListExpression& expression);
+    Value evaluatePropertyList(const ListExpression& expression);
+    Value evaluateProperty(const PropertyExpression& expression);
+    Value evaluateSystemProperty(const PropertyExpression& expression);
+    Value evaluateIndex(const IndexExpression& expression);
+    Value evaluateChunk(const ChunkExpression& expression);
+    std::pair<int32_t, int32_t> chunkRange(const ChunkExpression& expression, const std::string& text);
+    Value property(const Value& object, SymbolId name, Place place);
+    void setProperty(const Value& object, SymbolId name, const Value& value);
+    Value* instanceProperty(const Value& object, SymbolId name);
+
+    // Calls.
+    Value evaluateCall(const CallExpression& expression);
+    Value callByName(SymbolId name, std::span<const Value> arguments, bool asMethod);
+    /// Sends to an instance or the plug-in; false where the object has no such method.
+    bool callOnObject(SymbolId name, std::span<const Value> arguments, Value& answer);
+    Value callXtra(int32_t selector, std::span<const Value> arguments);
+    Value callHandler(const LoadedScript& script, const Handler& handler, std::span<const Value> arguments,
+                      Value owner);
+    Value callBuiltin(const Builtin& builtin, std::span<const Value> arguments);
+    const Builtin* builtin(SymbolId name) const;
+    const PropertyEntry* propertyOf(Kind kind, SymbolId name) const;
+    [[noreturn]] void unknownCall(SymbolId name, std::span<const Value> arguments, bool asMethod);
+    [[noreturn]] void unknownVariable(const VariableExpression& expression);
+    [[noreturn]] void unknownProperty(const Value& object, SymbolId name);
+    std::vector<std::string> functionNames() const;
+    std::vector<std::string> propertyNames(Kind kind) const;
+
+    LoadedScript makeScript(const std::string& name, std::unique_ptr<Script> syntax);
+    Frame& frame() { return *frame_; }
+    ScriptError placed(const std::string& message) const;
+
+    const SessionOptions& options_;
+    std::deque<LoadedScript> scripts_;
+    std::map<std::string, Value> scriptValues_;
+    std::map<std::string, Value> members_;
+    std::unordered_map<SymbolId, Value> globals_;
+    std::vector<const Builtin*> builtins_;  ///< by symbol
+    std::unordered_map<uint64_t, const PropertyEntry*> properties_;
+    const LoadedScript* movie_ = nullptr;
+    SymbolId newName_, ancestorName_, tablesName_;
+    Frame* frame_ = nullptr;
+    Place place_;
+    int handlers_ = 0;
+    int depth_ = 0;
+};
+
+}  // namespace krl::player

@@ -1,0 +1,58 @@
+#include "player/lingo/Runtime.h"
+
+#include "player/host/HostError.h"
+#include "player/lingo/Arithmetic.h"
+
+namespace krl::player {
+
+/// Sixteen bits of two steps each: the low bits of the generator alone are poor.
+uint32_t Runtime::nextRandom() {
+    uint32_t bits = 0;
+    auto state = static_cast<uint32_t>(settings.randomSeed);
+    for (int half = 0; half < 2; ++half) {
+        state = state * 1664525u + 1013904223u;
+        bits = bits << 16 | state >> 16;
+    }
+    settings.randomSeed = static_cast<int32_t>(state);
+    return bits;
+}
+
+const Value& Arguments::operator[](size_t index) const {
+    static const Value none;
+    return index < values_.size() ? values_[index] : none;
+}
+
+int32_t Arguments::integer(size_t index) const {
+    const Value& value = (*this)[index];
+    if (value.isInteger()) return value.integer();
+    if (!value.is(Kind::Float)) mismatch(index, "a number");
+    return rounded(value.number());
+}
+
+double Arguments::number(size_t index) const {
+    const Value& value = (*this)[index];
+    if (!value.isNumber()) mismatch(index, "a number");
+    return value.number();
+}
+
+const std::string& Arguments::text(size_t index) const { return object<StringObject>(index).text; }
+
+SymbolId Arguments::symbol(size_t index) const {
+    const Value& value = (*this)[index];
+    if (!value.is(Kind::Symbol)) mismatch(index, "a symbol");
+    return value.symbol();
+}
+
+Colour Arguments::colour(size_t index) const {
+    const Value& value = (*this)[index];
+    if (!value.is(Kind::Colour)) mismatch(index, "a colour");
+    return value.colour();
+}
+
+void Arguments::mismatch(size_t index, const std::string& wanted) const {
+    const Kind given = (*this)[index].kind();
+    throw HostError(std::string(function_) + ": expected " + wanted + " as argument " +
+                    std::to_string(index + 1) + ", not " + kindName(given));
+}
+
+}  // namespace krl::player

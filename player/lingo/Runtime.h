@@ -1,0 +1,136 @@
+#pragma once
+
+#include <cstdint>
+#include <ostream>
+#include <span>
+#include <string>
+
+#include "player/host/EmbeddedHost.h"
+#include "player/host/Objects.h"
+#include "player/host/Xtra.h"
+#include "player/lingo/Sandbox.h"
+#include "player/lingo/ScriptObjects.h"
+#include "player/lingo/Text.h"
+
+namespace krl::player {
+
+/// What a script can set of the language itself.
+struct Settings {
+    int floatPrecision = 4;
+    char itemDelimiter = ',';
+    int32_t randomSeed = 1;
+};
+
+/// What built-in functions work with: the host, the settings, the files, and a way back into
+/// scripts.
+class Runtime {
+public:
+    Runtime(EmbeddedHost& embedded, Xtra& plugIn, Sandbox files, std::ostream& out, std::ostream& alertOut)
+        : host(embedded),
+          heap(embedded.heap),
+          symbols(embedded.symbols),
+          xtra(plugIn),
+          sandbox(std::move(files)),
+          output(out),
+          alerts(alertOut) {}
+    virtual ~Runtime() = default;
+
+    /// Sends a message to an object, or calls a handler or function where there is none.
+    virtual Value send(SymbolId name, std::span<const Value> arguments) = 0;
+    /// The value of an expression in a text; VOID where it has none.
+    virtual Value valueOf(const std::string& text) = 0;
+    /// `script "Name"`
+    virtual Value scriptNamed(const std::string& name) = 0;
+    virtual Value memberNamed(const std::string& name) = 0;
+    virtual Value newInstance(const Value& script, std::span<const Value> arguments) = 0;
+    /// The arguments of the handler that runs.
+    virtual std::span<const Value> handlerArguments() const = 0;
+    virtual void clearGlobals() = 0;
+
+    TextStyle style() const { return {symbols, settings.floatPrecision}; }
+    std::string plain(const Value& value) const { return plainText(style(), value); }
+    Value text(std::string characters) { return heap.string(std::move(characters)); }
+    Value symbol(std::string_view name) { return Value::symbol(symbols.symbol(name)); }
+    /// Next of the random numbers, 32 bits that follow from `the randomSeed`.
+    uint32_t nextRandom();
+
+    EmbeddedHost& host;
+    Heap& heap;
+    SymbolTable& symbols;
+    Xtra& xtra;
+    Settings settings;
+    Sandbox sandbox;
+    std::ostream& output;
+    std::ostream& alerts;
+};
+
+/// The arguments of a built-in function, each taken for what the function wants of it.
+class Arguments {
+public:
+    Arguments(const char* function, std::span<const Value> values) : function_(function), values_(values) {}
+
+    size_t count() const { return values_.size(); }
+    bool has(size_t index) const { return index < values_.size() && !values_[index].isVoid(); }
+    /// VOID where there is none.
+    const Value& operator[](size_t index) const;
+    std::span<const Value> from(size_t first) const {
+        return values_.subspan(std::min(first, values_.size()));
+    }
+
+    int32_t integer(size_t index) const;
+    double number(size_t index) const;
+    const std::string& text(size_t index) const;
+    SymbolId symbol(size_t index) const;
+    Colour colour(size_t index) const;
+    template <class ObjectType>
+    ObjectType& object(size_t index) const {
+        if (ObjectType* found = (*this)[index].template as<ObjectType>()) return *found;
+        mismatch(index, kindName(ObjectType::kKind));
+    }
+    /// Ends the script: argument `index` is not what was wanted.
+    [[noreturn]] void mismatch(size_t index, const std::string& wanted) const;
+    const char* function() const { return function_; }
+
+private:
+    const char* function_;
+    std::span<const Value> values_;
+};
+
+/// A function of the language; on an object it is a method: `list.add(5)` is `add(list, 5)`.
+struct Builtin {
+    const char* name;
+    size_t least, most;  ///< arguments
+    Value (*run)(Runtime&, const Arguments&);
+};
+
+inline constexpr size_t kAnyNumber = SIZE_MAX;
+
+// The functions, family by family.
+std::span<const Builtin> mathBuiltins();
+std::span<const Builtin> textBuiltins();
+std::span<const Builtin> listBuiltins();
+std::span<const Builtin> shapeBuiltins();
+std::span<const Builtin> imageBuiltins();
+std::span<const Builtin> systemBuiltins();
+
+/// A property of one kind of values, or of the system: then no object goes with it.
+struct PropertyEntry {
+    Kind kind;  ///< VOID for the system's
+    const char* name;
+    Value (*read)(Runtime&, const Value& object);
+    void (*write)(Runtime&, const Value& object, const Value& value);  ///< null for one that is only read
+};
+
+std::span<const PropertyEntry> objectProperties();
+std::span<const PropertyEntry> systemProperties();
+
+/// `object[index]`
+Value elementOf(Runtime& runtime, const Value& object, const Value& index);
+void setElement(Runtime& runtime, const Value& object, const Value& index, const Value& value);
+/// Adds an entry under `key`, or replaces the value of the one that is there.
+void setEntry(Runtime& runtime, PropertyListObject& list, const Value& key, const Value& value);
+
+/// Ends a script from within, like its last line.
+struct Halt {};
+
+}  // namespace krl::player

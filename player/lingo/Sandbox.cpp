@@ -1,0 +1,129 @@
+#include "player/lingo/Sandbox.h"
+
+#include <algorithm>
+
+#include "player/host/HostError.h"
+#include "player/host/SymbolTable.h"
+
+namespace krl::player {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Without links and dots, so that no road leads out of a folder unseen.
+fs::path resolved(const fs::path& path) {
+    std::error_code failed;
+    fs::path real = fs::weakly_canonical(fs::absolute(path), failed);
+    if (failed) return {};
+    return real.has_filename() ? real : real.parent_path();
+}
+
+bool isThere(const fs::path& file) {
+    std::error_code failed;
+    return fs::exists(file, failed);
+}
+
+fs::path pathOf(const std::string& name) { return std::u8string(name.begin(), name.end()); }
+
+bool within(const fs::path& file, const fs::path& folder) {
+    const auto [folderEnd, rest] = std::mismatch(folder.begin(), folder.end(), file.begin(), file.end());
+    return folderEnd == folder.end() && rest != file.end();
+}
+
+}  // namespace
+
+Sandbox::Sandbox(fs::path castFolder, fs::path outputFolder, const std::vector<fs::path>& allowed)
+    : castFolder_(std::move(castFolder)), outputFolder_(std::move(outputFolder)) {
+    for (const fs::path& folder : allowed) allowed_.push_back(resolved(folder));
+    for (const fs::path* folder : {&castFolder_, &outputFolder_})
+        if (!folder->empty()) allowed_.push_back(resolved(*folder));
+}
+
+void Sandbox::setScriptFolder(const fs::path& folder) {
+    scriptFolder_ = folder.empty() ? fs::path(".") : folder;
+    allowed_.push_back(resolved(scriptFolder_));
+}
+
+bool Sandbox::allows(const fs::path& file) const {
+    const fs::path real = resolved(file);
+    return std::any_of(allowed_.begin(), allowed_.end(),
+                       [&](const fs::path& folder) { return !folder.empty() && within(real, folder); });
+}
+
+void Sandbox::refuse(const fs::path& file) const {
+    throw HostError(file.string() + " is outside the folders that this script may touch (--allow adds one)");
+}
+
+fs::path Sandbox::toRead(const std::string& name) const {
+    const fs::path wanted = pathOf(name);
+    std::vector<fs::path> places;
+    if (wanted.is_absolute()) {
+        places = {wanted};
+    } else {
+        for (const fs::path& folder : castFolders()) places.push_back(folder / wanted);
+        if (!outputFolder_.empty()) places.push_back(outputFolder_ / wanted);
+        for (const fs::path& folder : allowed_) places.push_back(folder / wanted);
+        places.push_back(wanted);
+    }
+    bool found = false;
+    for (const fs::path& place : places) {
+        if (!isThere(place)) continue;
+        if (allows(place)) return place;
+        found = true;
+    }
+    if (found ||
+        std::none_of(places.begin(), places.end(), [this](const fs::path& place) { return allows(place); }))
+        refuse(wanted);
+    throw HostError("there is no file " + wanted.string());
+}
+
+fs::path Sandbox::toWrite(const std::string& name) const {
+    const fs::path wanted = pathOf(name);
+    fs::path place = wanted;
+    if (!wanted.is_absolute() && !outputFolder_.empty())
+        place = outputFolder_ / wanted;
+    else if (!wanted.is_absolute() && !allows(wanted))
+        place = scriptFolder_ / wanted;
+    if (!allows(place)) refuse(wanted);
+    return place;
+}
+
+std::vector<fs::path> Sandbox::castFolders() const {
+    std::vector<fs::path> folders;
+    for (const fs::path* folder : {&scriptFolder_, &castFolder_})
+        if (!folder->empty()) folders.push_back(*folder);
+    return folders;
+}
+
+fs::path Sandbox::member(const std::string& name, const std::vector<std::string>& extensions) const {
+    for (const fs::path& folder : castFolders()) {
+        std::vector<fs::path> found;
+        std::error_code failed;
+        for (const fs::directory_entry& entry : fs::directory_iterator(folder, failed)) {
+            const std::string extension = folded(entry.path().extension().string());
+            const bool wanted =
+                folded(entry.path().stem().string()) == folded(name) &&
+                std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
+            if (wanted && allows(entry.path())) found.push_back(entry.path());
+        }
+        // Folders list their files in no order: take the same one everywhere.
+        if (!found.empty()) return *std::min_element(found.begin(), found.end());
+    }
+    return {};
+}
+
+std::vector<std::string> Sandbox::memberNames(const std::vector<std::string>& extensions) const {
+    std::vector<std::string> names;
+    for (const fs::path& folder : castFolders()) {
+        std::error_code failed;
+        for (const fs::directory_entry& entry : fs::directory_iterator(folder, failed)) {
+            const std::string extension = folded(entry.path().extension().string());
+            if (std::find(extensions.begin(), extensions.end(), extension) != extensions.end())
+                names.push_back(entry.path().stem().string());
+        }
+    }
+    return names;
+}
+
+}  // namespace krl::player

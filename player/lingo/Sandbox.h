@@ -1,0 +1,41 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace krl::player {
+
+/// The folders that a script may touch, and where in them its files are looked for.
+class Sandbox {
+public:
+    Sandbox() = default;
+    /// `castFolder` and `outputFolder` may be empty.
+    Sandbox(std::filesystem::path castFolder, std::filesystem::path outputFolder,
+            const std::vector<std::filesystem::path>& allowed);
+
+    /// The folder of the script, the first place to look and allowed itself.
+    void setScriptFolder(const std::filesystem::path& folder);
+    const std::filesystem::path& scriptFolder() const { return scriptFolder_; }
+
+    /// The file to read: in the script's folder, the cast or another folder given, or beside the
+    /// caller if that is one of them. Throws `HostError` for what is elsewhere or nowhere.
+    std::filesystem::path toRead(const std::string& name) const;
+    /// The file to write: in the output folder, or in the script's. Throws `HostError`.
+    std::filesystem::path toWrite(const std::string& name) const;
+    /// The first file in the script's folder and the cast whose name without extension is `name`,
+    /// letter case aside, and whose extension is among `extensions`; empty when there is none.
+    std::filesystem::path member(const std::string& name, const std::vector<std::string>& extensions) const;
+    /// Names without extension that `member` would find, for messages.
+    std::vector<std::string> memberNames(const std::vector<std::string>& extensions) const;
+
+private:
+    bool allows(const std::filesystem::path& file) const;
+    std::vector<std::filesystem::path> castFolders() const;
+    [[noreturn]] void refuse(const std::filesystem::path& file) const;
+
+    std::filesystem::path scriptFolder_, castFolder_, outputFolder_;
+    std::vector<std::filesystem::path> allowed_;
+};
+
+}  // namespace krl::player

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "player/host/Objects.h"
+#include "player/lingo/Syntax.h"
+
+/// What scripts are as values.
+namespace krl::player {
+
+/// A script that can run: its syntax, and each float and string written in it as a value.
+struct LoadedScript {
+    std::string name;
+    std::unique_ptr<Script> syntax;
+    std::vector<Value> literals;
+    std::unordered_map<SymbolId, const Handler*> handlers;
+
+    const Handler* handler(SymbolId wanted) const {
+        const auto found = handlers.find(wanted);
+        return found == handlers.end() ? nullptr : found->second;
+    }
+};
+
+/// Something with a script and values for its properties: the script itself, or an instance.
+struct PropertyHolder : Object {
+    explicit PropertyHolder(const LoadedScript& loaded)
+        : script(loaded), properties(loaded.syntax->properties.size()) {}
+    size_t bytes() const override { return sizeof(*this) + properties.capacity() * sizeof(Value); }
+    void eachChild(const std::function<void(const Value&)>& show) const override {
+        for (const Value& value : properties) show(value);
+    }
+    void dropChildren() override { properties.clear(); }
+
+    const std::string& name() const { return script.name; }
+    /// The value of a property, or null for a name that is none.
+    Value* property(SymbolId wanted) {
+        const std::vector<SymbolId>& names = script.syntax->properties;
+        for (size_t i = 0; i < names.size() && i < properties.size(); ++i)
+            if (names[i] == wanted) return &properties[i];
+        return nullptr;
+    }
+
+    const LoadedScript& script;
+    std::vector<Value> properties;
+};
+
+/// `script "Name"`
+struct ScriptObject : PropertyHolder {
+    static constexpr Kind kKind = Kind::Script;
+    using PropertyHolder::PropertyHolder;
+};
+
+/// What `new(script "Name")` makes.
+struct InstanceObject : PropertyHolder {
+    static constexpr Kind kKind = Kind::ScriptInstance;
+    using PropertyHolder::PropertyHolder;
+};
+
+/// A member of the cast: a picture file by its name without the extension.
+struct MemberObject : Object {
+    static constexpr Kind kKind = Kind::Member;
+    explicit MemberObject(std::string called) : name(std::move(called)) {}
+    size_t bytes() const override { return sizeof(*this) + name.capacity(); }
+    void eachChild(const std::function<void(const Value&)>& show) const override { show(image); }
+    void dropChildren() override { image = Value(); }
+
+    std::string name;
+    Value image;  ///< read when it is first asked for
+};
+
+}  // namespace krl::player

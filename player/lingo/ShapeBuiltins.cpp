@@ -1,0 +1,131 @@
+#include <algorithm>
+
+#include "core/Numbers.h"
+#include "player/host/HostError.h"
+#include "player/lingo/Arithmetic.h"
+#include "player/lingo/Chunks.h"
+
+/// Points, rects and colours.
+namespace krl::player {
+
+namespace {
+
+const Value& numeric(const Arguments& arguments, size_t index) {
+    if (!arguments[index].isNumber()) arguments.mismatch(index, "a number");
+    return arguments[index];
+}
+
+Value point(Runtime& runtime, const Arguments& arguments) {
+    return runtime.heap.make<PointObject>(std::array<Value, 2>{numeric(arguments, 0), numeric(arguments, 1)});
+}
+
+Value makeRect(Runtime& runtime, const Value& left, const Value& top, const Value& right,
+               const Value& bottom) {
+    return runtime.heap.make<RectObject>(std::array<Value, 4>{left, top, right, bottom});
+}
+
+/// Of four sides, or of two corners.
+Value rect(Runtime& runtime, const Arguments& arguments) {
+    if (arguments.count() == 2) {
+        const auto &first = arguments.object<PointObject>(0), &second = arguments.object<PointObject>(1);
+        return makeRect(runtime, first.values[0], first.values[1], second.values[0], second.values[1]);
+    }
+    return makeRect(runtime, numeric(arguments, 0), numeric(arguments, 1), numeric(arguments, 2),
+                    numeric(arguments, 3));
+}
+
+const Value& smaller(const Value& a, const Value& b) { return b.number() < a.number() ? b : a; }
+const Value& larger(const Value& a, const Value& b) { return b.number() > a.number() ? b : a; }
+
+Value unionOf(Runtime& runtime, const Arguments& arguments) {
+    const auto &a = arguments.object<RectObject>(0).values, &b = arguments.object<RectObject>(1).values;
+    return makeRect(runtime, smaller(a[0], b[0]), smaller(a[1], b[1]), larger(a[2], b[2]),
+                    larger(a[3], b[3]));
+}
+
+/// All zeros where two rects do not meet.
+Value intersect(Runtime& runtime, const Arguments& arguments) {
+    const auto &a = arguments.object<RectObject>(0).values, &b = arguments.object<RectObject>(1).values;
+    const Value &left = larger(a[0], b[0]), &top = larger(a[1], b[1]);
+    const Value &right = smaller(a[2], b[2]), &bottom = smaller(a[3], b[3]);
+    const Value zero = Value::integer(0);
+    if (right.number() < left.number() || bottom.number() < top.number())
+        return makeRect(runtime, zero, zero, zero, zero);
+    return makeRect(runtime, left, top, right, bottom);
+}
+
+Value inside(Runtime&, const Arguments& arguments) {
+    const auto& at = arguments.object<PointObject>(0).values;
+    const auto& sides = arguments.object<RectObject>(1).values;
+    return Value::truth(at[0].number() >= sides[0].number() && at[0].number() < sides[2].number() &&
+                        at[1].number() >= sides[1].number() && at[1].number() < sides[3].number());
+}
+
+/// Sides moved by so much each: left and top by the first two, right and bottom by the last two.
+Value moved(Runtime& runtime, const RectObject& sides, const Value& x1, const Value& y1, const Value& x2,
+            const Value& y2) {
+    const auto sum = [&](size_t side, const Value& by) {
+        return operate(runtime, Operator::Add, sides.values[side], by);
+    };
+    return makeRect(runtime, sum(0, x1), sum(1, y1), sum(2, x2), sum(3, y2));
+}
+
+Value inflate(Runtime& runtime, const Arguments& arguments) {
+    const Value &x = numeric(arguments, 1), &y = numeric(arguments, 2);
+    return moved(runtime, arguments.object<RectObject>(0), negated(runtime, x), negated(runtime, y), x, y);
+}
+
+/// Of a rect: it moved. Of two texts: where the first is in the second, letter case aside.
+Value offset(Runtime& runtime, const Arguments& arguments) {
+    if (arguments[0].is(Kind::Rect)) {
+        const Value &x = numeric(arguments, 1), &y = numeric(arguments, 2);
+        return moved(runtime, arguments.object<RectObject>(0), x, y, x, y);
+    }
+    const std::string part = folded(arguments.text(0)), whole = folded(arguments.text(1));
+    const size_t found = part.empty() ? std::string::npos : whole.find(part);
+    if (found == std::string::npos) return Value::integer(0);
+    return Value::integer(1 + countChunks(std::string_view(whole).substr(0, found), ChunkKind::Char, ','));
+}
+
+uint8_t byteOf(const Arguments& arguments, size_t index) { return clampByte(arguments.integer(index)); }
+
+/// Of three numbers, or of a text `#RRGGBB`, or of one number that holds the three.
+Value rgb(Runtime&, const Arguments& arguments) {
+    if (arguments.count() == 1) {
+        Colour colour;
+        if (arguments[0].isInteger()) {
+            const auto word = static_cast<uint32_t>(arguments.integer(0));
+            colour = Colour(static_cast<uint8_t>(word >> 16), static_cast<uint8_t>(word >> 8),
+                            static_cast<uint8_t>(word));
+        } else if (!readHexColour(arguments.text(0), colour)) {
+            throw HostError("rgb: expected a colour such as \"#FF8000\", not \"" + arguments.text(0) + '"');
+        }
+        return Value::colour(colour);
+    }
+    if (arguments.count() == 2) arguments.mismatch(2, "a number");
+    return Value::colour(Colour(byteOf(arguments, 0), byteOf(arguments, 1), byteOf(arguments, 2)));
+}
+
+/// `color(red, green, blue)` or `color(#rgb, red, green, blue)`.
+Value color(Runtime& runtime, const Arguments& arguments) {
+    if (!arguments[0].is(Kind::Symbol)) return rgb(runtime, arguments);
+    if (arguments.symbol(0) != runtime.symbols.identifier("rgb")) arguments.mismatch(0, "#rgb");
+    return rgb(runtime, Arguments("color", arguments.from(1)));
+}
+
+Value hexString(Runtime& runtime, const Arguments& arguments) {
+    return runtime.text(hexColour(arguments.colour(0)));
+}
+
+constexpr Builtin kBuiltins[] = {
+    {"point", 2, 2, point},         {"rect", 2, 4, rect},     {"union", 2, 2, unionOf},
+    {"intersect", 2, 2, intersect}, {"inside", 2, 2, inside}, {"inflate", 3, 3, inflate},
+    {"offset", 2, 3, offset},       {"rgb", 1, 3, rgb},       {"color", 1, 4, color},
+    {"hexString", 1, 1, hexString},
+};
+
+}  // namespace
+
+std::span<const Builtin> shapeBuiltins() { return kBuiltins; }
+
+}  // namespace krl::player

@@ -1,0 +1,170 @@
+#include "player/lingo/Text.h"
+
+#include <cmath>
+#include <cstdio>
+
+#include "player/host/Compare.h"
+#include "player/host/HostError.h"
+#include "player/host/Xtra.h"
+#include "player/lingo/ScriptObjects.h"
+
+namespace krl::player {
+
+namespace {
+
+std::string floatText(double number, int precision) {
+    if (std::isnan(number)) return "NAN";
+    if (std::isinf(number)) return number < 0 ? "-INF" : "INF";
+    char text[400];
+    std::snprintf(text, sizeof(text), "%.*f", precision, number);
+    return text;
+}
+
+std::string colourText(Colour colour) {
+    return "rgb( " + std::to_string(colour.red()) + ", " + std::to_string(colour.green()) + ", " +
+           std::to_string(colour.blue()) + " )";
+}
+
+std::string address(const Value& value) {
+    char text[16];
+    std::snprintf(text, sizeof(text), "%x", static_cast<unsigned>(slotOf(value.words())));
+    return text;
+}
+
+/// Writes values one into the other, with a bound on how deep.
+class Writer {
+public:
+    explicit Writer(const TextStyle& style) : style_(style) {}
+
+    std::string text(const Value& value, int depth = 0) const {
+        if (depth > kDeepestNesting) throw HostError("the list to show is nested too deeply");
+        switch (value.kind()) {
+            case Kind::Void:
+                return "<Void>";
+            case Kind::Integer:
+                return std::to_string(value.integer());
+            case Kind::Symbol:
+                return '#' + style_.symbols.spelling(value.symbol());
+            case Kind::Colour:
+                return colourText(value.colour());
+            case Kind::Float:
+                return floatText(value.number(), style_.floatPrecision);
+            case Kind::String:
+                return '"' + value.as<StringObject>()->text + '"';
+            case Kind::List:
+                return '[' + joined(value.as<ListObject>()->items, depth) + ']';
+            case Kind::PropertyList:
+                return properties(value.as<PropertyListObject>()->entries, depth);
+            case Kind::Point:
+                return "point(" + joined(value.as<PointObject>()->values, depth) + ')';
+            case Kind::Rect:
+                return "rect(" + joined(value.as<RectObject>()->values, depth) + ')';
+            case Kind::Image:
+                return "<image:" + address(value) + '>';
+            case Kind::Xtra:
+                return "(xtra \"" + value.as<XtraObject>()->xtra.name() + "\")";
+            case Kind::XtraInstance:
+                return "<Xtra child \"" + value.as<XtraInstanceObject>()->xtra.name() + "\" " +
+                       address(value) + '>';
+            case Kind::Script:
+                return "(script \"" + value.as<ScriptObject>()->name() + "\")";
+            case Kind::ScriptInstance:
+                return "<offspring \"" + value.as<InstanceObject>()->name() + "\" " + address(value) + '>';
+            case Kind::Member:
+                return "(member \"" + value.as<MemberObject>()->name + "\")";
+        }
+        return "";
+    }
+
+private:
+    template <class Sequence>
+    std::string joined(const Sequence& values, int depth) const {
+        std::string all;
+        for (const Value& value : values) {
+            all += (all.empty() ? "" : ", ") + text(value, depth + 1);
+            bound(all);
+        }
+        return all;
+    }
+
+    std::string properties(const std::vector<PropertyListObject::Entry>& entries, int depth) const {
+        if (entries.empty()) return "[:]";
+        std::string all;
+        for (const auto& entry : entries)
+            all +=
+                (all.empty() ? "" : ", ") + text(entry.key, depth + 1) + ": " + text(entry.value, depth + 1);
+        return '[' + all + ']';
+    }
+
+    /// A list that holds another many times over can be small and its text endless.
+    static void bound(const std::string& text) {
+        if (text.size() > kLongestText) throw HostError("the list to show is longer than 256 MB");
+    }
+    static constexpr size_t kLongestText = size_t(256) << 20;
+
+    const TextStyle& style_;
+};
+
+}  // namespace
+
+std::string plainText(const TextStyle& style, const Value& value) {
+    if (value.is(Kind::String)) return value.as<StringObject>()->text;
+    if (value.is(Kind::Symbol)) return style.symbols.spelling(value.symbol());
+    return value.isVoid() ? "" : shownText(style, value);
+}
+
+std::string shownText(const TextStyle& style, const Value& value) { return Writer(style).text(value); }
+
+std::string kindName(Kind kind) {
+    static constexpr const char* names[] = {"VOID",
+                                            "an integer",
+                                            "a symbol",
+                                            "a colour",
+                                            "a float",
+                                            "a string",
+                                            "a list",
+                                            "a property list",
+                                            "a point",
+                                            "a rect",
+                                            "an image",
+                                            "an xtra",
+                                            "an instance of an xtra",
+                                            "a script",
+                                            "an instance of a script",
+                                            "a member"};
+    return names[static_cast<size_t>(kind)];
+}
+
+const char* ilkName(Kind kind) {
+    static constexpr const char* names[] = {"void",     "integer",  "symbol",   "color", "float", "string",
+                                            "list",     "propList", "point",    "rect",  "image", "xtra",
+                                            "instance", "script",   "instance", "member"};
+    return names[static_cast<size_t>(kind)];
+}
+
+bool readHexColour(std::string_view text, Colour& colour) {
+    if (!text.empty() && text.front() == '#') text.remove_prefix(1);
+    if (text.size() != 6) return false;
+    uint32_t packed = 0;
+    for (char letter : text) {
+        uint32_t digit = 0;
+        if (letter >= '0' && letter <= '9')
+            digit = static_cast<uint32_t>(letter - '0');
+        else if ((letter | 0x20) >= 'a' && (letter | 0x20) <= 'f')
+            digit = static_cast<uint32_t>((letter | 0x20) - 'a') + 10;
+        else
+            return false;
+        packed = packed * 16 + digit;
+    }
+    const auto byte = [packed](int shift) { return static_cast<uint8_t>(packed >> shift); };
+    colour = Colour(byte(16), byte(8), byte(0));
+    return true;
+}
+
+std::string hexColour(Colour colour) {
+    char text[16];
+    std::snprintf(text, sizeof(text), "#%02X%02X%02X", colour.red(), colour.green(), colour.blue());
+    return text;
+}
+
+}  // namespace krl::player
