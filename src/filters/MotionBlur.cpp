@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "core/Clones.h"
+#include "filters/AlphaScale.h"
 #include "filters/ChannelMask.h"
 #include "filters/PathBlur.h"
 #include "filters/PathSum.h"

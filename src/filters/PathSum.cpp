@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "core/Clones.h"
+#include "filters/AlphaScale.h"
 
 namespace krl {
 

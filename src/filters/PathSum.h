@@ -1,6 +1,5 @@
 #pragma once
 
-#include <bit>
 #include <cstdint>
 
 #include "core/Bands.h"
@@ -8,7 +7,7 @@
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
 #include "core/Scratch.h"
-#include "filters/AlphaScale.h"
+#include "filters/PixelFields.h"
 
 /// What the averages along a path are made of: the pixels to sample, the sums of four channels, and
 /// the running weight of colour.
@@ -58,20 +57,19 @@ public:
 
     /// Adds the pixels of `source` at `count` offsets.
     void add(const Pixel* source, const int32_t* offsets, int32_t count) {
-        // The four bytes of a pixel lie in four 16-bit fields of one word, which hold 256 samples.
         constexpr int32_t kFieldSamples = 256;
         for (int32_t first = 0; first < count; first += kFieldSamples) {
             uint64_t fields = 0;
             const int32_t last = count - first < kFieldSamples ? count : first + kFieldSamples;
             for (int32_t i = first; i < last; ++i) {
                 const Pixel p = source[offsets[i]];
-                fields += spread(p);
+                fields += fieldsOf(p);
                 if constexpr (kWeighted) weight_ += unitFromByte_[p.alpha];
             }
-            blue_ += fields & 0xFFFF;
-            red_ += fields >> 16 & 0xFFFF;
-            green_ += fields >> 32 & 0xFFFF;
-            alpha_ += static_cast<uint32_t>(fields >> 48);
+            blue_ += blueField(fields);
+            green_ += greenField(fields);
+            red_ += redField(fields);
+            alpha_ += alphaField(fields);
         }
     }
 
@@ -98,10 +96,6 @@ public:
     }
 
 private:
-    static uint64_t spread(Pixel p) {
-        const uint64_t word = std::bit_cast<uint32_t>(p);
-        return (word | word << 24) & 0x00FF00FF00FF00FFu;
-    }
     static uint8_t mean(uint32_t sum, int32_t count) {
         return static_cast<uint8_t>(static_cast<int32_t>(sum) / count);
     }
@@ -113,7 +107,6 @@ private:
     uint32_t blue_ = 0, green_ = 0, red_ = 0, alpha_ = 0;
     float weight_ = 0.0f;
 };
-static_assert(std::endian::native == std::endian::little);
 
 /// Where the run of equal samples ends that begins with sample `first` of `count`. `isSame` tells it
 /// of any later sample; equal ones must follow one another.
