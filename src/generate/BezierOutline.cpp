@@ -17,7 +17,7 @@ constexpr double kFlatness = 20.0;
 /// More halvings in a row, and more pieces of a curve, than any that fits a picture has need of. Far outside
 /// single precision is so coarse that pieces would go on bending to the last.
 constexpr int32_t kMostHalvings = 48;
-constexpr size_t kMostPieces = 1 << 16;
+constexpr size_t kMostPieces = 1 << 14;
 
 Point plus(Point a, Point b) { return {wrapAdd(a.y, b.y), wrapAdd(a.x, b.x)}; }
 
