@@ -126,7 +126,7 @@ private:
             if (first.isMark("(") || first.isMark("[")) return assignmentOrCall();
             fail("a statement");
         }
-        const bool variable = ahead().isMark("=") || ahead().isMark(".") || ahead().isMark("[");
+        const bool variable = ahead().isMark("=") || ahead().isMark(".");
         if (variable) return assignmentOrCall();
         if (first.isWord("put")) return put();
         if (first.isWord("set")) return set();
