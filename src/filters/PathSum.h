@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 
 #include "core/Bands.h"
@@ -121,6 +122,27 @@ int64_t endOfRun(int64_t first, int64_t count, const IsSame& isSame) {
     }
     return other;
 }
+
+/// Where a point is from a pixel. The distance is made of 32-bit squares, which wrap for a point some
+/// 46000 pixels away and then have nothing to do with the direction.
+struct PointReach {
+    int32_t dx, dy;
+    double distance;
+    bool hasWrapped;
+
+    PointReach(Point point, int32_t x, int32_t y)
+        : dx(wrapSubtract(point.x, x)), dy(wrapSubtract(point.y, y)) {
+        const int32_t square = sumOfSquares(dx, dy);
+        distance = std::sqrt(double(square));
+        const auto wide = [](int64_t d) { return static_cast<uint64_t>(d * d); };
+        hasWrapped = square < 0 || static_cast<uint64_t>(square) != wide(dx) + wide(dy);
+    }
+    double angle() const { return std::atan2(double(dy), double(dx)); }
+
+    static int32_t sumOfSquares(int32_t a, int32_t b) {
+        return wrapAdd(wrapMultiply(a, a), wrapMultiply(b, b));
+    }
+};
 
 /// A real coordinate's column or row among `size`: truncated, and limited to the picture. What is not
 /// a number is the first.

@@ -44,20 +44,19 @@ struct Circle {
     double alongX, alongY;  ///< from the pixel to the centre, at the rounded angle
 
     Circle(Point point, int32_t x, int32_t y) : centre(point) {
-        const int32_t dx = wrapSubtract(point.x, x), dy = wrapSubtract(point.y, y);
-        const int32_t square = wrapAdd(wrapMultiply(dx, dx), wrapMultiply(dy, dy));
-        radius = std::sqrt(double(square));
-        const double exactAngle = std::atan2(double(dy), double(dx));
+        const PointReach reach(point, x, y);
+        const double exactAngle = reach.angle();
+        radius = reach.distance;
         angle = static_cast<float>(exactAngle);
-        if (square == int64_t(dx) * dx + int64_t(dy) * dy) {
+        if (reach.hasWrapped) {
+            alongX = std::cos(double(angle)) * radius;
+            alongY = std::sin(double(angle)) * radius;
+        } else {
             // The rounding turns the pixel's own direction by so little that two terms of its sine and
             // cosine are all of them.
             const double turn = angle - exactAngle, shrink = 1.0 - turn * turn / 2;
-            alongX = dx * shrink - dy * turn;
-            alongY = dy * shrink + dx * turn;
-        } else {
-            alongX = std::cos(double(angle)) * radius;
-            alongY = std::sin(double(angle)) * radius;
+            alongX = reach.dx * shrink - reach.dy * turn;
+            alongY = reach.dy * shrink + reach.dx * turn;
         }
     }
 

@@ -12,26 +12,14 @@ namespace {
 /// The ray through one pixel and the point.
 struct Ray {
     Point point;
-    int32_t dx, dy;
-    double distance;
+    PointReach reach;
     double alongX, alongY;  ///< the ray's direction, toward the point
     double step;            ///< 1 away from the point, -1 toward it
 
     Ray(Point origin, int32_t x, int32_t y, ZoomDirection direction)
-        : point(origin),
-          dx(wrapSubtract(origin.x, x)),
-          dy(wrapSubtract(origin.y, y)),
-          step(direction == ZoomDirection::Out ? -1.0 : 1.0) {
-        const int32_t square = wrapAdd(wrapMultiply(dx, dx), wrapMultiply(dy, dy));
-        distance = std::sqrt(double(square));
-        if (square == int64_t(dx) * dx + int64_t(dy) * dy) {
-            alongX = dx / distance;
-            alongY = dy / distance;
-        } else {
-            const double angle = std::atan2(double(dy), double(dx));
-            alongX = std::cos(angle);
-            alongY = std::sin(angle);
-        }
+        : point(origin), reach(origin, x, y), step(direction == ZoomDirection::Out ? -1.0 : 1.0) {
+        alongX = reach.hasWrapped ? std::cos(reach.angle()) : reach.dx / reach.distance;
+        alongY = reach.hasWrapped ? std::sin(reach.angle()) : reach.dy / reach.distance;
     }
 
     /// Offset of sample `k`, by its definition.
@@ -39,7 +27,7 @@ struct Ray {
         const auto nearest = [](double v, int32_t size) {
             return placeWithin(v < 0 ? v - 0.5 : v + 0.5, size);
         };
-        const double angle = std::atan2(double(dy), double(dx)), d = distance + step * k;
+        const double angle = reach.angle(), d = reach.distance + step * k;
         const int32_t column = nearest(point.x - std::cos(angle) * d, width);
         return nearest(point.y - std::sin(angle) * d, height) * width + column;
     }
@@ -51,7 +39,7 @@ KRL_WIDE_CLONES
 bool walkAlong(const Ray& ray, int32_t first, int32_t count, int32_t width, int32_t height, int32_t* offsets,
                int32_t* doubts) {
     const double alongX = ray.alongX, alongY = ray.alongY, step = ray.step;
-    const double start = ray.distance + step * first;
+    const double start = ray.reach.distance + step * first;
     const double pointX = ray.point.x + 0.5, pointY = ray.point.y + 0.5;
     int32_t any = 0;
     for (int32_t i = 0; i < count; ++i) {
@@ -96,12 +84,12 @@ Status blurRays(ImageEngine& engine, int32_t zoomLength, Point point, ZoomDirect
     constexpr bool kWeighted = kTarget == ChannelTarget::RGBA;
     const PathSource source(engine, kWeighted);
     const int32_t width = source.width(), height = source.height();
-    const int32_t square = wrapAdd(wrapMultiply(height, height), wrapMultiply(width, width));
-    const double scale = 1.0 / std::sqrt(double(square)) * zoomLength;
+    const double diagonal = std::sqrt(double(PointReach::sumOfSquares(height, width)));
+    const double scale = 1.0 / diagonal * zoomLength;
     return forEachRow(engine, [&](Pixel* row, int32_t y) {
         for (int32_t x = 0; x < width; ++x) {
             const Ray ray(point, x, y, direction);
-            const int32_t count = truncate(ray.distance * scale);
+            const int32_t count = truncate(ray.reach.distance * scale);
             if (count <= 0) continue;
             PathSum<kWeighted> sum(engine.tables());
             sumRay(ray, count, source, sum);
