@@ -119,18 +119,23 @@ Status displacementMapComposite(ImageEngine& engine, const SecondImage& dMapOne,
     const ShiftMap horizontal(dMapOne, colouringOptionOne, across, -1, engine.tables());
     const ShiftMap vertical(dMapTwo, colouringOptionTwo, down, 1, engine.tables());
     const int32_t width = engine.buffer()->width, height = engine.buffer()->height;
-    const auto edged = edgeOption == MapEdge::Wrap ? heldInside : folded;
-    return warpByPosition(engine, SampleQuality::Bilinear, ChannelTarget::RGBA,
-                          [&](int32_t y, int32_t first, PositionRun& run) {
-                              MapRun map;
-                              horizontal.read(map, y, first, run.count);
-                              for (size_t i = 0; i < run.count; ++i)
-                                  run.x[i] = edged(
-                                      horizontal.shifted(first + static_cast<int32_t>(i), map, i), width);
-                              vertical.read(map, y, first, run.count);
-                              for (size_t i = 0; i < run.count; ++i)
-                                  run.y[i] = edged(vertical.shifted(y, map, i), height);
-                          });
+    const auto warp = [&](auto edged) {
+        return warpByPosition(engine, SampleQuality::Bilinear, ChannelTarget::RGBA,
+                              [&](int32_t y, int32_t first, PositionRun& run) {
+                                  MapRun map;
+                                  horizontal.read(map, y, first, run.count);
+                                  for (size_t i = 0; i < run.count; ++i) {
+                                      const int32_t x = first + static_cast<int32_t>(i);
+                                      run.x[i] = edged(horizontal.shifted(x, map, i), width);
+                                  }
+                                  vertical.read(map, y, first, run.count);
+                                  for (size_t i = 0; i < run.count; ++i)
+                                      run.y[i] = edged(vertical.shifted(y, map, i), height);
+                              });
+    };
+    if (edgeOption == MapEdge::Wrap)
+        return warp([](float place, int32_t length) { return heldInside(place, length); });
+    return warp(folded);
 }
 
 }  // namespace krl

@@ -9,18 +9,19 @@
 
 namespace krl {
 
-/// Pixels of a row whose places are worked out together.
-inline constexpr size_t kRunPixels = 256;
-
 /// Where each pixel of a run comes from.
 struct PositionRun {
-    size_t count = 0;
+    size_t count = 0;  ///< made 0 by who leaves all of them as they are
     float x[kRunPixels];
     float y[kRunPixels];
 };
 
-/// The place of a pixel that is to stay as it is.
-inline constexpr float kStays = -3.0e38f;
+/// Calls `work(firstColumn, count)` for the runs of `width` columns.
+template <class Work>
+void forEachRun(int32_t width, Work&& work) {
+    for (int32_t first = 0; first < width; first += static_cast<int32_t>(kRunPixels))
+        work(first, std::min(kRunPixels, static_cast<size_t>(width - first)));
+}
 
 /// A coordinate held in a line of `length` pixels.
 inline float heldInside(float place, int32_t length) {
@@ -28,7 +29,8 @@ inline float heldInside(float place, int32_t length) {
     return place < 0.0f ? 0.0f : place >= end ? end - 1.0f : place;
 }
 
-/// The warp whose pixels come from where `positions(y, firstColumn, PositionRun&)` says, banded by rows.
+/// The warp whose pixels come from where `positions(y, firstColumn, PositionRun&)` says, banded by rows. A
+/// pixel that comes from its own place stays as it is.
 template <class Positions>
 Status warpByPosition(const ImageEngine& engine, SampleQuality quality, ChannelTarget target,
                       Positions&& positions) {
@@ -38,12 +40,11 @@ Status warpByPosition(const ImageEngine& engine, SampleQuality quality, ChannelT
     return withSampler(source.view(), quality, target, [&](const auto& sampler) {
         return forEachRow(engine, [&](Pixel* row, int32_t y) {
             PositionRun run;
-            for (int32_t first = 0; first < image.width; first += static_cast<int32_t>(kRunPixels)) {
-                run.count = std::min(kRunPixels, static_cast<size_t>(image.width - first));
-                positions(y, first, run);
-                for (size_t i = 0; i < run.count; ++i)
-                    if (run.x[i] != kStays) sampler(row[first + static_cast<int32_t>(i)], run.y[i], run.x[i]);
-            }
+            forEachRun(image.width, [&](int32_t firstColumn, size_t count) {
+                run.count = count;
+                positions(y, firstColumn, run);
+                sampler.run(row + firstColumn, run.y, run.x, run.count);
+            });
         });
     });
 }

@@ -5,6 +5,7 @@
 #include "core/ImageEngine.h"
 #include "core/Numbers.h"
 #include "core/Pixel.h"
+#include "warp/SampleRun.h"
 
 /// How the warps read a picture between its pixels. `standard` takes the pixel that truncation leads
 /// to; `bilinear` weighs four, and knows what to do where some of them are missing. A warp reads a
@@ -58,56 +59,122 @@ void copyChannels(Pixel& destination, Pixel source) {
         destination.alpha = source.alpha;
 }
 
-/// Nearest sampling of a picture: truncated toward zero, and kept inside.
+/// Nearest sampling of a picture: truncated toward zero, and kept inside. Each operation writes a run of
+/// at most `kRunPixels` pixels.
 template <ChannelTarget target>
 class NearestSampler {
 public:
     static constexpr SampleQuality kQuality = SampleQuality::Standard;
+    using Place = int32_t;  ///< of a pixel that comes from its own row or column
 
-    explicit NearestSampler(const ImageBuffer& source) : source_(source) {}
+    explicit NearestSampler(const ImageBuffer& source)
+        : source_(source),
+          stride_(source.rowBytes / static_cast<int32_t>(sizeof(Pixel))),
+          right_(static_cast<float>(source.width - 1)),
+          bottom_(static_cast<float>(source.height - 1)) {}
 
-    void operator()(Pixel& destination, float y, float x) const { at(destination, truncate(y), truncate(x)); }
-    void alongRow(Pixel& destination, int32_t y, int32_t x) const { at(destination, y, x); }
-    void downColumn(Pixel& destination, int32_t y, int32_t x) const { at(destination, y, x); }
+    /// From the places (`x[i]`, `y[i]`).
+    void run(Pixel* destination, const float* y, const float* x, size_t count) const {
+        Pixel nearest[kRunPixels];
+        nearestPixels(source_.row(0), stride_, y, x, count, bottom_, right_, nearest);
+        for (size_t i = 0; i < count; ++i) copyChannels<target>(destination[i], nearest[i]);
+    }
+    /// From the columns `x[i]` of row `y`.
+    void alongRow(Pixel* destination, int32_t y, const int32_t* x, size_t count) const {
+        for (size_t i = 0; i < count; ++i) copy(destination[i], y, x[i]);
+    }
+    /// From the rows `y[i]` of the columns from `x` on.
+    void downColumns(Pixel* destination, const int32_t* y, int32_t x, size_t count) const {
+        for (size_t i = 0; i < count; ++i) copy(destination[i], y[i], x + static_cast<int32_t>(i));
+    }
 
-    void at(Pixel& destination, int32_t y, int32_t x) const {
+private:
+    void copy(Pixel& destination, int32_t y, int32_t x) const {
         const int32_t column = clampTo(x, 0, source_.width - 1), row = clampTo(y, 0, source_.height - 1);
         copyChannels<target>(destination, source_.row(row)[column]);
     }
 
-private:
     const ImageBuffer& source_;
+    int32_t stride_;
+    float right_, bottom_;
 };
 
-/// Bilinear sampling of a picture with repeated edges: `sampleBilinear` at `makeSamplePoint`, with a
-/// road of whole numbers for the places whose four samples all exist.
+/// Bilinear sampling of a picture with repeated edges: `sampleBilinear` at `makeSamplePoint`, with a road of
+/// whole numbers for the places whose four samples all exist. Each operation writes a run of at most
+/// `kRunPixels` pixels.
 template <ChannelTarget target>
 class BilinearSampler {
 public:
     static constexpr SampleQuality kQuality = SampleQuality::Bilinear;
+    using Place = float;  ///< of a pixel that comes from its own row or column
 
     explicit BilinearSampler(const ImageBuffer& source)
         : source_(source),
-          right_(static_cast<float>(source.width - 1)),
-          bottom_(static_cast<float>(source.height - 1)) {}
+          stride_(source.rowBytes / static_cast<int32_t>(sizeof(Pixel))),
+          splitsX_(canSplitPlaces(source.width - 1)),
+          splitsY_(canSplitPlaces(source.height - 1)) {}
 
-    void operator()(Pixel& destination, float y, float x) const;
-    /// At a whole row.
-    void alongRow(Pixel& destination, int32_t y, float x) const;
-    /// At a whole column.
-    void downColumn(Pixel& destination, float y, int32_t x) const;
+    /// From the places (`x[i]`, `y[i]`).
+    void run(Pixel* destination, const float* y, const float* x, size_t count) const {
+        const auto general = [&](size_t i) { sample(destination[i], y[i], x[i]); };
+        if (!splitsX_ || !splitsY_) return forEach(count, general);
+        AxisRun rows, columns;
+        const bool rowsExact = splitPlaces(y, count, source_.height - 1, rows);
+        const bool columnsExact = splitPlaces(x, count, source_.width - 1, columns);
+        Pixel blended[kRunPixels];
+        blendSquares(source_.row(0), stride_, rows, columns, count, blended);
+        place(destination, blended, count, rowsExact && columnsExact, general,
+              [&](size_t i) { return rows.exact[i] & columns.exact[i]; });
+    }
+    /// From the places `x[i]` of row `y`.
+    void alongRow(Pixel* destination, int32_t y, const float* x, size_t count) const {
+        const auto general = [&](size_t i) { sample(destination[i], static_cast<float>(y), x[i]); };
+        if (!splitsX_) return forEach(count, general);
+        AxisRun columns;
+        const bool exact = splitPlaces(x, count, source_.width - 1, columns);
+        Pixel blended[kRunPixels];
+        blendAlongRow(source_.row(y), columns, count, blended);
+        place(destination, blended, count, exact, general, [&](size_t i) { return columns.exact[i]; });
+    }
+    /// From the places `y[i]` of the columns from `x` on.
+    void downColumns(Pixel* destination, const float* y, int32_t x, size_t count) const {
+        const auto general = [&](size_t i) {
+            sample(destination[i], y[i], static_cast<float>(x + static_cast<int32_t>(i)));
+        };
+        if (!splitsY_) return forEach(count, general);
+        AxisRun rows;
+        const bool exact = splitPlaces(y, count, source_.height - 1, rows);
+        Pixel blended[kRunPixels];
+        blendDownColumns(source_.row(0) + x, stride_, rows, count, blended);
+        place(destination, blended, count, exact, general, [&](size_t i) { return rows.exact[i]; });
+    }
 
 private:
-    // From 1 upward a float's fraction is a whole number of 2^-23, and so is every weight.
-    bool inColumns(float x) const { return x >= 1.0f && x < right_; }
-    bool inRows(float y) const { return y >= 1.0f && y < bottom_; }
-    void general(Pixel& destination, float y, float x) const {
+    template <class PerPixel>
+    static void forEach(size_t count, PerPixel&& perPixel) {
+        for (size_t i = 0; i < count; ++i) perPixel(i);
+    }
+    template <class General, class Exact>
+    static void place(Pixel* destination, const Pixel* blended, size_t count, bool allExact,
+                      General&& general, Exact&& exact) {
+        if (allExact)
+            return forEach(count, [&](size_t i) { copyChannels<target>(destination[i], blended[i]); });
+        forEach(count, [&](size_t i) {
+            if (exact(i))
+                copyChannels<target>(destination[i], blended[i]);
+            else
+                general(i);
+        });
+    }
+
+    void sample(Pixel& destination, float y, float x) const {
         const SamplePoint point = makeSamplePoint(y, x, source_.width, source_.height);
         sampleBilinear(point, destination, source_, target, SampleEdge::Repeat);
     }
 
     const ImageBuffer& source_;
-    float right_, bottom_;
+    int32_t stride_;
+    bool splitsX_, splitsY_;
 };
 
 /// Calls `work` with the target as a compile-time constant: what is none of the first two is alpha.
@@ -135,5 +202,3 @@ decltype(auto) withSampler(const ImageBuffer& source, SampleQuality quality, Cha
 }
 
 }  // namespace krl
-
-#include "warp/BilinearSampler.h"

@@ -1,19 +1,20 @@
 #include "warp/Trigonometry.h"
 
-#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <numbers>
 
+#include "core/Clones.h"
+
 namespace krl {
 
 namespace {
 
-// Two angles at once, in the compilers' portable vector form; the steps of one angle take as long.
-using Reals [[gnu::vector_size(16)]] = double;
-using Bits [[gnu::vector_size(16)]] = uint64_t;
-constexpr size_t kLanes = 2;
+// Four angles at once, in the compilers' portable vector form.
+using Reals [[gnu::vector_size(32)]] = double;
+using Bits [[gnu::vector_size(32)]] = uint64_t;
+constexpr size_t kLanes = 4;
 
 constexpr double kPi = std::numbers::pi;
 
@@ -26,12 +27,8 @@ constexpr double kQuarterTop = 0x1.921fb544p+0;
 constexpr double kQuarterMiddle = 0x1.0b4611a6p-34;
 constexpr double kQuarterBottom = 0x1.3198a2e037073p-69;
 
-struct SineCosine {
-    Reals sine, cosine;
-};
-
 /// The series of both around 0, after the angles have lost their quarter turns.
-SineCosine reducedSineCosine(Reals angle) {
+[[gnu::always_inline]] inline void reducedSineCosine(const Reals& angle, Reals& sine, Reals& cosine) {
     const Reals rounded = angle * (2 / kPi) + kRounder;
     const Reals quarters = rounded - kRounder;
     const Reals r =
@@ -52,40 +49,68 @@ SineCosine reducedSineCosine(Reals angle) {
     c = c * z + 1 / 24.0;
     c = 1 - (0.5 * z - z * z * c);
     // In odd quadrants the two change places; signs go by half turns.
-    const Bits quadrant = std::bit_cast<Bits>(rounded), odd = -(quadrant & 1);
-    const Bits sineBits = std::bit_cast<Bits>(s), cosineBits = std::bit_cast<Bits>(c);
-    const Bits sine = ((cosineBits & odd) | (sineBits & ~odd)) ^ ((quadrant & 2) << 62);
-    const Bits cosine = ((sineBits & odd) | (cosineBits & ~odd)) ^ (((quadrant + 1) & 2) << 62);
-    return {std::bit_cast<Reals>(sine), std::bit_cast<Reals>(cosine)};
+    const Bits quadrant = __builtin_bit_cast(Bits, rounded), odd = -(quadrant & 1);
+    const Bits sineBits = __builtin_bit_cast(Bits, s), cosineBits = __builtin_bit_cast(Bits, c);
+    sine = __builtin_bit_cast(Reals, ((cosineBits & odd) | (sineBits & ~odd)) ^ ((quadrant & 2) << 62));
+    cosine =
+        __builtin_bit_cast(Reals, ((sineBits & odd) | (cosineBits & ~odd)) ^ (((quadrant + 1) & 2) << 62));
 }
 
-Reals absolute(Reals x) { return std::bit_cast<Reals>(std::bit_cast<Bits>(x) & ~(uint64_t{1} << 63)); }
-
-/// Size of the angle of (`x`, `y`), `y` being at least 0.
-Reals angleSize(Reals x, Reals y) {
+/// Size of the angle of (`x`, `y`) from the size of the coordinates and whether `x` is below 0.
+[[gnu::always_inline]] inline void angleSize(const Reals& x, const Reals& y, Reals& size) {
     constexpr double kTanEighth = std::numbers::sqrt2 - 1;  // tangent of an eighth of a half turn
-    const Reals across = absolute(x);
-    const Reals more = across > y ? across : y, less = across > y ? y : across;
+    constexpr uint64_t kSign = uint64_t{1} << 63;
+    const Reals across = __builtin_bit_cast(Reals, __builtin_bit_cast(Bits, x) & ~kSign);
+    const Reals height = __builtin_bit_cast(Reals, __builtin_bit_cast(Bits, y) & ~kSign);
+    const Reals more = across > height ? across : height, less = across > height ? height : across;
     // Above an eighth of a half turn the angle is a quarter of one less what is missing to it.
     const auto upper = less > more * kTanEighth;
     const Reals numerator = upper ? less - more : less, sum = upper ? less + more : more;
-    const Reals t = numerator / (sum == 0 ? Reals{1, 1} : sum);
+    const Reals t = numerator / (sum == 0 ? sum + 1 : sum);
     const Reals z = t * t;
     Reals series = z * (-1.0 / 35) + 1.0 / 33;
     for (int odd = 31; odd >= 1; odd -= 2) series = 1.0 / odd - series * z;
     Reals angle = t * series;
     angle = upper ? angle + kPi / 4 : angle;
-    angle = y > across ? kPi / 2 - angle : angle;
-    return x < 0 ? kPi - angle : angle;
+    angle = height > across ? kPi / 2 - angle : angle;
+    size = x < 0 ? kPi - angle : angle;
 }
 
-Reals load(const double* numbers) {
-    Reals pair;
-    std::memcpy(&pair, numbers, sizeof pair);
-    return pair;
+/// Calls `perLanes(Lanes)` on every four of `count` numbers and, for those that are left, on four of which
+/// they are the first.
+template <class PerLanes>
+[[gnu::always_inline]] inline void forEachLanes(size_t count, PerLanes&& perLanes) {
+    size_t i = 0;
+    for (; i + kLanes <= count; i += kLanes) perLanes(i, kLanes);
+    if (i < count) perLanes(i, count - i);
 }
 
-void store(double* numbers, Reals pair) { std::memcpy(numbers, &pair, sizeof pair); }
+[[gnu::always_inline]] inline void load(const double* numbers, size_t count, Reals& lanes) {
+    lanes = Reals{};
+    if (count == kLanes)
+        std::memcpy(&lanes, numbers, sizeof lanes);
+    else
+        std::memcpy(&lanes, numbers, count * sizeof(double));
+}
+
+[[gnu::always_inline]] inline void store(double* numbers, size_t count, const Reals& lanes) {
+    if (count == kLanes)
+        std::memcpy(numbers, &lanes, sizeof lanes);
+    else
+        std::memcpy(numbers, &lanes, count * sizeof(double));
+}
+
+KRL_WIDE_CLONES void reducedSinesAndCosines(const double* angles, double* sines, double* cosines,
+                                            size_t count) {
+    forEachLanes(
+        count, [&](size_t i, size_t lanes) __attribute__((always_inline)) {
+            Reals angle, s, c;
+            load(angles + i, lanes, angle);
+            reducedSineCosine(angle, s, c);
+            store(sines + i, lanes, s);
+            store(cosines + i, lanes, c);
+        });
+}
 
 bool isReduced(double angle) { return std::fabs(angle) < kLargestAngle; }
 
@@ -94,31 +119,36 @@ bool isReduced(double angle) { return std::fabs(angle) < kLargestAngle; }
 void sinesAndCosines(const double* angles, double* sines, double* cosines, size_t count) {
     bool reduced = true;
     for (size_t i = 0; i < count; ++i) reduced &= isReduced(angles[i]);
-    size_t i = 0;
-    for (; reduced && i + kLanes <= count; i += kLanes) {
-        const auto [s, c] = reducedSineCosine(load(angles + i));
-        store(sines + i, s);
-        store(cosines + i, c);
-    }
-    for (; i < count; ++i) {
+    if (reduced) return reducedSinesAndCosines(angles, sines, cosines, count);
+    for (size_t i = 0; i < count; ++i) {
         sines[i] = sine(angles[i]);
         cosines[i] = cosine(angles[i]);
     }
 }
 
-void angleSizes(const double* x, double y, double* angles, size_t count) {
-    const Reals height = absolute(Reals{y, y});
-    size_t i = 0;
-    for (; i + kLanes <= count; i += kLanes) store(angles + i, angleSize(load(x + i), height));
-    if (i < count) angles[i] = angleSize(Reals{x[i], x[i]}, height)[0];
+KRL_WIDE_CLONES void angleSizes(const double* x, double y, double* angles, size_t count) {
+    const Reals heights = {y, y, y, y};
+    forEachLanes(
+        count, [&](size_t i, size_t lanes) __attribute__((always_inline)) {
+            Reals across, sizes;
+            load(x + i, lanes, across);
+            angleSize(across, heights, sizes);
+            store(angles + i, lanes, sizes);
+        });
 }
 
 double sine(double angle) {
-    return isReduced(angle) ? reducedSineCosine(Reals{angle, angle}).sine[0] : std::sin(angle);
+    if (!isReduced(angle)) return std::sin(angle);
+    double s, c;
+    reducedSinesAndCosines(&angle, &s, &c, 1);
+    return s;
 }
 
 double cosine(double angle) {
-    return isReduced(angle) ? reducedSineCosine(Reals{angle, angle}).cosine[0] : std::cos(angle);
+    if (!isReduced(angle)) return std::cos(angle);
+    double s, c;
+    reducedSinesAndCosines(&angle, &s, &c, 1);
+    return c;
 }
 
 }  // namespace krl

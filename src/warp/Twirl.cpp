@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/Clones.h"
 #include "warp/PositionWarp.h"
 #include "warp/Trigonometry.h"
 
@@ -23,36 +24,43 @@ public:
           bottom_(static_cast<float>(image.height)) {}
 
     void positions(int32_t y, int32_t first, PositionRun& run) const {
-        double dx[kRunPixels], sizes[kRunPixels], missing[kRunPixels];
-        double turns[kRunPixels], sines[kRunPixels], cosines[kRunPixels];
+        double dx[kRunPixels], sizes[kRunPixels], turns[kRunPixels], sines[kRunPixels], cosines[kRunPixels];
         const double dy = centreY_ - y;
         for (size_t i = 0; i < run.count; ++i) dx[i] = centreX_ - (first + static_cast<int32_t>(i));
         angleSizes(dx, dy, sizes, run.count);
-        for (size_t i = 0; i < run.count; ++i) {
-            missing[i] = limitAt(sizes[i]) - std::sqrt(dx[i] * dx[i] + dy * dy);
-            turns[i] = missing[i] * radiansPerPixel_;
-        }
-        if (*std::max_element(missing, missing + run.count) <= 0) {
-            std::fill_n(run.x, run.count, kStays);
+        turnsOf(dx, dy, sizes, turns, run.count);
+        if (std::all_of(turns, turns + run.count, [](double angle) { return angle == 0; })) {
+            run.count = 0;
             return;
         }
         sinesAndCosines(turns, sines, cosines, run.count);
-        for (size_t i = 0; i < run.count; ++i) {
-            // Distance and direction after the turn are what turning (dx, dy) gives.
-            const auto x = static_cast<float>(centreX_ - (dx[i] * cosines[i] - dy * sines[i]));
-            const auto place = static_cast<float>(centreY_ - (dy * cosines[i] + dx[i] * sines[i]));
-            run.x[i] = missing[i] <= 0 ? kStays : held(x, right_);
-            run.y[i] = held(place, bottom_);
-        }
+        turn(dx, dy, sines, cosines, run);
     }
 
 private:
-    /// The disc's radius in a direction. The angle is taken from radians to radians as if it were in
-    /// degrees; that is what gives the disc its size.
-    double limitAt(double angleSize) const {
-        const auto v = static_cast<float>(angleSize * kRadiansPerDegree);
-        const double w = (v - 90.0) * 2.8333333333333335;
-        return ((255 - w) * maxHalf_ + w * minHalf_) * 0.00390625;
+    /// How far to turn each of `count` pixels; not at all beyond the disc.
+    ///
+    /// The disc's radius depends a little on the direction. The angle is taken from radians to radians as if
+    /// it were in degrees; that is what gives the disc its size.
+    KRL_WIDE_CLONES void turnsOf(const double* __restrict dx, double dy, const double* __restrict angleSizes,
+                                 double* __restrict turns, size_t count) const {
+        for (size_t i = 0; i < count; ++i) {
+            const auto v = static_cast<float>(angleSizes[i] * kRadiansPerDegree);
+            const double w = (v - 90.0) * 2.8333333333333335;
+            const double limit = ((255 - w) * maxHalf_ + w * minHalf_) * 0.00390625;
+            const double missing = limit - std::sqrt(dx[i] * dx[i] + dy * dy);
+            turns[i] = (missing > 0 ? missing : 0) * radiansPerPixel_;
+        }
+    }
+
+    /// Distance and direction after the turn are what turning (dx, dy) gives. A pixel that is not turned
+    /// comes from its own place.
+    KRL_WIDE_CLONES void turn(const double* __restrict dx, double dy, const double* __restrict sines,
+                              const double* __restrict cosines, PositionRun& run) const {
+        for (size_t i = 0; i < run.count; ++i) {
+            run.x[i] = held(static_cast<float>(centreX_ - (dx[i] * cosines[i] - dy * sines[i])), right_);
+            run.y[i] = held(static_cast<float>(centreY_ - (dy * cosines[i] + dx[i] * sines[i])), bottom_);
+        }
     }
 
     /// Unlike in the waves, a place exactly at the end stays.

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/Bands.h"
+#include "core/Clones.h"
 #include "core/ImageCopy.h"
 #include "warp/PositionWarp.h"
 #include "warp/Trigonometry.h"
@@ -26,33 +27,29 @@ std::vector<float> shifts(int32_t count, float frequency, float phase, float amp
     return table;
 }
 
-/// Where along a line of `length` pixels each pixel comes from, one after another: the line's shift,
-/// plus 1 for each pixel passed, with the edge rule in between. `wrapPeriod` is that of the bilinear wrap.
+/// Where along a line of `length` pixels each pixel comes from, one after another: the line's shift, plus 1
+/// for each pixel passed, with the edge rule in between. `wrapPeriod` is that of the bilinear wrap.
 template <SampleQuality quality, WaveEdge edge>
-class ShiftedLine {
+class LineWalk {
 public:
-    ShiftedLine() = default;
-    ShiftedLine(float shift, int32_t length, int32_t wrapPeriod)
-        : place_(shift),
-          length_(static_cast<float>(length)),
+    LineWalk(int32_t length, int32_t wrapPeriod)
+        : length_(static_cast<float>(length)),
           period_(static_cast<float>(wrapPeriod)),
           wholeLength_(length) {}
 
-    /// The source of the next pixel: a place for bilinear sampling, a whole number for the other.
-    auto next() {
-        if constexpr (quality == SampleQuality::Bilinear && edge == WaveEdge::Wrap) {
-            if (place_ < 0)
-                place_ += period_;
-            else if (place_ > length_)
-                place_ -= period_;
-            return std::exchange(place_, place_ + 1.0f);
-        } else {
-            const float place = std::exchange(place_, place_ + 1.0f);
-            if constexpr (quality == SampleQuality::Bilinear)
-                return place < 0 ? 0.0f : place >= length_ ? length_ - 1.0f : place;
-            else
-                return nearest(place);
-        }
+    /// The source of the pixel at `place`, which moves on to the next: a place for bilinear sampling, a whole
+    /// number for the other.
+    auto next(float& place) const {
+        if constexpr (quality == SampleQuality::Bilinear && edge == WaveEdge::Wrap)
+            place = place < 0 ? place + period_ : place > length_ ? place - period_ : place;
+        const float here = place;
+        place = here + 1.0f;
+        if constexpr (quality == SampleQuality::Standard)
+            return nearest(here);
+        else if constexpr (edge == WaveEdge::Wrap)
+            return here;
+        else
+            return here < 0 ? 0.0f : here >= length_ ? length_ - 1.0f : here;
     }
 
 private:
@@ -66,38 +63,49 @@ private:
         return place >= length_ ? wholeLength_ - 1 : index;
     }
 
-    float place_ = 0, length_ = 0, period_ = 0;
-    int32_t wholeLength_ = 0;
+    float length_, period_;
+    int32_t wholeLength_;
 };
 
 /// The two passes, for one sampler and one edge rule.
-template <SampleQuality quality, WaveEdge edge, class Sampler>
+template <WaveEdge edge, class Sampler>
 class WavePasses {
 public:
     WavePasses(const ImageBuffer& image, const Sampler& sampler) : image_(image), sampler_(sampler) {}
 
     Status alongRows(const ImageEngine& engine, const std::vector<float>& rowShifts) const {
+        const Walk walk(image_.width, image_.width);
         return forEachRow(engine, [&](Pixel* row, int32_t y) {
-            ShiftedLine<quality, edge> line(rowShifts[static_cast<size_t>(y)], image_.width, image_.width);
-            for (int32_t x = 0; x < image_.width; ++x) sampler_.alongRow(row[x], y, line.next());
+            float place = rowShifts[static_cast<size_t>(y)];
+            forEachRun(image_.width, [&](int32_t first, size_t count) {
+                Place places[kRunPixels];
+                for (size_t i = 0; i < count; ++i) places[i] = walk.next(place);
+                sampler_.alongRow(row + first, y, places, count);
+            });
         });
     }
 
+    /// Runs of neighbouring columns walk down together.
     Status downColumns(const ImageEngine& engine, const std::vector<float>& columnShifts) const {
-        return forEachColumnTile(engine, [&](IndexRange columns) {
-            ShiftedLine<quality, edge> lines[kTileColumns];
-            for (int32_t x = columns.first; x < columns.last; ++x)
-                lines[x - columns.first] = {columnShifts[static_cast<size_t>(x)], image_.height,
-                                            image_.height - 1};
-            for (int32_t y = 0; y < image_.height; ++y) {
-                Pixel* row = image_.row(y);
-                for (int32_t x = columns.first; x < columns.last; ++x)
-                    sampler_.downColumn(row[x], lines[x - columns.first].next(), x);
-            }
+        const Walk walk(image_.height, image_.height - 1);
+        return forEachColumnRange(engine, [&](IndexRange columns) {
+            forEachRun(columns.last - columns.first, [&](int32_t offset, size_t count) {
+                const int32_t first = columns.first + offset;
+                float walking[kRunPixels];
+                std::copy_n(columnShifts.begin() + first, count, walking);
+                for (int32_t y = 0; y < image_.height; ++y) {
+                    Place places[kRunPixels];
+                    for (size_t i = 0; i < count; ++i) places[i] = walk.next(walking[i]);
+                    sampler_.downColumns(image_.row(y) + first, places, first, count);
+                }
+            });
         });
     }
 
 private:
+    using Walk = LineWalk<Sampler::kQuality, edge>;
+    using Place = typename Sampler::Place;
+
     const ImageBuffer& image_;
     const Sampler& sampler_;
 };
@@ -123,10 +131,8 @@ Status waves(ImageEngine& engine, float amplitude, float frequency, float horizP
             return passes.downColumns(engine, columnShifts);
         };
         using Sampler = std::decay_t<decltype(sampler)>;
-        constexpr SampleQuality chosen = Sampler::kQuality;
-        if (edgeType == WaveEdge::Wrap)
-            return run(WavePasses<chosen, WaveEdge::Wrap, Sampler>(image, sampler));
-        return run(WavePasses<chosen, WaveEdge::Repeat, Sampler>(image, sampler));
+        if (edgeType == WaveEdge::Wrap) return run(WavePasses<WaveEdge::Wrap, Sampler>(image, sampler));
+        return run(WavePasses<WaveEdge::Repeat, Sampler>(image, sampler));
     });
 }
 
@@ -145,53 +151,61 @@ Status blockWaves(ImageEngine& engine, float amplitude, float frequency, float h
     };
     const std::vector<float> mapX = map(image.width, sine, horizPhase);
     const std::vector<float> mapY = map(image.height, cosine, vertPhase);
-    const ImageCopy source(image);
-    return withSampler(source.view(), quality, colourOrAlpha, [&](const auto& sampler) {
-        return forEachRow(engine, [&](Pixel* row, int32_t y) {
-            const float placeY = mapY[static_cast<size_t>(y)];
-            for (int32_t x = 0; x < image.width; ++x) sampler(row[x], placeY, mapX[static_cast<size_t>(x)]);
-        });
+    return warpByPosition(engine, quality, colourOrAlpha, [&](int32_t y, int32_t first, PositionRun& run) {
+        std::copy_n(mapX.begin() + first, run.count, run.x);
+        std::fill_n(run.y, run.count, mapY[static_cast<size_t>(y)]);
     });
 }
 
 namespace {
 
-/// Angle of the wave at distance (`dx`, `dy`) from its centre. The wide path rounds every step to single
-/// precision, the plain one the squares alone.
-template <bool wide>
-double angleAtDistance(double dx, double dy, float radians, float phase) {
-    const auto squareY = static_cast<float>(dy * dy);
-    if constexpr (wide) {
-        const auto squareX = static_cast<float>(dx * dx);
-        return std::sqrt(squareX + squareY) * radians + phase;
-    } else {
-        const auto sum = static_cast<float>(dx * dx + squareY);
-        return std::sqrt(static_cast<double>(sum)) * radians + phase;
+/// The numbers of circular waves.
+struct Ripples {
+    double amplitude;
+    float radians, phase;
+    Point origin;
+    bool wide;
+
+    /// Angles of the waves at the distances (`dx[i]`, `dy`) from the centre. The wide path rounds every step
+    /// to single precision, the plain one the squares alone.
+    KRL_WIDE_CLONES void anglesAt(const double* __restrict dx, double dy, double* __restrict angles,
+                                  size_t count) const {
+        const auto squareY = static_cast<float>(dy * dy);
+        if (wide) {
+            for (size_t i = 0; i < count; ++i) {
+                const auto squareX = static_cast<float>(dx[i] * dx[i]);
+                angles[i] = std::sqrt(squareX + squareY) * radians + phase;
+            }
+        } else {
+            for (size_t i = 0; i < count; ++i) {
+                const auto sum = static_cast<float>(dx[i] * dx[i] + squareY);
+                angles[i] = std::sqrt(static_cast<double>(sum)) * radians + phase;
+            }
+        }
     }
-}
+
+    void positions(const ImageBuffer& image, int32_t y, int32_t first, PositionRun& run) const {
+        double dx[kRunPixels], angles[kRunPixels], sines[kRunPixels], cosines[kRunPixels];
+        for (size_t i = 0; i < run.count; ++i)
+            dx[i] = wrapSubtract(origin.x, first + static_cast<int32_t>(i));
+        anglesAt(dx, wrapSubtract(origin.y, y), angles, run.count);
+        sinesAndCosines(angles, sines, cosines, run.count);
+        for (size_t i = 0; i < run.count; ++i) {
+            const int32_t x = first + static_cast<int32_t>(i);
+            run.x[i] = heldInside(static_cast<float>(sines[i] * amplitude + x), image.width);
+            run.y[i] = heldInside(static_cast<float>(cosines[i] * amplitude + y), image.height);
+        }
+    }
+};
 
 }  // namespace
 
 Status circularWaves(ImageEngine& engine, float amplitude, float frequency, float phase, Point origin,
                      SampleQuality quality, ChannelTarget colourOrAlpha) {
-    if (Status state = engine.imageStatus()) return state;
-    const ImageBuffer& image = *engine.buffer();
-    const double height = amplitude < 0 ? 0.0f : amplitude;
-    const float radians = radiansPerPixel(frequency);
+    const Ripples ripples{amplitude < 0 ? 0.0f : amplitude, radiansPerPixel(frequency), phase, origin,
+                          engine.useWidePath()};
     return warpByPosition(engine, quality, colourOrAlpha, [&](int32_t y, int32_t first, PositionRun& run) {
-        const double dy = wrapSubtract(origin.y, y);
-        double angles[kRunPixels], sines[kRunPixels], cosines[kRunPixels];
-        for (size_t i = 0; i < run.count; ++i) {
-            const double dx = wrapSubtract(origin.x, first + static_cast<int32_t>(i));
-            angles[i] = engine.useWidePath() ? angleAtDistance<true>(dx, dy, radians, phase)
-                                             : angleAtDistance<false>(dx, dy, radians, phase);
-        }
-        sinesAndCosines(angles, sines, cosines, run.count);
-        for (size_t i = 0; i < run.count; ++i) {
-            const int32_t x = first + static_cast<int32_t>(i);
-            run.x[i] = heldInside(static_cast<float>(sines[i] * height + x), image.width);
-            run.y[i] = heldInside(static_cast<float>(cosines[i] * height + y), image.height);
-        }
+        ripples.positions(*engine.buffer(), y, first, run);
     });
 }
 

@@ -123,38 +123,48 @@ TEST(Bilinear, WritesTheBytesOfItsTargetAlone) {
     EXPECT_EQ(sampled(fourLevels(), 0.5f, 0.5f, ChannelTarget::Alpha), (Pixel{1, 2, 3, 255}));
 }
 
+/// Coordinates in and around a line of `length`: whole ones, their neighbours, and any.
+float anyCoordinate(Random& random, int32_t length) {
+    const float whole = float(random.next() % (length + 6) - 3);
+    const int32_t kind = random.next() % 4;
+    const float fraction = float(random.next() << 8 | (random.next() & 255)) / 8388608.0f;
+    return kind == 0 ? whole : kind == 1 ? std::nextafter(whole, 1000.0f) : whole + fraction;
+}
+
 template <ChannelTarget target>
-void expectFastEqualsGeneral() {
-    const Picture picture = Picture::random(23, 19, 3);
+void expectRunsEqualGeneral(int32_t width, int32_t height) {
+    const Picture picture = Picture::random(width, height, 3);
     SlowWarp warp(picture, SampleQuality::Bilinear, target);
     const ImageBuffer source = warp.view();
     const BilinearSampler<target> sampler(source);
     Random random(7);
-    const auto coordinate = [&](int32_t length) {
-        const float whole = float(random.next() % (length + 6) - 3);
-        const int32_t kind = random.next() % 4;
-        const float fraction = float(random.next() << 8 | (random.next() & 255)) / 8388608.0f;
-        return kind == 0 ? whole : kind == 1 ? std::nextafter(whole, 1000.0f) : whole + fraction;
-    };
-    for (int i = 0; i < 20000; ++i) {
-        const float x = coordinate(23), y = coordinate(19);
-        Pixel fast = kMark;
-        sampler(fast, y, x);
-        ASSERT_EQ(fast, sampled(picture, x, y, target)) << x << ' ' << y;
-        const int32_t row = i % 19, column = i % 23;
-        fast = kMark;
-        sampler.alongRow(fast, row, x);
-        ASSERT_EQ(fast, sampled(picture, x, float(row), target)) << x << ' ' << row;
-        fast = kMark;
-        sampler.downColumn(fast, y, column);
-        ASSERT_EQ(fast, sampled(picture, float(column), y, target)) << column << ' ' << y;
+    for (int repeat = 0; repeat < 60; ++repeat) {
+        const auto count = size_t(1 + random.next() % width);
+        float x[kRunPixels], y[kRunPixels];
+        Pixel run[kRunPixels], row[kRunPixels], columns[kRunPixels];
+        for (size_t i = 0; i < count; ++i) {
+            x[i] = anyCoordinate(random, width);
+            y[i] = anyCoordinate(random, height);
+            run[i] = row[i] = columns[i] = kMark;
+        }
+        const int32_t line = repeat % height, first = width - int32_t(count);
+        sampler.run(run, y, x, count);
+        sampler.alongRow(row, line, x, count);
+        sampler.downColumns(columns, y, first, count);
+        for (size_t i = 0; i < count; ++i) {
+            ASSERT_EQ(run[i], sampled(picture, x[i], y[i], target)) << x[i] << ' ' << y[i];
+            ASSERT_EQ(row[i], sampled(picture, x[i], float(line), target)) << x[i] << ' ' << line;
+            ASSERT_EQ(columns[i], sampled(picture, float(first + int32_t(i)), y[i], target)) << y[i];
+        }
     }
 }
 
-TEST(Bilinear, WholeNumbersEqualTheFloatingPoint) {
-    expectFastEqualsGeneral<ChannelTarget::RGBA>();
-    expectFastEqualsGeneral<ChannelTarget::RGB>();
-    expectFastEqualsGeneral<ChannelTarget::Alpha>();
+TEST(Bilinear, RunsInWholeNumbersEqualTheFloatingPoint) {
+    for (auto [width, height] : {std::pair{223, 19}, {256, 4}, {3, 3}, {2, 9}, {9, 2}, {1, 1}, {40, 3}}) {
+        expectRunsEqualGeneral<ChannelTarget::RGBA>(width, height);
+        expectRunsEqualGeneral<ChannelTarget::RGB>(width, height);
+        expectRunsEqualGeneral<ChannelTarget::Alpha>(width, height);
+    }
 }
 
 TEST(Trigonometry, StaysWithinAUnitOrTwoInTheLastPlace) {
