@@ -1,20 +1,14 @@
 #include "fields/Sizes.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "core/Bands.h"
+#include "core/PixelWord.h"
 #include "core/Scratch.h"
 
 namespace krl {
 
 namespace {
-
-uint32_t wordOf(const Pixel& p) {
-    uint32_t word;
-    std::memcpy(&word, &p, sizeof word);
-    return word;
-}
 
 /// The mean of four pixels, byte by byte and rounded down: two bytes at a time in the halves of a
 /// word, where sums of four have room.
@@ -30,7 +24,7 @@ void halveRowPair(const Pixel* upper, const Pixel* lower, Pixel* half, int32_t c
     for (int32_t x = 0; x < count; ++x) {
         const uint32_t mean = meanWord(wordOf(upper[2 * x]), wordOf(upper[2 * x + 1]), wordOf(lower[2 * x]),
                                        wordOf(lower[2 * x + 1]));
-        std::memcpy(&half[x], &mean, sizeof mean);
+        storeWord(half[x], mean);
     }
 }
 

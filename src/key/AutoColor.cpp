@@ -4,6 +4,7 @@
 
 #include "core/Scratch.h"
 #include "key/DifferenceKeys.h"
+#include "key/DifferenceRun.h"
 #include "key/KeyMatte.h"
 
 namespace krl {
@@ -43,12 +44,6 @@ struct DifferenceRange {
     int64_t count = 0, sum = 0;
     int32_t lowest = 255, highest = 0;
 
-    void add(int32_t difference) {
-        ++count;
-        sum += difference;
-        lowest = std::min(lowest, difference);
-        highest = std::max(highest, difference);
-    }
     void add(const DifferenceRange& other) {
         count += other.count;
         sum += other.sum;
@@ -56,6 +51,19 @@ struct DifferenceRange {
         highest = std::max(highest, other.highest);
     }
 };
+
+/// The range of those of `runLength` differences that are above 0.
+DifferenceRange rangeOf(const int16_t* differences, ptrdiff_t runLength) {
+    int32_t above = 0, total = 0, least = 255, most = 0;
+    for (ptrdiff_t i = 0; i < runLength; ++i) {
+        const int32_t difference = differences[i];
+        above += difference > 0;
+        total += std::max(difference, 0);
+        least = std::min(least, difference > 0 ? difference : 255);
+        most = std::max(most, difference);
+    }
+    return {above, total, least, most};
+}
 
 /// How differences fade out toward grey, by the distance between a pixel's largest and smallest
 /// channel.
@@ -72,8 +80,12 @@ public:
         }
     }
 
-    uint8_t faded(int32_t difference, int32_t chroma) const {
-        return clampByte(truncate(difference - losses_[size_t(chroma)] * difference));
+    /// Writes `count` differences as they have faded.
+    void fade(const int16_t* differences, const uint8_t* chromas, ptrdiff_t count, uint8_t* faded) const {
+        for (ptrdiff_t i = 0; i < count; ++i) {
+            const int32_t difference = differences[i];
+            faded[i] = clampByte(truncate(difference - losses_[chromas[i]] * difference));
+        }
     }
 
 private:
@@ -108,20 +120,22 @@ Status keyAutomatically(ImageEngine& engine, const AutoKeySettings& settings, Ke
     // What was counted decides even if not every band could count.
     if (used == KeyColour::Auto) static_cast<void>(autoColor(engine, used));
 
-    const GreyFade fade(settings.userGrey, settings.thresholdVal);
+    const GreyFade grey(settings.userGrey, settings.thresholdVal);
     const Pixel* const pixels = engine.buffer()->row(0);
     std::vector<DifferenceRange> ranges;
-    const Status mapped = withKeyChannel(used, [&](auto key) {
-        return measureBands(engine, ranges, [&](const Pixel* first, const Pixel* last) {
-            DifferenceRange range;
-            for (const Pixel* p = first; p != last; ++p) {
-                const auto [least, most] = std::minmax({p->blue, p->green, p->red});
-                const int32_t difference = keyDifference<key>(*p);
-                if (difference > 0) range.add(difference);
-                map[size_t(p - pixels)] = fade.faded(difference, most - least);
-            }
-            return range;
-        });
+    const Status mapped = measureBands(engine, ranges, [&](const Pixel* first, const Pixel* last) {
+        DifferenceRange range;
+        std::array<int16_t, kMatteRun> differences;
+        std::array<uint8_t, kMatteRun> chromas;
+        for (const Pixel* run = first; run != last;) {
+            const ptrdiff_t count = std::min(kMatteRun, last - run);
+            differencesOf(run, count, used, differences.data());
+            chromasOf(run, count, chromas.data());
+            range.add(rangeOf(differences.data(), count));
+            grey.fade(differences.data(), chromas.data(), count, map.data() + (run - pixels));
+            run += count;
+        }
+        return range;
     });
     if (mapped) return mapped;
 

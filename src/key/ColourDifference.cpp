@@ -1,6 +1,7 @@
 #include <array>
 
 #include "key/DifferenceKeys.h"
+#include "key/DifferenceRun.h"
 #include "key/KeyMatte.h"
 
 namespace krl {
@@ -18,7 +19,10 @@ public:
         }
     }
 
-    uint8_t operator[](int32_t difference) const { return mattes_[size_t(difference + 255)]; }
+    /// Writes the mattes of `count` differences.
+    void mattesOf(const int16_t* differences, ptrdiff_t count, uint8_t* mattes) const {
+        for (ptrdiff_t i = 0; i < count; ++i) mattes[i] = mattes_[size_t(differences[i] + 255)];
+    }
 
 private:
     std::array<uint8_t, 511> mattes_;
@@ -28,10 +32,11 @@ private:
 
 Status colourDifference(ImageEngine& engine, KeyColour differenceColour, int32_t blackValue,
                         int32_t whiteValue, bool keep, bool invert) {
-    const DifferenceMattes mattes(blackValue, whiteValue);
-    return withKeyChannel(differenceColour, [&](auto key) {
-        return keyEachPixel(engine, keep, invert,
-                            [&](const Pixel& p) { return mattes[keyDifference<key>(p)]; });
+    const DifferenceMattes table(blackValue, whiteValue);
+    return keyEachRun(engine, keep, invert, [&](const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) {
+        std::array<int16_t, kMatteRun> differences;
+        differencesOf(pixels, count, differenceColour, differences.data());
+        table.mattesOf(differences.data(), count, mattes);
     });
 }
 

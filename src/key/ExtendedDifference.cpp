@@ -1,9 +1,12 @@
 #include <array>
+#include <cmath>
 
-#include "core/LookupTables.h"
+#include "core/Clones.h"
+#include "core/PixelWord.h"
 #include "core/Scratch.h"
 #include "filters/Gradient3x3.h"
 #include "key/DifferenceKeys.h"
+#include "key/DifferenceRun.h"
 #include "key/KeyMatte.h"
 
 namespace krl {
@@ -20,24 +23,46 @@ struct ByteRange {
         low = std::min(low, value);
         high = std::max(high, value);
     }
+    void add(const ByteRange& other) {
+        low = std::min(low, other.low);
+        high = std::max(high, other.high);
+    }
 };
+
+/// A sum of three bytes divided by 3, as a multiplication, which vectors have.
+constexpr int32_t thirdOf(int32_t sum) { return sum * 0x5556 >> 16; }
+static_assert([] {
+    for (int32_t sum = 0; sum <= 765; ++sum)
+        if (thirdOf(sum) != sum / 3) return false;
+    return true;
+}());
+
+/// Writes the flatness of `count` pixels from the strengths of their edges, and gives its range.
+KRL_WIDE_CLONES ByteRange flatnessOf(const Pixel* strengths, ptrdiff_t count, uint8_t* out) {
+    int32_t low = 255, high = 0;
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        const uint32_t word = wordOf(strengths[i]);
+        const int32_t total = byteAt(word, 0) + byteAt(word, 8) + byteAt(word, 16);
+        const int32_t flatness = thirdOf(765 - total);
+        out[i] = static_cast<uint8_t>(flatness);
+        low = flatness < low ? flatness : low;
+        high = flatness > high ? flatness : high;
+    }
+    return {low, high};
+}
 
 /// Fills `map` with the flatness of every pixel, 255 where no edge is and on the picture's border,
 /// and gives its range.
-ByteRange mapFlatness(const LookupTables& tables, const ImageBuffer& image, const ByteMap& map) {
+ByteRange mapFlatness(const ImageBuffer& image, const ByteMap& map) {
     const int32_t width = image.width;
     const Scratch<Pixel> strengths{size_t(width)};
     ByteRange range;
-    uint8_t* out = map.data();
     for (int32_t y = 0; y < image.height; ++y) {
         std::fill_n(strengths.data(), width, Pixel{0, 0, 0, 0});
         if (y > 0 && y < image.height - 1 && width > 2)
             sobelStrengths(image.row(y - 1) + 1, image.row(y) + 1, image.row(y + 1) + 1, width - 2,
                            strengths.data() + 1);
-        for (const Pixel& edge : strengths) {
-            *out = static_cast<uint8_t>(tables.meanOf3[765 - (edge.blue + edge.green + edge.red)]);
-            range.add(*out++);
-        }
+        range.add(flatnessOf(strengths.data(), width, map.data() + size_t(y) * size_t(width)));
     }
     return range;
 }
@@ -48,19 +73,29 @@ struct Backing {
     ByteRange difference, key;
 };
 
+/// The largest difference of a pixel that is not backing for certain.
+int32_t keyGate(float colorRange) {
+    const auto gate = static_cast<float>((1.0 - colorRange) * 127.5);
+    return std::isnan(gate) ? 255 : truncate(std::floor(clampTo(gate, -256.0f, 255.0f)));
+}
+
 /// Fills `map` with the difference of every pixel, 0 where there is none.
-template <size_t key>
-Backing mapDifference(const ImageBuffer& image, float colorRange, const ByteMap& map) {
-    const double keyGate = static_cast<float>((1.0 - colorRange) * 127.5);
+Backing mapDifference(const ImageBuffer& image, KeyColour colour, float colorRange, const ByteMap& map) {
+    const int32_t gate = keyGate(colorRange);
+    const size_t key = channelNumber(colour);
+    const Scratch<int16_t> differences{size_t(image.width)};
     Backing backing;
     uint8_t* out = map.data();
-    for (int32_t y = 0; y < image.height; ++y)
-        for (const Pixel *p = image.row(y), *last = p + image.width; p != last; ++p) {
-            if (largerOther<key>(*p) + keyGate < (*p)[key]) backing.key.add((*p)[key]);
-            const int32_t difference = std::max(0, keyDifference<key>(*p));
-            backing.difference.add(difference);
-            *out++ = static_cast<uint8_t>(difference);
+    for (int32_t y = 0; y < image.height; ++y) {
+        const Pixel* row = image.row(y);
+        differencesOf(row, image.width, colour, differences.data());
+        for (int32_t x = 0; x < image.width; ++x) {
+            const int32_t difference = differences[size_t(x)];
+            if (difference > gate) backing.key.add(row[x][key]);
+            backing.difference.add(std::max(0, difference));
+            *out++ = static_cast<uint8_t>(std::max(0, difference));
         }
+    }
     if (backing.key.high < backing.key.low) backing.key = {0, 255};
     return backing;
 }
@@ -90,30 +125,42 @@ double luminanceLevel(double brightest, double keyLow, double dark) {
     return clampTo((brightest - dark) / (keyLow - dark) * 255.0, 0.0, 255.0);
 }
 
-/// The three terms of the matte, each by the byte that it hangs on.
-struct MatteTerms {
-    std::array<uint8_t, 256> difference;
-    std::array<float, 256> edge, luminance;
-
+/// The matte as the smaller of two bytes: the stretched difference, and what luminance and edges let
+/// pass of it.
+class MatteTerms {
+public:
     MatteTerms(const Stretch& differences, const Stretch& edges, int32_t keyLow, float luminocityContrast) {
         const double dark = static_cast<float>(keyLow * double(luminocityContrast));
         for (size_t i = 0; i < 256; ++i) {
-            const auto byte = static_cast<double>(i);
-            // A picture without edges is flat everywhere.
-            const bool onFlat = edges.high == edges.low && byte == edges.low;
-            difference[i] = truncatedByte(differences.level(byte));
-            edge[i] = static_cast<float>(onFlat ? 255.0 : edges.level(byte));
-            luminance[i] = static_cast<float>(luminanceLevel(byte, keyLow, dark));
+            difference_[i] = truncatedByte(differences.level(double(i)));
+            const auto luminance = static_cast<float>(luminanceLevel(double(i), keyLow, dark));
+            for (size_t flatness = 0; flatness < 256; ++flatness)
+                passed_[i << 8 | flatness] = passedLevel(luminance, edges, double(flatness));
         }
     }
 
-    /// An edge only halves the term of a bright pixel; a dark one is ruled by its luminance alone.
-    uint8_t matte(uint8_t differenceByte, uint8_t flatness, uint8_t brightest) const {
-        const float bright = luminance[brightest], flat = edge[flatness];
-        const float held = bright <= flat ? bright : static_cast<float>((double(bright) + flat) * 0.5);
-        const uint8_t stretched = difference[differenceByte];
-        return stretched < held ? stretched : truncatedByte(held);
+    /// Writes the mattes of `count` pixels.
+    void mattesOf(const Pixel* pixels, const uint8_t* differences, const uint8_t* flatness, int32_t count,
+                  uint8_t* mattes) const {
+        const uint8_t* passed = passed_.data();
+        for (int32_t i = 0; i < count; ++i) {
+            const uint8_t limit = passed[size_t(largestChannel(pixels[i])) << 8 | flatness[i]];
+            mattes[i] = std::min(difference_[differences[i]], limit);
+        }
     }
+
+private:
+    /// An edge only halves the term of a bright pixel; a dark one is ruled by its luminance alone.
+    static uint8_t passedLevel(float luminance, const Stretch& edges, double flatness) {
+        // A picture without edges is flat everywhere.
+        const bool onFlat = edges.high == edges.low && flatness == edges.low;
+        const auto edge = static_cast<float>(onFlat ? 255.0 : edges.level(flatness));
+        return truncatedByte(luminance <= edge ? luminance
+                                               : static_cast<float>((double(luminance) + edge) * 0.5));
+    }
+
+    std::array<uint8_t, 256> difference_;
+    Scratch<uint8_t> passed_{size_t(256) << 8};
 };
 
 }  // namespace
@@ -125,18 +172,18 @@ Status colourDifferenceExtended(ImageEngine& engine, KeyColour colorSymbol, floa
     const ImageBuffer& image = *engine.buffer();
     const size_t pixelCount = size_t(image.width) * size_t(image.height);
     const ByteMap flatnessMap(pixelCount), differenceMap(pixelCount);
-    const ByteRange flatness = mapFlatness(engine.tables(), image, flatnessMap);
-    const Backing backing = withKeyChannel(
-        colorSymbol, [&](auto key) { return mapDifference<key>(image, colorRange, differenceMap); });
+    const ByteRange flatness = mapFlatness(image, flatnessMap);
+    const Backing backing = mapDifference(image, colorSymbol, colorRange, differenceMap);
 
     const MatteTerms terms(Stretch(backing.difference, colorDifferenceContrast),
                            Stretch(flatness, edgeContast), backing.key.low, luminocityContrast);
-    const uint8_t *flat = flatnessMap.data(), *difference = differenceMap.data();
-    for (int32_t y = 0; y < image.height; ++y)
-        for (Pixel *p = image.row(y), *last = p + image.width; p != last; ++p) {
-            const uint8_t brightest = std::max({p->blue, p->green, p->red});
-            p->alpha = applyKeyMatte(p->alpha, terms.matte(*difference++, *flat++, brightest), keep, invert);
-        }
+    const Scratch<uint8_t> mattes{size_t(image.width)};
+    for (int32_t y = 0; y < image.height; ++y) {
+        const size_t start = size_t(y) * size_t(image.width);
+        terms.mattesOf(image.row(y), differenceMap.data() + start, flatnessMap.data() + start, image.width,
+                       mattes.data());
+        foldMattes(image.row(y), mattes.data(), image.width, keep, invert);
+    }
     return kStatusOk;
 }
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 #include "core/Clones.h"
+#include "core/PixelWord.h"
 #include "key/KeyMatte.h"
 
 namespace krl {
@@ -14,10 +14,8 @@ namespace {
 /// The place of each pixel in the table.
 KRL_WIDE_CLONES void placesOf(const Pixel* pixels, ptrdiff_t count, uint16_t* places) {
     for (ptrdiff_t i = 0; i < count; ++i) {
-        uint32_t word;
-        std::memcpy(&word, pixels + i, sizeof word);
-        const auto blue = int32_t(word & 255), green = int32_t(word >> 8 & 255),
-                   red = int32_t(word >> 16 & 255);
+        const uint32_t word = wordOf(pixels[i]);
+        const int32_t blue = byteAt(word, 0), green = byteAt(word, 8), red = byteAt(word, 16);
         const int32_t max = std::max(std::max(blue, green), red), min = std::min(std::min(blue, green), red);
         places[i] = static_cast<uint16_t>(max << 8 | min);
     }

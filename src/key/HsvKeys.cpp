@@ -7,6 +7,7 @@
 #include "core/LookupTables.h"
 #include "key/ExtremesTable.h"
 #include "key/HueRun.h"
+#include "key/KeyColour.h"
 #include "key/KeyMatte.h"
 
 namespace krl {
@@ -121,9 +122,7 @@ Status valueKey(ImageEngine& engine, Colour pColor, float dynamicRange, int32_t 
     std::array<uint8_t, 256> mattes;
     for (size_t value = 0; value < mattes.size(); ++value)
         mattes[value] = ramp.matte(tables.unitFromByte[value]);
-    return keyEachPixel(engine, keep, invert, [&](const Pixel& p) {
-        return mattes[std::max({p.blue, p.green, p.red})];
-    });
+    return keyEachPixel(engine, keep, invert, [&](const Pixel& p) { return mattes[largestChannel(p)]; });
 }
 
 }  // namespace krl

@@ -1,8 +1,7 @@
 #include "key/HueRun.h"
 
-#include <cstring>
-
 #include "core/Clones.h"
+#include "core/PixelWord.h"
 
 namespace krl {
 
@@ -10,9 +9,9 @@ namespace {
 
 /// `level / 255` as `unitFromByte` holds it, without the division: the head of 1 / 255 has so few
 /// bits that its product is exact, and the tail's error is below the last rounding's.
-float unitFromLevel(uint32_t level) {
+float unitFromLevel(int32_t level) {
     constexpr float kHead = 0x1.01p-8f, kTail = static_cast<float>(1.0 / 255.0 - 0x1.01p-8);
-    const auto whole = static_cast<float>(static_cast<int32_t>(level));
+    const auto whole = static_cast<float>(level);
     return whole * kHead + whole * kTail;
 }
 
@@ -23,11 +22,10 @@ float smaller(float a, float b) { return a < b ? a : b; }
 
 KRL_WIDE_CLONES void huesOf(const Pixel* pixels, ptrdiff_t count, float greyHue, float* hues) {
     for (ptrdiff_t i = 0; i < count; ++i) {
-        uint32_t word;
-        std::memcpy(&word, pixels + i, sizeof word);
-        const float blue = unitFromLevel(word & 255);
-        const float green = unitFromLevel(word >> 8 & 255);
-        const float red = unitFromLevel(word >> 16 & 255);
+        const uint32_t word = wordOf(pixels[i]);
+        const float blue = unitFromLevel(byteAt(word, 0));
+        const float green = unitFromLevel(byteAt(word, 8));
+        const float red = unitFromLevel(byteAt(word, 16));
         const float max = larger(larger(red, green), blue), min = smaller(smaller(red, green), blue);
         const float delta = max - min;
 

@@ -1,53 +1,60 @@
 #include "key/SpillSuppression.h"
 
 #include "core/Bands.h"
-#include "core/LookupTables.h"
+#include "core/Clones.h"
+#include "core/PixelWord.h"
 
 namespace krl {
 
 namespace {
 
-constexpr size_t kBlue = 0, kGreen = 1, kRed = 2;
+/// Where in a pixel's word the channels stand. The key is limited by the mean of `other` and
+/// `partner`; where it is and `other` exceeds `partner`, the follower goes to the mean as well. In the
+/// plain rule `other` is its own partner, so the mean is itself and nothing follows.
+struct SpillRoles {
+    uint32_t key, follower, other, partner;
 
-/// Channel `key` limited by one other.
-template <size_t key>
-Pixel plainCorrection(Pixel p) {
-    constexpr size_t limit = key == kBlue ? kGreen : kBlue;
-    p[key] = std::min(p[key], p[limit]);
-    return p;
-}
+    SpillRoles(KeyColour colour, bool extended) : key(uint32_t(channelNumber(colour)) * 8) {
+        follower = colour == KeyColour::Red ? 8 : 16;
+        other = 24 - key - follower;
+        partner = extended ? follower : other;
+    }
+};
 
-/// Channel `key` limited by the mean of the others; `raised` follows it where `other` is above it.
-template <size_t key>
-Pixel extendedCorrection(const LookupTables& tables, Pixel p) {
-    constexpr size_t raised = key == kRed ? kGreen : kRed;
-    constexpr size_t other = 3 - key - raised;
-    const auto mean = static_cast<uint8_t>(tables.meanOf2[p[raised] + p[other]]);
-    const bool spilt = p[key] > mean;
-    if (spilt && p[other] > p[raised]) p[raised] = mean;
-    if (spilt) p[key] = mean;
-    return p;
+/// A product of two bytes divided by 255, as a multiplication, which vectors have.
+constexpr int32_t dividedBy255(int32_t product) { return int32_t(uint32_t(product) * 0x8081u >> 23); }
+static_assert([] {
+    for (int32_t product = 0; product <= 255 * 255; ++product)
+        if (dividedBy255(product) != product / 255) return false;
+    return true;
+}());
+
+KRL_WIDE_CLONES void suppressRun(Pixel* first, ptrdiff_t count, SpillRoles roles, int32_t strength) {
+    const int32_t kept = 255 - strength;
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        const uint32_t word = wordOf(first[i]);
+        const int32_t key = byteAt(word, roles.key), follower = byteAt(word, roles.follower);
+        const int32_t other = byteAt(word, roles.other), partner = byteAt(word, roles.partner);
+        const int32_t limit = (other + partner) >> 1;
+        const int32_t limited = key > limit ? limit : key;
+        const int32_t drawn = other > partner ? limit : follower;
+        const int32_t followed = key > limit ? drawn : follower;
+
+        const int32_t newKey = dividedBy255(key * kept) + dividedBy255(limited * strength);
+        const int32_t newFollower = dividedBy255(follower * kept) + dividedBy255(followed * strength);
+        const int32_t newOther = dividedBy255(other * kept) + dividedBy255(other * strength);
+        storeWord(first[i], (word & 0xFF000000) | uint32_t(newKey) << roles.key |
+                                uint32_t(newFollower) << roles.follower | uint32_t(newOther) << roles.other);
+    }
 }
 
 }  // namespace
 
 Status spillSupression(ImageEngine& engine, KeyColour spillColour, bool extended, int32_t transparency) {
-    if (Status state = engine.imageStatus()) return state;
-    const LookupTables& tables = engine.tables();
-    const uint8_t strength = clampByte(transparency);
-    const uint8_t *kept = tables.scaleByte[255 - strength], *taken = tables.scaleByte[strength];
-    const auto blended = [=](const Pixel& p, const Pixel& corrected) -> Pixel {
-        const auto mixed = [=](uint8_t before, uint8_t after) {
-            return uint8_t(kept[before] + taken[after]);
-        };
-        return {mixed(p.blue, corrected.blue), mixed(p.green, corrected.green), mixed(p.red, corrected.red),
-                p.alpha};
-    };
-    return withKeyChannel(spillColour, [&](auto key) {
-        if (!extended)
-            return forEachPixel(engine, [=](Pixel& p) { p = blended(p, plainCorrection<key>(p)); });
-        return forEachPixel(engine, [&](Pixel& p) { p = blended(p, extendedCorrection<key>(tables, p)); });
-    });
+    const SpillRoles roles(spillColour, extended);
+    const int32_t strength = clampByte(transparency);
+    return forEachPixelRun(
+        engine, [&](Pixel* first, Pixel* last) { suppressRun(first, last - first, roles, strength); });
 }
 
 }  // namespace krl

@@ -41,10 +41,10 @@ TEST(SpillSuppression, LeavesAKeyChannelAtOrBelowTheMean) {
 }
 
 TEST(SpillSuppression, FollowsItsDefinitionAtEveryStrength) {
-    const Picture source = Picture::random(67, 41);
+    const Picture source = Picture::random(43, 31);
     for (const KeyColour colour : kColours)
         for (const bool extended : {false, true})
-            for (const int32_t strength : {0, 1, 77, 128, 254, 255}) {
+            for (int32_t strength = 0; strength < 256; ++strength) {
                 Picture expected = source;
                 for (Pixel& p : expected.pixels())
                     p = test::reference::suppressed(p, colour, extended, strength);

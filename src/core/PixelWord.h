@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstring>
+
+#include "core/Pixel.h"
+
+/// A pixel as one 32-bit word: blue in the low byte, alpha in the high one. Loops that read and
+/// write pixels so become vectors.
+namespace krl {
+
+inline uint32_t wordOf(const Pixel& p) {
+    uint32_t word;
+    std::memcpy(&word, &p, sizeof word);
+    return word;
+}
+
+inline void storeWord(Pixel& p, uint32_t word) { std::memcpy(&p, &word, sizeof word); }
+
+/// The byte of `word` that stands `shift` bits up.
+constexpr int32_t byteAt(uint32_t word, uint32_t shift) { return static_cast<int32_t>(word >> shift & 255); }
+
+}  // namespace krl
