@@ -4,11 +4,12 @@
 #include <thread>
 
 #include "core/LookupTables.h"
+#include "core/Scratch.h"
 
 namespace krl {
 
 ImageEngine::ImageEngine() = default;
-ImageEngine::~ImageEngine() = default;
+ImageEngine::~ImageEngine() { releaseIdleScratch(); }
 
 void ImageEngine::allocateTables() { lookupTables_ = std::make_unique<LookupTables>(); }
 
@@ -47,8 +48,13 @@ void ImageEngine::load(uint8_t* pixels, const ImageInfo& info) {
     buffer_ = std::move(buffer);
 }
 
-void ImageEngine::clear() {
+void ImageEngine::unload() {
     buffer_.reset();
+    releaseIdleScratch();
+}
+
+void ImageEngine::clear() {
+    unload();
     lookupTables_.reset();
 }
 

@@ -80,7 +80,7 @@ public:
     /// stays the caller's and must outlive its use.
     void load(uint8_t* pixels, const ImageInfo& info);
     /// Forgets the image; the last address and description stay readable.
-    void unload() { buffer_.reset(); }
+    void unload();
     /// Forgets image and tables both.
     void clear();
 

@@ -8,8 +8,10 @@ namespace krl {
 
 /// Takes one block of `bytes`, uninitialised. Throws `std::bad_alloc`.
 void* takeScratch(size_t bytes);
-/// Gives a block back.
+/// Gives a block back. A few large ones stay at hand for the effects that follow.
 void giveScratch(void* block) noexcept;
+/// Returns the blocks at hand to the system; an engine does it when its picture goes.
+void releaseIdleScratch() noexcept;
 
 /// A picture-sized working block, uninitialised, owned for the length of one call.
 template <class Element>

@@ -1,0 +1,77 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <thread>
+#include <vector>
+
+#include "core/Faults.h"
+#include "core/Scratch.h"
+
+namespace krl::test {
+
+namespace {
+
+constexpr size_t kLarge = size_t{8} << 20;
+
+}  // namespace
+
+TEST(Scratch, IsAlignedToCacheLinesAndWholeInEverySize) {
+    for (size_t bytes : {size_t{0}, size_t{1}, size_t{63}, size_t{4096}, kLarge, 3 * kLarge + 5}) {
+        const Scratch<uint8_t> block(bytes);
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(block.data()) % 64, 0u);
+        std::memset(block.data(), 0xA5, bytes);
+        EXPECT_EQ(block.size(), bytes);
+    }
+}
+
+TEST(Scratch, NeverGivesOneBlockTwice) {
+    { const Scratch<uint8_t> before(kLarge); }
+    std::vector<Scratch<uint8_t>> blocks;
+    for (int i = 0; i < 6; ++i) {
+        blocks.emplace_back(kLarge);
+        std::memset(blocks.back().data(), i, kLarge);
+    }
+    for (int i = 0; i < 6; ++i) {
+        EXPECT_EQ(blocks[size_t(i)][0], i);
+        EXPECT_EQ(blocks[size_t(i)][kLarge - 1], i);
+    }
+}
+
+TEST(Scratch, HandsOutEnoughAfterBlocksOfAnySize) {
+    for (size_t bytes : {kLarge, 2 * kLarge, kLarge / 2, 3 * kLarge, kLarge / 3, kLarge}) {
+        const Scratch<uint8_t> block(bytes);
+        std::memset(block.data(), 1, bytes);
+    }
+    releaseIdleScratch();
+    releaseIdleScratch();
+    const Scratch<uint8_t> block(kLarge);
+    std::memset(block.data(), 2, kLarge);
+}
+
+TEST(Scratch, IsTakenAndGivenOnAnyThread) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([i] {
+            for (int round = 0; round < 20; ++round) {
+                const Scratch<uint8_t> block(kLarge / size_t(1 + i % 2));
+                std::memset(block.data(), i, 4096);
+                for (size_t at = 0; at < 4096; ++at) ASSERT_EQ(block[at], i);
+            }
+        });
+    for (std::thread& thread : threads) thread.join();
+}
+
+TEST(Scratch, ThatCannotBeHadThrows) {
+    EXPECT_THROW(takeScratch(std::numeric_limits<size_t>::max()), std::bad_alloc);
+    { const Scratch<uint8_t> before(kLarge); }
+    faults().scratchBlocks = 0;
+    EXPECT_THROW(Scratch<uint8_t>{kLarge}, std::bad_alloc);
+    faults().scratchBlocks = -1;
+    const Scratch<uint8_t> after(kLarge);
+    EXPECT_NE(after.data(), nullptr);
+}
+
+}  // namespace krl::test
