@@ -16,27 +16,30 @@ constexpr int32_t kScale = 5;
 /// The square brush, around the cell of its centre: 3.75 cells to each side, the high edge exclusive.
 constexpr IndexRange kBrush{-4, 4};
 
-/// Stamps that are seconds of work; far more than fill any picture when rays are not all alike.
-constexpr int64_t kMostStamps = int64_t{1} << 28;
+/// Stamps that are enough for any hoop whose rays are not all alike: so many, and so many for each pixel.
+constexpr int64_t kMostStamps = 1 << 24, kMostStampsOfPixel = 32;
 
-/// One pixel's cells of a column or row, as the bits 0 to 4, of those that the brush covers.
-uint32_t coveredCells(int32_t firstCell, int32_t lastCell, int32_t pixel) {
-    const int32_t from = std::max(firstCell - pixel * kScale, 0);
-    const int32_t to = std::min(lastCell - pixel * kScale, kScale);
-    return ((1u << to) - 1u) & ~((1u << from) - 1u);
-}
+/// The pixels that a brush touches on an axis.
+constexpr int32_t kBrushPixels = 3;
 
-/// The cells of a pixel where covered columns and rows meet; row r stands at the bits from 5 r on.
-uint32_t crossing(uint32_t columns, uint32_t rows) {
-    uint32_t cells = 0;
-    for (int32_t row = 0; row < kScale; ++row)
-        if (rows >> row & 1u) cells |= columns << (row * kScale);
-    return cells;
-}
+/// The cells of each touched pixel that a brush covers, along one axis, by the place of its first cell
+/// within the first pixel. A column takes one bit and a row five times as many, so that the product of a
+/// pixel's columns and rows has a bit for each covered cell.
+struct BrushCells {
+    uint32_t columns[kScale][kBrushPixels] = {};
+    uint32_t rows[kScale][kBrushPixels] = {};
 
-/// Pixel of a cell, and the first pixel past the one before cell `end`.
+    constexpr BrushCells() {
+        for (int32_t phase = 0; phase < kScale; ++phase)
+            for (int32_t cell = phase; cell < phase + kBrush.last - kBrush.first; ++cell) {
+                columns[phase][cell / kScale] |= 1u << cell % kScale;
+                rows[phase][cell / kScale] |= 1u << cell % kScale * kScale;
+            }
+    }
+};
+constexpr BrushCells kBrushCells;
+
 int32_t pixelOf(int32_t cell) { return cell >= 0 ? cell / kScale : -((kScale - 1 - cell) / kScale); }
-int32_t pixelPast(int32_t end) { return pixelOf(end - 1) + 1; }
 
 /// First cell of a pixel; far outside where there is none in 32 bits.
 int32_t cellOf(int32_t pixel) {
@@ -58,7 +61,7 @@ HoopField::HoopField(const GridBox& box)
     : box_(box),
       fractions_(size_t(box.right - box.left) * size_t(box.bottom - box.top)),
       takenCells_(fractions_.size()),
-      stampsLeft_(kMostStamps) {
+      stampsLeft_(kMostStamps + kMostStampsOfPixel * int64_t(fractions_.size())) {
     std::ranges::fill(fractions_, kUntouched);
     std::ranges::fill(takenCells_, 0u);
 }
@@ -76,14 +79,15 @@ void HoopField::draw(Point inner, Point outer) {
 }
 
 void HoopField::stamp(int32_t cellX, int32_t cellY, float fraction) {
-    const int32_t left = cellX + kBrush.first, right = cellX + kBrush.last;
-    const int32_t top = cellY + kBrush.first, bottom = cellY + kBrush.last;
-    const int32_t pastX = std::min(pixelPast(right), box_.right),
-                  pastY = std::min(pixelPast(bottom), box_.bottom);
-    for (int32_t y = std::max(pixelOf(top), box_.top); y < pastY; ++y) {
-        const uint32_t rows = coveredCells(top, bottom, y);
-        for (int32_t x = std::max(pixelOf(left), box_.left); x < pastX; ++x) {
-            const uint32_t cells = crossing(coveredCells(left, right, x), rows);
+    const int32_t cellLeft = cellX + kBrush.first, cellTop = cellY + kBrush.first;
+    const int32_t left = pixelOf(cellLeft), top = pixelOf(cellTop);
+    const uint32_t(&columns)[kBrushPixels] = kBrushCells.columns[cellLeft - left * kScale];
+    const uint32_t(&rows)[kBrushPixels] = kBrushCells.rows[cellTop - top * kScale];
+    const int32_t firstX = std::max(left, box_.left), pastX = std::min(left + kBrushPixels, box_.right);
+    const int32_t firstY = std::max(top, box_.top), pastY = std::min(top + kBrushPixels, box_.bottom);
+    for (int32_t y = firstY; y < pastY; ++y) {
+        for (int32_t x = firstX; x < pastX; ++x) {
+            const uint32_t cells = columns[x - left] * rows[y - top];
             const size_t place = placeOf(x, y);
             if ((takenCells_[place] & cells) == cells) continue;
             takenCells_[place] |= cells;
