@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/Clones.h"
 #include "core/ColourSpace.h"
 #include "core/LookupTables.h"
 #include "warp/PositionWarp.h"
@@ -11,10 +12,11 @@ namespace krl {
 
 namespace {
 
-/// A run of a map's row: its values and how much each counts.
+/// A run of a map's row: its values, and what each shifts by before its alpha weakens it.
 struct MapRun {
     uint8_t values[kRunPixels];
-    float alphas[kRunPixels];
+    uint8_t alphas[kRunPixels];
+    float shifts[kRunPixels];
 };
 
 template <class Value>
@@ -80,11 +82,10 @@ public:
         const Pixel* pixels =
             reinterpret_cast<const Pixel*>(image_.pixels + ptrdiff_t(image_.info.rowBytes) * y) + x;
         readValues(run, pixels, count, option_, tables_);
-        for (size_t i = 0; i < count; ++i) run.alphas[i] = tables_.unitFromByte[pixels[i].alpha];
-    }
-
-    float shifted(int32_t place, const MapRun& run, size_t i) const {
-        return static_cast<float>(place + static_cast<double>(run.alphas[i]) * shifts_[run.values[i]]);
+        for (size_t i = 0; i < count; ++i) {
+            run.shifts[i] = shifts_[run.values[i]];
+            run.alphas[i] = pixels[i].alpha;
+        }
     }
 
 private:
@@ -93,6 +94,16 @@ private:
     const LookupTables& tables_;
     float shifts_[256];
 };
+
+/// Where pixels at `start`, `start + step` and so on are shifted to. The quotient is `unitFromByte`.
+KRL_WIDE_CLONES void shiftPlaces(const MapRun& run, int32_t start, int32_t step, size_t count,
+                                 float* __restrict places) {
+    for (size_t i = 0; i < count; ++i) {
+        const int32_t place = start + step * static_cast<int32_t>(i);
+        const float alpha = static_cast<float>(run.alphas[i]) / 255.0f;
+        places[i] = static_cast<float>(place + static_cast<double>(alpha) * run.shifts[i]);
+    }
+}
 
 /// A place brought into a line of `length` pixels by whole lengths, as often as it takes.
 float folded(float place, int32_t length) {
@@ -124,13 +135,11 @@ Status displacementMapComposite(ImageEngine& engine, const SecondImage& dMapOne,
                               [&](int32_t y, int32_t first, PositionRun& run) {
                                   MapRun map;
                                   horizontal.read(map, y, first, run.count);
-                                  for (size_t i = 0; i < run.count; ++i) {
-                                      const int32_t x = first + static_cast<int32_t>(i);
-                                      run.x[i] = edged(horizontal.shifted(x, map, i), width);
-                                  }
+                                  shiftPlaces(map, first, 1, run.count, run.x);
+                                  for (size_t i = 0; i < run.count; ++i) run.x[i] = edged(run.x[i], width);
                                   vertical.read(map, y, first, run.count);
-                                  for (size_t i = 0; i < run.count; ++i)
-                                      run.y[i] = edged(vertical.shifted(y, map, i), height);
+                                  shiftPlaces(map, y, 0, run.count, run.y);
+                                  for (size_t i = 0; i < run.count; ++i) run.y[i] = edged(run.y[i], height);
                               });
     };
     if (edgeOption == MapEdge::Wrap)

@@ -65,7 +65,6 @@ template <ChannelTarget target>
 class NearestSampler {
 public:
     static constexpr SampleQuality kQuality = SampleQuality::Standard;
-    using Place = int32_t;  ///< of a pixel that comes from its own row or column
 
     explicit NearestSampler(const ImageBuffer& source)
         : source_(source),
@@ -106,7 +105,6 @@ template <ChannelTarget target>
 class BilinearSampler {
 public:
     static constexpr SampleQuality kQuality = SampleQuality::Bilinear;
-    using Place = float;  ///< of a pixel that comes from its own row or column
 
     explicit BilinearSampler(const ImageBuffer& source)
         : source_(source),

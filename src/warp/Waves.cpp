@@ -1,7 +1,9 @@
 #include "warp/Waves.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <type_traits>
 #include <vector>
 
 #include "core/Bands.h"
@@ -37,30 +39,63 @@ public:
           period_(static_cast<float>(wrapPeriod)),
           wholeLength_(length) {}
 
-    /// The source of the pixel at `place`, which moves on to the next: a place for bilinear sampling, a whole
-    /// number for the other.
-    auto next(float& place) const {
-        if constexpr (quality == SampleQuality::Bilinear && edge == WaveEdge::Wrap)
-            place = place < 0 ? place + period_ : place > length_ ? place - period_ : place;
-        const float here = place;
+    /// A place for bilinear sampling, a whole number for the other.
+    using Source = std::conditional_t<quality == SampleQuality::Bilinear, float, int32_t>;
+
+    /// The source of the pixel at `place`, which moves on to the next.
+    Source next(float& place) const {
+        const float here = wrapped(place);
         place = here + 1.0f;
-        if constexpr (quality == SampleQuality::Standard)
-            return nearest(here);
-        else if constexpr (edge == WaveEdge::Wrap)
-            return here;
-        else
-            return here < 0 ? 0.0f : here >= length_ ? length_ - 1.0f : here;
+        return sourceAt(here);
+    }
+
+    /// The sources of `count` pixels in a row.
+    void fill(float& place, Source* sources, size_t count) const {
+        for (size_t i = 0; i < count;) {
+            const float start = wrapped(place);
+            const auto steps = std::min(count - i, static_cast<size_t>(exactSteps(start)));
+            for (size_t j = 0; j < steps; ++j)
+                sources[i + j] = sourceAt(start + static_cast<float>(static_cast<int32_t>(j)));
+            place = start + static_cast<float>(steps - 1) + 1.0f;
+            i += steps;
+        }
     }
 
 private:
+    static constexpr bool kWraps = quality == SampleQuality::Bilinear && edge == WaveEdge::Wrap;
+
+    float wrapped(float place) const {
+        if constexpr (!kWraps) return place;
+        return place < 0 ? place + period_ : place > length_ ? place - period_ : place;
+    }
+
+    /// How many pixels from `start` on are `start` plus a whole number exactly: up to the next power of two,
+    /// at which a float loses a bit, and to the next wrap.
+    int32_t exactSteps(float start) const {
+        if (!(start >= 1.0f && start < 8388608.0f)) return 1;
+        const float limit = std::bit_cast<float>((std::bit_cast<uint32_t>(start) & 0x7F800000) + 0x00800000);
+        const auto steps = static_cast<int32_t>(std::ceil(limit - start));
+        if constexpr (!kWraps) return steps;
+        return start > length_ ? 1 : std::min(steps, static_cast<int32_t>(length_ - start) + 1);
+    }
+
+    Source sourceAt(float place) const {
+        if constexpr (quality == SampleQuality::Standard)
+            return nearest(place);
+        else if constexpr (edge == WaveEdge::Wrap)
+            return place;
+        else
+            return place < 0 ? 0.0f : place >= length_ ? length_ - 1.0f : place;
+    }
+
     int32_t nearest(float place) const {
-        const int32_t index = truncate(place);
+        const bool fits = (place > -2147483648.0f) & (place < 2147483648.0f);
+        const auto index = static_cast<int32_t>(fits ? place : -2147483648.0f);
         if constexpr (edge == WaveEdge::Wrap) {
-            if (index < 0) return wrapAdd(index, wholeLength_ - 1);
-            return index >= wholeLength_ ? index - wholeLength_ + 1 : index;
+            const int32_t before = wrapAdd(index, wholeLength_ - 1), after = wrapAdd(index, 1 - wholeLength_);
+            return index < 0 ? before : index >= wholeLength_ ? after : index;
         }
-        if (index < 0) return 0;
-        return place >= length_ ? wholeLength_ - 1 : index;
+        return index < 0 ? 0 : place >= length_ ? wholeLength_ - 1 : index;
     }
 
     float length_, period_;
@@ -79,32 +114,31 @@ public:
             float place = rowShifts[static_cast<size_t>(y)];
             forEachRun(image_.width, [&](int32_t first, size_t count) {
                 Place places[kRunPixels];
-                for (size_t i = 0; i < count; ++i) places[i] = walk.next(place);
+                walk.fill(place, places, count);
                 sampler_.alongRow(row + first, y, places, count);
             });
         });
     }
 
-    /// Runs of neighbouring columns walk down together.
+    /// All columns of a band walk down together, so that memory is read row by row.
     Status downColumns(const ImageEngine& engine, const std::vector<float>& columnShifts) const {
         const Walk walk(image_.height, image_.height - 1);
         return forEachColumnRange(engine, [&](IndexRange columns) {
-            forEachRun(columns.last - columns.first, [&](int32_t offset, size_t count) {
-                const int32_t first = columns.first + offset;
-                float walking[kRunPixels];
-                std::copy_n(columnShifts.begin() + first, count, walking);
-                for (int32_t y = 0; y < image_.height; ++y) {
+            std::vector<float> walking(columnShifts.begin() + columns.first,
+                                       columnShifts.begin() + columns.last);
+            for (int32_t y = 0; y < image_.height; ++y)
+                forEachRun(columns.last - columns.first, [&](int32_t first, size_t count) {
                     Place places[kRunPixels];
-                    for (size_t i = 0; i < count; ++i) places[i] = walk.next(walking[i]);
-                    sampler_.downColumns(image_.row(y) + first, places, first, count);
-                }
-            });
+                    for (size_t i = 0; i < count; ++i) places[i] = walk.next(walking[size_t(first) + i]);
+                    const int32_t column = columns.first + first;
+                    sampler_.downColumns(image_.row(y) + column, places, column, count);
+                });
         });
     }
 
 private:
     using Walk = LineWalk<Sampler::kQuality, edge>;
-    using Place = typename Sampler::Place;
+    using Place = typename Walk::Source;
 
     const ImageBuffer& image_;
     const Sampler& sampler_;

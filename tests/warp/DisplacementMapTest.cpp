@@ -153,8 +153,8 @@ TEST(DisplacementMap, RefusesMapsOfAnotherSize) {
 }
 
 TEST(DisplacementMap, FollowsTheSlowRoadInEveryOption) {
-    const Picture picture = Picture::random(61, 37, 1), one = Picture::random(61, 37, 2),
-                  two = Picture::random(61, 37, 3);
+    const Picture picture = Picture::random(361, 37, 1), one = Picture::random(361, 37, 2),
+                  two = Picture::random(361, 37, 3);
     for (int32_t option = 34; option <= 44; ++option)
         for (MapEdge edge : {MapEdge::Wrap, MapEdge::Repeat}) {
             const MapOption first = option == 34 ? MapOption::Hue : MapOption(option);

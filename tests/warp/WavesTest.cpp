@@ -76,23 +76,24 @@ TEST(Waves, OfNoPercentLeaveThePictureAlone) {
 }
 
 TEST(Waves, FollowTheSlowRoad) {
-    const Picture picture = Picture::random(61, 47, 5);
-    const WaveNumbers cases[] = {{5.5f, 9, 0.3f, 1.1f, 100, 70},
-                                 {-20, 3, 2, 0, 40, -130},
-                                 {200, 40, 0, 0, 100, 100},
-                                 {3e9f, 11, 0, 0.5f, 100, 100},
-                                 {1, 1e6f, 0, 0, 100, 100}};
-    for (const WaveNumbers& n : cases)
-        for (WaveEdge edge : {WaveEdge::Wrap, WaveEdge::Repeat})
-            for (SampleQuality quality : {kStandard, kBilinear})
-                for (ChannelTarget target : kTargets)
-                    EXPECT_EQ(picture.after(waving(n, edge, quality, target)),
-                              slowWaves(picture, n, edge, quality, target))
-                        << n.amplitude << ' ' << int(edge) << ' ' << int(quality) << ' ' << int(target);
+    const WaveNumbers cases[] = {{5.5f, 9, 0.3f, 1.1f, 100, 70}, {-20, 3, 2, 0, 40, -130},
+                                 {200, 40, 0, 0, 100, 100},      {3e9f, 11, 0, 0.5f, 100, 100},
+                                 {1, 1e6f, 0, 0, 100, 100},      {-7.123f, 30, 0.1f, 0.2f, 100, 100}};
+    for (auto [width, height] :
+         {std::pair{61, 47}, {1030, 5}, {5, 600}}) {  // powers of two and runs are passed
+        const Picture picture = Picture::random(width, height, 5);
+        for (const WaveNumbers& n : cases)
+            for (WaveEdge edge : {WaveEdge::Wrap, WaveEdge::Repeat})
+                for (SampleQuality quality : {kStandard, kBilinear})
+                    for (ChannelTarget target : kTargets)
+                        EXPECT_EQ(picture.after(waving(n, edge, quality, target)),
+                                  slowWaves(picture, n, edge, quality, target))
+                            << n.amplitude << ' ' << int(edge) << ' ' << int(quality) << ' ' << int(target);
+    }
 }
 
 TEST(BlockWaves, FollowTheSlowRoad) {
-    const Picture picture = Picture::random(61, 47, 6);
+    const Picture picture = Picture::random(361, 47, 6);
     for (const WaveNumbers& n :
          {WaveNumbers{5.5f, 9, 0.3f, 1.1f}, {40, 25, 0, 0}, {-3, 9, 1, 1}, {2.25f, 0, 0.5f, 2}})
         for (SampleQuality quality : {kStandard, kBilinear})
@@ -118,7 +119,7 @@ TEST(BlockWaves, TakeAColumnFromOneColumn) {
 }
 
 TEST(CircularWaves, FollowTheSlowRoad) {
-    const Picture picture = Picture::random(61, 47, 7);
+    const Picture picture = Picture::random(561, 47, 7);
     for (Point origin : {Point{20, 30}, Point{-100, 500}, Point{1 << 30, -2147483647}})
         for (SampleQuality quality : {kStandard, kBilinear})
             for (ChannelTarget target : kTargets) {
