@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "composite/PixelsBeside.h"
+#include "core/Clones.h"
 
 namespace krl {
 
@@ -21,6 +22,9 @@ using PairLanes [[gnu::vector_size(16)]] = uint16_t;
 static_assert(std::endian::native == std::endian::little);
 
 constexpr QuadBytes kAlphaBytes{0, 0, 0, 255, 0, 0, 0, 255, 0, 0, 0, 255, 0, 0, 0, 255};
+
+/// A pixel as one word, whatever type its memory has.
+using Word [[gnu::may_alias]] = uint32_t;
 
 struct Quad {
     PairLanes low, high;
@@ -164,15 +168,6 @@ void scaleByAlpha(uint8_t* scaled, const uint8_t* pixels, size_t count) {
         });
 }
 
-/// Lays a colour that is already blended over one pixel.
-void mixOver(uint8_t* pixel, const uint8_t* blended, uint8_t frontAlpha, const LookupTables& tables) {
-    const StraightOver over(tables, pixel[3], frontAlpha);
-    if (over.alpha() == 0) return;
-    const uint8_t mixed[4] = {over.mix(pixel[0], blended[0]), over.mix(pixel[1], blended[1]),
-                              over.mix(pixel[2], blended[2]), over.alpha()};
-    std::memcpy(pixel, mixed, sizeof mixed);
-}
-
 /// Whether in each of four pixels one alpha or the other is 255.
 bool oneIsOpaque(QuadBytes behind, QuadBytes front) {
     constexpr uint64_t alphas = 0xFF000000FF000000;
@@ -181,28 +176,57 @@ bool oneIsOpaque(QuadBytes behind, QuadBytes front) {
     return (full[0] & full[1] & alphas) == alphas;
 }
 
-/// Where either alpha is 255 the weights are whole numbers over 255, and the mix is one exact division.
-void mixOverRun(uint8_t* pixels, const uint8_t* blended, const uint8_t* front, size_t count,
-                const LookupTables& tables) {
+/// Lays colours that are already blended over pixels of any alpha: `StraightOver`, with the tables' entries
+/// worked out in place, which vectors do faster than they look up.
+KRL_WIDE_CLONES void mixOverAny(uint8_t* pixels, const uint8_t* blended, const uint8_t* front, size_t count) {
+    auto* words = reinterpret_cast<Word*>(pixels);
+    const auto* colours = reinterpret_cast<const Word*>(blended);
+    const auto* fronts = reinterpret_cast<const Word*>(front);
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t behind = words[i], colour = colours[i];
+        const auto behindAlpha = static_cast<int32_t>(behind >> 24),
+                   frontAlpha = static_cast<int32_t>(fronts[i] >> 24);
+        const int32_t added = frontAlpha * (255 - behindAlpha) + 128;
+        const int32_t alpha = behindAlpha + ((added + (added >> 8)) >> 8);
+        const float behindWeight =
+            static_cast<float>(behindAlpha) / 255.0f * static_cast<float>(255 - frontAlpha);
+        const float reciprocal = 1.0f / static_cast<float>(alpha == 0 ? 1 : alpha);
+        auto word = static_cast<uint32_t>(alpha) << 24;
+        for (int shift = 0; shift < 24; shift += 8) {
+            const auto under = static_cast<int32_t>(behind >> shift & 255),
+                       over = static_cast<int32_t>(colour >> shift & 255);
+            const double both = under * static_cast<double>(behindWeight) + over * frontAlpha;
+            const double mixed = both * static_cast<double>(reciprocal);
+            word |= static_cast<uint32_t>(static_cast<int32_t>(mixed < 255.0 ? mixed : 255.0)) << shift;
+        }
+        words[i] = alpha == 0 ? behind : word;
+    }
+}
+
+/// Lays them over pixels of which one alpha or the other is 255: the weights are whole numbers over 255, and
+/// the mix is one exact division.
+void mixOverOpaque(uint8_t* pixels, const uint8_t* blended, const uint8_t* front, size_t count) {
     const auto mixed = [](PairLanes behind, PairLanes before, PairLanes opacity) {
         return dividedBy255(behind * (255 - opacity) + before * opacity);
     };
-    const auto perPixel = [&](size_t at) { mixOver(pixels + at, blended + at, front[at + 3], tables); };
-    forEachQuad(
-        count,
-        [&](size_t at) {
-            const QuadBytes behindBytes = loadBytes(pixels + at), frontBytes = loadBytes(front + at);
-            if (!oneIsOpaque(behindBytes, frontBytes)) {
-                for (size_t c = at; c < at + 16; c += 4) perPixel(c);
-                return;
-            }
-            const Quad behind = widen(behindBytes), before = widen(loadBytes(blended + at)),
-                       opacity = widen(frontBytes);
-            const Quad colour{mixed(behind.low, before.low, opacityLanes(opacity.low)),
-                              mixed(behind.high, before.high, opacityLanes(opacity.high))};
-            storeBytes(pixels + at, narrow(colour) | kAlphaBytes);
-        },
-        perPixel);
+    for (size_t at = 0; at < 4 * count; at += 16) {
+        const Quad behind = widen(loadBytes(pixels + at)), before = widen(loadBytes(blended + at)),
+                   opacity = widen(loadBytes(front + at));
+        const Quad colour{mixed(behind.low, before.low, opacityLanes(opacity.low)),
+                          mixed(behind.high, before.high, opacityLanes(opacity.high))};
+        storeBytes(pixels + at, narrow(colour) | kAlphaBytes);
+    }
+}
+
+void mixOverRun(uint8_t* pixels, const uint8_t* blended, const uint8_t* front, size_t count) {
+    constexpr size_t kBlock = 32;
+    for (size_t done = 0; done < count; done += kBlock) {
+        const size_t at = 4 * done, block = std::min(kBlock, count - done);
+        bool opaque = block % 4 == 0;
+        for (size_t i = at; opaque && i < at + 4 * block; i += 16)
+            opaque = oneIsOpaque(loadBytes(pixels + i), loadBytes(front + i));
+        (opaque ? mixOverOpaque : mixOverAny)(pixels + at, blended + at, front + at, block);
+    }
 }
 
 template <BlendMode mode>
@@ -221,7 +245,7 @@ void overRun(Pixel* pixels, const Pixel* front, size_t count, const LookupTables
                 blendByTables(blended, before, seen, chunk, *table,
                               mode == BlendMode::Add ? tables.blendScreen : *table);
         }
-        mixOverRun(behind, table ? blended : before, before, chunk, tables);
+        mixOverRun(behind, table ? blended : before, before, chunk);
     });
 }
 
