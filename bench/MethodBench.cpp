@@ -1,0 +1,144 @@
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <map>
+#include <thread>
+
+#include "Scene.h"
+#include "host/ExampleCall.h"
+#include "host/MethodRegistry.h"
+#include "player/host/Xtra.h"
+#include "player/lingo/Interpreter.h"
+
+/// Times every method of the registry by its example arguments, sent through the door of the
+/// embedded host. Of each it tells, from its best run:
+///
+/// - `ms`, and `ns` for one pixel;
+/// - `GB/s` of picture;
+/// - `passes`: how many read-and-write passes over the same picture the time would allow, by
+///   passes timed between the runs.
+namespace krl::bench {
+namespace {
+
+using player::Value;
+
+struct Size {
+    int32_t width, height;
+};
+
+/// The plug-in in a host with the landscape loaded.
+class Stage {
+public:
+    Stage(Size size, bool oneBand)
+        : xtra_(host_, player::builtInPlugIn()),
+          interpreter_(host_, xtra_, options_),
+          clean_(landscape(size.width, size.height)),
+          picture_(host_.heap.make<player::ImageObject>(clean_)),
+          instance_(xtra_.newInstance()) {
+        send("krlImageCreateLookupTables", Value::symbol(host_.symbols.symbol(oneBand ? "st" : "mt")));
+        send("krlImageLoad", picture_);
+        beside_.load(bytes(), infoOf(clean_));
+        beside_.setThreadCount(oneBand ? 1 : int32_t(std::thread::hardware_concurrency()));
+    }
+    ~Stage() {
+        send("krlImageQuit", Value());
+        picture_ = instance_ = Value();
+        interpreter_.close();
+    }
+    Stage(const Stage&) = delete;
+    Stage& operator=(const Stage&) = delete;
+
+    std::vector<Value> examples(const host::Method& method) {
+        const host::ExampleSetting setting{clean_.width, clean_.height, {}};
+        std::vector<Value> values;
+        for (const host::Argument& argument : method.arguments())
+            values.push_back(argument.kind == host::ArgumentKind::SecondImage
+                                 ? host_.heap.make<player::ImageObject>(clean_)
+                                 : interpreter_.evaluateText("example", exampleText(argument, setting)));
+        return values;
+    }
+
+    /// Milliseconds of a call on the picture as it was loaded.
+    double timed(const host::Method& method, const std::vector<Value>& arguments) {
+        std::memcpy(bytes(), clean_.pixels.data(), size_t(pixelCount()) * sizeof(Pixel));
+        return milliseconds([&] { xtra_.call(instance_, host::selectorOf(method), arguments); });
+    }
+    double timedPass() {
+        return milliseconds([&] { readAndWrite(beside_); });
+    }
+    int64_t pixelCount() const { return int64_t(clean_.width) * clean_.height; }
+
+private:
+    void send(const char* name, const Value& argument) {
+        xtra_.call(instance_, xtra_.selector(host_.symbols.identifier(name)), {&argument, 1});
+    }
+    uint8_t* bytes() {
+        return reinterpret_cast<uint8_t*>(picture_.as<player::ImageObject>()->bitmap.pixels.data());
+    }
+
+    player::SessionOptions options_;
+    player::EmbeddedHost host_{uint64_t{4} << 30};
+    player::Xtra xtra_;
+    player::Interpreter interpreter_;
+    player::Bitmap clean_;
+    Value picture_, instance_;
+    ImageEngine beside_;  ///< on the same pixels, for the pass
+};
+
+/// One stage lives at a time; benchmarks are registered so that it changes seldom.
+Stage& stageFor(Size size, bool oneBand) {
+    static std::unique_ptr<Stage> stage;
+    static std::pair<int32_t, bool> kind;
+    const std::pair wanted{size.width, oneBand};
+    if (!stage || kind != wanted) {
+        stage.reset();
+        stage = std::make_unique<Stage>(size, oneBand);
+        kind = wanted;
+    }
+    return *stage;
+}
+
+void timeMethod(benchmark::State& state, const host::Method& method, Size size, bool oneBand) {
+    Stage& stage = stageFor(size, oneBand);
+    const std::vector<Value> arguments = stage.examples(method);
+    double best = stage.timed(method, arguments), pass = stage.timedPass();
+    for ([[maybe_unused]] auto step : state) {
+        const double time = stage.timed(method, arguments);
+        state.SetIterationTime(time / 1000);
+        best = std::min(best, time);
+        pass = std::min(pass, stage.timedPass());
+    }
+    const auto pixels = double(stage.pixelCount());
+    state.counters["ms"] = best;
+    state.counters["ns"] = best * 1e6 / pixels;
+    state.counters["GB/s"] = pixels * sizeof(Pixel) / (best * 1e6);
+    state.counters["passes"] = best / pass;
+}
+
+void registerAll() {
+    for (const Size size : {Size{4000, 3000}, Size{1000, 750}})
+        for (const bool oneBand : {true, false})
+            for (const host::Method* method : host::methods()) {
+                if (std::strcmp(method->group(), "Engine") == 0) continue;
+                const std::string name = method->shortName() + '/' + std::to_string(size.width) + 'x' +
+                                         std::to_string(size.height) + (oneBand ? "/one" : "/all");
+                benchmark::RegisterBenchmark(
+                    name.c_str(), [=](benchmark::State& state) { timeMethod(state, *method, size, oneBand); })
+                    ->UseManualTime()
+                    ->Unit(benchmark::kMillisecond)
+                    ->MinTime(0.1);
+            }
+}
+
+}  // namespace
+}  // namespace krl::bench
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+    krl::bench::registerAll();
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

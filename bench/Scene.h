@@ -1,0 +1,29 @@
+#pragma once
+
+#include <chrono>
+
+#include "core/ImageEngine.h"
+#include "player/pictures/Picture.h"
+
+/// What benchmarks are run on, and against what they are held.
+namespace krl::bench {
+
+/// The sample landscape in any size, with the fine grain of a photograph: flat or random pictures
+/// would flatter some effects and wrong others.
+player::Bitmap landscape(int32_t width, int32_t height);
+
+/// A picture's description as a host gives it.
+ImageInfo infoOf(const player::Bitmap& picture);
+
+/// Reads and writes every byte of the engine's picture once, which no effect can undercut.
+void readAndWrite(const ImageEngine& engine);
+
+/// Milliseconds that `work` takes.
+template <class Work>
+double milliseconds(Work&& work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+}  // namespace krl::bench
