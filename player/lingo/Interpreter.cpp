@@ -181,7 +181,10 @@ Value Interpreter::evaluateCall(const CallExpression& expression) {
 Value Interpreter::callByName(SymbolId name, std::span<const Value> arguments, bool asMethod) {
     Value answer;
     if (!arguments.empty() && callOnObject(name, arguments, answer)) return answer;
-    if (!asMethod)
+    // A parent script's own handler `new` is not what makes instances of others.
+    const bool making = name == newName_ && !arguments.empty() &&
+                        (arguments.front().is(Kind::Script) || arguments.front().is(Kind::Xtra));
+    if (!asMethod && !making)
         for (const LoadedScript* script : {frame_ ? &frame_->script : nullptr, movie_})
             if (const Handler* handler = script ? script->handler(name) : nullptr) {
                 const bool own = frame_ && script == &frame_->script;
