@@ -240,22 +240,22 @@ Outcome paintFlare(MethodCall& call) {
 }
 
 constexpr const char* kExampleFlare =
-    "[#gradientCircle: [#origin: point(640, 268), #radius: 260.0, #brightness: 190.0, #transparency: 0, "
+    "[#gradientCircle: [#origin: point(491, 238), #radius: 260.0, #brightness: 190.0, #transparency: 0, "
     "#colourList: [0.0: rgb(60, 10, 0), 45.0: rgb(255, 120, 40), 100.0: rgb(255, 245, 220)], "
     "#blendMethod: #screen], "
-    "#star: [#count: 8, #width: 2, #angle: 11.0, #brightness: 120.0, #radius: 230.0, "
-    "#origin: point(640, 268), #transparency: 0, #colourList: [0.0: rgb(255, 225, 180)], "
+    "#star: [#count: 8, #width: 1, #angle: 11.0, #brightness: 150.0, #radius: 230.0, "
+    "#origin: point(491, 238), #transparency: 0, #colourList: [0.0: rgb(255, 225, 180)], "
     "#blendMethod: #screen], "
-    "#starCaustic: [#length: 900.0, #thickness: 26.0, #angle: 0.0, #origin: point(640, 268), "
+    "#starCaustic: [#length: 900.0, #thickness: 26.0, #angle: 0.0, #origin: point(491, 238), "
     "#brightness: 170.0, #transparency: 0, #colourList: [0.0: rgb(255, 150, 70)], #blendMethod: #screen], "
-    "#outlinedCircle: [#origin: point(640, 268), #radius: 150.0, #outerThickness: 1.0, "
+    "#outlinedCircle: [#origin: point(491, 238), #radius: 150.0, #outerThickness: 1.0, "
     "#innerThickness: 1.0, #outerFeather: 14.0, #innerFeather: 26.0, #brightness: 60.0, #transparency: 0, "
     "#colourList: [0.0: rgb(255, 60, 40), 100.0: rgb(90, 160, 255)], #blendMethod: #screen], "
-    "#polyshape: [#count: 6, #angle: 15.0, #brightness: 70.0, #radius: 62.0, #expandshape: 0, "
-    "#shapeBlur: 8, #origin: point(390, 349), #transparency: 0, #colourList: [0.0: rgb(80, 220, 170)], "
+    "#polyshape: [#count: 6, #angle: 15.0, #brightness: 95.0, #radius: 62.0, #expandshape: 0, "
+    "#shapeBlur: 8, #origin: point(375, 407), #transparency: 0, #colourList: [0.0: rgb(80, 220, 170)], "
     "#blendMethod: #screen], "
-    "#polyshape: [#count: 6, #angle: 15.0, #brightness: 60.0, #radius: 26.0, #expandshape: 0, "
-    "#shapeBlur: 5, #origin: point(268, 388), #transparency: 0, #colourList: [0.0: rgb(255, 150, 60)], "
+    "#polyshape: [#count: 6, #angle: 15.0, #brightness: 95.0, #radius: 26.0, #expandshape: 0, "
+    "#shapeBlur: 5, #origin: point(303, 512), #transparency: 0, #colourList: [0.0: rgb(255, 150, 60)], "
     "#blendMethod: #screen]]";
 
 }  // namespace
