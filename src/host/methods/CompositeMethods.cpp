@@ -1,6 +1,6 @@
 #include "composite/Composite.h"
 #include "host/MethodRegistry.h"
-#include "host/methods/BlendChoices.h"
+#include "host/methods/Choices.h"
 
 /// Binding of the blend compositor.
 namespace krl::host {
@@ -10,7 +10,7 @@ void addCompositeMethods(MethodList& list) {
     list.add(method("krlImageComposite", composite)
                  .summary("Lays a second picture over this one in any of the blend modes.")
                  .image("foreground", kCompositeSizes, "logo.png", "the picture on top, of this one's size")
-                 .symbol("blendMethod", blendChoices(kCompositeBlends),
+                 .symbol("blendMethod", compositeBlends(),
                          refused("Composite invalid input blendMethod (Image)"), "how the two colours meet")
                  .showing("screen")
                  .thenCompare()

@@ -3,7 +3,7 @@
 #include "composite/LightSpill.h"
 #include "composite/OuterGlow.h"
 #include "host/MethodRegistry.h"
-#include "host/methods/BlendChoices.h"
+#include "host/methods/Choices.h"
 
 /// Bindings of the gleams, light spill and outer glow.
 namespace krl::host {
@@ -35,7 +35,7 @@ void addGleams(MethodList& list) {
         method("krlImageGleamBlurComposite", gleamBlurComposite)
             .summary("Lays a picture over this one and lets its bright parts glow softly.")
             .image("foreground", kCompositeSizes, "landscape.png", "the picture on top, of this one's size")
-            .symbol("compositeBlendMethod", blendChoices(kCompositeBlends),
+            .symbol("compositeBlendMethod", compositeBlends(),
                     refused("Gleam Blur invalid input compositeBlendMethod (Image)"),
                     "how the foreground meets this picture")
             .showing("normal")
@@ -43,8 +43,8 @@ void addGleams(MethodList& list) {
             .integer("blackPoint", {.from = 0, .to = 255, .example = 120}, kBlackMeaning)
             .integer("whitePoint", {.from = 0, .to = 255, .example = 240}, kWhiteMeaning)
             .integer("blur", {.from = 0, .to = 100, .example = 25}, "how far the light spreads, in pixels")
-            .symbol("blendMethod", blendChoices(kCompositeBlends),
-                    refused("Gleam Blur invalid input blendMethod (Image)"), "how the light is laid on")
+            .symbol("blendMethod", compositeBlends(), refused("Gleam Blur invalid input blendMethod (Image)"),
+                    "how the light is laid on")
             .showing("screen")
             .real("brightness", {.from = 0, .to = 1, .example = 0.2}, kGainMeaning)
             .integer("transparency", {.from = 0, .to = 255, .example = 220}, kOpacityOfLight)
@@ -57,7 +57,7 @@ void addGleams(MethodList& list) {
         method("krlImageGleamZoomComposite", gleamZoomComposite)
             .summary("Lays a picture over this one and draws its bright parts out into rays.")
             .image("foreground", kCompositeSizes, "landscape.png", "the picture on top, of this one's size")
-            .symbol("compositeBlendMethod", blendChoices(kLightBlends),
+            .symbol("compositeBlendMethod", lightBlends(),
                     refused("Gleam Blur invalid input compositeBlendMethod (Image)"),
                     "how the foreground meets this picture")
             .failsWith("Gleam Blur input failure (Image)")
@@ -69,8 +69,8 @@ void addGleams(MethodList& list) {
                   "how much each bright pixel gives to a ray; below 0 is 0")
             .real("falloff", {.from = 0, .to = 1, .example = 0.4},
                   "what is left of a ray after 30 pixels; 1.0 reaches the border")
-            .symbol("blendMethod", blendChoices(kLightBlends),
-                    refused("Gleam Zoom invalid input blendMethod (Image)"), "how the light is laid on")
+            .symbol("blendMethod", lightBlends(), refused("Gleam Zoom invalid input blendMethod (Image)"),
+                    "how the light is laid on")
             .showing("screen")
             .real("levelsBrightness", {.from = 0, .to = 1, .example = 0.1}, kGainMeaning)
             .integer("transparency", {.from = 0, .to = 255, .example = 230}, kOpacityOfLight)
@@ -95,7 +95,7 @@ void addSpillAndGlow(MethodList& list) {
             .summary("Puts a cut-out picture in place and lets this one's light bleed over its edges.")
             .image("background", {}, "logo.png", "the cut-out picture, of this one's size")
             .integer("blur", {.from = 0, .to = 100, .example = 20}, "how far the light reaches, in pixels")
-            .symbol("blendMethod", blendChoices(kLightBlends),
+            .symbol("blendMethod", lightBlends(),
                     refused("Light Spill Composite invalid input blendMethod (Image)"),
                     "how the light is laid on the cut-out")
             .showing("screen")

@@ -1,4 +1,5 @@
 #include "host/MethodRegistry.h"
+#include "host/methods/Choices.h"
 #include "warp/DisplacementMap.h"
 #include "warp/Twirl.h"
 #include "warp/Waves.h"
@@ -9,16 +10,12 @@ namespace krl::host {
 namespace {
 
 constexpr const char* kQualityMeaning = "the nearest pixel, or a mean of the four around the place";
-constexpr const char* kTargetMeaning = "all four channels, the three colours, or transparency alone";
+constexpr const char* kChannelsMeaning = "all four channels, the three colours, or transparency alone";
 constexpr const char* kFrequencyMeaning =
     "degrees of the wave for each pixel; 360 / frequency pixels make one wave";
 
 std::vector<SymbolChoice> qualities() {
     return {{"standard", SampleQuality::Standard}, {"bilinear", SampleQuality::Bilinear}};
-}
-
-std::vector<SymbolChoice> targets() {
-    return {{"RGBA", ChannelTarget::RGBA}, {"RGB", ChannelTarget::RGB}, {"Alpha", ChannelTarget::Alpha}};
 }
 
 std::vector<SymbolChoice> mapOptions() {
@@ -55,8 +52,8 @@ void addWaves(MethodList& list) {
             .symbol("quality", qualities(), refused("Waves invalid quality input (Image)"), kQualityMeaning)
             .showing("bilinear")
             .thenCompare()
-            .symbol("colourOrAlpha", targets(), refused("Waves invalid colourOrAlpha input (Image)"),
-                    kTargetMeaning)
+            .symbol("colourOrAlpha", anyChannels(), refused("Waves invalid colourOrAlpha input (Image)"),
+                    kChannelsMeaning)
             .inputFailure("Waves input failure (Image)")
             .failed("Failed Waves function (Image)"));
     list.add(method("krlImageBlockWaves", blockWaves)
@@ -72,8 +69,8 @@ void addWaves(MethodList& list) {
                          kQualityMeaning)
                  .showing("bilinear")
                  .thenCompare()
-                 .symbol("colourOrAlpha", targets(),
-                         refused("Block Waves invalid colourOrAlpha input (Image)"), kTargetMeaning)
+                 .symbol("colourOrAlpha", anyChannels(),
+                         refused("Block Waves invalid colourOrAlpha input (Image)"), kChannelsMeaning)
                  .inputFailure("Block Waves input failure (Image)")
                  .failed("Failed Block Waves function (Image)"));
     list.add(method("krlImageCircularWaves", circularWaves)
@@ -88,8 +85,8 @@ void addWaves(MethodList& list) {
                          kQualityMeaning)
                  .showing("bilinear")
                  .thenCompare()
-                 .symbol("colourOrAlpha", targets(),
-                         refused("Circular Waves invalid colourOrAlpha input (Image)"), kTargetMeaning)
+                 .symbol("colourOrAlpha", anyChannels(),
+                         refused("Circular Waves invalid colourOrAlpha input (Image)"), kChannelsMeaning)
                  .inputFailure("Circular Waves input failure (Image)")
                  .failed("Failed Circular Waves function (Image)"));
 }
@@ -103,8 +100,8 @@ void addTurnsAndMaps(MethodList& list) {
             .symbol("quality", qualities(), refused("Twirl invalid quality input (Image)"), kQualityMeaning)
             .showing("bilinear")
             .thenCompare()
-            .symbol("colourOrAlpha", targets(), refused("Twirl invalid colourOrAlpha input (Image)"),
-                    kTargetMeaning)
+            .symbol("colourOrAlpha", anyChannels(), refused("Twirl invalid colourOrAlpha input (Image)"),
+                    kChannelsMeaning)
             .inputFailure("Twirl input failure (Image)")
             .failed("Failed Twirl function (Image)"));
 
