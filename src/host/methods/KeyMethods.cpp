@@ -26,8 +26,8 @@ void addChromaKey(MethodList& list) {
         .real("innerSat", {.from = 0, .to = 100, .example = 35}, "percent to either side keyed in full")
         .real("outerSat", {.from = 0, .to = 100, .example = 25}, "further percent that fade out")
         .real("valPick", {.from = 0, .to = 1, .example = 0.7}, "brightness to key")
-        .real("innerVal", {.from = 0, .to = 100, .example = 40}, "percent to either side keyed in full")
-        .real("outerVal", {.from = 0, .to = 100, .example = 25}, "further percent that fade out");
+        .real("innerVal", {.from = 0, .to = 100, .example = 30}, "percent to either side keyed in full")
+        .real("outerVal", {.from = 0, .to = 100, .example = 15}, "further percent that fade out");
     addFold(entry, "Chroma Key invalid input keep_remove option (Image)",
             "Chroma Key invalid input invert option (Image)")
         .inputFailure("Chroma Key input failure (Image)")
