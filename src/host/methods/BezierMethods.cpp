@@ -43,10 +43,8 @@ void addBezierMethods(MethodList& list) {
     list.add(method("krlImageDrawBezierShape")
                  .summary("Replaces the picture's colours by a matte of one closed Bezier shape.")
                  .value("bezierList",
-                        "[[#vertex: point(280, -20), #handle1: point(140, 0), #handle2: point(110, 110)], "
-                        "[#vertex: point(530, 230), #handle1: point(0, 130), #handle2: point(-110, 120)], "
-                        "[#vertex: point(280, 400), #handle1: point(-160, 0), #handle2: point(-90, -120)], "
-                        "[#vertex: point(30, 230), #handle1: point(0, -140), #handle2: point(100, -110)]]",
+                        "[[#vertex: point(280, 200), #handle1: point(80, 130), #handle2: point(200, -180)], "
+                        "[#vertex: point(280, -60), #handle1: point(-280, 210), #handle2: point(200, 180)]]",
                         "the pieces in order, each with #vertex, #handle1 from the vertex and #handle2 from "
                         "the first handle; (0, 0) lies 200 columns in and 200 rows above the bottom edge, "
                         "rows upward")

@@ -240,22 +240,16 @@ Outcome paintFlare(MethodCall& call) {
 }
 
 constexpr const char* kExampleFlare =
-    "[#gradientCircle: [#origin: point(491, 238), #radius: 260.0, #brightness: 190.0, #transparency: 0, "
-    "#colourList: [0.0: rgb(60, 10, 0), 45.0: rgb(255, 120, 40), 100.0: rgb(255, 245, 220)], "
+    "[#gradientCircle: [#origin: point(491, 238), #radius: 300.0, #brightness: 200.0, #transparency: 0, "
+    "#colourList: [0: rgb(60, 10, 0), 45: rgb(255, 120, 40), 100: rgb(255, 245, 220)], "
     "#blendMethod: #screen], "
-    "#star: [#count: 8, #width: 1, #angle: 11.0, #brightness: 150.0, #radius: 230.0, "
-    "#origin: point(491, 238), #transparency: 0, #colourList: [0.0: rgb(255, 225, 180)], "
+    "#star: [#count: 8, #width: 1, #angle: 11.0, #brightness: 150.0, #radius: 260.0, "
+    "#origin: point(491, 238), #transparency: 0, #colourList: [0: rgb(255, 225, 180)], "
     "#blendMethod: #screen], "
-    "#starCaustic: [#length: 900.0, #thickness: 26.0, #angle: 0.0, #origin: point(491, 238), "
-    "#brightness: 170.0, #transparency: 0, #colourList: [0.0: rgb(255, 150, 70)], #blendMethod: #screen], "
-    "#outlinedCircle: [#origin: point(491, 238), #radius: 150.0, #outerThickness: 1.0, "
-    "#innerThickness: 1.0, #outerFeather: 14.0, #innerFeather: 26.0, #brightness: 60.0, #transparency: 0, "
-    "#colourList: [0.0: rgb(255, 60, 40), 100.0: rgb(90, 160, 255)], #blendMethod: #screen], "
+    "#starCaustic: [#length: 1400.0, #thickness: 60.0, #angle: 0.0, #origin: point(491, 238), "
+    "#brightness: 200.0, #transparency: 0, #colourList: [0: rgb(255, 150, 70)], #blendMethod: #screen], "
     "#polyshape: [#count: 6, #angle: 15.0, #brightness: 95.0, #radius: 62.0, #expandshape: 0, "
-    "#shapeBlur: 8, #origin: point(375, 407), #transparency: 0, #colourList: [0.0: rgb(80, 220, 170)], "
-    "#blendMethod: #screen], "
-    "#polyshape: [#count: 6, #angle: 15.0, #brightness: 95.0, #radius: 26.0, #expandshape: 0, "
-    "#shapeBlur: 5, #origin: point(303, 512), #transparency: 0, #colourList: [0.0: rgb(255, 150, 60)], "
+    "#shapeBlur: 6, #origin: point(340, 459), #transparency: 0, #colourList: [0: rgb(80, 220, 170)], "
     "#blendMethod: #screen]]";
 
 }  // namespace
