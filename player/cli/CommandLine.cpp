@@ -41,7 +41,7 @@ public:
             terminal_.out << "krlimage " << kVersion << '\n';
             return 0;
         } catch (const CLI::CallForHelp&) {
-            terminal_.out << current().help();
+            terminal_.out << app_.help();
             return 0;
         } catch (const CLI::ParseError& error) {
             return refuse(error.what());
@@ -57,14 +57,8 @@ private:
         return added;
     }
 
-    /// The command that is being told, for its help.
-    CLI::App& current() {
-        const auto told = app_.get_subcommands();
-        return told.empty() ? app_ : *told.front();
-    }
-
     int refuse(const std::string& message) {
-        terminal_.err << "krlimage: " << message << "\n\n" << current().help();
+        terminal_.err << "krlimage: " << message << "\n\n" << app_.help();
         return 2;
     }
 
@@ -173,12 +167,13 @@ private:
 
     int tell() {
         if (help_.method.empty()) {
-            terminal_.out << app_.help();
+            // Its own help would be that of the command `help`, which was chosen.
+            terminal_.out << app_.get_formatter()->make_help(&app_, "krlimage", CLI::AppFormatMode::Normal);
             return 0;
         }
         const auto named = [this](const CLI::App* one) { return one->check_name(help_.method); };
         for (const CLI::App* command : app_.get_subcommands(named)) {
-            terminal_.out << command->help();
+            terminal_.out << command->help("krlimage");
             return 0;
         }
         return helpOnMethod(help_, terminal_);

@@ -14,6 +14,36 @@ using host::Argument;
 using host::ArgumentKind;
 using host::Method;
 
+namespace {
+
+/// Headings from the most used on. One that is not named here comes before those without a picture.
+constexpr const char* kReadingOrder[] = {"Tone",
+                                         "Colour",
+                                         "Hue",
+                                         "Film",
+                                         "Blur and sharpen",
+                                         "Directional blurs",
+                                         "Edges",
+                                         "Stylise",
+                                         "Warps",
+                                         "Glows",
+                                         "Compositing",
+                                         "Keys",
+                                         "Alpha",
+                                         "Generators",
+                                         "",
+                                         "Fields and sizes",
+                                         "Engine",
+                                         "Without effect"};
+
+std::ptrdiff_t rankOf(const std::string& heading) {
+    const auto found = std::find(std::begin(kReadingOrder), std::end(kReadingOrder), heading);
+    const auto others = std::find(std::begin(kReadingOrder), std::end(kReadingOrder), std::string_view());
+    return (found == std::end(kReadingOrder) ? others : found) - std::begin(kReadingOrder);
+}
+
+}  // namespace
+
 std::vector<MethodGroup> methodGroups() {
     std::vector<MethodGroup> groups;
     for (const Method* method : host::methods()) {
@@ -26,6 +56,9 @@ std::vector<MethodGroup> methodGroups() {
         else
             found->methods.push_back(method);
     }
+    std::stable_sort(groups.begin(), groups.end(), [](const MethodGroup& a, const MethodGroup& b) {
+        return rankOf(a.heading) < rankOf(b.heading);
+    });
     return groups;
 }
 

@@ -9,7 +9,7 @@
 /// What help, reference page, completions and messages say of methods, each fact worded once.
 namespace krl::player {
 
-/// The methods under one heading, in the order of the message table.
+/// The methods under one heading, in the order of the message table; headings in reading order.
 struct MethodGroup {
     std::string heading;
     std::vector<const host::Method*> methods;

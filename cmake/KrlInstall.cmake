@@ -1,0 +1,48 @@
+# What an installation holds: the command line with its manual page and completion, the plug-in as a
+# module, and the engine as a library with its headers, found by CMake and by pkg-config.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set_target_properties(krlengine PROPERTIES EXPORT_NAME engine OUTPUT_NAME krlimage)
+target_compile_features(krlengine PUBLIC cxx_std_20)
+target_include_directories(krlengine PUBLIC $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/krlimage>)
+target_link_libraries(krlengine PUBLIC $<INSTALL_INTERFACE:Threads::Threads>)
+install(TARGETS krlengine EXPORT krlimage COMPONENT library)
+install(EXPORT krlimage NAMESPACE krlimage:: FILE krlimageTargets.cmake COMPONENT library
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/krlimage)
+foreach(subsystem core blur point filters warp composite key generate fields)
+  install(DIRECTORY src/${subsystem} COMPONENT library
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/krlimage FILES_MATCHING PATTERN "*.h")
+endforeach()
+
+configure_package_config_file(cmake/krlimageConfig.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/krlimageConfig.cmake
+  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/krlimage)
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/krlimageConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/krlimageConfig.cmake
+  ${CMAKE_CURRENT_BINARY_DIR}/krlimageConfigVersion.cmake COMPONENT library
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/krlimage)
+# Relative, so that an installation can be moved.
+file(RELATIVE_PATH up_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+configure_file(cmake/krlimage.pc.in ${CMAKE_CURRENT_BINARY_DIR}/krlimage.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/krlimage.pc COMPONENT library
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+install(TARGETS krlImageXtra LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/krlimage COMPONENT program)
+install(TARGETS krlimage COMPONENT program)
+install(DIRECTORY examples/pictures COMPONENT program DESTINATION ${CMAKE_INSTALL_DATADIR}/krlimage
+  FILES_MATCHING PATTERN "*.png")
+
+# What the command line tells of itself.
+function(krl_install_output file folder)
+  set(made ${CMAKE_CURRENT_BINARY_DIR}/told/${file})
+  add_custom_command(OUTPUT ${made} COMMAND krlimage ${ARGN} > ${made} DEPENDS krlimage VERBATIM)
+  set_property(GLOBAL APPEND PROPERTY KRL_TOLD ${made})
+  install(FILES ${made} DESTINATION ${folder} COMPONENT program)
+endfunction()
+file(MAKE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/told/bash ${CMAKE_CURRENT_BINARY_DIR}/told/zsh)
+krl_install_output(krlimage.1 ${CMAKE_INSTALL_MANDIR}/man1 man)
+krl_install_output(bash/krlimage ${CMAKE_INSTALL_DATADIR}/bash-completion/completions completions bash)
+krl_install_output(zsh/_krlimage ${CMAKE_INSTALL_DATADIR}/zsh/site-functions completions zsh)
+get_property(told GLOBAL PROPERTY KRL_TOLD)
+add_custom_target(krl_told ALL DEPENDS ${told})

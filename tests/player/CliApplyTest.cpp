@@ -1,0 +1,200 @@
+#include <nlohmann/json.hpp>
+
+#include "tests/player/CliRun.h"
+
+namespace krl::player {
+namespace {
+
+using Apply = CliTest;
+
+TEST_F(Apply, RewritesAPictureAndKeepsItsAlpha) {
+    const std::string in = picture("in.pam");
+    const CliResult done = krlimage({"apply", in, "-o", at("out.pam"), "krlImageBrightness(300, #RGB)"});
+    EXPECT_EQ(done.code, 0) << done.err;
+    EXPECT_EQ(done.out + done.err, "");
+    const Bitmap before = readPicture(in), after = readPicture(at("out.pam"));
+    for (size_t i = 0; i < after.pixels.size(); ++i)
+        ASSERT_EQ(after.pixels[i], (Pixel{255, 255, 255, before.pixels[i].alpha})) << i;
+}
+
+TEST_F(Apply, ChainsCallsInTheirOrder) {
+    const std::string in = picture("in.pam");
+    krlimage({"apply", in, "-o", at("a.pam"), "invert(#RGB)", "brightness(60, #RGB)"});
+    krlimage({"apply", in, "-o", at("b.pam"), "brightness(60, #RGB)", "invert(#RGB)"});
+    krlimage({"apply", in, "-o", at("c1.pam"), "invert(#RGB)"});
+    krlimage({"apply", at("c1.pam"), "-o", at("c.pam"), "brightness(60, #RGB)"});
+    EXPECT_EQ(readPicture(at("a.pam")).pixels, readPicture(at("c.pam")).pixels);
+    EXPECT_NE(readPicture(at("a.pam")).pixels, readPicture(at("b.pam")).pixels);
+}
+
+TEST_F(Apply, TakesArgumentsByNameAndFillsInWhatIsLeftOut) {
+    const std::string in = picture("in.pam");
+    const std::vector<std::string> ways = {"brightness(40, #RGB)",
+                                           "brightness(40)",
+                                           "Brightness",
+                                           "brightness(colourOrAlpha: #RGB, brightnessInt: 40)",
+                                           "brightness(COLOURORALPHA: #rgb)",
+                                           "krlimagebrightness(40, #rgb)"};
+    for (size_t i = 0; i < ways.size(); ++i) {
+        const std::string out = at("out" + std::to_string(i) + ".pam");
+        const CliResult done = krlimage({"apply", in, "-o", out, ways[i]});
+        ASSERT_EQ(done.code, 0) << ways[i] << '\n' << done.err;
+        EXPECT_EQ(readPicture(out).pixels, readPicture(at("out0.pam")).pixels) << ways[i];
+    }
+}
+
+TEST_F(Apply, PassesANewPictureOnToTheNextCall) {
+    const CliResult done =
+        krlimage({"apply", picture("in.pam", 8, 6), "-o", at("out.pam"), "halfSize()", "invert(#RGB)"});
+    ASSERT_EQ(done.code, 0) << done.err;
+    EXPECT_EQ(readPicture(at("out.pam")).width, 4);
+    EXPECT_EQ(readPicture(at("out.pam")).height, 3);
+}
+
+TEST_F(Apply, ShowsTheResultOfAFailedCallAndWhatWasWanted) {
+    const CliResult done =
+        krlimage({"apply", picture("in.pam"), "-o", at("out.pam"), "krlImageBrightness(\"x\", #RGB)"});
+    EXPECT_EQ(done.code, 1);
+    EXPECT_EQ(done.out, "[#error: \"Brightness input failure (Image)\"]\n");
+    EXPECT_TELLS(done.err, "Brightness input failure (Image) from krlImageBrightness(\"x\", #RGB)");
+    EXPECT_TELLS(done.err, "brightnessInt is \"x\", wanted is integer, -255 to 255");
+    EXPECT_FALSE(std::filesystem::exists(at("out.pam")));
+}
+
+TEST_F(Apply, SuggestsTheSymbolThatWasMeant) {
+    const CliResult done =
+        krlimage({"apply", picture("in.pam"), "-o", at("out.pam"), "brightness(40, #Alhpa)"});
+    EXPECT_EQ(done.code, 1);
+    EXPECT_TELLS(done.out, "Brightness invalid colourOrAlpha input (Image)");
+    EXPECT_TELLS(done.err, "colourOrAlpha is #Alhpa, wanted is #RGB or #Alpha, did you mean #Alpha?");
+}
+
+TEST_F(Apply, RefusesCallsThatCannotBeMeantBeforeItReadsAnything) {
+    const auto errorOf = [&](const std::string& call) {
+        const CliResult done = krlimage({"apply", at("none.pam"), "-o", at("out.pam"), call});
+        EXPECT_EQ(done.code, 1) << call;
+        return done.err;
+    };
+    EXPECT_TELLS(errorOf("krlImageBrigtness(40)"),
+                 "there is no method krlImageBrigtness, did you mean brightness?");
+    EXPECT_TELLS(errorOf("brightness(amount: 3)"), "brightness has no argument amount");
+    EXPECT_TELLS(errorOf("brightness(brightnesInt: 3)"), "did you mean brightnessInt?");
+    EXPECT_TELLS(errorOf("brightness(40, brightnessInt: 3)"), "brightness is given brightnessInt twice");
+    EXPECT_TELLS(errorOf("brightness(40, #RGB, 5)"), "takes 2 arguments, 3 were given");
+    EXPECT_TELLS(errorOf("quit()"), "quit is not for a chain");
+    EXPECT_TELLS(errorOf("reinterlace()"), "reinterlace needs imageOne");
+    EXPECT_TELLS(errorOf("brightness(40"), "brightness(40");
+}
+
+TEST_F(Apply, ReadsAFolderIntoAnother) {
+    std::filesystem::create_directories(folder / "in");
+    for (const char* name : {"in/a.pam", "in/b.pam", "in/c.pam"}) picture(name);
+    text("in/notes.txt", "no picture");
+    const CliResult done = krlimage({"apply", at("in"), "-o", at("out"), "invert(#RGB)"});
+    EXPECT_EQ(done.code, 0) << done.err;
+    EXPECT_EQ(done.err, "3 of 3 pictures done\n");
+    for (const char* name : {"out/a.pam", "out/b.pam", "out/c.pam"})
+        EXPECT_TRUE(std::filesystem::exists(at(name)));
+    EXPECT_EQ(files(), 7u);
+}
+
+TEST_F(Apply, GoesOnPastABrokenPictureAndNamesItAtTheEnd) {
+    std::vector<std::string> words = {"apply"};
+    for (int i = 0; i < 200; ++i) words.push_back(picture("p" + std::to_string(i) + ".pam", 4, 3));
+    text("p77.pam", "P7\nWIDTH 4\n");
+    words.insert(words.end(), {"-o", at("out"), "--jobs", "3", "invert(#RGB)"});
+    const CliResult done = krlimage(words);
+    EXPECT_EQ(done.code, 1);
+    EXPECT_EQ(countOf(done.err, "\n"), 2u) << done.err;
+    EXPECT_TELLS(done.err, "p77.pam");
+    EXPECT_TELLS(done.err, "199 of 200 pictures done, 1 failed");
+    EXPECT_EQ(files(), 200u + 199u);
+}
+
+TEST_F(Apply, GivesTheSameBytesForAnyNumberOfJobs) {
+    std::filesystem::create_directories(folder / "in");
+    for (int i = 0; i < 9; ++i)
+        writePicture(folder / "in" / (std::to_string(i) + ".pam"), noise(20 + i, 11, uint32_t(i)));
+    for (const char* jobs : {"1", "2", "5"})
+        ASSERT_EQ(krlimage({"apply", at("in"), "-o", at(jobs), "-j", jobs, "contrast(1.5, #RGB)"}).code, 0);
+    for (int i = 0; i < 9; ++i) {
+        const std::string name = std::to_string(i) + ".pam";
+        EXPECT_EQ(contentOf(folder / "1" / name), contentOf(folder / "2" / name));
+        EXPECT_EQ(contentOf(folder / "1" / name), contentOf(folder / "5" / name));
+    }
+}
+
+TEST_F(Apply, RefusesTwoPicturesForOnePlace) {
+    std::filesystem::create_directories(folder / "x");
+    const CliResult done =
+        krlimage({"apply", picture("a.pam"), picture("x/a.pam"), "-o", at("out"), "invert(#RGB)"});
+    EXPECT_EQ(done.code, 2);
+    EXPECT_TELLS(done.err, "would both be written to");
+}
+
+TEST_F(Apply, LeavesAnOlderPictureWholeWhenACallFails) {
+    const std::string in = picture("in.pam"), out = picture("out.pam", 3, 3);
+    const std::string before = contentOf(out);
+    EXPECT_EQ(krlimage({"apply", in, "-o", out, "brightness(\"x\")"}).code, 1);
+    EXPECT_EQ(contentOf(out), before);
+    EXPECT_EQ(krlimage({"apply", in, "-o", at("no/out.pam"), "invert(#RGB)"}).code, 1);
+    EXPECT_EQ(files(), 2u);
+}
+
+TEST_F(Apply, TellsMissingPicturesInOneLine) {
+    const CliResult done = krlimage({"apply", at("none.pam"), "-o", at("out.pam"), "invert(#RGB)"});
+    EXPECT_EQ(done.code, 1);
+    EXPECT_EQ(countOf(done.err, "\n"), 1u) << done.err;
+    EXPECT_TELLS(done.err, "none.pam: No such file");
+}
+
+TEST_F(Apply, TellsResultsAsJson) {
+    const CliResult done = krlimage(
+        {"apply", picture("in.pam"), "-o", at("out.pam"), "--json", "brightness(40)", "brightness(\"x\")"});
+    EXPECT_EQ(done.code, 1);
+    const auto json = nlohmann::json::parse(done.out);
+    ASSERT_EQ(json.size(), 1u);
+    EXPECT_EQ(json[0]["input"], at("in.pam"));
+    EXPECT_EQ(json[0]["ok"], false);
+    ASSERT_EQ(json[0]["calls"].size(), 2u);
+    EXPECT_EQ(json[0]["calls"][0]["call"], "krlImageBrightness(40, #RGB)");
+    EXPECT_EQ(json[0]["calls"][0]["result"], "[#error: 0]");
+    EXPECT_EQ(json[0]["calls"][1]["error"], "Brightness input failure (Image)");
+}
+
+TEST_F(Apply, PrintsAChainAsAScriptThatDoesTheSame) {
+    const std::string in = picture("in.pam", 10, 8);
+    const std::vector<std::string> calls = {"brightness(25)", "halfSize()", "invert(#RGB)"};
+    std::vector<std::string> words = {"apply", in, "--print", "lingo"};
+    words.insert(words.end(), calls.begin(), calls.end());
+    const CliResult printed = krlimage(words);
+    ASSERT_EQ(printed.code, 0) << printed.err;
+    EXPECT_TELLS(printed.out, "krlImageBrightness(25, #RGB)");
+    const CliResult ran = krlimage({"run", text("chain.ls", printed.out), in, at("script.pam")});
+    ASSERT_EQ(ran.code, 0) << ran.err;
+    EXPECT_EQ(ran.out, "-- [#error: 0]\n-- [#error: 0]\n");
+    words = {"apply", in, "-o", at("apply.pam")};
+    words.insert(words.end(), calls.begin(), calls.end());
+    ASSERT_EQ(krlimage(words).code, 0);
+    EXPECT_EQ(contentOf(at("script.pam")), contentOf(at("apply.pam")));
+}
+
+TEST_F(Apply, ChangesTheFormatOfWhatItWrites) {
+    if (!isPictureName("x.png")) GTEST_SKIP() << "a build of PAM alone";
+    const std::string in = picture("in.pam");
+    ASSERT_EQ(krlimage({"apply", in, "-o", at("out") + "/", "--format", "png", "invert(#RGB)"}).code, 0);
+    EXPECT_EQ(readPicture(at("out/in.png")).width, 8);
+    EXPECT_EQ(krlimage({"apply", in, "-o", at("x.gif"), "invert(#RGB)"}).code, 1);
+}
+
+TEST_F(Apply, DrawsItsProgressOnATerminalAlone) {
+    std::filesystem::create_directories(folder / "in");
+    picture("in/a.pam");
+    picture("in/b.pam");
+    const CliResult live = krlimage({"apply", at("in"), "-o", at("out"), "invert(#RGB)"}, true);
+    EXPECT_TELLS(live.err, "of 2 pictures");
+    EXPECT_EQ(krlimage({"apply", at("in"), "-o", at("out"), "invert(#RGB)"}).err, "2 of 2 pictures done\n");
+}
+
+}  // namespace
+}  // namespace krl::player

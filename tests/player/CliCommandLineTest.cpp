@@ -1,0 +1,158 @@
+#include <cstdlib>
+
+#include "player/cli/Batch.h"
+#include "player/cli/ChainCall.h"
+#include "player/cli/ProgressBar.h"
+#include "player/cli/SideBySide.h"
+#include "player/lingo/NearestName.h"
+#include "tests/player/CliRun.h"
+
+namespace krl::player {
+namespace {
+
+TEST(CommandLine, AnswersNonsenseWithItsUsageAndTwo) {
+    using Words = std::vector<std::string>;
+    for (const Words& words :
+         {Words{}, Words{"grade"}, Words{"--louder"}, Words{"run"}, Words{"apply"},
+          Words{"apply", "a.pam", "invert(#RGB)"}, Words{"apply", "invert(#RGB)", "-o", "x.pam"},
+          Words{"apply", "a.pam", "-o", "b.pam", "--quality", "101"},
+          Words{"apply", "a.pam", "-o", "b.pam", "--jobs", "0"},
+          Words{"apply", "a.pam", "-o", "b.pam", "--threads", "many"}, Words{"gallery", "a.pam"},
+          Words{"completions", "fish"}, Words{"run", "a.ls", "--xtra"}}) {
+        const CliResult done = krlimage(words);
+        EXPECT_EQ(done.code, 2) << testing::PrintToString(words);
+        EXPECT_EQ(done.out, "");
+        EXPECT_EQ(done.err.rfind("krlimage: ", 0), 0u) << done.err;
+        EXPECT_TELLS(done.err, "Usage: ");
+    }
+}
+
+TEST(CommandLine, TellsItsVersionAndHelp) {
+    EXPECT_EQ(krlimage({"--version"}).out, "krlimage 2.0.24\n");
+    for (const char* command :
+         {"run", "apply", "list", "help", "gallery", "check", "docs", "completions", "man"}) {
+        EXPECT_TELLS(krlimage({"--help"}).out, command);
+        const CliResult help = krlimage({command, "--help"});
+        EXPECT_EQ(help.code, 0);
+        EXPECT_TELLS(help.out, std::string("Usage: krlimage ") + command);
+    }
+    EXPECT_EQ(krlimage({"help", "apply"}).out, krlimage({"apply", "--help"}).out);
+    EXPECT_EQ(krlimage({"help"}).out, krlimage({"--help"}).out);
+}
+
+class Scripts : public CliTest {};
+
+TEST_F(Scripts, GetTheirArgumentsAndPrintToStandardOutput) {
+    const CliResult done = krlimage(
+        {"run", text("a.ls", "on main names\n put names\n put names[2] & \"!\"\nend\n"), "one", "two"});
+    EXPECT_EQ(done.code, 0) << done.err;
+    EXPECT_EQ(done.out, "-- [\"one\", \"two\"]\n-- \"two!\"\n");
+}
+
+TEST_F(Scripts, TellTheirErrorsWithPlaceLineAndCaret) {
+    const CliResult done = krlimage({"run", text("bad.ls", "on main\n  if 1 put 2\nend\n")});
+    EXPECT_EQ(done.code, 1);
+    EXPECT_EQ(done.out, "");
+    EXPECT_TELLS(done.err, "bad.ls:2:");
+    EXPECT_TELLS(done.err, "\"then\"");
+    EXPECT_TELLS(done.err, "^");
+    EXPECT_EQ(krlimage({"run", at("none.ls")}).code, 1);
+}
+
+TEST(Jobs, WorkOnEveryItemOnce) {
+    for (const unsigned jobs : {0u, 1u, 2u, 7u}) {
+        std::vector<int> worked(50);
+        workSideBySide(worked.size(), jobs, [&]() -> Worker { return [&](size_t i) { ++worked[i]; }; });
+        EXPECT_EQ(std::count(worked.begin(), worked.end(), 1), 50);
+    }
+    workSideBySide(0, 4, []() -> Worker { throw std::runtime_error("no worker is wanted"); });
+}
+
+TEST(Jobs, EndWithWhatAWorkerThrows) {
+    EXPECT_THROW(workSideBySide(20, 3,
+                                []() -> Worker {
+                                    return [](size_t i) {
+                                        if (i == 5) throw CommandError("five");
+                                    };
+                                }),
+                 CommandError);
+}
+
+TEST(Progress, TellsHowFarAndHowLong) {
+    const std::string half = ProgressBar::lineFor(50, 100, 10, "pictures");
+    EXPECT_TELLS(half, "50 of 100 pictures, 5.0/s, 0:10 left");
+    EXPECT_EQ(countOf(half, "█"), 15u);
+    EXPECT_EQ(countOf(half, "░"), 15u);
+    EXPECT_TELLS(ProgressBar::lineFor(1, 1201, 1, "pictures"), "20:00 left");
+    EXPECT_EQ(ProgressBar::lineFor(0, 10, 0, "effects").find("left"), std::string::npos);
+}
+
+TEST(Names, NearTheWantedOneAreSuggested) {
+    const std::vector<std::string> names = {"brightness", "contrast", "invert"};
+    EXPECT_EQ(nearestName("brigthness", names), "brightness");
+    EXPECT_EQ(nearestName("CONTRST", names), "contrast");
+    EXPECT_EQ(nearestName("inwert", names), "invert");
+    EXPECT_EQ(nearestName("wholly other", names), "");
+    EXPECT_EQ(nearestName("", names), "");
+    EXPECT_EQ(didYouMean("invrt", names), ", did you mean invert?");
+    EXPECT_EQ(didYouMean("zzz", names), "");
+}
+
+TEST(Words, AreTakenForCallsOrPictures) {
+    for (const char* call :
+         {"brightness(40)", "brightness (40)", "Invert", "krlImageInvert", "unknown(1)", "f()"})
+        EXPECT_TRUE(looksLikeCall(call)) << call;
+    for (const char* picture : {"a.png", "photo (1).png", "photo(1).jpg", "dir/x(2)", "in", "(x)"})
+        EXPECT_FALSE(looksLikeCall(picture)) << picture;
+}
+
+class Plan : public CliTest {};
+
+TEST_F(Plan, SendsOnePictureToAFileAndSeveralToAFolder) {
+    ApplyOptions options;
+    options.output = at("out.pam");
+    EXPECT_EQ(planBatch({"a.pam"}, options).front().output, at("out.pam"));
+    options.output = at("folder");
+    EXPECT_EQ(planBatch({"a.pam", "x/b.pam"}, options).back().output, at("folder/b.pam"));
+    options.format = "png";
+    EXPECT_EQ(planBatch({"a.pam"}, options).front().output, at("folder/a.png"));
+    options.output = text("file", "");
+    EXPECT_THROW(planBatch({"a.pam", "b.pam"}, options), UsageError);
+    std::filesystem::create_directories(folder / "empty");
+    EXPECT_THROW(planBatch({folder / "empty"}, options), CommandError);
+}
+
+class Shells : public CliTest {};
+
+TEST_F(Shells, CompleteCommandsOptionsMethodsAndValues) {
+    text("krlimage.bash", krlimage({"completions", "bash"}).out);
+    const auto completed = [&](const std::string& words, int place) {
+        text("ask.bash", "source krlimage.bash\nCOMP_WORDS=(krlimage " + words + ")\nCOMP_CWORD=" +
+                             std::to_string(place) + "\n_krlimage\necho \"${COMPREPLY[*]}\" > answer\n");
+        EXPECT_EQ(std::system(("cd " + folder.string() + " && bash ask.bash").c_str()), 0);
+        return contentOf(folder / "answer");
+    };
+    EXPECT_EQ(completed("ap", 1), "apply\n");
+    EXPECT_EQ(completed("help brightn", 2), "brightness\n");
+    EXPECT_EQ(completed("apply --qual", 2), "--quality\n");
+    EXPECT_EQ(completed("run --threads m", 3), "mt\n");
+    EXPECT_EQ(completed("completions z", 2), "zsh\n");
+}
+
+TEST_F(Shells, CompleteForZshToo) {
+    const std::string script = krlimage({"completions", "zsh"}).out;
+    EXPECT_EQ(script.rfind("#compdef krlimage\n", 0), 0u);
+    for (const char* part : {"'apply:", "'--quality[", ":mt|st:(mt st)", "brightness"})
+        EXPECT_TELLS(script, part);
+}
+
+TEST(Manual, TellsEveryCommandAndEscapesWhatTheFormatterTakes) {
+    const std::string page = krlimage({"man"}).out;
+    for (const char* command : {"run", "apply", "list", "help", "gallery", "check", "docs", "completions"})
+        EXPECT_TELLS(page, std::string("krlimage ") + command);
+    EXPECT_TELLS(page, "\\-\\-quality");
+    EXPECT_EQ(page.find("\n'"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace krl::player

@@ -1,0 +1,201 @@
+#include <nlohmann/json.hpp>
+
+#include "host/ExampleCall.h"
+#include "player/cli/ArgumentCheck.h"
+#include "player/cli/MethodFacts.h"
+#include "player/cli/MethodHelp.h"
+#include "player/pictures/Scale.h"
+#include "tests/player/CliRun.h"
+
+namespace krl::player {
+namespace {
+
+TEST(Help, TellsAllOfAMethod) {
+    EXPECT_EQ(krlimage({"help", "Brightness"}).out,
+              "brightness(brightnessInt, colourOrAlpha)\n"
+              "  Lightens or darkens by a fixed amount.\n"
+              "  Tone; krlImageBrightness in scripts.\n"
+              "\nArguments\n"
+              "  brightnessInt  integer, -255 to 255  levels to add\n"
+              "  colourOrAlpha  #RGB or #Alpha        the three colours, or transparency alone\n"
+              "\nExample\n"
+              "  krlimage apply in.png -o out.png 'brightness(40, #RGB)'\n"
+              "\nResult\n"
+              "  error  0, or what went wrong\n"
+              "\nErrors\n"
+              "  Brightness input failure (Image)    an argument is missing or of another kind\n"
+              "  Brightness invalid colourOrAlpha input (Image)\n"
+              "                                      colourOrAlpha is another symbol\n"
+              "  Failed Brightness function (Image)  there is no picture to work on, or no memory\n");
+    EXPECT_EQ(krlimage({"help", "krlImageBrightness"}).out, krlimage({"help", "brightness"}).out);
+}
+
+TEST(Help, NamesTheNearestMethod) {
+    const CliResult done = krlimage({"help", "brigthness"});
+    EXPECT_EQ(done.code, 1);
+    EXPECT_EQ(done.err, "krlimage: there is no method brigthness, did you mean brightness?\n");
+}
+
+TEST(Help, IsDataToo) {
+    const auto json = nlohmann::json::parse(krlimage({"help", "brightness", "--json"}).out);
+    EXPECT_EQ(json["method"], "krlImageBrightness");
+    EXPECT_EQ(json["arguments"][0]["range"], (nlohmann::json{-255, 255}));
+    EXPECT_EQ(json["arguments"][1]["choices"], (nlohmann::json{"RGB", "Alpha"}));
+    EXPECT_EQ(json["example"], "brightness(40, #RGB)");
+    EXPECT_TRUE(json["errors"].contains("Brightness input failure (Image)"));
+}
+
+TEST(Help, CanBeGivenForEveryMethod) {
+    for (const std::string& name : shortMethodNames()) {
+        const CliResult done = krlimage({"help", name});
+        EXPECT_EQ(done.code, 0) << name;
+        EXPECT_TELLS(done.out, host::findMethod(name)->summaryText());
+        EXPECT_NO_THROW(nlohmann::json::parse(krlimage({"help", name, "--json"}).out)) << name;
+    }
+}
+
+TEST(List, HoldsEveryMethodUnderItsHeading) {
+    const std::string all = krlimage({"list"}).out;
+    for (const std::string& name : shortMethodNames()) EXPECT_TELLS(all, "\n  " + name + " ");
+    EXPECT_TELLS(all, "Tone\n  brightness");
+    EXPECT_EQ(nlohmann::json::parse(krlimage({"list", "--json"}).out).size(), shortMethodNames().size());
+}
+
+TEST(List, IsNarrowedByAWord) {
+    const std::string some = krlimage({"list", "NEGATIVE"}).out;
+    EXPECT_TELLS(some, "invert");
+    EXPECT_EQ(some.find("brightness"), std::string::npos);
+    EXPECT_EQ(krlimage({"list", "xyzzy"}).code, 1);
+}
+
+TEST(Docs, InTheTreeAreWhatTheCommandWrites) {
+    const std::string kept = [] {
+        std::ostringstream text;
+        text << std::ifstream(KRL_SOURCE_DIR "/docs/methods.md", std::ios::binary).rdbuf();
+        return text.str();
+    }();
+    EXPECT_TRUE(kept == referencePage()) << "renew it with: ./run docs -o docs";
+}
+
+TEST(Docs, TellEveryMethodOnceAndPointToIt) {
+    const std::string page = referencePage();
+    for (const std::string& name : shortMethodNames()) {
+        EXPECT_EQ(countOf(page, "\n### " + name + "\n"), 1u) << name;
+        EXPECT_EQ(countOf(page, "[" + name + "](#"), 1u) << name;
+    }
+}
+
+/// What is said of giving `text` for an argument of brightness.
+std::string complaint(size_t argument, const std::string& text) {
+    return complaintAbout(host::findMethod("brightness")->arguments()[argument], text);
+}
+
+TEST(Arguments, AreJudgedByTheirTexts) {
+    for (const char* fine : {"40", "-3", "VOID + 1", "x", "x.width", "max(1, 2)"})
+        EXPECT_EQ(complaint(0, fine), "") << fine;
+    EXPECT_EQ(complaint(0, "\"x\""), "brightnessInt is \"x\", wanted is integer, -255 to 255");
+    EXPECT_EQ(complaint(0, "1.5"), "brightnessInt is a float, wanted is integer, -255 to 255");
+    EXPECT_EQ(complaint(0, "-1.5"), "brightnessInt is a float, wanted is integer, -255 to 255");
+    EXPECT_EQ(complaint(0, "rgb(1, 2, 3)"), "brightnessInt is a colour, wanted is integer, -255 to 255");
+    EXPECT_EQ(complaint(1, "#rgb"), "");
+    EXPECT_EQ(complaint(1, "#RBG"), "colourOrAlpha is #RBG, wanted is #RGB or #Alpha, did you mean #RGB?");
+    EXPECT_EQ(complaint(1, "[1, 2]"), "colourOrAlpha is a list, wanted is #RGB or #Alpha");
+}
+
+TEST(Arguments, OfEveryExampleAreRight) {
+    for (const host::Method* method : host::methods())
+        for (const host::Argument& argument : method->arguments())
+            EXPECT_EQ(complaintAbout(argument, host::exampleText(argument)), "") << method->name();
+}
+
+class Check : public CliTest {
+protected:
+    std::string errorsOf(const std::string& body) {
+        const CliResult done = krlimage({"check", text("a.ls", "on main\n" + body + "\nend\n")});
+        EXPECT_EQ(done.code, done.err.empty() ? 0 : 1);
+        return done.err;
+    }
+};
+
+TEST_F(Check, PassesWhatIsRight) {
+    EXPECT_EQ(errorsOf("  x = new(xtra \"KRLImageXtra\")\n  x.krlImageBrightness(40, #RGB)\n"
+                       "  krlImageBrightness(x, 40, #alpha)\n  x.krlImageBrightness(n, s)\n  other(1)"),
+              "");
+}
+
+TEST_F(Check, FindsMistakesWithPlaceAndLineWithoutRunning) {
+    const std::string errors = errorsOf(
+        "  x.krlImageBrightness(\"a\", #RGB)\n"
+        "  if x then put [#a: x.krlImageBrightness(4)]\n"
+        "  repeat with i = 1 to krlImageBrigtness(x, 1, #RGB)\n"
+        "    krlImageBrightness(x, -1.0, #Alhpa)\n"
+        "  end repeat\n"
+        "  krlImageQuit()");
+    EXPECT_TELLS(errors, "a.ls:2:24: brightnessInt is \"a\", wanted is integer, -255 to 255");
+    EXPECT_TELLS(errors, "a.ls:3:");
+    EXPECT_TELLS(errors, "takes 2 arguments, 1 was given");
+    EXPECT_TELLS(errors, "there is no method krlImageBrigtness, did you mean brightness?");
+    EXPECT_TELLS(errors, "a.ls:5:27: brightnessInt is a float");
+    EXPECT_TELLS(errors, "did you mean #Alpha?");
+    EXPECT_TELLS(errors, "an instance of the plug-in is wanted");
+    EXPECT_EQ(countOf(errors, "^\n"), 6u) << errors;
+}
+
+TEST_F(Check, LooksIntoEveryFormOfStatement) {
+    const std::string wrong = "x.krlImageInvert(1)";
+    const std::vector<std::string> bodies = {
+        wrong,
+        "return " + wrong,
+        "set y to " + wrong,
+        "y = [1, " + wrong + "]",
+        "put " + wrong + " into y",
+        "put 1, " + wrong,
+        "if " + wrong + " then nothing",
+        "if 1 then\n  nothing\nelse\n  " + wrong + "\nend if",
+        "repeat while " + wrong + "\nend repeat",
+        "repeat with i in " + wrong + "\nend repeat",
+        "case " + wrong + " of\n  1: nothing\nend case",
+        "case 1 of\n  1: " + wrong + "\nend case",
+        "case 1 of\n  1: nothing\n  otherwise: " + wrong + "\nend case",
+        "y = -f(" + wrong + " + 1)[2].name",
+        "y = char 1 to " + wrong + " of \"abc\"",
+    };
+    for (const std::string& body : bodies) EXPECT_TELLS(errorsOf(body), "colourOrAlpha is 1,") << body;
+}
+
+TEST_F(Check, TellsWhatCannotBeParsedOrRead) {
+    EXPECT_TELLS(errorsOf("  if 1 put 2"), "a.ls:2:");
+    EXPECT_EQ(krlimage({"check", at("none.ls")}).code, 1);
+}
+
+TEST(Thumbnails, AreMeansThatWeighColoursByOpacity) {
+    Bitmap picture{
+        2, 2, {{10, 20, 30, 255}, {30, 40, 50, 255}, {200, 200, 200, 0}, {90, 90, 90, 0}}, nullptr};
+    EXPECT_EQ(scaled(picture, 1, 1).pixels, (std::vector<Pixel>{{20, 30, 40, 128}}));
+    EXPECT_EQ(scaled(picture, 2, 2).pixels, picture.pixels);
+    EXPECT_EQ(scaled(picture, 4, 4).row(0)[3], picture.row(0)[1]);
+    EXPECT_EQ(noWiderThan(Bitmap{9, 6, std::vector<Pixel>(54, Pixel{7, 8, 9, 255}), nullptr}, 3).pixels,
+              std::vector<Pixel>(6, Pixel{7, 8, 9, 255}));
+    EXPECT_EQ(noWiderThan(picture, 2).width, 2);
+}
+
+class Sheet : public CliTest {};
+
+TEST_F(Sheet, ShowsEveryEffectWithItsPicture) {
+    if (!isPictureName("x.webp")) GTEST_SKIP() << "a build of PAM alone";
+    const CliResult done = krlimage({"gallery", picture("in.pam", 48, 32), "-o", at("sheet")});
+    ASSERT_EQ(done.code, 0) << done.err;
+    EXPECT_EQ(done.out, at("sheet/index.html") + "\n");
+    const std::string page = contentOf(at("sheet/index.html"));
+    for (const MethodGroup& group : methodGroups())
+        for (const host::Method* method : group.methods) {
+            if (method->isSilent() || managesEngine(*method)) continue;
+            EXPECT_TELLS(page, "<h3>" + method->shortName() + "</h3>");
+        }
+    EXPECT_EQ(countOf(page, "Failed "), 0u);
+    EXPECT_EQ(readPicture(at("sheet/invert.webp")).width, 48);
+    EXPECT_TRUE(std::filesystem::exists(at("sheet/thumbnails/invert.webp")));
+}
+
+}  // namespace
+}  // namespace krl::player

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "core/Random.h"
+#include "player/cli/CommandLine.h"
+#include "player/pictures/Picture.h"
+
+namespace krl::player {
+
+/// What a command line came to.
+struct CliResult {
+    int code = 0;
+    std::string out, err;
+};
+
+inline CliResult krlimage(const std::vector<std::string>& words, bool live = false) {
+    std::ostringstream out, err;
+    const int code = runCommandLine(words, Terminal{out, err, live});
+    return {code, out.str(), err.str()};
+}
+
+/// A folder of the test's own with what the command line works on; gone at the end.
+class CliTest : public testing::Test {
+protected:
+    CliTest() {
+        const testing::TestInfo& info = *testing::UnitTest::GetInstance()->current_test_info();
+        folder = std::filesystem::temp_directory_path() /
+                 ("krl-cli-" + std::string(info.test_suite_name()) + "-" + info.name());
+        std::filesystem::remove_all(folder);
+        std::filesystem::create_directories(folder);
+    }
+    ~CliTest() override { std::filesystem::remove_all(folder); }
+
+    std::string at(const std::string& name) const { return (folder / name).string(); }
+
+    /// A picture of noise with changing alpha.
+    static Bitmap noise(int32_t width, int32_t height, uint32_t seed = 5) {
+        Bitmap picture{width, height, std::vector<Pixel>(size_t(width) * size_t(height)), nullptr};
+        Random random(seed);
+        for (Pixel& p : picture.pixels)
+            p = {uint8_t(random.next()), uint8_t(random.next()), uint8_t(random.next()),
+                 uint8_t(random.next())};
+        return picture;
+    }
+
+    std::string picture(const std::string& name, int32_t width = 8, int32_t height = 6) const {
+        writePicture(folder / name, noise(width, height));
+        return at(name);
+    }
+
+    std::string text(const std::string& name, const std::string& content) const {
+        std::ofstream(folder / name, std::ios::binary) << content;
+        return at(name);
+    }
+
+    static std::string contentOf(const std::filesystem::path& path) {
+        std::ostringstream content;
+        content << std::ifstream(path, std::ios::binary).rdbuf();
+        return content.str();
+    }
+
+    size_t files() const {
+        size_t count = 0;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+            count += entry.is_regular_file() ? 1 : 0;
+        return count;
+    }
+
+    std::filesystem::path folder;
+};
+
+inline size_t countOf(const std::string& text, const std::string& part) {
+    size_t count = 0;
+    for (size_t found = text.find(part); found != std::string::npos; found = text.find(part, found + 1))
+        ++count;
+    return count;
+}
+
+#define EXPECT_TELLS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
+
+}  // namespace krl::player
