@@ -27,7 +27,7 @@ std::vector<SymbolChoice> colourMethods() {
 }
 
 std::vector<ColourStop> warmRamp() {
-    return {{0, Colour(40, 0, 60)}, {50, Colour(230, 110, 20)}, {100, Colour(255, 245, 200)}};
+    return {{0, Colour(0, 0, 0)}, {50, Colour(230, 110, 20)}, {100, Colour(255, 245, 200)}};
 }
 
 void addGleams(MethodList& list) {

@@ -58,9 +58,9 @@ void addWaves(MethodList& list) {
             .failed("Failed Waves function (Image)"));
     list.add(method("krlImageBlockWaves", blockWaves)
                  .summary("Breaks the picture into blocks along waves, as seen through glass bricks.")
-                 .real("amplitude", {.from = 0, .to = 100, .example = 25},
+                 .real("amplitude", {.from = 0, .to = 100, .example = 12},
                        "how far a place is moved, in pixels; below 0 is 0")
-                 .real("frequency", {.from = 0, .to = 45, .example = 9}, kFrequencyMeaning)
+                 .real("frequency", {.from = 0, .to = 45, .example = 6}, kFrequencyMeaning)
                  .real("horizPhase", {.from = -6.3, .to = 6.3, .example = 0},
                        "where the wave across begins at the middle, in radians")
                  .real("vertPhase", {.from = -6.3, .to = 6.3, .example = 1.5},
