@@ -63,8 +63,8 @@ Token ExpressionParser::expectName(const char* what) {
     return take();
 }
 
-void ExpressionParser::fail(const std::string& expected) const {
-    failAt(here().place, "expected " + expected + ", not " + here().described());
+void ExpressionParser::fail(const std::string& expected, const std::string& hint) const {
+    failAt(here().place, "expected " + expected + ", not " + here().described() + hint);
 }
 
 void ExpressionParser::failAt(Place place, const std::string& message) const {

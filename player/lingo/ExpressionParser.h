@@ -19,7 +19,8 @@ protected:
     void expectWord(const char* word, const char* after);
     /// A name for something new, `what` as a message tells it.
     Token expectName(const char* what);
-    [[noreturn]] void fail(const std::string& expected) const;
+    /// `hint` ends the message, such as with what was meant.
+    [[noreturn]] void fail(const std::string& expected, const std::string& hint = "") const;
     [[noreturn]] void failAt(Place place, const std::string& message) const;
 
     ExpressionPointer expression();

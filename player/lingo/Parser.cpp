@@ -29,7 +29,7 @@ public:
             else if (here().isWord("property"))
                 declare(script_->properties);
             else
-                fail("a handler, which begins with \"on\"" + didYouMean(here().text, {"on"}));
+                fail("a handler, which begins with \"on\"", didYouMean(here().text, {"on"}));
             passLineEnds();
         }
         resolveScopes();
@@ -229,7 +229,7 @@ private:
             path = std::move(alone);
         }
         made->expression = std::move(path);
-        if (!endsStatement()) fail("\"=\" or the end of the line" + didYouMean(first.text, kStatementWords));
+        if (!endsStatement()) fail("\"=\" or the end of the line", didYouMean(first.text, kStatementWords));
         return made;
     }
 
@@ -245,12 +245,12 @@ private:
         const Token name = take();
         auto made = std::make_unique<CallExpression>(ExpressionKind::Call, name.place);
         made->name = symbols_.identifier(name.text);
-        if (!beginsExpression()) fail("a statement" + didYouMean(name.text, kStatementWords));
+        if (!beginsExpression()) fail("a statement", didYouMean(name.text, kStatementWords));
         do {
             made->arguments.push_back(expression());
             contain(*made, made->arguments.back());
         } while (takeMark(","));
-        if (!endsStatement()) fail("\",\" or the end of the line" + didYouMean(name.text, kStatementWords));
+        if (!endsStatement()) fail("\",\" or the end of the line", didYouMean(name.text, kStatementWords));
         auto whole = std::make_unique<ExpressionStatement>(StatementKind::Evaluate, name.place);
         whole->expression = std::move(made);
         return whole;

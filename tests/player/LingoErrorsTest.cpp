@@ -1,0 +1,218 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "player/lingo/Session.h"
+#include "support/ScratchFolder.h"
+
+/// What scripts are told when something is wrong: where, what was expected, what was meant.
+namespace krl::player {
+namespace {
+
+/// Runs a script of these lines and gives what it printed; failures are thrown.
+class Script {
+public:
+    explicit Script(const std::string& text) {
+        std::ofstream(folder_.path() / "script.ls") << text;
+        options.output = &printed;
+        options.alerts = &printed;
+    }
+    std::string run() {
+        Session session(options);
+        session.run(folder_.path() / "script.ls", {});
+        return printed.str();
+    }
+    /// Line, column and message of the failure.
+    std::string failure() {
+        try {
+            run();
+        } catch (const ScriptError& error) {
+            excerpt = error.excerpt();
+            return std::to_string(error.place().line) + ':' + std::to_string(error.place().column) + ' ' +
+                   error.message();
+        }
+        return "no failure";
+    }
+
+    SessionOptions options;
+    std::ostringstream printed;
+    std::string excerpt;
+
+private:
+    test::ScratchFolder folder_;
+};
+
+/// The failure of a `main` with these lines, the first being line 2.
+std::string failureOf(const std::string& lines) { return Script("on main\n" + lines + "\nend\n").failure(); }
+
+TEST(LingoErrors, TextThatCannotBeParsed) {
+    EXPECT_EQ(failureOf("  if x = 1 put 2"), "2:12 expected \"then\" after the condition, not \"put\"");
+    EXPECT_EQ(failureOf("  put (1 + 2"), "2:13 expected \")\" after the expression, not the end of the line");
+    EXPECT_EQ(failureOf("  x = "), "2:7 expected an expression, not the end of the line");
+    EXPECT_EQ(failureOf("  put \"open"), "2:7 expected a closing quote on the same line");
+    EXPECT_EQ(failureOf("  put 12abc"), "2:9 expected the number to end before \"a\"");
+    EXPECT_EQ(failureOf("  x = 5 6"), "2:9 expected the end of the line, not \"6\"");
+    EXPECT_EQ(failureOf("  repeat until x"),
+              "2:10 expected \"while\" or \"with\" after \"repeat\", not \"until\"");
+    EXPECT_EQ(failureOf("  5 = x"), "2:3 expected a statement, not \"5\"");
+    EXPECT_EQ(failureOf("  f() = 1"),
+              "2:3 expected a variable, a property, an element of a list or a chunk to assign to");
+    EXPECT_EQ(failureOf("  put ?"), "2:7 unexpected character \"?\"");
+    EXPECT_EQ(failureOf("  put [1, 2"), "2:12 expected \",\" or \"]\" in the list, not the end of the line");
+    EXPECT_EQ(failureOf("  put [#a: 1, #b]"), "2:17 expected \":\" after the property, not \"]\"");
+    EXPECT_EQ(failureOf("  repeat with i = 1 to 3\n  put i"),
+              "4:1 expected \"end repeat\" for the \"repeat\" of line 2, not \"end\"");
+    EXPECT_EQ(failureOf("  case 1 of\n  put 2\n  end case"),
+              "3:3 expected a value and \":\", \"otherwise\" or \"end case\", not \"put\"");
+    EXPECT_EQ(failureOf("  put 1 \\ 2"), "2:9 expected the end of the line after \"\\\", which continues it");
+}
+
+TEST(LingoErrors, StatementsThatWereMeant) {
+    EXPECT_EQ(failureOf("  retrun x y"),
+              "2:12 expected \",\" or the end of the line, not \"y\", did you mean return?");
+    EXPECT_EQ(Script("no main\nend\n").failure(),
+              "1:1 expected a handler, which begins with \"on\", not \"no\", did you mean on?");
+}
+
+TEST(LingoErrors, TheCaretStandsUnderTheColumn) {
+    Script script("on main\n\tput 1 +\nend\n");
+    EXPECT_EQ(script.failure(), "2:9 expected an expression, not the end of the line");
+    EXPECT_EQ(script.excerpt, "\tput 1 +\n\t       ^");
+}
+
+TEST(LingoErrors, TheLineStartsWithFileLineAndColumn) {
+    const test::ScratchFolder folder;
+    std::ofstream(folder.path() / "bad.ls") << "on main\n  put\n  put nothingHere\nend\n";
+    std::ostringstream out;
+    SessionOptions options;
+    options.output = &out;
+    Session session(options);
+    try {
+        session.run(folder.path() / "bad.ls", {});
+        FAIL();
+    } catch (const ScriptError& error) {
+        EXPECT_EQ(std::string(error.what()), (folder.path() / "bad.ls").string() +
+                                                 ":3:7: the variable \"nothingHere\" has no value yet");
+    }
+    EXPECT_EQ(out.str(), "--\n");
+}
+
+TEST(LingoErrors, NamesThatWereMeant) {
+    EXPECT_EQ(failureOf("  total = 1\n  put totl"),
+              "3:7 the variable \"totl\" has no value yet, did you mean total?");
+    EXPECT_EQ(failureOf("  put lenght(\"x\")"),
+              "2:7 there is no handler or function \"lenght\", did you mean length?");
+    EXPECT_EQ(failureOf("  put [1].cuont"), "2:11 a list has no property \"cuont\", did you mean count?");
+    EXPECT_EQ(failureOf("  p = [#speed: 1]\n  put p.sped"),
+              "3:9 a property list has no property \"sped\", did you mean speed?");
+    EXPECT_EQ(failureOf("  put the milisecond"),
+              "2:11 there is no \"the milisecond\", did you mean milliseconds?");
+    EXPECT_EQ(
+        failureOf("  x = new(xtra \"KRLImageXtra\")\n  x.krlImageBrightnes(1, #RGB)"),
+        "3:5 an instance of an xtra has no method \"krlImageBrightnes\", did you mean krlImageBrightness?");
+    EXPECT_EQ(failureOf("  put xtra(\"Other\")"), "2:7 there is no xtra \"Other\", only \"KRLImageXtra\"");
+    EXPECT_EQ(Script("on main\n  helo\nend\non hello\nend\n").failure(),
+              "2:3 there is no handler or function \"helo\", did you mean hello?");
+}
+
+TEST(LingoErrors, WrongKindsOfValues) {
+    EXPECT_EQ(failureOf("  put 1 / 0"), "2:9 an integer cannot be divided by zero");
+    EXPECT_EQ(failureOf("  put 1 mod 0"), "2:9 an integer cannot be divided by zero");
+    EXPECT_EQ(failureOf("  put 1 + #a"),
+              "2:9 expected numbers on both sides of \"+\", not an integer and a symbol");
+    EXPECT_EQ(failureOf("  put [1][2]"), "2:10 list: expected an index from 1 to 1, not 2");
+    EXPECT_EQ(failureOf("  put sqrt(\"x\")"), "2:7 sqrt: expected a number as argument 1, not a string");
+    EXPECT_EQ(failureOf("  put sqrt()"), "2:7 sqrt takes at least 1 argument, not 0");
+    EXPECT_EQ(failureOf("  put abs(1, 2)"), "2:7 abs takes at most 1 argument, not 2");
+    EXPECT_EQ(failureOf("  x = 5\n  x.y = 1"), "3:5 an integer has no property \"y\"");
+    EXPECT_EQ(failureOf("  repeat with x in 5\n  end repeat"),
+              "2:3 expected a list to repeat over, not an integer");
+    EXPECT_EQ(failureOf("  put rgb(\"blue\")"),
+              "2:7 rgb: expected a colour such as \"#FF8000\", not \"blue\"");
+    EXPECT_EQ(failureOf("  put image(0, 5, 32)"),
+              "2:7 an image is at least 1 pixel wide and high, not 0 by 5");
+    EXPECT_EQ(failureOf("  put image(100000, 100000, 32)"),
+              "2:7 an image of 100000 by 100000 pixels is larger than 2 GB");
+    EXPECT_EQ(failureOf("  img = image(2, 2, 32)\n  img.width = 3"),
+              "3:7 the property \"width\" of an image cannot be set");
+    EXPECT_EQ(failureOf("  put getProp([#a: 1], #b)"), "2:7 the list has no property #b");
+}
+
+TEST(LingoErrors, RecursionIsBounded) {
+    EXPECT_EQ(Script("on main\n  again\nend\non again\n  again\nend\n").failure(),
+              "5:3 handlers call each other more than 400 deep; \"again\" may never end");
+    std::string deep = "on main\n  put ";
+    for (int i = 0; i < 100000; ++i) deep += '(';
+    EXPECT_EQ(Script(deep).failure().substr(0, 5), "2:257");
+    deep = "on main\n  put 1";
+    for (int i = 0; i < 100000; ++i) deep += " + 1";
+    EXPECT_NE(Script(deep).failure().find("nested too deeply"), std::string::npos);
+    deep = "on main\n";
+    for (int i = 0; i < 100000; ++i) deep += "if 1 then\n";
+    EXPECT_NE(Script(deep).failure().find("nested too deeply"), std::string::npos);
+    deep = "on main\n  put ";
+    for (int i = 0; i < 100000; ++i) deep += "- ";
+    EXPECT_NE(Script(deep).failure().find("nested too deeply"), std::string::npos);
+}
+
+TEST(LingoErrors, DeepButAllowedScriptsRun) {
+    std::string inner = "1";
+    for (int i = 0; i < 200; ++i) inner = "(" + inner + ")";
+    // Each of the allowed handlers evaluates as deep as there is room for.
+    Script script("on main\n  put deep(390)\nend\non deep n\n  if n = 0 then return " + inner +
+                  "\n  return deep(n - 1) + 1\nend\n");
+    EXPECT_EQ(script.failure(), "no failure");
+    EXPECT_EQ(script.printed.str(), "-- 391\n");
+}
+
+TEST(LingoErrors, ListsThatHoldThemselvesEndInAMessage) {
+    EXPECT_EQ(failureOf("  l = []\n  l.add(l)\n  put l"), "4:3 the list to show is nested too deeply");
+    EXPECT_EQ(failureOf("  l = []\n  l.add(l)\n  m = []\n  m.add(m)\n  put l = m"),
+              "6:9 the lists to compare are nested too deeply");
+    EXPECT_EQ(failureOf("  l = []\n  l.add(l)\n  m = l.duplicate()"),
+              "4:9 duplicate: the list is nested too deeply");
+    EXPECT_EQ(failureOf("  l = [1]\n  l.add(l)\n  l = l + 1"),
+              "4:9 the lists to calculate with are nested too deeply");
+}
+
+TEST(LingoErrors, MemoryIsBounded) {
+    const char* const hungry[] = {
+        "on main\n  s = \"0123456789\"\n  repeat while TRUE\n    s = s & s\n  end repeat\nend\n",
+        "on main\n  l = []\n  repeat while TRUE\n    l.add([1, 2, 3])\n  end repeat\nend\n",
+        "on main\n  l = []\n  repeat while TRUE\n    l.add(0.5)\n  end repeat\nend\n",
+        "on main\n  l = []\n  repeat while TRUE\n    l.add(image(500, 500, 32))\n  end repeat\nend\n",
+        "on main\n  l = []\n  l[2000000000] = 1\nend\n",
+        "on main\n  s = \"\"\n  put \"x\" into item 2000000000 of s\nend\n",
+        "on main\n  s = \"0123456789\"\n  repeat while TRUE\n    put s after s\n  end repeat\nend\n",
+    };
+    for (const char* text : hungry) {
+        Script script(text);
+        script.options.memoryLimit = uint64_t(32) << 20;
+        EXPECT_NE(
+            script.failure().find("out of memory: the script's values and images may take 32 MB together"),
+            std::string::npos)
+            << text << script.failure();
+    }
+}
+
+TEST(LingoErrors, AFailedScriptLeavesNothingBehind) {
+    const test::ScratchFolder folder;
+    std::ofstream(folder.path() / "fails.ls") << "global g\non main\n  g = [image(2, 2, 32), new(xtra "
+                                                 "\"KRLImageXtra\")]\n  l = [g]\n  l.add(l)\n  oops\nend\n";
+    Session session({});
+    EXPECT_THROW(session.run(folder.path() / "fails.ls", {}), ScriptError);
+    EXPECT_EQ(session.close().text(), "nothing");
+}
+
+TEST(LingoErrors, ScriptsThatAreNotThere) {
+    Session session({});
+    EXPECT_THROW(session.run("no such script.ls", {}), ScriptError);
+    EXPECT_EQ(Script("").failure().substr(0, 4), "0:0 ");
+    EXPECT_EQ(
+        Script("-- nothing but a comment").failure().find("expected a handler to run") != std::string::npos,
+        true);
+}
+
+}  // namespace
+}  // namespace krl::player
