@@ -51,8 +51,8 @@ struct CannyBytes {
 KRL_WIDE_CLONES
 void cannyRun(const Pixel* above, const Pixel* at, const Pixel* below, int32_t count, int32_t threshold,
               Pixel* fresh) {
-    const CannyBytes canny{&above->blue, &at->blue, &below->blue, threshold};
-    uint8_t* out = &fresh->blue;
+    const CannyBytes canny{firstByte(above), firstByte(at), firstByte(below), threshold};
+    uint8_t* out = firstByte(fresh);
     for (int64_t i = 0; i < int64_t(count) * 4; ++i) out[i] = canny(i);
 }
 

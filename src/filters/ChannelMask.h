@@ -23,6 +23,10 @@ public:
         return std::bit_cast<Pixel>(kept | (std::bit_cast<uint32_t>(fresh) & word_));
     }
 
+    /// Merges runs of pixels into `target`, which may be either.
+    void combine(const Pixel* old, const Pixel* fresh, int32_t count, Pixel* target) const {
+        for (int32_t i = 0; i < count; ++i) target[i] = merge(old[i], fresh[i]);
+    }
     /// Merges a run of pixels into `target`.
     void write(Pixel* target, const Pixel* fresh, int32_t count) const {
         for (int32_t i = 0; i < count; ++i) target[i] = merge(target[i], fresh[i]);

@@ -138,8 +138,8 @@ Status emboss(ImageEngine& engine, int32_t strength, float azimuth, float elevat
 
     const auto shade = [&](const Pixel* above, const Pixel* at, const Pixel* below, int32_t count,
                            Pixel* fresh) {
-        const uint8_t *up = &above->blue, *row = &at->blue, *down = &below->blue;
-        uint8_t* out = &fresh->blue;
+        const uint8_t *up = firstByte(above), *row = firstByte(at), *down = firstByte(below);
+        uint8_t* out = firstByte(fresh);
         for (int32_t i = 0; i < count * 4; i += kRun) {
             const int32_t run = std::min(kRun, count * 4 - i);
             if (light.isOrdinary())

@@ -11,45 +11,41 @@ namespace {
 
 /// Largest and smallest along the rows: `lowest` holds the picture and takes the smallest.
 Status spreadOfRows(const ImageEngine& engine, const ImageBuffer& lowest, const ImageBuffer& highest,
-                    int32_t half, bool scaled, const BundleRoom& room) {
+                    int32_t half, bool scaled) {
     const int32_t width = lowest.width;
-    const LineWindow window = LineWindow::centred(half, width);
-    return forEachBundle(engine, lowest.height, [&](int32_t band, IndexRange rows) {
-        if (scaled)
-            for (int32_t y = rows.first; y < rows.last; ++y)
-                scaleByAlpha(lowest.row(y), lowest.row(y), width);
-        const auto put = [&](const ImageBuffer& target) {
-            return [bundle = LineBundle::ofRows(target, rows)](int32_t x, const Lanes& result) {
-                for (int32_t y = 0; y < bundle.lines; ++y) bundle.at(y, x) = result.pixel(y);
-            };
+    return forEachRowWindow(engine, LineWindow::centred(half, width), [&](int32_t y, RowWindows& windows) {
+        Pixel *low = lowest.row(y), *high = highest.row(y);
+        if (scaled) scaleByAlpha(low, low, width);
+        const auto put = [&](Pixel* row, const Pixel* extremes) {
+            std::memcpy(row, extremes, static_cast<size_t>(width) * sizeof(Pixel));
         };
-        LineBundle::ofRows(lowest, rows).gather(room.line(band));
-        slideWindow<Smallest>(room.line(band), width, window, room.tails(band), put(lowest));
-        slideWindow<Largest>(room.line(band), width, window, room.tails(band), put(highest));
+        put(high, windows.slide<Largest>(low));
+        put(low, windows.slide<Smallest>(low));
     });
 }
 
 /// The same down the columns, and what the difference of both becomes, into the image.
 Status spreadOfColumns(const ImageEngine& engine, const ImageBuffer& lowest, const ImageBuffer& highest,
-                       int32_t half, const uint8_t* curve, const BundleRoom& room) {
+                       int32_t half, const uint8_t* curve) {
     const ImageBuffer& image = *engine.buffer();
     const LineWindow window = LineWindow::centred(half, image.height);
+    const int32_t tailRows = std::min(window.length, image.height);
     const ChannelMask mask(ChannelTarget::RGB);
-    return forEachBundle(engine, image.width, [&](int32_t band, IndexRange columns) {
-        Lanes *line = room.line(band), *smallest = room.other(band);
-        LineBundle::ofColumns(lowest, columns).gather(line);
-        slideWindow<Smallest>(line, image.height, window, room.tails(band),
-                              [&](int32_t y, const Lanes& result) { smallest[y] = result; });
-        LineBundle::ofColumns(highest, columns).gather(line);
-        slideWindow<Largest>(
-            line, image.height, window, room.tails(band), [&](int32_t y, const Lanes& largest) {
-                Pixel* row = image.row(y) + columns.first;
-                for (int32_t x = 0; x < columns.last - columns.first; ++x) {
-                    const Pixel high = largest.pixel(x), low = smallest[y].pixel(x);
-                    row[x] = mask.merge(row[x], {curve[high.blue - low.blue], curve[high.green - low.green],
-                                                 curve[high.red - low.red], 0});
-                }
-            });
+    return forEachColumnRun(engine, int64_t(tailRows) + image.height, [&](IndexRange columns, Pixel* room) {
+        Pixel *tails = room, *smallest = room + int64_t(tailRows) * kColumnsAtOnce;
+        const int32_t width = columns.last - columns.first;
+        slideDownColumns<Smallest>(lowest, columns, window, tails, [&](int32_t y, const Pixel* extremes) {
+            std::memcpy(smallest + int64_t(y) * kColumnsAtOnce, extremes,
+                        static_cast<size_t>(width) * sizeof(Pixel));
+        });
+        slideDownColumns<Largest>(highest, columns, window, tails, [&](int32_t y, const Pixel* largest) {
+            const Pixel* low = smallest + int64_t(y) * kColumnsAtOnce;
+            Pixel* row = image.row(y) + columns.first;
+            for (int32_t x = 0; x < width; ++x)
+                row[x] = mask.merge(
+                    row[x], {curve[largest[x].blue - low[x].blue], curve[largest[x].green - low[x].green],
+                             curve[largest[x].red - low[x].red], 0});
+        });
     });
 }
 
@@ -67,12 +63,10 @@ Status glowingEdges(ImageEngine& engine, int32_t size, int32_t smoothness, float
 
     const ImageCopy lowest(image);
     const ImageCopy highest(image);
-    const BundleRoom room(engine.getThreadCount(), std::max(image.width, image.height));
     if (smoothness > 0)
         TentBlur(engine.getThreadCount()).blurRGBA(lowest.row(0), image.height, image.width, smoothness);
-    const Status rows =
-        spreadOfRows(engine, lowest.view(), highest.view(), half, hasTransparency(image), room);
-    return rows ? rows : spreadOfColumns(engine, lowest.view(), highest.view(), half, curve, room);
+    const Status rows = spreadOfRows(engine, lowest.view(), highest.view(), half, hasTransparency(image));
+    return rows ? rows : spreadOfColumns(engine, lowest.view(), highest.view(), half, curve);
 }
 
 }  // namespace krl

@@ -62,8 +62,8 @@ struct Neighbourhood {
 
 void sobelStrengths(const Pixel* above, const Pixel* at, const Pixel* below, int32_t count,
                     Pixel* strengths) {
-    const uint8_t *up = &above->blue, *row = &at->blue, *down = &below->blue;
-    uint8_t* out = &strengths->blue;
+    const uint8_t *up = firstByte(above), *row = firstByte(at), *down = firstByte(below);
+    uint8_t* out = firstByte(strengths);
     const int64_t bytes = int64_t(count) * 4;
     int64_t i = 0;
 #if defined(__SSE2__)

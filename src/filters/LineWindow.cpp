@@ -1,5 +1,7 @@
 #include "filters/LineWindow.h"
 
+#include "core/Clones.h"
+
 namespace krl {
 
 namespace {
@@ -9,6 +11,19 @@ int32_t usefulHalf(int32_t half, int32_t count) { return clampTo(half, 0, count 
 
 }  // namespace
 
+// The result may lie where an operand does: each byte is made of those at its own place alone.
+KRL_WIDE_CLONES
+void Smallest::combine(const uint8_t* a, const uint8_t* b, int64_t bytes, uint8_t* result) {
+#pragma GCC ivdep
+    for (int64_t i = 0; i < bytes; ++i) result[i] = a[i] < b[i] ? a[i] : b[i];
+}
+
+KRL_WIDE_CLONES
+void Largest::combine(const uint8_t* a, const uint8_t* b, int64_t bytes, uint8_t* result) {
+#pragma GCC ivdep
+    for (int64_t i = 0; i < bytes; ++i) result[i] = a[i] > b[i] ? a[i] : b[i];
+}
+
 LineWindow LineWindow::centred(int32_t half, int32_t count) {
     const int32_t reach = usefulHalf(half, count);
     return {2 * reach + 1, reach, kNone};
@@ -16,6 +31,7 @@ LineWindow LineWindow::centred(int32_t half, int32_t count) {
 
 LineWindow LineWindow::seededLate(int32_t half, int32_t count) {
     const int32_t reach = usefulHalf(half, count);
+    if (reach == 0) return {};
     return {2 * reach + 1, reach + 1, reach - 1};
 }
 
@@ -28,15 +44,21 @@ LineWindow LineWindow::afterFirst(int32_t half, int32_t count) {
     return {2 * usefulHalf(half, count) + 1, 1, 0};
 }
 
-void LineBundle::gather(Lanes* lanes) const {
-    if (acrossBytes == sizeof(Pixel)) {
-        const size_t bytes = static_cast<size_t>(lines) * sizeof(Pixel);
-        for (int32_t place = 0; place < length; ++place)
-            std::memcpy(lanes[place].byte, first + place * alongBytes, bytes);
-        return;
-    }
-    for (int32_t place = 0; place < length; ++place)
-        for (int32_t line = 0; line < lines; ++line) lanes[place].setPixel(line, at(line, place));
+void RowWindows::layEntries(const Pixel* row, uint8_t outside) {
+    const int32_t left = std::min(window_.skipped, count_), right = std::max(count_ - left - 1, 0);
+    Pixel* samples = entries_ + window_.lead;
+    Pixel* end = entries_ + window_.entries(count_);
+    const auto fill = [=](Pixel* first, Pixel* last) {
+        if (first < last) std::memset(first, outside, static_cast<size_t>(last - first) * sizeof(Pixel));
+    };
+    const auto copy = [](Pixel* target, const Pixel* source, int32_t pixels) {
+        std::memcpy(target, source, static_cast<size_t>(pixels) * sizeof(Pixel));
+    };
+    fill(entries_, samples);
+    // A window that begins at its pixel has no room for what is past the last.
+    copy(samples, row, left);
+    copy(samples + left, row + std::min(left + 1, count_), right);
+    fill(samples + left + right, end);
 }
 
 }  // namespace krl

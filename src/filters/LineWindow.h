@@ -8,25 +8,29 @@
 #include "core/ImageEngine.h"
 #include "core/Scratch.h"
 
-/// Minimum or maximum of a window that slides along a line, in time that does not depend on the
-/// window's length. Sixteen adjacent lines, rows or columns, are walked side by side, so that each
-/// step is a few vector operations and a walk down columns still reads memory in rows.
+/// Minimum or maximum of a window that slides along a line, in time that hardly depends on the
+/// window's length.
+///
+/// Along a row, the extremes of 1, 2, 4, 8 ... entries from each place on are made of one another, and
+/// two of the last give the window's. Down columns, a run of adjacent columns is walked row by row:
+/// the entries are cut into blocks of a window's length, every window is the tail of one block and
+/// the head of the next, and three combinations for each row are all, whatever the length.
 namespace krl {
 
-/// The smallest byte of a window; a sample outside the line never wins.
+/// The smallest byte of a window; an entry from outside the line never wins.
 struct Smallest {
     static constexpr uint8_t kOutside = 255;
-    static constexpr uint8_t of(uint8_t a, uint8_t b) { return a < b ? a : b; }
+    static void combine(const uint8_t* a, const uint8_t* b, int64_t bytes, uint8_t* result);
 };
 
-/// The largest byte of a window; a sample outside the line never wins.
+/// The largest byte of a window; an entry from outside the line never wins.
 struct Largest {
     static constexpr uint8_t kOutside = 0;
-    static constexpr uint8_t of(uint8_t a, uint8_t b) { return a > b ? a : b; }
+    static void combine(const uint8_t* a, const uint8_t* b, int64_t bytes, uint8_t* result);
 };
 
-/// Where a window lies on a line. The line, less the sample `skipped`, is entered after `lead`
-/// samples from outside; the window of result `x` is the `length` entries from entry `x` on.
+/// Where a window lies on a line. The line, less the sample `skipped`, is entered after `lead` entries
+/// from outside; the window of result `x` is the `length` entries from entry `x` on.
 struct LineWindow {
     static constexpr int32_t kNone = INT32_MAX;
 
@@ -34,8 +38,8 @@ struct LineWindow {
     int32_t lead = 0;
     int32_t skipped = kNone;
 
-    /// `half` samples to each side. A negative `half` counts as 0, as does for `count` samples
-    /// whatever reaches beyond both ends from everywhere.
+    /// `half` samples to each side. A negative `half` counts as 0, and one that reaches beyond both
+    /// ends of `count` samples from everywhere as the least that does.
     static LineWindow centred(int32_t half, int32_t count);
     /// The same window as a ring is seeded for it that starts one sample late: the sample before
     /// number `half` is passed over, and while the ring still holds what came before that sample,
@@ -45,119 +49,124 @@ struct LineWindow {
     static LineWindow before(int32_t half, int32_t count);
     /// The `2 * half + 1` samples that begin at `x`, but for sample 0, which counts as outside.
     static LineWindow afterFirst(int32_t half, int32_t count);
+
+    /// Entries that `count` results are made of.
+    int64_t entries(int32_t count) const { return int64_t(count) + length - 1; }
+    /// The sample that enters at `place`; negative or `count` and above for one from outside.
+    int64_t sampleAt(int64_t place) const {
+        const int64_t sample = place - lead;
+        return sample >= skipped ? sample + 1 : sample;
+    }
 };
 
-/// Pixels at the same place of sixteen adjacent lines.
-struct Lanes {
-    static constexpr int32_t kCount = 16;
-
-    uint8_t byte[kCount * sizeof(Pixel)];
-
-    static Lanes filled(uint8_t value) {
-        Lanes lanes;
-        std::memset(lanes.byte, value, sizeof lanes.byte);
-        return lanes;
+/// Slides windows along rows; the working room of one band.
+class RowWindows {
+public:
+    /// Pixels of room that a row of `count` needs.
+    static size_t roomFor(const LineWindow& window, int32_t count) {
+        return 2 * static_cast<size_t>(window.entries(count));
     }
-    Pixel pixel(int32_t lane) const {
-        Pixel p;
-        std::memcpy(&p, byte + lane * sizeof(Pixel), sizeof p);
-        return p;
+    RowWindows(const LineWindow& window, int32_t count, Pixel* room)
+        : window_(window), count_(count), entries_(room), other_(room + window.entries(count)) {}
+
+    /// One pixel for each of the row's, every byte the extreme of its window; good until the next call.
+    template <class Extreme>
+    const Pixel* slide(const Pixel* row) {
+        layEntries(row, Extreme::kOutside);
+        Pixel *now = entries_, *next = other_;
+        int64_t reach = 1, left = window_.entries(count_);
+        for (; 2 * reach <= window_.length; reach *= 2) {
+            left -= reach;
+            combine<Extreme>(now, now + reach, left, next);
+            std::swap(now, next);
+        }
+        combine<Extreme>(now, now + window_.length - reach, count_, next);
+        return next;
     }
-    void setPixel(int32_t lane, Pixel p) { std::memcpy(byte + lane * sizeof(Pixel), &p, sizeof p); }
+
+private:
+    template <class Extreme>
+    static void combine(const Pixel* a, const Pixel* b, int64_t pixels, Pixel* result) {
+        Extreme::combine(firstByte(a), firstByte(b), pixels * int64_t(sizeof(Pixel)), firstByte(result));
+    }
+    void layEntries(const Pixel* row, uint8_t outside);
+
+    LineWindow window_;
+    int32_t count_;
+    Pixel *entries_, *other_;
 };
-static_assert(Lanes::kCount == kTileColumns);
 
-template <class Extreme>
-Lanes combined(const Lanes& a, const Lanes& b) {
-    Lanes result;
-    for (size_t i = 0; i < sizeof result.byte; ++i) result.byte[i] = Extreme::of(a.byte[i], b.byte[i]);
-    return result;
-}
+/// Adjacent columns that are walked down together: enough for whole cache lines and few page changes.
+inline constexpr int32_t kColumnsAtOnce = 128;
 
-/// Calls `emit(x, lanes)` for every place of `count`, rising, with the extreme of its window.
-///
-/// The entries are cut into blocks of a window's length. A window is the tail of one block and the
-/// head of the next, so the extremes of a block's tails, made walking back, and a running extreme of
-/// the heads give every window with three combinations for each entry. `tails` has room for `count`.
+/// Slides windows down up to `kColumnsAtOnce` columns of `picture`, and calls `emit(y, extremes)` with
+/// one pixel for each column, from the first row to the last. `tails` has room for as many rows.
 template <class Extreme, class Emit>
-void slideWindow(const Lanes* line, int32_t count, const LineWindow& window, Lanes* tails, Emit&& emit) {
-    const Lanes outside = Lanes::filled(Extreme::kOutside);
-    const auto entry = [&](int64_t place) -> const Lanes& {
-        int64_t i = place - window.lead;
-        if (i >= window.skipped) ++i;
-        return i >= 0 && i < count ? line[i] : outside;
+void slideDownColumns(const ImageBuffer& picture, IndexRange columns, const LineWindow& window, Pixel* tails,
+                      Emit&& emit) {
+    const int32_t width = columns.last - columns.first, count = picture.height;
+    Pixel outside[kColumnsAtOnce], head[kColumnsAtOnce], result[kColumnsAtOnce];
+    std::memset(outside, Extreme::kOutside, sizeof outside);
+    const auto entry = [&](int64_t place) -> const Pixel* {
+        const int64_t y = window.sampleAt(place);
+        return y >= 0 && y < count ? picture.row(static_cast<int32_t>(y)) + columns.first : outside;
+    };
+    const auto combine = [&](const Pixel* a, const Pixel* b, Pixel* out) {
+        Extreme::combine(firstByte(a), firstByte(b), width * int64_t(sizeof(Pixel)), firstByte(out));
     };
     for (int64_t start = 0; start < count; start += window.length) {
         const int64_t results = std::min<int64_t>(window.length, count - start);
-        Lanes tail = outside;
+        const Pixel* tail = outside;
         for (int64_t i = window.length - 1; i >= 0; --i) {
-            tail = combined<Extreme>(tail, entry(start + i));
-            if (i < results) tails[i] = tail;
+            Pixel* longer = i < results ? tails + i * kColumnsAtOnce : head;
+            combine(tail, entry(start + i), longer);
+            tail = longer;
         }
-        emit(static_cast<int32_t>(start), tails[0]);
-        Lanes head = outside;
+        emit(static_cast<int32_t>(start), tails);
+        std::memcpy(head, outside, sizeof head);
         for (int64_t i = 1; i < results; ++i) {
-            head = combined<Extreme>(head, entry(start + window.length + i - 1));
-            emit(static_cast<int32_t>(start + i), combined<Extreme>(head, tails[i]));
+            combine(head, entry(start + window.length + i - 1), head);
+            combine(head, tails + i * kColumnsAtOnce, result);
+            emit(static_cast<int32_t>(start + i), result);
         }
     }
 }
 
-/// Up to sixteen adjacent rows, or columns, of a picture.
-struct LineBundle {
-    uint8_t* first;
-    ptrdiff_t acrossBytes;  ///< from a line to the next
-    ptrdiff_t alongBytes;   ///< from a pixel of a line to its next
-    int32_t lines;
-    int32_t length;
-
-    static LineBundle ofRows(const ImageBuffer& image, IndexRange rows) {
-        return {reinterpret_cast<uint8_t*>(image.row(rows.first)), image.rowBytes, sizeof(Pixel),
-                rows.last - rows.first, image.width};
-    }
-    static LineBundle ofColumns(const ImageBuffer& image, IndexRange columns) {
-        return {reinterpret_cast<uint8_t*>(image.row(0) + columns.first), sizeof(Pixel), image.rowBytes,
-                columns.last - columns.first, image.height};
-    }
-
-    Pixel& at(int32_t line, int32_t place) const {
-        return *reinterpret_cast<Pixel*>(first + line * acrossBytes + place * alongBytes);
-    }
-    /// Reads the lines into `lanes`, one entry for each place.
-    void gather(Lanes* lanes) const;
-};
-
-/// Working room for each band's bundle, taken before any band runs.
-class BundleRoom {
+/// Working room for each band, taken before any band runs.
+class BandRoom {
 public:
-    BundleRoom(int32_t bands, int32_t longestLine)
-        : longest_(static_cast<size_t>(longestLine)),
-          lanes_(kParts * longest_ * static_cast<size_t>(bands)) {}
+    BandRoom(int32_t bands, size_t pixels) : each_(pixels), pixels_(pixels * static_cast<size_t>(bands)) {}
 
-    Lanes* line(int32_t band) const { return part(band, 0); }
-    Lanes* tails(int32_t band) const { return part(band, 1); }
-    /// A second line, for effects that hold two extremes side by side.
-    Lanes* other(int32_t band) const { return part(band, 2); }
+    Pixel* of(int32_t band) const { return pixels_.data() + static_cast<size_t>(band) * each_; }
 
 private:
-    static constexpr size_t kParts = 3;
-
-    Lanes* part(int32_t band, size_t index) const {
-        return lanes_.data() + (static_cast<size_t>(band) * kParts + index) * longest_;
-    }
-
-    size_t longest_;
-    Scratch<Lanes> lanes_;
+    size_t each_;
+    Scratch<Pixel> pixels_;
 };
 
-/// Calls `work(band, IndexRange)` for bundles of at most sixteen of `lineCount` lines, banded.
+/// Calls `work(y, windows)` for every row, with the windows of the row's band.
 template <class Work>
-Status forEachBundle(const ImageEngine& engine, int32_t lineCount, Work&& work) {
+Status forEachRowWindow(const ImageEngine& engine, const LineWindow& window, Work&& work) {
+    const ImageBuffer& image = *engine.buffer();
     const int32_t bands = engine.getThreadCount();
+    const BandRoom room(bands, RowWindows::roomFor(window, image.width));
     return runBands(bands, [&](int32_t band) {
-        const IndexRange share = lineBand(lineCount, bands, band);
-        for (int32_t line = share.first; line < share.last; line += Lanes::kCount)
-            work(band, IndexRange{line, std::min(share.last - line, Lanes::kCount) + line});
+        RowWindows windows(window, image.width, room.of(band));
+        const IndexRange rows = lineBand(image.height, bands, band);
+        for (int32_t y = rows.first; y < rows.last; ++y) work(y, windows);
+    });
+}
+
+/// Calls `work(columns, room)` for runs of at most `kColumnsAtOnce` columns, with as many pixels of
+/// room as `roomRows` rows of a run have.
+template <class Work>
+Status forEachColumnRun(const ImageEngine& engine, int64_t roomRows, Work&& work) {
+    const int32_t bands = engine.getThreadCount();
+    const BandRoom room(bands, static_cast<size_t>(roomRows) * kColumnsAtOnce);
+    return runBands(bands, [&](int32_t band) {
+        const IndexRange share = lineBand(engine.buffer()->width, bands, band);
+        for (int32_t x = share.first; x < share.last; x += kColumnsAtOnce)
+            work(IndexRange{x, x + std::min(share.last - x, kColumnsAtOnce)}, room.of(band));
     });
 }
 

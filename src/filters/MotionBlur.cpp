@@ -156,7 +156,7 @@ private:
         for (const Stop& stop : path_) addStop(sums, &source_.at(x, y, stop)->blue, count * 4, stop.samples);
         emptyParts(sums, count * 4);
         Pixel means[kTile];
-        MeanDivisor(distance_).means(sums.total, count * 4, &means->blue);
+        MeanDivisor(distance_).means(sums.total, count * 4, firstByte(means));
         if (isWeighted_)
             writeWeighted(pixels, x, y, count, sums.total, means);
         else

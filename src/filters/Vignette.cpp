@@ -100,7 +100,7 @@ Status cover(const ImageEngine& engine, const int32_t* plane, int32_t planeWidth
         for (int32_t x = 0; x < width; x += kRun) {
             const int32_t count = std::min(kRun, width - x);
             spreadMask(mask + x, count, target, shares);
-            coverBytes(&row[x].blue, &shares->blue, &coverRun->blue, count * 4);
+            coverBytes(firstByte(row + x), firstByte(shares), firstByte(coverRun), count * 4);
         }
     });
 }
