@@ -23,6 +23,13 @@ uint32_t blendWords(uint32_t a, uint32_t b, int32_t fraction) {
     return blended;
 }
 
+/// A place truncated and held in 0 to `last`, which a float may not hold.
+int32_t heldIndex(float place, int32_t last) {
+    const auto end = static_cast<float>(last);
+    const auto index = static_cast<int32_t>(place > 0.0f ? (place < end ? place : end) : 0.0f);
+    return index < last ? index : last;
+}
+
 }  // namespace
 
 bool canSplitPlaces(int32_t last) { return last >= 1 && last <= 1 << 24; }
@@ -47,15 +54,12 @@ KRL_WIDE_CLONES bool splitPlaces(const float* __restrict places, size_t count, i
 }
 
 KRL_WIDE_CLONES void nearestPixels(const Pixel* source, int32_t stride, const float* __restrict y,
-                                   const float* __restrict x, size_t count, float bottom, float right,
+                                   const float* __restrict x, size_t count, int32_t bottom, int32_t right,
                                    Pixel* __restrict out) {
     const Word* words = wordsOf(source);
     Word* nearest = wordsOf(out);
-    for (size_t i = 0; i < count; ++i) {
-        const float column = x[i] > 0.0f ? (x[i] < right ? x[i] : right) : 0.0f;
-        const float row = y[i] > 0.0f ? (y[i] < bottom ? y[i] : bottom) : 0.0f;
-        nearest[i] = words[static_cast<int32_t>(row) * stride + static_cast<int32_t>(column)];
-    }
+    for (size_t i = 0; i < count; ++i)
+        nearest[i] = words[heldIndex(y[i], bottom) * stride + heldIndex(x[i], right)];
 }
 
 KRL_WIDE_CLONES void blendSquares(const Pixel* source, int32_t stride, const AxisRun& rows,

@@ -31,7 +31,7 @@ bool splitPlaces(const float* places, size_t count, int32_t last, AxisRun& axis)
 /// The pixels that the places truncate to, those outside (and NaN) being held in the picture; `stride` is
 /// pixels from row to row.
 void nearestPixels(const Pixel* source, int32_t stride, const float* y, const float* x, size_t count,
-                   float bottom, float right, Pixel* out);
+                   int32_t bottom, int32_t right, Pixel* out);
 /// The blends of four pixels at each place of `columns` and `rows`.
 void blendSquares(const Pixel* source, int32_t stride, const AxisRun& rows, const AxisRun& columns,
                   size_t count, Pixel* out);

@@ -67,15 +67,12 @@ public:
     static constexpr SampleQuality kQuality = SampleQuality::Standard;
 
     explicit NearestSampler(const ImageBuffer& source)
-        : source_(source),
-          stride_(source.rowBytes / static_cast<int32_t>(sizeof(Pixel))),
-          right_(static_cast<float>(source.width - 1)),
-          bottom_(static_cast<float>(source.height - 1)) {}
+        : source_(source), stride_(source.rowBytes / static_cast<int32_t>(sizeof(Pixel))) {}
 
     /// From the places (`x[i]`, `y[i]`).
     void run(Pixel* destination, const float* y, const float* x, size_t count) const {
         Pixel nearest[kRunPixels];
-        nearestPixels(source_.row(0), stride_, y, x, count, bottom_, right_, nearest);
+        nearestPixels(source_.row(0), stride_, y, x, count, source_.height - 1, source_.width - 1, nearest);
         for (size_t i = 0; i < count; ++i) copyChannels<target>(destination[i], nearest[i]);
     }
     /// From the columns `x[i]` of row `y`.
@@ -95,7 +92,6 @@ private:
 
     const ImageBuffer& source_;
     int32_t stride_;
-    float right_, bottom_;
 };
 
 /// Bilinear sampling of a picture with repeated edges: `sampleBilinear` at `makeSamplePoint`, with a road of
