@@ -1,6 +1,7 @@
 #include "blur/TentBlur.h"
 
 #include <algorithm>
+#include <cstring>
 #include <type_traits>
 
 #include "blur/ByteMix.h"
@@ -16,6 +17,9 @@ using tent::Line;
 /// Samples that a tile of the column pass is wide: half a memory page, so that going down the rows
 /// is not all page walks, and little enough that sums and rows stay in the nearest cache.
 constexpr int32_t kTileSamples = 2048;
+
+/// How many rows ahead the column pass asks for memory.
+constexpr int32_t kRowsAhead = 4;
 
 // A layout tells where the samples of a block lie and how blurred ones go back. `kLanes` samples
 // of each word are blurred together, the words are `kPitch` samples apart, and `firstLane` is the
@@ -33,15 +37,33 @@ struct PixelLayout {
     }
 };
 
-/// One sample of each word of `Pitch`.
-template <class SampleType, int32_t Pitch>
-struct SingleLayout {
-    using Sample = SampleType;
-    static constexpr int32_t kLanes = 1, kPitch = Pitch;
-    int32_t firstLane = 0;
+/// One byte of each pixel. It is stored by whole words, which the compiler makes vectors of.
+struct ChannelLayout {
+    using Sample = uint8_t;
+    static constexpr int32_t kLanes = 1, kPitch = 4;
+    int32_t firstLane;
 
-    void store(Sample* words, const Sample* blurred, int32_t count) const {
-        for (int32_t i = 0; i < count; ++i) words[i * Pitch + firstLane] = blurred[i];
+    void store(uint8_t* words, const uint8_t* blurred, int32_t count) const {
+        const int32_t shift = 8 * firstLane;
+        const uint32_t keep = ~(255u << shift);
+        for (int32_t i = 0; i < count; ++i) {
+            uint32_t word;
+            std::memcpy(&word, words + i * 4, 4);
+            word = (word & keep) | uint32_t{blurred[i]} << shift;
+            std::memcpy(words + i * 4, &word, 4);
+        }
+    }
+};
+
+/// A plane of samples and nothing else.
+template <class SampleType>
+struct PlaneLayout {
+    using Sample = SampleType;
+    static constexpr int32_t kLanes = 1, kPitch = 1;
+    static constexpr int32_t firstLane = 0;
+
+    void store(Sample* samples, const Sample* blurred, int32_t count) const {
+        std::copy_n(blurred, count, samples);
     }
 };
 
@@ -84,7 +106,15 @@ void blurRows(const typename Arithmetic::Sample* block, typename Arithmetic::Sam
     }
 }
 
-/// Blurs columns of `lines` down themselves into `block`, a tile of adjacent columns at a time.
+/// Asks for memory that will be needed soon.
+template <class Sample>
+void prefetch(const Sample* first, int32_t count) {
+    constexpr int32_t kLineSamples = 64 / sizeof(Sample);
+    for (int32_t i = 0; i < count; i += kLineSamples) __builtin_prefetch(first + i);
+}
+
+/// Blurs columns of `lines` down themselves into `block`, a tile of adjacent columns at a time. From
+/// one row to the next the processor does not foresee what is needed, so it is told.
 template <class Arithmetic, class Layout>
 void blurColumns(const typename Arithmetic::Sample* lines, typename Arithmetic::Sample* block,
                  const Extent& extent, const Layout& layout, IndexRange columns) {
@@ -93,16 +123,21 @@ void blurColumns(const typename Arithmetic::Sample* lines, typename Arithmetic::
     const Arithmetic arithmetic(extent.halfWidth);
     const ptrdiff_t pitch = ptrdiff_t(extent.width) * Layout::kLanes;
     for (int32_t x = columns.first; x < columns.last; x += tileColumns) {
-        const int32_t count = std::min(tileColumns, columns.last - x);
+        const int32_t count = std::min(tileColumns, columns.last - x), lanes = count * Layout::kLanes;
         const Line<Sample> line{lines + ptrdiff_t(x) * Layout::kLanes, pitch, extent.height};
-        tent::Window<Arithmetic, kTileSamples> window(arithmetic, line, extent.halfWidth,
-                                                      count * Layout::kLanes);
+        const auto target = [&](int32_t y) {
+            return block + (ptrdiff_t(y) * extent.width + x) * Layout::kPitch;
+        };
+        tent::Window<Arithmetic, kTileSamples> window(arithmetic, line, extent.halfWidth, lanes);
         tent::walk(line, extent.halfWidth,
                    [&](int32_t y, const Sample* entering, const Sample* centre, const Sample* leaving) {
+                       const int32_t rowsLeft = extent.height - 1 - y;
+                       prefetch(target(y + std::min(kRowsAhead, rowsLeft)), count * Layout::kPitch);
+                       const int32_t soon = extent.halfWidth + 2 + kRowsAhead;
+                       if (soon <= rowsLeft) prefetch(line.at(y + soon), lanes);
                        Sample blurred[kTileSamples];
                        window.step(blurred, entering, centre, leaving);
-                       layout.store(block + (ptrdiff_t(y) * extent.width + x) * Layout::kPitch, blurred,
-                                    count);
+                       layout.store(target(y), blurred, count);
                    });
     }
 }
@@ -151,7 +186,7 @@ void TentBlur::blurChroma(Pixel* pixels, int32_t height, int32_t width, int32_t 
 }
 
 void TentBlur::blurChannel(Pixel* pixels, int32_t height, int32_t width, int32_t radius, int32_t channel) {
-    blurLayout(bytesOf(pixels), height, width, radius, SingleLayout<uint8_t, 4>{channel});
+    blurLayout(bytesOf(pixels), height, width, radius, ChannelLayout{channel});
 }
 
 void TentBlur::blurAlpha(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
@@ -163,7 +198,7 @@ void TentBlur::blurSingle(Pixel* pixels, int32_t height, int32_t width, int32_t 
 }
 
 void TentBlur::blurBytes(uint8_t* plane, int32_t height, int32_t width, int32_t radius) {
-    blurLayout(plane, height, width, radius, SingleLayout<uint8_t, 1>{});
+    blurLayout(plane, height, width, radius, PlaneLayout<uint8_t>{});
 }
 
 void TentBlur::blurPlane(int32_t* plane, int32_t height, int32_t width, int32_t radius) {
@@ -171,7 +206,7 @@ void TentBlur::blurPlane(int32_t* plane, int32_t height, int32_t width, int32_t 
     const int32_t halfWidth = tent::halfWidth(radius);
     if (halfWidth <= 0 || height <= 0 || width <= 0) return;
     const Scratch<int32_t> lines(size_t(height) * size_t(width));
-    runPasses<tent::SignedWords>(plane, height, width, halfWidth, SingleLayout<int32_t, 1>{}, lines.data());
+    runPasses<tent::SignedWords>(plane, height, width, halfWidth, PlaneLayout<int32_t>{}, lines.data());
 }
 
 }  // namespace krl

@@ -111,7 +111,8 @@ void walk(const Line<Sample>& line, int32_t halfWidth, Step&& step) {
 /// Up to here a call costs more than the lanes do.
 inline constexpr int kFewLanes = 4;
 
-/// The windows of up to `Lanes` lanes, each at the same place of its own line.
+/// The windows of lanes side by side, each at the same place of its own line: exactly `Lanes` of
+/// them if they are few, else up to so many.
 template <class Arithmetic, int Lanes>
 class Window {
 public:
@@ -137,7 +138,8 @@ public:
         if constexpr (Lanes > kFewLanes && std::is_same_v<Arithmetic, NarrowBytes>)
             stepManyLanes(arithmetic_, sums_, slopes_, means, entering, centre, leaving, lanes_);
         else
-            stepLanes(arithmetic_, sums_, slopes_, means, entering, centre, leaving, lanes_);
+            stepLanes(arithmetic_, sums_, slopes_, means, entering, centre, leaving,
+                      Lanes > kFewLanes ? lanes_ : Lanes);
     }
 
 protected:
