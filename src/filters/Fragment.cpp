@@ -34,7 +34,8 @@ Status fragment(ImageEngine& engine, int32_t distance, ChannelTarget target) {
         const Pixel *up = sourceRow(y - reach), *down = sourceRow(y + reach), *at = sourceRow(y);
         const auto write = [&](int32_t x, const Pixel* left, const Pixel* right, int32_t count) {
             Pixel means[kRun];
-            meanOfFour(firstByte(up + x), firstByte(down + x), firstByte(left), firstByte(right), count * 4, firstByte(means));
+            meanOfFour(firstByte(up + x), firstByte(down + x), firstByte(left), firstByte(right), count * 4,
+                       firstByte(means));
             mask.write(row + x, means, count);
         };
         for (int32_t x = 0; x < width;) {

@@ -52,7 +52,8 @@ void MeanDivisor::means(const uint32_t* sums, int32_t number, uint8_t* bytes) co
 PathSource::PathSource(const ImageEngine& engine, bool scaled)
     : width_(engine.buffer()->width),
       height_(engine.buffer()->height),
-      pixels_(static_cast<size_t>(width_) * static_cast<size_t>(height_)) {
+      pixels_(static_cast<size_t>(width_) * static_cast<size_t>(height_) + 1) {
+    pixels_[pixels_.size() - 1] = {};
     for (int32_t y = 0; y < height_; ++y) {
         const Pixel* row = engine.buffer()->row(y);
         Pixel* packed = pixels_.data() + ptrdiff_t(y) * width_;

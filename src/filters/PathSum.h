@@ -43,48 +43,36 @@ public:
     const Pixel* pixels() const { return pixels_.data(); }
     int32_t width() const { return width_; }
     int32_t height() const { return height_; }
+    /// Offset of a pixel past the last that adds nothing to any sum.
+    int32_t nothing() const { return width_ * height_; }
 
 private:
     int32_t width_, height_;
     Scratch<Pixel> pixels_;
 };
 
-/// Sums of the four channels over samples, and, where `kWeighted`, of their alpha on 0..1, added one
-/// by one in single precision. The sums are 32-bit integers that wrap.
-template <bool kWeighted>
+/// Sums of the four channels over samples, 32-bit integers that wrap, and the weight of colour: alpha
+/// on 0..1, added sample by sample in single precision.
 class PathSum {
 public:
-    explicit PathSum(const LookupTables& tables) : unitFromByte_(tables.unitFromByte) {}
+    float weight = 0.0f;
 
-    /// Adds the pixels of `source` at `count` offsets.
-    void add(const Pixel* source, const int32_t* offsets, int32_t count) {
-        constexpr int32_t kFieldSamples = 256;
-        for (int32_t first = 0; first < count; first += kFieldSamples) {
-            uint64_t fields = 0;
-            const int32_t last = count - first < kFieldSamples ? count : first + kFieldSamples;
-            for (int32_t i = first; i < last; ++i) {
-                const Pixel p = source[offsets[i]];
-                fields += fieldsOf(p);
-                if constexpr (kWeighted) weight_ += unitFromByte_[p.alpha];
-            }
-            blue_ += blueField(fields);
-            green_ += greenField(fields);
-            red_ += redField(fields);
-            alpha_ += alphaField(fields);
-        }
+    /// Adds the sums of at most 256 samples.
+    void add(uint64_t fields) {
+        blue_ += blueField(fields);
+        green_ += greenField(fields);
+        red_ += redField(fields);
+        alpha_ += alphaField(fields);
     }
-
-    /// Adds one pixel `times` times.
-    void addRepeatedly(Pixel p, int64_t times) {
+    /// Adds one pixel `times` times, the weight left as it is.
+    void add(Pixel p, int64_t times) {
         const auto factor = static_cast<uint32_t>(times);
         blue_ += factor * p.blue;
         green_ += factor * p.green;
         red_ += factor * p.red;
         alpha_ += factor * p.alpha;
-        if constexpr (kWeighted) weight_ = addedRepeatedly(weight_, unitFromByte_[p.alpha], times);
     }
 
-    float weight() const { return weight_; }
     /// Alpha over the number of samples.
     uint8_t meanAlpha(int32_t count) const { return mean(alpha_, count); }
     /// Every channel over the number of samples.
@@ -101,12 +89,10 @@ private:
         return static_cast<uint8_t>(static_cast<int32_t>(sum) / count);
     }
     uint8_t overWeight(uint32_t sum) const {
-        return static_cast<uint8_t>(truncate(static_cast<int32_t>(sum) / double(weight_)));
+        return static_cast<uint8_t>(truncate(static_cast<int32_t>(sum) / double(weight)));
     }
 
-    const float* unitFromByte_;
     uint32_t blue_ = 0, green_ = 0, red_ = 0, alpha_ = 0;
-    float weight_ = 0.0f;
 };
 
 /// Where the run of equal samples ends that begins with sample `first` of `count`. `isSame` tells it
@@ -164,8 +150,5 @@ struct Placement {
         doubt = (column - placeWithin(x - error, width)) | (row - placeWithin(y - error, height));
     }
 };
-
-/// More than the error of a place that is made without sine and cosine, in pixels.
-inline constexpr double kPlaceError = 1e-6;
 
 }  // namespace krl

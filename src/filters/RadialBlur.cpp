@@ -2,9 +2,8 @@
 #include <new>
 
 #include "core/Clones.h"
-#include "filters/ChannelMask.h"
 #include "filters/PathBlur.h"
-#include "filters/PathSum.h"
+#include "filters/PathTile.h"
 
 namespace krl {
 
@@ -22,8 +21,8 @@ public:
         }
     }
     int32_t count() const { return static_cast<int32_t>(count_); }
-    const double* cosines() const { return cosines_.data(); }
-    const double* sines() const { return sines_.data(); }
+    double cosine(int32_t n) const { return cosines_[static_cast<size_t>(n)]; }
+    double sine(int32_t n) const { return sines_[static_cast<size_t>(n)]; }
 
 private:
     /// Tables past 2^31 bytes are not to be had.
@@ -61,28 +60,31 @@ struct Circle {
     }
 
     /// Offset of the sample `degree` degrees on, by its definition.
-    int32_t offsetAt(int32_t degree, int32_t width, int32_t height) const {
+    int32_t offsetAt(int32_t degree, const PathSource& source) const {
         const double t = degree * kRadiansPerDegree + angle;
-        const int32_t x = placeWithin(centre.x - std::cos(t) * radius, width);
-        return placeWithin(centre.y - std::sin(t) * radius, height) * width + x;
+        const int32_t x = placeWithin(centre.x - std::cos(t) * radius, source.width());
+        return placeWithin(centre.y - std::sin(t) * radius, source.height()) * source.width() + x;
     }
 };
 
-/// Offsets of a run of the arc's samples, by turning the circle's own direction through the tables;
-/// returns whether any of them is in doubt, and tells which.
+/// The circles of a tile, as far as they are turned.
+struct TileCircles {
+    double alongX[PathTile::kPixels], alongY[PathTile::kPixels];
+};
+
+/// Turns every circle of a tile by one angle; returns whether any place is in doubt.
 KRL_WIDE_CLONES
-bool turnThrough(const Circle& circle, const double* cosines, const double* sines, int32_t count,
-                 int32_t width, int32_t height, double error, int32_t* offsets, int32_t* doubts) {
-    const double alongX = circle.alongX, alongY = circle.alongY;
-    const double centreX = circle.centre.x, centreY = circle.centre.y;
+bool turn(const TileCircles& circles, int32_t count, double cosine, double sine, Point centre, int32_t width,
+          int32_t height, double error, TilePlaces& places) {
+    const double centreX = centre.x, centreY = centre.y;
     int32_t any = 0;
     for (int32_t i = 0; i < count; ++i) {
-        const double x = centreX - (alongX * cosines[i] - alongY * sines[i]);
-        const double y = centreY - (alongY * cosines[i] + alongX * sines[i]);
+        const double x = centreX - (circles.alongX[i] * cosine - circles.alongY[i] * sine);
+        const double y = centreY - (circles.alongY[i] * cosine + circles.alongX[i] * sine);
         const Placement place(x, y, width, height, error);
-        offsets[i] = place.offset;
-        doubts[i] = place.doubt;
-        any |= doubts[i];
+        places.offset[i] = place.offset;
+        places.doubt[i] = place.doubt;
+        any |= place.doubt;
     }
     return any != 0;
 }
@@ -90,29 +92,35 @@ bool turnThrough(const Circle& circle, const double* cosines, const double* sine
 template <ChannelTarget kTarget>
 Status blurArcs(ImageEngine& engine, int32_t degrees, Point point) {
     constexpr bool kWeighted = kTarget == ChannelTarget::RGBA;
-    constexpr int32_t kRun = 256;
     const ArcTables arc(degrees);
     const PathSource source(engine, kWeighted);
-    const int32_t width = source.width(), height = source.height(), count = arc.count();
-    const double error = kPlaceError + degrees * 1e-12;  // angles round the more the larger they are
-    return forEachRow(engine, [&](Pixel* row, int32_t y) {
-        int32_t offsets[kRun], doubts[kRun];
-        for (int32_t x = 0; x < width; ++x) {
-            const Circle circle(point, x, y);
-            PathSum<kWeighted> sum(engine.tables());
-            for (int32_t first = 0; first < count; first += kRun) {
-                const int32_t run = std::min(kRun, count - first);
-                if (turnThrough(circle, arc.cosines() + first, arc.sines() + first, run, width, height, error,
-                                offsets, doubts))
-                    for (int32_t i = 0; i < run; ++i)
-                        if (doubts[i]) offsets[i] = circle.offsetAt(first + i - degrees, width, height);
-                sum.add(source.pixels(), offsets, run);
-            }
-            if constexpr (kWeighted) {
-                if (sum.weight() != 0.0f) row[x] = sum.weighted(count);
-            } else {
-                row[x] = ChannelMask(kTarget).merge(row[x], sum.mean(count));
-            }
+    // The larger an angle, the more it is rounded.
+    const double error = placeError(point, source) + degrees * 1e-12;
+    return forEachPathTile(engine, [&](const PathTile& tile) {
+        const int32_t pixels = tile.count();
+        TileCircles circles;
+        for (int32_t i = 0; i < pixels; ++i) {
+            const Circle circle(point, tile.x(i), tile.y(i));
+            circles.alongX[i] = circle.alongX;
+            circles.alongY[i] = circle.alongY;
+        }
+        TilePlaces places;
+        TileSums<kWeighted> sums(engine, source);
+        for (int32_t n = 0; n < arc.count(); ++n) {
+            if (turn(circles, pixels, arc.cosine(n), arc.sine(n), point, source.width(), source.height(),
+                     error, places))
+                for (int32_t i = 0; i < pixels; ++i)
+                    if (places.doubt[i])
+                        places.offset[i] = Circle(point, tile.x(i), tile.y(i)).offsetAt(n - degrees, source);
+            sums.add(places.offset, pixels);
+        }
+        sums.gather();
+        for (int32_t i = 0; i < pixels; ++i) {
+            Pixel& p = engine.buffer()->row(tile.y(i))[tile.x(i)];
+            if constexpr (!kWeighted)
+                p = ChannelMask(kTarget).merge(p, sums[i].mean(arc.count()));
+            else if (sums[i].weight != 0.0f)
+                p = sums[i].weighted(arc.count());
         }
     });
 }

@@ -1,9 +1,8 @@
 #include <cmath>
 
 #include "core/Clones.h"
-#include "filters/ChannelMask.h"
 #include "filters/PathBlur.h"
-#include "filters/PathSum.h"
+#include "filters/PathTile.h"
 
 namespace krl {
 
@@ -13,96 +12,140 @@ namespace {
 struct Ray {
     Point point;
     PointReach reach;
-    double alongX, alongY;  ///< the ray's direction, toward the point
-    double step;            ///< 1 away from the point, -1 toward it
+    double step;  ///< 1 away from the point, -1 toward it
 
-    Ray(Point origin, int32_t x, int32_t y, ZoomDirection direction)
-        : point(origin), reach(origin, x, y), step(direction == ZoomDirection::Out ? -1.0 : 1.0) {
-        alongX = reach.hasWrapped ? std::cos(reach.angle()) : reach.dx / reach.distance;
-        alongY = reach.hasWrapped ? std::sin(reach.angle()) : reach.dy / reach.distance;
-    }
+    Ray(Point origin, int32_t x, int32_t y, double away) : point(origin), reach(origin, x, y), step(away) {}
 
     /// Offset of sample `k`, by its definition.
-    int32_t offsetAt(int32_t k, int32_t width, int32_t height) const {
+    int32_t offsetAt(int64_t k, const PathSource& source) const {
         const auto nearest = [](double v, int32_t size) {
             return placeWithin(v < 0 ? v - 0.5 : v + 0.5, size);
         };
-        const double angle = reach.angle(), d = reach.distance + step * k;
-        const int32_t column = nearest(point.x - std::cos(angle) * d, width);
-        return nearest(point.y - std::sin(angle) * d, height) * width + column;
+        const double angle = reach.angle(), d = reach.distance + step * double(k);
+        const int32_t column = nearest(point.x - std::cos(angle) * d, source.width());
+        return nearest(point.y - std::sin(angle) * d, source.height()) * source.width() + column;
     }
 };
 
-/// Offsets of `count` samples from number `first` on, by the ray's direction; returns whether any of
-/// them is in doubt, and tells which.
+/// The rays of a tile: direction toward the point, distance from it, and how many samples each has.
+struct TileRays {
+    double alongX[PathTile::kPixels], alongY[PathTile::kPixels], distance[PathTile::kPixels];
+    int32_t count[PathTile::kPixels];
+
+    void set(int32_t i, const Ray& ray, int32_t samples) {
+        const PointReach& reach = ray.reach;
+        alongX[i] = reach.hasWrapped ? std::cos(reach.angle()) : reach.dx / reach.distance;
+        alongY[i] = reach.hasWrapped ? std::sin(reach.angle()) : reach.dy / reach.distance;
+        distance[i] = reach.distance;
+        count[i] = samples;
+    }
+};
+
+/// What of a zoom all tiles share.
+struct Zoom {
+    Point point;
+    double step;
+    int32_t width, height, nothing;
+    double error;
+};
+
+/// Places sample `k` of every ray of a tile that has as many; returns whether any place is in doubt.
 KRL_WIDE_CLONES
-bool walkAlong(const Ray& ray, int32_t first, int32_t count, int32_t width, int32_t height, int32_t* offsets,
-               int32_t* doubts) {
-    const double alongX = ray.alongX, alongY = ray.alongY, step = ray.step;
-    const double start = ray.reach.distance + step * first;
-    const double pointX = ray.point.x + 0.5, pointY = ray.point.y + 0.5;
+bool advance(const TileRays& rays, int32_t pixels, int32_t k, const Zoom& zoom, TilePlaces& places) {
+    const double pointX = zoom.point.x + 0.5, pointY = zoom.point.y + 0.5, walked = zoom.step * k;
     int32_t any = 0;
-    for (int32_t i = 0; i < count; ++i) {
-        const double d = start + step * i;
-        const double x = pointX - alongX * d, y = pointY - alongY * d;
-        const Placement place(x, y, width, height, kPlaceError);
-        offsets[i] = place.offset;
-        doubts[i] = place.doubt;
-        any |= doubts[i];
+    for (int32_t i = 0; i < pixels; ++i) {
+        const double d = rays.distance[i] + walked;
+        const Placement place(pointX - rays.alongX[i] * d, pointY - rays.alongY[i] * d, zoom.width,
+                              zoom.height, zoom.error);
+        const int32_t onRay = k < rays.count[i] ? -1 : 0;
+        places.offset[i] = zoom.nothing + ((place.offset - zoom.nothing) & onRay);
+        places.doubt[i] = place.doubt & onRay;
+        any |= places.doubt[i];
     }
     return any != 0;
 }
 
-/// Sums `count` samples of a ray. A ray that is much longer than the picture keeps sampling the same
-/// pixels of its border, and is summed run by run of equal samples.
-template <bool kWeighted>
-void sumRay(const Ray& ray, int32_t count, const PathSource& source, PathSum<kWeighted>& sum) {
-    constexpr int32_t kRun = 64;
-    int32_t offsets[kRun], doubts[kRun];
-    const int32_t width = source.width(), height = source.height();
-    const auto offsetAt = [&](int64_t k) { return ray.offsetAt(static_cast<int32_t>(k), width, height); };
-    if (count > 4 * (int64_t(width) + height)) {
-        for (int64_t first = 0; first < count;) {
-            const int32_t offset = offsetAt(first);
-            const int64_t end = endOfRun(first, count, [&](int64_t k) { return offsetAt(k) == offset; });
-            sum.addRepeatedly(source.pixels()[offset], end - first);
+template <ChannelTarget kTarget>
+class ZoomedTile {
+public:
+    static constexpr bool kWeighted = kTarget == ChannelTarget::RGBA;
+
+    ZoomedTile(const ImageEngine& engine, const PathSource& source, const Zoom& zoom, double scale,
+               const PathTile& tile)
+        : image_(*engine.buffer()), source_(source), zoom_(zoom), tile_(tile), sums_(engine, source) {
+        for (int32_t i = 0; i < tile.count(); ++i) {
+            const Ray ray = rayOf(i);
+            counts_[i] = truncate(ray.reach.distance * scale);
+            rays_.set(i, ray, isLong(i) ? 0 : counts_[i]);
+        }
+    }
+
+    void blur() {
+        const int32_t longest = *std::max_element(rays_.count, rays_.count + tile_.count());
+        for (int32_t k = 0; k < longest; ++k) {
+            if (advance(rays_, tile_.count(), k, zoom_, places_))
+                for (int32_t i = 0; i < tile_.count(); ++i)
+                    if (places_.doubt[i]) places_.offset[i] = rayOf(i).offsetAt(k, source_);
+            sums_.add(places_.offset, tile_.count());
+        }
+        sums_.gather();
+        for (int32_t i = 0; i < tile_.count(); ++i) {
+            if (isLong(i)) sumLongRay(i);
+            if (counts_[i] > 0) write(i);
+        }
+    }
+
+private:
+    Ray rayOf(int32_t i) const { return {zoom_.point, tile_.x(i), tile_.y(i), zoom_.step}; }
+
+    /// A ray that is much longer than the picture keeps sampling the same pixels of its border, and is
+    /// summed by itself, run by run of equal samples.
+    bool isLong(int32_t i) const { return counts_[i] > 4 * (int64_t(zoom_.width) + zoom_.height); }
+    void sumLongRay(int32_t i) {
+        const Ray ray = rayOf(i);
+        for (int64_t first = 0; first < counts_[i];) {
+            const int32_t offset = ray.offsetAt(first, source_);
+            const int64_t end =
+                endOfRun(first, counts_[i], [&](int64_t k) { return ray.offsetAt(k, source_) == offset; });
+            sums_.addRepeatedly(i, offset, end - first);
             first = end;
         }
-        return;
     }
-    for (int32_t first = 0; first < count; first += kRun) {
-        const int32_t run = std::min(kRun, count - first);
-        if (walkAlong(ray, first, run, width, height, offsets, doubts))
-            for (int32_t i = 0; i < run; ++i)
-                if (doubts[i]) offsets[i] = offsetAt(first + i);
-        sum.add(source.pixels(), offsets, run);
+
+    void write(int32_t i) {
+        Pixel& p = image_.row(tile_.y(i))[tile_.x(i)];
+        if constexpr (!kWeighted)
+            p = ChannelMask(kTarget).merge(p, sums_[i].mean(counts_[i]));
+        else if (sums_[i].weight != 0.0f)
+            p = sums_[i].weighted(counts_[i]);
+        else
+            p.alpha = sums_[i].meanAlpha(counts_[i]);
     }
-}
+
+    const ImageBuffer& image_;
+    const PathSource& source_;
+    const Zoom& zoom_;
+    const PathTile& tile_;
+    TileRays rays_;
+    TilePlaces places_;
+    TileSums<kWeighted> sums_;
+    int32_t counts_[PathTile::kPixels];
+};
 
 template <ChannelTarget kTarget>
 Status blurRays(ImageEngine& engine, int32_t zoomLength, Point point, ZoomDirection direction) {
-    constexpr bool kWeighted = kTarget == ChannelTarget::RGBA;
-    const PathSource source(engine, kWeighted);
-    const int32_t width = source.width(), height = source.height();
-    const double diagonal = std::sqrt(double(PointReach::sumOfSquares(height, width)));
+    const PathSource source(engine, ZoomedTile<kTarget>::kWeighted);
+    const double diagonal = std::sqrt(double(PointReach::sumOfSquares(source.height(), source.width())));
     const double scale = 1.0 / diagonal * zoomLength;
-    return forEachRow(engine, [&](Pixel* row, int32_t y) {
-        for (int32_t x = 0; x < width; ++x) {
-            const Ray ray(point, x, y, direction);
-            const int32_t count = truncate(ray.reach.distance * scale);
-            if (count <= 0) continue;
-            PathSum<kWeighted> sum(engine.tables());
-            sumRay(ray, count, source, sum);
-            if constexpr (kWeighted) {
-                if (sum.weight() != 0.0f)
-                    row[x] = sum.weighted(count);
-                else
-                    row[x].alpha = sum.meanAlpha(count);
-            } else {
-                row[x] = ChannelMask(kTarget).merge(row[x], sum.mean(count));
-            }
-        }
-    });
+    const Zoom zoom{point,
+                    direction == ZoomDirection::Out ? -1.0 : 1.0,
+                    source.width(),
+                    source.height(),
+                    source.nothing(),
+                    placeError(point, source)};
+    return forEachPathTile(
+        engine, [&](const PathTile& tile) { ZoomedTile<kTarget>(engine, source, zoom, scale, tile).blur(); });
 }
 
 }  // namespace
