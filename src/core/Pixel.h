@@ -17,6 +17,10 @@ struct Pixel {
 };
 static_assert(sizeof(Pixel) == 4);
 
+/// A run of pixels as its bytes.
+inline uint8_t* firstByte(Pixel* pixels) { return reinterpret_cast<uint8_t*>(pixels); }
+inline const uint8_t* firstByte(const Pixel* pixels) { return reinterpret_cast<const uint8_t*>(pixels); }
+
 /// Which bytes of a pixel an effect works on. The numbers are part of the program's one numbering
 /// of options.
 enum class ChannelTarget : int32_t {
