@@ -4,7 +4,9 @@ add_library(krl_compiler INTERFACE)
 target_compile_options(krl_compiler INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>  # false of joined strings in this compiler
-  -ffp-contract=off -fno-fast-math -fno-math-errno -fno-trapping-math)
+  -ffp-contract=off -fno-fast-math -fno-math-errno -fno-trapping-math
+  # This pass of some releases forgets to round a double to single precision and back.
+  $<$<CXX_COMPILER_ID:GNU>:-fno-tree-slp-vectorize>)
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   target_compile_options(krl_compiler INTERFACE -msse2 -mfpmath=sse)
 endif()
