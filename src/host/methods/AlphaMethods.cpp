@@ -36,7 +36,7 @@ void addAlphaPlane(MethodList& list) {
                  .image("dotImage", {}, "logo.png", "the picture whose transparency is the matte")
                  .symbol("keepRemove", {{"keep", true}, {"remove", false}},
                          refused("Input Mask invalid input keep_remove option (Image)"),
-                         "keep only lowers the transparency's level, remove only raises it")
+                         "keep only takes opacity away, remove only gives it back")
                  .symbol("invert", {{"true", true}, {"false", false}},
                          refused("InputMask invalid input invert option (Image)"),
                          "with keep, true takes the mask as it stands and false its opposite")

@@ -16,8 +16,8 @@ std::vector<SymbolChoice> automaticBackings() {
     return {{"auto", KeyColour::Auto}, {"green", KeyColour::Green}, {"blue", KeyColour::Blue}};
 }
 
-constexpr const char* kKeepMeaning = "keep only clears, remove only restores";
-constexpr const char* kInvertMeaning = "false with keep clears the backing, true all but the backing";
+constexpr const char* kKeepMeaning = "keep only takes opacity away, remove only gives it back";
+constexpr const char* kInvertMeaning = "with keep, false clears the backing and true all but the backing";
 constexpr const char* kAutoColourMeaning = "the backing that was found or given, #green or #blue";
 
 std::vector<SymbolChoice> keepOrRemove() { return {{"keep", true}, {"remove", false}}; }

@@ -10,10 +10,10 @@ namespace {
 Method& addFold(Method& entry, const char* badKeepRemove, const char* badInvert) {
     return entry
         .symbol("keepRemove", {{"keep", true}, {"remove", false}}, refused(badKeepRemove),
-                "keep clears what is off the key's side, remove restores it")
+                "keep only takes opacity away, remove only gives it back")
         .thenCompare()
         .symbol("invert", {{"true", true}, {"false", false}}, refused(badInvert),
-                "true with keep clears what is on the key, false what is off it");
+                "with keep, true clears what is on the key and false what is off it");
 }
 
 void addChromaKey(MethodList& list) {
@@ -35,43 +35,44 @@ void addChromaKey(MethodList& list) {
     list.add(std::move(entry));
 }
 
-/// What the three keys on one component have in common.
-Method& addPick(Method& entry, const char* pickMeaning, const char* rangeMeaning, double rangeExample) {
-    return entry.colour("pColor", Colour(45, 170, 80), pickMeaning)
-        .real("dynamicRange", {.from = 0, .to = 1, .example = rangeExample}, rangeMeaning)
+/// A key on one component, in words.
+struct ComponentKey {
+    const char* name;
+    Status (*effect)(ImageEngine&, Colour, float, int32_t, int32_t, bool, bool);
+    const char* summary;
+    const char* pickMeaning;
+    const char* rangeMeaning;
+    double rangeExample;
+    const char *badKeepRemove, *badInvert, *inputFailure, *failed;
+};
+
+constexpr ComponentKey kComponentKeys[] = {
+    {"krlImageHueKey", hueKey, "Keys on one hue; greys are never on the key.", "colour whose hue is keyed",
+     "reach to either side, as a share of the circle", 0.2,
+     "Hue Key invalid input keep_remove option (Image)", "Hue Key invalid input invert option (Image)",
+     "Hue Key input failure (Image)", "Failed Hue Key function (Image)"},
+    {"krlImageSaturationKey", saturationKey, "Keys on how saturated a colour is.",
+     "colour whose saturation is keyed", "reach to either side, 1.0 being all", 0.4,
+     "Saturation Key invalid input keep_remove option (Image)",
+     "Saturation Key invalid input invert option (Image)", "Saturation Key input failure (Image)",
+     "Failed Saturation Key function (Image)"},
+    {"krlImageValueKey", valueKey, "Keys on how bright a colour is.", "colour whose brightness is keyed",
+     "reach to either side, 1.0 being all", 0.4, "Value Key invalid input keep_remove option (Image)",
+     "Value Key invalid input invert option (Image)", "Value Key input failure (Image)",
+     "Failed Value Key function (Image)"},
+};
+
+void addComponentKey(MethodList& list, const ComponentKey& key) {
+    Method entry = method(key.name, key.effect);
+    entry.summary(key.summary)
+        .colour("pColor", Colour(45, 170, 80), key.pickMeaning)
+        .real("dynamicRange", {.from = 0, .to = 1, .example = key.rangeExample}, key.rangeMeaning)
         .integer("black", {.from = 0, .to = 255, .example = 60},
                  "level of distance up to which all is on the key")
         .integer("white", {.from = 0, .to = 255, .example = 200},
                  "level of distance from which all is off it");
-}
-
-void addComponentKeys(MethodList& list) {
-    Method hue = method("krlImageHueKey", hueKey);
-    hue.summary("Keys on one hue; greys are never on the key.");
-    addPick(hue, "colour whose hue is keyed", "reach to either side, as a share of the circle", 0.2);
-    addFold(hue, "Hue Key invalid input keep_remove option (Image)",
-            "Hue Key invalid input invert option (Image)")
-        .inputFailure("Hue Key input failure (Image)")
-        .failed("Failed Hue Key function (Image)");
-    list.add(std::move(hue));
-
-    Method saturation = method("krlImageSaturationKey", saturationKey);
-    saturation.summary("Keys on how saturated a colour is.");
-    addPick(saturation, "colour whose saturation is keyed", "reach to either side, 1.0 being all", 0.4);
-    addFold(saturation, "Saturation Key invalid input keep_remove option (Image)",
-            "Saturation Key invalid input invert option (Image)")
-        .inputFailure("Saturation Key input failure (Image)")
-        .failed("Failed Saturation Key function (Image)");
-    list.add(std::move(saturation));
-
-    Method value = method("krlImageValueKey", valueKey);
-    value.summary("Keys on how bright a colour is.");
-    addPick(value, "colour whose brightness is keyed", "reach to either side, 1.0 being all", 0.4);
-    addFold(value, "Value Key invalid input keep_remove option (Image)",
-            "Value Key invalid input invert option (Image)")
-        .inputFailure("Value Key input failure (Image)")
-        .failed("Failed Value Key function (Image)");
-    list.add(std::move(value));
+    addFold(entry, key.badKeepRemove, key.badInvert).inputFailure(key.inputFailure).failed(key.failed);
+    list.add(std::move(entry));
 }
 
 }  // namespace
@@ -79,7 +80,7 @@ void addComponentKeys(MethodList& list) {
 void addKeyMethods(MethodList& list) {
     list.group("Keys");
     addChromaKey(list);
-    addComponentKeys(list);
+    for (const ComponentKey& key : kComponentKeys) addComponentKey(list, key);
 }
 
 }  // namespace krl::host
