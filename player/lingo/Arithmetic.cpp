@@ -3,7 +3,6 @@
 #include <cmath>
 #include <limits>
 
-#include "core/Numbers.h"
 #include "player/host/Compare.h"
 #include "player/host/HostError.h"
 
@@ -17,16 +16,8 @@ constexpr const char* kSigns[] = {"+", "-", "*",  "/",  "mod",      "&",      "&
 const char* signOf(Operator operation) { return kSigns[static_cast<size_t>(operation)]; }
 
 Value integers(Operator operation, int32_t a, int32_t b) {
-    switch (operation) {
-        case Operator::Add:
-            return Value::integer(wrapAdd(a, b));
-        case Operator::Subtract:
-            return Value::integer(wrapSubtract(a, b));
-        case Operator::Multiply:
-            return Value::integer(wrapMultiply(a, b));
-        default:
-            break;
-    }
+    Value result;
+    if (operateOnIntegers(operation, a, b, result)) return result;
     if (b == 0) throw HostError("an integer cannot be divided by zero");
     // The one quotient that does not fit wraps like everything else.
     const bool divide = operation == Operator::Divide;

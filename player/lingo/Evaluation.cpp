@@ -1,4 +1,3 @@
-#include "core/Numbers.h"
 #include "player/host/Compare.h"
 #include "player/lingo/Arithmetic.h"
 #include "player/lingo/Chunks.h"
@@ -72,31 +71,10 @@ Value Interpreter::evaluateVariable(const VariableExpression& expression) {
 Value Interpreter::evaluateBinary(const BinaryExpression& expression) {
     const Value left = evaluate(*expression.left);
     const Value right = evaluate(*expression.right);
-    if (left.isInteger() && right.isInteger()) {
-        const int32_t a = left.integer(), b = right.integer();
-        switch (expression.operation) {
-            case Operator::Add:
-                return Value::integer(wrapAdd(a, b));
-            case Operator::Subtract:
-                return Value::integer(wrapSubtract(a, b));
-            case Operator::Multiply:
-                return Value::integer(wrapMultiply(a, b));
-            case Operator::Equal:
-                return Value::truth(a == b);
-            case Operator::Unequal:
-                return Value::truth(a != b);
-            case Operator::Less:
-                return Value::truth(a < b);
-            case Operator::Greater:
-                return Value::truth(a > b);
-            case Operator::LessOrEqual:
-                return Value::truth(a <= b);
-            case Operator::GreaterOrEqual:
-                return Value::truth(a >= b);
-            default:
-                break;
-        }
-    }
+    Value result;
+    const bool integers = left.isInteger() && right.isInteger();
+    if (integers && operateOnIntegers(expression.operation, left.integer(), right.integer(), result))
+        return result;
     place_ = expression.place;
     return operate(*this, expression.operation, left, right);
 }
@@ -136,19 +114,13 @@ Value Interpreter::property(const Value& object, SymbolId name, Place place) {
     unknownProperty(object, name);
 }
 
-/// The place of a property in a script, an instance or its ancestors, or null.
 Value* Interpreter::instanceProperty(const Value& object, SymbolId name) {
-    Value at = object;
-    for (int links = 0; links < kDeepestNesting; ++links) {
-        PropertyHolder* holder = at.as<InstanceObject>();
-        if (!holder) holder = at.as<ScriptObject>();
-        if (!holder) return nullptr;
-        if (Value* found = holder->property(name)) return found;
-        const Value* ancestor = holder->property(ancestorName_);
-        if (!ancestor) return nullptr;
-        at = Value(*ancestor);
-    }
-    return nullptr;
+    Value* found = nullptr;
+    alongAncestors(object, [&](PropertyHolder& holder, const Value&) {
+        found = holder.property(name);
+        return found != nullptr;
+    });
+    return found;
 }
 
 Value Interpreter::evaluateSystemProperty(const PropertyExpression& expression) {

@@ -267,7 +267,7 @@ ExpressionPointer ExpressionParser::constant() {
     };
     static constexpr Entry texts[] = {{"empty", ""},  {"quote", "\""}, {"return", "\r"},   {"tab", "\t"},
                                       {"space", " "}, {"enter", "\3"}, {"backspace", "\b"}};
-    if (ahead().isMark("(") || ahead().isMark("=")) return nullptr;
+    if (ahead().isMark("(")) return nullptr;
     for (const Entry& entry : texts)
         if (here().isWord(entry.name)) return text(entry.text, take().place);
     if (here().isWord("void")) return node<LiteralExpression>(ExpressionKind::Void, take().place);

@@ -202,15 +202,22 @@ bool Interpreter::callOnObject(SymbolId name, std::span<const Value> arguments, 
         answer = callXtra(selector, arguments);
         return true;
     }
+    if (object.is(Kind::Script) && name == newName_) return false;
+    return alongAncestors(object, [&](PropertyHolder& holder, const Value& owner) {
+        const Handler* handler = holder.script.handler(name);
+        if (handler) answer = callHandler(holder.script, *handler, arguments, owner);
+        return handler != nullptr;
+    });
+}
+
+bool Interpreter::alongAncestors(const Value& object,
+                                 const std::function<bool(PropertyHolder&, const Value&)>& visit) {
     Value at = object;
     for (int links = 0; links < kDeepestNesting; ++links) {
         PropertyHolder* holder = at.as<InstanceObject>();
-        if (!holder && name != newName_) holder = at.as<ScriptObject>();
+        if (!holder) holder = at.as<ScriptObject>();
         if (!holder) return false;
-        if (const Handler* handler = holder->script.handler(name)) {
-            answer = callHandler(holder->script, *handler, arguments, at);
-            return true;
-        }
+        if (visit(*holder, at)) return true;
         const Value* ancestor = holder->property(ancestorName_);
         if (!ancestor) return false;
         at = Value(*ancestor);

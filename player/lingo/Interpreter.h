@@ -93,7 +93,10 @@ private:
     std::pair<int32_t, int32_t> chunkRange(const ChunkExpression& expression, const std::string& text);
     Value property(const Value& object, SymbolId name, Place place);
     void setProperty(const Value& object, SymbolId name, const Value& value);
+    /// The place of a property in a script, an instance or its ancestors, or null.
     Value* instanceProperty(const Value& object, SymbolId name);
+    /// Shows a script or an instance and then its ancestors, until `visit` is content.
+    bool alongAncestors(const Value& object, const std::function<bool(PropertyHolder&, const Value&)>& visit);
 
     // Calls.
     Value evaluateCall(const CallExpression& expression);

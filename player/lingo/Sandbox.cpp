@@ -63,8 +63,8 @@ fs::path Sandbox::toRead(const std::string& name) const {
     } else {
         for (const fs::path& folder : castFolders()) places.push_back(folder / wanted);
         if (!outputFolder_.empty()) places.push_back(outputFolder_ / wanted);
-        for (const fs::path& folder : allowed_) places.push_back(folder / wanted);
         places.push_back(wanted);
+        for (const fs::path& folder : allowed_) places.push_back(folder / wanted);
     }
     bool found = false;
     for (const fs::path& place : places) {

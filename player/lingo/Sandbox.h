@@ -18,8 +18,8 @@ public:
     void setScriptFolder(const std::filesystem::path& folder);
     const std::filesystem::path& scriptFolder() const { return scriptFolder_; }
 
-    /// The file to read: in the script's folder, the cast or another folder given, or beside the
-    /// caller if that is one of them. Throws `HostError` for what is elsewhere or nowhere.
+    /// The file to read: in the script's folder, the cast, the output folder, the current folder if
+    /// that is allowed, or another folder given. Throws `HostError` for what is elsewhere or nowhere.
     std::filesystem::path toRead(const std::string& name) const;
     /// The file to write: in the output folder, or in the script's. Throws `HostError`.
     std::filesystem::path toWrite(const std::string& name) const;

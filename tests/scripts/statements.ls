@@ -65,6 +65,7 @@ on main args
   put 1 + \
       2
   put nested(nested(nested(1)))
+  constants
 end main
 
 on named x
@@ -98,4 +99,8 @@ end
 
 on nested(n)
   return n * 2
+end
+
+on constants
+  if TRUE = 1 then put VOID = VOID, EMPTY = "", PI > 3
 end
