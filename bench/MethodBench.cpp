@@ -63,10 +63,10 @@ public:
     /// Milliseconds of a call on the picture as it was loaded.
     double timed(const host::Method& method, const std::vector<Value>& arguments) {
         std::memcpy(bytes(), clean_.pixels.data(), size_t(pixelCount()) * sizeof(Pixel));
-        return milliseconds([&] { xtra_.call(instance_, host::selectorOf(method), arguments); });
+        return milliseconds(bands(), [&] { xtra_.call(instance_, host::selectorOf(method), arguments); });
     }
     double timedPass() {
-        return milliseconds([&] { readAndWrite(beside_); });
+        return milliseconds(bands(), [&] { readAndWrite(beside_); });
     }
     int64_t pixelCount() const { return int64_t(clean_.width) * clean_.height; }
 
@@ -74,6 +74,7 @@ private:
     void send(const char* name, const Value& argument) {
         xtra_.call(instance_, xtra_.selector(host_.symbols.identifier(name)), {&argument, 1});
     }
+    int32_t bands() const { return beside_.getThreadCount(); }
     uint8_t* bytes() {
         return reinterpret_cast<uint8_t*>(picture_.as<player::ImageObject>()->bitmap.pixels.data());
     }

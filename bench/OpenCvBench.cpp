@@ -198,11 +198,12 @@ struct Times {
 
 /// The best of a few runs of each, in turns, so that what else the machine does falls on both.
 Times measure(const Row& row, ImageEngine& engine, const player::Bitmap& clean, player::Bitmap& picture) {
+    const int32_t threads = engine.getThreadCount();
     Times times;
     for (int run = 0; run < kRuns; ++run) {
         std::copy(clean.pixels.begin(), clean.pixels.end(), picture.pixels.begin());
-        times.ours = std::min(times.ours, milliseconds([&] { row.runOurs(engine); }));
-        const double theirs = milliseconds(row.runTheirs);
+        times.ours = std::min(times.ours, milliseconds(threads, [&] { row.runOurs(engine); }));
+        const double theirs = milliseconds(threads, row.runTheirs);
         times.theirs = std::min(times.theirs, theirs);
         if (theirs > 1000 && run >= 1) break;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <ctime>
 
 #include "core/ImageEngine.h"
 #include "player/pictures/Picture.h"
@@ -18,11 +19,14 @@ ImageInfo infoOf(const player::Bitmap& picture);
 /// Reads and writes every byte of the engine's picture once, which no effect can undercut.
 void readAndWrite(const ImageEngine& engine);
 
-/// Milliseconds that `work` takes.
+/// Milliseconds that `work` takes on `threads` threads. On one thread it is the processor's time, so
+/// that what else the machine does counts for nothing; on several, the clock's.
 template <class Work>
-double milliseconds(Work&& work) {
+double milliseconds(int32_t threads, Work&& work) {
     const auto start = std::chrono::steady_clock::now();
+    const std::clock_t startProcessor = std::clock();
     work();
+    if (threads == 1) return double(std::clock() - startProcessor) * 1000.0 / CLOCKS_PER_SEC;
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
