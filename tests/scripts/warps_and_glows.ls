@@ -53,7 +53,7 @@ on main
   put x.krlImageDisplacementMapComposite(front, #red, front, #same_as_map_one, 1.0, 1.0, #other)
   put x.krlImageDisplacementMapComposite(front, #red, front, #same_as_map_one, 1.0, 1.0, #wrap)
 
-  -- A run that fails leaves the second picture locked.
+  -- A run that fails leaves the second picture locked, as the one before anything was loaded did, too.
   put x.krlImageComposite(small, #add, #background_alpha_yes)
   x.krlImageQuit()
   x.krlImageDestroyLookupTables()
