@@ -8,22 +8,27 @@ namespace krl {
 
 namespace {
 
-/// The ray through one pixel and the point.
+/// The ray through one pixel and the point, by its definition.
 struct Ray {
     Point point;
-    PointReach reach;
+    double distance, cosine, sine;
     double step;  ///< 1 away from the point, -1 toward it
 
-    Ray(Point origin, int32_t x, int32_t y, double away) : point(origin), reach(origin, x, y), step(away) {}
+    Ray(Point origin, const PointReach& reach, double away)
+        : point(origin),
+          distance(reach.distance),
+          cosine(std::cos(reach.angle())),
+          sine(std::sin(reach.angle())),
+          step(away) {}
 
-    /// Offset of sample `k`, by its definition.
+    /// Offset of sample `k`.
     int32_t offsetAt(int64_t k, const PathSource& source) const {
         const auto nearest = [](double v, int32_t size) {
             return placeWithin(v < 0 ? v - 0.5 : v + 0.5, size);
         };
-        const double angle = reach.angle(), d = reach.distance + step * double(k);
-        const int32_t column = nearest(point.x - std::cos(angle) * d, source.width());
-        return nearest(point.y - std::sin(angle) * d, source.height()) * source.width() + column;
+        const double d = distance + step * double(k);
+        const int32_t column = nearest(point.x - cosine * d, source.width());
+        return nearest(point.y - sine * d, source.height()) * source.width() + column;
     }
 };
 
@@ -32,8 +37,7 @@ struct TileRays {
     double alongX[PathTile::kPixels], alongY[PathTile::kPixels], distance[PathTile::kPixels];
     int32_t count[PathTile::kPixels];
 
-    void set(int32_t i, const Ray& ray, int32_t samples) {
-        const PointReach& reach = ray.reach;
+    void set(int32_t i, const PointReach& reach, int32_t samples) {
         alongX[i] = reach.hasWrapped ? std::cos(reach.angle()) : reach.dx / reach.distance;
         alongY[i] = reach.hasWrapped ? std::sin(reach.angle()) : reach.dy / reach.distance;
         distance[i] = reach.distance;
@@ -75,9 +79,9 @@ public:
                const PathTile& tile)
         : image_(*engine.buffer()), source_(source), zoom_(zoom), tile_(tile), sums_(engine, source) {
         for (int32_t i = 0; i < tile.count(); ++i) {
-            const Ray ray = rayOf(i);
-            counts_[i] = truncate(ray.reach.distance * scale);
-            rays_.set(i, ray, isLong(i) ? 0 : counts_[i]);
+            const PointReach reach = reachOf(i);
+            counts_[i] = truncate(reach.distance * scale);
+            rays_.set(i, reach, isLong(i) ? 0 : counts_[i]);
         }
     }
 
@@ -97,7 +101,8 @@ public:
     }
 
 private:
-    Ray rayOf(int32_t i) const { return {zoom_.point, tile_.x(i), tile_.y(i), zoom_.step}; }
+    PointReach reachOf(int32_t i) const { return {zoom_.point, tile_.x(i), tile_.y(i)}; }
+    Ray rayOf(int32_t i) const { return {zoom_.point, reachOf(i), zoom_.step}; }
 
     /// A ray that is much longer than the picture keeps sampling the same pixels of its border, and is
     /// summed by itself, run by run of equal samples.
