@@ -6,6 +6,7 @@
 #include "player/cli/Batch.h"
 #include "player/cli/ChainCall.h"
 #include "player/cli/ChainScript.h"
+#include "player/cli/MethodFacts.h"
 #include "player/cli/ProgressBar.h"
 #include "player/cli/SideBySide.h"
 #include "player/pictures/Picture.h"
@@ -21,6 +22,8 @@ struct CallReport {
     std::string call;
     CallOutcome outcome;
     std::vector<std::string> complaints;
+    /// Whether the result says more than that all went well, or that here is the new picture.
+    bool telling = false;
 };
 
 /// What became of one picture.
@@ -38,6 +41,8 @@ PictureReport workOn(Session& session, const BatchItem& item, const std::vector<
             CallReport& made = report.calls.emplace_back();
             made.call = call.lingo(picture.width, picture.height);
             made.outcome = session.apply(picture, made.call);
+            const bool plain = made.outcome.shown.empty() || made.outcome.shown == "[#error: 0]";
+            made.telling = !plain && !(made.outcome.ok() && newPictureOf(call.method()).first);
             if (made.outcome.ok()) continue;
             made.complaints = call.complaints();
             report.failure = item.input.string() + ": " + made.outcome.error + " from " + made.call;
@@ -70,11 +75,9 @@ nlohmann::ordered_json jsonOf(const BatchItem& item, const PictureReport& report
     return json;
 }
 
-/// Says what the calls gave, where that is more than that they went well.
 void showResults(const PictureReport& report, const Terminal& terminal) {
     for (const CallReport& made : report.calls)
-        if (!made.outcome.shown.empty() && made.outcome.shown != "[#error: 0]")
-            terminal.out << made.outcome.shown << '\n';
+        if (made.telling) terminal.out << made.outcome.shown << '\n';
 }
 
 void showFailure(const PictureReport& report, const Terminal& terminal) {
@@ -134,10 +137,13 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
 
     const std::vector<BatchItem> items = planBatch(inputs, options);
     std::vector<PictureReport> reports(items.size());
+    // Whoever writes a call names its pictures too: there is nothing to keep it from.
+    SessionOptions settings = options.session;
+    settings.allowedFolders.push_back(fs::current_path().root_path());
     {
         ProgressBar progress(terminal, items.size(), "pictures");
         workSideBySide(items.size(), options.jobs, [&]() -> Worker {
-            const auto session = std::make_shared<Session>(options.session);
+            const auto session = std::make_shared<Session>(settings);
             return [&, session](size_t i) {
                 reports[i] = workOn(*session, items[i], chain, options.quality);
                 progress.step();

@@ -47,8 +47,18 @@ TEST_F(Apply, PassesANewPictureOnToTheNextCall) {
     const CliResult done =
         krlimage({"apply", picture("in.pam", 8, 6), "-o", at("out.pam"), "halfSize()", "invert(#RGB)"});
     ASSERT_EQ(done.code, 0) << done.err;
+    EXPECT_EQ(done.out, "");
     EXPECT_EQ(readPicture(at("out.pam")).width, 4);
     EXPECT_EQ(readPicture(at("out.pam")).height, 3);
+}
+
+TEST_F(Apply, LetsACallReadAnyPictureThatItNames) {
+    const std::string in = picture("in.pam"), over = at("over.pam");
+    writePicture(over, noise(8, 6, 9));
+    const CliResult done =
+        krlimage({"apply", in, "-o", at("out.pam"), "composite(image(\"" + over + "\"), #normal)"});
+    EXPECT_EQ(done.code, 0) << done.err;
+    EXPECT_NE(readPicture(at("out.pam")).pixels, readPicture(in).pixels);
 }
 
 TEST_F(Apply, ShowsTheResultOfAFailedCallAndWhatWasWanted) {
