@@ -62,7 +62,7 @@ Status defocus(ImageEngine& engine, int32_t blur, float bloom, ChannelTarget tar
     return applyCurve(engine, ChannelTarget::RGB, lift);
 }
 
-Status diffuse(ImageEngine& engine, int32_t blur, float opacity, BlurQuality, ChannelTarget target) {
+Status diffuse(ImageEngine& engine, int32_t blur, float opacity, SampleQuality, ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
     const double sharpShare = clampUnit(opacity), softShare = 1.0 - sharpShare;
     const ImageCopy sharp(*engine.buffer());
@@ -73,7 +73,7 @@ Status diffuse(ImageEngine& engine, int32_t blur, float opacity, BlurQuality, Ch
                     });
 }
 
-Status oneChannelFeather(ImageEngine& engine, int32_t radius, BlurQuality) {
+Status oneChannelFeather(ImageEngine& engine, int32_t radius, SampleQuality) {
     if (Status state = engine.imageStatus()) return state;
     blurTarget(*engine.buffer(), radius, ChannelTarget::Alpha, engine.getThreadCount());
     return kStatusOk;

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "core/ImageEngine.h"
+#include "core/SampleQuality.h"
 
 /// Effects that are a blur, or a blur and what is done with it. The blurs on luma and colour
 /// differences are in `ChromaBlur.h`, unsharp masking in `Sharpen.h`.
@@ -15,9 +16,6 @@
 /// - `blurColourReplace`   a tint; in spite of its name it blurs nothing
 namespace krl {
 
-/// A choice that scripts make and that changes nothing.
-enum class BlurQuality : int32_t { standard = 8, bilinear = 9, antialiased = 10 };
-
 /// Blurs the bytes of `target`; byte 0 alone for `Single`. A radius of 0 or less changes nothing.
 Status fastGaussianBlur(ImageEngine& engine, int32_t radius, ChannelTarget target);
 
@@ -29,10 +27,10 @@ Status blurProRGB(ImageEngine& engine, int32_t blurR, int32_t blurG, int32_t blu
 Status defocus(ImageEngine& engine, int32_t blur, float bloom, ChannelTarget target);
 
 /// Lays the sharp picture over its blur with `opacity`, limited to 0..1.
-Status diffuse(ImageEngine& engine, int32_t blur, float opacity, BlurQuality quality, ChannelTarget target);
+Status diffuse(ImageEngine& engine, int32_t blur, float opacity, SampleQuality quality, ChannelTarget target);
 
 /// Blurs alpha; colour stays.
-Status oneChannelFeather(ImageEngine& engine, int32_t radius, BlurQuality quality);
+Status oneChannelFeather(ImageEngine& engine, int32_t radius, SampleQuality quality);
 
 /// Multiplies the picture by `colour`. Runs on the calling thread over the last loaded pixels,
 /// unloaded or not; `kStatusRefused` where there never were any.

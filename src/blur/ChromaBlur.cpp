@@ -12,14 +12,14 @@ Status blurChromaBytes(Pixel* words, const ImageEngine& engine, ChromaBlurType b
     const int32_t height = engine.buffer()->height, width = engine.buffer()->width;
     const int32_t threads = engine.getThreadCount();
     switch (blurType) {
-        case ChromaBlurType::horizontal:
+        case ChromaBlurType::Horizontal:
             return boxChromaRows(words, height, width, blurAmount, threads);
-        case ChromaBlurType::vertical:
+        case ChromaBlurType::Vertical:
             return boxChromaColumns(words, height, width, blurAmount, threads);
-        case ChromaBlurType::box:
+        case ChromaBlurType::Box:
             if (Status status = boxChromaRows(words, height, width, blurAmount, threads)) return status;
             return boxChromaColumns(words, height, width, blurAmount, threads);
-        case ChromaBlurType::gaussian:
+        case ChromaBlurType::Gaussian:
             TentBlur(threads).blurChroma(words, height, width, blurAmount);
             break;
     }

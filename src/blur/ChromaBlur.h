@@ -12,10 +12,10 @@ namespace krl {
 
 /// How `yuvBlur` softens the colour differences.
 enum class ChromaBlurType : int32_t {
-    horizontal = 60,  ///< a mean along the rows
-    vertical = 61,    ///< a mean down the columns
-    box = 62,         ///< both, rows first
-    gaussian = 63,    ///< the tent
+    Horizontal = 60,  ///< a mean along the rows
+    Vertical = 61,    ///< a mean down the columns
+    Box = 62,         ///< both, rows first
+    Gaussian = 63,    ///< the tent
 };
 
 /// Blurs luma by `blurY` and the two colour differences by `blurU` and `blurV`; a radius of 0 or

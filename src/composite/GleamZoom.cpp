@@ -22,7 +22,7 @@ Status gleamZoomComposite(ImageEngine& engine, const SecondImage& foreground, Bl
                           int32_t compositeTransparency, int32_t black, int32_t white, Point zoomPoint,
                           float brightnessStrength, float falloff, BlendMode blendMethod,
                           float levelsBrightness, int32_t transparency, std::span<const CurveKey> colorList,
-                          GleamColour colourMethod, ZoomQuality quality, int32_t userDistance) {
+                          GleamColour colourMethod, SampleQuality quality, int32_t userDistance) {
     if (Status state = engine.imageStatus()) return state;
     if (!engine.hasSizeOf(foreground)) return kStatusForegroundSize;
     if (!foreground.pixels) return kStatusNoImage;
@@ -33,7 +33,7 @@ Status gleamZoomComposite(ImageEngine& engine, const SecondImage& foreground, Bl
     Scratch<Pixel> light(blockPixels(image));
     if (Status status = stages.extractLight(light)) return status;
     const RaySettings rays{zoomPoint, std::max(0.0f, brightnessStrength), stepFalloff(falloff), userDistance};
-    const auto cast = quality == ZoomQuality::Antialiased ? castZoomRaysAntialiased : castZoomRays;
+    const auto cast = quality == SampleQuality::Antialiased ? castZoomRaysAntialiased : castZoomRays;
     cast(light, image.width, image.height, rays);
     return stages.finish(light);
 }

@@ -4,14 +4,9 @@
 
 #include "composite/Gleam.h"
 #include "core/ImageEngine.h"
+#include "core/SampleQuality.h"
 
 namespace krl {
-
-/// How finely rays are cast.
-enum class ZoomQuality : int32_t {
-    Standard = 8,
-    Antialiased = 10,  ///< at double the size in both directions, and back
-};
 
 /// The gleam as rays: the bright parts of `foreground` run from `zoomPoint` to every pixel of the border
 /// and fade on their way, and what they leave is laid, over the foreground itself, on the image.
@@ -24,6 +19,6 @@ Status gleamZoomComposite(ImageEngine& engine, const SecondImage& foreground, Bl
                           int32_t compositeTransparency, int32_t black, int32_t white, Point zoomPoint,
                           float brightnessStrength, float falloff, BlendMode blendMethod,
                           float levelsBrightness, int32_t transparency, std::span<const CurveKey> colorList,
-                          GleamColour colourMethod, ZoomQuality quality, int32_t userDistance);
+                          GleamColour colourMethod, SampleQuality quality, int32_t userDistance);
 
 }  // namespace krl

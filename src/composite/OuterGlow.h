@@ -3,8 +3,8 @@
 #include <span>
 
 #include "core/ImageEngine.h"
+#include "core/SampleQuality.h"
 #include "generate/CurveKey.h"
-#include "warp/Sampler.h"
 
 namespace krl {
 

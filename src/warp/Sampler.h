@@ -5,15 +5,13 @@
 #include "core/ImageEngine.h"
 #include "core/Numbers.h"
 #include "core/Pixel.h"
+#include "core/SampleQuality.h"
 #include "warp/SampleRun.h"
 
 /// How the warps read a picture between its pixels. `standard` takes the pixel that truncation leads
 /// to; `bilinear` weighs four, and knows what to do where some of them are missing. A warp reads a
 /// copy and writes the image, both of the same geometry.
 namespace krl {
-
-/// How a warp samples.
-enum class SampleQuality : int32_t { Standard = 8, Bilinear = 9 };
 
 /// What stands for the samples beyond the border.
 enum class SampleEdge : int32_t {

@@ -34,7 +34,7 @@ Picture defocused(const Picture& picture, int32_t blur, float bloom, ChannelTarg
 }
 
 Picture diffused(const Picture& picture, int32_t blur, float opacity, ChannelTarget target,
-                 BlurQuality quality = BlurQuality::standard) {
+                 SampleQuality quality = SampleQuality::Standard) {
     return picture.after([=](ImageEngine& e) { return diffuse(e, blur, opacity, quality, target); });
 }
 
@@ -127,7 +127,7 @@ TEST(Diffuse, MixesAndTruncates) {
         for (size_t channel = 0; channel < 4; ++channel)
             ASSERT_EQ(mixed.pixels()[i][channel],
                       int(source.pixels()[i][channel] * 0.25 + soft.pixels()[i][channel] * 0.75));
-    EXPECT_EQ(diffused(source, 4, 0.25f, kRgba, BlurQuality::antialiased), mixed);
+    EXPECT_EQ(diffused(source, 4, 0.25f, kRgba, SampleQuality::Antialiased), mixed);
 }
 
 TEST(Diffuse, TouchesOnlyItsTarget) {
@@ -135,8 +135,8 @@ TEST(Diffuse, TouchesOnlyItsTarget) {
     EXPECT_TRUE(sameAlpha(diffused(source, 4, 0.5f, kRgb), source));
     EXPECT_TRUE(sameColour(diffused(source, 4, 0.5f, kAlpha), source));
     EXPECT_EQ(diffused(source, 0, 0.5f, kRgba), source) << "no blur, but for the mix of equals";
-    expectStateTests([](ImageEngine& e) { return diffuse(e, 1, 0.5f, BlurQuality::standard, kRgb); });
-    expectSameForAnyBands([](ImageEngine& e) { return diffuse(e, 3, 0.3f, BlurQuality::standard, kRgb); });
+    expectStateTests([](ImageEngine& e) { return diffuse(e, 1, 0.5f, SampleQuality::Standard, kRgb); });
+    expectSameForAnyBands([](ImageEngine& e) { return diffuse(e, 3, 0.3f, SampleQuality::Standard, kRgb); });
 }
 
 TEST(Diffuse, OfAnUnknowableOpacityIsBlack) {
@@ -145,14 +145,14 @@ TEST(Diffuse, OfAnUnknowableOpacityIsBlack) {
 
 TEST(OneChannelFeather, BlursAlphaAlone) {
     const Picture source = Picture::random(18, 18);
-    for (BlurQuality quality : {BlurQuality::standard, BlurQuality::bilinear}) {
+    for (SampleQuality quality : {SampleQuality::Standard, SampleQuality::Bilinear}) {
         const auto feathered = [&](int32_t radius) {
             return source.after([=](ImageEngine& e) { return oneChannelFeather(e, radius, quality); });
         };
         EXPECT_EQ(feathered(5), blurred(source, 5, 3, 3));
         for (int32_t radius : {0, -1, -2, -5000, INT32_MIN}) EXPECT_EQ(feathered(radius), source);
     }
-    expectStateTests([](ImageEngine& e) { return oneChannelFeather(e, -1, BlurQuality::standard); });
+    expectStateTests([](ImageEngine& e) { return oneChannelFeather(e, -1, SampleQuality::Standard); });
 }
 
 TEST(BlurColourReplace, MultipliesByTheColourAndKeepsAlpha) {

@@ -13,8 +13,8 @@ namespace krl::test {
 
 namespace {
 
-constexpr ChromaBlurType kTypes[] = {ChromaBlurType::horizontal, ChromaBlurType::vertical,
-                                     ChromaBlurType::box, ChromaBlurType::gaussian};
+constexpr ChromaBlurType kTypes[] = {ChromaBlurType::Horizontal, ChromaBlurType::Vertical,
+                                     ChromaBlurType::Box, ChromaBlurType::Gaussian};
 
 std::vector<Pixel> split(const Picture& picture) {
     std::vector<Pixel> words;
@@ -37,9 +37,9 @@ Picture merged(const std::vector<Pixel>& words, Picture picture) {
 
 std::vector<Pixel> blurredChroma(std::vector<Pixel> words, int32_t height, int32_t width, ChromaBlurType type,
                                  int32_t amount, int32_t threads) {
-    if (type == ChromaBlurType::gaussian) return reference::tentPixels(words, height, width, amount, 0, 1);
-    if (type != ChromaBlurType::vertical) reference::boxRows(words, height, width, amount);
-    if (type != ChromaBlurType::horizontal) reference::boxColumns(words, height, width, amount, threads);
+    if (type == ChromaBlurType::Gaussian) return reference::tentPixels(words, height, width, amount, 0, 1);
+    if (type != ChromaBlurType::Vertical) reference::boxRows(words, height, width, amount);
+    if (type != ChromaBlurType::Horizontal) reference::boxColumns(words, height, width, amount, threads);
     return words;
 }
 
@@ -113,7 +113,7 @@ TEST(YuvBlur, TakesAnyAmount) {
 }
 
 TEST(YuvBlur, IsTheSameForAnyBandsAlongRowsAndByTent) {
-    for (ChromaBlurType type : {ChromaBlurType::horizontal, ChromaBlurType::gaussian})
+    for (ChromaBlurType type : {ChromaBlurType::Horizontal, ChromaBlurType::Gaussian})
         expectSameForAnyBands([=](ImageEngine& e) { return yuvBlur(e, type, 3); });
 }
 

@@ -128,7 +128,7 @@ TEST(GleamBlur, RefusesWhatItCannotUse) {
     const auto zoom = [](const SecondImage& front) {
         return [&front](ImageEngine& e) {
             return gleamZoomComposite(e, front, BlendMode::Add, 255, 0, 255, {0, 0}, 1, 0.5f, BlendMode::Add,
-                                      0, 255, {}, GleamColour::FromImage, ZoomQuality::Standard, 5);
+                                      0, 255, {}, GleamColour::FromImage, SampleQuality::Standard, 5);
         };
     };
     EXPECT_EQ(image.apply(blur(none)), kStatusNoImage);
@@ -158,7 +158,7 @@ TEST(Gleams, AreTheSameInAnyNumberOfBands) {
 
 TEST(GleamZoom, FollowsTheSlowRoad) {
     const Picture image = Picture::random(31, 23, 1), front = Picture::random(31, 23, 2);
-    for (ZoomQuality quality : {ZoomQuality::Standard, ZoomQuality::Antialiased})
+    for (SampleQuality quality : {SampleQuality::Standard, SampleQuality::Antialiased})
         for (Point centre : {Point{14, 20}, {0, 0}, {22, 30}, {-7, 60}, {100, -3}, {15, 500}})
             for (int32_t distance : {1, 7, 60, 1000})
                 for (float falloff : {0.0f, 0.3f, 0.97f, 1.5f}) {
@@ -236,7 +236,7 @@ TEST(Gleams, TakeExtremesNaNAndInfinity) {
     constexpr int32_t most = 2147483647, least = -most - 1;
     for (float odd : {nan, infinity, -infinity, 3e38f, -1.0f, 9e6f})
         for (int32_t number : {most, least, 0})
-            for (ZoomQuality quality : {ZoomQuality::Standard, ZoomQuality::Antialiased}) {
+            for (SampleQuality quality : {SampleQuality::Standard, SampleQuality::Antialiased}) {
                 Picture image = Picture::random(7, 5, 1);
                 const Picture front = Picture::random(7, 5, 2);
                 GleamNumbers n;

@@ -18,7 +18,7 @@ struct GleamNumbers {
     int32_t blur = 0;
     Point centre;
     float strength = 1, falloff = 0.5f;
-    ZoomQuality quality = ZoomQuality::Standard;
+    SampleQuality quality = SampleQuality::Standard;
     int32_t distance = 10;
 };
 
@@ -99,7 +99,7 @@ inline Picture slowGleamBlur(const Picture& image, const Picture& front, const G
 class SlowRays {
 public:
     SlowRays(const Picture& light, const GleamNumbers& n)
-        : scale_(n.quality == ZoomQuality::Antialiased ? 2 : 1) {
+        : scale_(n.quality == SampleQuality::Antialiased ? 2 : 1) {
         width_ = light.width() * scale_;
         height_ = light.height() * scale_;
         source_.resize(size_t(width_) * size_t(height_));

@@ -36,7 +36,7 @@ void addPlainBlurs(MethodList& list) {
                  .summary("Softens the edge of the transparency; colours stay sharp.")
                  .integer("radius", kRadius, kRadiusMeaning)
                  .symbol("quality",
-                         {{"standard", BlurQuality::standard}, {"bilinear", BlurQuality::bilinear}},
+                         {{"standard", SampleQuality::Standard}, {"bilinear", SampleQuality::Bilinear}},
                          refused("One Channel Feather invalid input quality (Image)"),
                          "either gives the same picture")
                  .inputFailure("One Channel Feather input failure (Image)")
@@ -54,10 +54,10 @@ void addChromaBlurs(MethodList& list) {
     list.add(method("krlImageYUVBlur", yuvBlur)
                  .summary("Softens colour and keeps brightness sharp, as against colour noise.")
                  .symbol("blurType",
-                         {{"yuv_horizontal", ChromaBlurType::horizontal},
-                          {"yuv_vertical", ChromaBlurType::vertical},
-                          {"yuv_box", ChromaBlurType::box},
-                          {"yuv_gaussian", ChromaBlurType::gaussian}},
+                         {{"yuv_horizontal", ChromaBlurType::Horizontal},
+                          {"yuv_vertical", ChromaBlurType::Vertical},
+                          {"yuv_box", ChromaBlurType::Box},
+                          {"yuv_gaussian", ChromaBlurType::Gaussian}},
                          refused("YUVBlur invalid input blur type (Image)"),
                          "along rows, down columns, both, or a softer window")
                  .showing("yuv_gaussian")
@@ -83,7 +83,7 @@ void addLooks(MethodList& list) {
             .integer("blur", kRadius, kRadiusMeaning)
             .real("opacity", {.from = 0, .to = 1, .example = 0.5}, "share of the sharp picture")
             .symbol("quality",
-                    {{"standard", BlurQuality::standard}, {"antialiased", BlurQuality::antialiased}},
+                    {{"standard", SampleQuality::Standard}, {"antialiased", SampleQuality::Antialiased}},
                     refused("Diffuse invalid input quality (Image)"), "either gives the same picture")
             .symbol(
                 "colourOrAlpha",

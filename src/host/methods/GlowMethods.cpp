@@ -79,7 +79,7 @@ void addGleams(MethodList& list) {
                     "light in the foreground's own colours, or in those of the list")
             .thenCompare()
             .symbol("quality",
-                    {{"standard", ZoomQuality::Standard}, {"antialiased", ZoomQuality::Antialiased}},
+                    {{"standard", SampleQuality::Standard}, {"antialiased", SampleQuality::Antialiased}},
                     refused("Gleam Zoom invalid input zoom input type (Image)"),
                     "as it is, or smoother and about four times as slow")
             .integer("userDistance", {.from = 1, .to = 200, .example = 30},
