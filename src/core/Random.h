@@ -30,4 +30,21 @@ private:
     uint32_t state_;
 };
 
+/// Remainders of draws by a divisor of 1 and up, without a division. For a dividend below 2^15 the
+/// rounded-up reciprocal is exact: below 2^15 its error, times the dividend, stays under 2^32, and
+/// from there on the quotient is 0.
+class DrawRemainder {
+public:
+    explicit DrawRemainder(int32_t divisor)
+        : reciprocal_((uint64_t{1} << 32) / static_cast<uint32_t>(divisor) + 1), divisor_(divisor) {}
+
+    int32_t operator()(int32_t draw) const {
+        return draw - static_cast<int32_t>(static_cast<uint64_t>(draw) * reciprocal_ >> 32) * divisor_;
+    }
+
+private:
+    uint64_t reciprocal_;
+    int32_t divisor_;
+};
+
 }  // namespace krl

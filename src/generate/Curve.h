@@ -92,6 +92,9 @@ public:
         return samples[static_cast<size_t>(clampTo(truncate(static_cast<double>(last) * t), 0, last))].value;
     }
 
+    /// The samples of `channel`, at least one.
+    std::span<const CurveSample> samples(size_t channel) const { return channels_[channel]; }
+
 private:
     std::array<std::vector<CurveSample>, 3> channels_;
 };

@@ -7,6 +7,7 @@
 
 #include "blur/TentBlur.h"
 #include "core/Bands.h"
+#include "core/Clones.h"
 #include "core/ImageCopy.h"
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
@@ -48,6 +49,28 @@ void saturate(ColourBlock& colours, float factor) {
 template <size_t count, class RowOf>
 void printThrough(int32_t (&lanes)[count], const PairTable& table, RowOf&& rowOf) {
     for (size_t i = 0; i < count; ++i) lanes[i] = table(rowOf(i), size_t(lanes[i]));
+}
+
+/// How far along a ramp each lane stands by its luma, 0 to 1.
+KRL_WIDE_CLONES void placesByLuma(const ColourBlock& colours, float (&places)[kBlockPixels]) {
+    for (size_t i = 0; i < kBlockPixels; ++i) {
+        const float blue = static_cast<float>(colours.blue[i] * 114) / 1000.0f;
+        const float green = static_cast<float>(colours.green[i] * 587) / 1000.0f;
+        const float red = static_cast<float>(colours.red[i] * 299) / 1000.0f;
+        const auto luma = static_cast<float>(double{blue} + green + red);
+        places[i] = static_cast<float>(luma * (1.0 / 255.0));
+    }
+}
+
+/// Mixes the lanes of one colour with the samples at their places. A place lies within 0..1, so its
+/// index lies within the list.
+KRL_WIDE_CLONES void mixWithRamp(int32_t (&lanes)[kBlockPixels], const float (&places)[kBlockPixels],
+                                 const CurveSample* samples, int32_t last, double share) {
+    int32_t indices[kBlockPixels], values[kBlockPixels];
+    for (size_t i = 0; i < kBlockPixels; ++i) indices[i] = static_cast<int32_t>(double(last) * places[i]);
+    for (size_t i = 0; i < kBlockPixels; ++i) values[i] = samples[indices[i]].value;
+    const double rest = 1.0 - share;
+    for (size_t i = 0; i < kBlockPixels; ++i) lanes[i] = truncatedByte(lanes[i] * rest + values[i] * share);
 }
 
 /// Contrast as a factor in 1024ths.
@@ -171,15 +194,18 @@ Status threeStripColor(ImageEngine& engine, int32_t expandRed, int32_t expandGre
 
 Status multiColourise(ImageEngine& engine, std::span<const CurveKey> colourValues, float strength) {
     if (Status state = engine.imageStatus()) return state;
-    const LookupTables& tables = engine.tables();
-    const double share = clampUnit(strength), rest = 1.0 - share;
+    const double share = clampUnit(strength);
     const ColourCurve curve({colourValues.begin(), colourValues.end()}, 255);
-    return forEachPixel(engine, [&](Pixel& p) {
-        const auto luma = static_cast<float>(double{tables.lumaBlue[p.blue]} + tables.lumaGreen[p.green] +
-                                             tables.lumaRed[p.red]);
-        const auto t = static_cast<float>(luma * (1.0 / 255.0));
-        for (size_t channel = 0; channel < 3; ++channel)
-            p[channel] = truncatedByte(p[channel] * rest + curve.valueAt(channel, t) * share);
+    const auto mix = [&](int32_t(&lanes)[kBlockPixels], const float(&places)[kBlockPixels], size_t channel) {
+        const std::span<const CurveSample> samples = curve.samples(channel);
+        mixWithRamp(lanes, places, samples.data(), static_cast<int32_t>(samples.size()) - 1, share);
+    };
+    return forEachColourBlock(engine, [&](ColourBlock& colours) {
+        float places[kBlockPixels];
+        placesByLuma(colours, places);
+        mix(colours.blue, places, 0);
+        mix(colours.green, places, 1);
+        mix(colours.red, places, 2);
     });
 }
 

@@ -5,33 +5,67 @@
 #include <vector>
 
 #include "core/Bands.h"
+#include "core/Clones.h"
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
+#include "core/PixelWord.h"
 #include "core/Random.h"
 #include "point/ByteCurve.h"
 #include "point/SmoothNoise.h"
 
 namespace krl {
 
+namespace {
+
+constexpr ptrdiff_t kNoiseBlock = 64;
+
+/// Scales the colours of up to a block of pixels and shifts their alpha, by one number for each.
+template <bool colour, bool alpha>
+inline void applyNoise(Pixel* pixels, ptrdiff_t count, const int32_t* shifts) {
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        const uint32_t word = wordOf(pixels[i]);
+        const int32_t factor = wrapAdd(shifts[i], 1000);
+        const auto scaled = [=](uint32_t at) {
+            return static_cast<uint32_t>(clampTo(wrapMultiply(byteAt(word, at), factor) / 1000, 0, 255))
+                   << at;
+        };
+        const auto shifted = static_cast<uint32_t>(clampTo(wrapAdd(byteAt(word, 24), shifts[i]), 0, 255))
+                             << 24;
+        const uint32_t colours = colour ? scaled(0) | scaled(8) | scaled(16) : word & 0x00FFFFFFu;
+        storeWord(pixels[i], colours | (alpha ? shifted : word & 0xFF000000u));
+    }
+}
+
+KRL_WIDE_CLONES void noisePixels(Pixel* pixels, ptrdiff_t count, const int32_t* shifts) {
+    applyNoise<true, true>(pixels, count, shifts);
+}
+KRL_WIDE_CLONES void noiseColours(Pixel* pixels, ptrdiff_t count, const int32_t* shifts) {
+    applyNoise<true, false>(pixels, count, shifts);
+}
+KRL_WIDE_CLONES void noiseAlpha(Pixel* pixels, ptrdiff_t count, const int32_t* shifts) {
+    applyNoise<false, true>(pixels, count, shifts);
+}
+
+}  // namespace
+
 Status noise(ImageEngine& engine, float varience, int32_t seed, ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
     if (varience <= 0) return kStatusOk;
     const int32_t half = truncate(varience * 1000.0);
-    const int32_t range = std::max(1, wrapMultiply(half, 2));
-    const bool colour = target == ChannelTarget::RGBA || target == ChannelTarget::RGB;
-    const bool alpha = target != ChannelTarget::RGB;
+    const DrawRemainder remainder(std::max(1, wrapMultiply(half, 2)));
+    const auto apply = target == ChannelTarget::RGBA  ? noisePixels
+                       : target == ChannelTarget::RGB ? noiseColours
+                                                      : noiseAlpha;
     return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
         // A band reads one draw for each pixel of a sequence that has one for each byte.
         Random random(seed);
         random.skip(uint64_t{4} * static_cast<uint64_t>(first - engine.buffer()->row(0)));
-        for (Pixel* p = first; p != last; ++p) {
-            const int32_t shift = wrapSubtract(random.next() % range, half);
-            if (colour) {
-                const int32_t factor = wrapAdd(shift, 1000);
-                for (size_t channel = 0; channel < 3; ++channel)
-                    (*p)[channel] = clampByte(wrapMultiply((*p)[channel], factor) / 1000);
-            }
-            if (alpha) p->alpha = clampByte(wrapAdd(p->alpha, shift));
+        while (first != last) {
+            const ptrdiff_t count = std::min(kNoiseBlock, last - first);
+            int32_t shifts[kNoiseBlock];
+            for (ptrdiff_t i = 0; i < count; ++i) shifts[i] = wrapSubtract(remainder(random.next()), half);
+            apply(first, count, shifts);
+            first += count;
         }
     });
 }
@@ -66,39 +100,79 @@ float reciprocalOf(float frequency) {
     return static_cast<float>(1.0 / (frequency < 1.0f ? 1.0f : frequency));
 }
 
-/// One grain, or one for each of red, green and blue, walked down a band together.
+/// Luma of a run of pixels, truncated.
+KRL_WIDE_CLONES void lumasOf(const Pixel* pixels, int32_t count, uint8_t* lumas) {
+    for (int32_t x = 0; x < count; ++x) {
+        const uint32_t word = wordOf(pixels[x]);
+        const float blue = static_cast<float>(byteAt(word, 0) * 114) / 1000.0f;
+        const float green = static_cast<float>(byteAt(word, 8) * 587) / 1000.0f;
+        const float red = static_cast<float>(byteAt(word, 16) * 299) / 1000.0f;
+        lumas[x] = truncatedByte(double{blue} + green + red);
+    }
+}
+
+/// Grained bytes and how far they show, for one colour of a row.
+struct GrainRow {
+    std::vector<uint8_t> grained, shown;
+};
+
+/// Mixes the colours of a run of pixels with grained ones, each `shown` in 255ths; rows in the order
+/// blue, green, red.
+KRL_WIDE_CLONES void mixGrain(Pixel* pixels, int32_t count, const uint8_t* const (&grained)[3],
+                              const uint8_t* const (&shown)[3]) {
+    // a * b / 255 for any two bytes
+    const auto scale = [](uint32_t a, uint32_t b) { return a * b * 0x8081u >> 23; };
+    const uint8_t *const g0 = grained[0], *const g1 = grained[1], *const g2 = grained[2];
+    const uint8_t *const s0 = shown[0], *const s1 = shown[1], *const s2 = shown[2];
+    for (int32_t x = 0; x < count; ++x) {
+        const uint32_t word = wordOf(pixels[x]);
+        const uint32_t blue = scale(s0[x], g0[x]) + scale(255u - s0[x], word & 255u);
+        const uint32_t green = scale(s1[x], g1[x]) + scale(255u - s1[x], word >> 8 & 255u);
+        const uint32_t red = scale(s2[x], g2[x]) + scale(255u - s2[x], word >> 16 & 255u);
+        const uint32_t mixed = blue | green << 8 | red << 16 | (word & 0xFF000000u);
+        storeWord(pixels[x], word >> 24 != 0 ? mixed : word);
+    }
+}
+
+/// The grains of red, green and blue, or one for all, walked down a band together.
 class GrainPainter {
 public:
-    GrainPainter(const LookupTables& tables, const std::vector<ColourGrain>& grains)
-        : tables_(tables), grains_(grains) {
+    GrainPainter(const LookupTables& tables, const std::vector<ColourGrain>& grains, int32_t width)
+        : tables_(tables), grains_(grains), width_(width), lumas_(size_t(width)) {
         walks_.reserve(grains.size());
         for (const ColourGrain& grain : grains) walks_.emplace_back(grain.noise);
+        for (GrainRow& row : rows_)
+            row = {std::vector<uint8_t>(size_t(width)), std::vector<uint8_t>(size_t(width))};
     }
 
-    void paintRow(Pixel* row, int32_t y, int32_t width) {
-        std::array<const uint8_t*, 3> levels{};
-        for (size_t i = 0; i < walks_.size(); ++i) levels[i] = walks_[i].levelsOf(y);
-        const bool grey = walks_.size() == 1;
-        for (int32_t x = 0; x < width; ++x) {
-            Pixel& p = row[x];
-            if (p.alpha == 0) continue;
-            const auto luma = static_cast<size_t>(truncate(
-                double{tables_.lumaBlue[p.blue]} + tables_.lumaGreen[p.green] + tables_.lumaRed[p.red]));
-            p.red = mixed(p.red, levels[0][x], grains_[0].strength[luma]);
-            p.green = mixed(p.green, levels[grey ? 0 : 1][x], grains_[grey ? 0 : 1].strength[luma]);
-            p.blue = mixed(p.blue, levels[grey ? 0 : 2][x], grains_[grey ? 0 : 2].strength[luma]);
+    void paintRow(Pixel* pixels, int32_t y) {
+        lumasOf(pixels, width_, lumas_.data());
+        const uint8_t* levels = nullptr;
+        for (size_t colour = 0; colour < 3; ++colour) {  // red first, as the grains stand
+            const size_t source = std::min(colour, walks_.size() - 1);
+            if (source == colour) levels = walks_[source].levelsOf(y);
+            const size_t channel = 2 - colour;
+            fillRow(pixels, channel, levels, grains_[source].strength, rows_[channel]);
         }
+        mixGrain(pixels, width_, {rows_[0].grained.data(), rows_[1].grained.data(), rows_[2].grained.data()},
+                 {rows_[0].shown.data(), rows_[1].shown.data(), rows_[2].shown.data()});
     }
 
 private:
-    uint8_t mixed(uint8_t byte, uint8_t level, uint8_t strength) const {
-        return static_cast<uint8_t>(tables_.scaleByte[strength][tables_.blendSoftLight[level][byte]] +
-                                    tables_.scaleByte[255 - strength][byte]);
+    void fillRow(const Pixel* pixels, size_t channel, const uint8_t* levels, const ByteCurve& strength,
+                 GrainRow& row) const {
+        for (size_t x = 0; x < size_t(width_); ++x) {
+            row.grained[x] = tables_.blendSoftLight[levels[x]][pixels[x][channel]];
+            row.shown[x] = strength[lumas_[x]];
+        }
     }
 
     const LookupTables& tables_;
     const std::vector<ColourGrain>& grains_;
+    int32_t width_;
     std::vector<SmoothNoise::Walk> walks_;
+    std::vector<uint8_t> lumas_;
+    GrainRow rows_[3];
 };
 
 }  // namespace
@@ -126,12 +200,12 @@ Status grain(ImageEngine& engine, float frequencyRed, float frequencyGreen, floa
     }
     std::vector<GrainPainter> painters;
     painters.reserve(size_t(engine.getThreadCount()));
-    for (int32_t i = 0; i < engine.getThreadCount(); ++i) painters.emplace_back(engine.tables(), grains);
+    for (int32_t i = 0; i < engine.getThreadCount(); ++i)
+        painters.emplace_back(engine.tables(), grains, image.width);
 
     return runBands(engine.getThreadCount(), [&](int32_t i) {
         const IndexRange rows = lineBand(image.height, engine.getThreadCount(), i);
-        for (int32_t y = rows.first; y < rows.last; ++y)
-            painters[size_t(i)].paintRow(image.row(y), y, image.width);
+        for (int32_t y = rows.first; y < rows.last; ++y) painters[size_t(i)].paintRow(image.row(y), y);
     });
 }
 
