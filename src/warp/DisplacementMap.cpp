@@ -48,12 +48,14 @@ void readValues(MapRun& run, const Pixel* pixels, size_t count, MapOption option
             return fill([&](Pixel p) { return t.meanOf3[p.blue + p.green + p.red]; });
         case MapOption::Luminosity:
             return fill([&](Pixel p) {
-                return truncate(double(t.lumaRed[p.red]) + t.lumaGreen[p.green] + t.lumaBlue[p.blue]);
+                return static_cast<int32_t>(double(t.lumaRed[p.red]) + t.lumaGreen[p.green] +
+                                            t.lumaBlue[p.blue]);
             });
         case MapOption::Hue:
-            return fill([](Pixel p) { return std::max(0, truncate(hlsOf(p).hue / 360.0 * 255)); });
+            return fill(
+                [](Pixel p) { return static_cast<int32_t>(std::max(0, hlsOf(p).hue) / 360.0 * 255); });
         case MapOption::Saturation:
-            return fill([](Pixel p) { return truncate(hlsOf(p).saturation / 720.0 * 255); });
+            return fill([](Pixel p) { return static_cast<int32_t>(hlsOf(p).saturation / 720.0 * 255); });
         case MapOption::Lightness:
             return fill(lightnessOf);
         case MapOption::Off:
