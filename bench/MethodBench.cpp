@@ -24,6 +24,8 @@ namespace {
 
 using player::Value;
 
+constexpr int kRuns = 4;
+
 struct Size {
     int32_t width, height;
 };
@@ -129,7 +131,7 @@ void registerAll() {
                     name.c_str(), [=](benchmark::State& state) { timeMethod(state, *method, size, oneBand); })
                     ->UseManualTime()
                     ->Unit(benchmark::kMillisecond)
-                    ->MinTime(0.1);
+                    ->Iterations(kRuns);
             }
 }
 
