@@ -1,0 +1,110 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "player/lingo/Parser.h"
+
+namespace krl::player {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::unique_ptr<Script> parsed(const std::string& text, SymbolTable& symbols) {
+    return parseScript(std::make_shared<Source>(Source{"test.ls", text}), symbols);
+}
+
+/// The one handler of a script of these lines.
+class Parsing : public testing::Test {
+protected:
+    const Handler& handler(const std::string& lines) {
+        script = parsed("on main\n" + lines + "\nend\n", symbols);
+        return *script->handlers.front();
+    }
+
+    SymbolTable symbols;
+    std::unique_ptr<Script> script;
+};
+
+TEST_F(Parsing, AnElseBelongsToTheIfThatItIsNotIndentedLessThan) {
+    const Handler& outer = handler("  if a then\n    if b then c()\n  else\n    d()\n  end if");
+    const auto& first = static_cast<const IfStatement&>(*outer.body.front());
+    EXPECT_EQ(first.otherwise.size(), 1u);
+    const Handler& inner = handler("  if a then\n    if b then c()\n    else d()\n  end if");
+    const auto& second = static_cast<const IfStatement&>(*inner.body.front());
+    EXPECT_TRUE(second.otherwise.empty());
+    EXPECT_EQ(static_cast<const IfStatement&>(*second.branches[0].body[0]).otherwise.size(), 1u);
+}
+
+TEST_F(Parsing, WordsOfTheLanguageAreNamesOfVariablesToo) {
+    const Handler& made =
+        handler("  line = 1\n  word = line + 2\n  put item\n  char.x = 5\n  to2 = word - 1");
+    EXPECT_EQ(made.locals.size(), 5u);
+    for (const StatementPointer& statement : made.body)
+        EXPECT_TRUE(statement->kind == StatementKind::Assign || statement->kind == StatementKind::Put);
+}
+
+TEST_F(Parsing, VariablesKnowWhoseTheyAre) {
+    script = parsed(
+        "global g\nproperty p\non main g2, p\n  global later\n  g = p + q + later\nend\non other\n  p = 1\n  "
+        "later = 2\nend\n",
+        symbols);
+    const auto& sum = static_cast<const AssignStatement&>(*script->handlers[0]->body[0]);
+    EXPECT_EQ(static_cast<const VariableExpression&>(*sum.target).scope, VariableScope::Global);
+    const auto& outer = static_cast<const BinaryExpression&>(*sum.value);
+    EXPECT_EQ(static_cast<const VariableExpression&>(*outer.right).scope, VariableScope::Global);
+    const auto& inner = static_cast<const BinaryExpression&>(*outer.left);
+    EXPECT_EQ(static_cast<const VariableExpression&>(*inner.left).scope, VariableScope::Local)
+        << "a parameter hides the property";
+    const auto& property = static_cast<const AssignStatement&>(*script->handlers[1]->body[0]);
+    EXPECT_EQ(static_cast<const VariableExpression&>(*property.target).scope, VariableScope::Property);
+    const auto& local = static_cast<const AssignStatement&>(*script->handlers[1]->body[1]);
+    EXPECT_EQ(static_cast<const VariableExpression&>(*local.target).scope, VariableScope::Local)
+        << "declared in another handler alone";
+}
+
+TEST_F(Parsing, LineEndsOfEveryKindCountOnce) {
+    const std::string lines[] = {"on main", "  put 1", "  put ?", "end", ""};
+    for (const char* end : {"\n", "\r", "\r\n"}) {
+        std::string text;
+        for (const std::string& line : lines) text += line + end;
+        try {
+            parsed(text, symbols);
+            FAIL();
+        } catch (const ScriptError& error) {
+            EXPECT_EQ(error.place().line, 3);
+            EXPECT_EQ(error.excerpt(), "  put ?\n      ^");
+        }
+    }
+}
+
+TEST_F(Parsing, AMarkThatBeginsUtf8IsPassedOver) {
+    EXPECT_EQ(parsed("\xEF\xBB\xBFon main\nend", symbols)->handlers.size(), 1u);
+}
+
+/// Cut off anywhere, a script is parsed or told what is missing.
+TEST_F(Parsing, EveryBeginningOfAScriptIsAnswered) {
+    int refused = 0, scripts = 0;
+    for (const auto& entry : fs::directory_iterator(fs::path(KRL_SOURCE_DIR) / "tests" / "scripts")) {
+        if (entry.path().extension() != ".ls") continue;
+        ++scripts;
+        std::ifstream in(entry.path(), std::ios::binary);
+        std::ostringstream whole;
+        whole << in.rdbuf();
+        EXPECT_NO_THROW(parsed(whole.str(), symbols)) << entry.path();
+        for (size_t length = 0; length < whole.str().size(); length += 3) {
+            try {
+                parsed(whole.str().substr(0, length), symbols);
+            } catch (const ScriptError& error) {
+                EXPECT_GT(error.place().line, 0);
+                ++refused;
+            }
+        }
+    }
+    EXPECT_GT(scripts, 10);
+    EXPECT_GT(refused, 1000);
+}
+
+}  // namespace
+}  // namespace krl::player
