@@ -18,14 +18,22 @@ void mixDown(const float* upper, const float* lower, double upperWeight, double 
     }
 }
 
-}  // namespace
-
-float latticeNoise(int32_t x, int32_t y) {
-    uint32_t n = static_cast<uint32_t>(x) + static_cast<uint32_t>(y) * 57u;
-    n ^= n << 13;
-    const uint32_t m = (n * (n * n * 15731u + 789221u) + 1376312589u) & 0x7FFFFFFFu;
-    return static_cast<float>(1.0 - m * 9.313225746154785e-10);
+/// Lattice values of `count` columns from `firstX` on.
+KRL_WIDE_CLONES
+void hashRow(int32_t firstX, int32_t y, float* values, int32_t count) {
+    for (int32_t i = 0; i < count; ++i) values[i] = latticeNoise(wrapAdd(firstX, i), y);
 }
+
+KRL_WIDE_CLONES
+void mixAlongRow(const float* lattice, const int32_t* points, const double* leftWeights,
+                 const double* rightWeights, float* out, int32_t count) {
+    for (int32_t x = 0; x < count; ++x) {
+        const double left = lattice[points[x]], right = lattice[points[x] + 1];
+        out[x] = static_cast<float>(leftWeights[x] * left + rightWeights[x] * right);
+    }
+}
+
+}  // namespace
 
 SmoothNoise::SmoothNoise(int32_t width, int32_t offset, float scale)
     : width_(width),
@@ -78,14 +86,9 @@ const uint8_t* SmoothNoise::Walk::levelsOf(int32_t y) {
 }
 
 void SmoothNoise::Walk::mixAlong(int32_t latticeRow, float* out) {
-    for (int32_t i = 0; i < noise_.pointCount_; ++i)
-        lattice_[size_t(i)] = latticeNoise(wrapAdd(noise_.firstPoint_, i), latticeRow);
-    for (int32_t x = 0; x < noise_.width_; ++x) {
-        const auto column = static_cast<size_t>(x);
-        const auto point = static_cast<size_t>(noise_.points_[column]);
-        out[x] = static_cast<float>(noise_.leftWeights_[column] * lattice_[point] +
-                                    noise_.rightWeights_[column] * lattice_[point + 1]);
-    }
+    hashRow(noise_.firstPoint_, latticeRow, lattice_.data(), noise_.pointCount_);
+    mixAlongRow(lattice_.data(), noise_.points_.data(), noise_.leftWeights_.data(),
+                noise_.rightWeights_.data(), out, noise_.width_);
 }
 
 }  // namespace krl

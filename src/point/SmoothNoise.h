@@ -7,8 +7,13 @@
 
 namespace krl {
 
-/// The value at one point of the noise lattice, -1 to 1.
-float latticeNoise(int32_t x, int32_t y);
+/// The value at one point of the noise lattice, -1 to 1: a hash of its place.
+inline float latticeNoise(int32_t x, int32_t y) {
+    uint32_t n = static_cast<uint32_t>(x) + static_cast<uint32_t>(y) * 57u;
+    n ^= n << 13;
+    const uint32_t m = (n * (n * n * 15731u + 789221u) + 1376312589u) & 0x7FFFFFFFu;
+    return static_cast<float>(1.0 - static_cast<int32_t>(m) * 9.313225746154785e-10);
+}
 
 /// Smooth noise over a picture: lattice values, mixed along rows and then down columns by weights
 /// that sum to more than 1 between the points, so that it overshoots there.
