@@ -31,6 +31,7 @@ h2 small { color: var(--quiet); font-weight: 400; }
 .sheet { display: grid; grid-template-columns: repeat(auto-fill, minmax(290px, 1fr)); gap: 1.1rem; }
 .card { display: flex; flex-direction: column; overflow: hidden; background: var(--card);
   border: 1px solid var(--line); border-radius: .7rem; }
+.card.plain { align-self: start; }
 .view { position: relative; display: block; width: 100%; padding: 0; border: 0; cursor: zoom-in; --cut: 0%;
   background: repeating-conic-gradient(#3a3a3d 0 25%, #303033 0 50%) 0 0 / 20px 20px; }
 .view img { display: block; width: 100%; height: 100%; object-fit: contain; }
@@ -148,9 +149,11 @@ std::string callRow(const std::string& call) {
 }
 
 std::string cardOf(const GalleryOriginal& original, const GalleryCard& card) {
-    std::string text = "<article class=\"card\">\n";
-    if (!card.picture.empty()) text += viewOf(original, card);
+    const bool plain = card.picture.empty();
+    std::string text =
+        plain ? "<article class=\"card plain\">\n" : "<article class=\"card\">\n" + viewOf(original, card);
     text += "<div class=\"words\"><h3>" + safe(card.name) + "</h3><p>" + safe(card.summary) + "</p>\n";
+    if (plain && card.answer.empty()) text += "<p>This picture stays as it is.</p>\n";
     if (!card.answer.empty()) text += "<p class=\"answer\">" + safe(card.answer) + "</p>\n";
     return text + callRow(card.call) + "</div>\n</article>\n";
 }

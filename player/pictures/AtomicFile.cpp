@@ -53,10 +53,15 @@ std::filesystem::path temporaryName(const std::filesystem::path& target) {
 
 AtomicFile::AtomicFile(const std::filesystem::path& target)
     : target_(target), temporary_(temporaryName(target)) {
-    std::FILE* created = std::fopen(temporary_.string().c_str(), "wb");
-    if (!created) throw PictureError("cannot write " + target.string() + ": " + std::strerror(errno));
-    std::fclose(created);
+    // Remembered before it exists, so that no interruption falls in between.
     remember(temporary_.string());
+    std::FILE* created = std::fopen(temporary_.string().c_str(), "wb");
+    if (!created) {
+        const std::string reason = std::strerror(errno);
+        forget(temporary_.string());
+        throw PictureError("cannot write " + target.string() + ": " + reason);
+    }
+    std::fclose(created);
 }
 
 AtomicFile::~AtomicFile() {
