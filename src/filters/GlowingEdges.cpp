@@ -16,11 +16,8 @@ Status spreadOfRows(const ImageEngine& engine, const ImageBuffer& lowest, const 
     return forEachRowWindow(engine, LineWindow::centred(half, width), [&](int32_t y, RowWindows& windows) {
         Pixel *low = lowest.row(y), *high = highest.row(y);
         if (scaled) scaleByAlpha(low, low, width);
-        const auto put = [&](Pixel* row, const Pixel* extremes) {
-            std::memcpy(row, extremes, static_cast<size_t>(width) * sizeof(Pixel));
-        };
-        put(high, windows.slide<Largest>(low));
-        put(low, windows.slide<Smallest>(low));
+        windows.slide<Largest>(low, high);
+        windows.slide<Smallest>(low, low);
     });
 }
 

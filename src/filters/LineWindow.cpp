@@ -46,15 +46,15 @@ LineWindow LineWindow::afterFirst(int32_t half, int32_t count) {
 
 void RowWindows::layEntries(const Pixel* row, uint8_t outside) {
     const int32_t left = std::min(window_.skipped, count_), right = std::max(count_ - left - 1, 0);
-    Pixel* samples = entries_ + window_.lead;
-    Pixel* end = entries_ + window_.entries(count_);
+    Pixel* samples = now_ + window_.lead;
+    Pixel* end = now_ + window_.entries(count_);
     const auto fill = [=](Pixel* first, Pixel* last) {
         if (first < last) std::memset(first, outside, static_cast<size_t>(last - first) * sizeof(Pixel));
     };
     const auto copy = [](Pixel* target, const Pixel* source, int32_t pixels) {
         std::memcpy(target, source, static_cast<size_t>(pixels) * sizeof(Pixel));
     };
-    fill(entries_, samples);
+    fill(now_, samples);
     // A window that begins at its pixel has no room for what is past the last.
     copy(samples, row, left);
     copy(samples + left, row + std::min(left + 1, count_), right);

@@ -29,6 +29,11 @@ struct Largest {
     static void combine(const uint8_t* a, const uint8_t* b, int64_t bytes, uint8_t* result);
 };
 
+template <class Extreme>
+void combinePixels(const Pixel* a, const Pixel* b, int64_t pixels, Pixel* result) {
+    Extreme::combine(&a->blue, &b->blue, pixels * int64_t(sizeof(Pixel)), &result->blue);
+}
+
 /// Where a window lies on a line. The line, less the sample `skipped`, is entered after `lead` entries
 /// from outside; the window of result `x` is the `length` entries from entry `x` on.
 struct LineWindow {
@@ -67,33 +72,41 @@ public:
         return 2 * static_cast<size_t>(window.entries(count));
     }
     RowWindows(const LineWindow& window, int32_t count, Pixel* room)
-        : window_(window), count_(count), entries_(room), other_(room + window.entries(count)) {}
+        : window_(window), count_(count), now_(room), next_(room + window.entries(count)) {}
 
-    /// One pixel for each of the row's, every byte the extreme of its window; good until the next call.
+    /// Writes one pixel for each of the row's, every byte the extreme of its window. The row may be
+    /// written itself.
+    template <class Extreme>
+    void slide(const Pixel* row, Pixel* extremes) {
+        const int64_t reach = widen<Extreme>(row);
+        combinePixels<Extreme>(now_, now_ + window_.length - reach, count_, extremes);
+    }
+    /// The same into the band's own room; good until the next call.
     template <class Extreme>
     const Pixel* slide(const Pixel* row) {
-        layEntries(row, Extreme::kOutside);
-        Pixel *now = entries_, *next = other_;
-        int64_t reach = 1, left = window_.entries(count_);
-        for (; 2 * reach <= window_.length; reach *= 2) {
-            left -= reach;
-            combine<Extreme>(now, now + reach, left, next);
-            std::swap(now, next);
-        }
-        combine<Extreme>(now, now + window_.length - reach, count_, next);
-        return next;
+        const int64_t reach = widen<Extreme>(row);
+        combinePixels<Extreme>(now_, now_ + window_.length - reach, count_, next_);
+        return next_;
     }
 
 private:
+    /// Leaves in `now_` the extremes of the largest power of 2 that the window holds, and returns it.
     template <class Extreme>
-    static void combine(const Pixel* a, const Pixel* b, int64_t pixels, Pixel* result) {
-        Extreme::combine(firstByte(a), firstByte(b), pixels * int64_t(sizeof(Pixel)), firstByte(result));
+    int64_t widen(const Pixel* row) {
+        layEntries(row, Extreme::kOutside);
+        int64_t reach = 1, left = window_.entries(count_);
+        for (; 2 * reach <= window_.length; reach *= 2) {
+            left -= reach;
+            combinePixels<Extreme>(now_, now_ + reach, left, next_);
+            std::swap(now_, next_);
+        }
+        return reach;
     }
     void layEntries(const Pixel* row, uint8_t outside);
 
     LineWindow window_;
     int32_t count_;
-    Pixel *entries_, *other_;
+    Pixel *now_, *next_;
 };
 
 /// Adjacent columns that are walked down together: enough for whole cache lines and few page changes.

@@ -78,6 +78,14 @@ TEST(Morphology, EqualsTheScannedRing) {
             }
 }
 
+TEST(Morphology, WindowsReachOverManyBands) {
+    const Picture picture = Picture::random(21, 38);
+    for (int32_t size : {0, 1, 2, 7, 20, 32, 33, 60}) {
+        const Picture expected = referenceMorphology(picture, size, ringMinimum());
+        for (int32_t bands : {2, 3, 7, 20, 50}) EXPECT_EQ(picture.after(dilate(size), bands), expected) << bands;
+    }
+}
+
 TEST(Morphology, TakesAnySizeWithoutHarm) {
     const Picture picture = Picture::random(13, 11);
     EXPECT_EQ(picture.after(dilate(INT_MAX)), picture.after(dilate(100)));
