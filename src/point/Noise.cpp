@@ -161,10 +161,14 @@ public:
 private:
     void fillRow(const Pixel* pixels, size_t channel, const uint8_t* levels, const ByteCurve& strength,
                  GrainRow& row) const {
-        for (size_t x = 0; x < size_t(width_); ++x) {
-            row.grained[x] = tables_.blendSoftLight[levels[x]][pixels[x][channel]];
-            row.shown[x] = strength[lumas_[x]];
-        }
+        // Stores of bytes could change anything but what stands in locals.
+        const uint8_t* lumas = lumas_.data();
+        const uint8_t* shownByLuma = strength.data();
+        const ByteSquare<uint8_t>& softLight = tables_.blendSoftLight;
+        uint8_t *grained = row.grained.data(), *shown = row.shown.data();
+        for (int32_t x = 0, width = width_; x < width; ++x)
+            grained[x] = softLight[levels[x]][pixels[x][channel]];
+        for (int32_t x = 0, width = width_; x < width; ++x) shown[x] = shownByLuma[lumas[x]];
     }
 
     const LookupTables& tables_;
