@@ -172,10 +172,10 @@ Status spreadRolling(const ImageEngine& engine, ChannelMask mask, int32_t half) 
     });
 }
 
-/// Small windows keep the rows that they need in the processor's cache.
+/// Windows up to some size hold the rows that they need in little room.
 template <class Extreme, bool kScaled>
 Status spreadSquare(const ImageEngine& engine, ChannelMask mask, int32_t half) {
-    constexpr int32_t kMostRolling = 32;
+    constexpr int32_t kMostRolling = 256;
     return half <= kMostRolling ? spreadRolling<Extreme, kScaled>(engine, mask, half)
                                 : spreadInTwoPasses<Extreme, kScaled>(engine, mask, half);
 }
