@@ -24,7 +24,7 @@ Status applyCurves(ImageEngine& engine, const ColourCurves& curves) {
     return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) { applyCurves(first, last, curves); });
 }
 
-KRL_WIDE_CLONES void takeMeans(Pixel* first, Pixel* last) {
+KRL_STREAM_CLONES void takeMeans(Pixel* first, Pixel* last) {
     for (Pixel* p = first; p != last; ++p) {
         uint32_t word;  // 0xAARRGGBB
         std::memcpy(&word, p, sizeof word);
