@@ -1,26 +1,16 @@
 #include "point/HsvBlock.h"
 
 #include "core/Clones.h"
+#include "core/HueLane.h"
 
 namespace krl {
 
 KRL_WIDE_CLONES void toHsv(const ColourBlock& colours, HsvBlock& hsv) {
     for (size_t i = 0; i < kBlockPixels; ++i) {
-        const float red = float(colours.red[i]) / 255.0f;
-        const float green = float(colours.green[i]) / 255.0f;
-        const float blue = float(colours.blue[i]) / 255.0f;
-        const float larger = red > green ? red : green, smaller = red < green ? red : green;
-        const float max = larger > blue ? larger : blue, min = smaller < blue ? smaller : blue;
-        const float delta = max - min;
-        hsv.value[i] = max;
-        hsv.saturation[i] = delta / (max == 0.0f ? 1.0f : max);
-
-        const bool redLeads = red == max, greenLeads = green == max;
-        const float across = redLeads ? green - blue : greenLeads ? blue - red : red - green;
-        const float sector = redLeads ? 0.0f : greenLeads ? 2.0f : 4.0f;
-        const float hue = (across / (delta == 0.0f ? 1.0f : delta) + sector) * 60.0f;
-        const float around = hue + 360.0f;
-        hsv.turn[i] = (hue < 0.0f ? around : hue) / 60.0f;
+        const HueLane lane = hueLane(colours.red[i], colours.green[i], colours.blue[i]);
+        hsv.value[i] = lane.value;
+        hsv.saturation[i] = lane.spread / (lane.value == 0.0f ? 1.0f : lane.value);
+        hsv.turn[i] = lane.hue / 60.0f;
     }
 }
 
