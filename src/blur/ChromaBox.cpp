@@ -1,10 +1,10 @@
 #include "blur/ChromaBox.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "blur/ByteQuotient.h"
 #include "core/Bands.h"
+#include "core/PixelWord.h"
 #include "core/Scratch.h"
 
 namespace krl {
@@ -13,12 +13,6 @@ namespace {
 
 /// Columns that are filtered side by side.
 constexpr int32_t kTileWords = 64;
-
-uint32_t load(const Pixel* word) {
-    uint32_t value;
-    std::memcpy(&value, word, sizeof value);
-    return value;
-}
 
 /// A line of places, `stride` words apart, each with one or more words side by side.
 struct BoxLine {
@@ -38,7 +32,7 @@ public:
 
     void add(const Pixel* words) {
         for (int32_t i = 0; i < lanes_; ++i) {
-            const uint32_t word = load(words + i);
+            const uint32_t word = wordOf(words[i]);
             u_[i] += word & 255u;
             v_[i] += word >> 8 & 255u;
         }
@@ -46,7 +40,7 @@ public:
 
     void subtract(const Pixel* words) {
         for (int32_t i = 0; i < lanes_; ++i) {
-            const uint32_t word = load(words + i);
+            const uint32_t word = wordOf(words[i]);
             u_[i] -= word & 255u;
             v_[i] -= word >> 8 & 255u;
         }
@@ -56,8 +50,7 @@ public:
     void writeMeans(Pixel* words, const Quotient& mean) const {
         for (int32_t i = 0; i < lanes_; ++i) {
             const uint32_t means = mean(u_[i]) | uint32_t{mean(v_[i])} << 8;
-            const uint32_t word = (load(words + i) & 0xFFFF0000u) | means;
-            std::memcpy(words + i, &word, sizeof word);
+            storeWord(words[i], (wordOf(words[i]) & 0xFFFF0000u) | means);
         }
     }
 

@@ -1,46 +1,35 @@
 #include "blur/ChromaImage.h"
 
-#include <cstring>
-
 #include "core/Clones.h"
 #include "core/Numbers.h"
+#include "core/PixelWord.h"
 
 namespace krl {
 
 namespace {
 
-uint32_t load(const Pixel* pixel) {
-    uint32_t word;
-    std::memcpy(&word, pixel, sizeof word);
-    return word;
-}
-
-void store(Pixel* pixel, uint32_t word) { std::memcpy(pixel, &word, sizeof word); }
-
-int32_t byteOf(uint32_t word, int shift) { return static_cast<int32_t>(word >> shift & 255u); }
-
 KRL_WIDE_CLONES
 void splitRun(const Pixel* from, Pixel* to, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        const auto word = load(from + i);
-        const int32_t blue = byteOf(word, 0), green = byteOf(word, 8), red = byteOf(word, 16);
+        const auto word = wordOf(from[i]);
+        const int32_t blue = byteAt(word, 0), green = byteAt(word, 8), red = byteAt(word, 16);
         const int32_t luma = thousandth(114 * blue + 587 * green + 299 * red);
         const int32_t u = thousandth((blue - luma) * 565) + 128;
         const int32_t v = thousandth((red - luma) * 713) + 128;
-        store(to + i, static_cast<uint32_t>(u | v << 8 | luma << 16 | luma << 24));
+        storeWord(to[i], static_cast<uint32_t>(u | v << 8 | luma << 16 | luma << 24));
     }
 }
 
 KRL_WIDE_CLONES
 void mergeRun(const Pixel* from, Pixel* to, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        const auto word = load(from + i);
-        const int32_t u = byteOf(word, 0) - 128, v = byteOf(word, 8) - 128, luma = byteOf(word, 16);
+        const auto word = wordOf(from[i]);
+        const int32_t u = byteAt(word, 0) - 128, v = byteAt(word, 8) - 128, luma = byteAt(word, 16);
         const int32_t blue = clampTo(luma + thousandth(1770 * u), 0, 255);
         const int32_t green = clampTo(luma - thousandth(344 * u) - thousandth(714 * v), 0, 255);
         const int32_t red = clampTo(luma + thousandth(1403 * v), 0, 255);
-        const uint32_t alpha = load(to + i) & 0xFF000000u;
-        store(to + i, static_cast<uint32_t>(blue | green << 8 | red << 16) | alpha);
+        const uint32_t alpha = wordOf(to[i]) & 0xFF000000u;
+        storeWord(to[i], static_cast<uint32_t>(blue | green << 8 | red << 16) | alpha);
     }
 }
 

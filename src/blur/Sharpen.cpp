@@ -1,7 +1,6 @@
 #include "blur/Sharpen.h"
 
 #include <cstdlib>
-#include <cstring>
 
 #include "blur/BlurEffects.h"
 #include "blur/ByteMix.h"
@@ -10,6 +9,7 @@
 #include "core/Clones.h"
 #include "core/ImageCopy.h"
 #include "core/Numbers.h"
+#include "core/PixelWord.h"
 
 namespace krl {
 
@@ -32,13 +32,9 @@ void sharpenBytes(const uint8_t* sharp, const uint8_t* blurred, double amount, i
 KRL_WIDE_CLONES
 void sharpenLuma(Pixel* words, ptrdiff_t count, double amount, int32_t threshold) {
     for (ptrdiff_t i = 0; i < count; ++i) {
-        uint32_t word;
-        std::memcpy(&word, words + i, sizeof word);
-        const auto sharp = static_cast<int32_t>(word >> 16 & 255u),
-                   blurred = static_cast<int32_t>(word >> 24);
-        word = (word & 0xFF00FFFFu) | static_cast<uint32_t>(sharpened(sharp, blurred, amount, threshold))
-                                          << 16;
-        std::memcpy(words + i, &word, sizeof word);
+        const uint32_t word = wordOf(words[i]);
+        const uint8_t luma = sharpened(byteAt(word, 16), byteAt(word, 24), amount, threshold);
+        storeWord(words[i], (word & 0xFF00FFFFu) | uint32_t{luma} << 16);
     }
 }
 
