@@ -5,10 +5,6 @@
 #include "filters/Edges.h"
 #include "filters/Gradient3x3.h"
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 namespace krl {
 
 namespace {
@@ -53,14 +49,6 @@ uint8_t shadeOf(const Light& light, const Slope& slope) {
     return static_cast<uint8_t>(truncate(dot / std::sqrt(double(square))));
 }
 
-void takeRoots(float* values, int32_t count) {
-    int32_t i = 0;
-#if defined(__SSE2__)
-    for (; i + 4 <= count; i += 4) _mm_storeu_ps(values + i, _mm_sqrt_ps(_mm_loadu_ps(values + i)));
-#endif
-    for (; i < count; ++i) values[i] = std::sqrt(values[i]);
-}
-
 constexpr int32_t kRun = 256;
 
 /// The two numbers whose quotient is the shade of a byte: the light along the normal, 0 where it comes
@@ -79,7 +67,7 @@ void gatherTerms(const uint8_t* above, const uint8_t* at, const uint8_t* below, 
         const auto slopeX = float(slope.x), slopeY = float(slope.y);
         const float dot = slopeX * x + slopeY * y + upright;
         terms.dot[i] = dot > 0.0f ? dot : 0.0f;
-        terms.length[i] = slopeX * slopeX + slopeY * slopeY + depthSquare;
+        terms.length[i] = std::sqrt(slopeX * slopeX + slopeY * slopeY + depthSquare);
     }
 }
 
@@ -105,7 +93,6 @@ void shadeRun(const uint8_t* above, const uint8_t* at, const uint8_t* below, int
     ShadeTerms terms;
     uint8_t doubts[kRun];
     gatherTerms(above, at, below, count, light, terms);
-    takeRoots(terms.length, count);
     if (!divideTerms(terms, count, shades, doubts)) return;
     for (int32_t i = 0; i < count; ++i)
         if (doubts[i]) shades[i] = shadeOf(light, slopeAt(above + i, at + i, below + i));
