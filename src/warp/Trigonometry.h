@@ -12,10 +12,11 @@ inline constexpr double kLargestAngle = 1.0e5;
 
 /// `sines[i] = sin(angles[i])` and `cosines[i] = cos(angles[i])`, for `count` angles in radians, within
 /// a unit in the last place or two. The blocks must not overlap.
-void sinesAndCosines(const double* angles, double* sines, double* cosines, size_t count);
+void sinesAndCosines(const double* __restrict angles, double* __restrict sines, double* __restrict cosines,
+                     size_t count);
 
 /// `angles[i]` is the size of the angle of (`x[i]`, `y`), in 0..pi, within some 1e-14; 0 for (0, 0).
-void angleSizes(const double* x, double y, double* angles, size_t count);
+void angleSizes(const double* __restrict x, double y, double* __restrict angles, size_t count);
 
 /// Sine of one angle, the same bits as above.
 double sine(double angle);
