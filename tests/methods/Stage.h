@@ -44,6 +44,9 @@ public:
     Answer call(const host::Method& method, const std::vector<player::Value>& arguments);
     Answer call(const char* name, const std::vector<player::Value>& arguments = {});
 
+    /// The host itself, for operations that are to fail.
+    player::EmbeddedHost& embeddedHost() { return host_; }
+
     /// Locks held on all images.
     int64_t locks() const { return host_.locks(); }
     /// Lets the instance go and tells whether everything came back.
