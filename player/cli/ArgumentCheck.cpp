@@ -101,7 +101,7 @@ bool isChoice(const Argument& argument, const std::string& symbol) {
 std::string complaintAbout(const Argument& argument, const Expression& given, const SymbolTable& symbols) {
     const Literal literal = literalOf(given, symbols);
     if (literal.kind == Kind::Unknown) return "";
-    const std::string complaint =
+    std::string complaint =
         std::string(argument.name) + " is " + literal.text + ", wanted is " + wantedText(argument);
     if (!takes(argument.kind, literal.kind)) return complaint;
     if (argument.kind != ArgumentKind::Symbol || isChoice(argument, literal.text)) return "";

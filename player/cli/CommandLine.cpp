@@ -51,7 +51,7 @@ public:
     }
 
 private:
-    CLI::App& command(const char* name, const char* summary, std::function<int()> action) {
+    CLI::App& command(const char* name, const char* summary, const std::function<int()>& action) {
         CLI::App& added = *app_.add_subcommand(name, summary);
         added.callback([this, action] { chosen_ = action; });
         return added;

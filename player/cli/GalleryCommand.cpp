@@ -79,7 +79,7 @@ public:
     }
 
     fs::path writePage(const std::vector<GalleryCard>& cards) const {
-        const fs::path page = folder_ / "index.html";
+        fs::path page = folder_ / "index.html";
         writeText(page, galleryPage(original_, cards));
         return page;
     }
