@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <new>
 #include <type_traits>
 
 namespace krl {
@@ -20,8 +22,9 @@ class Scratch {
 
 public:
     Scratch() = default;
-    explicit Scratch(size_t count)
-        : block_(static_cast<Element*>(takeScratch(count * sizeof(Element)))), count_(count) {}
+    /// Throws `std::bad_alloc`, also for a count whose bytes no address reaches.
+    explicit Scratch(uint64_t count)
+        : block_(static_cast<Element*>(takeScratch(bytesOf(count)))), count_(static_cast<size_t>(count)) {}
 
     Element* data() const { return block_.get(); }
     size_t size() const { return count_; }
@@ -30,6 +33,11 @@ public:
     Element* end() const { return data() + count_; }
 
 private:
+    static size_t bytesOf(uint64_t count) {
+        if (count > PTRDIFF_MAX / sizeof(Element)) throw std::bad_alloc();
+        return static_cast<size_t>(count) * sizeof(Element);
+    }
+
     struct Giver {
         void operator()(Element* block) const { giveScratch(block); }
     };
