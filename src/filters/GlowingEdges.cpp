@@ -29,14 +29,13 @@ Status spreadOfColumns(const ImageEngine& engine, const ImageBuffer& lowest, con
     const int32_t tailRows = std::min(window.length, image.height);
     const ChannelMask mask(ChannelTarget::RGB);
     return forEachColumnRun(engine, int64_t(tailRows) + image.height, [&](IndexRange columns, Pixel* room) {
-        Pixel *tails = room, *smallest = room + int64_t(tailRows) * kColumnsAtOnce;
         const int32_t width = columns.last - columns.first;
+        Pixel *tails = room, *smallest = room + int64_t(tailRows) * width;
         slideDownColumns<Smallest>(lowest, columns, window, tails, [&](int32_t y, const Pixel* extremes) {
-            std::memcpy(smallest + int64_t(y) * kColumnsAtOnce, extremes,
-                        static_cast<size_t>(width) * sizeof(Pixel));
+            std::memcpy(smallest + int64_t(y) * width, extremes, static_cast<size_t>(width) * sizeof(Pixel));
         });
         slideDownColumns<Largest>(highest, columns, window, tails, [&](int32_t y, const Pixel* largest) {
-            const Pixel* low = smallest + int64_t(y) * kColumnsAtOnce;
+            const Pixel* low = smallest + int64_t(y) * width;
             Pixel* row = image.row(y) + columns.first;
             for (int32_t x = 0; x < width; ++x)
                 row[x] = mask.merge(

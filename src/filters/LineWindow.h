@@ -68,8 +68,8 @@ struct LineWindow {
 class RowWindows {
 public:
     /// Pixels of room that a row of `count` needs.
-    static size_t roomFor(const LineWindow& window, int32_t count) {
-        return 2 * static_cast<size_t>(window.entries(count));
+    static uint64_t roomFor(const LineWindow& window, int32_t count) {
+        return 2 * static_cast<uint64_t>(window.entries(count));
     }
     RowWindows(const LineWindow& window, int32_t count, Pixel* room)
         : window_(window), count_(count), now_(room), next_(room + window.entries(count)) {}
@@ -113,7 +113,8 @@ private:
 inline constexpr int32_t kColumnsAtOnce = 128;
 
 /// Slides windows down up to `kColumnsAtOnce` columns of `picture`, and calls `emit(y, extremes)` with
-/// one pixel for each column, from the first row to the last. `tails` has room for as many rows.
+/// one pixel for each column, from the first row to the last. `tails` has room for a window's length of
+/// rows, or for all if they are fewer.
 template <class Extreme, class Emit>
 void slideDownColumns(const ImageBuffer& picture, IndexRange columns, const LineWindow& window, Pixel* tails,
                       Emit&& emit) {
@@ -131,7 +132,7 @@ void slideDownColumns(const ImageBuffer& picture, IndexRange columns, const Line
         const int64_t results = std::min<int64_t>(window.length, count - start);
         const Pixel* tail = outside;
         for (int64_t i = window.length - 1; i >= 0; --i) {
-            Pixel* longer = i < results ? tails + i * kColumnsAtOnce : head;
+            Pixel* longer = i < results ? tails + i * width : head;
             combine(tail, entry(start + i), longer);
             tail = longer;
         }
@@ -139,7 +140,7 @@ void slideDownColumns(const ImageBuffer& picture, IndexRange columns, const Line
         std::memcpy(head, outside, sizeof head);
         for (int64_t i = 1; i < results; ++i) {
             combine(head, entry(start + window.length + i - 1), head);
-            combine(head, tails + i * kColumnsAtOnce, result);
+            combine(head, tails + i * width, result);
             emit(static_cast<int32_t>(start + i), result);
         }
     }
@@ -148,7 +149,8 @@ void slideDownColumns(const ImageBuffer& picture, IndexRange columns, const Line
 /// Working room for each band, taken before any band runs.
 class BandRoom {
 public:
-    BandRoom(int32_t bands, size_t pixels) : each_(pixels), pixels_(pixels * static_cast<size_t>(bands)) {}
+    BandRoom(int32_t bands, uint64_t pixels)
+        : each_(static_cast<size_t>(pixels)), pixels_(pixels * static_cast<uint64_t>(bands)) {}
 
     Pixel* of(int32_t band) const { return pixels_.data() + static_cast<size_t>(band) * each_; }
 
@@ -174,10 +176,11 @@ Status forEachRowWindow(const ImageEngine& engine, const LineWindow& window, Wor
 /// room as `roomRows` rows of a run have.
 template <class Work>
 Status forEachColumnRun(const ImageEngine& engine, int64_t roomRows, Work&& work) {
-    const int32_t bands = engine.getThreadCount();
-    const BandRoom room(bands, static_cast<size_t>(roomRows) * kColumnsAtOnce);
+    const int32_t bands = engine.getThreadCount(), width = engine.buffer()->width;
+    const int32_t widest = std::min(kColumnsAtOnce, ceilingShare(width, bands));
+    const BandRoom room(bands, static_cast<uint64_t>(roomRows) * static_cast<uint64_t>(widest));
     return runBands(bands, [&](int32_t band) {
-        const IndexRange share = lineBand(engine.buffer()->width, bands, band);
+        const IndexRange share = lineBand(width, bands, band);
         for (int32_t x = share.first; x < share.last; x += kColumnsAtOnce)
             work(IndexRange{x, x + std::min(share.last - x, kColumnsAtOnce)}, room.of(band));
     });

@@ -64,7 +64,7 @@ public:
     BandBorders(const ImageBuffer& image, int32_t bands, int32_t reach)
         : width_(static_cast<size_t>(image.width)),
           rowsEach_(2 * reach + 1),
-          pixels_(width_ * static_cast<size_t>(rowsEach_) * static_cast<size_t>(bands - 1)) {
+          pixels_(uint64_t(width_) * static_cast<uint64_t>(rowsEach_) * static_cast<uint64_t>(bands - 1)) {
         for (int32_t border = 1; border < bands; ++border)
             for (int32_t i = 0; i < rowsEach_; ++i) {
                 const int32_t y = lineBand(image.height, bands, border).first - reach - 1 + i;
@@ -95,8 +95,8 @@ private:
 template <class Extreme, bool kScaled>
 class RollingBand {
 public:
-    static size_t roomFor(const ImageBuffer& image, const LineWindow& along, const LineWindow& down) {
-        return static_cast<size_t>(image.width) * (2 * static_cast<size_t>(down.length) + 1) +
+    static uint64_t roomFor(const ImageBuffer& image, const LineWindow& along, const LineWindow& down) {
+        return static_cast<uint64_t>(image.width) * (2 * static_cast<uint64_t>(down.length) + 1) +
                RowWindows::roomFor(along, image.width);
     }
 
@@ -172,12 +172,14 @@ Status spreadRolling(const ImageEngine& engine, ChannelMask mask, int32_t half) 
     });
 }
 
-/// Windows up to some size hold the rows that they need in little room.
+/// Where bands are higher than the window, what they hold and spread twice is little.
 template <class Extreme, bool kScaled>
 Status spreadSquare(const ImageEngine& engine, ChannelMask mask, int32_t half) {
-    constexpr int32_t kMostRolling = 256;
-    return half <= kMostRolling ? spreadRolling<Extreme, kScaled>(engine, mask, half)
-                                : spreadInTwoPasses<Extreme, kScaled>(engine, mask, half);
+    const int32_t height = engine.buffer()->height;
+    const bool isLow =
+        LineWindow::seededLate(half, height).length <= ceilingShare(height, engine.getThreadCount());
+    return isLow ? spreadRolling<Extreme, kScaled>(engine, mask, half)
+                 : spreadInTwoPasses<Extreme, kScaled>(engine, mask, half);
 }
 
 template <class Extreme>

@@ -57,15 +57,17 @@ Status mosaic(ImageEngine& engine, int32_t amount, ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
     const int32_t side = std::max(amount, 2), bands = engine.getThreadCount();
-    const auto width = static_cast<size_t>(image.width);
-    const Scratch<uint32_t> columnSums(width * 4 * static_cast<size_t>(bands));
-    const Scratch<Pixel> values(width * static_cast<size_t>(bands));
     const auto blockRows = static_cast<int32_t>((int64_t(image.height) + side - 1) / side);
+    const auto width = static_cast<size_t>(image.width);
+    const uint64_t places = uint64_t(width) * static_cast<uint64_t>(std::min(bands, blockRows));
+    const Scratch<uint32_t> columnSums(places * 4);
+    const Scratch<Pixel> values(places);
     return runBands(bands, [&](int32_t band) {
+        const IndexRange share = lineBand(blockRows, bands, band);
+        if (share.first >= share.last) return;
         const size_t room = width * static_cast<size_t>(band);
         const BlockRow blocks(image, side, ChannelMask(target), columnSums.data() + room * 4,
                               values.data() + room);
-        const IndexRange share = lineBand(blockRows, bands, band);
         for (int64_t y = int64_t(share.first) * side; y < image.height && y < int64_t(share.last) * side;
              y += side)
             blocks.flatten(
