@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -53,6 +54,8 @@ std::string transcriptOf(const std::string& name, const fs::path& outputFolder) 
     options.output = &told;
     options.alerts = &told;
     options.outputFolder = outputFolder;
+    // The same suite drives the plug-in as a file, where the environment names one.
+    if (const char* xtra = std::getenv("KRL_XTRA")) options.xtraFile = xtra;
     Session session(options);
     try {
         session.run(kScripts / (name + ".ls"), {"first", "second"});
