@@ -80,17 +80,14 @@ Status oneChannelFeather(ImageEngine& engine, int32_t radius, SampleQuality) {
 }
 
 Status blurColourReplace(ImageEngine& engine, Colour colour) {
-    if (!engine.getPixels()) return kStatusRefused;
+    if (engine.imageStatus()) return kStatusRefused;
     const auto scaledBy = [](uint8_t level) {
         const auto share = static_cast<float>(level / 255.0);
         return byteCurve([=](int32_t i) { return truncatedByte(share * (i / 255.0) * 255.0); });
     };
-    const ImageInfo& info = engine.getImageInfo();
-    auto* first = reinterpret_cast<Pixel*>(engine.getPixels());
-    const int64_t bytes = int64_t{info.height} * info.rowBytes;
-    if (bytes > 0)
-        applyCurves(first, first + bytes / int64_t{sizeof(Pixel)},
-                    {scaledBy(colour.blue()), scaledBy(colour.green()), scaledBy(colour.red())});
+    const ImageBuffer& image = *engine.buffer();
+    applyCurves(image.row(0), image.row(0) + image.bytes() / sizeof(Pixel),
+                {scaledBy(colour.blue()), scaledBy(colour.green()), scaledBy(colour.red())});
     return kStatusOk;
 }
 

@@ -32,8 +32,8 @@ Status diffuse(ImageEngine& engine, int32_t blur, float opacity, SampleQuality q
 /// Blurs alpha; colour stays.
 Status oneChannelFeather(ImageEngine& engine, int32_t radius, SampleQuality quality);
 
-/// Multiplies the picture by `colour`. Runs on the calling thread over the last loaded pixels,
-/// unloaded or not; `kStatusRefused` where there never were any.
+/// Multiplies the picture by `colour`. Runs on the calling thread; `kStatusRefused` where no picture is
+/// loaded.
 Status blurColourReplace(ImageEngine& engine, Colour colour);
 
 /// Blurs a block by `target`: whole pixels for `RGBA`, colour for `RGB`, else alpha.

@@ -162,14 +162,17 @@ TEST(BlurColourReplace, MultipliesByTheColourAndKeepsAlpha) {
     EXPECT_EQ(tinted, Picture(2, {{40, 0, 255, 9}, {0, 0, 50, 0}}));
 }
 
-TEST(BlurColourReplace, LooksAtPixelsAloneAndNotAtTheLoad) {
+TEST(BlurColourReplace, TouchesNoPixelsThatAreNotLoaded) {
     Pixel pixel{100, 100, 100, 100};
     ImageEngine engine;
     EXPECT_EQ(blurColourReplace(engine, Colour(0, 0, 0)), kStatusRefused);
     engine.load(reinterpret_cast<uint8_t*>(&pixel), {1, 1, 4, 0, 0, 0});
-    engine.unload();
     EXPECT_EQ(blurColourReplace(engine, Colour(0, 0, 0)), kStatusOk);
     EXPECT_EQ(pixel, (Pixel{0, 0, 0, 100}));
+    pixel = {100, 100, 100, 100};
+    engine.unload();
+    EXPECT_EQ(blurColourReplace(engine, Colour(0, 0, 0)), kStatusRefused);
+    EXPECT_EQ(pixel, (Pixel{100, 100, 100, 100}));
     engine.load(nullptr, {1, 1, 4, 0, 0, 0});
     EXPECT_EQ(blurColourReplace(engine, Colour(0, 0, 0)), kStatusRefused);
 }
