@@ -5,7 +5,7 @@
 #include <ostream>
 
 #include "player/cli/CommandList.h"
-#include "player/pictures/Picture.h"
+#include "player/lingo/NearestName.h"
 
 namespace krl::player {
 
@@ -32,6 +32,7 @@ public:
     }
 
     int run(std::vector<std::string> words) {
+        const std::string firstWord = words.empty() ? "" : words.front();
         std::reverse(words.begin(), words.end());  // as the library takes them
         try {
             app_.parse(words);
@@ -43,6 +44,8 @@ public:
         } catch (const CLI::CallForHelp&) {
             terminal_.out << app_.help();
             return 0;
+        } catch (const CLI::ExtrasError& error) {
+            return refuse(app_.get_subcommands().empty() ? unknownCommand(firstWord) : error.what());
         } catch (const CLI::ParseError& error) {
             return refuse(error.what());
         } catch (const UsageError& error) {
@@ -55,6 +58,12 @@ private:
         CLI::App& added = *app_.add_subcommand(name, summary);
         added.callback([this, action] { chosen_ = action; });
         return added;
+    }
+
+    std::string unknownCommand(const std::string& word) const {
+        std::vector<std::string> names;
+        for (const CommandDescription& command : described()) names.push_back(command.name);
+        return "there is no command " + word + didYouMean(word, names);
     }
 
     int refuse(const std::string& message) {

@@ -27,6 +27,10 @@ TEST(CommandLine, AnswersNonsenseWithItsUsageAndTwo) {
     }
 }
 
+TEST(CommandLine, NamesTheNearestCommand) {
+    EXPECT_TELLS(krlimage({"galery", "a.png"}).err, "there is no command galery, did you mean gallery?");
+}
+
 TEST(CommandLine, TellsItsVersionAndHelp) {
     EXPECT_EQ(krlimage({"--version"}).out, "krlimage 2.0.24\n");
     for (const char* command :

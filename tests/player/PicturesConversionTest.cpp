@@ -1,0 +1,97 @@
+#include "tests/player/CliRun.h"
+
+#if defined(KRL_WITH_VIPS)
+
+namespace krl::player {
+namespace {
+
+class Conversion : public CliTest {
+protected:
+    std::vector<Pixel> pixelsOf(const std::string& name, const std::string& content) {
+        return readPicture(text(name, content)).pixels;
+    }
+};
+
+constexpr Pixel opaque(int red, int green, int blue) {
+    return {uint8_t(blue), uint8_t(green), uint8_t(red), 255};
+}
+
+std::string bytes(std::initializer_list<int> values) {
+    std::string made;
+    for (const int value : values) made += static_cast<char>(value);
+    return made;
+}
+
+TEST_F(Conversion, MakesGreyThreeEqualColours) {
+    EXPECT_EQ(pixelsOf("a.pgm", "P5\n3 1\n255\n" + bytes({0, 100, 255})),
+              (std::vector<Pixel>{opaque(0, 0, 0), opaque(100, 100, 100), opaque(255, 255, 255)}));
+}
+
+TEST_F(Conversion, KeepsTheHighByteOfSixteenBits) {
+    EXPECT_EQ(
+        pixelsOf("a.ppm", "P6\n2 1\n65535\n" + bytes({0x12, 0xff, 0x80, 0x00, 0xff, 0xff, 0, 1, 1, 0, 2, 3})),
+        (std::vector<Pixel>{opaque(0x12, 0x80, 0xff), opaque(0, 1, 2)}));
+    EXPECT_EQ(pixelsOf("b.pgm", "P5\n2 1\n65535\n" + bytes({0x40, 0x7f, 0xfe, 0xff})),
+              (std::vector<Pixel>{opaque(0x40, 0x40, 0x40), opaque(0xfe, 0xfe, 0xfe)}));
+}
+
+/// A TIFF of 3 by 1 pixels, red, green and blue, that is to be turned as EXIF orientation says.
+std::string turnedTiff(int orientation) {
+    const auto entry = [](int tag, int type, int count, int value) {
+        return bytes({tag & 255, tag >> 8, type, 0, count, 0, 0, 0, value & 255, value >> 8, 0, 0});
+    };
+    constexpr int entries = 10, pixelsAt = 8 + 2 + entries * 12 + 4, bitsAt = pixelsAt + 10;
+    return bytes({'I', 'I', 42, 0, 8, 0, 0, 0, entries, 0}) + entry(256, 3, 1, 3) + entry(257, 3, 1, 1) +
+           entry(258, 3, 3, bitsAt) + entry(259, 3, 1, 1) + entry(262, 3, 1, 2) + entry(273, 4, 1, pixelsAt) +
+           entry(274, 3, 1, orientation) + entry(277, 3, 1, 3) + entry(278, 3, 1, 1) + entry(279, 4, 1, 9) +
+           bytes({0, 0, 0, 0, 255, 0, 0, 0, 255, 0, 0, 0, 255, 0, 8, 0, 8, 0, 8, 0});
+}
+
+TEST_F(Conversion, TurnsAPictureAsItsOrientationSays) {
+    const Pixel red = opaque(255, 0, 0), green = opaque(0, 255, 0), blue = opaque(0, 0, 255);
+    EXPECT_EQ(pixelsOf("upright.tif", turnedTiff(1)), (std::vector<Pixel>{red, green, blue}));
+    EXPECT_EQ(pixelsOf("mirrored.tif", turnedTiff(2)), (std::vector<Pixel>{blue, green, red}));
+    const Bitmap turned = readPicture(text("turned.tif", turnedTiff(6)));
+    EXPECT_EQ(turned.width, 1);
+    EXPECT_EQ(turned.height, 3);
+    EXPECT_EQ(turned.pixels, (std::vector<Pixel>{red, green, blue}));
+    EXPECT_EQ(readPicture(text("other.tif", turnedTiff(8))).pixels, (std::vector<Pixel>{blue, green, red}));
+}
+
+TEST_F(Conversion, DoesNotTurnAPictureTwice) {
+    writePicture(at("again.tif"), readPicture(text("turned.tif", turnedTiff(6))));
+    EXPECT_EQ(readPicture(at("again.tif")).height, 3);
+}
+
+TEST_F(Conversion, CarriesProfileAndResolutionThroughAChain) {
+    auto metadata = std::make_shared<PictureMetadata>();
+    for (int i = 0; i < 400; ++i) metadata->colourProfile.push_back(uint8_t(i * 7));
+    metadata->pixelsPerMillimetreX = metadata->pixelsPerMillimetreY = 11.811;
+    Bitmap in = noise(8, 6);
+    in.metadata = metadata;
+    writePicture(at("in.tif"), in);
+    ASSERT_EQ(krlimage({"apply", at("in.tif"), "-o", at("out.tif"), "invert(#RGB)"}).code, 0);
+    const Bitmap out = readPicture(at("out.tif"));
+    ASSERT_TRUE(out.metadata);
+    EXPECT_EQ(out.metadata->colourProfile, metadata->colourProfile);
+    EXPECT_NEAR(out.metadata->pixelsPerMillimetreX, 11.811, 0.001);
+    EXPECT_EQ(out.pixels[5].alpha, in.pixels[5].alpha);
+}
+
+TEST_F(Conversion, TellsABrokenPictureInOneLine) {
+    writePicture(at("whole.png"), noise(64, 64));
+    const std::string whole = contentOf(at("whole.png"));
+    for (const size_t kept : {size_t{20}, whole.size() / 2}) {
+        const std::string broken = text("broken.png", whole.substr(0, kept));
+        const CliResult done = krlimage({"apply", broken, "-o", at("out.png"), "invert(#RGB)"});
+        EXPECT_EQ(done.code, 1);
+        EXPECT_EQ(countOf(done.err, "\n"), 1u) << done.err;
+        EXPECT_TELLS(done.err, "broken.png");
+        EXPECT_FALSE(std::filesystem::exists(at("out.png")));
+    }
+}
+
+}  // namespace
+}  // namespace krl::player
+
+#endif
