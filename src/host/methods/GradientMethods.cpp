@@ -86,7 +86,7 @@ Outcome paintGradient(MethodCall& call) {
 }  // namespace
 
 void addGradientMethods(MethodList& list) {
-    list.group("Generate");
+    list.group("Generators");
     list.add(
         method("krlImageRGBGradient")
             .summary("Makes a new picture of colours that run from left to right.")
