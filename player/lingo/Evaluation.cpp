@@ -8,7 +8,7 @@
 namespace krl::player {
 
 Value Interpreter::evaluate(const Expression& expression) {
-    const DepthGuard guard(depth_);
+    const DepthGuard guard(*this);
     switch (expression.kind) {
         case ExpressionKind::Integer:
             return Value::integer(static_cast<const LiteralExpression&>(expression).integer);

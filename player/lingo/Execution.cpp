@@ -14,7 +14,7 @@ Interpreter::Flow Interpreter::execute(const Block& block) {
 }
 
 Interpreter::Flow Interpreter::execute(const Statement& statement) {
-    const DepthGuard guard(depth_);
+    const DepthGuard guard(*this);
     place_ = statement.place;
     switch (statement.kind) {
         case StatementKind::Evaluate:

@@ -132,6 +132,7 @@ private:
     Place place_;
     int handlers_ = 0;
     int depth_ = 0;
+    uintptr_t stackBase_ = 0;  ///< where the first level began
 };
 
 }  // namespace krl::player

@@ -5,14 +5,28 @@
 
 namespace krl::player {
 
-/// Levels of statements and expressions at work, all handlers together: what the stack holds.
+/// Levels of statements and expressions at work, all handlers together.
 inline constexpr int kDeepestEvaluation = 8000;
+/// And the stack that they may take, about half of what a thread has: checked builds need more for
+/// each level.
+#if defined(_WIN32)
+inline constexpr intptr_t kMostStackBytes = intptr_t(1) << 20;
+#else
+inline constexpr intptr_t kMostStackBytes = intptr_t(4) << 20;
+#endif
+
+/// Where the stack stands now, give or take a frame.
+inline uintptr_t stackPlace() { return reinterpret_cast<uintptr_t>(__builtin_frame_address(0)); }
 
 /// One level more while it lives.
 class Interpreter::DepthGuard {
 public:
-    explicit DepthGuard(int& depth) : depth_(depth) {
-        if (depth_ >= kDeepestEvaluation) throw HostError("the calls and expressions are nested too deeply");
+    explicit DepthGuard(Interpreter& interpreter) : depth_(interpreter.depth_) {
+        if (depth_ == 0) interpreter.stackBase_ = stackPlace();
+        // The stack grows downward wherever this runs.
+        const bool full = static_cast<intptr_t>(interpreter.stackBase_ - stackPlace()) > kMostStackBytes;
+        if (depth_ >= kDeepestEvaluation || full)
+            throw HostError("the calls and expressions are nested too deeply");
         ++depth_;
     }
     ~DepthGuard() { --depth_; }

@@ -156,6 +156,25 @@ TEST(LingoErrors, RecursionIsBounded) {
     EXPECT_NE(Script(deep).failure().find("nested too deeply"), std::string::npos);
 }
 
+/// Handlers, expressions and blocks that are each within bounds and together are not.
+TEST(LingoErrors, TheStackIsBounded) {
+    const auto repeated = [](int times, const std::string& text) {
+        std::string all;
+        for (int i = 0; i < times; ++i) all += text;
+        return all;
+    };
+    const std::string bodies[] = {
+        "return " + repeated(240, "abs(") + "deep(n - 1)" + repeated(240, ")"),
+        "return " + repeated(60, "[#a: [") + "deep(n - 1)" + repeated(60, "]]"),
+        repeated(90, "if 1 then\n") + "return deep(n - 1)\n" + repeated(90, "end if\n"),
+    };
+    for (const std::string& body : bodies) {
+        const std::string told =
+            Script("on main\n  deep(1000)\nend\non deep n\n" + body + "\nend\n").failure();
+        EXPECT_NE(told.find("the calls and expressions are nested too deeply"), std::string::npos) << told;
+    }
+}
+
 TEST(LingoErrors, DeepButAllowedScriptsRun) {
     std::string inner = "1";
     for (int i = 0; i < 200; ++i) inner = "(" + inner + ")";
