@@ -22,6 +22,7 @@ void meanOfFour(const uint8_t* a, const uint8_t* b, const uint8_t* c, const uint
 Status fragment(ImageEngine& engine, int32_t distance, ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
     const PathSource source(engine, target == ChannelTarget::RGBA);
+    if (source.status()) return source.status();
     const ChannelMask mask(target);
     const int32_t width = source.width(), height = source.height();
     // Up and down are exchanged where the distance is negative, and their mean is the same.

@@ -51,20 +51,22 @@ template <class Value>
 class WidenedPicture {
 public:
     template <class ValueOf>
-    WidenedPicture(const ImageBuffer& image, const std::vector<Stop>& path, const ValueOf& valueOf)
+    WidenedPicture(const ImageEngine& engine, const std::vector<Stop>& path, const ValueOf& valueOf)
         : left_(std::max(0, -path.back().dx)),
-          width_(image.width),
+          width_(engine.buffer()->width),
           stride_(left_ + width_ + std::max(0, path.back().dx)),
-          last_(image.height - 1),
-          values_(static_cast<size_t>(stride_) * static_cast<size_t>(image.height)) {
-        for (int32_t y = 0; y <= last_; ++y) {
-            const Pixel* row = image.row(y);
+          last_(engine.buffer()->height - 1),
+          values_(static_cast<uint64_t>(stride_) * static_cast<uint64_t>(engine.buffer()->height)) {
+        status_ = forEachRow(engine, [&](const Pixel* row, int32_t y) {
             Value* middle = values_.data() + ptrdiff_t(y) * stride_ + left_;
             for (int32_t x = 0; x < width_; ++x) middle[x] = valueOf(row[x]);
             std::fill(middle - left_, middle, middle[0]);
             std::fill(middle + width_, middle - left_ + stride_, middle[width_ - 1]);
-        }
+        });
     }
+
+    /// Whether the bands that make the copy could be had.
+    Status status() const { return status_; }
 
     /// What the samples of one stop are for the pixels from `x`, `y` on.
     const Value* at(int32_t x, int32_t y, const Stop& stop) const {
@@ -75,6 +77,7 @@ public:
 private:
     int32_t left_, width_, stride_, last_;
     Scratch<Value> values_;
+    Status status_ = kStatusOk;
 };
 
 /// Sums of a tile's bytes, in 16 bits for as long as they hold them.
@@ -132,12 +135,14 @@ public:
           path_(pathAlong(distance, angle, image_.width, image_.height)),
           isWeighted_(target == ChannelTarget::RGBA &&
                       (distance > MeanDivisor::kMost || hasTransparency(image_))),
-          source_(image_, path_, [=](Pixel p) { return target == ChannelTarget::RGBA ? dimmed(p) : p; }) {
+          source_(engine, path_, [=](Pixel p) { return target == ChannelTarget::RGBA ? dimmed(p) : p; }) {
         const float* unitFromByte = engine.tables().unitFromByte;
-        if (isWeighted_) units_.emplace_back(image_, path_, [=](Pixel p) { return unitFromByte[p.alpha]; });
+        if (isWeighted_) units_.emplace_back(engine, path_, [=](Pixel p) { return unitFromByte[p.alpha]; });
     }
 
     Status run() const {
+        if (source_.status()) return source_.status();
+        if (isWeighted_ && units_.front().status()) return units_.front().status();
         return forEachRow(engine_, [&](Pixel* row, int32_t y) {
             for (int32_t x = 0; x < image_.width; x += kTile)
                 blurTile(row + x, x, y, std::min(kTile, image_.width - x));

@@ -52,16 +52,15 @@ void MeanDivisor::means(const uint32_t* sums, int32_t number, uint8_t* bytes) co
 PathSource::PathSource(const ImageEngine& engine, bool scaled)
     : width_(engine.buffer()->width),
       height_(engine.buffer()->height),
-      pixels_(static_cast<size_t>(width_) * static_cast<size_t>(height_) + 1) {
+      pixels_(static_cast<uint64_t>(width_) * static_cast<uint64_t>(height_) + 1) {
     pixels_[pixels_.size() - 1] = {};
-    for (int32_t y = 0; y < height_; ++y) {
-        const Pixel* row = engine.buffer()->row(y);
+    status_ = forEachRow(engine, [&](const Pixel* row, int32_t y) {
         Pixel* packed = pixels_.data() + ptrdiff_t(y) * width_;
         if (scaled)
             scaleByAlpha(row, packed, width_);
         else
             std::memcpy(packed, row, static_cast<size_t>(width_) * sizeof(Pixel));
-    }
+    });
 }
 
 }  // namespace krl

@@ -40,6 +40,8 @@ class PathSource {
 public:
     PathSource(const ImageEngine& engine, bool scaled);
 
+    /// Whether the bands that make the copy could be had.
+    Status status() const { return status_; }
     const Pixel* pixels() const { return pixels_.data(); }
     int32_t width() const { return width_; }
     int32_t height() const { return height_; }
@@ -49,6 +51,7 @@ public:
 private:
     int32_t width_, height_;
     Scratch<Pixel> pixels_;
+    Status status_ = kStatusOk;
 };
 
 /// Sums of the four channels over samples, 32-bit integers that wrap, and the weight of colour: alpha

@@ -94,6 +94,7 @@ Status blurArcs(ImageEngine& engine, int32_t degrees, Point point) {
     constexpr bool kWeighted = kTarget == ChannelTarget::RGBA;
     const ArcTables arc(degrees);
     const PathSource source(engine, kWeighted);
+    if (source.status()) return source.status();
     // The larger an angle, the more it is rounded.
     const double error = placeError(point, source) + degrees * 1e-12;
     return forEachPathTile(engine, [&](const PathTile& tile) {

@@ -141,6 +141,7 @@ private:
 template <ChannelTarget kTarget>
 Status blurRays(ImageEngine& engine, int32_t zoomLength, Point point, ZoomDirection direction) {
     const PathSource source(engine, ZoomedTile<kTarget>::kWeighted);
+    if (source.status()) return source.status();
     const double diagonal = std::sqrt(double(PointReach::sumOfSquares(source.height(), source.width())));
     const double scale = 1.0 / diagonal * zoomLength;
     const Zoom zoom{point,

@@ -82,7 +82,8 @@ TEST(Morphology, WindowsReachOverManyBands) {
     const Picture picture = Picture::random(21, 38);
     for (int32_t size : {0, 1, 2, 7, 20, 33, 256, 257}) {
         const Picture expected = referenceMorphology(picture, size, ringMinimum());
-        for (int32_t bands : {2, 3, 7, 20, 50}) EXPECT_EQ(picture.after(dilate(size), bands), expected) << bands;
+        for (int32_t bands : {2, 3, 7, 20, 50})
+            EXPECT_EQ(picture.after(dilate(size), bands), expected) << bands;
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <climits>
 
+#include "core/Faults.h"
 #include "filters/PathBlur.h"
 #include "filters/PathSum.h"
 #include "reference/PathBlurReference.h"
@@ -230,6 +231,22 @@ TEST(PathBlurs, DoNotDependOnBands) {
         expectSameForAnyBands(streak(5, 33, BlurCount::Double, target));
         expectSameForAnyBands(spin(20, {3, 2}, target));
         expectSameForAnyBands(zoom(40, {3, 2}, ZoomDirection::In, target));
+    }
+}
+
+TEST(PathBlurs, BandsThatCannotBeHadLeaveThePicture) {
+    const Picture picture = Picture::random(9, 7);
+    for (const auto& effect : std::initializer_list<std::function<Status(ImageEngine&)>>{
+             streak(5, 33, BlurCount::Double, ChannelTarget::RGBA), spin(20, {3, 2}, ChannelTarget::RGB),
+             zoom(40, {3, 2}, ZoomDirection::In, ChannelTarget::RGB)}) {
+        Picture result = picture;
+        faults().tasks = 0;
+        EXPECT_EQ(result.apply(effect, 3), kStatusNoTaskMemory);
+        faults().tasks = -1;
+        faults().threads = 0;
+        EXPECT_EQ(result.apply(effect, 3), kStatusThreadFailed);
+        faults().threads = -1;
+        EXPECT_EQ(result, picture);
     }
 }
 
