@@ -2,6 +2,13 @@
 
 #include "core/Clones.h"
 
+/// Lets a loop become vectors whose result may lie where an operand does.
+#if defined(__clang__)
+#define KRL_PLACE_BY_PLACE _Pragma("clang loop vectorize(assume_safety)")
+#else
+#define KRL_PLACE_BY_PLACE _Pragma("GCC ivdep")
+#endif
+
 namespace krl {
 
 namespace {
@@ -11,16 +18,15 @@ int32_t usefulHalf(int32_t half, int32_t count) { return clampTo(half, 0, count 
 
 }  // namespace
 
-// The result may lie where an operand does: each byte is made of those at its own place alone.
 KRL_WIDE_CLONES
 void Smallest::combine(const uint8_t* a, const uint8_t* b, int64_t bytes, uint8_t* result) {
-#pragma GCC ivdep
+    KRL_PLACE_BY_PLACE
     for (int64_t i = 0; i < bytes; ++i) result[i] = a[i] < b[i] ? a[i] : b[i];
 }
 
 KRL_WIDE_CLONES
 void Largest::combine(const uint8_t* a, const uint8_t* b, int64_t bytes, uint8_t* result) {
-#pragma GCC ivdep
+    KRL_PLACE_BY_PLACE
     for (int64_t i = 0; i < bytes; ++i) result[i] = a[i] > b[i] ? a[i] : b[i];
 }
 

@@ -24,8 +24,8 @@ struct Shape {
           planeHeight(image.height + 2 * margin),
           centreX(centre(planeWidth, offsetX)),
           centreY(centre(planeHeight, offsetY)),
-          radiusX(static_cast<float>(double(image.width / 2) * scaleX)),
-          radiusY(static_cast<float>(double(image.height / 2) * scaleY)) {}
+          radiusX(radius(image.width, scaleX)),
+          radiusY(radius(image.height, scaleY)) {}
 
     /// Columns of row `y` inside an ellipse. Being outside sets in at some distance from the centre and
     /// stays, so the distance is found by halving.
@@ -52,6 +52,10 @@ struct Shape {
     }
 
 private:
+    static float radius(int32_t size, float scale) {
+        const int32_t half = size / 2;
+        return static_cast<float>(double(half) * scale);
+    }
     static int32_t centre(int32_t size, int32_t percent) {
         return size / 2 + wrapMultiply(size, percent) / 100;
     }
@@ -69,7 +73,6 @@ size_t planeEntries(const ImageBuffer& image, int32_t margin) {
 }
 
 constexpr int32_t kRun = 256;
-constexpr int32_t kRunBytes = kRun * int32_t(sizeof(Pixel));
 
 /// How much of the cover each byte of a run of pixels takes.
 void spreadMask(const int32_t* mask, int32_t count, VignetteTarget target, Pixel* shares) {
