@@ -124,7 +124,8 @@ TEST_F(GradientMethod, TakesPlacesInWholeColumns) {
 }
 
 TEST_F(GradientMethod, NeedsNoPicture) {
-    const ImageObject* picture = pictureOf(paint(3, 1, "curved", colours({})));
+    const Answer answer = paint(3, 1, "curved", colours({}));
+    const ImageObject* picture = pictureOf(answer);
     ASSERT_NE(picture, nullptr);
     EXPECT_EQ(picture->bitmap.pixels[2].blue, 0);
 }
