@@ -21,14 +21,14 @@ void sobelStrengths(const Pixel* above, const Pixel* at, const Pixel* below, int
 
 void repairBorder(const ImageBuffer& image, ChannelMask mask) {
     const int32_t width = image.width, height = image.height;
-    if (width < 3 || height < 3) return;
-    for (int32_t y = 1; y < height - 1; ++y) {
+    if (width < 2 || height < 2) return;
+    mask.write(image.row(0), image.row(1), width);
+    mask.write(image.row(height - 1), image.row(height - 2), width);
+    for (int32_t y = 0; y < height; ++y) {
         Pixel* row = image.row(y);
         row[0] = mask.merge(row[0], row[1]);
         row[width - 1] = mask.merge(row[width - 1], row[width - 2]);
     }
-    mask.write(image.row(0), image.row(1), width);
-    mask.write(image.row(height - 1), image.row(height - 2), width);
 }
 
 }  // namespace krl

@@ -58,7 +58,8 @@ Status filterInner(const ImageEngine& engine, const ImageBuffer& source, Channel
                    const Kernel& kernel);
 
 /// Gives every border pixel the masked bytes of its nearest inner pixel; a corner takes its diagonal
-/// neighbour. A picture under 3 pixels in either direction has no inner pixel and stays as it is.
+/// neighbour. Rows go first, so of two rows both become the second, and so with columns. A picture
+/// under 2 pixels in either direction has no neighbour to take from and stays as it is.
 void repairBorder(const ImageBuffer& image, ChannelMask mask);
 
 template <class Kernel>

@@ -114,11 +114,22 @@ TEST(Emboss, FlatPlaneTakesTheHeightOfTheLight) {
               Picture(5, 4, {129, 129, 129, 9}));
 }
 
-TEST(Emboss, PicturesWithoutInnerPixelsStay) {
-    for (const auto& [width, height] : {std::pair{1, 9}, {9, 1}, {2, 2}, {2, 9}}) {
+TEST(Emboss, LeavesPicturesOfOneLine) {
+    for (const auto& [width, height] : {std::pair{1, 9}, {9, 1}, {1, 1}}) {
         const Picture picture = Picture::random(width, height);
         EXPECT_EQ(picture.after(carve(10, 45, 30, ChannelTarget::RGB)), picture);
     }
+}
+
+TEST(Emboss, PicturesOfTwoLinesAreAllRepair) {
+    // The first row takes the second, which takes it back; then the columns do the same.
+    const auto carved = [](const Picture& picture) {
+        return picture.after(carve(10, 45, 30, ChannelTarget::RGB));
+    };
+    EXPECT_EQ(carved(Picture::grey({{1, 2, 3, 4}, {5, 6, 7, 8}})),
+              Picture::grey({{6, 6, 7, 7}, {6, 6, 7, 7}}));
+    EXPECT_EQ(carved(Picture::grey({{1, 2}, {3, 4}, {5, 6}})), Picture::grey({{4, 4}, {4, 4}, {4, 4}}));
+    EXPECT_EQ(carved(Picture::grey({{1, 2}, {3, 4}})), Picture::grey({{4, 4}, {4, 4}}));
 }
 
 TEST(Emboss, EqualsItsDefinition) {
@@ -159,9 +170,11 @@ TEST(Canny, LeavesPicturesOfOneLine) {
             EXPECT_EQ(picture.after(trace(3, 20, target)), picture);
 }
 
-TEST(Canny, PicturesOfTwoLinesHaveNothingToRepairFrom) {
-    const Picture picture = Picture::random(8, 2);
-    EXPECT_EQ(picture.after(trace(0, 20, ChannelTarget::RGB)), picture);
+TEST(Canny, PicturesOfTwoLinesAreAllRepair) {
+    for (int32_t blurAmount : {0, 3})
+        EXPECT_EQ(
+            Picture::grey({{1, 2, 3, 4}, {5, 6, 7, 8}}).after(trace(blurAmount, 20, ChannelTarget::RGB), 2),
+            Picture::grey({{6, 6, 7, 7}, {6, 6, 7, 7}}));
 }
 
 TEST(Canny, FlatPictureIsWhiteUnlessBlack) {

@@ -31,7 +31,7 @@ struct Around {
 
 inline void referenceRepair(Picture& picture, size_t channel) {
     const int w = picture.width(), h = picture.height();
-    if (w < 3 || h < 3) return;
+    if (w < 2 || h < 2) return;
     for (int x = 0; x < w; ++x) {
         picture.at(x, 0)[channel] = picture.at(x, 1)[channel];
         picture.at(x, h - 1)[channel] = picture.at(x, h - 2)[channel];
