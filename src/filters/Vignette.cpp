@@ -28,9 +28,9 @@ struct Shape {
           radiusY(radius(image.height, scaleY)) {}
 
     /// Columns of row `y` inside an ellipse. Being outside sets in at some distance from the centre and
-    /// stays, so the distance is found by halving.
+    /// stays, so the distance is found by halving. Where a radius is 0 the centre's own column or row
+    /// divides 0 by 0, which is not outside.
     IndexRange ellipseRow(int32_t y) const {
-        if (radiusX == 0.0f || radiusY == 0.0f) return {};
         const double squareX = double(radiusX) * radiusX, squareY = double(radiusY) * radiusY;
         const double dy = double(y) - centreY, upright = dy * dy / squareY;
         const auto isInside = [&](int64_t dx) {

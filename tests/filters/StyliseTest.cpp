@@ -162,11 +162,28 @@ TEST(Vignette, RectangleIsHalfOpen) {
                 << x << ' ' << y;
 }
 
-TEST(Vignette, ZeroRadiiCoverEverything) {
-    const Picture picture(6, 4, {1, 2, 3, 4});
-    EXPECT_EQ(picture.after(shade({.scaleX = 0})), Picture(6, 4, {30, 20, 10, 4}));
-    EXPECT_EQ(picture.after(shade({.scaleX = 0, .isInverted = true})), picture);
-    EXPECT_EQ(Picture(1, 1, {1, 2, 3, 4}).after(shade({})), Picture(1, 1, {30, 20, 10, 4}));
+TEST(Vignette, EllipseWithoutARadiusLeavesItsAxisClear) {
+    // On the axis the distance is 0 / 0, which is not outside.
+    const Pixel clear{1, 2, 3, 4}, covered{30, 20, 10, 4};
+    const auto expectClear = [&](const VignetteArguments& arguments, auto&& isOnAxis) {
+        const Picture result = Picture(6, 5, clear).after(shade(arguments));
+        for (int32_t y = 0; y < 5; ++y)
+            for (int32_t x = 0; x < 6; ++x)
+                EXPECT_EQ(result.at(x, y), isOnAxis(x, y) != arguments.isInverted ? clear : covered)
+                    << x << ' ' << y;
+    };
+    for (bool isInverted : {false, true}) {
+        expectClear({.scaleX = 0, .isInverted = isInverted}, [](int32_t x, int32_t) { return x == 3; });
+        expectClear({.scaleY = 0, .isInverted = isInverted}, [](int32_t, int32_t y) { return y == 2; });
+        expectClear({.scaleX = 0, .scaleY = 0, .isInverted = isInverted},
+                    [](int32_t x, int32_t y) { return x == 3 || y == 2; });
+    }
+    EXPECT_EQ(Picture(1, 1, clear).after(shade({})), Picture(1, 1, clear));
+}
+
+TEST(Vignette, RectangleWithoutASizeCoversEverything) {
+    EXPECT_EQ(Picture(6, 5, {1, 2, 3, 4}).after(shade({.shape = VignetteShape::Rectangle, .scaleX = 0})),
+              Picture(6, 5, {30, 20, 10, 4}));
 }
 
 TEST(Vignette, EqualsItsDefinition) {
@@ -183,6 +200,8 @@ TEST(Vignette, EqualsItsDefinition) {
                           .scaleY = 0.01f,
                           .offsetX = -400,
                           .isInverted = true},
+                          {.transparency = 210, .scaleX = 0, .scaleY = 0.8f},
+                          {.transparency = 210, .scaleX = 0.8f, .scaleY = 0, .offsetY = 9},
                           {.transparency = 77,
                           .scaleX = 0.51f,
                           .scaleY = 0.33f,

@@ -146,7 +146,6 @@ inline Picture referenceVignette(Picture picture, VignetteArguments a) {
             if (a.shape == VignetteShape::Ellipse) {
                 const double dx = x - centreX, dy = y - centreY;
                 isOutside =
-                    radiusX == 0 || radiusY == 0 ||
                     dx * dx / (double(radiusX) * radiusX) + dy * dy / (double(radiusY) * radiusY) >= 1;
             } else {
                 isOutside =
