@@ -1,6 +1,7 @@
 #include "point/HueEffects.h"
 
 #include <algorithm>
+#include <new>
 
 #include "core/Clones.h"
 #include "core/ColourSpace.h"
@@ -144,7 +145,8 @@ int32_t bandedHue(int32_t hue, int32_t level) {
 }  // namespace
 
 Status posteriseHue(ImageEngine& engine, int32_t level, int32_t rotation) {
-    if (level < 1) return engine.imageStatus();
+    if (Status state = engine.imageStatus()) return state;
+    if (level < 0) throw std::bad_alloc();  // as a count of bounds, more than any memory holds
     return recolourByHls(engine,
                          hueChange([=](int32_t hue) { return turned(bandedHue(hue, level), rotation); }));
 }

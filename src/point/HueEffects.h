@@ -25,7 +25,7 @@ Status lightnessHLS(ImageEngine& engine, float lightness);
 Status lightnessHSV(ImageEngine& engine, float lightness);
 
 /// Brings every hue to the lower bound of its band, of `level` equal bands of the circle, and then
-/// turns it by `rotation` degrees.
+/// turns it by `rotation` degrees. A `level` of 0 only turns; a negative one throws `std::bad_alloc`.
 Status posteriseHue(ImageEngine& engine, int32_t level, int32_t rotation);
 
 }  // namespace krl

@@ -1,6 +1,7 @@
 #include "point/ToneEffects.h"
 
 #include <cmath>
+#include <new>
 
 #include "core/Numbers.h"
 #include "point/ByteCurve.h"
@@ -85,6 +86,8 @@ Status levels(ImageEngine& engine, int32_t minLevel, float midGamma, int32_t max
 }
 
 Status posterise(ImageEngine& engine, int32_t level, ChannelTarget target) {
+    if (Status state = engine.imageStatus()) return state;
+    if (level < 0) throw std::bad_alloc();  // as a count of bounds, more than any memory holds
     // From 256 bands on no byte lies strictly between two bounds: there is nothing to walk.
     const int32_t bands = level > 255 ? 0 : level;
     const auto step = static_cast<float>(255.0 / level);

@@ -47,7 +47,8 @@ Status levels(ImageEngine& engine, int32_t minLevel, float midGamma, int32_t max
               int32_t outMax, LevelsChannel channel);
 
 /// Drops every byte to the lower bound of its band, of `level` equal bands; the lowest band goes to
-/// 0 and the highest to 255. A byte on a bound stays, and so does everything for `level` below 1.
+/// 0 and the highest to 255. A byte on a bound stays, and so does everything for a `level` of 0; a
+/// negative one throws `std::bad_alloc`.
 Status posterise(ImageEngine& engine, int32_t level, ChannelTarget target);
 
 /// Reverses the tones above 128.

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <new>
 
 #include "point/Colours.h"
 #include "point/HueEffects.h"
@@ -124,15 +125,25 @@ TEST(PosteriseHue, BringsHuesToTheLowerBoundAndTheLastBandAround) {
     EXPECT_EQ(one(50, 50, 50).after(quarters), one(50, 50, 50));
 }
 
-TEST(PosteriseHue, LeavesEverythingWithoutBands) {
+TEST(PosteriseHue, OnlyTurnsWithoutBands) {
+    EXPECT_EQ(one(0, 0, 255).after([](ImageEngine& e) { return posteriseHue(e, 0, 120); }), one(0, 255, 0));
+    EXPECT_EQ(one(50, 50, 50).after([](ImageEngine& e) { return posteriseHue(e, 0, 120); }), one(50, 50, 50));
+}
+
+TEST(PosteriseHue, HasNoMemoryForANegativeNumberOfBands) {
     const Picture source = Picture::random(20, 20, 8);
-    for (int32_t level : {0, -1, -2147483647 - 1})
-        EXPECT_EQ(source.after([=](ImageEngine& e) { return posteriseHue(e, level, 90); }), source);
+    for (int32_t level : {-1, -2147483647 - 1}) {
+        const auto effect = [=](ImageEngine& e) { return posteriseHue(e, level, 90); };
+        Picture picture = source;
+        EXPECT_THROW(picture.apply(effect), std::bad_alloc) << level;
+        EXPECT_EQ(picture, source) << level;
+        expectStateTests(effect);
+    }
 }
 
 TEST(PosteriseHue, FollowsItsStepsForEveryColour) {
     const Picture source = Picture::random(61, 43, 9);
-    for (int32_t level : {1, 2, 3, 7, 24, 359, 360, 361, 1000})
+    for (int32_t level : {0, 1, 2, 3, 7, 24, 359, 360, 361, 1000})
         for (int32_t rotation : {0, 30, -30, 360, -360, -361, 719, 100000, -2147483647 - 1, 2147483647})
             expectEach(
                 source, [=](ImageEngine& e) { return posteriseHue(e, level, rotation); },

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <new>
 
 #include "point/Colours.h"
 #include "point/ToneEffects.h"
@@ -249,8 +250,18 @@ TEST(Posterise, DropsInnerBytesToTheirBoundAndTheTopBandToWhite) {
 }
 
 TEST(Posterise, LeavesEverythingWithoutBands) {
-    for (int32_t level : {0, -1, -2147483647 - 1})
-        expectIdentity([=](ImageEngine& e) { return posterise(e, level, kRGB); });
+    expectIdentity([](ImageEngine& e) { return posterise(e, 0, kRGB); });
+}
+
+TEST(Posterise, HasNoMemoryForANegativeNumberOfBands) {
+    const Picture source = Picture::random(9, 9);
+    for (int32_t level : {-1, -2147483647 - 1}) {
+        const auto effect = [=](ImageEngine& e) { return posterise(e, level, kRGB); };
+        Picture picture = source;
+        EXPECT_THROW(picture.apply(effect), std::bad_alloc) << level;
+        EXPECT_EQ(picture, source) << level;
+        expectStateTests(effect);
+    }
 }
 
 TEST(Posterise, WalksItsBandsAsTheyStandInMemory) {

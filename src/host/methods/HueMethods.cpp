@@ -57,13 +57,12 @@ void addHues(MethodList& list) {
                           "percent of the new colour; beyond 100 overshoots")
                  .inputFailure("HueShift input failure (Image)")
                  .failed("Failed Hue Shift function (Image)"));
-    list.add(
-        method("krlImagePosteriseHue", posteriseHue)
-            .summary("Reduces hues to a few, and turns them; greys stay.")
-            .integer("level", {.from = 1, .to = 36, .example = 6}, "number of hues; below 1 changes nothing")
-            .integer("rotation", {.from = 0, .to = 360, .example = 30}, "degrees to turn the result by")
-            .inputFailure("Posterise Hue input failure (Image)")
-            .failed("Failed Posterise Hue function (Image)"));
+    list.add(method("krlImagePosteriseHue", posteriseHue)
+                 .summary("Reduces hues to a few, and turns them; greys stay.")
+                 .integer("level", {.from = 1, .to = 36, .example = 6}, "number of hues; 0 keeps them all")
+                 .integer("rotation", {.from = 0, .to = 360, .example = 30}, "degrees to turn the result by")
+                 .inputFailure("Posterise Hue input failure (Image)")
+                 .failed("Failed Posterise Hue function (Image)"));
 }
 
 void addLightness(MethodList& list) {

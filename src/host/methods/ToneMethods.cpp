@@ -80,13 +80,12 @@ void addGraphicTones(MethodList& list) {
                  .symbol("colourOrAlpha", colourOrAlpha(), kElseAlpha, kTargetMeaning)
                  .inputFailure("Invert input failure (Image)")
                  .failed("Failed Invert function (Image)"));
-    list.add(
-        method("krlImagePosterise", posterise)
-            .summary("Reduces tones to a few flat steps.")
-            .integer("level", {.from = 1, .to = 32, .example = 4}, "number of steps; below 1 changes nothing")
-            .symbol("colourOrAlpha", colourOrAlpha(), kElseAlpha, kTargetMeaning)
-            .inputFailure("Posterise input failure (Image)")
-            .failed("Failed Posterise function (Image)"));
+    list.add(method("krlImagePosterise", posterise)
+                 .summary("Reduces tones to a few flat steps.")
+                 .integer("level", {.from = 1, .to = 32, .example = 4}, "number of steps; 0 changes nothing")
+                 .symbol("colourOrAlpha", colourOrAlpha(), kElseAlpha, kTargetMeaning)
+                 .inputFailure("Posterise input failure (Image)")
+                 .failed("Failed Posterise function (Image)"));
     list.add(method("krlImageSolarise", solarise)
                  .summary("Reverses the lighter half of the tones, as a print exposed twice.")
                  .symbol("colourOrAlpha", colourOrAlpha(), kElseAlpha, kTargetMeaning)
