@@ -83,7 +83,7 @@ IndexRange lineBand(int32_t lineCount, int32_t threadCount, int32_t band) {
 
 IndexRange pixelBand(const ImageBuffer& image, int32_t threadCount, int32_t band) {
     const int64_t share = ceilingShare(wrapMultiply(image.width, image.height), threadCount);
-    const auto total = static_cast<int64_t>(image.bytes() / sizeof(Pixel));
+    const int64_t total = (image.end - image.pixels) / ptrdiff_t{sizeof(Pixel)};
     const auto limited = [&](int64_t pixel) { return static_cast<int32_t>(pixel < total ? pixel : total); };
     return {limited(share * band), limited(share * (band + 1))};
 }

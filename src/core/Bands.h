@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <utility>
 
 #include "core/ImageEngine.h"
@@ -49,13 +51,25 @@ Status forEachPixel(const ImageEngine& engine, PerPixel&& perPixel) {
     });
 }
 
-/// Calls `perPair(Pixel&, const Pixel&)` for every pixel beside the one at the same place of
-/// `other`, which is walked as one contiguous run. The sizes are the caller's to test.
-template <class PerPair>
-Status forEachPixelPair(const ImageEngine& engine, const Pixel* other, PerPair&& perPair) {
+/// Calls `work(Pixel* first, size_t count, const Pixel* beside)` for each band's run of pixels and those at
+/// the same places of `other`, which is walked as one contiguous run and never past its end: where the
+/// loaded rows alone are padded, the last bands would reach a little further. The sizes are the caller's to
+/// test.
+template <class Work>
+Status forEachRunBeside(const ImageEngine& engine, std::span<const Pixel> other, Work&& work) {
     return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
-        const Pixel* beside = other + (first - reinterpret_cast<Pixel*>(engine.buffer()->pixels));
-        for (Pixel* p = first; p != last; ++p) perPair(*p, *beside++);
+        const ptrdiff_t start = first - engine.buffer()->row(0);
+        const ptrdiff_t count = std::min(last - first, static_cast<ptrdiff_t>(other.size()) - start);
+        if (count > 0) work(first, static_cast<size_t>(count), other.data() + start);
+    });
+}
+
+/// Calls `perPair(Pixel&, const Pixel&)` for every pixel beside the one at the same place of `other`, as
+/// far as there is one.
+template <class PerPair>
+Status forEachPixelPair(const ImageEngine& engine, std::span<const Pixel> other, PerPair&& perPair) {
+    return forEachRunBeside(engine, other, [&](Pixel* first, size_t count, const Pixel* beside) {
+        for (Pixel* p = first; p != first + count; ++p) perPair(*p, *beside++);
     });
 }
 

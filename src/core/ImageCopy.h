@@ -22,6 +22,8 @@ public:
 
     const ImageBuffer& view() const { return view_; }
     Pixel* row(int32_t y) const { return view_.row(y); }
+    /// All of it in address order, padding included.
+    std::span<const Pixel> block() const { return {row(0), block_.size() / sizeof(Pixel)}; }
 
 private:
     Scratch<uint8_t> block_;

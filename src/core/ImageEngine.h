@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 
 #include "core/Pixel.h"
 #include "core/Status.h"
@@ -38,7 +39,11 @@ struct SecondImage {
     const uint8_t* pixels = nullptr;
     ImageInfo info;
 
-    const Pixel* begin() const { return reinterpret_cast<const Pixel*>(pixels); }
+    /// The whole block in address order, padding included.
+    std::span<const Pixel> block() const {
+        const int64_t bytes = int64_t(info.rowBytes) * info.height;
+        return {reinterpret_cast<const Pixel*>(pixels), bytes < 0 ? 0 : size_t(bytes) / sizeof(Pixel)};
+    }
     /// First pixel of row `y`.
     const Pixel* row(int32_t y) const {
         return reinterpret_cast<const Pixel*>(pixels + ptrdiff_t(y) * info.rowBytes);

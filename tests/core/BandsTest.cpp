@@ -3,6 +3,7 @@
 #include <atomic>
 #include <climits>
 #include <cmath>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
 #include <vector>
@@ -74,6 +75,15 @@ TEST(PixelBands, StopAtTheEndOfTheBlockWhenRowsArePadded) {
     EXPECT_EQ(pixelBand(cut, 1, 0).last, 4);
 }
 
+TEST(PixelBands, HoldNothingOfABlockThatEndsBeforeItBegins) {
+    uint8_t block[64] = {};
+    const ImageBuffer upward{block + 24, 2, 3, -12, block};
+    for (int32_t band : {0, 1}) {
+        const IndexRange run = pixelBand(upward, 2, band);
+        EXPECT_GE(run.first, run.last) << band;
+    }
+}
+
 TEST(LineBands, DealRowsByTheCeilingAndEndAtTheLast) {
     const auto range = [](int32_t band) {
         const IndexRange lines = lineBand(10, 4, band);
@@ -127,6 +137,48 @@ TEST(PixelPasses, VisitEveryPixelOnceForAnyNumberOfBands) {
                       bands);
         EXPECT_EQ(picture, Picture(7, 5, Pixel{0, 0, 1, 0})) << bands;
     }
+}
+
+/// A 3 by 3 picture whose rows have a fourth pixel of padding.
+struct PaddedPicture {
+    std::vector<Pixel> block = std::vector<Pixel>(12);
+    ImageInfo info{3, 3, 16, 0, 0, 0};
+    ImageEngine engine;
+
+    explicit PaddedPicture(int32_t bands) {
+        engine.load(firstByte(block.data()), info);
+        engine.setThreadCount(bands);
+    }
+};
+
+TEST(PixelPairs, EndWhereASecondImageOfTightRowsEnds) {
+    // Bands of an even share reach past the 9 pixels that a 3 by 3 image has without padding.
+    for (int32_t bands : {1, 2, 4, 5, 7, 8}) {
+        PaddedPicture padded(bands);
+        const auto tight = std::make_unique<Pixel[]>(9);
+        for (uint8_t i = 0; i < 9; ++i) tight[i] = {i, 0, 0, 0};
+        const SecondImage other{firstByte(tight.get()), {3, 3, 12, 0, 0, 0}};
+        ASSERT_EQ(forEachPixelPair(padded.engine, other.block(),
+                                   [](Pixel& p, const Pixel& beside) {
+                                       p.blue = beside.blue;
+                                       ++p.red;
+                                   }),
+                  kStatusOk);
+        for (size_t i = 0; i < 12; ++i) {
+            EXPECT_EQ(padded.block[i].red, i < 9 ? 1 : 0) << i << " in " << bands << " bands";
+            EXPECT_EQ(padded.block[i].blue, i < 9 ? i : 0) << i << " in " << bands << " bands";
+        }
+    }
+}
+
+TEST(PixelPairs, GoAsFarAsTheBandsBesideASecondImageOfPaddedRows) {
+    PaddedPicture padded(2);
+    const std::vector<Pixel> likewise(12, Pixel{7, 0, 0, 0});
+    const SecondImage other{firstByte(likewise.data()), padded.info};
+    ASSERT_EQ(forEachPixelPair(padded.engine, other.block(),
+                               [](Pixel& p, const Pixel& beside) { p.blue = beside.blue; }),
+              kStatusOk);
+    for (size_t i = 0; i < 12; ++i) EXPECT_EQ(padded.block[i].blue, i < 10 ? 7 : 0) << i;
 }
 
 TEST(ColumnTiles, CoverEveryColumnOnceInTilesOfTheirWidth) {
