@@ -119,6 +119,11 @@ Method& Method::asksPlayer() {
     return *this;
 }
 
+Method& Method::keepsLocksOnFailure() {
+    keepsLocks_ = true;
+    return *this;
+}
+
 Method& Method::readsItself() {
     readsItself_ = true;
     return *this;

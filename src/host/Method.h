@@ -209,6 +209,8 @@ public:
     Method& worksWithoutEngine();
     /// Makes the host query after the result is set up.
     Method& asksPlayer();
+    /// A failed run leaves the second images locked; without this they are let go however it ends.
+    Method& keepsLocksOnFailure();
     /// The body reads the arguments itself; they are told for help alone.
     Method& readsItself();
     /// The method writes no result.
@@ -229,6 +231,7 @@ public:
     bool isSilent() const { return silent_; }
     bool runsWithoutEngine() const { return withoutEngine_; }
     bool makesHostQuery() const { return asksPlayer_; }
+    bool leavesLocksOnFailure() const { return keepsLocks_; }
     bool readsArguments() const { return !readsItself_; }
     const MethodBody& body() const { return body_; }
     /// Whether the effect's parameters take the arguments as declared.
@@ -252,7 +255,8 @@ private:
     const char* inputFailure_ = nullptr;
     const char* failed_ = nullptr;
     const char* engineFailure_ = nullptr;
-    bool withoutEngine_ = false, asksPlayer_ = false, readsItself_ = false, silent_ = false;
+    bool withoutEngine_ = false, asksPlayer_ = false, keepsLocks_ = false, readsItself_ = false,
+         silent_ = false;
     MethodBody body_;
 };
 

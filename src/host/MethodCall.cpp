@@ -104,6 +104,8 @@ HostStatus MethodCall::run() {
     } catch (...) {
         outcome = failure(method_.failedText(), kHostOutOfMemory);
     }
+    // What stays locked after a failure stays so for good: scripts can see it.
+    if (!outcome.message || !method_.leavesLocksOnFailure()) unlockSecondImages();
     return finish(outcome);
 }
 
@@ -115,10 +117,7 @@ Outcome MethodCall::perform() {
         if (Outcome bad = lockSecondImages(); bad.message) return bad;
     }
     if (!engine() && !method_.runsWithoutEngine()) return failure(method_.failedText());
-    const Outcome outcome = method_.body()(*this);
-    // A failed run leaves second images locked: scripts can see that, and it stays so.
-    if (!outcome.message) unlockSecondImages();
-    return outcome;
+    return method_.body()(*this);
 }
 
 Outcome MethodCall::readArguments() {
@@ -196,15 +195,14 @@ Outcome MethodCall::lockSecondImages() {
             return failure(declared.imageTests.widthFailure);
         ImageLock lock;
         images::LockImage::call(images(), &argument.value, &lock);
+        locked_.push_back(argument.value);
         argument.image.pixels = lock.pixels;
     }
     return succeeded();
 }
 
 void MethodCall::unlockSecondImages() const {
-    for (size_t i = 0; i < arguments_.size(); ++i)
-        if (method_.arguments()[i].kind == ArgumentKind::SecondImage)
-            images::UnlockImage::call(images(), &arguments_[i].value);
+    for (const ScriptValue& image : locked_) images::UnlockImage::call(images(), &image);
 }
 
 HostStatus MethodCall::finish(const Outcome& outcome) {

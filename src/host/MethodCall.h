@@ -115,6 +115,7 @@ private:
     CallInfo& info_;
     const Method& method_;
     std::vector<ArgumentValue> arguments_;
+    std::vector<ScriptValue> locked_;  ///< second images
     ScriptValue result_, errorKey_;
     std::vector<std::pair<const char*, ScriptValue>> entries_;
     bool withError_ = true;

@@ -105,6 +105,19 @@ TEST(Timers, WriteNoResultAndWorkBeforeAnythingElse) {
     }
 }
 
+TEST(Timers, PrintMillisecondsThatWrapAsIntegers) {
+    Stage stage(false);
+    std::string told;
+    stage.embeddedHost().onMessage = [&](std::string_view text) { told += text; };
+    stage.call("krlImageStartTimer");
+    stage.call("krlImageStopTimer");
+    int milliseconds = -1;
+    ASSERT_EQ(std::sscanf(told.c_str(), "Time taken (ms) = %d", &milliseconds), 1) << told;
+    EXPECT_EQ(told, "Time taken (ms) = " + std::to_string(milliseconds) + "\n");
+    EXPECT_GE(milliseconds, 0);
+    EXPECT_LT(milliseconds, 60000);
+}
+
 TEST(SecondImages, StayLockedAfterAFailedRunAndAreLetGoAfterAGoodOne) {
     Stage stage;
     stage.load(4, 3);

@@ -91,9 +91,12 @@ Answer Stage::call(const host::Method& method, const std::vector<Value>& argumen
     host::CallInfo info;
     info.selector = host::selectorOf(method);
     info.arguments = words.data();
-    const host::HostStatus status =
-        host::CallOperation::call(instance_.as<player::XtraInstanceObject>()->script, &info);
+    const host::HostStatus status = send(info);
     return read(status, Value::adopting(host_.heap, info.result));
+}
+
+host::HostStatus Stage::send(host::CallInfo& info) {
+    return host::CallOperation::call(instance_.as<player::XtraInstanceObject>()->script, &info);
 }
 
 Answer Stage::call(const char* name, const std::vector<Value>& arguments) {

@@ -43,6 +43,8 @@ public:
 
     Answer call(const host::Method& method, const std::vector<player::Value>& arguments);
     Answer call(const char* name, const std::vector<player::Value>& arguments = {});
+    /// The call as the host makes it.
+    host::HostStatus send(host::CallInfo& info);
 
     /// The host itself, for operations that are to fail.
     player::EmbeddedHost& embeddedHost() { return host_; }

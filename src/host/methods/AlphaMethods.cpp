@@ -41,7 +41,9 @@ void addAlphaPlane(MethodList& list) {
                          refused("InputMask invalid input invert option (Image)"),
                          "with keep, true takes the mask as it stands and false its opposite")
                  .inputFailure("Input Mask input failure (Image)")
-                 .failed("Failed Input Mask function (Image)"));
+                 .failed("Failed Input Mask function (Image)")
+                 .asksPlayer()
+                 .keepsLocksOnFailure());
 }
 
 void addColourToAlpha(MethodList& list) {

@@ -20,7 +20,9 @@ void addCompositeMethods(MethodList& list) {
                          refused("Unknown #background_alpha method (Image)"),
                          "whether this picture's own transparency counts and grows, or stays as it is")
                  .inputFailure("Composite input failure (Image)")
-                 .failed("Failed Composite function (Image)"));
+                 .failed("Failed Composite function (Image)")
+                 .asksPlayer()
+                 .keepsLocksOnFailure());
 }
 
 }  // namespace krl::host

@@ -93,13 +93,7 @@ Outcome mergeFields(MethodCall& call) {
     const auto one = call.get<SecondImage>(0), two = call.get<SecondImage>(1);
     // The host's lock is good for writing too, and the first picture is the one that changes.
     const Status status = reinterlace(*call.engine(), const_cast<uint8_t*>(one.pixels), one.info, two);
-    if (status == kStatusOk) return succeeded();
-    // A success unlocks them of itself.
-    for (const size_t index : {0, 1}) {
-        const ScriptValue picture = call.raw(index);
-        images::UnlockImage::call(call.images(), &picture);
-    }
-    return failure(call.method().failedText());
+    return status == kStatusOk ? succeeded() : failure(call.method().failedText());
 }
 
 void addBroadcast(MethodList& list) {
@@ -157,6 +151,7 @@ void addInterlace(MethodList& list) {
                  .image("imageOne", {}, "landscape.png", "the picture that is changed")
                  .image("imageTwo", {}, "landscape.png", "the picture whose rows it takes")
                  .failed("Failed Reinterlace function (Image)")
+                 .asksPlayer()
                  .does(mergeFields));
 }
 

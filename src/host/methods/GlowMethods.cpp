@@ -52,7 +52,8 @@ void addGleams(MethodList& list) {
             .symbol("colourMethod", colourMethods(), refused("Gleam Blur invalid input colourMethod (Image)"),
                     "light in the foreground's own colours, or in those of the list")
             .inputFailure("Gleam Blur input failure (Image)")
-            .failed("Failed Gleam Blur function (Image)"));
+            .failed("Failed Gleam Blur function (Image)")
+            .keepsLocksOnFailure());
     list.add(
         method("krlImageGleamZoomComposite", gleamZoomComposite)
             .summary("Lays a picture over this one and draws its bright parts out into rays.")
@@ -86,7 +87,8 @@ void addGleams(MethodList& list) {
                      "pixels from the point within which rays are already bright; the sum counts by it, so "
                      "that longer is fainter")
             .inputFailure("Gleam Zoom input failure (Image)")
-            .failed("Failed Gleam Zoom function (Image)"));
+            .failed("Failed Gleam Zoom function (Image)")
+            .keepsLocksOnFailure());
 }
 
 void addSpillAndGlow(MethodList& list) {
@@ -100,7 +102,9 @@ void addSpillAndGlow(MethodList& list) {
                     "how the light is laid on the cut-out")
             .showing("screen")
             .inputFailure("Light Spill Composite input failure (Image)")
-            .failed("Failed Light Spill Composite function (Image)"));
+            .failed("Failed Light Spill Composite function (Image)")
+            .asksPlayer()
+            .keepsLocksOnFailure());
 
     const auto hasEntries = [](const ArgumentValue& colours) { return !colours.keys.empty(); };
     list.add(method("krlImageOuterGlow", outerGlow)
