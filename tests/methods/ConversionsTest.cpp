@@ -136,6 +136,16 @@ TEST(MethodsWithoutEffect, SucceedWithAnEngineAlone) {
         EXPECT_EQ(stage.call(name, stage.examples(*host::findMethod(name))).error, "") << name;
 }
 
+TEST(MethodsWithoutEffect, NeedNoEngineButForAPicture) {
+    Stage stage(false);
+    for (const char* name : {"krlImageStars", "krlImageDefinePattern", "krlImageFishEye", "krlImageGleamBlur",
+                             "krlImageGleamZoom", "krlImageDiffuseExtended", "krlImageShadowHighlight"})
+        EXPECT_EQ(stage.call(name, stage.examples(*host::findMethod(name))).error, "") << name;
+    EXPECT_EQ(stage.locks(), 0);
+    const auto sizes = {stage.integer(5), stage.integer(5)};
+    EXPECT_EQ(stage.call("krlImageDropShadow", sizes).error, "Failed Drop Shadow function (Image)");
+}
+
 TEST(MethodsWithoutEffect, LeaveThePicture) {
     Stage stage;
     stage.load(6, 4);
