@@ -12,7 +12,7 @@ Status composite(ImageEngine& engine, const SecondImage& foreground, BlendMode b
     if (!engine.hasSizeOf(foreground)) return kStatusForegroundSize;
     const bool straight = backgroundAlpha == AlphaRule::BackgroundAlphaYes;
     const BlendRun blend = straight ? overBlendRun(blendMethod) : shiftBlendRun(blendMethod);
-    return forEachRunBeside(engine, foreground.block(), [&](Pixel* pixels, size_t count, const Pixel* front) {
+    return forEachRunBeside(engine, foreground, [&](Pixel* pixels, size_t count, const Pixel* front) {
         blend(pixels, front, count, engine.tables());
     });
 }

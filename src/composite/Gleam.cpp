@@ -80,11 +80,10 @@ Status GleamStages::extractLight(Scratch<Pixel>& light) const {
     const LookupTables& tables = engine_.tables();
     std::fill(light.begin(), light.end(), Pixel{0, 0, 0, 0});
     const auto extract = [&](auto perPixel) {
-        return forEachRunBeside(engine_, foreground_.block(),
-                                [&](Pixel* first, size_t count, const Pixel* front) {
-                                    Pixel* out = light.data() + (first - engine_.buffer()->row(0));
-                                    for (size_t i = 0; i < count; ++i) out[i] = perPixel(front[i]);
-                                });
+        return forEachRunBeside(engine_, foreground_, [&](Pixel* first, size_t count, const Pixel* front) {
+            Pixel* out = light.data() + (first - engine_.buffer()->row(0));
+            for (size_t i = 0; i < count; ++i) out[i] = perPixel(front[i]);
+        });
     };
     if (colourises())
         return extract([&](Pixel p) -> Pixel {
@@ -118,23 +117,22 @@ Status GleamStages::layBoth(const Scratch<Pixel>& light) const {
     const ByteTable lightAlpha = alphaAtOpacity(settings_.transparency);
     const BlendRun layFront = shiftBlendRun(settings_.compositeBlendMethod);
     const BlendRun layLight = shiftBlendRun(settings_.blendMethod);
-    return forEachRunBeside(engine_, foreground_.block(),
-                            [&](Pixel* pixels, size_t count, const Pixel* front) {
-                                const Pixel* shine = light.data() + (pixels - engine_.buffer()->row(0));
-                                forEachChunk(count, [&](size_t start, size_t chunk) {
-                                    Pixel faded[kChunkPixels] = {};
-                                    for (size_t i = 0; i < chunk; ++i) {
-                                        const Pixel p = front[start + i];
-                                        faded[i] = {p.blue, p.green, p.red, frontAlpha[p.alpha]};
-                                    }
-                                    layFront(pixels + start, faded, chunk, engine_.tables());
-                                    for (size_t i = 0; i < chunk; ++i) {
-                                        const Pixel shining = shine[start + i];
-                                        faded[i] = colours(shining, lightAlpha[shining.alpha]);
-                                    }
-                                    layLight(pixels + start, faded, chunk, engine_.tables());
-                                });
-                            });
+    return forEachRunBeside(engine_, foreground_, [&](Pixel* pixels, size_t count, const Pixel* front) {
+        const Pixel* shine = light.data() + (pixels - engine_.buffer()->row(0));
+        forEachChunk(count, [&](size_t start, size_t chunk) {
+            Pixel faded[kChunkPixels] = {};
+            for (size_t i = 0; i < chunk; ++i) {
+                const Pixel p = front[start + i];
+                faded[i] = {p.blue, p.green, p.red, frontAlpha[p.alpha]};
+            }
+            layFront(pixels + start, faded, chunk, engine_.tables());
+            for (size_t i = 0; i < chunk; ++i) {
+                const Pixel shining = shine[start + i];
+                faded[i] = colours(shining, lightAlpha[shining.alpha]);
+            }
+            layLight(pixels + start, faded, chunk, engine_.tables());
+        });
+    });
 }
 
 Status GleamStages::finish(Scratch<Pixel>& light) const {

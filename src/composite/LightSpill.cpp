@@ -14,12 +14,10 @@ namespace {
 /// The image with an alpha of what the background leaves open.
 Status copyWithHoles(const ImageEngine& engine, const SecondImage& background, Scratch<Pixel>& light) {
     std::memcpy(light.data(), engine.buffer()->pixels, engine.buffer()->bytes());
-    return forEachRunBeside(engine, background.block(),
-                            [&](Pixel* pixels, size_t count, const Pixel* beside) {
-                                Pixel* out = light.data() + (pixels - engine.buffer()->row(0));
-                                for (size_t i = 0; i < count; ++i)
-                                    out[i].alpha = static_cast<uint8_t>(255 - beside[i].alpha);
-                            });
+    return forEachRunBeside(engine, background, [&](Pixel* pixels, size_t count, const Pixel* beside) {
+        Pixel* out = light.data() + (pixels - engine.buffer()->row(0));
+        for (size_t i = 0; i < count; ++i) out[i].alpha = static_cast<uint8_t>(255 - beside[i].alpha);
+    });
 }
 
 }  // namespace
@@ -35,16 +33,15 @@ Status lightSpillComposite(ImageEngine& engine, const SecondImage& background, i
     if (blur > 0) TentBlur(engine.getThreadCount()).blurRGBA(light.data(), image.height, image.width, blur);
 
     const BlendRun layLight = shiftBlendRun(blendMethod), layOnImage = shiftBlendRun(BlendMode::Normal);
-    return forEachRunBeside(engine, background.block(),
-                            [&](Pixel* pixels, size_t count, const Pixel* beside) {
-                                const Pixel* shine = light.data() + (pixels - image.row(0));
-                                forEachChunk(count, [&](size_t start, size_t chunk) {
-                                    Pixel lit[kChunkPixels];
-                                    std::copy_n(beside + start, chunk, lit);
-                                    layLight(lit, shine + start, chunk, engine.tables());
-                                    layOnImage(pixels + start, lit, chunk, engine.tables());
-                                });
-                            });
+    return forEachRunBeside(engine, background, [&](Pixel* pixels, size_t count, const Pixel* beside) {
+        const Pixel* shine = light.data() + (pixels - image.row(0));
+        forEachChunk(count, [&](size_t start, size_t chunk) {
+            Pixel lit[kChunkPixels];
+            std::copy_n(beside + start, chunk, lit);
+            layLight(lit, shine + start, chunk, engine.tables());
+            layOnImage(pixels + start, lit, chunk, engine.tables());
+        });
+    });
 }
 
 }  // namespace krl

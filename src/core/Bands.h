@@ -56,18 +56,19 @@ Status forEachPixel(const ImageEngine& engine, PerPixel&& perPixel) {
 /// loaded rows alone are padded, the last bands would reach a little further. The sizes are the caller's to
 /// test.
 template <class Work>
-Status forEachRunBeside(const ImageEngine& engine, std::span<const Pixel> other, Work&& work) {
+Status forEachRunBeside(const ImageEngine& engine, const SecondImage& other, Work&& work) {
+    const std::span<const Pixel> block = other.block();
     return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
         const ptrdiff_t start = first - engine.buffer()->row(0);
-        const ptrdiff_t count = std::min(last - first, static_cast<ptrdiff_t>(other.size()) - start);
-        if (count > 0) work(first, static_cast<size_t>(count), other.data() + start);
+        const ptrdiff_t count = std::min(last - first, static_cast<ptrdiff_t>(block.size()) - start);
+        if (count > 0) work(first, static_cast<size_t>(count), block.data() + start);
     });
 }
 
 /// Calls `perPair(Pixel&, const Pixel&)` for every pixel beside the one at the same place of `other`, as
 /// far as there is one.
 template <class PerPair>
-Status forEachPixelPair(const ImageEngine& engine, std::span<const Pixel> other, PerPair&& perPair) {
+Status forEachPixelPair(const ImageEngine& engine, const SecondImage& other, PerPair&& perPair) {
     return forEachRunBeside(engine, other, [&](Pixel* first, size_t count, const Pixel* beside) {
         for (Pixel* p = first; p != first + count; ++p) perPair(*p, *beside++);
     });

@@ -22,8 +22,10 @@ public:
 
     const ImageBuffer& view() const { return view_; }
     Pixel* row(int32_t y) const { return view_.row(y); }
-    /// All of it in address order, padding included.
-    std::span<const Pixel> block() const { return {row(0), block_.size() / sizeof(Pixel)}; }
+    /// To be walked beside the image that was copied.
+    SecondImage asSecondImage() const {
+        return {view_.pixels, {.width = view_.width, .height = view_.height, .rowBytes = view_.rowBytes}};
+    }
 
 private:
     Scratch<uint8_t> block_;

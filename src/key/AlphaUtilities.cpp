@@ -76,7 +76,7 @@ Status inputMask(ImageEngine& engine, const SecondImage& dotImage, bool keep, bo
     if (Status state = engine.imageStatus()) return state;
     if (!dotImage.pixels) return kStatusNoMaskImage;
     if (!engine.hasSizeOf(dotImage)) return kStatusMaskSize;
-    return forEachPixelPair(engine, dotImage.block(), [=](Pixel& p, const Pixel& mask) {
+    return forEachPixelPair(engine, dotImage, [=](Pixel& p, const Pixel& mask) {
         p.alpha = applyKeyMatte(p.alpha, mask.alpha, keep, invert);
     });
 }

@@ -137,7 +137,7 @@ Status dayForNight(ImageEngine& engine, int32_t blur, float blurOpacity, Colour 
 
     const ImageCopy soft(image);
     if (blur > 0) TentBlur(engine.getThreadCount()).blurRGBA(soft.row(0), image.height, image.width, blur);
-    const Status status = forEachPixelPair(engine, soft.block(), [&](Pixel& p, const Pixel& s) {
+    const Status status = forEachPixelPair(engine, soft.asSecondImage(), [&](Pixel& p, const Pixel& s) {
         const auto mixed = [&](uint8_t sharp, uint8_t blurred) {
             return size_t(shiftToward(blurred, sharp, sharpLevel));
         };

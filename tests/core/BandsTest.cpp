@@ -158,7 +158,7 @@ TEST(PixelPairs, EndWhereASecondImageOfTightRowsEnds) {
         const auto tight = std::make_unique<Pixel[]>(9);
         for (uint8_t i = 0; i < 9; ++i) tight[i] = {i, 0, 0, 0};
         const SecondImage other{firstByte(tight.get()), {3, 3, 12, 0, 0, 0}};
-        ASSERT_EQ(forEachPixelPair(padded.engine, other.block(),
+        ASSERT_EQ(forEachPixelPair(padded.engine, other,
                                    [](Pixel& p, const Pixel& beside) {
                                        p.blue = beside.blue;
                                        ++p.red;
@@ -175,9 +175,9 @@ TEST(PixelPairs, GoAsFarAsTheBandsBesideASecondImageOfPaddedRows) {
     PaddedPicture padded(2);
     const std::vector<Pixel> likewise(12, Pixel{7, 0, 0, 0});
     const SecondImage other{firstByte(likewise.data()), padded.info};
-    ASSERT_EQ(forEachPixelPair(padded.engine, other.block(),
-                               [](Pixel& p, const Pixel& beside) { p.blue = beside.blue; }),
-              kStatusOk);
+    ASSERT_EQ(
+        forEachPixelPair(padded.engine, other, [](Pixel& p, const Pixel& beside) { p.blue = beside.blue; }),
+        kStatusOk);
     for (size_t i = 0; i < 12; ++i) EXPECT_EQ(padded.block[i].blue, i < 10 ? 7 : 0) << i;
 }
 
