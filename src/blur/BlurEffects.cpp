@@ -48,9 +48,10 @@ Status blurProRGB(ImageEngine& engine, int32_t blurR, int32_t blurG, int32_t blu
     const ImageBuffer& image = *engine.buffer();
     TentBlur blur(engine.getThreadCount());
     const int32_t radii[] = {blurB, blurG, blurR};
-    for (int32_t channel = 2; channel >= 0; --channel)
-        blur.blurChannel(image.row(0), image.height, image.width, radii[channel], channel);
-    return kStatusOk;
+    Status status = kStatusOk;
+    for (int32_t channel = 2; channel >= 0 && status == kStatusOk; --channel)
+        status = blur.blurChannel(image.row(0), image.height, image.width, radii[channel], channel);
+    return status;
 }
 
 Status defocus(ImageEngine& engine, int32_t blur, float bloom, ChannelTarget target) {

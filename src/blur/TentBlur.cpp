@@ -147,30 +147,28 @@ uint8_t* bytesOf(Pixel* pixels) { return reinterpret_cast<uint8_t*>(pixels); }
 }  // namespace
 
 template <class Arithmetic, class Layout>
-void TentBlur::runPasses(typename Arithmetic::Sample* block, int32_t height, int32_t width, int32_t halfWidth,
-                         const Layout& layout, typename Arithmetic::Sample* lines) {
+Status TentBlur::runPasses(typename Arithmetic::Sample* block, int32_t height, int32_t width,
+                           int32_t halfWidth, const Layout& layout, typename Arithmetic::Sample* lines) {
     const Extent extent{height, width, halfWidth};
-    const Status rowStatus = runBands(threadCount_, [&](int32_t band) {
+    const Status status = runBands(threadCount_, [&](int32_t band) {
         blurRows<Arithmetic>(block, lines, extent, layout, lineBand(height, threadCount_, band));
     });
-    if (rowStatus) return;
-    runBands(threadCount_, [&](int32_t band) {
+    if (status) return status;
+    return runBands(threadCount_, [&](int32_t band) {
         blurColumns<Arithmetic>(lines, block, extent, layout, lineBand(width, threadCount_, band));
     });
 }
 
 template <class Layout>
-void TentBlur::blurLayout(uint8_t* block, int32_t height, int32_t width, int32_t radius,
-                          const Layout& layout) {
+Status TentBlur::blurLayout(uint8_t* block, int32_t height, int32_t width, int32_t radius,
+                            const Layout& layout) {
     const int32_t halfWidth = tent::halfWidth(radius);
-    if (halfWidth <= 0 || height <= 0 || width <= 0) return;
+    if (halfWidth <= 0 || height <= 0 || width <= 0) return kStatusOk;
     const size_t samples = size_t(height) * size_t(width) * Layout::kLanes;
     if (lines_.size() < samples) lines_ = Scratch<uint8_t>(samples);
-    if (halfWidth <= tent::kWidestNarrow) {
-        runPasses<tent::NarrowBytes>(block, height, width, halfWidth, layout, lines_.data());
-    } else {
-        runPasses<tent::WideBytes>(block, height, width, halfWidth, layout, lines_.data());
-    }
+    if (halfWidth <= tent::kWidestNarrow)
+        return runPasses<tent::NarrowBytes>(block, height, width, halfWidth, layout, lines_.data());
+    return runPasses<tent::WideBytes>(block, height, width, halfWidth, layout, lines_.data());
 }
 
 void TentBlur::blurRGBA(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
@@ -185,8 +183,8 @@ void TentBlur::blurChroma(Pixel* pixels, int32_t height, int32_t width, int32_t 
     blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{0xFFFF0000u});
 }
 
-void TentBlur::blurChannel(Pixel* pixels, int32_t height, int32_t width, int32_t radius, int32_t channel) {
-    blurLayout(bytesOf(pixels), height, width, radius, ChannelLayout{channel});
+Status TentBlur::blurChannel(Pixel* pixels, int32_t height, int32_t width, int32_t radius, int32_t channel) {
+    return blurLayout(bytesOf(pixels), height, width, radius, ChannelLayout{channel});
 }
 
 void TentBlur::blurAlpha(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {

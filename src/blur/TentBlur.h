@@ -4,6 +4,7 @@
 
 #include "core/Pixel.h"
 #include "core/Scratch.h"
+#include "core/Status.h"
 
 namespace krl {
 
@@ -37,8 +38,8 @@ public:
     /// kernels on the calling thread.
     void blurPlane(int32_t* plane, int32_t height, int32_t width, int32_t radius);
 
-    /// Byte `channel` of every pixel, 0 to 3; the others stay.
-    void blurChannel(Pixel* pixels, int32_t height, int32_t width, int32_t radius, int32_t channel);
+    /// Byte `channel` of every pixel, 0 to 3; the others stay. Tells of threads that it cannot have.
+    Status blurChannel(Pixel* pixels, int32_t height, int32_t width, int32_t radius, int32_t channel);
     /// A plane of bytes.
     void blurBytes(uint8_t* plane, int32_t height, int32_t width, int32_t radius);
 
@@ -46,10 +47,10 @@ public:
 
 private:
     template <class Layout>
-    void blurLayout(uint8_t* block, int32_t height, int32_t width, int32_t radius, const Layout& layout);
+    Status blurLayout(uint8_t* block, int32_t height, int32_t width, int32_t radius, const Layout& layout);
     template <class Arithmetic, class Layout>
-    void runPasses(typename Arithmetic::Sample* block, int32_t height, int32_t width, int32_t halfWidth,
-                   const Layout& layout, typename Arithmetic::Sample* lines);
+    Status runPasses(typename Arithmetic::Sample* block, int32_t height, int32_t width, int32_t halfWidth,
+                     const Layout& layout, typename Arithmetic::Sample* lines);
 
     int32_t threadCount_;
     Scratch<uint8_t> lines_;  ///< output of the row pass; kept, so that several blurs take it once

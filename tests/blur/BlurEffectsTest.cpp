@@ -77,6 +77,16 @@ TEST(BlurProRgb, BlursEachColourByItsOwnRadius) {
     expectStateTests([](ImageEngine& e) { return blurProRGB(e, 0, 0, 0); });
 }
 
+// The planes have no threads that could fail; splitting and merging them has.
+TEST(BlurProRgb, FailsWhenItsThreadsCannotBeHad) {
+    Picture picture = Picture::random(9, 9);
+    const Picture source = picture;
+    faults().threads = 0;
+    EXPECT_EQ(picture.apply([](ImageEngine& e) { return blurProRGB(e, 4, 0, 2); }, 2), kStatusThreadFailed);
+    faults().threads = -1;
+    EXPECT_EQ(picture, source);
+}
+
 TEST(Defocus, LiftsColourByTheBloom) {
     const Picture lifted = defocused(Picture::ramp(), 0, 0.5f, kRgba);
     EXPECT_EQ(lifted.at(0, 0).green, 0);
