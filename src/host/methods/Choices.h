@@ -25,6 +25,8 @@ inline std::vector<SymbolChoice> anyChannels() {
 }
 
 inline constexpr const char* kTargetMeaning = "the three colours, or transparency alone";
+inline constexpr const char* kWeighedMeaning =
+    "all, with colours counting by their alpha; the three colours; or transparency alone";
 
 /// What methods that say nothing of a symbol they do not know work on then.
 inline constexpr UnknownSymbol kElseAlpha = otherwise(ChannelTarget::Alpha);

@@ -1,20 +1,12 @@
 #include "filters/Edges.h"
 #include "filters/Morphology.h"
 #include "host/MethodRegistry.h"
+#include "host/methods/Choices.h"
 
 /// Bindings of morphology and of the edge filters.
 namespace krl::host {
 
 namespace {
-
-constexpr const char* kTargetMeaning = "the three colours, or transparency alone";
-
-std::vector<SymbolChoice> colourOrAlpha() {
-    return {{"RGB", ChannelTarget::RGB}, {"Alpha", ChannelTarget::Alpha}};
-}
-
-/// The methods that say nothing of a symbol they do not know work on alpha then.
-constexpr UnknownSymbol kElseAlpha = otherwise(ChannelTarget::Alpha);
 
 void addMorphology(MethodList& list) {
     list.add(method("krlImageDilation", dilation)

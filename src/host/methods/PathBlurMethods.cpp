@@ -1,17 +1,11 @@
 #include "filters/PathBlur.h"
 #include "host/MethodRegistry.h"
+#include "host/methods/Choices.h"
 
 /// Bindings of the blurs along a path.
 namespace krl::host {
 
 namespace {
-
-constexpr const char* kTargetMeaning =
-    "all, with colours counting by their alpha; the three colours; or transparency alone";
-
-std::vector<SymbolChoice> channels() {
-    return {{"RGBA", ChannelTarget::RGBA}, {"RGB", ChannelTarget::RGB}, {"Alpha", ChannelTarget::Alpha}};
-}
 
 /// A target that none of the symbols gives: these methods pass it on without a word.
 constexpr UnknownSymbol kUnset = otherwise(ChannelTarget{});
@@ -29,7 +23,7 @@ void addPathBlurMethods(MethodList& list) {
                          otherwise(BlurCount::Double),
                          "a trail to one side, or a second one in the opposite direction; any other symbol "
                          "is double")
-                 .symbol("colourOrAlpha", channels(), kUnset, kTargetMeaning)
+                 .symbol("colourOrAlpha", anyChannels(), kUnset, kWeighedMeaning)
                  .showing("RGB")
                  .inputFailure("MotionBlur input failure (Image)")
                  .failed("Failed Motion Blur function (Image)"));
@@ -38,7 +32,7 @@ void addPathBlurMethods(MethodList& list) {
                  .integer("radialLength", {.from = 0, .to = 45, .example = 6},
                           "degrees to each side; one sample is taken for each")
                  .point("radialPoint", {.x = 0.5, .y = 0.5}, "what the picture turns about")
-                 .symbol("colourOrAlpha", channels(), kUnset, kTargetMeaning)
+                 .symbol("colourOrAlpha", anyChannels(), kUnset, kWeighedMeaning)
                  .showing("RGB")
                  .inputFailure("Radial Blur input failure (Image)")
                  .failed("Failed Radial Blur function (Image)"));
@@ -51,7 +45,7 @@ void addPathBlurMethods(MethodList& list) {
             .symbol("direction", {{"in", ZoomDirection::In}, {"out", ZoomDirection::Out}},
                     refused("Zoom Blur invalid input direction (Image)"),
                     "gathers from further out, or from nearer the point")
-            .symbol("colourOrAlpha", channels(), kUnset, kTargetMeaning)
+            .symbol("colourOrAlpha", anyChannels(), kUnset, kWeighedMeaning)
             .showing("RGB")
             .needsEngine("Image xtra not initialised (Image)")
             .inputFailure("Zoom Blur input failure (Image)")

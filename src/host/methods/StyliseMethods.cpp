@@ -1,18 +1,13 @@
 #include "filters/Stylise.h"
 #include "host/MethodRegistry.h"
+#include "host/methods/Choices.h"
 
 /// Bindings of the stylise effects.
 namespace krl::host {
 
 namespace {
 
-constexpr const char* kTargetMeaning = "all four channels, the three colours, or transparency alone";
-constexpr const char* kWeighedMeaning =
-    "all, with colours counting by their alpha; the three colours; or transparency alone";
-
-std::vector<SymbolChoice> channels() {
-    return {{"RGBA", ChannelTarget::RGBA}, {"RGB", ChannelTarget::RGB}, {"Alpha", ChannelTarget::Alpha}};
-}
+constexpr const char* kChannelsMeaning = "all four channels, the three colours, or transparency alone";
 
 void addVignette(MethodList& list) {
     list.add(
@@ -47,7 +42,7 @@ void addStyliseMethods(MethodList& list) {
     list.add(method("krlImageMosaic", mosaic)
                  .summary("Makes blocks of one colour.")
                  .integer("amount", {.from = 2, .to = 100, .example = 12}, "side of a block, in pixels")
-                 .symbol("colourOrAlpha", channels(), otherwise(ChannelTarget::Alpha), kTargetMeaning)
+                 .symbol("colourOrAlpha", anyChannels(), kElseAlpha, kChannelsMeaning)
                  .inputFailure("Mosaic input failure (Image)")
                  .failed("Failed Mosaic function (Image)"));
     list.add(method("krlImageOilPaint", oilPaint)
@@ -61,8 +56,8 @@ void addStyliseMethods(MethodList& list) {
     list.add(method("krlImageFragment", fragment)
                  .summary("Lays four faint copies of the picture around its place.")
                  .integer("distance", {.from = 0, .to = 100, .example = 8}, "pixels that each copy is off")
-                 .symbol("colourOrAlpha", channels(), refused("Fragment invalid colourOrAlpha input (Image)"),
-                         kWeighedMeaning)
+                 .symbol("colourOrAlpha", anyChannels(),
+                         refused("Fragment invalid colourOrAlpha input (Image)"), kWeighedMeaning)
                  .inputFailure("Fragment input failure (Image)")
                  .failed("Failed Fragment function (Image)"));
     list.add(
@@ -72,8 +67,8 @@ void addStyliseMethods(MethodList& list) {
             .integer("tileH", {.from = 1, .to = 200, .example = 24}, "height of a tile, in pixels")
             .integer("random", {.from = 1, .to = 100, .example = 14}, "pixels of play; 1 is none")
             .integer("seed", {.from = 0, .to = 32767, .example = 7}, "number that decides how the tiles slip")
-            .symbol("colourOrAlpha", channels(), refused("Tile invalid colourOrAlpha input (Image)"),
-                    kTargetMeaning)
+            .symbol("colourOrAlpha", anyChannels(), refused("Tile invalid colourOrAlpha input (Image)"),
+                    kChannelsMeaning)
             .inputFailure("Tile input failure (Image)")
             .failed("Failed Tile function (Image)"));
     addVignette(list);
