@@ -118,27 +118,27 @@ void buildIntegerBlends(LookupTables& t) {
     fill(t.blendPin, [](int32_t f, int32_t b) { return f < 128 ? std::min(f, b) : std::max(f, b); });
 }
 
-/// What the light blends are made of, in 255ths and told exactly: nothing is lost before the one
-/// division that truncates.
-int32_t product(int32_t f, int32_t b) { return f * b; }
-int32_t screen(int32_t f, int32_t b) { return 255 * 255 - (255 - f) * (255 - b); }
-
-/// Hard light and overlay: `deciding` is the operand that picks the half.
-int32_t contrasted(int32_t deciding, int32_t f, int32_t b) {
-    return (deciding < 128 ? 2 * product(f, b) : 2 * screen(f, b) - 255 * 255) / 255;
+/// The three products that the light blends are made of. They are truncated to bytes, so their
+/// order of operations, in doubles and no wider, decides some entries.
+double multiplied(int32_t f, int32_t b) { return b * (f / 255.0) / 255 * 255; }
+double screenShade(int32_t f, int32_t b) { return (255 - b) * ((255 - f) / 255.0) / 255 * 255; }
+double softened(int32_t f, int32_t b) {
+    const double product = f * b / 255.0;
+    const double screen = 255 - (255 - f) * (255 - b) / 255.0;
+    return product + (screen - product) * b / 255;
 }
 
-/// From the product to the screen by the background.
-int32_t softened(int32_t f, int32_t b) {
-    return (255 * product(f, b) + b * (screen(f, b) - product(f, b))) / (255 * 255);
+/// Hard light and overlay: `deciding` is the operand that picks the half.
+double contrasted(int32_t deciding, int32_t f, int32_t b) {
+    return deciding < 128 ? multiplied(f, b) * 2 : 255 - screenShade(f, b) * 2;
 }
 
 void buildLightBlends(LookupTables& t) {
-    fill(t.blendMultiply, [](int32_t f, int32_t b) { return product(f, b) / 255; });
-    fill(t.blendScreen, [](int32_t f, int32_t b) { return screen(f, b) / 255; });
-    fill(t.blendHardLight, [](int32_t f, int32_t b) { return contrasted(f, f, b); });
-    fill(t.blendOverlay, [](int32_t f, int32_t b) { return contrasted(b, f, b); });
-    fill(t.blendSoftLight, softened);
+    fill(t.blendMultiply, [](int32_t f, int32_t b) { return truncatedByte(multiplied(f, b)); });
+    fill(t.blendScreen, [](int32_t f, int32_t b) { return truncatedByte(255 - screenShade(f, b)); });
+    fill(t.blendHardLight, [](int32_t f, int32_t b) { return truncatedByte(contrasted(f, f, b)); });
+    fill(t.blendOverlay, [](int32_t f, int32_t b) { return truncatedByte(contrasted(b, f, b)); });
+    fill(t.blendSoftLight, [](int32_t f, int32_t b) { return truncatedByte(softened(f, b)); });
 }
 
 }  // namespace
