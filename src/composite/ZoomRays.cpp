@@ -84,7 +84,7 @@ public:
           width_(width * scale),
           height_(height * scale),
           centre_{wrapMultiply(settings.centre.y, scale), wrapMultiply(settings.centre.x, scale)},
-          distance_(std::max(0, wrapMultiply(settings.userDistance, scale))),
+          distance_(wrapMultiply(settings.userDistance, scale)),
           share_(static_cast<float>(1.0 / distance_)),
           target_(static_cast<size_t>(width_) * static_cast<size_t>(height_)),
           written_(target_.size()) {

@@ -10,7 +10,8 @@ struct RaySettings {
     Point centre;              ///< where rays begin; it may lie outside
     float strength = 1;        ///< each byte of the source counts by this
     float falloff = 0;         ///< what is left of a sum after one step
-    int32_t userDistance = 0;  ///< 0 and below leave every pixel black
+    int32_t userDistance = 0;  ///< 0 leaves every pixel black; below it, what is left is the low byte of what
+                               ///< the sum divided by it is
 };
 
 /// Casts the rays from the centre to every pixel of the border of a picture of `width` by `height` and puts

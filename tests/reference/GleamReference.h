@@ -109,7 +109,7 @@ public:
         written_.assign(source_.size(), false);
         column_ = n.centre.x * scale_;
         row_ = n.centre.y * scale_;
-        distance_ = std::max(0, n.distance * scale_);
+        distance_ = n.distance * scale_;
         strength_ = n.strength < 0 ? 0 : n.strength;
         falloff_ = float(std::pow(double(n.falloff), 0.03333333507180214));
         if (falloff_ < 0) falloff_ = 0;
