@@ -168,13 +168,14 @@ void paintFilled(const FlareState& state, const FlareElement& circle) {
 
 void paintGradient(const FlareState& state, const FlareElement& circle) {
     const int32_t radius = truncate(circle.radius);
-    if (radius == 0) {  // a cone of no width is all tip
+    const double slope = double{circle.brightness} / circle.radius;
+    if (radius == 0) {  // of a cone this narrow only the tip is seen; one of no width has no slope
         const Point tip = circle.origin;
+        const int32_t value = circle.radius == 0 ? 255 : truncatedByte(circle.radius * slope);
         if (GridBox{0, 0, state.image.width, state.image.height}.holds(tip.x, tip.y))
-            FlarePlot(state, circle)(state.pixel(tip.x, tip.y), 255);
+            FlarePlot(state, circle)(state.pixel(tip.x, tip.y), value);
         return;
     }
-    const double slope = double{circle.brightness} / circle.radius;
     const std::array<Ring, 1> cone{{{kFromCentre, radius, RingForm::Falling, circle.radius, slope}}};
     paint(state, circle, cone);
 }

@@ -69,15 +69,16 @@ TEST(GradientCircle, IsAConeFromTheCentre) {
     EXPECT_EQ(cone.at(24 - 10, 20).red, 0);
 }
 
-TEST(GradientCircle, WithoutRadiusIsOneBrightPixel) {
-    for (float radius : {0.0f, 0.9f, -0.9f}) {
+TEST(GradientCircle, OfLessThanAPixelIsItsTip) {
+    for (auto [radius, level] : {std::pair{0.0f, uint8_t{255}}, {0.5f, uint8_t{80}}, {-0.5f, uint8_t{80}}}) {
         Picture expected(48, 40);
-        expected.at(24, 20) = {255, 255, 255, 255};
+        expected.at(24, 20) = {level, level, level, 255};
         EXPECT_EQ(
             values(
                 48, 40,
                 {.kind = FlareKind::GradientCircle, .origin = kMiddle, .brightness = 80, .radius = radius}),
-            expected);
+            expected)
+            << radius;
     }
     const FlareElement outside{.kind = FlareKind::GradientCircle, .origin = {-1, 50}, .radius = 0};
     EXPECT_EQ(values(48, 40, outside), Picture(48, 40));
