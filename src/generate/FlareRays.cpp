@@ -28,10 +28,8 @@ constexpr int32_t kMostDraws = 1 << 24;
 /// A ray that reaches out of any picture to all sides.
 constexpr double kLongestRay = 1 << 28;
 
-/// A star whose rays would cross each pixel more often than this, or are more than this, is drawn with
-/// evenly chosen ones: they fill its disc all the same.
-constexpr double kMostCrossings = 128;
-constexpr double kMostRays = 1 << 20;
+/// A star of more rays than this is drawn with evenly chosen ones: they fill its disc all the same.
+constexpr int64_t kMostStarRays = 1 << 20;
 
 /// The tag of a ray that is skipped.
 constexpr float kSkippedTag = -1.0f;
@@ -87,42 +85,40 @@ std::vector<FanRay> fanRays(const FlareElement& rays) {
     return list;
 }
 
-int64_t mostStarRays(const ImageBuffer& image, double radius) {
-    const double cellsOfRay = std::min(radius, double(image.width) + image.height) + 1;
-    const double rays = kMostCrossings * image.width * image.height / cellsOfRay;
-    return truncate(clampTo(rays, 1024.0, kMostRays));
-}
-
-/// Evenly spaced arms of neighbouring rays, one degree apart.
-std::vector<FanRay> starRays(const FlareState& state, const FlareElement& rays) {
+/// Evenly spaced arms of neighbouring rays, one degree apart. Rays of neighbouring arms that end in the same
+/// pixel are one ray, drawn more often.
+std::vector<FanRay> starRays(const FlareElement& rays) {
     const int64_t arms = std::max(rays.count, 1), width = std::max(rays.width, 1);
-    const int64_t total = arms * width, chosen = std::min(total, mostStarRays(state.image, radiusOf(rays)));
+    const int64_t total = arms * width, chosen = std::min(total, kMostStarRays);
     std::vector<FanRay> list;
-    list.reserve(size_t(chosen));
     for (int64_t i = 0; i < chosen; ++i) {
         const int64_t place = chosen == total ? i : int64_t(double(i) * (double(total) / double(chosen)));
-        const double arm = double(place / width), beside = double(place % width);
+        const double arm = double(place % arms), beside = double(place / arms);
         const double degrees = belowFullTurn(arm * (360.0 / double(arms)) + (beside + rays.angle));
-        list.push_back({rays.origin, tipOf(rays, degrees)});
+        const Point tip = tipOf(rays, degrees);
+        if (!list.empty() && list.back().end.x == tip.x && list.back().end.y == tip.y)
+            list.back().times = std::min(list.back().times + 1, kEnoughTimes);
+        else
+            list.push_back({rays.origin, tip});
     }
     return list;
 }
 
-std::vector<FanRay> raysOf(const FlareState& state, const FlareElement& rays) {
+std::vector<FanRay> raysOf(const FlareElement& rays) {
     switch (rays.kind) {
         case FlareKind::Spike:
             return spikeRays(rays);
         case FlareKind::RandomFan:
             return fanRays(rays);
         default:
-            return starRays(state, rays);
+            return starRays(rays);
     }
 }
 
 }  // namespace
 
 void paintRays(const FlareState& state, const FlareElement& rays) {
-    const std::vector<FanRay> list = raysOf(state, rays);
+    const std::vector<FanRay> list = raysOf(rays);
     const double radius = radiusOf(rays);
     const double fade = 255.0 / radius;
     const int32_t intensity = truncate(rays.brightness);

@@ -103,6 +103,20 @@ TEST(RayFamilies, AreTheirRaysOneByOne) {
             }
 }
 
+TEST(Star, OfManyFaintArmsIsItsRaysOneByOne) {
+    for (float radius : {9.5f, 31.5f, 900.0f})
+        for (auto [count, width] : {std::pair{7000, 1}, {2500, 3}, {30000, 1}}) {
+            const FlareElement star{.kind = FlareKind::Star,
+                                    .origin = {28, 37},
+                                    .brightness = 1,
+                                    .radius = radius,
+                                    .angle = 12.5f,
+                                    .count = count,
+                                    .width = width};
+            ASSERT_EQ(values(kWidth, kHeight, star), expected(star)) << radius << ' ' << count;
+        }
+}
+
 TEST(RayFamilies, DependOnTheSeedAlone) {
     FlareElement spike{
         .kind = FlareKind::Spike, .origin = {28, 37}, .brightness = 90, .radius = 25, .count = 20, .seed = 5};
