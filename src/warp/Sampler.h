@@ -57,8 +57,8 @@ void copyChannels(Pixel& destination, Pixel source) {
         destination.alpha = source.alpha;
 }
 
-/// Nearest sampling of a picture: truncated toward zero, and kept inside. Each operation writes a run of
-/// at most `kRunPixels` pixels.
+/// Nearest sampling of a picture: truncated toward zero, and kept inside. Columns beyond a row's ends run on
+/// into the rows beside. Each operation writes a run of at most `kRunPixels` pixels.
 template <ChannelTarget target>
 class NearestSampler {
 public:
@@ -73,21 +73,22 @@ public:
         nearestPixels(source_.row(0), stride_, y, x, count, source_.height - 1, source_.width - 1, nearest);
         for (size_t i = 0; i < count; ++i) copyChannels<target>(destination[i], nearest[i]);
     }
-    /// From the columns `x[i]` of row `y`.
+    /// From the places `x[i]` after the beginning of row `y`; those beyond its ends lie in the rows beside.
     void alongRow(Pixel* destination, int32_t y, const int32_t* x, size_t count) const {
-        for (size_t i = 0; i < count; ++i) copy(destination[i], y, x[i]);
+        const Pixel* row = source_.row(y);
+        const int64_t first = -int64_t(y) * stride_, last = int64_t(source_.height - y) * stride_ - 1;
+        for (size_t i = 0; i < count; ++i)
+            copyChannels<target>(destination[i], row[clampTo<int64_t>(x[i], first, last)]);
     }
     /// From the rows `y[i]` of the columns from `x` on.
     void downColumns(Pixel* destination, const int32_t* y, int32_t x, size_t count) const {
-        for (size_t i = 0; i < count; ++i) copy(destination[i], y[i], x + static_cast<int32_t>(i));
+        for (size_t i = 0; i < count; ++i) {
+            const Pixel* row = source_.row(clampTo(y[i], 0, source_.height - 1));
+            copyChannels<target>(destination[i], row[x + static_cast<int32_t>(i)]);
+        }
     }
 
 private:
-    void copy(Pixel& destination, int32_t y, int32_t x) const {
-        const int32_t column = clampTo(x, 0, source_.width - 1), row = clampTo(y, 0, source_.height - 1);
-        copyChannels<target>(destination, source_.row(row)[column]);
-    }
-
     const ImageBuffer& source_;
     int32_t stride_;
 };

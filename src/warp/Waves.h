@@ -21,7 +21,8 @@ enum class WaveEdge : int32_t {
 /// Shifts each row by `hPercent` percent of `amplitude` along a sine that starts at `horizPhase`, and then
 /// each column by `vPercent` percent from `vertPhase`. Wrapping is uneven, and known for it: down the
 /// columns the period is one short of the height, and with `Standard` quality it is one short on both
-/// sides.
+/// sides. It brings back one length of the picture: farther along a row `Standard` runs on into the rows
+/// beside.
 Status waves(ImageEngine& engine, float amplitude, float frequency, float horizPhase, float vertPhase,
              int32_t hPercent, int32_t vPercent, WaveEdge edgeType, SampleQuality quality,
              ChannelTarget colourOrAlpha);

@@ -36,8 +36,16 @@ struct SlowWarp {
     }
 
     void placeWhole(int32_t x, int32_t y, int32_t fromX, int32_t fromY) {
-        const Pixel p =
-            source.at(clampTo(fromX, 0, source.width() - 1), clampTo(fromY, 0, source.height() - 1));
+        write(x, y, source.at(clampTo(fromX, 0, source.width() - 1), clampTo(fromY, 0, source.height() - 1)));
+    }
+
+    /// From `fromX` pixels after the beginning of row `fromY`.
+    void placeAlong(int32_t x, int32_t y, int32_t fromX, int32_t fromY) {
+        const int64_t place = int64_t(fromY) * source.width() + fromX;
+        write(x, y, source.pixels()[size_t(clampTo(place, int64_t(0), int64_t(source.pixels().size()) - 1))]);
+    }
+
+    void write(int32_t x, int32_t y, Pixel p) {
         Pixel& out = result.at(x, y);
         if (target != ChannelTarget::Alpha) out = {p.blue, p.green, p.red, out.alpha};
         if (target != ChannelTarget::RGB) out.alpha = p.alpha;
@@ -88,7 +96,7 @@ inline Picture slowWaves(const Picture& picture, const WaveNumbers& n, WaveEdge 
         slowLine(
             shift(y, n.horizPhase, ampH), picture.width(), picture.width(), quality, edge,
             [&](int32_t x, float from) { rows.place(x, y, from, float(y)); },
-            [&](int32_t x, int32_t from) { rows.placeWhole(x, y, from, y); });
+            [&](int32_t x, int32_t from) { rows.placeAlong(x, y, from, y); });
     SlowWarp columns(rows.result, quality, target);
     for (int32_t x = 0; x < picture.width(); ++x)
         slowLine(

@@ -57,6 +57,17 @@ TEST(Waves, StandardWrapIsOneShortOnEachSide) {
     EXPECT_EQ(row.after(waving(right, WaveEdge::Wrap, kStandard)), Picture::grey({{20, 30, 40, 50, 10, 20}}));
 }
 
+TEST(Waves, StandardWrapRunsOnIntoTheRowsBesideWhereTheShiftIsLongerThanARow) {
+    const Picture rows = Picture::grey({{0, 10, 20}, {30, 40, 50}, {60, 70, 80}});
+    const WaveNumbers right{5, 0, kHalfTurn / 2, 0, 100, 0}, left{-5, 0, kHalfTurn / 2, 0, 100, 0};
+    // 5, 6 and 7 come from 3, 4 and 5, of which none is left after the last row; -5, -4 and -3 from -3, -2
+    // and -1.
+    EXPECT_EQ(rows.after(waving(right, WaveEdge::Wrap, kStandard)),
+              Picture::grey({{30, 40, 50}, {60, 70, 80}, {80, 80, 80}}));
+    EXPECT_EQ(rows.after(waving(left, WaveEdge::Wrap, kStandard)),
+              Picture::grey({{0, 0, 0}, {0, 10, 20}, {30, 40, 50}}));
+}
+
 TEST(Waves, BilinearWrapHasTheWidthForAPeriodAndOneLessThanTheHeight) {
     const Picture row = Picture::grey({{0, 10, 20, 30, 40, 50}});
     const WaveNumbers across{-2, 0, kHalfTurn / 2, 0, 100, 0}, down{-2, 0, 0, kHalfTurn / 2, 0, 100};
