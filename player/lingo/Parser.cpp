@@ -3,21 +3,18 @@
 #include <algorithm>
 #include <utility>
 
-#include "player/lingo/ExpressionParser.h"
 #include "player/lingo/NearestName.h"
+#include "player/lingo/StatementParser.h"
 
+/// Scripts: their declarations and handlers, and whose each variable is.
 namespace krl::player {
 
 namespace {
 
-const std::vector<std::string> kStatementWords = {"on",       "end",  "if",    "else",   "repeat",
-                                                  "case",     "set",  "put",   "return", "global",
-                                                  "property", "exit", "delete"};
-
-class Parser : ExpressionParser {
+class Parser : StatementParser {
 public:
     Parser(std::shared_ptr<const Source> source, SymbolTable& symbols)
-        : ExpressionParser(std::move(source), symbols) {}
+        : StatementParser(std::move(source), symbols) {}
 
     std::unique_ptr<Script> script() {
         while (here().kind == TokenKind::LineEnd) take();
@@ -57,19 +54,6 @@ private:
         std::vector<SymbolId> globals;
     };
 
-    void passLineEnds() {
-        if (!here().endsLine()) fail("the end of the line");
-        while (here().kind == TokenKind::LineEnd) take();
-    }
-
-    void declare(std::vector<SymbolId>& names) {
-        take();
-        do {
-            const Token name = expectName("the name of a variable");
-            names.push_back(symbols_.identifier(name.text));
-        } while (takeMark(","));
-    }
-
     void handler() {
         take();
         const Token name = expectName("the name of the handler after \"on\"");
@@ -102,337 +86,6 @@ private:
         made.parameters = made.locals.size();
     }
 
-    /// Statements up to a word that ends or divides a block.
-    Block block() {
-        if (++blocks_ > kDeepestBlock) failAt(here().place, "the blocks are nested too deeply");
-        Block body;
-        while (here().kind != TokenKind::End && !here().isWord("end") && !here().isWord("else") &&
-               !here().isWord("on") && !(inCase_ > 0 && atLabel())) {
-            statementInto(body);
-            passLineEnds();
-        }
-        --blocks_;
-        return body;
-    }
-
-    void statementInto(Block& body) {
-        if (here().isWord("global")) return declare(handlerGlobals_);
-        body.push_back(statement());
-    }
-
-    StatementPointer statement() {
-        const Token& first = here();
-        if (first.kind != TokenKind::Name) {
-            if (first.isMark("(") || first.isMark("[")) return assignmentOrCall();
-            fail("a statement");
-        }
-        const bool variable = ahead().isMark("=") || ahead().isMark(".");
-        if (variable) return assignmentOrCall();
-        if (first.isWord("put")) return put();
-        if (first.isWord("set")) return set();
-        if (first.isWord("if")) return conditional();
-        if (first.isWord("repeat")) return repeat();
-        if (first.isWord("case")) return choice();
-        if (first.isWord("return")) return giveBack();
-        if (first.isWord("exit")) return exit();
-        if (first.isWord("next")) return nextRepeat();
-        if (first.isWord("delete")) return removal();
-        if (first.isWord("nothing") || first.isWord("pass"))
-            return std::make_unique<Statement>(StatementKind::Nothing, take().place);
-        return assignmentOrCall();
-    }
-
-    StatementPointer put() {
-        const Place place = take().place;
-        auto made = std::make_unique<PutStatement>(StatementKind::Put, place);
-        if (bracketedArguments()) {
-            take();
-            made->values = expressionsUpTo(")");
-            return made;
-        }
-        if (endsStatement()) return made;
-        do made->values.push_back(expression());
-        while (takeMark(","));
-        static constexpr const char* modes[] = {"into", "after", "before"};
-        for (int mode = 0; mode < 3; ++mode)
-            if (made->values.size() == 1 && takeWord(modes[mode])) {
-                auto assign = std::make_unique<AssignStatement>(StatementKind::PutInto, place);
-                assign->mode = static_cast<PutMode>(mode);
-                assign->value = std::move(made->values.front());
-                assign->target = target();
-                return assign;
-            }
-        return made;
-    }
-
-    /// Whether a bracket here closes at the end of the statement and has a comma of its own inside.
-    bool bracketedArguments() const {
-        if (!here().isMark("(")) return false;
-        int open = 0;
-        bool comma = false;
-        for (size_t i = 0; !ahead(i).endsLine(); ++i) {
-            const Token& token = ahead(i);
-            if (token.isMark("(") || token.isMark("[")) ++open;
-            if (token.isMark(")") || token.isMark("]")) --open;
-            if (open == 1 && token.isMark(",")) comma = true;
-            if (open == 0) return comma && (ahead(i + 1).endsLine() || ahead(i + 1).isWord("else"));
-        }
-        return false;
-    }
-
-    ExpressionPointer target() {
-        const Place place = here().place;
-        ExpressionPointer made = accessPath();
-        requireTarget(*made, place);
-        return made;
-    }
-
-    void requireTarget(const Expression& made, Place place) const {
-        switch (made.kind) {
-            case ExpressionKind::Variable:
-            case ExpressionKind::Property:
-            case ExpressionKind::SystemProperty:
-            case ExpressionKind::Index:
-            case ExpressionKind::Chunk:
-                return;
-            default:
-                failAt(place,
-                       "expected a variable, a property, an element of a list or a chunk to assign to");
-        }
-    }
-
-    StatementPointer set() {
-        auto made = std::make_unique<AssignStatement>(StatementKind::Assign, take().place);
-        made->target = target();
-        if (!takeMark("=") && !takeWord("to")) fail("\"to\" or \"=\" after what is set");
-        made->value = expression();
-        return made;
-    }
-
-    StatementPointer assignmentOrCall() {
-        const Token first = here();
-        if (commandForm()) return command();
-        ExpressionPointer path = accessPath();
-        if (here().isMark("=")) {
-            requireTarget(*path, first.place);
-            auto made = std::make_unique<AssignStatement>(StatementKind::Assign, take().place);
-            made->target = std::move(path);
-            made->value = expression();
-            return made;
-        }
-        auto made = std::make_unique<ExpressionStatement>(StatementKind::Evaluate, first.place);
-        // A name alone is a call.
-        if (path->kind == ExpressionKind::Variable) {
-            variables_.pop_back();
-            auto alone = std::make_unique<CallExpression>(ExpressionKind::Call, first.place);
-            alone->name = symbols_.identifier(first.text);
-            path = std::move(alone);
-        }
-        made->expression = std::move(path);
-        if (!endsStatement()) fail("\"=\" or the end of the line", didYouMean(first.text, kStatementWords));
-        return made;
-    }
-
-    /// `name argument, argument`
-    bool commandForm() {
-        if (here().kind != TokenKind::Name || here().isWord("the")) return false;
-        const Token& next = ahead();
-        if (next.endsLine() || next.isWord("else")) return false;
-        return next.kind != TokenKind::Mark || next.isMark("-");
-    }
-
-    StatementPointer command() {
-        const Token name = take();
-        auto made = std::make_unique<CallExpression>(ExpressionKind::Call, name.place);
-        made->name = symbols_.identifier(name.text);
-        if (!beginsExpression()) fail("a statement", didYouMean(name.text, kStatementWords));
-        do {
-            made->arguments.push_back(expression());
-            contain(*made, made->arguments.back());
-        } while (takeMark(","));
-        if (!endsStatement()) fail("\",\" or the end of the line", didYouMean(name.text, kStatementWords));
-        auto whole = std::make_unique<ExpressionStatement>(StatementKind::Evaluate, name.place);
-        whole->expression = std::move(made);
-        return whole;
-    }
-
-    /// An `else` may follow a statement on the same line.
-    bool endsStatement() const { return here().endsLine() || here().isWord("else"); }
-
-    StatementPointer conditional() {
-        const Token first = here();
-        auto made = std::make_unique<IfStatement>(StatementKind::If, first.place);
-        for (;;) {
-            take();
-            IfStatement::Branch& branch = made->branches.emplace_back();
-            branch.condition = expression();
-            expectWord("then", "the condition");
-            const bool inBlock = here().endsLine();
-            if (inBlock)
-                passBlock(branch.body);
-            else
-                statementInto(branch.body);
-            if (!takeElse(first.place, inBlock)) {
-                if (inBlock) endOf("if", first.place);
-                return made;
-            }
-            if (here().isWord("if")) continue;
-            if (here().endsLine()) {
-                passBlock(made->otherwise);
-                endOf("if", first.place);
-            } else {
-                statementInto(made->otherwise);
-                if (inBlock && endFollows("if")) {
-                    passLineEnds();
-                    endOf("if", first.place);
-                }
-            }
-            return made;
-        }
-    }
-
-    void passBlock(Block& body) {
-        passLineEnds();
-        const int outer = std::exchange(inCase_, 0);
-        body = block();
-        inCase_ = outer;
-    }
-
-    /// An `else` on the same line, or at the start of the next one. There it belongs to the
-    /// innermost `if` that it is not indented less than.
-    bool takeElse(Place start, bool inBlock) {
-        if (inBlock || here().isWord("else")) return takeWord("else");
-        if (here().kind != TokenKind::LineEnd || !ahead().isWord("else")) return false;
-        if (ahead().place.column < lineColumn(start)) return false;
-        take();
-        return takeWord("else");
-    }
-
-    /// Column of the first letter of the line on which `place` is.
-    int lineColumn(Place place) const {
-        const std::string line = source_->line(place.line);
-        return static_cast<int>(std::min(line.find_first_not_of(" \t"), line.size())) + 1;
-    }
-
-    bool endFollows(const char* word) const {
-        return here().kind == TokenKind::LineEnd && ahead().isWord("end") && ahead(2).isWord(word);
-    }
-
-    void endOf(const char* word, Place start) {
-        if (here().isWord("end") && ahead().isWord(word)) {
-            take();
-            take();
-            return;
-        }
-        fail(std::string("\"end ") + word + "\" for the \"" + word + "\" of line " +
-             std::to_string(start.line));
-    }
-
-    StatementPointer repeat() {
-        const Place place = take().place;
-        const bool loop = here().isWord("while");
-        if (!loop && !here().isWord("with")) fail("\"while\" or \"with\" after \"repeat\"");
-        take();
-        std::unique_ptr<RepeatStatement> made;
-        if (loop) {
-            made = std::make_unique<RepeatStatement>(StatementKind::RepeatWhile, place);
-            made->condition = expression();
-        } else {
-            made = repeatWith(place);
-        }
-        passBlock(made->body);
-        endOf("repeat", place);
-        return made;
-    }
-
-    std::unique_ptr<RepeatStatement> repeatWith(Place place) {
-        auto counter = variable(expectName("the name of a variable after \"with\""));
-        const bool over = takeWord("in");
-        auto made = std::make_unique<RepeatStatement>(
-            over ? StatementKind::RepeatIn : StatementKind::RepeatWith, place);
-        made->variable = std::move(counter);
-        if (over) {
-            made->list = expression();
-            return made;
-        }
-        if (!takeMark("=")) fail("\"=\" or \"in\" after the variable");
-        made->from = expression();
-        made->down = takeWord("down");
-        expectWord("to", made->down ? "\"down\"" : "the first number");
-        made->to = expression();
-        return made;
-    }
-
-    StatementPointer choice() {
-        auto made = std::make_unique<CaseStatement>(StatementKind::Case, take().place);
-        made->subject = expression();
-        expectWord("of", "what is compared");
-        passLineEnds();
-        const int outer = std::exchange(inCase_, 1);
-        while (!here().isWord("end") && !here().isWord("otherwise")) {
-            if (!atLabel()) fail("a value and \":\", \"otherwise\" or \"end case\"");
-            CaseStatement::Branch& branch = made->branches.emplace_back();
-            do branch.labels.push_back(expression());
-            while (takeMark(","));
-            expectMark(":", "the value");
-            branch.body = caseBody();
-        }
-        if (takeWord("otherwise")) {
-            takeMark(":");
-            made->otherwise = caseBody();
-        }
-        inCase_ = outer;
-        endOf("case", made->place);
-        return made;
-    }
-
-    Block caseBody() {
-        Block body;
-        if (!here().endsLine()) statementInto(body);
-        passLineEnds();
-        Block more = block();
-        std::move(more.begin(), more.end(), std::back_inserter(body));
-        return body;
-    }
-
-    /// Whether a line of a `case` is a label: it has a colon outside brackets, or is `otherwise`.
-    bool atLabel() const {
-        if (here().isWord("otherwise")) return true;
-        int open = 0;
-        for (size_t i = 0; !ahead(i).endsLine(); ++i) {
-            if (ahead(i).isMark("(") || ahead(i).isMark("[")) ++open;
-            if (ahead(i).isMark(")") || ahead(i).isMark("]")) --open;
-            if (open == 0 && ahead(i).isMark(":")) return true;
-        }
-        return false;
-    }
-
-    StatementPointer giveBack() {
-        auto made = std::make_unique<ExpressionStatement>(StatementKind::Return, take().place);
-        if (!endsStatement()) made->expression = expression();
-        return made;
-    }
-
-    StatementPointer exit() {
-        const Place place = take().place;
-        return std::make_unique<Statement>(
-            takeWord("repeat") ? StatementKind::ExitRepeat : StatementKind::Exit, place);
-    }
-
-    StatementPointer nextRepeat() {
-        const Place place = take().place;
-        expectWord("repeat", "\"next\"");
-        return std::make_unique<Statement>(StatementKind::NextRepeat, place);
-    }
-
-    StatementPointer removal() {
-        auto made = std::make_unique<ExpressionStatement>(StatementKind::Delete, take().place);
-        const Place place = here().place;
-        made->expression = accessPath();
-        if (made->expression->kind != ExpressionKind::Chunk) failAt(place, "expected a chunk to delete");
-        return made;
-    }
-
     /// Tells every variable whose it is, once all declarations of the script are known.
     void resolveScopes() {
         const auto declared = [](const std::vector<SymbolId>& names, SymbolId name) {
@@ -461,9 +114,6 @@ private:
     }
 
     std::vector<Unresolved> unresolved_;
-    std::vector<SymbolId> handlerGlobals_;
-    int blocks_ = 0;
-    int inCase_ = 0;
 };
 
 }  // namespace
