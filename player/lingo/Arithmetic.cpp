@@ -1,5 +1,6 @@
 #include "player/lingo/Arithmetic.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -107,10 +108,13 @@ private:
         return shaped(isSequence(a) ? a : b, std::move(results));
     }
 
+    /// A point or rect has nothing but numbers: what else comes of one is a list.
     Value shaped(const Value& like, std::vector<Value> results) const {
-        if (like.is(Kind::Point) && results.size() == 2)
+        const bool numbers =
+            std::all_of(results.begin(), results.end(), [](const Value& one) { return one.isNumber(); });
+        if (numbers && like.is(Kind::Point) && results.size() == 2)
             return runtime_.heap.make<PointObject>(std::array<Value, 2>{results[0], results[1]});
-        if (like.is(Kind::Rect) && results.size() == 4)
+        if (numbers && like.is(Kind::Rect) && results.size() == 4)
             return runtime_.heap.make<RectObject>(
                 std::array<Value, 4>{results[0], results[1], results[2], results[3]});
         Value list = runtime_.heap.make<ListObject>();

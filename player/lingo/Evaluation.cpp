@@ -111,7 +111,21 @@ Value Interpreter::property(const Value& object, SymbolId name, Place place) {
         if (const auto* entry = findEntry(symbols, *list, Value::symbol(name))) return entry->value;
     if (const Value* found = instanceProperty(object, name)) return *found;
     if (const PropertyEntry* entry = propertyOf(object.kind(), name)) return entry->read(*this, object);
+    if (const Builtin* function = functionAsProperty(object.kind(), name))
+        return callBuiltin(*function, {&object, 1});
     unknownProperty(object, name);
+}
+
+/// A function of one number, text or symbol may be written as its property: `"12".integer`.
+const Builtin* Interpreter::functionAsProperty(Kind kind, SymbolId name) const {
+    const Builtin* known = builtin(name);
+    const bool plain =
+        kind == Kind::Integer || kind == Kind::Float || kind == Kind::Symbol || kind == Kind::String;
+    if (!known || !plain || known->least != 1) return nullptr;
+    for (const auto& family : {mathBuiltins(), textBuiltins()})
+        for (const Builtin& entry : family)
+            if (&entry == known) return known;
+    return nullptr;
 }
 
 Value* Interpreter::instanceProperty(const Value& object, SymbolId name) {

@@ -96,7 +96,8 @@ Value* entryOf(Runtime& runtime, const Value& list, const char* name) {
     return entry ? const_cast<Value*>(&entry->value) : nullptr;
 }
 
-/// `fill(rect, colour)`, `fill(left, top, right, bottom, colour)`; a list may stand for the colour.
+/// `fill(rect, colour)`, `fill(left, top, right, bottom, colour)`; a list may stand for the colour, and
+/// name the one shape that there is.
 Value fill(Runtime& runtime, const Arguments& arguments) {
     auto& picture = arguments.object<ImageObject>(0);
     const bool byRect = arguments[1].is(Kind::Rect);
@@ -106,6 +107,9 @@ Value fill(Runtime& runtime, const Arguments& arguments) {
                                         arguments.integer(4)};
     const Value* listed = entryOf(runtime, arguments[last], "color");
     if (listed && !listed->is(Kind::Colour)) arguments.mismatch(last, "a list with a colour under #color");
+    const Value* shape = entryOf(runtime, arguments[last], "shapeType");
+    if (shape && !(shape->is(Kind::Symbol) && shape->symbol() == runtime.symbols.identifier("rect")))
+        throw HostError("fill: expected the #shapeType #rect, not " + shownText(runtime.style(), *shape));
     const Colour colour = listed ? listed->colour() : arguments.colour(last);
     area = area.within(boundsOf(picture));
     for (int64_t y = area.top; y < area.bottom; ++y)
@@ -139,6 +143,14 @@ CopyOptions copyOptions(Runtime& runtime, const Arguments& arguments) {
         options.mask = mask->as<ImageObject>();
         if (!options.mask)
             throw HostError("copyPixels: expected an image under #maskImage, not " + kindName(mask->kind()));
+    }
+    if (const Value* offset = entryOf(runtime, arguments[4], "maskOffset")) {
+        const auto* point = offset->as<PointObject>();
+        if (!point)
+            throw HostError("copyPixels: expected a point under #maskOffset, not " +
+                            kindName(offset->kind()));
+        options.maskX = number(point->values[0], "maskOffset");
+        options.maskY = number(point->values[1], "maskOffset");
     }
     return options;
 }

@@ -37,6 +37,13 @@ std::vector<int32_t> sourcePlaces(int64_t to, int64_t toLength, int64_t from, in
     return places;
 }
 
+/// How much of the source's pixel at this place the mask lets through.
+int32_t maskLevel(const CopyOptions& options, int32_t x, int32_t y) {
+    const int64_t maskX = int64_t{x} - options.maskX, maskY = int64_t{y} - options.maskY;
+    if (!options.mask->holds(maskX, maskY)) return 0;
+    return options.mask->bitmap.row(static_cast<int32_t>(maskY))[maskX].blue;
+}
+
 Value copyOfPart(Runtime& runtime, const ImageObject& image, const PixelRect& part) {
     Value made = makeImage(runtime.heap, part.width(), part.height(), image.depth);
     auto& copy = *made.as<ImageObject>();
@@ -93,10 +100,7 @@ void copyPixels(ImageObject& target, const ImageObject& source, const PixelRect&
             const Pixel& pixel = pixels.row(sourceY)[sourceX];
             if (options.leaveOutWhite && isWhite(pixel)) continue;
             int32_t strength = sourceAlpha ? scaled(pixel.alpha, options.blendLevel) : options.blendLevel;
-            if (options.mask)
-                strength = options.mask->holds(sourceX, sourceY)
-                               ? scaled(strength, options.mask->bitmap.row(sourceY)[sourceX].blue)
-                               : 0;
+            if (options.mask) strength = scaled(strength, maskLevel(options, sourceX, sourceY));
             layOver(out[x], pixel, strength, targetAlpha);
         }
     }

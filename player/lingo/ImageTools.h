@@ -27,7 +27,8 @@ Value cropImage(Runtime& runtime, const ImageObject& image, const PixelRect& par
 struct CopyOptions {
     int32_t blendLevel = 255;
     bool leaveOutWhite = false;         ///< ink 36
-    const ImageObject* mask = nullptr;  ///< of the source's size: its bytes scale the blend
+    const ImageObject* mask = nullptr;  ///< its bytes scale the blend
+    int32_t maskX = 0, maskY = 0;       ///< where it lies over the source
 };
 /// Copies a part of `source`, stretched to fit, over a part of `target`; alpha counts where the
 /// source uses it.

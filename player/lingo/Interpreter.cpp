@@ -50,10 +50,12 @@ std::shared_ptr<const Source> scriptSource(const std::filesystem::path& file) {
 }
 
 void writeLines(std::ostream& out, std::string_view text) {
+    std::string lines;
     for (size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
-        out.put(text[i] == '\r' ? '\n' : text[i]);
+        lines += text[i] == '\r' ? '\n' : text[i];
     }
+    out << lines;  // at once: a terminal is told after each output
 }
 
 Interpreter::Interpreter(EmbeddedHost& embedded, Xtra& plugIn, const SessionOptions& options)

@@ -109,6 +109,7 @@ private:
     Value callBuiltin(const Builtin& builtin, std::span<const Value> arguments);
     const Builtin* builtin(SymbolId name) const;
     const PropertyEntry* propertyOf(Kind kind, SymbolId name) const;
+    const Builtin* functionAsProperty(Kind kind, SymbolId name) const;
     [[noreturn]] void unknownCall(SymbolId name, std::span<const Value> arguments, bool asMethod);
     [[noreturn]] void unknownVariable(const VariableExpression& expression);
     [[noreturn]] void unknownProperty(const Value& object, SymbolId name);

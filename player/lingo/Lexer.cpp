@@ -14,6 +14,9 @@ bool isNameStart(char letter) {
 }
 bool isNamePart(char letter) { return isNameStart(letter) || isDigit(letter); }
 
+/// Second byte of the blank that does not break, which texts from the web are full of, in UTF-8.
+constexpr char kNoBreak = '\xA0';
+
 class Lexer {
 public:
     explicit Lexer(const Source& source) : source_(source), text_(source.text) {}
@@ -46,11 +49,13 @@ private:
         const char letter = peek();
         if (letter == ' ' || letter == '\t')
             ++at_;
+        else if (letter == '\xC2' && peek(1) == kNoBreak)
+            at_ += 2;
         else if (letter == '\n' || letter == '\r')
             endLine();
         else if (letter == '-' && peek(1) == '-')
             skipComment();
-        else if (letter == '\\')
+        else if (continuationBytes() > 0)
             continueLine();
         else if (letter == '"')
             takeString();
@@ -80,8 +85,17 @@ private:
         passLineEnd();
     }
 
+    /// Length of a mark that continues a line, 0 for none: a backslash, or the sign for "not" of
+    /// older scripts, as UTF-8 and as the editors of either system stored it.
+    size_t continuationBytes() const {
+        if (peek() == '\\' || peek() == '\xAC') return 1;
+        if (peek() != '\xC2') return 0;
+        return peek(1) == '\xAC' ? 2 : peek(1) != kNoBreak;
+    }
+
     void continueLine() {
-        const size_t begin = at_++;
+        const size_t begin = at_;
+        at_ += continuationBytes();
         while (peek() == ' ' || peek() == '\t') ++at_;
         if (peek() == '-' && peek(1) == '-') skipComment();
         if (at_ < text_.size() && peek() != '\n' && peek() != '\r')

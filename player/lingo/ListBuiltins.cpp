@@ -3,6 +3,7 @@
 #include "player/host/Compare.h"
 #include "player/host/HostError.h"
 #include "player/lingo/Arithmetic.h"
+#include "player/lingo/Chunks.h"
 #include "player/lingo/ImageTools.h"
 
 /// Linear and property lists.
@@ -51,7 +52,7 @@ const Value& keyOf(const Entry& entry) { return entry.key; }
 
 Value count(Runtime&, const Arguments& arguments) {
     if (const auto* text = arguments[0].as<StringObject>())
-        return Value::integer(static_cast<int32_t>(text->text.size()));
+        return Value::integer(countChunks(text->text, ChunkKind::Char, ','));
     return Value::integer(static_cast<int32_t>(countOf(arguments[0])));
 }
 
@@ -354,6 +355,16 @@ void setEntry(Runtime& runtime, PropertyListObject& list, const Value& key, cons
     runtime.heap.recount(list);
 }
 
+namespace {
+
+const Value& coordinate(const Value& value) {
+    if (!value.isNumber())
+        throw HostError("expected a number for a coordinate, not " + kindName(value.kind()));
+    return value;
+}
+
+}  // namespace
+
 void setElement(Runtime& runtime, const Value& object, const Value& index, const Value& value) {
     if (auto* properties = object.as<PropertyListObject>()) {
         if (!index.isInteger()) return setEntry(runtime, *properties, index, value);
@@ -363,9 +374,9 @@ void setElement(Runtime& runtime, const Value& object, const Value& index, const
         lengthen(runtime, *list, place + 1);
         list->items[place] = value;
     } else if (auto* point = object.as<PointObject>()) {
-        point->values[placeIn(PointObject::kCount, numberOf(index), "point")] = value;
+        point->values[placeIn(PointObject::kCount, numberOf(index), "point")] = coordinate(value);
     } else if (auto* rect = object.as<RectObject>()) {
-        rect->values[placeIn(RectObject::kCount, numberOf(index), "rect")] = value;
+        rect->values[placeIn(RectObject::kCount, numberOf(index), "rect")] = coordinate(value);
     } else {
         throw HostError("expected a list before the brackets, not " + kindName(object.kind()));
     }

@@ -21,10 +21,11 @@ Value absolute(Runtime& runtime, const Arguments& arguments) {
     return runtime.heap.number(std::fabs(arguments.number(0)));
 }
 
-/// The root of an integer is rounded to one.
+/// The root of an integer is rounded to one, if it has a root.
 Value squareRoot(Runtime& runtime, const Arguments& arguments) {
     const double root = std::sqrt(arguments.number(0));
-    return arguments[0].isInteger() ? Value::integer(rounded(root)) : runtime.heap.number(root);
+    const bool whole = arguments[0].isInteger() && !std::isnan(root);
+    return whole ? Value::integer(rounded(root)) : runtime.heap.number(root);
 }
 
 Value arcTangent(Runtime& runtime, const Arguments& arguments) {

@@ -19,6 +19,7 @@ struct Settings {
     int floatPrecision = 4;
     char itemDelimiter = ',';
     int32_t randomSeed = 1;
+    int64_t timerStart = 0;  ///< in milliseconds
 };
 
 /// What built-in functions work with: the host, the settings, the files, and a way back into

@@ -106,21 +106,35 @@ void setRandomSeed(Runtime& runtime, const Value&, const Value& value) {
     runtime.settings.randomSeed = wholeOf(value, "randomSeed");
 }
 
+Value startTimer(Runtime& runtime, const Arguments&) {
+    runtime.settings.timerStart = milliseconds();
+    return Value();
+}
+
 Value integerOf(int64_t number) {
     return Value::integer(static_cast<int32_t>(static_cast<uint32_t>(number)));
 }
 
+Value ticksSince(int64_t start) { return integerOf((milliseconds() - start) * 60 / 1000); }
+
 constexpr Builtin kBuiltins[] = {
-    {"alert", 1, 1, alert},          {"halt", 0, 0, halt},
-    {"abort", 0, 0, halt},           {"xtra", 1, 1, xtraNamed},
-    {"script", 1, 1, scriptNamed},   {"member", 1, 2, memberNamed},
-    {"new", 1, kAnyNumber, makeNew}, {"call", 2, kAnyNumber, call},
-    {"param", 1, 1, parameter},      {"clearGlobals", 0, 0, clearGlobals},
+    {"alert", 1, 1, alert},
+    {"halt", 0, 0, halt},
+    {"abort", 0, 0, halt},
+    {"xtra", 1, 1, xtraNamed},
+    {"script", 1, 1, scriptNamed},
+    {"member", 1, 2, memberNamed},
+    {"new", 1, kAnyNumber, makeNew},
+    {"call", 2, kAnyNumber, call},
+    {"param", 1, 1, parameter},
+    {"clearGlobals", 0, 0, clearGlobals},
+    {"startTimer", 0, 0, startTimer},
 };
 
 constexpr PropertyEntry kProperties[] = {
     {Kind::Void, "milliseconds", [](Runtime&, const Value&) { return integerOf(milliseconds()); }, nullptr},
-    {Kind::Void, "ticks", [](Runtime&, const Value&) { return integerOf(milliseconds() * 60 / 1000); },
+    {Kind::Void, "ticks", [](Runtime&, const Value&) { return ticksSince(0); }, nullptr},
+    {Kind::Void, "timer", [](Runtime& r, const Value&) { return ticksSince(r.settings.timerStart); },
      nullptr},
     {Kind::Void, "time", [](Runtime& r, const Value&) { return now(r, "%H:%M"); }, nullptr},
     {Kind::Void, "date", [](Runtime& r, const Value&) { return now(r, "%Y-%m-%d"); }, nullptr},

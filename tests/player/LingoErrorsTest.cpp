@@ -137,6 +137,17 @@ TEST(LingoErrors, WrongKindsOfValues) {
     EXPECT_EQ(failureOf("  img = image(2, 2, 32)\n  img.width = 3"),
               "3:7 the property \"width\" of an image cannot be set");
     EXPECT_EQ(failureOf("  put getProp([#a: 1], #b)"), "2:7 the list has no property #b");
+    EXPECT_EQ(failureOf("  p = point(1, 2)\n  p[1] = \"x\""),
+              "3:4 expected a number for a coordinate, not a string");
+    EXPECT_EQ(failureOf("  r = rect(1, 2, 3, 4)\n  setAt(r, 4, [])"),
+              "3:3 expected a number for a coordinate, not a list");
+    EXPECT_EQ(failureOf("  x = [1].integer"), "2:11 a list has no property \"integer\"");
+    EXPECT_EQ(failureOf("  x = \"a\".alert"), "2:11 a string has no property \"alert\"");
+    const std::string image = "  i = image(2, 2, 32)\n";
+    EXPECT_EQ(failureOf(image + "  i.fill(i.rect, [#shapeType: #oval, #color: rgb(1, 2, 3)])"),
+              "3:5 fill: expected the #shapeType #rect, not #oval");
+    EXPECT_EQ(failureOf(image + "  i.copyPixels(i, i.rect, i.rect, [#maskImage: i, #maskOffset: 1])"),
+              "3:5 copyPixels: expected a point under #maskOffset, not an integer");
 }
 
 TEST(LingoErrors, RecursionIsBounded) {

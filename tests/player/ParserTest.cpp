@@ -64,6 +64,20 @@ TEST_F(Parsing, VariablesKnowWhoseTheyAre) {
         << "declared in another handler alone";
 }
 
+/// As each editor of its time stored it.
+TEST_F(Parsing, OlderScriptsContinueALineWithTheSignForNot) {
+    for (const char* mark : {"\\", "\xC2\xAC", "\xAC", "\xC2"})
+        for (const char* end : {"\n", "\r\n", "  \r", " -- why\n"}) {
+            const Handler& made = handler(std::string("  x = 1 + ") + mark + end + "  2");
+            EXPECT_EQ(made.body.size(), 1u) << mark << end;
+        }
+    EXPECT_THROW(handler("  x = 1 \xC2\xAC + 2"), ScriptError);
+}
+
+TEST_F(Parsing, BlanksThatDoNotBreakAreBlanks) {
+    EXPECT_EQ(handler("\xC2\xA0 x\xC2\xA0= 1\xC2\xA0").body.size(), 1u);
+}
+
 TEST_F(Parsing, LineEndsOfEveryKindCountOnce) {
     const std::string lines[] = {"on main", "  put 1", "  put ?", "end", ""};
     for (const char* end : {"\n", "\r", "\r\n"}) {

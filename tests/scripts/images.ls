@@ -40,6 +40,12 @@ on main
   target.useAlpha = FALSE
   white.copyPixels(target, white.rect, rect(0, 0, 1, 1))
   put white.getPixel(0, 0)
+  -- A mask of one pixel lies where its offset says; beyond it nothing is copied.
+  dark = image(3, 1, 32)
+  dark.fill(dark.rect, rgb(0, 0, 0))
+  row = image(3, 1, 32)
+  row.copyPixels(dark, row.rect, dark.rect, [#maskImage: image(1, 1, 8), #maskOffset: point(1, 0)])
+  put rowOf(row, 0)
   other.save("other.pam")
   put image("other.pam").getPixel(0, 0)
 end
