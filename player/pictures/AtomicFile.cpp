@@ -14,8 +14,9 @@ namespace krl::player {
 
 namespace {
 
-/// Names of the files that are being written, where a signal handler can read them.
-constexpr size_t kSlots = 64, kNameBytes = 4096;
+/// Names of the files that are being written, where a signal handler can read them: one for each of
+/// as many jobs as the command line allows.
+constexpr size_t kSlots = 256, kNameBytes = 4096;
 struct Unfinished {
     std::atomic<bool> taken = false, written = false;
     char name[kNameBytes];
@@ -41,12 +42,13 @@ void forget(const std::string& name) {
     }
 }
 
-/// A name beside `target` that no other writer has: hidden, with the same extension.
+/// A name beside `target` that no other writer has: hidden, with the same extension, and short, since
+/// the target's own may be as long as a name can be.
 std::filesystem::path temporaryName(const std::filesystem::path& target) {
     static std::atomic<uint32_t> count = 0;
     const auto ticks = std::chrono::steady_clock::now().time_since_epoch().count();
     const std::string mark = std::to_string(ticks) + "-" + std::to_string(++count);
-    return target.parent_path() / ("." + target.stem().string() + "." + mark + target.extension().string());
+    return target.parent_path() / ("." + mark + target.extension().string());
 }
 
 }  // namespace

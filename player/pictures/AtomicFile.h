@@ -16,6 +16,8 @@ public:
 
     /// Where to write; it has the target's extension.
     const std::filesystem::path& path() const { return temporary_; }
+    /// Where it goes, as messages name it.
+    const std::filesystem::path& target() const { return target_; }
     void commit();
 
 private:

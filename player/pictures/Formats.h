@@ -1,5 +1,6 @@
 #pragma once
 
+#include "player/pictures/AtomicFile.h"
 #include "player/pictures/Picture.h"
 
 /// The formats behind `readPicture` and `writePicture`.
@@ -10,10 +11,10 @@ void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_
 
 /// Portable arbitrary map, `P7` with `RGB_ALPHA`: read and written without any library.
 Bitmap readPam(const std::filesystem::path& path);
-void writePam(const std::filesystem::path& path, const Bitmap& picture);
+void writePam(const AtomicFile& file, const Bitmap& picture);
 
 /// PNG, JPEG, TIFF and WebP, in builds with libvips.
 Bitmap readWithVips(const std::filesystem::path& path);
-void writeWithVips(const std::filesystem::path& path, const Bitmap& picture, const WriteOptions& options);
+void writeWithVips(const AtomicFile& file, const Bitmap& picture, const WriteOptions& options);
 
 }  // namespace krl::player

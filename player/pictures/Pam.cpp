@@ -70,8 +70,8 @@ Bitmap readPam(const std::filesystem::path& path) {
     return picture;
 }
 
-void writePam(const std::filesystem::path& path, const Bitmap& picture) {
-    std::ofstream file(path, std::ios::binary);
+void writePam(const AtomicFile& place, const Bitmap& picture) {
+    std::ofstream file(place.path(), std::ios::binary);
     file << "P7\nWIDTH " << picture.width << "\nHEIGHT " << picture.height
          << "\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n";
     std::vector<Pixel> row(size_t(picture.width));
@@ -81,7 +81,7 @@ void writePam(const std::filesystem::path& path, const Bitmap& picture) {
         file.write(reinterpret_cast<const char*>(row.data()), std::streamsize(row.size() * sizeof(Pixel)));
     }
     file.flush();
-    if (!file) throw PictureError("cannot write " + path.string() + ": " + std::strerror(errno));
+    if (!file) throw PictureError("cannot write " + place.target().string() + ": " + std::strerror(errno));
 }
 
 }  // namespace krl::player

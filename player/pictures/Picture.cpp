@@ -5,7 +5,6 @@
 #include <cstring>
 #include <fstream>
 
-#include "player/pictures/AtomicFile.h"
 #include "player/pictures/Formats.h"
 
 namespace krl::player {
@@ -28,12 +27,18 @@ std::string lowerExtension(const std::filesystem::path& path) {
 }
 
 bool beginsAsPam(const std::filesystem::path& path) {
-    errno = 0;
+    const auto refuse = [&path](const char* why) {
+        throw PictureError("cannot read " + path.string() + ": " + why);
+    };
+    std::error_code failed;
+    const std::filesystem::file_status status = std::filesystem::status(path, failed);
+    if (std::filesystem::is_directory(status)) refuse("it is a folder");
+    // A second look, as formats want it, would find a pipe empty.
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        refuse("a picture is read from a file, not from a pipe or device");
     std::ifstream file(path, std::ios::binary);
+    if (!file) refuse(std::strerror(errno));
     char start[2] = {};
-    if (!file || std::filesystem::is_directory(path))
-        throw PictureError("cannot read " + path.string() + ": " +
-                           (errno != 0 ? std::strerror(errno) : "it is a folder"));
     file.read(start, 2);
     return start[0] == 'P' && start[1] == '7';
 }
@@ -69,10 +74,10 @@ void writePicture(const std::filesystem::path& path, const Bitmap& picture, cons
     requirePictureSize(path, picture.width, picture.height);
     AtomicFile file(path);
     if (lowerExtension(path) == ".pam") {
-        writePam(file.path(), picture);
+        writePam(file, picture);
     } else {
 #if defined(KRL_WITH_VIPS)
-        writeWithVips(file.path(), picture, options);
+        writeWithVips(file, picture, options);
 #else
         static_cast<void>(options);
 #endif

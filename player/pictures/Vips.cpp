@@ -22,10 +22,13 @@ void startVips() {
     });
 }
 
-/// The first line of what libvips says of its last failure.
+/// What libvips says of its last failure: the system's own words where it has them, else its first line.
 std::string vipsReason() {
     std::string reason = vips_error_buffer();
     vips_error_clear();
+    constexpr std::string_view mark = "unix error: ";
+    const size_t system = reason.find(mark);
+    if (system != std::string::npos) reason.erase(0, system + mark.size());
     reason = reason.substr(0, reason.find('\n'));
     return reason.empty() ? "unknown failure" : reason;
 }
@@ -81,8 +84,40 @@ bool isColour(VipsInterpretation kind) {
            kind == VIPS_INTERPRETATION_RGB16;
 }
 
+bool isFloat(VipsImage* image) {
+    const VipsBandFormat format = vips_image_get_format(image);
+    return format == VIPS_FORMAT_FLOAT || format == VIPS_FORMAT_DOUBLE;
+}
+
+/// Floats of compositing programs, to bytes: light is linear, and 1 is white and opaque.
+int bytesOfFloats(VipsImage* in, VipsImage** out) {
+    const int bands = vips_image_get_bands(in), colours = bands < 3 ? 1 : 3;
+    auto* steps = VIPS_OBJECT(vips_image_new());  // holds what comes in between
+    auto** step = reinterpret_cast<VipsImage**>(vips_object_local_array(steps, 6));
+    const auto made = [&]() -> int {
+        if (vips_extract_band(in, &step[0], 0, "n", colours, nullptr)) return -1;
+        VipsImage* grey[] = {step[0], step[0], step[0]};
+        if (vips_bandjoin(grey, &step[1], 3, nullptr)) return -1;
+        VipsImage* light = colours == 1 ? step[1] : step[0];
+        if (vips_copy(light, &step[2], "interpretation", VIPS_INTERPRETATION_scRGB, nullptr)) return -1;
+        const bool opaque = bands == colours;
+        if (vips_colourspace(step[2], opaque ? out : &step[3], VIPS_INTERPRETATION_sRGB, nullptr)) return -1;
+        if (opaque) return 0;
+        if (vips_extract_band(in, &step[4], colours, nullptr)) return -1;
+        // A half more, since what follows truncates.
+        if (vips_linear1(step[4], &step[5], 255.0, 0.5, "uchar", TRUE, nullptr)) return -1;
+        return vips_bandjoin2(step[3], step[5], out, nullptr);
+    };
+    const int status = made();
+    g_object_unref(steps);
+    return status;
+}
+
 /// Brings any image to bytes of red, green, blue and alpha. 16-bit samples keep their high byte.
 void convertToBytes(Chain& chain, const std::string& doing) {
+    const VipsInterpretation read = vips_image_guess_interpretation(chain.get());
+    const bool light = isGrey(read) || isColour(read) || read == VIPS_INTERPRETATION_scRGB;
+    if (light && isFloat(chain.get())) chain.then(doing, bytesOfFloats);
     const VipsInterpretation kind = vips_image_guess_interpretation(chain.get());
     if (kind == VIPS_INTERPRETATION_CMYK)
         chain.then(doing, [](VipsImage* in, VipsImage** out) {
@@ -195,9 +230,9 @@ Bitmap readWithVips(const std::filesystem::path& path) {
     return picture;
 }
 
-void writeWithVips(const std::filesystem::path& path, const Bitmap& picture, const WriteOptions& options) {
+void writeWithVips(const AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
     startVips();
-    const std::string doing = "write " + path.string();
+    const std::string doing = "write " + file.target().string();
     std::vector<Pixel> samples = picture.pixels;
     for (Pixel& p : samples) std::swap(p.blue, p.red);
     VipsImage* wrapped = vips_image_new_from_memory(samples.data(), samples.size() * sizeof(Pixel),
@@ -212,7 +247,7 @@ void writeWithVips(const std::filesystem::path& path, const Bitmap& picture, con
                          "yres", yres > 0 ? yres : 1.0, nullptr);
     });
     attachMetadata(chain.get(), metadata);
-    const Format format = formatOf(path);
+    const Format format = formatOf(file.path());
     const bool opaque = std::all_of(picture.pixels.begin(), picture.pixels.end(),
                                     [](const Pixel& p) { return p.alpha == 255; });
     if (opaque)
@@ -226,7 +261,7 @@ void writeWithVips(const std::filesystem::path& path, const Bitmap& picture, con
             vips_area_unref(VIPS_AREA(white));
             return status;
         });
-    if (save(chain.get(), path.string().c_str(), format, options))
+    if (save(chain.get(), file.path().string().c_str(), format, options))
         throw PictureError("cannot " + doing + ": " + vipsReason());
 }
 

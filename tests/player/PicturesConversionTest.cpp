@@ -35,6 +35,41 @@ TEST_F(Conversion, KeepsTheHighByteOfSixteenBits) {
               (std::vector<Pixel>{opaque(0x40, 0x40, 0x40), opaque(0xfe, 0xfe, 0xfe)}));
 }
 
+/// A TIFF of floats, one row of `channels` samples a pixel; 2 and 4 have alpha.
+std::string floatTiff(int channels, const std::vector<float>& samples) {
+    const auto entry = [](int tag, int type, int count, int value) {
+        return bytes({tag & 255, tag >> 8, type, 0, count, 0, 0, 0, value & 255, value >> 8, 0, 0});
+    };
+    const bool alpha = channels % 2 == 0;
+    const int entries = 11 + alpha, size = static_cast<int>(samples.size()) * 4;
+    const int formatsAt = 8 + 2 + entries * 12 + 4, bitsAt = formatsAt + 2 * 4, pixelsAt = bitsAt + 2 * 4;
+    // Up to two short values stand in the entry itself: all are the same, so one word holds them.
+    const auto each = [&](int tag, int value, int place) {
+        if (channels > 2) return entry(tag, 3, channels, place);
+        return bytes({tag & 255, tag >> 8, 3, 0, channels, 0, 0, 0, value, 0, value, 0});
+    };
+    std::string file = bytes({'I', 'I', 42, 0, 8, 0, 0, 0, entries, 0});
+    file += entry(256, 3, 1, static_cast<int>(samples.size()) / channels) + entry(257, 3, 1, 1);
+    file += each(258, 32, bitsAt) + entry(259, 3, 1, 1) + entry(262, 3, 1, channels > 2 ? 2 : 1);
+    file += entry(273, 4, 1, pixelsAt) + entry(277, 3, 1, channels) + entry(278, 3, 1, 1);
+    file += entry(279, 4, 1, size) + entry(284, 3, 1, 1);
+    if (alpha) file += entry(338, 3, 1, 2);
+    file += each(339, 3, formatsAt) + bytes({0, 0, 0, 0, 3, 0, 3, 0, 3, 0, 3, 0, 32, 0, 32, 0, 32, 0, 32, 0});
+    return file.append(reinterpret_cast<const char*>(samples.data()), size_t(size));
+}
+
+/// Linear 0.2158605 is the level 128 of a screen.
+TEST_F(Conversion, TakesFloatsForLinearLightAndOneForOpaque) {
+    EXPECT_EQ(pixelsOf("rgb.tif", floatTiff(3, {0, 1, 0.2158605F, 2, -1, 1})),
+              (std::vector<Pixel>{opaque(0, 255, 128), opaque(255, 0, 255)}));
+    EXPECT_EQ(pixelsOf("rgba.tif", floatTiff(4, {1, 0, 0, 0.5F, 0, 0, 1, 1, 0, 1, 0, 0})),
+              (std::vector<Pixel>{{0, 0, 255, 128}, {255, 0, 0, 255}, {0, 255, 0, 0}}));
+    EXPECT_EQ(pixelsOf("grey.tif", floatTiff(1, {0, 0.2158605F, 1})),
+              (std::vector<Pixel>{opaque(0, 0, 0), opaque(128, 128, 128), opaque(255, 255, 255)}));
+    EXPECT_EQ(pixelsOf("greya.tif", floatTiff(2, {1, 0.5F, 0, 1})),
+              (std::vector<Pixel>{{255, 255, 255, 128}, {0, 0, 0, 255}}));
+}
+
 /// A TIFF of 3 by 1 pixels, red, green and blue, that is to be turned as EXIF orientation says.
 std::string turnedTiff(int orientation) {
     const auto entry = [](int tag, int type, int count, int value) {

@@ -1,8 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+
+#if !defined(_WIN32)
+#include <sys/resource.h>
+#endif
 
 #include "core/Random.h"
 #include "player/pictures/AtomicFile.h"
@@ -140,6 +145,53 @@ TEST_F(Pictures, LeaveAnOlderFileWholeWhenWritingFails) {
     EXPECT_EQ(text.str(), "old");
     EXPECT_EQ(filesInFolder(), 1u);
 }
+
+TEST_F(Pictures, MayHaveTheLongestNamesThatThereAre) {
+    const std::string name = std::string(251, 'n') + ".pam";
+    writePicture(folder / name, noise(2, 2));
+    EXPECT_EQ(readPicture(folder / name).width, 2);
+}
+
+#if !defined(_WIN32)
+/// No file may grow beyond so many bytes while this lives, as on a full disk.
+class FullDisk {
+public:
+    explicit FullDisk(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit small{bytes, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+    }
+    ~FullDisk() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, handler_);
+    }
+
+private:
+    rlimit before_{};
+    void (*handler_)(int);
+};
+
+TEST_F(Pictures, TellByTheirOwnNamesWhyTheyCannotBeWritten) {
+    for (const char* name : {"a.pam", "b.png", "c.jpg", "d.tif", "e.webp"}) {
+        if (!isPictureName(name)) continue;
+        std::string told;
+        try {
+            const FullDisk disk(4096);
+            writePicture(folder / name, noise(200, 200));
+        } catch (const PictureError& error) {
+            told = error.what();
+        }
+        EXPECT_EQ(told, "cannot write " + (folder / name).string() + ": File too large");
+    }
+    EXPECT_EQ(filesInFolder(), 0u);
+}
+
+TEST_F(Pictures, AreReadFromFilesAlone) {
+    EXPECT_EQ(failureOf("/dev/null"),
+              "cannot read /dev/null: a picture is read from a file, not from a pipe or device");
+    EXPECT_EQ(failureOf(folder), "cannot read " + folder.string() + ": it is a folder");
+}
+#endif
 
 TEST_F(Pictures, LeaveNothingWhenWritingIsGivenUpOrInterrupted) {
     { const AtomicFile given(folder / "given.pam"); }
