@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <cctype>
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -107,13 +109,23 @@ int tellAll(const std::vector<BatchItem>& items, const std::vector<PictureReport
     return failed > 0 ? 1 : 0;
 }
 
+/// A lone name that nothing has: a method as likely as a folder, and told before anything is written.
+void refuseUnknownName(const std::string& word) {
+    const bool lone = std::all_of(word.begin(), word.end(),
+                                  [](unsigned char letter) { return std::isalnum(letter) || letter == '_'; });
+    if (lone && !fs::exists(word))
+        throw CommandError("there is no picture, folder or method \"" + word + '"' + methodMeantBy(word));
+}
+
 void splitWords(const std::vector<std::string>& words, std::vector<fs::path>& inputs,
                 std::vector<ChainCall>& chain) {
     for (const std::string& word : words) {
-        if (looksLikeCall(word))
+        if (looksLikeCall(word)) {
             chain.emplace_back(word);
-        else
-            inputs.emplace_back(word);
+            continue;
+        }
+        refuseUnknownName(word);
+        inputs.emplace_back(word);
     }
 }
 

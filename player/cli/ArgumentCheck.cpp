@@ -96,6 +96,12 @@ bool isChoice(const Argument& argument, const std::string& symbol) {
         [&](const host::SymbolChoice& choice) { return folded(choice.name) == folded(symbol.substr(1)); });
 }
 
+/// On a command line no name has a value: most likely a symbol lacks its mark.
+std::string complaintAboutName(const Argument& argument, const std::string& name) {
+    return std::string(argument.name) + " is " + name + ", a name without a value, wanted is " +
+           wantedText(argument) + suggestionFor(argument, '#' + name);
+}
+
 }  // namespace
 
 std::string complaintAbout(const Argument& argument, const Expression& given, const SymbolTable& symbols) {
@@ -113,7 +119,9 @@ std::string complaintAbout(const Argument& argument, const std::string& text) {
         SymbolTable symbols;
         const auto script = parseExpression(std::make_shared<Source>(Source{"", text}), symbols);
         const Statement& answer = *script->handlers.front()->body.front();
-        return complaintAbout(argument, *static_cast<const ExpressionStatement&>(answer).expression, symbols);
+        const Expression& given = *static_cast<const ExpressionStatement&>(answer).expression;
+        return given.kind == ExpressionKind::Variable ? complaintAboutName(argument, text)
+                                                      : complaintAbout(argument, given, symbols);
     } catch (const ScriptError&) {
         return "";
     }

@@ -67,6 +67,8 @@ std::vector<BatchItem> planBatch(const std::vector<fs::path>& inputs, const Appl
     }
     if (severalWanted && fs::is_regular_file(output))
         throw UsageError(output.string() + " is a file, and several pictures need a folder");
+    if (severalWanted && isPictureName(output) && !fs::is_directory(output))
+        throw UsageError(output.string() + " names a picture, and several pictures need a folder");
     makeFolder(output);
     std::vector<BatchItem> items;
     for (const fs::path& picture : pictures)

@@ -80,13 +80,17 @@ std::string lowerCase(std::string_view text) {
 
 }  // namespace
 
-const Method& requireMethod(std::string_view name) {
-    if (const Method* method = host::findMethod(name)) return *method;
+std::string methodMeantBy(std::string_view name) {
     // Whoever wrote the prefix should not have its eight letters counted as right ones.
     constexpr std::string_view prefix = "krlimage";
     const bool prefixed = lowerCase(name.substr(0, prefix.size())) == prefix;
     const std::string_view bare = prefixed ? name.substr(prefix.size()) : name;
-    throw CommandError("there is no method " + std::string(name) + didYouMean(bare, shortMethodNames()));
+    return didYouMean(bare, shortMethodNames());
+}
+
+const Method& requireMethod(std::string_view name) {
+    if (const Method* method = host::findMethod(name)) return *method;
+    throw CommandError("there is no method " + std::string(name) + methodMeantBy(name));
 }
 
 bool isFound(const Method& method, const std::string& word) {

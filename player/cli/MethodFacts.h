@@ -19,6 +19,9 @@ std::vector<MethodGroup> methodGroups();
 /// Every method's name as the command line takes it, without `krlImage`.
 std::vector<std::string> shortMethodNames();
 
+/// `, did you mean brightness?` for a name that is near a method's, or nothing.
+std::string methodMeantBy(std::string_view name);
+
 /// The method of that name; throws `CommandError` that names the nearest one.
 const host::Method& requireMethod(std::string_view name);
 

@@ -1,4 +1,5 @@
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <iostream>
 
@@ -13,11 +14,11 @@
 
 namespace {
 
-bool errorIsTerminal() {
+bool isTerminal(std::FILE* stream) {
 #if defined(_WIN32)
-    return _isatty(_fileno(stderr)) != 0;
+    return _isatty(_fileno(stream)) != 0;
 #else
-    return isatty(STDERR_FILENO) != 0;
+    return isatty(fileno(stream)) != 0;
 #endif
 }
 
@@ -27,14 +28,29 @@ void endBySignal(int signal) {
     std::_Exit(128 + signal);
 }
 
+constexpr int kEndingSignals[] = {
+    SIGINT,
+    SIGTERM,
+#if !defined(_WIN32)
+    SIGHUP,
+#endif
+};
+
+void endCleanlyBySignals() {
+    for (const int signal : kEndingSignals)
+        // Whoever started the program in the background may have told it to ignore some.
+        if (std::signal(signal, SIG_IGN) != SIG_IGN) std::signal(signal, endBySignal);
+}
+
 }  // namespace
 
 int main(int count, char** words) {
-    std::signal(SIGINT, endBySignal);
-    std::signal(SIGTERM, endBySignal);
+    endCleanlyBySignals();
     std::ios::sync_with_stdio(false);
-    const krl::player::Terminal terminal{std::cout, std::cerr, errorIsTerminal()};
+    if (isTerminal(stdout)) std::cout << std::unitbuf;
+    const krl::player::Terminal terminal{std::cout, std::cerr, isTerminal(stderr)};
     const int code = krl::player::runCommandLine({words + 1, words + count}, terminal);
-    std::cout.flush();
-    return std::cout ? code : 1;
+    if (std::cout.flush()) return code;
+    std::cerr << "krlimage: cannot write to standard output\n";
+    return 1;
 }

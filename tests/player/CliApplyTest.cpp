@@ -158,6 +158,29 @@ TEST_F(Apply, TellsMissingPicturesInOneLine) {
     EXPECT_TELLS(done.err, "none.pam: No such file");
 }
 
+TEST_F(Apply, TakesALoneNameThatNothingHasForAMethodMisspelled) {
+    const CliResult done = krlimage({"apply", picture("in.pam"), "-o", at("out.pam"), "sepai"});
+    EXPECT_EQ(done.code, 1);
+    EXPECT_EQ(done.err, "krlimage: there is no picture, folder or method \"sepai\", did you mean sepia?\n");
+    EXPECT_EQ(files(), 1u);
+}
+
+TEST_F(Apply, TellsOfASymbolThatLacksItsMark) {
+    const CliResult done = krlimage({"apply", picture("in.pam"), "-o", at("out.pam"), "brightness(4, RGB)"});
+    EXPECT_EQ(done.code, 1);
+    EXPECT_TELLS(
+        done.err,
+        "colourOrAlpha is RGB, a name without a value, wanted is #RGB or #Alpha, did you mean #RGB?");
+}
+
+TEST_F(Apply, MakesNoFolderThatIsNamedAsAPicture) {
+    const CliResult done =
+        krlimage({"apply", picture("a.pam"), picture("b.pam"), "-o", at("out.pam"), "invert(#RGB)"});
+    EXPECT_EQ(done.code, 2);
+    EXPECT_TELLS(done.err, "out.pam names a picture, and several pictures need a folder");
+    EXPECT_FALSE(std::filesystem::exists(at("out.pam")));
+}
+
 TEST_F(Apply, TellsResultsAsJson) {
     const CliResult done = krlimage(
         {"apply", picture("in.pam"), "-o", at("out.pam"), "--json", "brightness(40)", "brightness(\"x\")"});

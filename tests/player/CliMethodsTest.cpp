@@ -91,12 +91,14 @@ std::string complaint(size_t argument, const std::string& text) {
 }
 
 TEST(Arguments, AreJudgedByTheirTexts) {
-    for (const char* fine : {"40", "-3", "VOID + 1", "x", "x.width", "max(1, 2)"})
+    for (const char* fine : {"40", "-3", "VOID + 1", "x.width", "max(1, 2)"})
         EXPECT_EQ(complaint(0, fine), "") << fine;
     EXPECT_EQ(complaint(0, "\"x\""), "brightnessInt is \"x\", wanted is integer, -255 to 255");
     EXPECT_EQ(complaint(0, "1.5"), "brightnessInt is a float, wanted is integer, -255 to 255");
     EXPECT_EQ(complaint(0, "-1.5"), "brightnessInt is a float, wanted is integer, -255 to 255");
     EXPECT_EQ(complaint(0, "rgb(1, 2, 3)"), "brightnessInt is a colour, wanted is integer, -255 to 255");
+    EXPECT_EQ(complaint(0, "x"),
+              "brightnessInt is x, a name without a value, wanted is integer, -255 to 255");
     EXPECT_EQ(complaint(1, "#rgb"), "");
     EXPECT_EQ(complaint(1, "#RBG"), "colourOrAlpha is #RBG, wanted is #RGB or #Alpha, did you mean #RGB?");
     EXPECT_EQ(complaint(1, "[1, 2]"), "colourOrAlpha is a list, wanted is #RGB or #Alpha");
