@@ -43,7 +43,6 @@ inline void reducedSineCosine(double angle, double& sine, double& cosine) {
     c = c * z + 1 / 24.0;
     c = 1 - (0.5 * z - z * z * c);
     // In odd quadrants the two change places; signs go by half turns.
-    // In odd quadrants the two change places; signs go by half turns.
     const auto quadrant = std::bit_cast<uint64_t>(rounded), odd = -(quadrant & 1);
     const auto sineBits = std::bit_cast<uint64_t>(s), cosineBits = std::bit_cast<uint64_t>(c);
     sine = std::bit_cast<double>(((cosineBits & odd) | (sineBits & ~odd)) ^ ((quadrant & 2) << 62));
