@@ -104,6 +104,14 @@ TEST(BandRunner, RunsEveryBandOnceAndTheLastOnTheCaller) {
     }
 }
 
+TEST(BandRunner, StartsNoThreadForASingleBand) {
+    const FaultReset reset;
+    faults().threads = 0;
+    std::thread::id ran;
+    EXPECT_EQ(runBands(1, [&](int32_t) { ran = std::this_thread::get_id(); }), kStatusOk);
+    EXPECT_TRUE(ran == std::this_thread::get_id());
+}
+
 TEST(BandRunner, EndsTheStartedBandsBeforeItReportsAMissingTaskOrThread) {
     const FaultReset reset;
     std::atomic<int> ran = 0;

@@ -1,0 +1,148 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "host/Identifiers.h"
+#include "host/MessageTable.h"
+#include "methods/Stage.h"
+#include "player/host/Objects.h"
+#include "player/host/Service.h"
+
+/// Pictures of a host whose rows are longer than they are wide. What lies before and after a picture's
+/// block is neither written nor read, in however many bands.
+namespace krl::host {
+namespace {
+
+using krl::test::Answer;
+using krl::test::Stage;
+using player::ImageObject;
+using player::Service;
+using player::Value;
+
+/// Rows of the host's own, before and after each block.
+constexpr int32_t kGuardRows = 3;
+/// Pixels that the rows of padded pictures have beyond their width, and how many these have with them.
+int32_t padding, paddedWidth;
+/// What the guard rows hold.
+Pixel guardPixel;
+
+images::CreateImage::Function createTight;
+images::LockImage::Function lockWhole;
+images::QueryImage::Function queryWhole;
+
+HostStatus KRL_HOST_CALL createGuarded(HostInterface* self, int32_t width, int32_t height, int32_t depth,
+                                       int32_t alphaDepth, int32_t last, ScriptValue* out) {
+    return createTight(self, width + padding, height + 2 * kGuardRows, depth, alphaDepth, last, out);
+}
+
+HostStatus KRL_HOST_CALL lockInside(HostInterface* self, const ScriptValue* value, ImageLock* lock) {
+    const HostStatus status = lockWhole(self, value, lock);
+    auto* image = static_cast<ImageObject*>(player::hostOf(self).heap.find(*value));
+    if (status != kHostOk || !image) return status;
+    const int32_t height = image->height();
+    std::fill(image->bitmap.row(0), image->bitmap.row(kGuardRows), guardPixel);
+    std::fill(image->bitmap.row(height - kGuardRows), image->bitmap.row(height), guardPixel);
+    lock->pixels = reinterpret_cast<uint8_t*>(image->bitmap.row(kGuardRows));
+    return status;
+}
+
+HostStatus KRL_HOST_CALL queryInside(HostInterface* self, const ScriptValue* value, ImageInfo* info) {
+    const HostStatus status = queryWhole(self, value, info);
+    if (info->width == paddedWidth) info->width -= padding;
+    info->height -= 2 * kGuardRows;
+    return status;
+}
+
+/// A stage whose pictures all stand between guards.
+class GuardedStage : public Stage {
+public:
+    GuardedStage() {
+        HostInterface* face = embeddedHost().service(ids::kImages);
+        unknown::Release::call(face);
+        Service& service = Service::of(face);
+        createTight = replace<images::CreateImage>(service, createGuarded);
+        lockWhole = replace<images::LockImage>(service, lockInside);
+        queryWhole = replace<images::QueryImage>(service, queryInside);
+    }
+
+private:
+    template <class Op>
+    static typename Op::Function replace(Service& service, typename Op::Function function) {
+        const auto own = reinterpret_cast<typename Op::Function>(service.operations[Op::slot]);
+        service.set<Op>(function);
+        return own;
+    }
+};
+
+class PaddedPictures : public testing::TestWithParam<int32_t> {
+protected:
+    const Method& method() const { return *methods()[size_t(GetParam() - 1)]; }
+    /// Methods that take lists of their own have no example to be called with here.
+    bool hasExamples() const {
+        return std::ranges::none_of(method().arguments(),
+                                    [](const Argument& a) { return a.kind == ArgumentKind::Value; }) &&
+               std::string(method().group()) != "Engine";
+    }
+
+    /// Example arguments whose second images have tight rows.
+    std::vector<Value> examplesOfTightRows(Stage& stage, int32_t width, int32_t wholeHeight) const {
+        std::vector<Value> values = stage.examples(method());
+        for (size_t i = 0; i < values.size(); ++i)
+            if (method().arguments()[i].kind == ArgumentKind::SecondImage)
+                values[i] = stage.image(width, wholeHeight, 77);
+        return values;
+    }
+
+    /// The method's picture, guards cut off, and what it told.
+    std::pair<std::vector<Pixel>, std::string> outcome(Stage& stage, int32_t width, int32_t height,
+                                                       int32_t bands, bool tightSeconds) const {
+        paddedWidth = width + padding;
+        const int32_t wholeHeight = height + 2 * kGuardRows;
+        stage.load(paddedWidth, wholeHeight, width * 100 + height);
+        stage.setBands(bands);
+        const Answer answer =
+            stage.call(method(), tightSeconds ? examplesOfTightRows(stage, width, wholeHeight)
+                                              : stage.examples(method()));
+        const std::vector<Pixel>& all = stage.pixels();
+        const ptrdiff_t guard = ptrdiff_t(kGuardRows) * paddedWidth;
+        const auto isGuard = [](const Pixel& p) { return p == guardPixel; };
+        EXPECT_TRUE(std::all_of(all.begin(), all.begin() + guard, isGuard)) << "written before the block";
+        EXPECT_TRUE(std::all_of(all.end() - guard, all.end(), isGuard)) << "written after the block";
+        return {{all.begin() + guard, all.end() - guard}, answer.error};
+    }
+
+    void expectKeptToBlocks(bool tightSeconds) const {
+        constexpr int32_t sizes[][2] = {{1, 1}, {1, 6}, {3, 3}, {5, 4}, {17, 9}};
+        GuardedStage stage;
+        for (const auto& [width, height] : sizes)
+            for (padding = 0; padding < 4; ++padding)
+                for (const int32_t bands : {1, 2, 4, 7}) {
+                    SCOPED_TRACE(testing::Message() << width << 'x' << height << ", " << padding
+                                                    << " pixels of padding, " << bands << " bands");
+                    guardPixel = {0, 0, 0, 0};
+                    const auto dark = outcome(stage, width, height, bands, tightSeconds);
+                    guardPixel = {255, 255, 255, 255};
+                    const auto light = outcome(stage, width, height, bands, tightSeconds);
+                    EXPECT_EQ(dark.second, light.second);
+                    EXPECT_TRUE(dark.first == light.first) << "the picture depends on what lies around it";
+                }
+    }
+};
+
+TEST_P(PaddedPictures, KeepEveryMethodToTheirBlocks) {
+    if (!hasExamples()) GTEST_SKIP() << "takes values of its own";
+    expectKeptToBlocks(false);
+    const bool hasSecond = std::ranges::any_of(
+        method().arguments(), [](const Argument& a) { return a.kind == ArgumentKind::SecondImage; });
+    if (hasSecond) expectKeptToBlocks(true);
+}
+
+INSTANTIATE_TEST_SUITE_P(Door, PaddedPictures, testing::Range(1, kMethodCount + 1),
+                         [](const testing::TestParamInfo<int32_t>& selector) {
+                             int32_t bytes = 0;
+                             const std::string line = messageTableLine(selector.param, &bytes);
+                             return line.substr(0, line.find(' '));
+                         });
+
+}  // namespace
+}  // namespace krl::host
