@@ -31,6 +31,29 @@ private:
     uint32_t multiplier_;
 };
 
+/// The same for weights from 2 whose sums fit 16 bits. One multiplier of that size, the next above or the
+/// next below, is near enough for every sum; below, it takes the sum for one more.
+class ShortByteQuotient {
+public:
+    using Sum = uint16_t;
+    static constexpr uint64_t kLargestWeight = 256;
+
+    explicit ShortByteQuotient(uint64_t weight) : shift_(static_cast<int>(std::bit_width(weight - 1)) - 1) {
+        const uint64_t power = uint64_t{1} << (16 + shift_), above = (power + weight - 1) / weight;
+        addend_ = above * weight - power > (uint64_t{1} << shift_);
+        multiplier_ = static_cast<uint16_t>(above - addend_);
+    }
+
+    uint8_t operator()(uint16_t sum) const {
+        const auto high = static_cast<uint16_t>((uint16_t(sum + addend_) * uint32_t{multiplier_}) >> 16);
+        return static_cast<uint8_t>(high >> shift_);
+    }
+
+private:
+    int shift_;
+    uint16_t multiplier_, addend_;
+};
+
 /// The same for any weight whose sums fit 64 bits, by division.
 class WideByteQuotient {
 public:

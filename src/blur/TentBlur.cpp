@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "blur/ByteMix.h"
+#include "blur/RowStrip.h"
 #include "blur/TentWindow.h"
 #include "core/Bands.h"
 
@@ -67,20 +68,6 @@ struct PlaneLayout {
     }
 };
 
-/// The windows that walk a row: all lanes of a word at once.
-template <class Arithmetic, int32_t Lanes>
-struct RowWindow : tent::Window<Arithmetic, Lanes> {
-    RowWindow(const Arithmetic& arithmetic, const Line<typename Arithmetic::Sample>& line, int32_t halfWidth)
-        : tent::Window<Arithmetic, Lanes>(arithmetic, line, halfWidth, Lanes) {}
-};
-
-#if defined(__SSE2__)
-template <>
-struct RowWindow<tent::NarrowBytes, 4> : tent::PixelWindow {
-    using PixelWindow::PixelWindow;
-};
-#endif
-
 /// The size of a block and of the tent on it.
 struct Extent {
     int32_t height, width, halfWidth;
@@ -97,12 +84,34 @@ void blurRows(const typename Arithmetic::Sample* block, typename Arithmetic::Sam
         const Line<Sample> line{block + start * Layout::kPitch + layout.firstLane, Layout::kPitch,
                                 extent.width};
         Sample* to = lines + start * Layout::kLanes;
-        RowWindow<Arithmetic, Layout::kLanes> window(arithmetic, line, extent.halfWidth);
-        tent::walk(line, extent.halfWidth,
-                   [&](int32_t, const Sample* entering, const Sample* centre, const Sample* leaving) {
-                       window.step(to, entering, centre, leaving);
-                       to += Layout::kLanes;
-                   });
+        tent::Window<Arithmetic, Layout::kLanes> window(arithmetic, line, extent.halfWidth);
+        for (int32_t x = 0; x < extent.width; ++x, to += Layout::kLanes)
+            window.step(to, line.stepFrom(x, extent.halfWidth));
+    }
+}
+
+/// Bytes that a strip of rows takes.
+constexpr size_t stripBytes(int32_t width) { return size_t(width) * tent::kStripLanes; }
+
+/// The same for whole pixels, a strip of rows at a time, which is laid out in `strip`.
+template <class Arithmetic>
+void blurPixelRows(const uint8_t* block, uint8_t* lines, const Extent& extent, IndexRange rows,
+                   uint8_t* strip) {
+    constexpr int32_t kPixelBytes = PixelLayout::kLanes;
+    constexpr int32_t kColumns = 16;  // whole cache lines of each row are written at once
+    const Arithmetic arithmetic(extent.halfWidth);
+    const Line<uint8_t> line{strip, tent::kStripLanes, extent.width};
+    for (int32_t y = rows.first; y < rows.last; y += tent::kStripRows) {
+        const int32_t rowCount = std::min(tent::kStripRows, rows.last - y);
+        const ptrdiff_t start = ptrdiff_t(y) * extent.width * kPixelBytes;
+        tent::layOnSide(block + start, rowCount, extent.width, strip);
+        tent::Window<Arithmetic, tent::kStripLanes> window(arithmetic, line, extent.halfWidth);
+        for (int32_t x = 0; x < extent.width; x += kColumns) {
+            const int32_t end = std::min(x + kColumns, extent.width);
+            uint8_t means[kColumns * tent::kStripLanes];
+            window.walkOn(means, line, extent.halfWidth, x, end);
+            tent::setUpright(means, end - x, lines + start + x * kPixelBytes, rowCount, extent.width);
+        }
     }
 }
 
@@ -129,16 +138,15 @@ void blurColumns(const typename Arithmetic::Sample* lines, typename Arithmetic::
             return block + (ptrdiff_t(y) * extent.width + x) * Layout::kPitch;
         };
         tent::Window<Arithmetic, kTileSamples> window(arithmetic, line, extent.halfWidth, lanes);
-        tent::walk(line, extent.halfWidth,
-                   [&](int32_t y, const Sample* entering, const Sample* centre, const Sample* leaving) {
-                       const int32_t rowsLeft = extent.height - 1 - y;
-                       prefetch(target(y + std::min(kRowsAhead, rowsLeft)), count * Layout::kPitch);
-                       const int32_t soon = extent.halfWidth + 2 + kRowsAhead;
-                       if (soon <= rowsLeft) prefetch(line.at(y + soon), lanes);
-                       Sample blurred[kTileSamples];
-                       window.step(blurred, entering, centre, leaving);
-                       layout.store(target(y), blurred, count);
-                   });
+        for (int32_t y = 0; y < extent.height; ++y) {
+            const int32_t rowsLeft = extent.height - 1 - y;
+            prefetch(target(y + std::min(kRowsAhead, rowsLeft)), count * Layout::kPitch);
+            const int32_t soon = extent.halfWidth + 2 + kRowsAhead;
+            if (soon <= rowsLeft) prefetch(line.at(y + soon), lanes);
+            Sample blurred[kTileSamples];
+            window.step(blurred, line.stepFrom(y, extent.halfWidth));
+            layout.store(target(y), blurred, count);
+        }
     }
 }
 
@@ -150,8 +158,14 @@ template <class Arithmetic, class Layout>
 Status TentBlur::runPasses(typename Arithmetic::Sample* block, int32_t height, int32_t width,
                            int32_t halfWidth, const Layout& layout, typename Arithmetic::Sample* lines) {
     const Extent extent{height, width, halfWidth};
+    [[maybe_unused]] auto* strips = lines + size_t(height) * size_t(width) * Layout::kLanes;
     const Status status = runBands(threadCount_, [&](int32_t band) {
-        blurRows<Arithmetic>(block, lines, extent, layout, lineBand(height, threadCount_, band));
+        const IndexRange rows = lineBand(height, threadCount_, band);
+        if (rows.first >= rows.last) return;
+        if constexpr (std::is_same_v<Layout, PixelLayout> && !std::is_same_v<Arithmetic, tent::WideBytes>)
+            blurPixelRows<Arithmetic>(block, lines, extent, rows, strips + size_t(band) * stripBytes(width));
+        else
+            blurRows<Arithmetic>(block, lines, extent, layout, rows);
     });
     if (status) return status;
     return runBands(threadCount_, [&](int32_t band) {
@@ -165,7 +179,11 @@ Status TentBlur::blurLayout(uint8_t* block, int32_t height, int32_t width, int32
     const int32_t halfWidth = tent::halfWidth(radius);
     if (halfWidth <= 0 || height <= 0 || width <= 0) return kStatusOk;
     const size_t samples = size_t(height) * size_t(width) * Layout::kLanes;
-    if (lines_.size() < samples) lines_ = Scratch<uint8_t>(samples);
+    const size_t strips =
+        std::is_same_v<Layout, PixelLayout> ? size_t(std::min(threadCount_, height)) * stripBytes(width) : 0;
+    if (lines_.size() < samples + strips) lines_ = Scratch<uint8_t>(samples + strips);
+    if (halfWidth <= tent::kWidestShort)
+        return runPasses<tent::ShortBytes>(block, height, width, halfWidth, layout, lines_.data());
     if (halfWidth <= tent::kWidestNarrow)
         return runPasses<tent::NarrowBytes>(block, height, width, halfWidth, layout, lines_.data());
     return runPasses<tent::WideBytes>(block, height, width, halfWidth, layout, lines_.data());

@@ -53,7 +53,7 @@ private:
                      const Layout& layout, typename Arithmetic::Sample* lines);
 
     int32_t threadCount_;
-    Scratch<uint8_t> lines_;  ///< output of the row pass; kept, so that several blurs take it once
+    Scratch<uint8_t> lines_;  ///< the row pass's output and strips; kept, so that several blurs take it once
 };
 
 }  // namespace krl

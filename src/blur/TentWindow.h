@@ -3,14 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <type_traits>
 
 #include "blur/ByteQuotient.h"
 #include "core/Numbers.h"
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 /// The moving tent: what one step along a line costs and keeps, for one lane or many side by side.
 ///
@@ -48,10 +43,14 @@ private:
     Quotient divide_;
 };
 
-/// Bytes under windows up to `kWidestNarrow`, whose sums fit 32 bits, and under wider ones.
+/// Bytes under windows up to `kWidestShort`, whose sums fit 16 bits, up to `kWidestNarrow`, whose sums fit
+/// 32, and under wider ones.
+using ShortBytes = Bytes<ShortByteQuotient>;
 using NarrowBytes = Bytes<ByteQuotient>;
 using WideBytes = Bytes<WideByteQuotient>;
+inline constexpr int32_t kWidestShort = 15;
 inline constexpr int32_t kWidestNarrow = 2895;
+static_assert(weightOf(kWidestShort) <= int64_t{ShortByteQuotient::kLargestWeight});
 static_assert(weightOf(kWidestNarrow) <= int64_t{ByteQuotient::kLargestWeight});
 
 /// Any 32-bit integers; the quotient is truncated toward zero.
@@ -67,25 +66,11 @@ private:
     int64_t weight_;
 };
 
-/// One step of lanes side by side: writes their means and moves sums and slopes on. The lanes'
-/// memory is told not to overlap, as more pointers than these the compiler does not compare.
-template <class Arithmetic>
-inline void stepLanes(const Arithmetic& arithmetic, typename Arithmetic::Sum* __restrict sums,
-                      typename Arithmetic::Sum* __restrict slopes,
-                      typename Arithmetic::Sample* __restrict means,
-                      const typename Arithmetic::Sample* entering, const typename Arithmetic::Sample* centre,
-                      const typename Arithmetic::Sample* leaving, int lanes) {
-    using Sum = typename Arithmetic::Sum;
-    for (int i = 0; i < lanes; ++i) {
-        means[i] = arithmetic.quotient(sums[i]);
-        sums[i] += slopes[i];
-        slopes[i] += Sum(entering[i]) - 2 * Sum(centre[i]) + Sum(leaving[i]);
-    }
-}
-
-/// The same for many lanes of bytes, in the widest vectors that there are.
-void stepManyLanes(const NarrowBytes& arithmetic, uint32_t* sums, uint32_t* slopes, uint8_t* means,
-                   const uint8_t* entering, const uint8_t* centre, const uint8_t* leaving, int lanes);
+/// The samples whose second difference moves a window one place on.
+template <class Sample>
+struct Step {
+    const Sample *entering, *centre, *leaving;
+};
 
 /// A line of places, `stride` samples apart, each with one or more lanes side by side.
 template <class Sample>
@@ -96,23 +81,52 @@ struct Line {
 
     const Sample* at(int32_t place) const { return first + place * stride; }
     const Sample* last() const { return at(length - 1); }
+    Step<Sample> stepFrom(int32_t place, int32_t halfWidth) const {
+        return {at(std::min(place + halfWidth + 2, length - 1)), at(std::min(place + 1, length - 1)),
+                at(std::max(place - halfWidth, 0))};
+    }
 };
 
-/// Walks a window along `line`: `step(place, entering, centre, leaving)` for every place, with the
-/// samples of the second difference that leads to the next.
-template <class Sample, class Step>
-void walk(const Line<Sample>& line, int32_t halfWidth, Step&& step) {
-    const int32_t last = line.length - 1;
-    for (int32_t place = 0; place <= last; ++place)
-        step(place, line.at(std::min(place + halfWidth + 2, last)), line.at(std::min(place + 1, last)),
-             line.at(std::max(place - halfWidth, 0)));
+/// Moves lanes side by side one place on: writes their means, and changes sums and slopes. The lanes'
+/// memory is told not to overlap, as more pointers than these the compiler does not compare.
+template <class Arithmetic>
+inline void stepLanes(const Arithmetic& arithmetic, typename Arithmetic::Sum* __restrict sums,
+                      typename Arithmetic::Sum* __restrict slopes,
+                      typename Arithmetic::Sample* __restrict means, Step<typename Arithmetic::Sample> step,
+                      int lanes) {
+    using Sum = typename Arithmetic::Sum;
+    for (int i = 0; i < lanes; ++i) {
+        const auto bend = Sum(step.entering[i]) - 2 * Sum(step.centre[i]) + Sum(step.leaving[i]);
+        means[i] = arithmetic.quotient(sums[i]);
+        sums[i] = static_cast<Sum>(sums[i] + slopes[i]);
+        slopes[i] = static_cast<Sum>(slopes[i] + bend);
+    }
 }
 
-/// Up to here a call costs more than the lanes do.
-inline constexpr int kFewLanes = 4;
+/// Lanes that walk along rows together: the four bytes of a pixel in each of a strip of rows.
+inline constexpr int32_t kStripRows = 16;
+inline constexpr int32_t kStripLanes = 4 * kStripRows;
 
-/// The windows of lanes side by side, each at the same place of its own line: exactly `Lanes` of
-/// them if they are few, else up to so many.
+/// `stepLanes`, in the widest vectors that there are.
+void stepManyLanes(const ShortBytes& arithmetic, uint16_t* sums, uint16_t* slopes, uint8_t* means,
+                   Step<uint8_t> step, int lanes);
+void stepManyLanes(const NarrowBytes& arithmetic, uint32_t* sums, uint32_t* slopes, uint8_t* means,
+                   Step<uint8_t> step, int lanes);
+template <class Arithmetic>
+void stepManyLanes(const Arithmetic& arithmetic, typename Arithmetic::Sum* sums,
+                   typename Arithmetic::Sum* slopes, typename Arithmetic::Sample* means,
+                   Step<typename Arithmetic::Sample> step, int lanes) {
+    stepLanes(arithmetic, sums, slopes, means, step, lanes);
+}
+
+/// The same for `kStripLanes` lanes at every place of `line` from `first` up to `end`; the means of one
+/// place follow those of the other.
+void walkStrip(const ShortBytes& arithmetic, uint16_t* sums, uint16_t* slopes, uint8_t* means,
+               const Line<uint8_t>& line, int32_t halfWidth, int32_t first, int32_t end);
+void walkStrip(const NarrowBytes& arithmetic, uint32_t* sums, uint32_t* slopes, uint8_t* means,
+               const Line<uint8_t>& line, int32_t halfWidth, int32_t first, int32_t end);
+
+/// The windows of up to `Lanes` lanes side by side, each at the same place of its own line.
 template <class Arithmetic, int Lanes>
 class Window {
 public:
@@ -120,29 +134,36 @@ public:
     using Sum = typename Arithmetic::Sum;
 
     /// Stands at place 0 of `line`, in its first `lanes` lanes.
-    Window(const Arithmetic& arithmetic, const Line<Sample>& line, int32_t halfWidth, int lanes)
+    Window(const Arithmetic& arithmetic, const Line<Sample>& line, int32_t halfWidth, int lanes = Lanes)
         : arithmetic_(arithmetic), lanes_(lanes) {
         sumRightHalf(line, halfWidth);
-        const Sum reach = Sum(halfWidth) + 1;
+        const Sum reach = Sum(Sum(halfWidth) + 1);
         const Sum leftWeight = Sum(int64_t{halfWidth + 1} * (int64_t{halfWidth} + 2) / 2);
         const Sample* first = line.at(0);
         const Sample* entering = line.at(std::min(halfWidth + 1, line.length - 1));
         for (int i = 0; i < lanes_; ++i) {
-            sums_[i] += Sum(first[i]) * leftWeight;
-            slopes_[i] += Sum(entering[i]) - Sum(first[i]) * reach;
+            add(sums_[i], Sum(Sum(first[i]) * leftWeight));
+            add(slopes_[i], Sum(Sum(entering[i]) - Sum(first[i]) * reach));
         }
     }
 
     /// Writes the means at this place to `means` and goes one place on.
-    void step(Sample* means, const Sample* entering, const Sample* centre, const Sample* leaving) {
-        if constexpr (Lanes > kFewLanes && std::is_same_v<Arithmetic, NarrowBytes>)
-            stepManyLanes(arithmetic_, sums_, slopes_, means, entering, centre, leaving, lanes_);
+    void step(Sample* means, Step<Sample> step) {
+        if constexpr (Lanes == 1)
+            stepLanes(arithmetic_, sums_, slopes_, means, step, 1);
         else
-            stepLanes(arithmetic_, sums_, slopes_, means, entering, centre, leaving,
-                      Lanes > kFewLanes ? lanes_ : Lanes);
+            stepManyLanes(arithmetic_, sums_, slopes_, means, step, lanes_);
     }
 
-protected:
+    /// The same for every place of `line` from `first`, where it stands, up to `end`.
+    void walkOn(Sample* means, const Line<Sample>& line, int32_t halfWidth, int32_t first, int32_t end) {
+        static_assert(Lanes == kStripLanes);
+        walkStrip(arithmetic_, sums_, slopes_, means, line, halfWidth, first, end);
+    }
+
+private:
+    static void add(Sum& to, Sum amount) { to = static_cast<Sum>(to + amount); }
+
     /// Weighted into `sums_` and plain into `slopes_`: the samples right of place 0. Those past the
     /// end of the line come all at once.
     void sumRightHalf(const Line<Sample>& line, int32_t halfWidth) {
@@ -152,66 +173,22 @@ protected:
         for (int32_t place = 1; place <= inside; ++place) {
             const Sample* samples = line.at(place);
             for (int i = 0; i < lanes_; ++i) {
-                slopes_[i] += Sum(samples[i]);
-                sums_[i] += slopes_[i];
+                add(slopes_[i], Sum(samples[i]));
+                add(sums_[i], slopes_[i]);
             }
         }
         const int64_t outside = halfWidth - inside;
         for (int i = 0; i < lanes_ && outside > 0; ++i) {
             const Sum last = Sum(line.last()[i]);
-            sums_[i] += slopes_[i] * Sum(outside) + last * Sum(outside * (outside + 1) / 2);
-            slopes_[i] += last * Sum(outside);
+            add(sums_[i], Sum(slopes_[i] * Sum(outside) + last * Sum(outside * (outside + 1) / 2)));
+            add(slopes_[i], Sum(last * Sum(outside)));
         }
     }
 
     const Arithmetic arithmetic_;
     const int lanes_;
-    alignas(16) Sum sums_[Lanes];
-    alignas(16) Sum slopes_[Lanes];
+    alignas(64) Sum sums_[Lanes];
+    alignas(64) Sum slopes_[Lanes];
 };
-
-#if defined(__SSE2__)
-/// Four lanes of bytes, a pixel, in vector registers. Along a row the compiler does not find this
-/// by itself, and it halves the time.
-class PixelWindow : Window<NarrowBytes, 4> {
-public:
-    PixelWindow(const NarrowBytes& arithmetic, const Line<uint8_t>& line, int32_t halfWidth)
-        : Window(arithmetic, line, halfWidth, 4),
-          sum_(_mm_load_si128(reinterpret_cast<const __m128i*>(sums_))),
-          slope_(_mm_load_si128(reinterpret_cast<const __m128i*>(slopes_))),
-          multiplier_(_mm_set1_epi32(static_cast<int>(arithmetic.division().multiplier()))),
-          shift_(_mm_cvtsi32_si128(arithmetic.division().shift())) {}
-
-    void step(uint8_t* means, const uint8_t* entering, const uint8_t* centre, const uint8_t* leaving) {
-        store(means, quotients());
-        sum_ = _mm_add_epi32(sum_, slope_);
-        const __m128i outer = _mm_add_epi32(load(entering), load(leaving));
-        slope_ = _mm_add_epi32(slope_, _mm_sub_epi32(outer, _mm_slli_epi32(load(centre), 1)));
-    }
-
-private:
-    static __m128i load(const uint8_t* bytes) {
-        int32_t word;
-        std::copy_n(bytes, 4, reinterpret_cast<uint8_t*>(&word));
-        const __m128i zero = _mm_setzero_si128();
-        return _mm_unpacklo_epi16(_mm_unpacklo_epi8(_mm_cvtsi32_si128(word), zero), zero);
-    }
-
-    static void store(uint8_t* bytes, __m128i lanes) {
-        const __m128i shorts = _mm_packs_epi32(lanes, lanes);
-        const int32_t word = _mm_cvtsi128_si32(_mm_packus_epi16(shorts, shorts));
-        std::copy_n(reinterpret_cast<const uint8_t*>(&word), 4, bytes);
-    }
-
-    __m128i quotients() const {
-        const __m128i even = _mm_srl_epi64(_mm_mul_epu32(sum_, multiplier_), shift_);
-        const __m128i odd = _mm_srl_epi64(_mm_mul_epu32(_mm_srli_epi64(sum_, 32), multiplier_), shift_);
-        return _mm_or_si128(even, _mm_slli_epi64(odd, 32));
-    }
-
-    __m128i sum_, slope_;
-    const __m128i multiplier_, shift_;
-};
-#endif
 
 }  // namespace krl::tent

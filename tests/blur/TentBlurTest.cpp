@@ -85,6 +85,16 @@ TEST(TentWindow, DividesExactlyForEverySumOfEveryNarrowWindow) {
     }
 }
 
+TEST(TentWindow, DividesExactlyForEverySumOfEveryShortWindow) {
+    for (int32_t halfWidth = 1; halfWidth <= tent::kWidestShort; ++halfWidth) {
+        const tent::ShortBytes arithmetic(halfWidth);
+        const auto weight = static_cast<uint32_t>(tent::weightOf(halfWidth));
+        ASSERT_LE(weight * 255, UINT16_MAX);
+        for (uint32_t sum = 0; sum <= weight * 255; ++sum)
+            ASSERT_EQ(arithmetic.quotient(static_cast<uint16_t>(sum)), sum / weight) << halfWidth;
+    }
+}
+
 TEST(TentBlur, WeighsThreeSamplesOneTwoOneAtRadiusOne) {
     Picture picture(3, {{0, 0, 0, 0}, {100, 40, 7, 255}, {0, 0, 0, 0}});
     TentBlur(1).blurRGBA(picture.pixels().data(), 1, 3, 1);
