@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <map>
-#include <system_error>
 
+#include "player/cli/TextFile.h"
 #include "player/pictures/Picture.h"
 
 namespace krl::player {
@@ -27,12 +27,6 @@ fs::path nameIn(const fs::path& folder, const fs::path& input, const std::string
     fs::path name = input.filename();
     if (!format.empty()) name.replace_extension(format);
     return folder / name;
-}
-
-void makeFolder(const fs::path& folder) {
-    std::error_code failure;
-    fs::create_directories(folder, failure);
-    if (failure) throw CommandError("cannot make the folder " + folder.string() + ": " + failure.message());
 }
 
 void refuseSharedOutputs(const std::vector<BatchItem>& items) {

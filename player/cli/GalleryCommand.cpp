@@ -44,8 +44,8 @@ public:
           picture_(noWiderThan(readPicture(options.picture), kWidest)) {
         original_ = {options.picture.filename().string(), "before.webp", "thumbnails/before.webp",
                      picture_.width, picture_.height};
-        fs::create_directories(folder_ / "thumbnails");
-        fs::create_directories(folder_ / "samples");
+        makeFolder(folder_ / "thumbnails");
+        makeFolder(folder_ / "samples");
         save(picture_, "before");
     }
 

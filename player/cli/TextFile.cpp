@@ -9,9 +9,14 @@
 
 namespace krl::player {
 
-void writeText(const std::filesystem::path& path, const std::string& text) {
+void makeFolder(const std::filesystem::path& folder) {
     std::error_code failure;
-    std::filesystem::create_directories(path.parent_path(), failure);
+    std::filesystem::create_directories(folder, failure);
+    if (failure) throw CommandError("cannot make the folder " + folder.string() + ": " + failure.message());
+}
+
+void writeText(const std::filesystem::path& path, const std::string& text) {
+    if (path.has_parent_path()) makeFolder(path.parent_path());
     try {
         AtomicFile target(path);
         std::ofstream file(target.path(), std::ios::binary);

@@ -63,6 +63,17 @@ TEST_F(Scripts, TellTheirErrorsWithPlaceLineAndCaret) {
     EXPECT_EQ(krlimage({"run", at("none.ls")}).code, 1);
 }
 
+TEST_F(Scripts, FindTheFolderThatTheySaveInMadeForThem) {
+    const std::string script = text("a.ls", "on main\n put 1\n image(2, 2, 32).save(\"a.pam\")\nend\n");
+    const CliResult done = krlimage({"run", script, "-o", at("new/out")});
+    EXPECT_EQ(done.code, 0) << done.err;
+    EXPECT_EQ(readPicture(at("new/out/a.pam")).width, 2);
+    const CliResult refused = krlimage({"run", script, "-o", at("a.ls/out")});
+    EXPECT_EQ(refused.code, 1);
+    EXPECT_EQ(refused.out, "") << "told before the work";
+    EXPECT_EQ(refused.err, "krlimage: cannot make the folder " + at("a.ls/out") + ": Not a directory\n");
+}
+
 TEST(Jobs, WorkOnEveryItemOnce) {
     for (const unsigned jobs : {0u, 1u, 2u, 7u}) {
         std::vector<int> worked(50);
