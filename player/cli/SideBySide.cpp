@@ -4,8 +4,11 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
+
+#include "core/Faults.h"
 
 namespace krl::player {
 
@@ -27,7 +30,11 @@ void workSideBySide(size_t count, unsigned jobs, const std::function<Worker()>& 
     };
     {
         std::vector<std::jthread> others;
-        for (size_t i = 1; i < threads; ++i) others.emplace_back(work);
+        // Where the system gives no more threads, those that there are do all the work.
+        try {
+            for (size_t i = 1; i < threads && Faults::grant(faults().threads); ++i) others.emplace_back(work);
+        } catch (const std::system_error&) {
+        }
         if (count > 0) work();
     }
     if (thrown) std::rethrow_exception(thrown);

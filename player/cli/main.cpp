@@ -22,9 +22,15 @@ bool isTerminal(std::FILE* stream) {
 #endif
 }
 
+/// Whether a progress bar may stand where the cursor is.
+volatile std::sig_atomic_t barMayStand = 0;
+
 /// Ends the program as the signal would have, with no half-written file left behind.
 void endBySignal(int signal) {
     krl::player::removeUnfinishedFiles();
+#if !defined(_WIN32)
+    [[maybe_unused]] const auto written = barMayStand != 0 ? ::write(STDERR_FILENO, "\n", 1) : 0;
+#endif
     std::_Exit(128 + signal);
 }
 
@@ -45,10 +51,11 @@ void endCleanlyBySignals() {
 }  // namespace
 
 int main(int count, char** words) {
+    barMayStand = isTerminal(stderr);
     endCleanlyBySignals();
     std::ios::sync_with_stdio(false);
     if (isTerminal(stdout)) std::cout << std::unitbuf;
-    const krl::player::Terminal terminal{std::cout, std::cerr, isTerminal(stderr)};
+    const krl::player::Terminal terminal{std::cout, std::cerr, barMayStand != 0};
     const int code = krl::player::runCommandLine({words + 1, words + count}, terminal);
     if (std::cout.flush()) return code;
     std::cerr << "krlimage: cannot write to standard output\n";

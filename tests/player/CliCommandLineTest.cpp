@@ -1,5 +1,7 @@
+#include <atomic>
 #include <cstdlib>
 
+#include "core/Faults.h"
 #include "player/cli/Batch.h"
 #include "player/cli/ChainCall.h"
 #include "player/cli/ProgressBar.h"
@@ -81,6 +83,19 @@ TEST(Jobs, WorkOnEveryItemOnce) {
         EXPECT_EQ(std::count(worked.begin(), worked.end(), 1), 50);
     }
     workSideBySide(0, 4, []() -> Worker { throw std::runtime_error("no worker is wanted"); });
+}
+
+TEST(Jobs, AreDoneByAsManyThreadsAsThereAre) {
+    faults().threads = 1;
+    std::atomic<int> workers = 0;
+    std::vector<std::atomic<int>> worked(50);
+    workSideBySide(worked.size(), 8, [&]() -> Worker {
+        ++workers;
+        return [&](size_t i) { ++worked[i]; };
+    });
+    faults() = {};
+    EXPECT_EQ(std::count(worked.begin(), worked.end(), 1), 50);
+    EXPECT_LE(workers, 2);
 }
 
 TEST(Jobs, EndWithWhatAWorkerThrows) {
