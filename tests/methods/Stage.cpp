@@ -4,6 +4,7 @@
 #include "core/Random.h"
 #include "host/ScriptInstance.h"
 #include "player/host/Compare.h"
+#include "player/lingo/Interpreter.h"
 
 namespace krl::test {
 
@@ -82,6 +83,10 @@ std::vector<Value> Stage::examples(const host::Method& method) {
     std::vector<Value> values;
     for (const Argument& argument : method.arguments()) values.push_back(example(argument));
     return values;
+}
+
+Value Stage::evaluate(const std::string& text) {
+    return player::Interpreter(host_, xtra_, {}).evaluateText("example", text);
 }
 
 Answer Stage::call(const host::Method& method, const std::vector<Value>& arguments) {

@@ -36,6 +36,9 @@ public:
     player::Value example(const host::Argument& argument);
     std::vector<player::Value> examples(const host::Method& method);
 
+    /// The value of a Lingo text.
+    player::Value evaluate(const std::string& text);
+
     player::Value integer(int32_t number) { return player::Value::integer(number); }
     player::Value real(double number) { return host_.heap.number(number); }
     player::Value string(const char* text) { return host_.heap.string(text); }
