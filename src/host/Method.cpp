@@ -104,8 +104,8 @@ Method& Method::failed(const char* text) {
     return *this;
 }
 
-Method& Method::needsEngine(const char* text) {
-    engineFailure_ = text;
+Method& Method::needsEngine() {
+    engineFailure_ = "Image xtra not initialised (Image)";
     return *this;
 }
 

@@ -203,8 +203,8 @@ public:
     // How it runs.
     Method& inputFailure(const char* text);
     Method& failed(const char* text);
-    /// Tested before anything is read.
-    Method& needsEngine(const char* text);
+    /// Wants an engine before anything is read, and says so where there is none.
+    Method& needsEngine();
     /// Runs with no engine too; without this, a call with none ends with the failed text.
     Method& worksWithoutEngine();
     /// Makes the host query after the result is set up.

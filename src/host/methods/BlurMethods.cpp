@@ -2,6 +2,7 @@
 #include "blur/ChromaBlur.h"
 #include "blur/Sharpen.h"
 #include "host/MethodRegistry.h"
+#include "host/methods/Choices.h"
 
 /// Bindings of the blurs and of unsharp masking.
 namespace krl::host {
@@ -105,19 +106,16 @@ void addSharpening(MethodList& list) {
     constexpr const char* amountMeaning = "how much of the difference from the blur is added";
     constexpr const char* thresholdMeaning =
         "twice the difference, in levels, from which there is an edge to sharpen";
-    list.add(
-        method("krlImageSharpen", sharpen)
-            .summary("Sharpens edges by what a blur takes from them.")
-            .integer("radius", {.from = 0, .to = 60, .example = 5}, "reach of the blur in pixels")
-            .real("amount", amount, amountMeaning)
-            .integer("threshold", threshold, thresholdMeaning)
-            .symbol(
-                "colourOrAlpha",
-                {{"RGBA", ChannelTarget::RGBA}, {"RGB", ChannelTarget::RGB}, {"Alpha", ChannelTarget::Alpha}},
-                otherwise(ChannelTarget::Alpha), "colours and transparency, colours, or transparency alone")
-            .showing("RGB")
-            .inputFailure("Sharpen input failure (Image)")
-            .failed("Failed Sharpen function (Image)"));
+    list.add(method("krlImageSharpen", sharpen)
+                 .summary("Sharpens edges by what a blur takes from them.")
+                 .integer("radius", {.from = 0, .to = 60, .example = 5}, "reach of the blur in pixels")
+                 .real("amount", amount, amountMeaning)
+                 .integer("threshold", threshold, thresholdMeaning)
+                 .symbol("colourOrAlpha", anyChannels(), kElseAlpha,
+                         "colours and transparency, colours, or transparency alone")
+                 .showing("RGB")
+                 .inputFailure("Sharpen input failure (Image)")
+                 .failed("Failed Sharpen function (Image)"));
     list.add(method("krlImageSharpenBrightness", sharpenBrightness)
                  .summary("Sharpens brightness alone, so that colour noise stays as it is.")
                  .integer("radius", {.from = 0, .to = 60, .example = 5}, "reach of the blur in pixels")

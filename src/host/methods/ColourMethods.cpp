@@ -20,7 +20,7 @@ void addLights(MethodList& list) {
                  .real("blueVal", {.from = 0, .to = 2, .example = 0.85}, "factor on blue")
                  .inputFailure("Colour Balance input failure (Image)")
                  .failed("Failed Colour Balance (Image)")
-                 .needsEngine("Image xtra not initialised (Image)"));
+                 .needsEngine());
     list.add(method("krlImageColourTemperature", colourTemperature)
                  .summary("Lights the picture with the glow of a hot body, from candle to sky.")
                  .real("tempShift", {.from = 1500, .to = 12000, .example = 4500},

@@ -10,8 +10,6 @@ namespace krl::host {
 
 namespace {
 
-constexpr const char* kNotInitialised = "Image xtra not initialised (Image)";
-
 /// Milliseconds of a clock that only runs forward; wraps with 32 bits.
 uint32_t tickCount() {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
@@ -104,13 +102,13 @@ void addEngineMethods(MethodList& list) {
             .summary("Takes the picture that the following effects rewrite in place.")
             .value("srcCMem", "image(\"picture.png\")", "the picture; it stays locked until krlImageQuit")
             .failed("Failed Load function (Image)")
-            .needsEngine(kNotInitialised)
+            .needsEngine()
             .asksPlayer()
             .does(load));
     list.add(method("krlImageQuit")
                  .summary("Lets go of the loaded picture; engine and tables stay for the next one.")
                  .failed("Failed Quit function (Image)")
-                 .needsEngine(kNotInitialised)
+                 .needsEngine()
                  .does(quit));
 }
 

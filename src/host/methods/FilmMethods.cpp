@@ -1,5 +1,6 @@
 #include "host/MethodCall.h"
 #include "host/MethodRegistry.h"
+#include "host/methods/Choices.h"
 #include "point/FilmEffects.h"
 #include "point/Noise.h"
 
@@ -42,8 +43,8 @@ void addGrades(MethodList& list) {
             .real("contrast", {.from = 0, .to = 2, .example = 1.1}, "factor on the distance from level 127")
             .real("gamma", {.from = 0.8, .to = 1.2, .example = 1.0},
                   "1.0 changes nothing, above darkens; small steps go far")
-            .symbol("colourOrAlpha", {{"RGB", ChannelTarget::RGB}, {"RGBA", ChannelTarget::RGBA}},
-                    otherwise(ChannelTarget::RGBA), "whether transparency is softened too")
+            .symbol("colourOrAlpha", colourWithAlpha(), otherwise(ChannelTarget::RGBA),
+                    "whether transparency is softened too")
             .inputFailure("Day For Night input failure (Image)")
             .failed("Failed Day For Night function (Image)"));
 }
@@ -82,10 +83,8 @@ void addNoises(MethodList& list) {
             .real("varience", {.from = 0, .to = 1, .example = 0.15},
                   "largest change, as a share of the level; 0 or less adds nothing")
             .integer("seed", {.from = 0, .to = 10000, .example = 7}, "the same number gives the same noise")
-            .symbol(
-                "colourOrAlpha",
-                {{"RGBA", ChannelTarget::RGBA}, {"RGB", ChannelTarget::RGB}, {"Alpha", ChannelTarget::Alpha}},
-                otherwise(kUnknownTarget), "colours and transparency, colours, or transparency alone")
+            .symbol("colourOrAlpha", anyChannels(), otherwise(kUnknownTarget),
+                    "colours and transparency, colours, or transparency alone")
             .showing("RGB")
             .inputFailure("Noise input failure (Image)")
             .failed("Failed Noise function (Image)")

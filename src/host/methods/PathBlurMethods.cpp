@@ -47,7 +47,7 @@ void addPathBlurMethods(MethodList& list) {
                     "gathers from further out, or from nearer the point")
             .symbol("colourOrAlpha", anyChannels(), kUnset, kWeighedMeaning)
             .showing("RGB")
-            .needsEngine("Image xtra not initialised (Image)")
+            .needsEngine()
             .inputFailure("Zoom Blur input failure (Image)")
             .failed("Failed Zoom Blur function (Image)"));
 }
