@@ -226,6 +226,8 @@ private:
         if (!option.nonpositional()) description.names = {option.get_name(true)};
         if (option.get_expected_max() > 0) description.value = option.get_type_name();
         description.meaning = option.get_description();
+        description.required = option.get_required();
+        description.several = option.get_expected_max() > 1;
         return description;
     }
 

@@ -13,6 +13,8 @@ struct OptionDescription {
     /// themselves, `mt|st`; empty for a switch.
     std::string value;
     std::string meaning;
+    bool required = false;
+    bool several = false;  ///< of a word in its place: more may follow
 
     /// The words that can follow, where it is given words: `mt`, `st`.
     std::vector<std::string> choices() const;

@@ -27,15 +27,23 @@ std::string slanted(const std::string& text) { return "\\fI" + plain(text) + "\\
 std::string synopsis(const CommandDescription& command) {
     std::string text = bold("krlimage " + command.name);
     if (!command.options.empty()) text += " [" + slanted("option") + "...]";
-    for (const OptionDescription& word : command.words) text += " " + slanted(word.names.front());
+    for (const OptionDescription& option : command.options)
+        if (option.required) text += " " + bold(option.names.front()) + " " + slanted(option.value);
+    for (const OptionDescription& word : command.words) {
+        const std::string shown = slanted(word.names.front()) + (word.several ? "..." : "");
+        text += word.required ? " " + shown : " [" + shown + "]";
+    }
     return text;
 }
+
+/// A text with one full stop at its end.
+std::string sentence(const std::string& text) { return plain(text) + (text.ends_with('.') ? "\n" : ".\n"); }
 
 std::string item(const OptionDescription& option) {
     std::string names;
     for (const std::string& name : option.names) names += (names.empty() ? "" : ", ") + bold(name);
     if (!option.value.empty()) names += " " + slanted(option.value);
-    return ".TP\n" + names + "\n" + plain(option.meaning) + ".\n";
+    return ".TP\n" + names + "\n" + sentence(option.meaning);
 }
 
 }  // namespace
@@ -54,7 +62,7 @@ std::string manualPage(const CommandList& commands) {
         "Pictures are read and written as PNG, JPEG, TIFF, WebP and PAM. "
         "A picture is written whole or not at all.\n.SH COMMANDS\n";
     for (const CommandDescription& command : commands) {
-        page += ".SS " + synopsis(command) + "\n" + plain(command.summary) + ".\n";
+        page += ".SS " + synopsis(command) + "\n" + sentence(command.summary);
         for (const OptionDescription& word : command.words) page += item(word);
         for (const OptionDescription& option : command.options) page += item(option);
     }

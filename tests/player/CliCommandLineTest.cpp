@@ -181,6 +181,10 @@ TEST(Manual, TellsEveryCommandAndEscapesWhatTheFormatterTakes) {
     for (const char* command : {"run", "apply", "list", "help", "gallery", "check", "docs", "completions"})
         EXPECT_TELLS(page, std::string("krlimage ") + command);
     EXPECT_TELLS(page, "\\-\\-quality");
+    EXPECT_TELLS(page, "\\fBkrlimage run\\fR [\\fIoption\\fR...] \\fISCRIPT\\fR [\\fIARG\\fR...]\n");
+    EXPECT_TELLS(page, "\\fBkrlimage docs\\fR [\\fIoption\\fR...] \\fB\\-o\\fR \\fIDIR\\fR\n");
+    EXPECT_TELLS(page, "\\fIIN|CALL\\fR...\n");
+    EXPECT_EQ(page.find("...."), std::string::npos);
     EXPECT_EQ(page.find("\n'"), std::string::npos);
 }
 
