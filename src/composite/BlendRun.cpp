@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstring>
 #include <utility>
 
@@ -14,202 +13,191 @@ namespace krl {
 namespace {
 
 constexpr size_t kModes = 18;
-
-// Four pixels in the compilers' portable vector form: as bytes, and as two halves of 16-bit lanes, which
-// hold every product of two bytes below.
-using QuadBytes [[gnu::vector_size(16)]] = uint8_t;
-using PairLanes [[gnu::vector_size(16)]] = uint16_t;
-static_assert(std::endian::native == std::endian::little);
-
-constexpr QuadBytes kAlphaBytes{0, 0, 0, 255, 0, 0, 0, 255, 0, 0, 0, 255, 0, 0, 0, 255};
+constexpr size_t kChunkBytes = 4 * kChunkPixels;
 
 /// A pixel as one word, whatever type its memory has.
 using Word [[gnu::may_alias]] = uint32_t;
 
-struct Quad {
-    PairLanes low, high;
-};
+// The loops below go byte by byte and need no more than 16 bits for a step, so that the compiler makes the
+// shortest lanes of them.
 
-QuadBytes loadBytes(const uint8_t* pixels) {
-    QuadBytes bytes;
-    std::memcpy(&bytes, pixels, sizeof bytes);
-    return bytes;
+/// `x / 255` for `x` below 65535.
+constexpr uint16_t dividedBy255(uint16_t x) {
+    return static_cast<uint16_t>(static_cast<uint16_t>(x + 1 + (x >> 8)) >> 8);
 }
 
-void storeBytes(uint8_t* pixels, QuadBytes bytes) { std::memcpy(pixels, &bytes, sizeof bytes); }
-
-Quad widen(QuadBytes bytes) {
-    const QuadBytes zero{};
-    return {std::bit_cast<PairLanes>(
-                __builtin_shufflevector(bytes, zero, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23)),
-            std::bit_cast<PairLanes>(__builtin_shufflevector(bytes, zero, 8, 24, 9, 25, 10, 26, 11, 27, 12,
-                                                             28, 13, 29, 14, 30, 15, 31))};
+constexpr uint16_t screened(uint16_t front, uint16_t behind) {
+    return static_cast<uint16_t>(255 -
+                                 dividedBy255(static_cast<uint16_t>((255 - front) * (255 - behind) + 254)));
 }
 
-/// Lanes to bytes; they are below 256.
-QuadBytes narrow(Quad quad) {
-    return __builtin_shufflevector(std::bit_cast<QuadBytes>(quad.low), std::bit_cast<QuadBytes>(quad.high), 0,
-                                   2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
+/// Twice the product below the middle, twice the screen above it.
+constexpr uint16_t contrasted(bool below, uint16_t front, uint16_t behind) {
+    const auto product = static_cast<uint16_t>(2 * front * behind),
+               shade = static_cast<uint16_t>(2 * (255 - front) * (255 - behind) + 254);
+    const uint16_t quotient = dividedBy255(below ? product : shade);
+    return static_cast<uint16_t>(below ? quotient : 255 - quotient);
 }
 
-/// Each pixel's alpha in its three colour lanes, and 0 in its alpha lane.
-PairLanes opacityLanes(PairLanes pair) {
-    constexpr PairLanes colour{0xFFFF, 0xFFFF, 0xFFFF, 0, 0xFFFF, 0xFFFF, 0xFFFF, 0};
-    return __builtin_shufflevector(pair, pair, 3, 3, 3, 3, 7, 7, 7, 7) & colour;
+constexpr uint16_t excluded(uint16_t front, uint16_t behind) {
+    const auto product = static_cast<uint16_t>(front * behind);
+    const uint16_t quotient = dividedBy255(product);
+    const bool odd = static_cast<uint16_t>(product - 255 * quotient) > 127;
+    return static_cast<uint16_t>(front + behind - 2 * quotient - odd);
 }
 
-/// `lanes / 255` for lanes below 65535.
-PairLanes dividedBy255(PairLanes lanes) { return (lanes + 1 + (lanes >> 8)) >> 8; }
+constexpr bool hasTable(BlendMode mode) { return mode >= BlendMode::Add && mode <= BlendMode::ColorDodge; }
 
-/// Runs `perQuad` on every four pixels and `perPixel` on those that are left, both by byte offset.
-template <class PerQuad, class PerPixel>
-void forEachQuad(size_t count, PerQuad&& perQuad, PerPixel&& perPixel) {
-    size_t i = 0;
-    for (; i + 4 <= count; i += 4) perQuad(4 * i);
-    for (; i < count; ++i) perPixel(4 * i);
-}
-
-/// `2 * product / 255`, rounded down, for products of two bytes.
-PairLanes doubled(PairLanes product) {
-    const PairLanes quotient = dividedBy255(product), rest = product - 255 * quotient;
-    return 2 * quotient + ((127 - rest) >> 15);  // the top bit is set where the rest is above 127
-}
-
-// Lanes of bytes compare as signed ones, for which there are instructions everywhere.
-using SignedLanes [[gnu::vector_size(16)]] = int16_t;
-PairLanes darker(PairLanes front, PairLanes behind) {
-    const auto f = std::bit_cast<SignedLanes>(front), b = std::bit_cast<SignedLanes>(behind);
-    return std::bit_cast<PairLanes>(f < b ? f : b);
-}
-PairLanes lighter(PairLanes front, PairLanes behind) {
-    const auto f = std::bit_cast<SignedLanes>(front), b = std::bit_cast<SignedLanes>(behind);
-    return std::bit_cast<PairLanes>(f > b ? f : b);
-}
-PairLanes added(PairLanes front, PairLanes behind) { return darker(front + behind, PairLanes{} + 255); }
-PairLanes screened(PairLanes front, PairLanes behind) {
-    return 255 - dividedBy255((255 - front) * (255 - behind) + 254);
-}
-
-/// The modes whose tables are exact arithmetic that vectors do faster than they look up. In some of the
-/// others entries fall one short of it, and the rest take longer steps.
-template <BlendMode mode>
-constexpr bool kArithmetic =
-    mode == BlendMode::Add || mode == BlendMode::Darken || mode == BlendMode::Screen ||
-    mode == BlendMode::Lighten || mode == BlendMode::Difference || mode == BlendMode::PinLight ||
-    mode == BlendMode::Exclusion;
-
-/// A mode by its arithmetic. `uneven` is `Add` as the straight-alpha form has it.
-template <BlendMode mode, bool uneven>
-PairLanes blendedLanes(PairLanes front, PairLanes behind) {
-    if constexpr (mode == BlendMode::Add) {
-        constexpr PairLanes blue{0xFFFF, 0, 0, 0, 0xFFFF, 0, 0, 0};
-        if constexpr (!uneven) return added(front, behind);
-        return (added(front, behind) & blue) | (screened(front, behind) & ~blue);
-    } else if constexpr (mode == BlendMode::Darken) {
-        return darker(front, behind);
-    } else if constexpr (mode == BlendMode::Screen) {
-        return screened(front, behind);
-    } else if constexpr (mode == BlendMode::Lighten) {
-        return lighter(front, behind);
-    } else if constexpr (mode == BlendMode::Difference) {
-        return lighter(front, behind) - darker(front, behind);
-    } else if constexpr (mode == BlendMode::PinLight) {
-        return front < 128 ? darker(front, behind) : lighter(front, behind);
-    } else {
-        return front + behind - doubled(front * behind);
+/// The modes whose tables are short arithmetic.
+constexpr bool isArithmetic(BlendMode mode) {
+    switch (mode) {
+        case BlendMode::Add:
+        case BlendMode::Darken:
+        case BlendMode::Multiply:
+        case BlendMode::Screen:
+        case BlendMode::Lighten:
+        case BlendMode::HardLight:
+        case BlendMode::Difference:
+        case BlendMode::PinLight:
+        case BlendMode::Overlay:
+        case BlendMode::Exclusion:
+            return true;
+        default:
+            return false;
     }
 }
 
-/// The blended colour bytes of a chunk, from those in front and those behind; alpha bytes are of no
-/// account. Channels 1 and 2 go by `rest`, which differs from `table` where `uneven`.
-template <BlendMode mode, bool uneven>
+template <BlendMode mode>
+constexpr uint16_t blendedByte(uint16_t front, uint16_t behind) {
+    if constexpr (mode == BlendMode::Add) return static_cast<uint16_t>(std::min(front + behind, 255));
+    if constexpr (mode == BlendMode::Darken) return std::min(front, behind);
+    if constexpr (mode == BlendMode::Multiply) return dividedBy255(static_cast<uint16_t>(front * behind));
+    if constexpr (mode == BlendMode::Screen) return screened(front, behind);
+    if constexpr (mode == BlendMode::Lighten) return std::max(front, behind);
+    if constexpr (mode == BlendMode::HardLight) return contrasted(front < 128, front, behind);
+    if constexpr (mode == BlendMode::Difference)
+        return static_cast<uint16_t>(std::max(front, behind) - std::min(front, behind));
+    if constexpr (mode == BlendMode::PinLight)
+        return front < 128 ? std::min(front, behind) : std::max(front, behind);
+    if constexpr (mode == BlendMode::Overlay) return contrasted(behind < 128, front, behind);
+    if constexpr (mode == BlendMode::Exclusion) return excluded(front, behind);
+    return front;
+}
+
+/// The modes with entries, at most a dozen, that rounding keeps one below their arithmetic.
+constexpr bool fallsShort(BlendMode mode) {
+    return mode == BlendMode::Multiply || mode == BlendMode::Overlay;
+}
+
+/// 0 for every pair whose entry falls short, as its product is a whole number of 255ths and its front one of
+/// 147, 155, 171, 187 and 195; hardly ever 0 for others but those with an end of the scale behind.
+constexpr int16_t doubt(uint8_t front, uint8_t behind) {
+    const auto product = static_cast<uint16_t>(front * behind);
+    const auto rest = static_cast<uint16_t>((product + dividedBy255(product)) & 255);  // as 255 is -1
+    return static_cast<int16_t>(rest | ((front - 147) & 0b11000111));
+}
+
+/// Blends `count` bytes. False where the tables may differ.
+template <BlendMode mode>
+KRL_WIDE_CLONES bool blendBytes(uint8_t* __restrict blended, const uint8_t* front, const uint8_t* behind,
+                                size_t count) {
+    int16_t least = 1;
+    for (size_t i = 0; i < count; ++i) {
+        blended[i] = static_cast<uint8_t>(blendedByte<mode>(front[i], behind[i]));
+        if constexpr (fallsShort(mode)) {
+            const int16_t one = doubt(front[i], behind[i]);
+            least = one < least ? one : least;
+        }
+    }
+    return least > 0;
+}
+
+/// Whether the tables do differ, or so it seems: ends of the scale are no reason, and black is common.
+KRL_WIDE_CLONES bool areDoubtful(const uint8_t* front, const uint8_t* behind, size_t count) {
+    uint8_t doubts = 0;
+    for (size_t i = 0; i < count; ++i) {
+        const auto end = static_cast<uint8_t>(((behind[i] + 1) & 255) < 2);
+        doubts |= static_cast<uint8_t>((doubt(front[i], behind[i]) | end) == 0);
+    }
+    return doubts;
+}
+
+void blendByTable(uint8_t* blended, const uint8_t* front, const uint8_t* behind, size_t count,
+                  const ByteSquare<uint8_t>& table) {
+    for (size_t i = 0; i < count; i += 4)
+        for (size_t c = i; c < i + 3; ++c) blended[c] = table[front[c]][behind[c]];
+}
+
+/// The blended colour bytes of a chunk of `count` bytes, from those in front and those behind. Alpha bytes
+/// are of no account.
+template <BlendMode mode>
 void blendChunk(uint8_t* blended, const uint8_t* front, const uint8_t* behind, size_t count,
-                const ByteSquare<uint8_t>& table, const ByteSquare<uint8_t>& rest) {
-    const auto byTables = [&](size_t at) {
-        blended[at] = table[front[at]][behind[at]];
-        blended[at + 1] = rest[front[at + 1]][behind[at + 1]];
-        blended[at + 2] = rest[front[at + 2]][behind[at + 2]];
-    };
-    if constexpr (kArithmetic<mode>) {
-        const auto byArithmetic = [&](size_t at) {
-            const Quad f = widen(loadBytes(front + at)), b = widen(loadBytes(behind + at));
-            storeBytes(blended + at, narrow({blendedLanes<mode, uneven>(f.low, b.low) & 255,
-                                             blendedLanes<mode, uneven>(f.high, b.high) & 255}));
-        };
-        forEachQuad(count, byArithmetic, byTables);
-    } else {
-        for (size_t at = 0; at < 4 * count; at += 4) byTables(at);
+                const LookupTables& tables) {
+    constexpr size_t kStep = fallsShort(mode) ? 256 : kChunkBytes;  // the less, the less is done again
+    const ByteSquare<uint8_t>& table = *blendTable(tables, mode);
+    if constexpr (!isArithmetic(mode)) return blendByTable(blended, front, behind, count, table);
+    for (size_t i = 0; i < count; i += kStep) {
+        const size_t step = std::min(kStep, count - i);
+        if (!blendBytes<mode>(blended + i, front + i, behind + i, step) &&
+            areDoubtful(front + i, behind + i, step))
+            blendByTable(blended + i, front + i, behind + i, step, table);
+    }
+}
+
+/// Each pixel's alpha beside its three colour bytes, and 0 beside alpha.
+KRL_WIDE_CLONES void spreadAlphas(uint8_t* __restrict alphas, const uint8_t* pixels, size_t pixelCount) {
+    auto* spread = reinterpret_cast<Word*>(alphas);
+    const auto* words = reinterpret_cast<const Word*>(pixels);
+    for (size_t i = 0; i < pixelCount; ++i) {
+        const uint32_t alpha = words[i] >> 24;
+        spread[i] = alpha | alpha << 8 | alpha << 16;
     }
 }
 
 /// `(behind * (256 - a) + blended * a) >> 8` is `behind + (((blended - behind) * a) >> 8)` without a
 /// negative number in between.
-void mixShift(uint8_t* pixels, const uint8_t* blended, const uint8_t* front, size_t count) {
-    const auto mixed = [](PairLanes behind, PairLanes before, PairLanes opacity) {
-        return (behind * (256 - opacity) + before * opacity) >> 8;
-    };
-    forEachQuad(
-        count,
-        [&](size_t at) {
-            const Quad behind = widen(loadBytes(pixels + at)), before = widen(loadBytes(blended + at)),
-                       opacity = widen(loadBytes(front + at));
-            storeBytes(pixels + at, narrow({mixed(behind.low, before.low, opacityLanes(opacity.low)),
-                                            mixed(behind.high, before.high, opacityLanes(opacity.high))}));
-        },
-        [&](size_t at) {
-            const int32_t opacity = front[at + 3];
-            for (size_t c = at; c < at + 3; ++c)
-                pixels[c] = static_cast<uint8_t>((pixels[c] * (256 - opacity) + blended[c] * opacity) >> 8);
-        });
+KRL_WIDE_CLONES void mixShift(uint8_t* pixels, const uint8_t* blended, const uint8_t* __restrict alphas,
+                              size_t count) {
+    for (size_t i = 0; i < count; ++i)
+        pixels[i] = static_cast<uint8_t>(
+            static_cast<uint16_t>(pixels[i] * (256 - alphas[i]) + blended[i] * alphas[i]) >> 8);
 }
 
-void copyColour(uint8_t* pixels, const uint8_t* front, size_t count) {
-    forEachQuad(
-        count,
-        [&](size_t at) {
-            storeBytes(pixels + at,
-                       (loadBytes(pixels + at) & kAlphaBytes) | (loadBytes(front + at) & ~kAlphaBytes));
-        },
-        [&](size_t at) { std::memcpy(pixels + at, front + at, 3); });
+KRL_STREAM_CLONES void copyColour(Pixel* pixels, const Pixel* front, size_t count) {
+    auto* words = reinterpret_cast<Word*>(pixels);
+    const auto* fronts = reinterpret_cast<const Word*>(front);
+    for (size_t i = 0; i < count; ++i) words[i] = (words[i] & 0xFF000000u) | (fronts[i] & 0x00FFFFFFu);
 }
 
 template <BlendMode mode>
 void shiftRun(Pixel* pixels, const Pixel* front, size_t count, const LookupTables& tables) {
-    if constexpr (mode == BlendMode::NoBlend) {
-        copyColour(reinterpret_cast<uint8_t*>(pixels), reinterpret_cast<const uint8_t*>(front), count);
-        return;
-    }
-    alignas(16) uint8_t blended[4 * kChunkPixels];
+    constexpr bool blends = mode != BlendMode::PinLight && hasTable(mode);
+    if constexpr (mode == BlendMode::NoBlend) return copyColour(pixels, front, count);
+    alignas(64) uint8_t blended[kChunkBytes];
+    alignas(64) uint8_t alphas[kChunkBytes];
     forEachChunk(count, [&](size_t done, size_t chunk) {
         auto* behind = reinterpret_cast<uint8_t*>(pixels + done);
         const auto* before = reinterpret_cast<const uint8_t*>(front + done);
-        const ByteSquare<uint8_t>* table = mode == BlendMode::PinLight ? nullptr : blendTable(tables, mode);
-        if (table) blendChunk<mode, false>(blended, before, behind, chunk, *table, *table);
-        mixShift(behind, table ? blended : before, before, chunk);
+        if constexpr (blends) blendChunk<mode>(blended, before, behind, 4 * chunk, tables);
+        spreadAlphas(alphas, before, chunk);
+        mixShift(behind, blends ? blended : before, alphas, 4 * chunk);
     });
 }
 
 /// Colour as the blend sees it, scaled by its own alpha: `scaleByte[colour][alpha]`.
-void scaleByAlpha(uint8_t* scaled, const uint8_t* pixels, size_t count) {
-    forEachQuad(
-        count,
-        [&](size_t at) {
-            const Quad quad = widen(loadBytes(pixels + at));
-            storeBytes(scaled + at, narrow({dividedBy255(quad.low * opacityLanes(quad.low)),
-                                            dividedBy255(quad.high * opacityLanes(quad.high))}));
-        },
-        [&](size_t at) {
-            for (size_t c = at; c < at + 3; ++c)
-                scaled[c] = static_cast<uint8_t>(pixels[c] * pixels[at + 3] / 255);
-        });
+KRL_WIDE_CLONES void scaleByAlphas(uint8_t* __restrict scaled, const uint8_t* bytes,
+                                   const uint8_t* __restrict alphas, size_t count) {
+    for (size_t i = 0; i < count; ++i)
+        scaled[i] = static_cast<uint8_t>(dividedBy255(static_cast<uint16_t>(bytes[i] * alphas[i])));
 }
 
-/// Whether in each of four pixels one alpha or the other is 255.
-bool oneIsOpaque(QuadBytes behind, QuadBytes front) {
-    constexpr uint64_t alphas = 0xFF000000FF000000;
-    using Halves [[gnu::vector_size(16)]] = uint64_t;
-    const auto full = std::bit_cast<Halves>((behind == 255) | (front == 255));
-    return (full[0] & full[1] & alphas) == alphas;
+/// Whether in each of the pixels one alpha or the other is 255.
+KRL_WIDE_CLONES bool oneIsOpaque(const uint8_t* behind, const uint8_t* front, size_t pixelCount) {
+    const auto* words = reinterpret_cast<const Word*>(behind);
+    const auto* fronts = reinterpret_cast<const Word*>(front);
+    uint32_t least = ~uint32_t{0};
+    for (size_t i = 0; i < pixelCount; ++i) least = std::min(least, std::max<uint32_t>(words[i], fronts[i]));
+    return least >= 0xFF000000u;
 }
 
 /// Lays colours that are already blended over pixels of any alpha: `StraightOver`, with the tables' entries
@@ -241,44 +229,56 @@ KRL_WIDE_CLONES void mixOverAny(uint8_t* pixels, const uint8_t* blended, const u
 
 /// Lays them over pixels of which one alpha or the other is 255: the weights are whole numbers over 255, and
 /// the mix is one exact division.
-void mixOverOpaque(uint8_t* pixels, const uint8_t* blended, const uint8_t* front, size_t count) {
-    const auto mixed = [](PairLanes behind, PairLanes before, PairLanes opacity) {
-        return dividedBy255(behind * (255 - opacity) + before * opacity);
-    };
-    for (size_t at = 0; at < 4 * count; at += 16) {
-        const Quad behind = widen(loadBytes(pixels + at)), before = widen(loadBytes(blended + at)),
-                   opacity = widen(loadBytes(front + at));
-        const Quad colour{mixed(behind.low, before.low, opacityLanes(opacity.low)),
-                          mixed(behind.high, before.high, opacityLanes(opacity.high))};
-        storeBytes(pixels + at, narrow(colour) | kAlphaBytes);
+KRL_WIDE_CLONES void mixOverOpaque(uint8_t* pixels, const uint8_t* blended, const uint8_t* __restrict alphas,
+                                   size_t pixelCount) {
+    for (size_t i = 0; i < 4 * pixelCount; ++i)
+        pixels[i] = static_cast<uint8_t>(
+            dividedBy255(static_cast<uint16_t>(pixels[i] * (255 - alphas[i]) + blended[i] * alphas[i])));
+    auto* words = reinterpret_cast<Word*>(pixels);
+    for (size_t i = 0; i < pixelCount; ++i) words[i] |= 0xFF000000u;
+}
+
+void mixOverChunk(uint8_t* pixels, const uint8_t* blended, const uint8_t* front, size_t pixelCount) {
+    constexpr size_t kBlock = 64;
+    alignas(64) uint8_t alphas[4 * kBlock];
+    for (size_t done = 0; done < pixelCount; done += kBlock) {
+        const size_t at = 4 * done, block = std::min(kBlock, pixelCount - done);
+        if (oneIsOpaque(pixels + at, front + at, block)) {
+            spreadAlphas(alphas, front + at, block);
+            mixOverOpaque(pixels + at, blended + at, alphas, block);
+        } else {
+            mixOverAny(pixels + at, blended + at, front + at, block);
+        }
     }
 }
 
-void mixOverRun(uint8_t* pixels, const uint8_t* blended, const uint8_t* front, size_t count) {
-    constexpr size_t kBlock = 32;
-    for (size_t done = 0; done < count; done += kBlock) {
-        const size_t at = 4 * done, block = std::min(kBlock, count - done);
-        bool opaque = block % 4 == 0;
-        for (size_t i = at; opaque && i < at + 4 * block; i += 16)
-            opaque = oneIsOpaque(loadBytes(pixels + i), loadBytes(front + i));
-        (opaque ? mixOverOpaque : mixOverAny)(pixels + at, blended + at, front + at, block);
+/// The colours of a chunk blended for the straight-alpha form, where `Add` adds blue and screens the rest.
+template <BlendMode mode>
+void blendForOver(uint8_t* blended, const uint8_t* front, const uint8_t* behind, size_t pixelCount,
+                  const LookupTables& tables) {
+    blendChunk<mode>(blended, front, behind, 4 * pixelCount, tables);
+    if constexpr (mode == BlendMode::Add) {
+        alignas(64) uint8_t rest[kChunkBytes];
+        blendChunk<BlendMode::Screen>(rest, front, behind, 4 * pixelCount, tables);
+        for (size_t i = 0; i < 4 * pixelCount; i += 4) std::memcpy(blended + i + 1, rest + i + 1, 2);
     }
 }
 
 template <BlendMode mode>
 void overRun(Pixel* pixels, const Pixel* front, size_t count, const LookupTables& tables) {
-    alignas(16) uint8_t seen[4 * kChunkPixels];
-    alignas(16) uint8_t blended[4 * kChunkPixels];
-    const ByteSquare<uint8_t>* table = blendTable(tables, mode);
+    constexpr bool blends = hasTable(mode);
+    alignas(64) uint8_t alphas[kChunkBytes];
+    alignas(64) uint8_t seen[kChunkBytes];
+    alignas(64) uint8_t blended[kChunkBytes];
     forEachChunk(count, [&](size_t done, size_t chunk) {
         auto* behind = reinterpret_cast<uint8_t*>(pixels + done);
         const auto* before = reinterpret_cast<const uint8_t*>(front + done);
-        if (table) {
-            scaleByAlpha(seen, behind, chunk);
-            blendChunk<mode, true>(blended, before, seen, chunk, *table,
-                                   mode == BlendMode::Add ? tables.blendScreen : *table);
+        if constexpr (blends) {
+            spreadAlphas(alphas, behind, chunk);
+            scaleByAlphas(seen, behind, alphas, 4 * chunk);
+            blendForOver<mode>(blended, before, seen, chunk, tables);
         }
-        mixOverRun(behind, table ? blended : before, before, chunk);
+        mixOverChunk(behind, blends ? blended : before, before, chunk);
     });
 }
 

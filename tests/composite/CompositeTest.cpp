@@ -151,6 +151,21 @@ TEST(Composite, RunsEqualThePixelsInEveryModeAndRule) {
                 << mode;
 }
 
+TEST(Composite, RunsEqualThePixelsForEveryPairOfColours) {
+    Picture behind = Picture::ramp(256), front = Picture::ramp(256);
+    for (int y = 0; y < 256; ++y)
+        for (int x = 0; x < 256; ++x) {
+            const auto f = uint8_t(x), b = uint8_t(y);
+            behind.at(x, y) = {b, uint8_t(255 - b), b, 255};
+            front.at(x, y) = {f, f, uint8_t(255 - f), 255};
+        }
+    for (int32_t mode = 0; mode < 18; ++mode)
+        for (AlphaRule rule : {kShift, kStraight})
+            EXPECT_EQ(behind.after(laying(front, BlendMode(mode), rule)),
+                      composited(behind, front, BlendMode(mode), rule))
+                << mode;
+}
+
 TEST(Composite, StraightAlphaOfOpaquePixelsIsOneExactDivision) {
     const double reciprocal = sharedTables().reciprocal[255];
     for (int32_t n = 0; n <= 255 * 255; ++n) ASSERT_EQ(truncate(n * reciprocal), n / 255);
