@@ -35,6 +35,8 @@ protected:
     }
     /// Counts `part` into the depth of `whole`, which is bounded.
     void contain(Expression& whole, const ExpressionPointer& part) const;
+    /// Whether a word ends an expression, and so begins none.
+    static bool isJoiningWord(const Token& token);
     /// Whether the token at hand can begin an expression.
     bool beginsExpression() const;
     static bool isChunkName(const Token& token, ChunkKind& kind);
@@ -56,6 +58,8 @@ private:
     ExpressionPointer chunkByDot(ChunkKind kind, ExpressionPointer source, Place place);
     ExpressionPointer primary();
     ExpressionPointer named();
+    bool beginsReference() const;
+    ExpressionPointer reference(const Token& name);
     ExpressionPointer literal();
     ExpressionPointer constant();
     ExpressionPointer text(std::string characters, Place place);

@@ -39,6 +39,13 @@ on startMovie
   put sqrt(-4), sqrt(-4.0)
   put point(1, 2) + [[1], [2]]
 
+  set cast to "painted"
+  set the image of member cast to picture
+  put the width of the image of member cast, the width of the image of member "painted" of castLib 1
+  set kind = "Counter"
+  set counter to new(script kind, 7)
+  put the value of counter
+
   startTimer
   put the timer >= 0 and the timer < 600, the ticks >= the timer
 end startMovie
