@@ -4,10 +4,10 @@
 #include <cstring>
 #include <type_traits>
 
-#include "blur/ByteMix.h"
 #include "blur/RowStrip.h"
 #include "blur/TentWindow.h"
 #include "core/Bands.h"
+#include "core/ChannelMask.h"
 
 namespace krl {
 
@@ -26,15 +26,15 @@ constexpr int32_t kRowsAhead = 4;
 // of each word are blurred together, the words are `kPitch` samples apart, and `firstLane` is the
 // place of the first in its word.
 
-/// Whole pixels of which the bytes under `keep` stay as they were.
+/// Whole pixels, of which the bytes of `mask` are written.
 struct PixelLayout {
     using Sample = uint8_t;
     static constexpr int32_t kLanes = 4, kPitch = 4;
     static constexpr int32_t firstLane = 0;
-    uint32_t keep;
+    ChannelMask mask;
 
     void store(uint8_t* words, const uint8_t* blurred, int32_t count) const {
-        mergeWords(words, blurred, count, keep);
+        mask.write(reinterpret_cast<Pixel*>(words), reinterpret_cast<const Pixel*>(blurred), count);
     }
 };
 
@@ -190,15 +190,15 @@ Status TentBlur::blurLayout(uint8_t* block, int32_t height, int32_t width, int32
 }
 
 void TentBlur::blurRGBA(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
-    blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{0});
+    blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{ChannelMask(ChannelTarget::RGBA)});
 }
 
 void TentBlur::blurRGB(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
-    blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{0xFF000000u});
+    blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{ChannelMask(ChannelTarget::RGB)});
 }
 
 void TentBlur::blurChroma(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
-    blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{0xFFFF0000u});
+    blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{ChannelMask(0x0000FFFFu)});
 }
 
 Status TentBlur::blurChannel(Pixel* pixels, int32_t height, int32_t width, int32_t radius, int32_t channel) {

@@ -1,8 +1,7 @@
 #include "filters/AlphaScale.h"
 
-#include <bit>
-
 #include "core/Clones.h"
+#include "core/PixelWord.h"
 
 namespace krl {
 
@@ -12,15 +11,15 @@ void scaleByAlpha(const Pixel* pixels, Pixel* scaled, int32_t count) {
 }
 
 KRL_WIDE_CLONES
-static uint32_t commonBits(const Pixel* pixels, int32_t count) {
+bool areOpaque(const Pixel* pixels, int32_t count) {
     uint32_t common = ~0u;
-    for (int32_t i = 0; i < count; ++i) common &= std::bit_cast<uint32_t>(pixels[i]);
-    return common;
+    for (int32_t i = 0; i < count; ++i) common &= wordOf(pixels[i]);
+    return common >= 0xFF000000u;
 }
 
 bool hasTransparency(const ImageBuffer& image) {
     for (int32_t y = 0; y < image.height; ++y)
-        if (std::bit_cast<Pixel>(commonBits(image.row(y), image.width)).alpha != 255) return true;
+        if (!areOpaque(image.row(y), image.width)) return true;
     return false;
 }
 

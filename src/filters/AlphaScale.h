@@ -23,6 +23,8 @@ constexpr Pixel scaledByAlpha(Pixel p) {
 /// Scales `count` adjacent pixels into `scaled`, which may be the same run.
 void scaleByAlpha(const Pixel* pixels, Pixel* scaled, int32_t count);
 
+/// Whether the alpha of `count` adjacent pixels is 255: weighing leaves such pixels as they are.
+bool areOpaque(const Pixel* pixels, int32_t count);
 /// Whether any pixel's alpha is not 255.
 bool hasTransparency(const ImageBuffer& image);
 

@@ -1,7 +1,7 @@
 #include <algorithm>
 
+#include "core/ChannelMask.h"
 #include "core/Clones.h"
-#include "filters/ChannelMask.h"
 #include "filters/PathSum.h"
 #include "filters/Stylise.h"
 

@@ -1,7 +1,7 @@
 #include "blur/TentBlur.h"
+#include "core/ChannelMask.h"
 #include "core/ImageCopy.h"
 #include "filters/AlphaScale.h"
-#include "filters/ChannelMask.h"
 #include "filters/Edges.h"
 #include "filters/LineWindow.h"
 
@@ -11,11 +11,11 @@ namespace {
 
 /// Largest and smallest along the rows: `lowest` holds the picture and takes the smallest.
 Status spreadOfRows(const ImageEngine& engine, const ImageBuffer& lowest, const ImageBuffer& highest,
-                    int32_t half, bool scaled) {
+                    int32_t half) {
     const int32_t width = lowest.width;
     return forEachRowWindow(engine, LineWindow::centred(half, width), [&](int32_t y, RowWindows& windows) {
         Pixel *low = lowest.row(y), *high = highest.row(y);
-        if (scaled) scaleByAlpha(low, low, width);
+        if (!areOpaque(low, width)) scaleByAlpha(low, low, width);
         windows.slide<Largest>(low, high);
         windows.slide<Smallest>(low, low);
     });
@@ -61,7 +61,7 @@ Status glowingEdges(ImageEngine& engine, int32_t size, int32_t smoothness, float
     const ImageCopy highest(image);
     if (smoothness > 0)
         TentBlur(engine.getThreadCount()).blurRGBA(lowest.row(0), image.height, image.width, smoothness);
-    const Status rows = spreadOfRows(engine, lowest.view(), highest.view(), half, hasTransparency(image));
+    const Status rows = spreadOfRows(engine, lowest.view(), highest.view(), half);
     return rows ? rows : spreadOfColumns(engine, lowest.view(), highest.view(), half, curve);
 }
 

@@ -4,9 +4,9 @@
 #include <cstdint>
 
 #include "core/Bands.h"
+#include "core/ChannelMask.h"
 #include "core/ImageEngine.h"
 #include "core/Numbers.h"
-#include "filters/ChannelMask.h"
 
 /// Gradients over the eight neighbours of a pixel, and what becomes of the border, where a pixel
 /// has not all eight.

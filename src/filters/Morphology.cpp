@@ -1,19 +1,19 @@
 #include "filters/Morphology.h"
 
+#include "core/ChannelMask.h"
 #include "core/ImageCopy.h"
 #include "filters/AlphaScale.h"
-#include "filters/ChannelMask.h"
 #include "filters/LineWindow.h"
 
 namespace krl {
 
 namespace {
 
-/// What the pass along a row makes of it for the pass down columns. `kScaled` weighs colours by alpha,
+/// What the pass along a row makes of it for the pass down columns. `kWeighted` weighs colours by alpha,
 /// and does so again in what it writes, as the column pass is to find them.
-template <class Extreme, bool kScaled>
+template <class Extreme, bool kWeighted>
 void spreadRow(RowWindows& windows, const Pixel* row, int32_t width, Pixel* target) {
-    if constexpr (kScaled) {
+    if (kWeighted && !areOpaque(row, width)) {
         scaleByAlpha(row, target, width);
         windows.slide<Extreme>(target, target);
         ChannelMask(ChannelTarget::Alpha).write(target, row, width);
@@ -38,13 +38,13 @@ private:
 };
 
 /// Both passes over the whole picture, one after the other: for windows of any size.
-template <class Extreme, bool kScaled>
+template <class Extreme, bool kWeighted>
 Status spreadInTwoPasses(const ImageEngine& engine, ChannelMask mask, int32_t half) {
     const ImageBuffer& image = *engine.buffer();
     const Intermediate between(image);
     const Status rows = forEachRowWindow(
         engine, LineWindow::seededLate(half, image.width), [&](int32_t y, RowWindows& windows) {
-            spreadRow<Extreme, kScaled>(windows, image.row(y), image.width, between.view().row(y));
+            spreadRow<Extreme, kWeighted>(windows, image.row(y), image.width, between.view().row(y));
         });
     if (rows) return rows;
     const LineWindow window = LineWindow::seededLate(half, image.height);
@@ -92,7 +92,7 @@ private:
 
 /// Both passes in one for a band of rows: rows are spread as they are reached, and held for as long as
 /// a window down the columns needs them. Blocks of heads and tails are as in `slideDownColumns`.
-template <class Extreme, bool kScaled>
+template <class Extreme, bool kWeighted>
 class RollingBand {
 public:
     static uint64_t roomFor(const ImageBuffer& image, const LineWindow& along, const LineWindow& down) {
@@ -142,7 +142,7 @@ private:
         if (y < 0 || y >= image_.height)
             std::memset(target, Extreme::kOutside, static_cast<size_t>(image_.width) * sizeof(Pixel));
         else
-            spreadRow<Extreme, kScaled>(windows_, sourceRow(y), image_.width, target);
+            spreadRow<Extreme, kWeighted>(windows_, sourceRow(y), image_.width, target);
     }
     const Pixel* sourceRow(int32_t y) const {
         if (y < rows_.first) return borders_.row(band_, y - rows_.first);
@@ -159,35 +159,33 @@ private:
     RowWindows windows_;
 };
 
-template <class Extreme, bool kScaled>
+template <class Extreme, bool kWeighted>
 Status spreadRolling(const ImageEngine& engine, ChannelMask mask, int32_t half) {
     const ImageBuffer& image = *engine.buffer();
     const int32_t bands = engine.getThreadCount();
     const LineWindow along = LineWindow::seededLate(half, image.width);
     const LineWindow down = LineWindow::seededLate(half, image.height);
     const BandBorders borders(image, bands, down.length / 2);
-    const BandRoom room(bands, RollingBand<Extreme, kScaled>::roomFor(image, along, down));
+    const BandRoom room(bands, RollingBand<Extreme, kWeighted>::roomFor(image, along, down));
     return runBands(bands, [&](int32_t band) {
-        RollingBand<Extreme, kScaled>(image, borders, bands, band, along, down, room.of(band)).spread(mask);
+        RollingBand<Extreme, kWeighted>(image, borders, bands, band, along, down, room.of(band)).spread(mask);
     });
 }
 
 /// Where bands are higher than the window, what they hold and spread twice is little.
-template <class Extreme, bool kScaled>
+template <class Extreme, bool kWeighted>
 Status spreadSquare(const ImageEngine& engine, ChannelMask mask, int32_t half) {
     const int32_t height = engine.buffer()->height;
     const bool isLow =
         LineWindow::seededLate(half, height).length <= ceilingShare(height, engine.getThreadCount());
-    return isLow ? spreadRolling<Extreme, kScaled>(engine, mask, half)
-                 : spreadInTwoPasses<Extreme, kScaled>(engine, mask, half);
+    return isLow ? spreadRolling<Extreme, kWeighted>(engine, mask, half)
+                 : spreadInTwoPasses<Extreme, kWeighted>(engine, mask, half);
 }
 
 template <class Extreme>
 Status spreadColours(ImageEngine& engine, int32_t size) {
     if (Status state = engine.imageStatus()) return state;
-    const ChannelMask mask(ChannelTarget::RGB);
-    return hasTransparency(*engine.buffer()) ? spreadSquare<Extreme, true>(engine, mask, size)
-                                             : spreadSquare<Extreme, false>(engine, mask, size);
+    return spreadSquare<Extreme, true>(engine, ChannelMask(ChannelTarget::RGB), size);
 }
 
 /// One pass along the rows, in place: a row is laid out whole before it is written.

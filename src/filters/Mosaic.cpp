@@ -1,9 +1,9 @@
 #include <algorithm>
 
 #include "core/Bands.h"
+#include "core/ChannelMask.h"
 #include "core/Clones.h"
 #include "core/Scratch.h"
-#include "filters/ChannelMask.h"
 #include "filters/Stylise.h"
 
 namespace krl {

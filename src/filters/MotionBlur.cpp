@@ -2,9 +2,9 @@
 #include <cmath>
 #include <vector>
 
+#include "core/ChannelMask.h"
 #include "core/Clones.h"
 #include "filters/AlphaScale.h"
-#include "filters/ChannelMask.h"
 #include "filters/PathBlur.h"
 #include "filters/PathSum.h"
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "core/Bands.h"
-#include "filters/ChannelMask.h"
+#include "core/ChannelMask.h"
 #include "filters/PathSum.h"
 
 /// Paths that differ from pixel to pixel are walked for a block of pixels side by side, one sample of

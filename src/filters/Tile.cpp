@@ -1,9 +1,9 @@
 #include <algorithm>
 
 #include "core/Bands.h"
+#include "core/ChannelMask.h"
 #include "core/ImageCopy.h"
 #include "core/Random.h"
-#include "filters/ChannelMask.h"
 #include "filters/Stylise.h"
 
 namespace krl {
