@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <mutex>
+#include <shared_mutex>
 
 #include "player/pictures/Formats.h"
 
@@ -31,6 +32,21 @@ std::string vipsReason() {
     if (system != std::string::npos) reason.erase(0, system + mark.size());
     reason = reason.substr(0, reason.find('\n'));
     return reason.empty() ? "unknown failure" : reason;
+}
+
+/// libvips keeps one log of failures for all threads: what fails beside others is tried once more alone,
+/// so that the reason told is its own.
+template <class Work>
+auto tellingItsOwnReason(const Work& work) {
+    static std::shared_mutex together;
+    try {
+        const std::shared_lock lock(together);
+        return work();
+    } catch (const PictureError&) {
+        const std::unique_lock lock(together);
+        vips_error_clear();
+        return work();
+    }
 }
 
 /// A step of a chain of images; each replaces the one before it.
@@ -194,10 +210,7 @@ int save(VipsImage* image, const char* name, Format format, const WriteOptions& 
     return vips_pngsave(image, name, nullptr);
 }
 
-}  // namespace
-
-Bitmap readWithVips(const std::filesystem::path& path) {
-    startVips();
+Bitmap read(const std::filesystem::path& path) {
     const std::string doing = "read " + path.string();
     VipsImage* opened = vips_image_new_from_file(path.string().c_str(), "access", VIPS_ACCESS_SEQUENTIAL,
                                                  "fail_on", VIPS_FAIL_ON_ERROR, nullptr);
@@ -230,8 +243,7 @@ Bitmap readWithVips(const std::filesystem::path& path) {
     return picture;
 }
 
-void writeWithVips(const AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
-    startVips();
+void write(const AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
     const std::string doing = "write " + file.target().string();
     std::vector<Pixel> samples = picture.pixels;
     for (Pixel& p : samples) std::swap(p.blue, p.red);
@@ -263,6 +275,18 @@ void writeWithVips(const AtomicFile& file, const Bitmap& picture, const WriteOpt
         });
     if (save(chain.get(), file.path().string().c_str(), format, options))
         throw PictureError("cannot " + doing + ": " + vipsReason());
+}
+
+}  // namespace
+
+Bitmap readWithVips(const std::filesystem::path& path) {
+    startVips();
+    return tellingItsOwnReason([&] { return read(path); });
+}
+
+void writeWithVips(const AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
+    startVips();
+    tellingItsOwnReason([&] { write(file, picture, options); });
 }
 
 }  // namespace krl::player

@@ -126,6 +126,18 @@ TEST_F(Conversion, TellsABrokenPictureInOneLine) {
     }
 }
 
+TEST_F(Conversion, TellsOfEachBrokenPictureItsOwnReason) {
+    std::filesystem::create_directories(folder / "in");
+    for (const std::string extension : {".png", ".jpg"}) {
+        writePicture(at("whole" + extension), noise(64, 64));
+        const std::string half = contentOf(at("whole" + extension)).substr(0, 1500);
+        for (int i = 0; i < 40; ++i) text("in/" + std::to_string(i) + extension, half);
+    }
+    const CliResult done = krlimage({"apply", at("in"), "-o", at("out"), "-j", "8", "invert(#RGB)"});
+    EXPECT_EQ(countOf(done.err, ".png: vipspng: "), 40u) << done.err;
+    EXPECT_EQ(countOf(done.err, ".jpg: VipsJpeg: "), 40u) << done.err;
+}
+
 }  // namespace
 }  // namespace krl::player
 
