@@ -102,7 +102,8 @@ int tellAll(const std::vector<BatchItem>& items, const std::vector<PictureReport
         ++failed;
         showFailure(reports[i], terminal);
     }
-    if (json) terminal.out << all.dump(2) << '\n';
+    // Names of files may be bytes of any kind; JSON is not.
+    if (json) terminal.out << all.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
     if (items.size() > 1)
         terminal.err << items.size() - failed << " of " << items.size() << " pictures done"
                      << (failed > 0 ? ", " + std::to_string(failed) + " failed" : "") << '\n';

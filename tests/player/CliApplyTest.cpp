@@ -195,6 +195,13 @@ TEST_F(Apply, TellsResultsAsJson) {
     EXPECT_EQ(json[0]["calls"][1]["error"], "Brightness input failure (Image)");
 }
 
+TEST_F(Apply, TellsNamesThatAreNoUtf8AsJsonToo) {
+    const CliResult done =
+        krlimage({"apply", picture("caf\xE9.pam"), "-o", at("out.pam"), "--json", "invert(#RGB)"});
+    EXPECT_EQ(done.code, 0) << done.err;
+    EXPECT_EQ(nlohmann::json::parse(done.out)[0]["input"], at("caf\xEF\xBF\xBD.pam"));
+}
+
 TEST_F(Apply, PrintsAChainAsAScriptThatDoesTheSame) {
     const std::string in = picture("in.pam", 10, 8);
     const std::vector<std::string> calls = {"brightness(25)", "halfSize()", "invert(#RGB)"};
