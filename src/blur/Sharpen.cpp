@@ -5,10 +5,10 @@
 #include "blur/BlurEffects.h"
 #include "blur/ByteMix.h"
 #include "blur/ChromaImage.h"
+#include "blur/EdgeGain.h"
 #include "blur/TentBlur.h"
 #include "core/Clones.h"
 #include "core/ImageCopy.h"
-#include "core/Numbers.h"
 #include "core/PixelWord.h"
 
 namespace krl {
@@ -16,26 +16,33 @@ namespace krl {
 namespace {
 
 /// What a sharp and a blurred byte become together.
-inline uint8_t sharpened(int32_t sharp, int32_t blurred, double amount, int32_t threshold) {
+template <class Gain>
+uint8_t sharpened(int32_t sharp, int32_t blurred, const Gain& gain, int32_t threshold) {
     const int32_t difference = sharp - blurred;
-    const int32_t edge = std::abs(2 * difference) < threshold ? 0 : difference;
-    return truncatedByte(sharp + edge * amount);
+    return gain(sharp, std::abs(2 * difference) < threshold ? 0 : difference);
 }
 
-KRL_WIDE_CLONES
-void sharpenBytes(const uint8_t* sharp, const uint8_t* blurred, double amount, int32_t threshold,
-                  uint8_t* out, int32_t count) {
-    for (int32_t i = 0; i < count; ++i) out[i] = sharpened(sharp[i], blurred[i], amount, threshold);
+template <class Gain>
+KRL_WIDE_CLONES void sharpenBytes(const uint8_t* sharp, const uint8_t* blurred, Gain gain, int32_t threshold,
+                                  uint8_t* out, int32_t count) {
+    for (int32_t i = 0; i < count; ++i) out[i] = sharpened(sharp[i], blurred[i], gain, threshold);
 }
 
 /// Sharpens byte 2 of each word by byte 3.
-KRL_WIDE_CLONES
-void sharpenLuma(Pixel* words, ptrdiff_t count, double amount, int32_t threshold) {
+template <class Gain>
+KRL_WIDE_CLONES void sharpenLuma(Pixel* words, ptrdiff_t count, Gain gain, int32_t threshold) {
     for (ptrdiff_t i = 0; i < count; ++i) {
         const uint32_t word = wordOf(words[i]);
-        const uint8_t luma = sharpened(byteAt(word, 16), byteAt(word, 24), amount, threshold);
+        const uint8_t luma = sharpened(byteAt(word, 16), byteAt(word, 24), gain, threshold);
         storeWord(words[i], (word & 0xFF00FFFFu) | uint32_t{luma} << 16);
     }
+}
+
+/// What `work` returns of the gain that is `amount`.
+template <class Work>
+Status withGain(float amount, Work&& work) {
+    const std::optional<WholeGain> whole = wholeGain(amount);
+    return whole ? work(*whole) : work(RealGain{amount});
 }
 
 }  // namespace
@@ -44,10 +51,12 @@ Status sharpen(ImageEngine& engine, int32_t radius, float amount, int32_t thresh
     if (Status state = engine.imageStatus()) return state;
     const ImageCopy blurred(*engine.buffer());
     if (radius > 0) blurTarget(blurred.view(), radius, target, engine.getThreadCount());
-    return mixBytes(engine, blurred.row(0), target,
-                    [=](const uint8_t* sharp, const uint8_t* beside, uint8_t* out, int32_t count) {
-                        sharpenBytes(sharp, beside, amount, threshold, out, count);
-                    });
+    return withGain(amount, [&](auto gain) {
+        return mixBytes(engine, blurred.row(0), target,
+                        [=](const uint8_t* sharp, const uint8_t* beside, uint8_t* out, int32_t count) {
+                            sharpenBytes(sharp, beside, gain, threshold, out, count);
+                        });
+    });
 }
 
 Status sharpenBrightness(ImageEngine& engine, int32_t radius, float amount, int32_t threshold) {
@@ -57,8 +66,10 @@ Status sharpenBrightness(ImageEngine& engine, int32_t radius, float amount, int3
     if (Status status = chroma.split(engine)) return status;
     if (radius > 0)
         TentBlur(engine.getThreadCount()).blurAlpha(chroma.data(), image.height, image.width, radius);
-    const Status status = chroma.forEachWordRun(
-        engine, [=](Pixel* first, Pixel* last) { sharpenLuma(first, last - first, amount, threshold); });
+    const Status status = withGain(amount, [&](auto gain) {
+        return chroma.forEachWordRun(
+            engine, [=](Pixel* first, Pixel* last) { sharpenLuma(first, last - first, gain, threshold); });
+    });
     return status ? status : chroma.merge(engine);
 }
 
