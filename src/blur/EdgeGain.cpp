@@ -12,7 +12,9 @@ std::optional<WholeGain> wholeGain(float amount) {
     const float size = std::fabs(amount);
     if (!(size >= kSmallest && size <= kLargest)) return std::nullopt;
     const int shift = std::min(22 - std::ilogb(amount), 31);
-    const WholeGain gain{static_cast<int32_t>(std::ceil(std::ldexp(double(amount), shift))), shift};
+    // Away from 0, as amounts just beyond a short fraction are common, and none falls short of one.
+    const auto multiplier = static_cast<int32_t>(std::ceil(std::ldexp(double(size), shift)));
+    const WholeGain gain{amount < 0 ? -multiplier : multiplier, shift};
     for (int32_t edge = -255; edge <= 255; ++edge)
         if (gain.move(edge) != std::floor(edge * double(amount))) return std::nullopt;
     return gain;
