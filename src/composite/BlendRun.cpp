@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "composite/PixelsBeside.h"
+#include "core/ByteArithmetic.h"
 #include "core/Clones.h"
 
 namespace krl {
@@ -20,16 +21,6 @@ using Word [[gnu::may_alias]] = uint32_t;
 
 // The loops below go byte by byte and need no more than 16 bits for a step, so that the compiler makes the
 // shortest lanes of them.
-
-/// `x / 255` for `x` below 65535.
-constexpr uint16_t dividedBy255(uint16_t x) {
-    return static_cast<uint16_t>(static_cast<uint16_t>(x + 1 + (x >> 8)) >> 8);
-}
-
-constexpr uint16_t screened(uint16_t front, uint16_t behind) {
-    return static_cast<uint16_t>(255 -
-                                 dividedBy255(static_cast<uint16_t>((255 - front) * (255 - behind) + 254)));
-}
 
 /// Twice the product below the middle, twice the screen above it.
 constexpr uint16_t contrasted(bool below, uint16_t front, uint16_t behind) {
@@ -72,7 +63,8 @@ constexpr uint16_t blendedByte(uint16_t front, uint16_t behind) {
     if constexpr (mode == BlendMode::Add) return static_cast<uint16_t>(std::min(front + behind, 255));
     if constexpr (mode == BlendMode::Darken) return std::min(front, behind);
     if constexpr (mode == BlendMode::Multiply) return dividedBy255(static_cast<uint16_t>(front * behind));
-    if constexpr (mode == BlendMode::Screen) return screened(front, behind);
+    if constexpr (mode == BlendMode::Screen)
+        return screenedByte(static_cast<uint8_t>(front), static_cast<uint8_t>(behind));
     if constexpr (mode == BlendMode::Lighten) return std::max(front, behind);
     if constexpr (mode == BlendMode::HardLight) return contrasted(front < 128, front, behind);
     if constexpr (mode == BlendMode::Difference)

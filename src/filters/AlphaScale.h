@@ -2,18 +2,12 @@
 
 #include <cstdint>
 
+#include "core/ByteArithmetic.h"
 #include "core/ImageEngine.h"
 
 /// Colour weighted by its own alpha: what filters sum and compare where transparent pixels must not
 /// count as much as opaque ones.
 namespace krl {
-
-/// `b` scaled by `a / 255`, truncated; the arithmetic of the table `scaleByte`, in a form that becomes
-/// vectors.
-constexpr uint8_t scaledByte(uint8_t a, uint8_t b) {
-    const uint32_t product = uint32_t(a) * b;
-    return static_cast<uint8_t>((product + 1 + (product >> 8)) >> 8);
-}
 
 /// The pixel with its colour bytes scaled by its alpha, which stays.
 constexpr Pixel scaledByAlpha(Pixel p) {

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "core/ByteArithmetic.h"
 #include "core/Clones.h"
 #include "core/LookupTables.h"
 #include "key/ExtremesTable.h"
@@ -109,9 +110,12 @@ KRL_WIDE_CLONES void wrappedHueMattes(const KeyWindow& window, const float* hues
     }
 }
 
+KRL_WIDE_CLONES void screen(const uint8_t* __restrict over, uint8_t* __restrict mattes, ptrdiff_t count) {
+    for (ptrdiff_t i = 0; i < count; ++i) mattes[i] = screenedByte(over[i], mattes[i]);
+}
+
 /// Screens the mattes of hues over those of saturation and value.
-void screenHues(const LookupTables& tables, const KeyWindow& window, const float* hues, ptrdiff_t count,
-                uint8_t* mattes) {
+void screenHues(const KeyWindow& window, const float* hues, ptrdiff_t count, uint8_t* mattes) {
     const bool plain = window.outerLow >= 0.0f && window.outerHigh < 1.0f;
     if (plain) {
         // Most runs lie on the backing or on the subject with all their pixels.
@@ -121,7 +125,7 @@ void screenHues(const LookupTables& tables, const KeyWindow& window, const float
     }
     std::array<uint8_t, kMatteRun> ofHue;
     (plain ? plainHueMattes : wrappedHueMattes)(window, hues, count, ofHue.data());
-    for (ptrdiff_t i = 0; i < count; ++i) mattes[i] = tables.blendScreen[ofHue[size_t(i)]][mattes[i]];
+    screen(ofHue.data(), mattes, count);
 }
 
 }  // namespace
@@ -138,16 +142,15 @@ Status chromaKey(ImageEngine& engine, float huePick, float innerHue, float outer
 
     // No matte counts as 255 and a grey's hue as 0: screened with anything, 255 stays 255 and 0
     // changes nothing.
-    const auto& screen = engine.tables().blendScreen;
     const ExtremesTable unitMattes(engine.tables(), [&](const Hsv& colour) {
-        return screen[matteIn(saturation, colour.saturation)][matteIn(value, colour.value)];
+        return screenedByte(matteIn(saturation, colour.saturation), matteIn(value, colour.value));
     });
     return keyEachRun(engine, keep, invert, [&](const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) {
         unitMattes.mattesOf(pixels, count, mattes);
         if (std::all_of(mattes, mattes + count, [](uint8_t matte) { return matte == 255; })) return;
         std::array<float, kMatteRun> hues;
         huesOf(pixels, count, kNoHue, hues.data());
-        screenHues(engine.tables(), hue, hues.data(), count, mattes);
+        screenHues(hue, hues.data(), count, mattes);
     });
 }
 

@@ -27,7 +27,7 @@ Status keyEachPixel(const ImageEngine& engine, bool keep, bool invert, MatteOf&&
 }
 
 /// Pixels whose mattes are made at once: few enough that they stay in the nearest cache.
-inline constexpr ptrdiff_t kMatteRun = 512;
+inline constexpr ptrdiff_t kMatteRun = 128;
 
 /// Folds `count` mattes into the alpha of the pixels beside them.
 void foldMattes(Pixel* pixels, const uint8_t* mattes, ptrdiff_t count, bool keep, bool invert);

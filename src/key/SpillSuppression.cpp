@@ -1,6 +1,7 @@
 #include "key/SpillSuppression.h"
 
 #include "core/Bands.h"
+#include "core/ByteArithmetic.h"
 #include "core/Clones.h"
 #include "core/PixelWord.h"
 
@@ -20,14 +21,6 @@ struct SpillRoles {
         partner = extended ? follower : other;
     }
 };
-
-/// A product of two bytes divided by 255, as a multiplication, which vectors have.
-constexpr int32_t dividedBy255(int32_t product) { return int32_t(uint32_t(product) * 0x8081u >> 23); }
-static_assert([] {
-    for (int32_t product = 0; product <= 255 * 255; ++product)
-        if (dividedBy255(product) != product / 255) return false;
-    return true;
-}());
 
 KRL_WIDE_CLONES void suppressRun(Pixel* first, ptrdiff_t count, SpillRoles roles, int32_t strength) {
     const int32_t kept = 255 - strength;

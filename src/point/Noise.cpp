@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/Bands.h"
+#include "core/ByteArithmetic.h"
 #include "core/Clones.h"
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
@@ -120,8 +121,7 @@ struct GrainRow {
 /// blue, green, red.
 KRL_WIDE_CLONES void mixGrain(Pixel* pixels, int32_t count, const uint8_t* const (&grained)[3],
                               const uint8_t* const (&shown)[3]) {
-    // a * b / 255 for any two bytes
-    const auto scale = [](uint32_t a, uint32_t b) { return a * b * 0x8081u >> 23; };
+    const auto scale = [](uint32_t a, uint32_t b) { return dividedBy255(a * b); };
     const uint8_t *const g0 = grained[0], *const g1 = grained[1], *const g2 = grained[2];
     const uint8_t *const s0 = shown[0], *const s1 = shown[1], *const s2 = shown[2];
     for (int32_t x = 0; x < count; ++x) {

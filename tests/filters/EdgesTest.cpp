@@ -48,12 +48,6 @@ void onManyPictures(Check&& check) {
             for (ChannelTarget target : kTargets) check(picture, target);
 }
 
-TEST(AlphaScale, EqualsTheTableForAllBytes) {
-    for (int a = 0; a < 256; ++a)
-        for (int b = 0; b < 256; ++b)
-            ASSERT_EQ(scaledByte(uint8_t(a), uint8_t(b)), sharedTables().scaleByte[a][b]) << a << ' ' << b;
-}
-
 TEST(Gradient, StrengthIsTheTruncatedRootForAllSums) {
     for (int vertical = 0; vertical <= 1020; ++vertical)
         for (int horizontal = 0; horizontal <= 1020; horizontal += 3) {

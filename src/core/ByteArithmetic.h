@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+
+/// What some of the shared tables hold, worked out: for loops that are to become vectors, which compute
+/// faster than they look up.
+namespace krl {
+
+/// `x / 255` for an `x` from 0 up to 65534, in lanes as short as the type is.
+template <class Integer>
+constexpr Integer dividedBy255(Integer x) {
+    return static_cast<Integer>(static_cast<Integer>(x + 1 + (x >> 8)) >> 8);
+}
+
+/// `scaleByte[a][b]`.
+constexpr uint8_t scaledByte(uint8_t a, uint8_t b) {
+    return static_cast<uint8_t>(dividedBy255(static_cast<uint16_t>(a * b)));
+}
+
+/// `blendScreen[a][b]`.
+constexpr uint8_t screenedByte(uint8_t a, uint8_t b) {
+    return static_cast<uint8_t>(255 - dividedBy255(static_cast<uint16_t>((255 - a) * (255 - b) + 254)));
+}
+
+}  // namespace krl
