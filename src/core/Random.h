@@ -1,5 +1,7 @@
 #pragma once
 
+#include <bit>
+#include <cstddef>
 #include <cstdint>
 
 namespace krl {
@@ -27,23 +29,59 @@ public:
     }
 
 private:
+    friend class RandomRun;
+
     uint32_t state_;
 };
 
-/// Remainders of draws by a divisor of 1 and up, without a division. For a dividend below 2^15 the
-/// rounded-up reciprocal is exact: below 2^15 its error, times the dividend, stays under 2^32, and
-/// from there on the quotient is 0.
-class DrawRemainder {
+/// The draws of a generator many at a time: by as many side by side, each of which passes over the others'.
+class RandomRun {
 public:
-    explicit DrawRemainder(int32_t divisor)
-        : reciprocal_((uint64_t{1} << 32) / static_cast<uint32_t>(divisor) + 1), divisor_(divisor) {}
+    static constexpr size_t kLanes = 16;
 
-    int32_t operator()(int32_t draw) const {
-        return draw - static_cast<int32_t>(static_cast<uint64_t>(draw) * reciprocal_ >> 32) * divisor_;
+    explicit RandomRun(Random random) {
+        for (uint32_t& state : states_) {
+            random.next();
+            state = random.state_;
+            term_ = term_ * 214013u + 2531011u;
+            factor_ *= 214013u;
+        }
+    }
+
+    /// Writes the next draws, as many as there are lanes.
+    void next(int32_t* draws) {
+        for (size_t i = 0; i < kLanes; ++i) {
+            draws[i] = static_cast<int32_t>(states_[i] >> 16 & 0x7FFFu);
+            states_[i] = states_[i] * factor_ + term_;
+        }
     }
 
 private:
-    uint64_t reciprocal_;
+    uint32_t states_[kLanes];
+    uint32_t factor_ = 1, term_ = 0;  ///< of as many steps at once
+};
+
+/// Remainders of draws by a divisor of 1 and up, without a division: as many bits of the reciprocal as a
+/// draw and the divisor have, rounded up, are exact for every draw and fit 32 bits. Above all draws the
+/// quotient is 0.
+class DrawRemainder {
+public:
+    explicit DrawRemainder(int32_t divisor) : divisor_(divisor) {
+        if (divisor > kDraws) return;
+        shift_ = 15 + static_cast<int>(std::bit_width(static_cast<uint32_t>(divisor) - 1));
+        reciprocal_ =
+            static_cast<uint32_t>(((uint64_t{1} << shift_) - 1) / static_cast<uint32_t>(divisor) + 1);
+    }
+
+    int32_t operator()(int32_t draw) const {
+        return draw - static_cast<int32_t>(static_cast<uint32_t>(draw) * reciprocal_ >> shift_) * divisor_;
+    }
+
+private:
+    static constexpr int32_t kDraws = 1 << 15;
+
+    uint32_t reciprocal_ = 0;
+    int shift_ = 0;
     int32_t divisor_;
 };
 

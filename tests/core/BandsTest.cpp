@@ -11,7 +11,6 @@
 #include "core/Bands.h"
 #include "core/Faults.h"
 #include "core/ImageCopy.h"
-#include "core/Random.h"
 #include "support/Picture.h"
 
 namespace krl {
@@ -256,19 +255,6 @@ TEST(Scratch, ThrowsWhenTheSeamGrantsNoMore) {
     Scratch<int32_t> granted(4);
     EXPECT_EQ(granted.size(), 4u);
     EXPECT_THROW(Scratch<int32_t>(4), std::bad_alloc);
-}
-
-TEST(SequentialGenerator, DrawsTheKnownSequenceAndSkipsAhead) {
-    Random random(1);
-    EXPECT_EQ(random.next(), 41);
-    EXPECT_EQ(random.next(), 18467);
-    EXPECT_EQ(random.next(), 6334);
-    for (uint64_t count : {0u, 1u, 2u, 3u, 1000u, 65537u}) {
-        Random walked(7), skipped(7);
-        for (uint64_t i = 0; i < count; ++i) walked.next();
-        skipped.skip(count);
-        EXPECT_EQ(walked.next(), skipped.next()) << count;
-    }
 }
 
 }  // namespace

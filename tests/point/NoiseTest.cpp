@@ -38,21 +38,6 @@ constexpr reference::Grain kCoarse{{3.5f, 1.0f, 20.0f}, {1.0f, 0.6f, 0.3f}, 60, 
 
 }  // namespace
 
-// The remainder only jumps at multiples of the divisor, so the draws beside them are the whole range.
-TEST(Noise, TakesRemaindersOfDrawsExactly) {
-    const auto expectExact = [](int32_t divisor) {
-        const DrawRemainder remainder(divisor);
-        for (int64_t multiple = 0; multiple <= 32767; multiple += divisor)
-            for (int64_t draw : {multiple, multiple + divisor - 1}) {
-                if (draw > 32767) break;
-                ASSERT_EQ(remainder(int32_t(draw)), int32_t(draw) % divisor) << divisor;
-            }
-        ASSERT_EQ(remainder(32767), 32767 % divisor) << divisor;
-    };
-    for (int32_t divisor = 1; divisor <= 70000; ++divisor) expectExact(divisor);
-    for (int32_t divisor : {1 << 20, INT32_MAX - 1, INT32_MAX}) expectExact(divisor);
-}
-
 TEST(Noise, ReadsOneDrawForEachPixelOfASequenceWithOneForEachByte) {
     for (const auto& [width, height] : {std::pair{1, 1}, {31, 12}, {5, 7}}) {
         const Picture source = Picture::random(width, height);
