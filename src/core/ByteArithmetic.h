@@ -6,7 +6,7 @@
 /// faster than they look up.
 namespace krl {
 
-/// `x / 255` for an `x` from 0 up to 65534, in lanes as short as the type is.
+/// `x / 255` for an `x` from 0 up to 65279, in lanes as short as the type is.
 template <class Integer>
 constexpr Integer dividedBy255(Integer x) {
     return static_cast<Integer>(static_cast<Integer>(x + 1 + (x >> 8)) >> 8);
