@@ -5,7 +5,6 @@
 
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
-#include "core/Random.h"
 #include "point/Noise.h"
 #include "point/SmoothNoise.h"
 #include "reference/FilmReference.h"
