@@ -15,7 +15,8 @@ namespace {
 class TwirlDisc {
 public:
     TwirlDisc(const ImageBuffer& image, int32_t twirl)
-        : centreX_(image.width * 0.5),
+        : height_(image.height),
+          centreX_(image.width * 0.5),
           centreY_(image.height * 0.5),
           radiansPerPixel_(twirl / (image.width * 0.5 * 10)),
           minHalf_(std::min(image.width, image.height) * 0.5),
@@ -23,18 +24,25 @@ public:
           right_(static_cast<float>(image.width)),
           bottom_(static_cast<float>(image.height)) {}
 
-    void positions(int32_t y, int32_t first, PositionRun& run) const {
+    /// Rows at the same distance above and below the middle are turned by the same angles.
+    int32_t rowPairs() const { return height_ / 2 + 1; }
+
+    /// Makes a run of row `pair` and of its counterpart below the middle; row 0 has none.
+    template <class Put>
+    void makePair(int32_t pair, PositionRun& run, int32_t first, Put&& put) const {
         double dx[kRunPixels], sizes[kRunPixels], turns[kRunPixels], sines[kRunPixels], cosines[kRunPixels];
-        const double dy = centreY_ - y;
+        const double dy = centreY_ - pair;
         for (size_t i = 0; i < run.count; ++i) dx[i] = centreX_ - (first + static_cast<int32_t>(i));
         angleSizes(dx, dy, sizes, run.count);
         turnsOf(dx, dy, sizes, turns, run.count);
-        if (std::all_of(turns, turns + run.count, [](double angle) { return angle == 0; })) {
-            run.count = 0;
-            return;
-        }
+        if (std::all_of(turns, turns + run.count, [](double angle) { return angle == 0; })) return;
         sinesAndCosines(turns, sines, cosines, run.count);
-        turn(dx, dy, sines, cosines, run);
+        const auto makeRow = [&](int32_t y) {
+            turn(dx, centreY_ - y, sines, cosines, run);
+            put(y);
+        };
+        if (pair < height_) makeRow(pair);
+        if (pair > 0 && height_ - pair > pair) makeRow(height_ - pair);
     }
 
 private:
@@ -66,6 +74,7 @@ private:
     /// Unlike in the waves, a place exactly at the end stays.
     static float held(float place, float end) { return place < 0 ? 0 : place > end ? end - 1 : place; }
 
+    int32_t height_;
     double centreX_, centreY_, radiansPerPixel_, minHalf_, maxHalf_;
     float right_, bottom_;
 };
@@ -75,8 +84,10 @@ private:
 Status twirl(ImageEngine& engine, int32_t twirl, SampleQuality quality, ChannelTarget colourOrAlpha) {
     if (Status state = engine.imageStatus()) return state;
     const TwirlDisc disc(*engine.buffer(), twirl);
-    return warpByPosition(engine, quality, colourOrAlpha,
-                          [&](int32_t y, int32_t first, PositionRun& run) { disc.positions(y, first, run); });
+    return warpByLine(engine, quality, colourOrAlpha, disc.rowPairs(),
+                      [&](int32_t pair, PositionRun& run, int32_t first, auto&& put) {
+                          disc.makePair(pair, run, first, put);
+                      });
 }
 
 }  // namespace krl
