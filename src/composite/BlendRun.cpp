@@ -5,7 +5,7 @@
 #include <cstring>
 #include <utility>
 
-#include "composite/PixelsBeside.h"
+#include "composite/Chunks.h"
 #include "core/ByteArithmetic.h"
 #include "core/Clones.h"
 

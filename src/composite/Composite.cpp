@@ -1,7 +1,7 @@
 #include "composite/Composite.h"
 
 #include "composite/BlendRun.h"
-#include "composite/PixelsBeside.h"
+#include "composite/Chunks.h"
 
 namespace krl {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "composite/PixelsBeside.h"
+#include "composite/Chunks.h"
 #include "composite/ZoomRays.h"
 
 namespace krl {

@@ -4,7 +4,7 @@
 
 #include "blur/TentBlur.h"
 #include "composite/BlendRun.h"
-#include "composite/PixelsBeside.h"
+#include "composite/Chunks.h"
 #include "core/Scratch.h"
 
 namespace krl {

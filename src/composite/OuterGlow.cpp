@@ -5,7 +5,7 @@
 
 #include "blur/TentBlur.h"
 #include "composite/BlendRun.h"
-#include "composite/PixelsBeside.h"
+#include "composite/Chunks.h"
 #include "core/ImageCopy.h"
 #include "generate/Curve.h"
 
