@@ -15,6 +15,8 @@ namespace {
 
 using tent::Line;
 
+constexpr int32_t kCacheLine = 64;
+
 /// Samples that a tile of the column pass is wide: half a memory page, so that going down the rows
 /// is not all page walks, and little enough that sums and rows stay in the nearest cache.
 constexpr int32_t kTileSamples = 2048;
@@ -22,7 +24,8 @@ constexpr int32_t kTileSamples = 2048;
 /// How many rows ahead the column pass asks for memory.
 constexpr int32_t kRowsAhead = 4;
 
-// A layout tells where the samples of a block lie and how blurred ones go back. `kLanes` samples
+// A layout tells where the samples of a block lie and how blurred ones go back; one of bytes also how
+// `count` words' samples are had one after the other, in `room` if need be. `kLanes` samples
 // of each word are blurred together, the words are `kPitch` samples apart, and `firstLane` is the
 // place of the first in its word.
 
@@ -33,6 +36,7 @@ struct PixelLayout {
     static constexpr int32_t firstLane = 0;
     ChannelMask mask;
 
+    const uint8_t* samples(const uint8_t* words, ptrdiff_t, uint8_t*) const { return words; }
     void store(uint8_t* words, const uint8_t* blurred, int32_t count) const {
         mask.write(reinterpret_cast<Pixel*>(words), reinterpret_cast<const Pixel*>(blurred), count);
     }
@@ -44,6 +48,10 @@ struct ChannelLayout {
     static constexpr int32_t kLanes = 1, kPitch = 4;
     int32_t firstLane;
 
+    const uint8_t* samples(const uint8_t* words, ptrdiff_t count, uint8_t* room) const {
+        tent::gatherChannel(words, firstLane, count, room);
+        return room;
+    }
     void store(uint8_t* words, const uint8_t* blurred, int32_t count) const {
         const int32_t shift = 8 * firstLane;
         const uint32_t keep = ~(255u << shift);
@@ -63,6 +71,7 @@ struct PlaneLayout {
     static constexpr int32_t kLanes = 1, kPitch = 1;
     static constexpr int32_t firstLane = 0;
 
+    const Sample* samples(const Sample* words, ptrdiff_t, Sample*) const { return words; }
     void store(Sample* samples, const Sample* blurred, int32_t count) const {
         std::copy_n(blurred, count, samples);
     }
@@ -90,27 +99,30 @@ void blurRows(const typename Arithmetic::Sample* block, typename Arithmetic::Sam
     }
 }
 
-/// Bytes that a strip of rows takes.
-constexpr size_t stripBytes(int32_t width) { return size_t(width) * tent::kStripLanes; }
+/// Room for a strip of rows, and for the bytes of one channel that it is made of.
+constexpr size_t stripBytes(int32_t width) { return 2 * size_t(width) * tent::kStripLanes; }
 
-/// The same for whole pixels, a strip of rows at a time, which is laid out in `strip`.
-template <class Arithmetic>
-void blurPixelRows(const uint8_t* block, uint8_t* lines, const Extent& extent, IndexRange rows,
-                   uint8_t* strip) {
-    constexpr int32_t kPixelBytes = PixelLayout::kLanes;
-    constexpr int32_t kColumns = 16;  // whole cache lines of each row are written at once
+/// The same for bytes, a strip of rows at a time; `strip` has `stripBytes`.
+template <class Arithmetic, class Layout>
+void blurRowStrips(const uint8_t* block, uint8_t* lines, const Extent& extent, const Layout& layout,
+                   IndexRange rows, uint8_t* strip) {
+    constexpr int32_t kLanes = Layout::kLanes, kRows = tent::stripRows(kLanes);
+    constexpr int32_t kColumns = kCacheLine / kLanes;  // whole cache lines of each row are written at once
+    const int32_t width = extent.width;
     const Arithmetic arithmetic(extent.halfWidth);
-    const Line<uint8_t> line{strip, tent::kStripLanes, extent.width};
-    for (int32_t y = rows.first; y < rows.last; y += tent::kStripRows) {
-        const int32_t rowCount = std::min(tent::kStripRows, rows.last - y);
-        const ptrdiff_t start = ptrdiff_t(y) * extent.width * kPixelBytes;
-        tent::layOnSide(block + start, rowCount, extent.width, strip);
+    const Line<uint8_t> line{strip, tent::kStripLanes, width};
+    for (int32_t y = rows.first; y < rows.last; y += kRows) {
+        const int32_t rowCount = std::min(kRows, rows.last - y);
+        const ptrdiff_t start = ptrdiff_t(y) * width;
+        const uint8_t* samples = layout.samples(block + start * Layout::kPitch, ptrdiff_t(rowCount) * width,
+                                                strip + stripBytes(width) / 2);
+        tent::layOnSide<kLanes>(samples, rowCount, width, strip);
         tent::Window<Arithmetic, tent::kStripLanes> window(arithmetic, line, extent.halfWidth);
-        for (int32_t x = 0; x < extent.width; x += kColumns) {
-            const int32_t end = std::min(x + kColumns, extent.width);
+        for (int32_t x = 0; x < width; x += kColumns) {
+            const int32_t end = std::min(x + kColumns, width);
             uint8_t means[kColumns * tent::kStripLanes];
             window.walkOn(means, line, extent.halfWidth, x, end);
-            tent::setUpright(means, end - x, lines + start + x * kPixelBytes, rowCount, extent.width);
+            tent::setUpright<kLanes>(means, end - x, lines + (start + x) * kLanes, rowCount, width);
         }
     }
 }
@@ -162,8 +174,9 @@ Status TentBlur::runPasses(typename Arithmetic::Sample* block, int32_t height, i
     const Status status = runBands(threadCount_, [&](int32_t band) {
         const IndexRange rows = lineBand(height, threadCount_, band);
         if (rows.first >= rows.last) return;
-        if constexpr (std::is_same_v<Layout, PixelLayout> && !std::is_same_v<Arithmetic, tent::WideBytes>)
-            blurPixelRows<Arithmetic>(block, lines, extent, rows, strips + size_t(band) * stripBytes(width));
+        if constexpr (sizeof(typename Arithmetic::Sum) < sizeof(uint64_t))
+            blurRowStrips<Arithmetic>(block, lines, extent, layout, rows,
+                                      strips + size_t(band) * stripBytes(width));
         else
             blurRows<Arithmetic>(block, lines, extent, layout, rows);
     });
@@ -179,8 +192,7 @@ Status TentBlur::blurLayout(uint8_t* block, int32_t height, int32_t width, int32
     const int32_t halfWidth = tent::halfWidth(radius);
     if (halfWidth <= 0 || height <= 0 || width <= 0) return kStatusOk;
     const size_t samples = size_t(height) * size_t(width) * Layout::kLanes;
-    const size_t strips =
-        std::is_same_v<Layout, PixelLayout> ? size_t(std::min(threadCount_, height)) * stripBytes(width) : 0;
+    const size_t strips = size_t(std::min(threadCount_, height)) * stripBytes(width);
     if (lines_.size() < samples + strips) lines_ = Scratch<uint8_t>(samples + strips);
     if (halfWidth <= tent::kWidestShort)
         return runPasses<tent::ShortBytes>(block, height, width, halfWidth, layout, lines_.data());

@@ -103,9 +103,8 @@ inline void stepLanes(const Arithmetic& arithmetic, typename Arithmetic::Sum* __
     }
 }
 
-/// Lanes that walk along rows together: the four bytes of a pixel in each of a strip of rows.
-inline constexpr int32_t kStripRows = 16;
-inline constexpr int32_t kStripLanes = 4 * kStripRows;
+/// Lanes that walk along rows together, of as many rows as their elements leave room for.
+inline constexpr int32_t kStripLanes = 64;
 
 /// `stepLanes`, in the widest vectors that there are.
 void stepManyLanes(const ShortBytes& arithmetic, uint16_t* sums, uint16_t* slopes, uint8_t* means,
