@@ -23,9 +23,6 @@ public:
         return static_cast<uint8_t>((uint64_t{sum} * multiplier_) >> shift_);
     }
 
-    uint32_t multiplier() const { return multiplier_; }
-    int shift() const { return shift_; }
-
 private:
     int shift_;
     uint32_t multiplier_;
@@ -52,6 +49,23 @@ public:
 private:
     int shift_;
     uint16_t multiplier_, addend_;
+};
+
+/// The same in single precision. Half a sum more stands half a weight's part off every whole number, and the
+/// two roundings err by less than 2^-15 at 256.
+class MiddleByteQuotient {
+public:
+    using Sum = uint32_t;
+    static constexpr uint64_t kLargestWeight = uint64_t{1} << 14;
+
+    explicit MiddleByteQuotient(uint64_t weight) : reciprocal_(1.0f / static_cast<float>(weight)) {}
+    uint8_t operator()(uint32_t sum) const {
+        const float half = static_cast<float>(static_cast<int32_t>(sum)) + 0.5f;
+        return static_cast<uint8_t>(static_cast<int32_t>(half * reciprocal_));
+    }
+
+private:
+    float reciprocal_;
 };
 
 /// The same for any weight whose sums fit 64 bits, by division.

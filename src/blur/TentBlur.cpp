@@ -196,6 +196,8 @@ Status TentBlur::blurLayout(uint8_t* block, int32_t height, int32_t width, int32
     if (lines_.size() < samples + strips) lines_ = Scratch<uint8_t>(samples + strips);
     if (halfWidth <= tent::kWidestShort)
         return runPasses<tent::ShortBytes>(block, height, width, halfWidth, layout, lines_.data());
+    if (halfWidth <= tent::kWidestMiddle)
+        return runPasses<tent::MiddleBytes>(block, height, width, halfWidth, layout, lines_.data());
     if (halfWidth <= tent::kWidestNarrow)
         return runPasses<tent::NarrowBytes>(block, height, width, halfWidth, layout, lines_.data());
     return runPasses<tent::WideBytes>(block, height, width, halfWidth, layout, lines_.data());

@@ -24,6 +24,12 @@ void stepManyLanes(const ShortBytes& arithmetic, uint16_t* sums, uint16_t* slope
 }
 
 KRL_WIDE_CLONES
+void stepManyLanes(const MiddleBytes& arithmetic, uint32_t* sums, uint32_t* slopes, uint8_t* means,
+                   Step<uint8_t> step, int lanes) {
+    stepLanes(MiddleBytes(arithmetic), sums, slopes, means, step, lanes);
+}
+
+KRL_WIDE_CLONES
 void stepManyLanes(const NarrowBytes& arithmetic, uint32_t* sums, uint32_t* slopes, uint8_t* means,
                    Step<uint8_t> step, int lanes) {
     stepLanes(NarrowBytes(arithmetic), sums, slopes, means, step, lanes);
@@ -31,6 +37,12 @@ void stepManyLanes(const NarrowBytes& arithmetic, uint32_t* sums, uint32_t* slop
 
 KRL_WIDE_CLONES
 void walkStrip(const ShortBytes& arithmetic, uint16_t* sums, uint16_t* slopes, uint8_t* means,
+               const Line<uint8_t>& line, int32_t halfWidth, int32_t first, int32_t end) {
+    walk(arithmetic, sums, slopes, means, line, halfWidth, first, end);
+}
+
+KRL_WIDE_CLONES
+void walkStrip(const MiddleBytes& arithmetic, uint32_t* sums, uint32_t* slopes, uint8_t* means,
                const Line<uint8_t>& line, int32_t halfWidth, int32_t first, int32_t end) {
     walk(arithmetic, sums, slopes, means, line, halfWidth, first, end);
 }

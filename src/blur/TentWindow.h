@@ -37,20 +37,22 @@ public:
 
     explicit Bytes(int32_t halfWidth) : divide_(static_cast<uint64_t>(weightOf(halfWidth))) {}
     uint8_t quotient(Sum sum) const { return divide_(sum); }
-    const Quotient& division() const { return divide_; }
 
 private:
     Quotient divide_;
 };
 
-/// Bytes under windows up to `kWidestShort`, whose sums fit 16 bits, up to `kWidestNarrow`, whose sums fit
-/// 32, and under wider ones.
+/// Bytes under windows up to `kWidestShort`, whose sums fit 16 bits, up to `kWidestMiddle`, whose sums fit a
+/// float, up to `kWidestNarrow`, whose sums fit 32 bits, and under wider ones.
 using ShortBytes = Bytes<ShortByteQuotient>;
+using MiddleBytes = Bytes<MiddleByteQuotient>;
 using NarrowBytes = Bytes<ByteQuotient>;
 using WideBytes = Bytes<WideByteQuotient>;
 inline constexpr int32_t kWidestShort = 15;
+inline constexpr int32_t kWidestMiddle = 126;
 inline constexpr int32_t kWidestNarrow = 2895;
 static_assert(weightOf(kWidestShort) <= int64_t{ShortByteQuotient::kLargestWeight});
+static_assert(weightOf(kWidestMiddle) <= int64_t{MiddleByteQuotient::kLargestWeight});
 static_assert(weightOf(kWidestNarrow) <= int64_t{ByteQuotient::kLargestWeight});
 
 /// Any 32-bit integers; the quotient is truncated toward zero.
@@ -109,6 +111,8 @@ inline constexpr int32_t kStripLanes = 64;
 /// `stepLanes`, in the widest vectors that there are.
 void stepManyLanes(const ShortBytes& arithmetic, uint16_t* sums, uint16_t* slopes, uint8_t* means,
                    Step<uint8_t> step, int lanes);
+void stepManyLanes(const MiddleBytes& arithmetic, uint32_t* sums, uint32_t* slopes, uint8_t* means,
+                   Step<uint8_t> step, int lanes);
 void stepManyLanes(const NarrowBytes& arithmetic, uint32_t* sums, uint32_t* slopes, uint8_t* means,
                    Step<uint8_t> step, int lanes);
 template <class Arithmetic>
@@ -121,6 +125,8 @@ void stepManyLanes(const Arithmetic& arithmetic, typename Arithmetic::Sum* sums,
 /// The same for `kStripLanes` lanes at every place of `line` from `first` up to `end`; the means of one
 /// place follow those of the other.
 void walkStrip(const ShortBytes& arithmetic, uint16_t* sums, uint16_t* slopes, uint8_t* means,
+               const Line<uint8_t>& line, int32_t halfWidth, int32_t first, int32_t end);
+void walkStrip(const MiddleBytes& arithmetic, uint32_t* sums, uint32_t* slopes, uint8_t* means,
                const Line<uint8_t>& line, int32_t halfWidth, int32_t first, int32_t end);
 void walkStrip(const NarrowBytes& arithmetic, uint32_t* sums, uint32_t* slopes, uint8_t* means,
                const Line<uint8_t>& line, int32_t halfWidth, int32_t first, int32_t end);
