@@ -18,7 +18,7 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"point", {"blur/TentBlur.h", "generate/Curve.h", "generate/CurveKey.h", "composite/BlendMode.h"}},
     {"filters", {"blur/TentBlur.h"}},
     {"warp", {}},
-    {"composite", {"blur/TentBlur.h", "generate/Curve.h", "generate/CurveKey.h"}},
+    {"composite", {"blur/TentBlur.h", "generate/Curve.h", "generate/CurveKey.h", "point/ByteCurve.h"}},
     {"key", {"filters/Gradient3x3.h"}},
     {"generate", {"blur/TentBlur.h", "composite/BlendMode.h"}},
     {"fields", {}},

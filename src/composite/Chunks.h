@@ -16,6 +16,12 @@ inline size_t blockPixels(const ImageBuffer& image) {
                     static_cast<size_t>(image.width) * static_cast<size_t>(image.height));
 }
 
+/// Pixels at the beginning of the loaded image's block that are walked beside `other`.
+inline ptrdiff_t pixelsBeside(const ImageBuffer& image, const SecondImage& other) {
+    const ptrdiff_t loaded = pixelBand(image, 1, 0).last;
+    return std::clamp<ptrdiff_t>(loaded, 0, static_cast<ptrdiff_t>(other.block().size()));
+}
+
 /// Calls `work(start, count)` for the chunks of a run of `count` pixels.
 template <class Work>
 void forEachChunk(size_t count, Work&& work) {

@@ -10,9 +10,9 @@
 
 namespace krl {
 
-ByteTable gleamLevels(int32_t black, int32_t white) {
+ByteCurve gleamLevels(int32_t black, int32_t white) {
     const auto slope = static_cast<float>(256.0 / (white - black + 1));
-    ByteTable levels{};
+    ByteCurve levels{};
     for (int32_t i = 0; i < 256; ++i) {
         const auto stretched = [&] {
             return static_cast<uint8_t>(truncate((i - black) * static_cast<double>(slope)));
@@ -22,9 +22,9 @@ ByteTable gleamLevels(int32_t black, int32_t white) {
     return levels;
 }
 
-ByteTable gleamGain(float brightness) {
+ByteCurve gleamGain(float brightness) {
     const auto room = static_cast<float>(1.0 - clampUnit(brightness));
-    ByteTable gain{};
+    ByteCurve gain{};
     for (int32_t i = 0; i < 256; ++i)
         gain[static_cast<size_t>(i)] = room == 0 ? 255 : truncatedByte(i / 255.0 / room * 255);
     return gain;
@@ -32,36 +32,21 @@ ByteTable gleamGain(float brightness) {
 
 namespace {
 
-/// What each byte of the light becomes, channel by channel, and whether byte 0 stands for all three.
-struct LightColours {
-    std::array<ByteTable, 3> channels;
-    bool fromBlue = false;
-
-    LightColours(const GleamSettings& settings, const LookupTables& tables) {
-        const ByteTable gain = gleamGain(settings.brightness);
-        channels.fill(gain);
-        if (settings.colourMethod == GleamColour::FromImage || settings.colorList.size() >= 2) return;
-        fromBlue = true;
-        if (settings.colorList.empty()) return;
-        for (size_t c = 0; c < 3; ++c) {
-            const uint8_t colour = clampByte(settings.colorList[0].channel(static_cast<int32_t>(c)));
-            for (size_t i = 0; i < 256; ++i)
-                channels[c][i] = truncatedByte(static_cast<double>(tables.unitFromByte[colour]) * gain[i]);
-        }
-    }
-
-    Pixel operator()(Pixel light, uint8_t alpha) const {
-        return {channels[0][light.blue], channels[1][fromBlue ? light.blue : light.green],
-                channels[2][fromBlue ? light.blue : light.red], alpha};
-    }
-};
+/// What each byte of the light becomes. Light that takes one colour, or none, is grey by then.
+ColourCurves lightCurves(const GleamSettings& settings, const LookupTables& tables) {
+    const ByteCurve gain = gleamGain(settings.brightness);
+    if (settings.colourMethod == GleamColour::FromImage || settings.colorList.size() != 1)
+        return {gain, gain, gain};
+    const auto tinted = [&](int32_t channel) {
+        const double share = tables.unitFromByte[clampByte(settings.colorList[0].channel(channel))];
+        return byteCurve([&](int32_t i) { return truncatedByte(share * gain[static_cast<size_t>(i)]); });
+    };
+    return {tinted(0), tinted(1), tinted(2)};
+}
 
 /// What is left of each alpha at an opacity of `opacity`.
-ByteTable alphaAtOpacity(int32_t opacity) {
-    ByteTable left{};
-    for (int32_t alpha = 0; alpha < 256; ++alpha)
-        left[static_cast<size_t>(alpha)] = clampByte(alpha - (255 - opacity));
-    return left;
+ByteCurve alphaAtOpacity(int32_t opacity) {
+    return byteCurve([=](int32_t alpha) { return clampByte(alpha - (255 - opacity)); });
 }
 
 }  // namespace
@@ -76,22 +61,16 @@ GleamStages::GleamStages(const ImageEngine& engine, const SecondImage& foregroun
 }
 
 Status GleamStages::extractLight(Scratch<Pixel>& light) const {
-    const ByteTable levels = gleamLevels(settings_.blackPoint, settings_.whitePoint);
-    const LookupTables& tables = engine_.tables();
-    std::fill(light.begin(), light.end(), Pixel{0, 0, 0, 0});
-    const auto extract = [&](auto perPixel) {
-        return forEachRunBeside(engine_, foreground_, [&](Pixel* first, size_t count, const Pixel* front) {
-            Pixel* out = light.data() + (first - engine_.buffer()->row(0));
-            for (size_t i = 0; i < count; ++i) out[i] = perPixel(front[i]);
+    const ByteCurve levels = gleamLevels(settings_.blackPoint, settings_.whitePoint);
+    std::fill(light.begin() + pixelsBeside(*engine_.buffer(), foreground_), light.end(), Pixel{0, 0, 0, 0});
+    return forEachRunBeside(engine_, foreground_, [&](Pixel* pixels, size_t count, const Pixel* front) {
+        Pixel* out = light.data() + (pixels - engine_.buffer()->row(0));
+        forEachChunk(count, [&](size_t start, size_t chunk) {
+            Pixel *first = out + start, *last = first + chunk;
+            std::copy_n(front + start, chunk, first);
+            if (colourises()) takeMeans(first, last);
+            applyCurveTo<0, 1, 2>(first, last, levels);
         });
-    };
-    if (colourises())
-        return extract([&](Pixel p) -> Pixel {
-            const uint8_t level = levels[static_cast<size_t>(tables.meanOf3[p.blue + p.green + p.red])];
-            return {level, level, level, p.alpha};
-        });
-    return extract([&](Pixel p) -> Pixel {
-        return {levels[p.blue], levels[p.green], levels[p.red], p.alpha};
     });
 }
 
@@ -112,24 +91,22 @@ Status GleamStages::colourise(Scratch<Pixel>& light) const {
 }
 
 Status GleamStages::layBoth(const Scratch<Pixel>& light) const {
-    const LightColours colours(settings_, engine_.tables());
-    const ByteTable frontAlpha = alphaAtOpacity(settings_.compositeTransparency);
-    const ByteTable lightAlpha = alphaAtOpacity(settings_.transparency);
+    const ColourCurves colours = lightCurves(settings_, engine_.tables());
+    const ByteCurve frontAlpha = alphaAtOpacity(settings_.compositeTransparency);
+    const ByteCurve lightAlpha = alphaAtOpacity(settings_.transparency);
     const BlendRun layFront = shiftBlendRun(settings_.compositeBlendMethod);
     const BlendRun layLight = shiftBlendRun(settings_.blendMethod);
     return forEachRunBeside(engine_, foreground_, [&](Pixel* pixels, size_t count, const Pixel* front) {
         const Pixel* shine = light.data() + (pixels - engine_.buffer()->row(0));
         forEachChunk(count, [&](size_t start, size_t chunk) {
-            Pixel faded[kChunkPixels] = {};
-            for (size_t i = 0; i < chunk; ++i) {
-                const Pixel p = front[start + i];
-                faded[i] = {p.blue, p.green, p.red, frontAlpha[p.alpha]};
-            }
+            Pixel faded[kChunkPixels];
+            Pixel* last = faded + chunk;
+            std::copy_n(front + start, chunk, faded);
+            applyCurveTo<3>(faded, last, frontAlpha);
             layFront(pixels + start, faded, chunk, engine_.tables());
-            for (size_t i = 0; i < chunk; ++i) {
-                const Pixel shining = shine[start + i];
-                faded[i] = colours(shining, lightAlpha[shining.alpha]);
-            }
+            std::copy_n(shine + start, chunk, faded);
+            applyCurves(faded, last, colours);
+            applyCurveTo<3>(faded, last, lightAlpha);
             layLight(pixels + start, faded, chunk, engine_.tables());
         });
     });

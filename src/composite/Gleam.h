@@ -1,12 +1,12 @@
 #pragma once
 
-#include <array>
 #include <span>
 
 #include "composite/BlendMode.h"
 #include "core/ImageEngine.h"
 #include "core/Scratch.h"
 #include "generate/CurveKey.h"
+#include "point/ByteCurve.h"
 
 namespace krl {
 
@@ -29,13 +29,11 @@ struct GleamSettings {
     GleamColour colourMethod = GleamColour::FromImage;
 };
 
-using ByteTable = std::array<uint8_t, 256>;
-
 /// What `settings` hold for black and white: levels below `black` are 0, above `white` 255, and between
 /// them they are stretched.
-ByteTable gleamLevels(int32_t black, int32_t white);
+ByteCurve gleamLevels(int32_t black, int32_t white);
 /// Levels driven toward white: 0 changes nothing, 1 makes all of them white.
-ByteTable gleamGain(float brightness);
+ByteCurve gleamGain(float brightness);
 
 /// The stages that both gleams are made of; between `extractLight` and `finish` each does with the light
 /// what is its own. The light is a block of the image's size.

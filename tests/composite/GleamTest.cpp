@@ -34,13 +34,13 @@ const std::vector<std::vector<CurveKey>> kColourLists = {{},
                                                          {{255, 0, 0, 200}, {0, 80, 255, 30}, {9, 9, 9, 90}}};
 
 TEST(GleamLevels, StretchWhatLiesBetweenBlackAndWhite) {
-    const ByteTable levels = gleamLevels(100, 199);
+    const ByteCurve levels = gleamLevels(100, 199);
     EXPECT_EQ(levels[99], 0);
     EXPECT_EQ(levels[100], 0);
     EXPECT_EQ(levels[150], 127);  // 50 times a single-precision 2.56, which is just below it
     EXPECT_EQ(levels[199], 253);
     EXPECT_EQ(levels[200], 255);
-    const ByteTable same = gleamLevels(0, 255), crossed = gleamLevels(200, 199),
+    const ByteCurve same = gleamLevels(0, 255), crossed = gleamLevels(200, 199),
                     inverted = gleamLevels(200, 100);
     for (size_t i = 0; i < 256; ++i) {
         EXPECT_EQ(same[i], i);
@@ -50,7 +50,7 @@ TEST(GleamLevels, StretchWhatLiesBetweenBlackAndWhite) {
 }
 
 TEST(GleamGain, DrivesLevelsTowardWhite) {
-    const ByteTable none = gleamGain(0), half = gleamGain(0.5f), all = gleamGain(1), beyond = gleamGain(7);
+    const ByteCurve none = gleamGain(0), half = gleamGain(0.5f), all = gleamGain(1), beyond = gleamGain(7);
     for (size_t i = 0; i < 256; ++i) {
         EXPECT_EQ(none[i], i);
         EXPECT_EQ(half[i], std::min<size_t>(2 * i, 255));
