@@ -1,6 +1,7 @@
 #include "blur/BlurEffects.h"
 
 #include "blur/ByteMix.h"
+#include "blur/EdgeGain.h"
 #include "blur/TentBlur.h"
 #include "core/Clones.h"
 #include "core/ImageCopy.h"
@@ -11,10 +12,20 @@ namespace krl {
 
 namespace {
 
-KRL_WIDE_CLONES
-void diffuseBytes(const uint8_t* soft, const uint8_t* sharp, double sharpShare, double softShare,
-                  uint8_t* out, int32_t count) {
-    for (int32_t i = 0; i < count; ++i) out[i] = truncatedByte(sharp[i] * sharpShare + soft[i] * softShare);
+/// A mix of a blurred byte and the sharp one an edge away, in real numbers.
+struct RealShares {
+    double sharpShare, softShare;
+
+    uint8_t operator()(int32_t soft, int32_t edge) const {
+        return truncatedByte((soft + edge) * sharpShare + soft * softShare);
+    }
+};
+
+/// Makes each byte of its blur and the edge between both.
+template <class Gain>
+KRL_WIDE_CLONES void diffuseBytes(const uint8_t* soft, const uint8_t* sharp, Gain gain, uint8_t* out,
+                                  int32_t count) {
+    for (int32_t i = 0; i < count; ++i) out[i] = gain(soft[i], sharp[i] - soft[i]);
 }
 
 }  // namespace
@@ -65,13 +76,18 @@ Status defocus(ImageEngine& engine, int32_t blur, float bloom, ChannelTarget tar
 
 Status diffuse(ImageEngine& engine, int32_t blur, float opacity, SampleQuality, ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
-    const double sharpShare = clampUnit(opacity), softShare = 1.0 - sharpShare;
     const ImageCopy sharp(*engine.buffer());
     if (blur > 0) blurTarget(*engine.buffer(), blur, target, engine.getThreadCount());
-    return mixBytes(engine, sharp.row(0), target,
-                    [=](const uint8_t* soft, const uint8_t* beside, uint8_t* out, int32_t count) {
-                        diffuseBytes(soft, beside, sharpShare, softShare, out, count);
-                    });
+    const auto mix = [&](auto gain) {
+        return mixBytes(engine, sharp.row(0), target,
+                        [=](const uint8_t* soft, const uint8_t* beside, uint8_t* out, int32_t count) {
+                            diffuseBytes(soft, beside, gain, out, count);
+                        });
+    };
+    const double share = clampUnit(opacity);
+    // Where there is a whole gain, all of the mix is exact, and so is the same told as a move from the blur.
+    const std::optional<WholeGain> whole = wholeGain(static_cast<float>(share));
+    return whole ? mix(*whole) : mix(RealShares{share, 1.0 - share});
 }
 
 Status oneChannelFeather(ImageEngine& engine, int32_t radius, SampleQuality) {

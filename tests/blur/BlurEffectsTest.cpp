@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "blur/BlurEffects.h"
+#include "blur/EdgeGain.h"
 #include "core/Faults.h"
 #include "reference/TentBlurReference.h"
 #include "support/Picture.h"
@@ -138,6 +139,31 @@ TEST(Diffuse, MixesAndTruncates) {
             ASSERT_EQ(mixed.pixels()[i][channel],
                       int(source.pixels()[i][channel] * 0.25 + soft.pixels()[i][channel] * 0.75));
     EXPECT_EQ(diffused(source, 4, 0.25f, kRgba, SampleQuality::Antialiased), mixed);
+}
+
+TEST(Diffuse, IsTheMixOfSharesThatAMoveFromTheBlurIs) {
+    for (float opacity : {0.0f, 1.0f, 0.5f, 0.25f, 0.3f, 1 / 3.0f, 0.7f, 0.99999994f, 0.001f, 0x1p-20f}) {
+        const auto whole = wholeGain(opacity);
+        ASSERT_TRUE(whole) << opacity;
+        for (int32_t sharp = 0; sharp < 256; ++sharp)
+            for (int32_t soft = 0; soft < 256; ++soft)
+                ASSERT_EQ((*whole)(soft, sharp - soft),
+                          truncatedByte(sharp * double{opacity} + soft * (1.0 - opacity)))
+                    << opacity << ' ' << sharp << ' ' << soft;
+    }
+}
+
+TEST(Diffuse, TakesTheSmallestOpacities) {
+    const Picture source = Picture::random(27, 16);
+    const Picture soft = blurred(source, 4, 0, 3);
+    for (float opacity : {0x1p-21f, 1e-9f, 1e-30f}) {
+        const Picture mixed = diffused(source, 4, opacity, kRgba);
+        for (size_t i = 0; i < mixed.pixels().size(); ++i)
+            for (size_t channel = 0; channel < 4; ++channel)
+                ASSERT_EQ(mixed.pixels()[i][channel],
+                          truncatedByte(source.pixels()[i][channel] * double{opacity} +
+                                        soft.pixels()[i][channel] * (1.0 - opacity)));
+    }
 }
 
 TEST(Diffuse, TouchesOnlyItsTarget) {
