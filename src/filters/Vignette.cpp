@@ -5,6 +5,7 @@
 #include "blur/TentBlur.h"
 #include "core/Bands.h"
 #include "core/Clones.h"
+#include "core/PixelWord.h"
 #include "filters/AlphaScale.h"
 #include "filters/Stylise.h"
 
@@ -64,7 +65,7 @@ private:
     }
 };
 
-/// Entries of a plane around the picture; one of 2^31 bytes is not to be had.
+/// Entries of a plane around the picture; one that would take 2^31 bytes in words is not to be had.
 size_t planeEntries(const ImageBuffer& image, int32_t margin) {
     const int64_t width = image.width + 2 * int64_t(margin), height = image.height + 2 * int64_t(margin);
     constexpr int64_t kMost = std::numeric_limits<int32_t>::max() / int64_t(sizeof(int32_t));
@@ -74,12 +75,10 @@ size_t planeEntries(const ImageBuffer& image, int32_t margin) {
 
 constexpr int32_t kRun = 256;
 
-/// How much of the cover each byte of a run of pixels takes.
-void spreadMask(const int32_t* mask, int32_t count, VignetteTarget target, Pixel* shares) {
-    for (int32_t i = 0; i < count; ++i) {
-        const uint8_t share = clampByte(mask[i]);
-        shares[i] = target == VignetteTarget::RGB ? Pixel{share, share, share, 0} : Pixel{0, 0, 0, share};
-    }
+/// How much of the cover each byte of a run of pixels takes; `places` has a 1 in the bytes that do.
+KRL_WIDE_CLONES
+void spreadMask(const uint8_t* mask, int32_t count, uint32_t places, Pixel* shares) {
+    for (int32_t i = 0; i < count; ++i) storeWord(shares[i], mask[i] * places);
 }
 
 KRL_WIDE_CLONES
@@ -90,19 +89,20 @@ void coverBytes(uint8_t* bytes, const uint8_t* shares, const uint8_t* cover, int
 }
 
 /// Covers the picture by the part of the mask that lies under it. A byte that takes no share stays.
-Status cover(const ImageEngine& engine, const int32_t* plane, int32_t planeWidth, int32_t margin,
+Status cover(const ImageEngine& engine, const uint8_t* plane, int32_t planeWidth, int32_t margin,
              Colour colour, VignetteTarget target) {
     Pixel coverRun[kRun];
     std::fill(coverRun, coverRun + kRun,
               target == VignetteTarget::RGB ? Pixel{colour.blue(), colour.green(), colour.red(), 0}
                                             : Pixel{0, 0, 0, 0});
+    const uint32_t places = target == VignetteTarget::RGB ? 0x00010101u : 0x01000000u;
     const int32_t width = engine.buffer()->width;
     return forEachRow(engine, [&](Pixel* row, int32_t y) {
-        const int32_t* mask = plane + ptrdiff_t(y + margin) * planeWidth + margin;
+        const uint8_t* mask = plane + ptrdiff_t(y + margin) * planeWidth + margin;
         Pixel shares[kRun];
         for (int32_t x = 0; x < width; x += kRun) {
             const int32_t count = std::min(kRun, width - x);
-            spreadMask(mask + x, count, target, shares);
+            spreadMask(mask + x, count, places, shares);
             coverBytes(firstByte(row + x), firstByte(shares), firstByte(coverRun), count * 4);
         }
     });
@@ -115,15 +115,16 @@ Status vignette(ImageEngine& engine, VignetteShape shape, Colour colour, int32_t
                 bool isInverted) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
-    const int32_t margin = std::max(blur, 0), strength = clampTo(transparency, 0, 255);
-    const Scratch<int32_t> plane(planeEntries(image, margin));
+    const int32_t margin = std::max(blur, 0);
+    const Scratch<uint8_t> plane(planeEntries(image, margin));
     const Shape figure(image, margin, clampTo(scaleX, 0.0f, 2.0f), clampTo(scaleY, 0.0f, 2.0f),
                        clampTo(offsetX, -100, 100), clampTo(offsetY, -100, 100));
-    const int32_t inside = isInverted ? strength : 0, outside = strength - inside;
+    const uint8_t strength = clampByte(transparency);
+    const uint8_t inside = isInverted ? strength : 0, outside = isInverted ? 0 : strength;
 
     const Status drawn = forEachLineRange(engine, figure.planeHeight, [&](IndexRange rows) {
         for (int32_t y = rows.first; y < rows.last; ++y) {
-            int32_t* line = plane.data() + ptrdiff_t(y) * figure.planeWidth;
+            uint8_t* line = plane.data() + ptrdiff_t(y) * figure.planeWidth;
             const IndexRange columns =
                 shape == VignetteShape::Ellipse ? figure.ellipseRow(y) : figure.rectangleRow(y);
             std::fill(line, line + figure.planeWidth, outside);
@@ -133,7 +134,7 @@ Status vignette(ImageEngine& engine, VignetteShape shape, Colour colour, int32_t
     if (drawn) return drawn;
     if (margin > 0)
         TentBlur(engine.getThreadCount())
-            .blurPlane(plane.data(), figure.planeHeight, figure.planeWidth, margin);
+            .blurBytes(plane.data(), figure.planeHeight, figure.planeWidth, margin);
     return cover(engine, plane.data(), figure.planeWidth, margin, colour, target);
 }
 
