@@ -16,7 +16,7 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"core", {}},
     {"blur", {"point/ByteCurve.h"}},
     {"point", {"blur/TentBlur.h", "generate/Curve.h", "generate/CurveKey.h", "composite/BlendMode.h"}},
-    {"filters", {"blur/TentBlur.h"}},
+    {"filters", {"blur/TentBlur.h", "point/ByteCurve.h"}},
     {"warp", {}},
     {"composite", {"blur/TentBlur.h", "generate/Curve.h", "generate/CurveKey.h", "point/ByteCurve.h"}},
     {"key", {"filters/Gradient3x3.h"}},

@@ -1,9 +1,12 @@
 #include "blur/TentBlur.h"
 #include "core/ChannelMask.h"
+#include "core/Clones.h"
 #include "core/ImageCopy.h"
 #include "filters/AlphaScale.h"
 #include "filters/Edges.h"
+#include "filters/Intermediate.h"
 #include "filters/LineWindow.h"
+#include "point/ByteCurve.h"
 
 namespace krl {
 
@@ -21,27 +24,28 @@ Status spreadOfRows(const ImageEngine& engine, const ImageBuffer& lowest, const 
     });
 }
 
+KRL_WIDE_CLONES
+void spreadsOf(const uint8_t* largest, const uint8_t* smallest, int32_t count, uint8_t* spreads) {
+    for (int32_t i = 0; i < count; ++i) spreads[i] = static_cast<uint8_t>(largest[i] - smallest[i]);
+}
+
 /// The same down the columns, and what the difference of both becomes, into the image.
 Status spreadOfColumns(const ImageEngine& engine, const ImageBuffer& lowest, const ImageBuffer& highest,
-                       int32_t half, const uint8_t* curve) {
+                       int32_t half, const ByteCurve& curve) {
     const ImageBuffer& image = *engine.buffer();
     const LineWindow window = LineWindow::centred(half, image.height);
-    const int32_t tailRows = std::min(window.length, image.height);
+    const int64_t tailRows = std::min(window.length, image.height);
     const ChannelMask mask(ChannelTarget::RGB);
-    return forEachColumnRun(engine, int64_t(tailRows) + image.height, [&](IndexRange columns, Pixel* room) {
+    return forEachColumnRun(engine, 2 * tailRows, [&](IndexRange columns, Pixel* room) {
         const int32_t width = columns.last - columns.first;
-        Pixel *tails = room, *smallest = room + int64_t(tailRows) * width;
-        slideDownColumns<Smallest>(lowest, columns, window, tails, [&](int32_t y, const Pixel* extremes) {
-            std::memcpy(smallest + int64_t(y) * width, extremes, static_cast<size_t>(width) * sizeof(Pixel));
-        });
-        slideDownColumns<Largest>(highest, columns, window, tails, [&](int32_t y, const Pixel* largest) {
-            const Pixel* low = smallest + int64_t(y) * width;
-            Pixel* row = image.row(y) + columns.first;
-            for (int32_t x = 0; x < width; ++x)
-                row[x] = mask.merge(
-                    row[x], {curve[largest[x].blue - low[x].blue], curve[largest[x].green - low[x].green],
-                             curve[largest[x].red - low[x].red], 0});
-        });
+        ColumnWindows<Smallest> smallest(lowest, columns, window, room);
+        ColumnWindows<Largest> largest(highest, columns, window, room + tailRows * width);
+        for (int32_t y = 0; y < image.height; ++y) {
+            Pixel spreads[kColumnsAtOnce];
+            spreadsOf(firstByte(largest.next()), firstByte(smallest.next()), width * 4, firstByte(spreads));
+            applyCurveTo<0, 1, 2>(spreads, spreads + width, curve);
+            mask.write(image.row(y) + columns.first, spreads, width);
+        }
     });
 }
 
@@ -53,12 +57,11 @@ Status glowingEdges(ImageEngine& engine, int32_t size, int32_t smoothness, float
     if (image.width < 2 || image.height < 2) return kStatusOk;
 
     const int32_t half = clampTo(size, 0, 10);
-    uint8_t curve[256];
-    for (int32_t spread = 0; spread < 256; ++spread)
-        curve[spread] = truncatedByte(double(spread) * brightness);
+    const ByteCurve curve =
+        byteCurve([=](int32_t spread) { return truncatedByte(double(spread) * brightness); });
 
     const ImageCopy lowest(image);
-    const ImageCopy highest(image);
+    const Intermediate highest(image);
     if (smoothness > 0)
         TentBlur(engine.getThreadCount()).blurRGBA(lowest.row(0), image.height, image.width, smoothness);
     const Status rows = spreadOfRows(engine, lowest.view(), highest.view(), half);

@@ -110,41 +110,62 @@ private:
 };
 
 /// Adjacent columns that are walked down together: enough for whole cache lines and few page changes.
-inline constexpr int32_t kColumnsAtOnce = 128;
+inline constexpr int32_t kColumnsAtOnce = 256;
 
-/// Slides windows down up to `kColumnsAtOnce` columns of `picture`, and calls `emit(y, extremes)` with
-/// one pixel for each column, from the first row to the last. `tails` has room for a window's length of
-/// rows, or for all if they are fewer.
-template <class Extreme, class Emit>
-void slideDownColumns(const ImageBuffer& picture, IndexRange columns, const LineWindow& window, Pixel* tails,
-                      Emit&& emit) {
-    const int32_t width = columns.last - columns.first, count = picture.height;
-    Pixel outside[kColumnsAtOnce], head[kColumnsAtOnce], result[kColumnsAtOnce];
-    std::memset(outside, Extreme::kOutside, sizeof outside);
-    const auto entry = [&](int64_t place) -> const Pixel* {
-        const int64_t y = window.sampleAt(place);
-        return y >= 0 && y < count ? picture.row(static_cast<int32_t>(y)) + columns.first : outside;
-    };
-    const auto combine = [&](const Pixel* a, const Pixel* b, Pixel* out) {
-        Extreme::combine(firstByte(a), firstByte(b), width * int64_t(sizeof(Pixel)), firstByte(out));
-    };
-    for (int64_t start = 0; start < count; start += window.length) {
-        const int64_t results = std::min<int64_t>(window.length, count - start);
-        const Pixel* tail = outside;
-        for (int64_t i = window.length - 1; i >= 0; --i) {
-            Pixel* longer = i < results ? tails + i * width : head;
-            combine(tail, entry(start + i), longer);
+/// Windows that slide down up to `kColumnsAtOnce` columns of `picture` side by side, row by row from the
+/// first. `tails` has room for a window's length of rows, or for all if they are fewer.
+template <class Extreme>
+class ColumnWindows {
+public:
+    ColumnWindows(const ImageBuffer& picture, IndexRange columns, const LineWindow& window, Pixel* tails)
+        : picture_(picture), columns_(columns), window_(window), tails_(tails) {
+        std::memset(outside_, Extreme::kOutside, sizeof outside_);
+    }
+
+    /// The extremes of each column's window at the next row; good until the next call.
+    const Pixel* next() {
+        if (at_ == window_.length) {
+            start_ += window_.length;
+            at_ = 0;
+        }
+        const int64_t i = at_++;
+        if (i == 0) {
+            beginBlock();
+            return tails_;
+        }
+        combine(head_, entry(start_ + window_.length + i - 1), head_);
+        combine(head_, tails_ + i * width(), result_);
+        return result_;
+    }
+
+private:
+    void beginBlock() {
+        const Pixel* tail = outside_;
+        for (int64_t i = window_.length - 1; i >= 0; --i) {
+            Pixel* longer = start_ + i < picture_.height ? tails_ + i * width() : head_;
+            combine(tail, entry(start_ + i), longer);
             tail = longer;
         }
-        emit(static_cast<int32_t>(start), tails);
-        std::memcpy(head, outside, sizeof head);
-        for (int64_t i = 1; i < results; ++i) {
-            combine(head, entry(start + window.length + i - 1), head);
-            combine(head, tails + i * width, result);
-            emit(static_cast<int32_t>(start + i), result);
-        }
+        std::memcpy(head_, outside_, sizeof head_);
     }
-}
+    const Pixel* entry(int64_t place) const {
+        const int64_t y = window_.sampleAt(place);
+        return y >= 0 && y < picture_.height ? picture_.row(static_cast<int32_t>(y)) + columns_.first
+                                             : outside_;
+    }
+    void combine(const Pixel* a, const Pixel* b, Pixel* out) const {
+        combinePixels<Extreme>(a, b, width(), out);
+    }
+    int32_t width() const { return columns_.last - columns_.first; }
+
+    const ImageBuffer picture_;
+    const IndexRange columns_;
+    const LineWindow window_;
+    Pixel* const tails_;
+    int64_t start_ = 0;  ///< the first row of the block
+    int64_t at_ = 0;     ///< the next row within it
+    Pixel outside_[kColumnsAtOnce], head_[kColumnsAtOnce], result_[kColumnsAtOnce];
+};
 
 /// Working room for each band, taken before any band runs.
 class BandRoom {

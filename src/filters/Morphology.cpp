@@ -3,6 +3,7 @@
 #include "core/ChannelMask.h"
 #include "core/ImageCopy.h"
 #include "filters/AlphaScale.h"
+#include "filters/Intermediate.h"
 #include "filters/LineWindow.h"
 
 namespace krl {
@@ -23,20 +24,6 @@ void spreadRow(RowWindows& windows, const Pixel* row, int32_t width, Pixel* targ
     }
 }
 
-/// A picture of the image's size that a first pass fills and a second one reads.
-class Intermediate {
-public:
-    explicit Intermediate(const ImageBuffer& image) : block_(image.bytes()), view_(image) {
-        view_.pixels = block_.data();
-        view_.end = block_.end();
-    }
-    const ImageBuffer& view() const { return view_; }
-
-private:
-    Scratch<uint8_t> block_;
-    ImageBuffer view_;
-};
-
 /// Both passes over the whole picture, one after the other: for windows of any size.
 template <class Extreme, bool kWeighted>
 Status spreadInTwoPasses(const ImageEngine& engine, ChannelMask mask, int32_t half) {
@@ -50,10 +37,9 @@ Status spreadInTwoPasses(const ImageEngine& engine, ChannelMask mask, int32_t ha
     const LineWindow window = LineWindow::seededLate(half, image.height);
     return forEachColumnRun(
         engine, std::min(window.length, image.height), [&](IndexRange columns, Pixel* tails) {
-            slideDownColumns<Extreme>(
-                between.view(), columns, window, tails, [&](int32_t y, const Pixel* extremes) {
-                    mask.write(image.row(y) + columns.first, extremes, columns.last - columns.first);
-                });
+            ColumnWindows<Extreme> windows(between.view(), columns, window, tails);
+            for (int32_t y = 0; y < image.height; ++y)
+                mask.write(image.row(y) + columns.first, windows.next(), columns.last - columns.first);
         });
 }
 
@@ -91,7 +77,7 @@ private:
 };
 
 /// Both passes in one for a band of rows: rows are spread as they are reached, and held for as long as
-/// a window down the columns needs them. Blocks of heads and tails are as in `slideDownColumns`.
+/// a window down the columns needs them. Blocks of heads and tails are as in `ColumnWindows`.
 template <class Extreme, bool kWeighted>
 class RollingBand {
 public:
