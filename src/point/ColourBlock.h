@@ -21,26 +21,24 @@ struct ColourBlock {
     int32_t blue[kBlockPixels], green[kBlockPixels], red[kBlockPixels];
 };
 
-/// Calls `recolour(ColourBlock&)` over the loaded image, in bands, and stores the low byte of each
-/// lane. Alpha stays.
+/// Parts pixels, as words of 0xAARRGGBB, into their colours.
+void partWords(const uint32_t (&words)[kBlockPixels], ColourBlock& block);
+/// Puts the low byte of each lane back in its word; alpha stays.
+void joinWords(const ColourBlock& block, uint32_t (&words)[kBlockPixels]);
+
+/// Calls `recolour(ColourBlock&)` over the loaded image, in bands, and stores what it makes of the
+/// colours.
 template <class Recolour>
 Status forEachColourBlock(const ImageEngine& engine, Recolour&& recolour) {
     return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
-        uint32_t words[kBlockPixels] = {};  // 0xAARRGGBB
+        uint32_t words[kBlockPixels] = {};
         ColourBlock block;
         while (first != last) {
             const size_t count = std::min(kBlockPixels, static_cast<size_t>(last - first));
             std::memcpy(words, first, count * sizeof(Pixel));
-            for (size_t i = 0; i < kBlockPixels; ++i) {
-                block.blue[i] = static_cast<int32_t>(words[i] & 255u);
-                block.green[i] = static_cast<int32_t>(words[i] >> 8 & 255u);
-                block.red[i] = static_cast<int32_t>(words[i] >> 16 & 255u);
-            }
+            partWords(words, block);
             recolour(block);
-            for (size_t i = 0; i < kBlockPixels; ++i)
-                words[i] = (words[i] & 0xFF000000u) | (static_cast<uint32_t>(block.red[i]) & 255u) << 16 |
-                           (static_cast<uint32_t>(block.green[i]) & 255u) << 8 |
-                           (static_cast<uint32_t>(block.blue[i]) & 255u);
+            joinWords(block, words);
             std::memcpy(first, words, count * sizeof(Pixel));
             first += count;
         }
