@@ -36,19 +36,32 @@ private:
     std::vector<uint8_t> entries_;
 };
 
-/// Multiplies the saturation of every lane, limited to 0..1. Channels come back truncated.
+/// Multiplies every saturation, limited to 0..1.
+KRL_WIDE_CLONES void scaleSaturations(float (&saturations)[kBlockPixels], float factor) {
+    for (float& saturation : saturations)
+        saturation = static_cast<float>(clampUnit(double{saturation} * factor));
+}
+
+/// The same for colours. Channels come back truncated.
 void saturate(ColourBlock& colours, float factor) {
     HsvBlock hsv;
     toHsv(colours, hsv);
-    for (float& saturation : hsv.saturation)
-        saturation = static_cast<float>(clampUnit(double{saturation} * factor));
+    scaleSaturations(hsv.saturation, factor);
     fromHsv(hsv, colours, 0.0);
 }
 
-/// Sends every lane through the row of `table` that `rowOf(lane)` names.
-template <size_t count, class RowOf>
-void printThrough(int32_t (&lanes)[count], const PairTable& table, RowOf&& rowOf) {
-    for (size_t i = 0; i < count; ++i) lanes[i] = table(rowOf(i), size_t(lanes[i]));
+/// Means of the three colours.
+KRL_WIDE_CLONES void meansOf(const ColourBlock& colours, int32_t (&means)[kBlockPixels]) {
+    for (size_t i = 0; i < kBlockPixels; ++i)
+        means[i] = static_cast<int32_t>(
+            thirdOf(static_cast<uint32_t>(colours.blue[i] + colours.green[i] + colours.red[i])));
+}
+
+/// Sends every lane through the row of `table` that stands beside it.
+void printThrough(int32_t (&lanes)[kBlockPixels], const PairTable& table,
+                  const int32_t (&rows)[kBlockPixels]) {
+    const uint8_t* entries = table.row(0);
+    for (size_t i = 0; i < kBlockPixels; ++i) lanes[i] = entries[rows[i] << 8 | lanes[i]];
 }
 
 /// How far along a ramp each lane stands by its luma, 0 to 1.
@@ -97,13 +110,11 @@ Status bleachBypass(ImageEngine& engine, int32_t opacity, float contrast, float 
     });
     const auto colourfulness = static_cast<float>(clampTo<double>(saturation, 0.0, 2.0));
     return forEachColourBlock(engine, [&](ColourBlock& colours) {
-        uint8_t means[kBlockPixels];
-        for (size_t i = 0; i < kBlockPixels; ++i)
-            means[i] = static_cast<uint8_t>((colours.blue[i] + colours.green[i] + colours.red[i]) / 3);
-        const auto mean = [&](size_t i) { return size_t(means[i]); };
-        printThrough(colours.blue, print, mean);
-        printThrough(colours.green, print, mean);
-        printThrough(colours.red, print, mean);
+        int32_t means[kBlockPixels];
+        meansOf(colours, means);
+        printThrough(colours.blue, print, means);
+        printThrough(colours.green, print, means);
+        printThrough(colours.red, print, means);
         if (colourfulness != 1.0f) saturate(colours, colourfulness);
     });
 }
