@@ -1,22 +1,34 @@
 #include "composite/LightSpill.h"
 
-#include <cstring>
+#include <algorithm>
+#include <span>
 
 #include "blur/TentBlur.h"
 #include "composite/BlendRun.h"
 #include "composite/Chunks.h"
+#include "core/Clones.h"
+#include "core/PixelWord.h"
 #include "core/Scratch.h"
 
 namespace krl {
 
 namespace {
 
+/// Colours of `pixels` with an alpha of what `beside` leaves open.
+KRL_STREAM_CLONES void copyOpenings(Pixel* __restrict out, const Pixel* __restrict pixels,
+                                    const Pixel* __restrict beside, size_t count) {
+    for (size_t i = 0; i < count; ++i)
+        storeWord(out[i], (wordOf(pixels[i]) & 0x00FFFFFFu) | (~wordOf(beside[i]) & 0xFF000000u));
+}
+
 /// The image with an alpha of what the background leaves open.
 Status copyWithHoles(const ImageEngine& engine, const SecondImage& background, Scratch<Pixel>& light) {
-    std::memcpy(light.data(), engine.buffer()->pixels, engine.buffer()->bytes());
+    const ImageBuffer& image = *engine.buffer();
+    const std::span<const Pixel> block(image.row(0), image.bytes() / sizeof(Pixel));
+    const ptrdiff_t beyond = pixelsBeside(image, background);
+    std::copy(block.begin() + beyond, block.end(), light.begin() + beyond);
     return forEachRunBeside(engine, background, [&](Pixel* pixels, size_t count, const Pixel* beside) {
-        Pixel* out = light.data() + (pixels - engine.buffer()->row(0));
-        for (size_t i = 0; i < count; ++i) out[i].alpha = static_cast<uint8_t>(255 - beside[i].alpha);
+        copyOpenings(light.data() + (pixels - image.row(0)), pixels, beside, count);
     });
 }
 
