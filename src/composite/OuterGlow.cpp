@@ -1,13 +1,16 @@
 #include "composite/OuterGlow.h"
 
-#include <array>
+#include <algorithm>
 #include <vector>
 
 #include "blur/TentBlur.h"
 #include "composite/BlendRun.h"
 #include "composite/Chunks.h"
+#include "core/Clones.h"
 #include "core/ImageCopy.h"
+#include "core/PixelWord.h"
 #include "generate/Curve.h"
+#include "point/ByteCurve.h"
 
 namespace krl {
 
@@ -27,25 +30,47 @@ std::vector<RampColour> alphaRamp(std::span<const CurveKey> colours) {
     return linearRamp(padCurveKeys(keys, 255), 256);
 }
 
+/// Makes all four bytes of each pixel its alpha.
+KRL_STREAM_CLONES void spreadAlphas(Pixel* pixels, size_t count) {
+    for (size_t i = 0; i < count; ++i) storeWord(pixels[i], (wordOf(pixels[i]) >> 24) * 0x01010101u);
+}
+
+/// Gives all of a run of pixels one colour.
+KRL_STREAM_CLONES void fillColour(Pixel* pixels, size_t count, uint32_t colour) {
+    for (size_t i = 0; i < count; ++i) storeWord(pixels[i], (wordOf(pixels[i]) & 0xFF000000u) | colour);
+}
+
+/// Copies the pixels that are not quite clear.
+KRL_STREAM_CLONES void copySeen(Pixel* __restrict out, const Pixel* __restrict pixels, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t word = wordOf(pixels[i]), kept = wordOf(out[i]);
+        storeWord(out[i], word >> 24 == 0 ? kept : word);
+    }
+}
+
 /// Colours the pixels of `block`, a block of the image's geometry, by their alpha.
 Status colourByAlpha(const ImageEngine& engine, uint8_t* block, std::span<const CurveKey> colours) {
     const std::vector<RampColour> ramp = alphaRamp(colours);
+    const auto curve = [&](size_t channel) {
+        return byteCurve([&](int32_t alpha) { return ramp[static_cast<size_t>(alpha)][channel]; });
+    };
+    const ColourCurves curves{curve(0), curve(1), curve(2)};
     return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
         Pixel* pixels = reinterpret_cast<Pixel*>(block) + (first - engine.buffer()->row(0));
-        for (ptrdiff_t i = 0; i < last - first; ++i) {
-            const auto& [blue, green, red] = ramp[pixels[i].alpha];
-            pixels[i] = {static_cast<uint8_t>(blue), static_cast<uint8_t>(green), static_cast<uint8_t>(red),
-                         pixels[i].alpha};
-        }
+        forEachChunk(static_cast<size_t>(last - first), [&](size_t start, size_t count) {
+            spreadAlphas(pixels + start, count);
+            applyCurves(pixels + start, pixels + start + count, curves);
+        });
     });
 }
 
 /// Grows the image's shape by `expandBlur` and softens it by `outerBlur`.
-void spreadAlpha(const ImageEngine& engine, TentBlur& tent, int32_t expandBlur, int32_t outerBlur) {
+void spreadAlpha(ImageEngine& engine, TentBlur& tent, int32_t expandBlur, int32_t outerBlur) {
     const ImageBuffer& image = *engine.buffer();
     if (expandBlur > 0) {
         tent.blurAlpha(image.row(0), image.height, image.width, expandBlur);
-        forEachPixel(engine, [](Pixel& p) { p.alpha = p.alpha > 0 ? 255 : 0; });
+        applyCurve(engine, ChannelTarget::Alpha,
+                   byteCurve([](int32_t alpha) { return alpha > 0 ? 255 : 0; }));
     }
     if (outerBlur > 0) tent.blurAlpha(image.row(0), image.height, image.width, outerBlur);
 }
@@ -56,44 +81,43 @@ public:
     explicit PartColour(std::span<const CurveKey> colours) : single_(colours.size() == 1) {
         if (!single_) return;
         const CurveKey& key = colours[0];
-        colour_ = {clampByte(key.blue), clampByte(key.green), clampByte(key.red), 0};
+        colour_ = wordOf({clampByte(key.blue), clampByte(key.green), clampByte(key.red), 0});
     }
-    Pixel of(Pixel pixel) const { return single_ ? colour_ : pixel; }
+    void paint(Pixel* pixels, size_t count) const {
+        if (single_) fillColour(pixels, count, colour_);
+    }
 
 private:
     bool single_;
-    Pixel colour_{};
+    uint32_t colour_ = 0;
 };
 
-std::array<uint8_t, 256> glowLevels(int32_t intensity) {
+ByteCurve glowLevels(int32_t intensity) {
     const auto slope = static_cast<float>(256.0 / (intensity + 1));
-    std::array<uint8_t, 256> levels{};
-    for (int32_t i = 0; i < 256; ++i)
-        levels[static_cast<size_t>(i)] =
-            i > intensity ? 255 : static_cast<uint8_t>(truncate(i * static_cast<double>(slope)));
-    return levels;
+    return byteCurve(
+        [=](int32_t i) { return i > intensity ? 255 : truncate(i * static_cast<double>(slope)); });
 }
 
 /// Lays `core` over the halo that the image has become.
 void layCore(const ImageEngine& engine, const ImageCopy& core, PartColour outerColour, PartColour coreColour,
              int32_t intensity, int32_t coreTransparency) {
     const ImageBuffer& image = *engine.buffer();
-    const auto levels = glowLevels(clampByte(intensity));
-    const auto& coreAlpha = engine.tables().remainderScale[clampByte(coreTransparency)];
+    const auto& scaled = engine.tables().remainderScale[clampByte(coreTransparency)];
+    const ByteCurve levels = glowLevels(clampByte(intensity));
+    const ByteCurve coreAlpha = byteCurve([&](int32_t alpha) { return scaled[alpha]; });
     const BlendRun layOverRun = overBlendRun(BlendMode::Normal);
     Pixel* pixels = image.row(0);
     const Pixel* inner = core.row(0);
     forEachChunk(image.bytes() / sizeof(Pixel), [&](size_t start, size_t count) {
         Pixel halo[kChunkPixels], heart[kChunkPixels];
-        for (size_t i = 0; i < count; ++i) {
-            const Pixel behind = pixels[start + i], front = inner[start + i];
-            const Pixel glow = outerColour.of(behind), middle = coreColour.of(front);
-            halo[i] = {levels[glow.blue], levels[glow.green], levels[glow.red], behind.alpha};
-            heart[i] = {middle.blue, middle.green, middle.red, static_cast<uint8_t>(coreAlpha[front.alpha])};
-        }
+        std::copy_n(pixels + start, count, halo);
+        outerColour.paint(halo, count);
+        applyCurveTo<0, 1, 2>(halo, halo + count, levels);
+        std::copy_n(inner + start, count, heart);
+        coreColour.paint(heart, count);
+        applyCurveTo<3>(heart, heart + count, coreAlpha);
         layOverRun(halo, heart, count, engine.tables());
-        for (size_t i = 0; i < count; ++i)  // what stays clear keeps its colour
-            if (halo[i].alpha != 0) pixels[start + i] = halo[i];
+        copySeen(pixels + start, halo, count);  // what stays clear keeps its colour
     });
 }
 
