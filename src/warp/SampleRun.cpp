@@ -1,6 +1,9 @@
 #include "warp/SampleRun.h"
 
+#include <cstring>
+
 #include "core/Clones.h"
+#include "core/PixelWord.h"
 
 namespace krl {
 
@@ -16,11 +19,39 @@ int32_t byteOf(uint32_t word, int channel) { return static_cast<int32_t>(word >>
 
 int32_t blend(int32_t a, int32_t b, int32_t fraction) { return a + ((fraction * (b - a)) >> 23); }
 
-uint32_t blendWords(uint32_t a, uint32_t b, int32_t fraction) {
-    uint32_t blended = 0;
-    for (int c = 0; c < 4; ++c)
-        blended |= static_cast<uint32_t>(blend(byteOf(a, c), byteOf(b, c), fraction)) << (8 * c);
-    return blended;
+/// Pairs of neighbours. They are fetched two at a time, one after another, which is faster than what
+/// vectors do to collect from many places; then vectors blend them.
+struct Pairs {
+    uint32_t words[2 * kRunPixels];
+
+    void take(size_t i, const Pixel* first) { std::memcpy(words + 2 * i, first, 2 * sizeof(Pixel)); }
+};
+
+KRL_WIDE_CLONES void mixPairs(const Pairs& pairs, const int32_t* __restrict fractions, size_t count,
+                              Word* __restrict blended) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t first = pairs.words[2 * i], second = pairs.words[2 * i + 1];
+        uint32_t word = 0;
+        for (int c = 0; c < 4; ++c)
+            word |= static_cast<uint32_t>(blend(byteOf(first, c), byteOf(second, c), fractions[i]))
+                    << (8 * c);
+        blended[i] = word;
+    }
+}
+
+KRL_WIDE_CLONES void mixSquares(const Pairs& upper, const Pairs& lower, const int32_t* __restrict rows,
+                                const int32_t* __restrict columns, size_t count, Word* __restrict blended) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t upperLeft = upper.words[2 * i], upperRight = upper.words[2 * i + 1];
+        const uint32_t lowerLeft = lower.words[2 * i], lowerRight = lower.words[2 * i + 1];
+        uint32_t word = 0;
+        for (int c = 0; c < 4; ++c) {
+            const int32_t left = blend(byteOf(upperLeft, c), byteOf(lowerLeft, c), rows[i]);
+            const int32_t right = blend(byteOf(upperRight, c), byteOf(lowerRight, c), rows[i]);
+            word |= static_cast<uint32_t>(blend(left, right, columns[i])) << (8 * c);
+        }
+        blended[i] = word;
+    }
 }
 
 /// A place truncated and held in 0 to `last`, which a float may not hold.
@@ -62,43 +93,31 @@ KRL_WIDE_CLONES void nearestPixels(const Pixel* source, int32_t stride, const fl
         nearest[i] = words[heldIndex(y[i], bottom) * stride + heldIndex(x[i], right)];
 }
 
-KRL_WIDE_CLONES void blendSquares(const Pixel* source, int32_t stride, const AxisRun& rows,
-                                  const AxisRun& columns, size_t count, Pixel* __restrict out) {
-    const Word* words = wordsOf(source);
-    Word* blended = wordsOf(out);
+void blendSquares(const Pixel* source, int32_t stride, const AxisRun& rows, const AxisRun& columns,
+                  size_t count, Pixel* out) {
+    Pairs upper, lower;
     for (size_t i = 0; i < count; ++i) {
-        const int32_t upper = rows.whole[i] * stride + columns.whole[i], lower = upper + stride;
-        const uint32_t upperLeft = words[upper], upperRight = words[upper + 1];
-        const uint32_t lowerLeft = words[lower], lowerRight = words[lower + 1];
-        const int32_t down = rows.fraction[i], across = columns.fraction[i];
-        uint32_t word = 0;
-        for (int c = 0; c < 4; ++c) {
-            const int32_t left = blend(byteOf(upperLeft, c), byteOf(lowerLeft, c), down);
-            const int32_t right = blend(byteOf(upperRight, c), byteOf(lowerRight, c), down);
-            word |= static_cast<uint32_t>(blend(left, right, across)) << (8 * c);
-        }
-        blended[i] = word;
+        const Pixel* corner = source + ptrdiff_t(rows.whole[i]) * stride + columns.whole[i];
+        upper.take(i, corner);
+        lower.take(i, corner + stride);
     }
+    mixSquares(upper, lower, rows.fraction, columns.fraction, count, wordsOf(out));
 }
 
-KRL_WIDE_CLONES void blendAlongRow(const Pixel* row, const AxisRun& columns, size_t count,
-                                   Pixel* __restrict out) {
-    const Word* words = wordsOf(row);
-    Word* blended = wordsOf(out);
-    for (size_t i = 0; i < count; ++i) {
-        const int32_t left = columns.whole[i];
-        blended[i] = blendWords(words[left], words[left + 1], columns.fraction[i]);
-    }
+void blendAlongRow(const Pixel* row, const AxisRun& columns, size_t count, Pixel* out) {
+    Pairs pairs;
+    for (size_t i = 0; i < count; ++i) pairs.take(i, row + columns.whole[i]);
+    mixPairs(pairs, columns.fraction, count, wordsOf(out));
 }
 
-KRL_WIDE_CLONES void blendDownColumns(const Pixel* source, int32_t stride, const AxisRun& rows, size_t count,
-                                      Pixel* __restrict out) {
-    const Word* words = wordsOf(source);
-    Word* blended = wordsOf(out);
+void blendDownColumns(const Pixel* source, int32_t stride, const AxisRun& rows, size_t count, Pixel* out) {
+    Pairs pairs;
     for (size_t i = 0; i < count; ++i) {
-        const int32_t upper = rows.whole[i] * stride + static_cast<int32_t>(i);
-        blended[i] = blendWords(words[upper], words[upper + stride], rows.fraction[i]);
+        const Pixel* upper = source + ptrdiff_t(rows.whole[i]) * stride + static_cast<ptrdiff_t>(i);
+        pairs.words[2 * i] = wordOf(*upper);
+        pairs.words[2 * i + 1] = wordOf(upper[stride]);
     }
+    mixPairs(pairs, rows.fraction, count, wordsOf(out));
 }
 
 }  // namespace krl
