@@ -15,7 +15,9 @@ namespace fs = std::filesystem;
 const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"core", {}},
     {"blur", {"point/ByteCurve.h"}},
-    {"point", {"blur/TentBlur.h", "generate/Curve.h", "generate/CurveKey.h", "composite/BlendMode.h"}},
+    {"point",
+     {"blur/ByteMix.h", "blur/EdgeGain.h", "blur/TentBlur.h", "generate/Curve.h", "generate/CurveKey.h",
+      "composite/BlendMode.h"}},
     {"filters", {"blur/TentBlur.h", "point/ByteCurve.h"}},
     {"warp", {}},
     {"composite", {"blur/TentBlur.h", "generate/Curve.h", "generate/CurveKey.h", "point/ByteCurve.h"}},

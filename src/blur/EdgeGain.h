@@ -31,4 +31,11 @@ struct WholeGain {
 /// amount are, as good as always.
 std::optional<WholeGain> wholeGain(float amount);
 
+/// What `work(gain)` returns of the gain that is `amount`.
+template <class Work>
+auto withGain(float amount, Work&& work) {
+    const std::optional<WholeGain> whole = wholeGain(amount);
+    return whole ? work(*whole) : work(RealGain{amount});
+}
+
 }  // namespace krl

@@ -38,13 +38,6 @@ KRL_WIDE_CLONES void sharpenLuma(Pixel* words, ptrdiff_t count, Gain gain, int32
     }
 }
 
-/// What `work` returns of the gain that is `amount`.
-template <class Work>
-Status withGain(float amount, Work&& work) {
-    const std::optional<WholeGain> whole = wholeGain(amount);
-    return whole ? work(*whole) : work(RealGain{amount});
-}
-
 }  // namespace
 
 Status sharpen(ImageEngine& engine, int32_t radius, float amount, int32_t threshold, ChannelTarget target) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 
+#include "blur/EdgeGain.h"
 #include "core/Clones.h"
 #include "core/ColourSpace.h"
 #include "core/Numbers.h"
@@ -25,6 +26,10 @@ struct HlsChange {
     bool suitsBlocks() const {
         return std::all_of(std::begin(hues), std::end(hues),
                            [](int32_t hue) { return -kWidestHue <= hue && hue <= kWidestHue; });
+    }
+    /// Whether all channels come out as bytes; those of hues far below 0 lie beyond.
+    bool givesBytes() const {
+        return std::all_of(std::begin(hues), std::end(hues), [](int32_t hue) { return hue >= -1; });
     }
 };
 
@@ -72,22 +77,26 @@ Status recolourByHls(ImageEngine& engine, const HlsChange& change) {
     return forEachColourBlock(engine, [&](ColourBlock& colours) { recolour(colours, change); });
 }
 
-/// Moves each lane from what it was to what it became by `mix`, limited to a byte.
+/// Moves each lane from what it was as far toward what it became as `gain` says.
+template <class Gain>
 KRL_WIDE_CLONES void blendLanes(int32_t (&became)[kBlockPixels], const int32_t (&was)[kBlockPixels],
-                                double mix) {
-    for (size_t i = 0; i < kBlockPixels; ++i) became[i] = truncatedByte((became[i] - was[i]) * mix + was[i]);
+                                Gain gain) {
+    for (size_t i = 0; i < kBlockPixels; ++i) became[i] = gain(was[i], became[i] - was[i]);
 }
 
 /// The same, mixed with the picture by `density` percent.
 Status recolourByHls(ImageEngine& engine, const HlsChange& change, int32_t density) {
+    const auto blend = [&](auto gain) {
+        return forEachColourBlock(engine, [&, gain](ColourBlock& colours) {
+            const ColourBlock before = colours;
+            recolour(colours, change);
+            blendLanes(colours.red, before.red, gain);
+            blendLanes(colours.green, before.green, gain);
+            blendLanes(colours.blue, before.blue, gain);
+        });
+    };
     const auto mix = static_cast<float>(density / 100.0);
-    return forEachColourBlock(engine, [&, mix](ColourBlock& colours) {
-        const ColourBlock before = colours;
-        recolour(colours, change);
-        blendLanes(colours.red, before.red, mix);
-        blendLanes(colours.green, before.green, mix);
-        blendLanes(colours.blue, before.blue, mix);
-    });
+    return change.givesBytes() ? withGain(mix, blend) : blend(RealGain{mix});
 }
 
 /// A hue argument within one turn; the remainder of a negative one is negative.

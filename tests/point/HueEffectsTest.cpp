@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <limits>
 #include <new>
 
 #include "point/Colours.h"
+#include "point/HlsBlock.h"
 #include "point/HueEffects.h"
 #include "reference/PointReference.h"
 #include "support/Picture.h"
@@ -49,6 +52,25 @@ TEST(HueColourise, FollowsItsStepsForEveryColour) {
         expectEach(
             colourNet(), [=](ImageEngine& e) { return hueColourise(e, hue, density); },
             [=](Pixel p) { return reference::newHue(p, hue, density, false); });
+}
+
+TEST(HlsBlock, GivesBytesForEveryHueOfOneTurn) {
+    HlsBlock hls = {};
+    ColourBlock colours = {};
+    const auto isByte = [](int32_t lane) { return lane >= 0 && lane <= 255; };
+    for (int32_t lightness = 0; lightness <= 360; ++lightness)
+        for (int32_t saturation = 0; saturation <= 360; ++saturation)
+            for (int32_t first = -1; first <= 360; first += int32_t(kBlockPixels)) {
+                for (int32_t i = 0; i < int32_t(kBlockPixels); ++i) {
+                    hls.hue[i] = std::min(first + i, 360);
+                    hls.lightness[i] = lightness;
+                    hls.saturation[i] = saturation;
+                }
+                fromHls(hls, colours);
+                for (const auto* lanes : {&colours.red, &colours.green, &colours.blue})
+                    ASSERT_TRUE(std::all_of(std::begin(*lanes), std::end(*lanes), isByte))
+                        << first << ' ' << lightness << ' ' << saturation;
+            }
 }
 
 TEST(HueShift, ReturnsAfterAFullTurn) {
