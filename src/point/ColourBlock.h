@@ -26,23 +26,26 @@ void partWords(const uint32_t (&words)[kBlockPixels], ColourBlock& block);
 /// Puts the low byte of each lane back in its word; alpha stays.
 void joinWords(const ColourBlock& block, uint32_t (&words)[kBlockPixels]);
 
-/// Calls `recolour(ColourBlock&)` over the loaded image, in bands, and stores what it makes of the
-/// colours.
+/// Calls `recolour(ColourBlock&)` over a run of pixels, and stores what it makes of the colours.
+template <class Recolour>
+void recolourBlocks(Pixel* first, Pixel* last, Recolour&& recolour) {
+    uint32_t words[kBlockPixels] = {};
+    ColourBlock block;
+    while (first != last) {
+        const size_t count = std::min(kBlockPixels, static_cast<size_t>(last - first));
+        std::memcpy(words, first, count * sizeof(Pixel));
+        partWords(words, block);
+        recolour(block);
+        joinWords(block, words);
+        std::memcpy(first, words, count * sizeof(Pixel));
+        first += count;
+    }
+}
+
+/// The same over the loaded image, in bands.
 template <class Recolour>
 Status forEachColourBlock(const ImageEngine& engine, Recolour&& recolour) {
-    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
-        uint32_t words[kBlockPixels] = {};
-        ColourBlock block;
-        while (first != last) {
-            const size_t count = std::min(kBlockPixels, static_cast<size_t>(last - first));
-            std::memcpy(words, first, count * sizeof(Pixel));
-            partWords(words, block);
-            recolour(block);
-            joinWords(block, words);
-            std::memcpy(first, words, count * sizeof(Pixel));
-            first += count;
-        }
-    });
+    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) { recolourBlocks(first, last, recolour); });
 }
 
 }  // namespace krl

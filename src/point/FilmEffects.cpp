@@ -5,8 +5,10 @@
 #include <cmath>
 #include <vector>
 
+#include "blur/ByteMix.h"
 #include "blur/TentBlur.h"
 #include "core/Bands.h"
+#include "core/ByteArithmetic.h"
 #include "core/Clones.h"
 #include "core/ImageCopy.h"
 #include "core/LookupTables.h"
@@ -92,8 +94,43 @@ int32_t contrastFactor(float contrast) { return truncate(clampTo<double>(contras
 /// An opacity of 0..1 as a level.
 int32_t opacityLevel(float opacity) { return truncatedByte(clampUnit(opacity) * 255.0); }
 
-/// From `from` toward `to` by `level` in 256ths, falling short of `to` even at 255.
-int32_t shiftToward(int32_t from, int32_t to, int32_t level) { return from + ((to - from) * level >> 8); }
+/// From `from` toward `to` by `level` in 256ths, falling short of `to` even at 255. A sum of bytes by shares
+/// of 256 in all fits 16 bits.
+uint8_t shiftToward(uint8_t from, uint8_t to, uint16_t level) {
+    return static_cast<uint8_t>(static_cast<uint16_t>(from * (256 - level) + to * level) >> 8);
+}
+
+/// How night falls on a run of bytes.
+struct Night {
+    static constexpr int32_t kLanes = 1024;
+
+    uint16_t tints[kLanes];  ///< by the channel of each byte
+    uint16_t days[kLanes];   ///< how much stays of the day; alpha is day as a whole
+    uint16_t sharpLevel, highlightLevel;
+
+    Night(Colour colour, int32_t dayLevel, int32_t sharp, int32_t highlight)
+        : sharpLevel(static_cast<uint16_t>(sharp)), highlightLevel(static_cast<uint16_t>(highlight)) {
+        const uint8_t channelTints[] = {colour.blue(), colour.green(), colour.red(), 0};
+        for (size_t i = 0; i < size_t(kLanes); ++i) {
+            tints[i] = channelTints[i % 4];
+            days[i] = static_cast<uint16_t>(i % 4 == 3 ? 256 : dayLevel);
+        }
+    }
+};
+
+/// Makes night of up to `Night::kLanes` bytes and their blurs: mixes and tints them, screens back what was
+/// bright, and mixes again. Alpha takes the first mix.
+KRL_WIDE_CLONES void darken(const Night& night, const uint8_t* sharp, const uint8_t* soft, uint8_t* out,
+                            int32_t count) {
+    const uint16_t sharpLevel = night.sharpLevel, highlightLevel = night.highlightLevel;
+    for (int32_t i = 0; i < count; ++i) {
+        const uint8_t mixed = shiftToward(soft[i], sharp[i], sharpLevel);
+        const auto tint = static_cast<uint8_t>(static_cast<uint16_t>(night.tints[i] * mixed) >> 8);
+        const auto highlight = static_cast<uint8_t>(sharp[i] < 128 ? 0 : (sharp[i] - 128) * 2);
+        const uint8_t lit = shiftToward(tint, screenedByte(highlight, tint), highlightLevel);
+        out[i] = shiftToward(lit, mixed, night.days[i]);
+    }
+}
 
 }  // namespace
 
@@ -124,41 +161,29 @@ Status dayForNight(ImageEngine& engine, int32_t blur, float blurOpacity, Colour 
                    ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
-    const LookupTables& tables = engine.tables();
-    const int32_t sharpLevel = opacityLevel(blurOpacity), dayLevel = opacityLevel(colorOpacity);
-    const int32_t highlightLevel = opacityLevel(highlightOpacity);
+    const Night night(rgbColor, opacityLevel(colorOpacity), opacityLevel(blurOpacity),
+                      opacityLevel(highlightOpacity));
     const double contrastStep = contrastFactor(contrast), offset = clampTo(brightness, -255, 255);
     const double exponent = 1.0 / static_cast<float>(clampTo<double>(gamma, 0.0, 2.0));
     const ByteCurve tone = byteCurve([=](int32_t i) {
         const auto bent = static_cast<float>(std::pow(double(i), exponent));
         return truncatedByte(127.0 + (bent - 127.0) * contrastStep / 1024.0 + offset);
     });
-    // A channel's night by its own byte and that byte mixed with its blur.
-    const auto nightOf = [&](int32_t tintLevel) {
-        return PairTable([&](int32_t byte, int32_t mixed) {
-            const int32_t tint = tintLevel * mixed >> 8;
-            const int32_t highlight = byte < 128 ? 0 : (byte - 128) * 2;
-            const int32_t lit = shiftToward(tint, tables.blendScreen[highlight][tint], highlightLevel);
-            return tone[size_t(shiftToward(lit, mixed, dayLevel))];
-        });
-    };
-    const PairTable blueNight = nightOf(rgbColor.blue()), greenNight = nightOf(rgbColor.green()),
-                    redNight = nightOf(rgbColor.red());
     const auto colourfulness = static_cast<float>(clampTo<double>(saturation, 0.0, 2.0));
 
     const ImageCopy soft(image);
     if (blur > 0) TentBlur(engine.getThreadCount()).blurRGBA(soft.row(0), image.height, image.width, blur);
-    const Status status = forEachPixelPair(engine, soft.asSecondImage(), [&](Pixel& p, const Pixel& s) {
-        const auto mixed = [&](uint8_t sharp, uint8_t blurred) {
-            return size_t(shiftToward(blurred, sharp, sharpLevel));
-        };
-        p.blue = blueNight(p.blue, mixed(p.blue, s.blue));
-        p.green = greenNight(p.green, mixed(p.green, s.green));
-        p.red = redNight(p.red, mixed(p.red, s.red));
-        if (target != ChannelTarget::RGB) p.alpha = static_cast<uint8_t>(mixed(p.alpha, s.alpha));
-    });
-    if (status || colourfulness == 1.0f) return status;
-    return forEachColourBlock(engine, [&](ColourBlock& colours) { saturate(colours, colourfulness); });
+    const ChannelTarget written = target == ChannelTarget::RGB ? target : ChannelTarget::RGBA;
+    return mixBytes(
+        engine, soft.row(0), written,
+        [&](const uint8_t* sharp, const uint8_t* blurred, uint8_t* out, int32_t count) {
+            for (int32_t i = 0; i < count; i += Night::kLanes)
+                darken(night, sharp + i, blurred + i, out + i, std::min(Night::kLanes, count - i));
+            Pixel *first = reinterpret_cast<Pixel*>(out), *last = first + count / 4;
+            applyCurveTo<0, 1, 2>(first, last, tone);
+            if (colourfulness != 1.0f)
+                recolourBlocks(first, last, [=](ColourBlock& colours) { saturate(colours, colourfulness); });
+        });
 }
 
 Status twoStripColor(ImageEngine& engine, int32_t, int32_t, int32_t) {
