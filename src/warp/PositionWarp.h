@@ -29,6 +29,9 @@ inline float heldInside(float place, int32_t length) {
     return place < 0.0f ? 0.0f : place >= end ? end - 1.0f : place;
 }
 
+/// The same for `count` coordinates.
+void holdInside(float* places, size_t count, int32_t length);
+
 /// Lines whose runs are made one below the other before the next to the right: what a turned run reads
 /// across many rows is still at hand for the run below it.
 inline constexpr int32_t kLinesAtOnce = 32;

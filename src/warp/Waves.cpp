@@ -218,17 +218,23 @@ struct Ripples {
         }
     }
 
+    /// Where pixels at `start`, `start + step` and so on are shifted to.
+    KRL_WIDE_CLONES void shiftPlaces(const double* __restrict heights, int32_t start, int32_t step,
+                                     size_t count, float* __restrict places) const {
+        for (size_t i = 0; i < count; ++i)
+            places[i] = static_cast<float>(heights[i] * amplitude + (start + step * static_cast<int32_t>(i)));
+    }
+
     void positions(const ImageBuffer& image, int32_t y, int32_t first, PositionRun& run) const {
         double dx[kRunPixels], angles[kRunPixels], sines[kRunPixels], cosines[kRunPixels];
         for (size_t i = 0; i < run.count; ++i)
             dx[i] = wrapSubtract(origin.x, first + static_cast<int32_t>(i));
         anglesAt(dx, wrapSubtract(origin.y, y), angles, run.count);
         sinesAndCosines(angles, sines, cosines, run.count);
-        for (size_t i = 0; i < run.count; ++i) {
-            const int32_t x = first + static_cast<int32_t>(i);
-            run.x[i] = heldInside(static_cast<float>(sines[i] * amplitude + x), image.width);
-            run.y[i] = heldInside(static_cast<float>(cosines[i] * amplitude + y), image.height);
-        }
+        shiftPlaces(sines, first, 1, run.count, run.x);
+        shiftPlaces(cosines, y, 0, run.count, run.y);
+        holdInside(run.x, run.count, image.width);
+        holdInside(run.y, run.count, image.height);
     }
 };
 

@@ -164,6 +164,17 @@ TEST(DisplacementMap, FollowsTheSlowRoadInEveryOption) {
         }
 }
 
+TEST(DisplacementMap, MayComputeWhatTheTablesHold) {
+    const LookupTables& t = sharedTables();
+    for (int i = 0; i < 256; ++i) {
+        EXPECT_EQ(t.lumaRed[i], static_cast<float>(i * 0.299)) << i;
+        EXPECT_EQ(t.lumaGreen[i], static_cast<float>(i * 0.587)) << i;
+        EXPECT_EQ(t.lumaBlue[i], static_cast<float>(i * 0.114)) << i;
+        EXPECT_EQ(t.unitFromByte[i], static_cast<float>(i) / 255.0f) << i;
+    }
+    for (int sum = 0; sum <= 765; ++sum) EXPECT_EQ(t.meanOf3[sum], sum / 3);
+}
+
 TEST(DisplacementMap, IsTheSameInAnyNumberOfBandsAndForAnyDistance) {
     for (float distance : {3.0f, 1e9f, 3e38f, std::numeric_limits<float>::infinity()})
         for (MapEdge edge : {MapEdge::Wrap, MapEdge::Repeat})
