@@ -62,12 +62,15 @@ void gatherTerms(const uint8_t* above, const uint8_t* at, const uint8_t* below, 
                  const Light& light, ShadeTerms& terms) {
     const auto x = float(light.x), y = float(light.y), upright = float(light.depth * light.z);
     const auto depthSquare = float(light.depth * light.depth);
+    const float flatShade = float(light.z) + 0.5f;  // beyond doubt
     for (int32_t i = 0; i < count; ++i) {
         const Slope slope = slopeAt(above + i, at + i, below + i);
         const auto slopeX = float(slope.x), slopeY = float(slope.y);
         const float dot = slopeX * x + slopeY * y + upright;
-        terms.dot[i] = dot > 0.0f ? dot : 0.0f;
-        terms.length[i] = std::sqrt(slopeX * slopeX + slopeY * slopeY + depthSquare);
+        const float length = std::sqrt(slopeX * slopeX + slopeY * slopeY + depthSquare);
+        const bool isFlat = (slope.x | slope.y) == 0;
+        terms.dot[i] = isFlat ? flatShade : dot > 0.0f ? dot : 0.0f;
+        terms.length[i] = isFlat ? 1.0f : length;
     }
 }
 
