@@ -2,6 +2,8 @@
 #include <cmath>
 #include <vector>
 
+#include "core/Clones.h"
+#include "core/PixelWord.h"
 #include "core/Scratch.h"
 #include "key/DifferenceKeys.h"
 #include "key/DifferenceRun.h"
@@ -29,14 +31,16 @@ struct ColourCount {
     int64_t green = 0, blue = 0;
 };
 
-ColourCount countColours(const Pixel* first, const Pixel* last) {
-    ColourCount count;
-    for (const Pixel* p = first; p != last; ++p) {
-        const bool isGreen = p->green >= std::max(p->blue, p->red);
-        count.green += isGreen;
-        count.blue += !isGreen & (p->blue > std::max(p->red, p->green));
+KRL_WIDE_CLONES ColourCount countColours(const Pixel* pixels, int32_t count) {
+    int32_t greens = 0, blues = 0;
+    for (int32_t i = 0; i < count; ++i) {
+        const uint32_t word = wordOf(pixels[i]);
+        const int32_t blue = byteAt(word, 0), green = byteAt(word, 8), red = byteAt(word, 16);
+        const bool isGreen = (green >= blue) & (green >= red);
+        greens += isGreen;
+        blues += (blue > green) & (blue > red);
     }
-    return count;
+    return {greens, blues};
 }
 
 /// What the first pass learns of the pixels whose key channel stands above both others.
@@ -53,7 +57,7 @@ struct DifferenceRange {
 };
 
 /// The range of those of `runLength` differences that are above 0.
-DifferenceRange rangeOf(const int16_t* differences, ptrdiff_t runLength) {
+KRL_WIDE_CLONES DifferenceRange rangeOf(const int16_t* differences, ptrdiff_t runLength) {
     int32_t above = 0, total = 0, least = 255, most = 0;
     for (ptrdiff_t i = 0; i < runLength; ++i) {
         const int32_t difference = differences[i];
@@ -109,11 +113,16 @@ std::array<uint8_t, 256> stretchMattes(const DifferenceRange& range, float userD
     return mattes;
 }
 
+/// Makes alpha of what mattes leave.
+KRL_WIDE_CLONES void replaceAlphas(Pixel* pixels, const uint8_t* mattes, ptrdiff_t count) {
+    for (ptrdiff_t i = 0; i < count; ++i)
+        storeWord(pixels[i], (wordOf(pixels[i]) & 0x00FFFFFFu) | (255u - mattes[i]) << 24);
+}
+
 /// Both automatic keys: a pass that maps the faded differences and learns their range, and a pass
-/// that stretches them; `toAlpha(alpha, matte)` is what sets the two keys apart.
-template <class ToAlpha>
-Status keyAutomatically(ImageEngine& engine, const AutoKeySettings& settings, KeyColour& used,
-                        ToAlpha&& toAlpha) {
+/// that stretches them; `fold(pixels, mattes, count)` is what sets the two keys apart.
+template <class Fold>
+Status keyAutomatically(ImageEngine& engine, const AutoKeySettings& settings, KeyColour& used, Fold&& fold) {
     if (Status state = engine.imageStatus()) return state;
     const Scratch<uint8_t> map(engine.buffer()->bytes() / sizeof(Pixel));
     used = settings.userColor;
@@ -144,7 +153,13 @@ Status keyAutomatically(ImageEngine& engine, const AutoKeySettings& settings, Ke
     const std::array<uint8_t, 256> mattes = stretchMattes(whole, settings.userDetail);
     return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
         const uint8_t* faded = map.data() + (first - pixels);
-        for (Pixel* p = first; p != last; ++p) p->alpha = toAlpha(p->alpha, mattes[*faded++]);
+        std::array<uint8_t, kMatteRun> stretched;
+        for (Pixel* run = first; run != last;) {
+            const ptrdiff_t count = std::min(kMatteRun, last - run);
+            for (ptrdiff_t i = 0; i < count; ++i) stretched[size_t(i)] = mattes[*faded++];
+            fold(run, stretched.data(), count);
+            run += count;
+        }
     });
 }
 
@@ -152,7 +167,9 @@ Status keyAutomatically(ImageEngine& engine, const AutoKeySettings& settings, Ke
 
 Status autoColor(const ImageEngine& engine, KeyColour& found) {
     std::vector<ColourCount> counts;
-    const Status counted = measureBands(engine, counts, countColours);
+    const Status counted = measureBands(engine, counts, [](const Pixel* first, const Pixel* last) {
+        return countColours(first, static_cast<int32_t>(last - first));
+    });
     ColourCount total;
     for (const ColourCount& count : counts) total = {total.green + count.green, total.blue + count.blue};
     found = total.green < total.blue ? KeyColour::Blue : KeyColour::Green;
@@ -160,15 +177,15 @@ Status autoColor(const ImageEngine& engine, KeyColour& found) {
 }
 
 Status autoColorDifference(ImageEngine& engine, const AutoKeySettings& settings, KeyColour& used) {
-    return keyAutomatically(engine, settings, used,
-                            [](uint8_t, uint8_t matte) { return uint8_t(255 - matte); });
+    return keyAutomatically(engine, settings, used, replaceAlphas);
 }
 
 Status autoColorDifferenceCharger(ImageEngine& engine, const AutoKeySettings& settings, bool keep,
                                   bool invert, KeyColour& used) {
-    return keyAutomatically(engine, settings, used, [=](uint8_t alpha, uint8_t matte) {
-        return applyKeyMatte(alpha, matte, keep, invert);
-    });
+    return keyAutomatically(engine, settings, used,
+                            [=](Pixel* pixels, const uint8_t* stretched, ptrdiff_t count) {
+                                foldMattes(pixels, stretched, count, keep, invert);
+                            });
 }
 
 }  // namespace krl
