@@ -42,11 +42,14 @@ public:
     /// A place for bilinear sampling, a whole number for the other.
     using Source = std::conditional_t<quality == SampleQuality::Bilinear, float, int32_t>;
 
-    /// The source of the pixel at `place`, which moves on to the next.
-    Source next(float& place) const {
-        const float here = wrapped(place);
-        place = here + 1.0f;
-        return sourceAt(here);
+    /// The sources of the pixels at `count` places, each of which moves on to the next.
+    KRL_WIDE_CLONES void next(float* __restrict places, Source* __restrict sources, size_t count) const {
+        const LineWalk walk = *this;  // no place can be part of it, or the loop would not become vectors
+        for (size_t i = 0; i < count; ++i) {
+            const float here = walk.wrapped(places[i]);
+            places[i] = here + 1.0f;
+            sources[i] = walk.sourceAt(here);
+        }
     }
 
     /// The sources of `count` pixels in a row.
@@ -129,7 +132,7 @@ public:
             for (int32_t y = 0; y < image_.height; ++y)
                 forEachRun(columns.last - columns.first, [&](int32_t first, size_t count) {
                     Place places[kRunPixels];
-                    for (size_t i = 0; i < count; ++i) places[i] = walk.next(walking[size_t(first) + i]);
+                    walk.next(walking.data() + first, places, count);
                     const int32_t column = columns.first + first;
                     sampler_.downColumns(image_.row(y) + column, places, column, count);
                 });
