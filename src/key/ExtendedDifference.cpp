@@ -79,22 +79,37 @@ int32_t keyGate(float colorRange) {
     return std::isnan(gate) ? 255 : truncate(std::floor(clampTo(gate, -256.0f, 255.0f)));
 }
 
-/// Fills `map` with the difference of every pixel, 0 where there is none.
+/// Writes the differences of a row, 0 where there is none, and gives what they tell.
+KRL_WIDE_CLONES Backing backingOf(const Pixel* row, const int16_t* differences, int32_t count, uint32_t key,
+                                  int32_t gate, uint8_t* out) {
+    int32_t low = 255, high = 0, keyLow = 255, keyHigh = 0;
+    for (int32_t i = 0; i < count; ++i) {
+        const int32_t difference = differences[i] > 0 ? differences[i] : 0;
+        out[i] = static_cast<uint8_t>(difference);
+        low = difference < low ? difference : low;
+        high = difference > high ? difference : high;
+        const int32_t level = byteAt(wordOf(row[i]), key * 8);
+        const bool isBacking = differences[i] > gate;
+        const int32_t least = isBacking ? level : 255, most = isBacking ? level : 0;
+        keyLow = least < keyLow ? least : keyLow;
+        keyHigh = most > keyHigh ? most : keyHigh;
+    }
+    return {{low, high}, {keyLow, keyHigh}};
+}
+
+/// Fills `map` with the difference of every pixel.
 Backing mapDifference(const ImageBuffer& image, KeyColour colour, float colorRange, const ByteMap& map) {
-    const int32_t gate = keyGate(colorRange);
-    const size_t key = channelNumber(colour);
-    const Scratch<int16_t> differences{size_t(image.width)};
+    const int32_t gate = keyGate(colorRange), width = image.width;
+    const auto key = static_cast<uint32_t>(channelNumber(colour));
+    const Scratch<int16_t> differences{size_t(width)};
     Backing backing;
-    uint8_t* out = map.data();
     for (int32_t y = 0; y < image.height; ++y) {
         const Pixel* row = image.row(y);
-        differencesOf(row, image.width, colour, differences.data());
-        for (int32_t x = 0; x < image.width; ++x) {
-            const int32_t difference = differences[size_t(x)];
-            if (difference > gate) backing.key.add(row[x][key]);
-            backing.difference.add(std::max(0, difference));
-            *out++ = static_cast<uint8_t>(std::max(0, difference));
-        }
+        differencesOf(row, width, colour, differences.data());
+        const Backing found =
+            backingOf(row, differences.data(), width, key, gate, map.data() + size_t(y) * size_t(width));
+        backing.difference.add(found.difference);
+        backing.key.add(found.key);
     }
     if (backing.key.high < backing.key.low) backing.key = {0, 255};
     return backing;
