@@ -174,7 +174,7 @@ Status TentBlur::runPasses(typename Arithmetic::Sample* block, int32_t height, i
     const Status status = runBands(threadCount_, [&](int32_t band) {
         const IndexRange rows = lineBand(height, threadCount_, band);
         if (rows.first >= rows.last) return;
-        if constexpr (sizeof(typename Arithmetic::Sum) < sizeof(uint64_t))
+        if constexpr (tent::kInVectors<Arithmetic>)
             blurRowStrips<Arithmetic>(block, lines, extent, layout, rows,
                                       strips + size_t(band) * stripBytes(width));
         else

@@ -108,28 +108,20 @@ inline void stepLanes(const Arithmetic& arithmetic, typename Arithmetic::Sum* __
 /// Lanes that walk along rows together, of as many rows as their elements leave room for.
 inline constexpr int32_t kStripLanes = 64;
 
-/// `stepLanes`, in the widest vectors that there are.
-void stepManyLanes(const ShortBytes& arithmetic, uint16_t* sums, uint16_t* slopes, uint8_t* means,
-                   Step<uint8_t> step, int lanes);
-void stepManyLanes(const MiddleBytes& arithmetic, uint32_t* sums, uint32_t* slopes, uint8_t* means,
-                   Step<uint8_t> step, int lanes);
-void stepManyLanes(const NarrowBytes& arithmetic, uint32_t* sums, uint32_t* slopes, uint8_t* means,
-                   Step<uint8_t> step, int lanes);
+/// `stepLanes` for bytes whose sums fit 32 bits, in the widest vectors that there are.
 template <class Arithmetic>
 void stepManyLanes(const Arithmetic& arithmetic, typename Arithmetic::Sum* sums,
-                   typename Arithmetic::Sum* slopes, typename Arithmetic::Sample* means,
-                   Step<typename Arithmetic::Sample> step, int lanes) {
-    stepLanes(arithmetic, sums, slopes, means, step, lanes);
-}
+                   typename Arithmetic::Sum* slopes, uint8_t* means, Step<uint8_t> step, int lanes);
 
 /// The same for `kStripLanes` lanes at every place of `line` from `first` up to `end`; the means of one
 /// place follow those of the other.
-void walkStrip(const ShortBytes& arithmetic, uint16_t* sums, uint16_t* slopes, uint8_t* means,
-               const Line<uint8_t>& line, int32_t halfWidth, int32_t first, int32_t end);
-void walkStrip(const MiddleBytes& arithmetic, uint32_t* sums, uint32_t* slopes, uint8_t* means,
-               const Line<uint8_t>& line, int32_t halfWidth, int32_t first, int32_t end);
-void walkStrip(const NarrowBytes& arithmetic, uint32_t* sums, uint32_t* slopes, uint8_t* means,
-               const Line<uint8_t>& line, int32_t halfWidth, int32_t first, int32_t end);
+template <class Arithmetic>
+void walkStrip(const Arithmetic& arithmetic, typename Arithmetic::Sum* sums, typename Arithmetic::Sum* slopes,
+               uint8_t* means, const Line<uint8_t>& line, int32_t halfWidth, int32_t first, int32_t end);
+
+/// Whether the two above are there for an arithmetic.
+template <class Arithmetic>
+constexpr bool kInVectors = sizeof(typename Arithmetic::Sum) <= sizeof(uint32_t);
 
 /// The windows of up to `Lanes` lanes side by side, each at the same place of its own line.
 template <class Arithmetic, int Lanes>
@@ -154,10 +146,10 @@ public:
 
     /// Writes the means at this place to `means` and goes one place on.
     void step(Sample* means, Step<Sample> step) {
-        if constexpr (Lanes == 1)
-            stepLanes(arithmetic_, sums_, slopes_, means, step, 1);
-        else
+        if constexpr (Lanes > 1 && kInVectors<Arithmetic>)
             stepManyLanes(arithmetic_, sums_, slopes_, means, step, lanes_);
+        else
+            stepLanes(arithmetic_, sums_, slopes_, means, step, Lanes == 1 ? 1 : lanes_);
     }
 
     /// The same for every place of `line` from `first`, where it stands, up to `end`.

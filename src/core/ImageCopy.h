@@ -7,22 +7,17 @@
 
 namespace krl {
 
-/// A copy of a whole image block in scratch, of the same geometry: what an effect reads while it
-/// writes the image.
-class ImageCopy {
+/// A block in scratch of an image's geometry, uninitialised: what one pass fills and another reads.
+class ScratchImage {
 public:
-    explicit ImageCopy(const ImageBuffer& source) : block_(source.bytes()), view_(source) {
-        view_.pixels = block_.data();
-        view_.end = block_.data() + block_.size();
-        refresh(source);
+    explicit ScratchImage(const ImageBuffer& image) : block_(image.bytes()), view_(image) {
+        view_.pixels = block_.begin();
+        view_.end = block_.end();
     }
-
-    /// Copies the image again, for a second pass.
-    void refresh(const ImageBuffer& source) { std::memcpy(block_.data(), source.pixels, block_.size()); }
 
     const ImageBuffer& view() const { return view_; }
     Pixel* row(int32_t y) const { return view_.row(y); }
-    /// To be walked beside the image that was copied.
+    /// To be walked beside the image.
     SecondImage asSecondImage() const {
         return {view_.pixels, {.width = view_.width, .height = view_.height, .rowBytes = view_.rowBytes}};
     }
@@ -30,6 +25,15 @@ public:
 private:
     Scratch<uint8_t> block_;
     ImageBuffer view_;
+};
+
+/// A copy of a whole image block: what an effect reads while it writes the image.
+class ImageCopy : public ScratchImage {
+public:
+    explicit ImageCopy(const ImageBuffer& source) : ScratchImage(source) { refresh(source); }
+
+    /// Copies the image again, for a second pass.
+    void refresh(const ImageBuffer& source) { std::memcpy(view().pixels, source.pixels, source.bytes()); }
 };
 
 }  // namespace krl

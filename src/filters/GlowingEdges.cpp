@@ -4,7 +4,6 @@
 #include "core/ImageCopy.h"
 #include "filters/AlphaScale.h"
 #include "filters/Edges.h"
-#include "filters/Intermediate.h"
 #include "filters/LineWindow.h"
 #include "point/ByteCurve.h"
 
@@ -61,7 +60,7 @@ Status glowingEdges(ImageEngine& engine, int32_t size, int32_t smoothness, float
         byteCurve([=](int32_t spread) { return truncatedByte(double(spread) * brightness); });
 
     const ImageCopy lowest(image);
-    const Intermediate highest(image);
+    const ScratchImage highest(image);
     if (smoothness > 0)
         TentBlur(engine.getThreadCount()).blurRGBA(lowest.row(0), image.height, image.width, smoothness);
     const Status rows = spreadOfRows(engine, lowest.view(), highest.view(), half);

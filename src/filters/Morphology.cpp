@@ -3,7 +3,6 @@
 #include "core/ChannelMask.h"
 #include "core/ImageCopy.h"
 #include "filters/AlphaScale.h"
-#include "filters/Intermediate.h"
 #include "filters/LineWindow.h"
 
 namespace krl {
@@ -28,7 +27,7 @@ void spreadRow(RowWindows& windows, const Pixel* row, int32_t width, Pixel* targ
 template <class Extreme, bool kWeighted>
 Status spreadInTwoPasses(const ImageEngine& engine, ChannelMask mask, int32_t half) {
     const ImageBuffer& image = *engine.buffer();
-    const Intermediate between(image);
+    const ScratchImage between(image);
     const Status rows = forEachRowWindow(
         engine, LineWindow::seededLate(half, image.width), [&](int32_t y, RowWindows& windows) {
             spreadRow<Extreme, kWeighted>(windows, image.row(y), image.width, between.view().row(y));
