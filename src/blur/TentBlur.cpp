@@ -150,12 +150,12 @@ void blurColumns(const typename Arithmetic::Sample* lines, typename Arithmetic::
             return block + (ptrdiff_t(y) * extent.width + x) * Layout::kPitch;
         };
         tent::Window<Arithmetic, kTileSamples> window(arithmetic, line, extent.halfWidth, lanes);
+        Sample blurred[kTileSamples] = {};
         for (int32_t y = 0; y < extent.height; ++y) {
             const int32_t rowsLeft = extent.height - 1 - y;
             prefetch(target(y + std::min(kRowsAhead, rowsLeft)), count * Layout::kPitch);
             const int32_t soon = extent.halfWidth + 2 + kRowsAhead;
             if (soon <= rowsLeft) prefetch(line.at(y + soon), lanes);
-            Sample blurred[kTileSamples];
             window.step(blurred, line.stepFrom(y, extent.halfWidth));
             layout.store(target(y), blurred, count);
         }

@@ -182,10 +182,12 @@ private:
         }
     }
 
+    static constexpr size_t kAlignment = Lanes > 4 ? 64 : alignof(Sum);
+
     const Arithmetic arithmetic_;
     const int lanes_;
-    alignas(64) Sum sums_[Lanes];
-    alignas(64) Sum slopes_[Lanes];
+    alignas(kAlignment) Sum sums_[Lanes];
+    alignas(kAlignment) Sum slopes_[Lanes];
 };
 
 }  // namespace krl::tent

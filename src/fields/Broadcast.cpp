@@ -13,7 +13,7 @@ void forEachBlockPixel(std::span<const Part> parts, const Whole& whole, Move&& m
     const ImageInfo& size = parts.front().info;
     for (int32_t y = 0; y < size.height * factor; ++y)
         for (int32_t column = 0; column < factor; ++column) {
-            auto* partPixel = parts[size_t(y % factor * factor + column)].row(y / factor);
+            auto* partPixel = parts[size_t(y % factor) * size_t(factor) + size_t(column)].row(y / factor);
             auto* wholePixel = whole.row(y) + column;
             for (int32_t x = 0; x < size.width; ++x) move(partPixel[x], wholePixel[ptrdiff_t(x) * factor]);
         }

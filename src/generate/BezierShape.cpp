@@ -37,7 +37,8 @@ std::array<DiscRow, 2 * kRadius> discRows() {
     for (int32_t dy = -kRadius; dy < kRadius; ++dy) {
         int32_t half = kRadius;
         while (half * half + dy * dy > kRadius * kRadius) --half;
-        rows[static_cast<size_t>(dy + kRadius)] = {-half, std::min(half + 1, kRadius)};
+        const int32_t row = dy + kRadius;
+        rows[static_cast<size_t>(row)] = {-half, std::min(half + 1, kRadius)};
     }
     return rows;
 }
@@ -80,7 +81,8 @@ private:
         const int32_t firstRow = std::max(centreRow - kRadius, top_);
         const int32_t lastRow = std::min({centreRow + kRadius, bottom_, maskHeight_ - 1});
         for (int32_t y = firstRow; y < lastRow; ++y) {
-            const DiscRow disc = disc_[static_cast<size_t>(y - centreRow + kRadius)];
+            const int32_t discRow = y - centreRow + kRadius;
+            const DiscRow disc = disc_[static_cast<size_t>(discRow)];
             const int32_t left = std::max(column + disc.left, 0);
             const int32_t right = std::min(column + disc.right, maskWidth_ - 1);
             if (left < right) std::memset(row(y) + left, 1, size_t(right - left));

@@ -93,8 +93,9 @@ std::vector<FanRay> starRays(const FlareElement& rays) {
     std::vector<FanRay> list;
     for (int64_t i = 0; i < chosen; ++i) {
         const int64_t place = chosen == total ? i : int64_t(double(i) * (double(total) / double(chosen)));
-        const double arm = double(place % arms), beside = double(place / arms);
-        const double degrees = belowFullTurn(arm * (360.0 / double(arms)) + (beside + rays.angle));
+        const int64_t arm = place % arms, beside = place / arms;
+        const double degrees =
+            belowFullTurn(double(arm) * (360.0 / double(arms)) + (double(beside) + rays.angle));
         const Point tip = tipOf(rays, degrees);
         if (!list.empty() && list.back().end.x == tip.x && list.back().end.y == tip.y)
             list.back().times = std::min(list.back().times + 1, kEnoughTimes);

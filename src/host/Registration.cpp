@@ -1,3 +1,4 @@
+#include <cstdio>
 #include <cstring>
 
 #include "host/Identifiers.h"
@@ -31,8 +32,7 @@ HostStatus registerMessageTable(HostInterface* allocatorService, HostInterface* 
     void* block = allocator::Allocate::call(allocatorService, kMessageTableBytes);
     if (!block) return kHostOutOfMemory;
     char* text = static_cast<char*>(block);
-    std::strcpy(text, kMessageTableHead);
-    std::strcat(text, kMessageTableBody);
+    std::snprintf(text, kMessageTableBytes, "%s%s", kMessageTableHead, kMessageTableBody);
     const HostStatus status = registry::PutEntry::call(dictionary, kEntryText, text, 0, "msgTable");
     allocator::Free::call(allocatorService, block);
     return status;

@@ -15,7 +15,8 @@ public:
         const auto slope = static_cast<float>(256.0 / wrapAdd(wrapSubtract(white, black), 1));
         for (int32_t d = -255; d <= 255; ++d) {
             const uint8_t level = clampByte(truncate(double(wrapSubtract(d, black)) * slope));
-            mattes_[size_t(d + 255)] = d > white ? 255 : d < black ? 0 : level;
+            const int32_t place = d + 255;
+            mattes_[size_t(place)] = d > white ? 255 : d < black ? 0 : level;
         }
     }
 

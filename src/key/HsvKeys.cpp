@@ -66,7 +66,7 @@ public:
         mattes_.fill(softness.matte(255.0));
         for (int32_t i = 0; i < 360; ++i)
             if (low <= float(i) && float(i) <= high)
-                mattes_[size_t(i + kOrigin)] = softness.matte(std::abs(i - 180) / double(range) * 255.0);
+                mattes_[size_t(i) + kOrigin] = softness.matte(std::abs(i - 180) / double(range) * 255.0);
     }
 
     /// A hue for greys, far outside.
@@ -75,8 +75,10 @@ public:
     /// Writes the mattes of `count` hues.
     void mattesOf(const float* hues, ptrdiff_t count, uint8_t* mattes) const {
         const float shift = shift_;
-        for (ptrdiff_t i = 0; i < count; ++i)
-            mattes[i] = mattes_[size_t(static_cast<int32_t>(hues[i] + shift) + kOrigin)];
+        for (ptrdiff_t i = 0; i < count; ++i) {
+            const int32_t place = static_cast<int32_t>(hues[i] + shift) + kOrigin;
+            mattes[i] = mattes_[size_t(place)];
+        }
     }
 
 private:

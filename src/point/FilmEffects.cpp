@@ -25,10 +25,10 @@ namespace {
 class PairTable {
 public:
     template <class Entry>
-    explicit PairTable(Entry&& entry) : entries_(256 * 256) {
+    explicit PairTable(const Entry& entry) : entries_(256 * 256) {
         for (int32_t a = 0; a < 256; ++a)
             for (int32_t b = 0; b < 256; ++b)
-                entries_[size_t(a * 256 + b)] = static_cast<uint8_t>(entry(a, b));
+                entries_[size_t(a) * 256 + size_t(b)] = static_cast<uint8_t>(entry(a, b));
     }
 
     const uint8_t* row(size_t a) const { return entries_.data() + a * 256; }

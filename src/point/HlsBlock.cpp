@@ -24,11 +24,12 @@ KRL_WIDE_CLONES void toHls(const ColourBlock& colours, HlsBlock& hls) {
         const int32_t lightness = quotient(float(sum) * 360.0f + 255.0f, 510.0f);
         const int32_t divisor = lightness <= 180 ? sum : 510 - sum;
         hls.lightness[i] = lightness;
+        const int32_t halfDivisor = divisor / 2, halfDelta = delta / 2;  // they round the quotients
         hls.saturation[i] =
-            quotient(float(divisor / 2) + float(delta) * 360.0f, float(divisor == 0 ? 1 : divisor));
+            quotient(float(halfDivisor) + float(delta) * 360.0f, float(divisor == 0 ? 1 : divisor));
 
         const int32_t distance =
-            quotient(float(delta / 2) + float(max - middle) * 60.0f, float(delta == 0 ? 1 : delta));
+            quotient(float(halfDelta) + float(max - middle) * 60.0f, float(delta == 0 ? 1 : delta));
         const bool redLeads = red == max, greenLeads = green == max;
         const int32_t onward = greenLeads ? blue - red : red - green;
         const int32_t direction = redLeads ? green - blue : onward;

@@ -148,7 +148,7 @@ Status displacementMapComposite(ImageEngine& engine, const SecondImage& dMapOne,
     const auto hold = edgeOption == MapEdge::Wrap ? holdInside : foldInside;
     return warpByPosition(engine, SampleQuality::Bilinear, ChannelTarget::RGBA,
                           [&](int32_t y, int32_t first, PositionRun& run) {
-                              MapRun values;
+                              MapRun values{};
                               horizontal.shift(values, y, first, first, 1, run.count, run.x);
                               hold(run.x, run.count, width);
                               vertical.shift(values, y, first, y, 0, run.count, run.y);

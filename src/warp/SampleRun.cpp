@@ -75,7 +75,8 @@ KRL_WIDE_CLONES bool splitPlaces(const float* __restrict places, size_t count, i
         const int32_t whole = floor < last ? floor : last - 1;
         const float fraction = (place - static_cast<float>(whole)) * 8388608.0f;
         const auto weight = static_cast<int32_t>(fraction);
-        const int32_t exact = within & (static_cast<float>(weight) == fraction) ? -1 : 0;
+        const bool isWhole = static_cast<float>(weight) == fraction;
+        const int32_t exact = (within & isWhole) ? -1 : 0;
         axis.whole[i] = whole;
         axis.fraction[i] = weight;
         axis.exact[i] = exact;

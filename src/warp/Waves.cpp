@@ -181,9 +181,10 @@ Status blockWaves(ImageEngine& engine, float amplitude, float frequency, float h
     const double radians = radiansPerPixel(frequency);
     const auto map = [&](int32_t count, auto wave, float phase) {
         std::vector<float> table(static_cast<size_t>(std::max(count, 0)));
+        const int32_t middle = count / 2;
         for (int32_t i = 0; i < count; ++i)
             table[static_cast<size_t>(i)] =
-                heldInside(static_cast<float>(wave((count / 2 - i) * radians + phase) * height + i), count);
+                heldInside(static_cast<float>(wave((middle - i) * radians + phase) * height + i), count);
         return table;
     };
     const std::vector<float> mapX = map(image.width, sine, horizPhase);
