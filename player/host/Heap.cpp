@@ -20,7 +20,7 @@ Value Heap::string(std::string text) { return make<StringObject>(std::move(text)
 Value Heap::adopt(Kind kind, std::unique_ptr<Object> object) {
     charge(*object);
     Value made = fill(kind, object.get(), 0);
-    object.release();
+    static_cast<void>(object.release());
     return made;
 }
 

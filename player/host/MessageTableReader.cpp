@@ -13,7 +13,7 @@ std::string takeWord(std::string_view& text) {
     while (!text.empty() && blank(text.front())) text.remove_prefix(1);
     size_t length = 0;
     while (length < text.size() && !blank(text[length])) ++length;
-    const std::string word(text.substr(0, length));
+    std::string word(text.substr(0, length));
     text.remove_prefix(length);
     return word;
 }

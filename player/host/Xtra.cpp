@@ -1,6 +1,7 @@
 #include "player/host/Xtra.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdio>
 #include <mutex>
 #include <new>
@@ -28,7 +29,7 @@ void*& word(HostInterface* instance, HostWord which) {
 uintptr_t countedReferences(HostInterface* instance, intptr_t change) {
     const auto count =
         reinterpret_cast<uintptr_t>(word(instance, kReferences)) + static_cast<uintptr_t>(change);
-    word(instance, kReferences) = reinterpret_cast<void*>(count);
+    word(instance, kReferences) = std::bit_cast<void*>(count);
     return count;
 }
 
