@@ -170,11 +170,7 @@ TEST_P(EveryMethod, GivesBackEverythingThatItTook) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Door, EveryMethod, testing::Range(1, kMethodCount + 1),
-                         [](const testing::TestParamInfo<int32_t>& selector) {
-                             int32_t bytes = 0;
-                             const std::string line = messageTableLine(selector.param, &bytes);
-                             return line.substr(0, line.find(' '));
-                         });
+                         [](const auto& selector) { return krl::test::methodName(selector.param); });
 
 }  // namespace
 }  // namespace krl::host

@@ -135,11 +135,7 @@ TEST_P(PaddedPictures, KeepEveryMethodToTheirBlocks) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Door, PaddedPictures, testing::Range(1, kMethodCount + 1),
-                         [](const testing::TestParamInfo<int32_t>& selector) {
-                             int32_t bytes = 0;
-                             const std::string line = messageTableLine(selector.param, &bytes);
-                             return line.substr(0, line.find(' '));
-                         });
+                         [](const auto& selector) { return krl::test::methodName(selector.param); });
 
 }  // namespace
 }  // namespace krl::host

@@ -2,6 +2,7 @@
 
 #include "core/Numbers.h"
 #include "core/Random.h"
+#include "host/MessageTable.h"
 #include "host/ScriptInstance.h"
 #include "player/host/Compare.h"
 #include "player/lingo/Interpreter.h"
@@ -11,6 +12,12 @@ namespace krl::test {
 using host::Argument;
 using host::ArgumentKind;
 using player::Value;
+
+std::string methodName(int32_t selector) {
+    int32_t bytes = 0;
+    const std::string line = host::messageTableLine(selector, &bytes);
+    return line.substr(0, line.find(' '));
+}
 
 Stage::Stage(bool withEngine)
     : host_(uint64_t{1} << 31), xtra_(host_, player::builtInPlugIn()), instance_(xtra_.newInstance()) {

@@ -9,6 +9,9 @@
 
 namespace krl::test {
 
+/// The name of the method behind a selector, 1 and up.
+std::string methodName(int32_t selector);
+
 /// What a method answered.
 struct Answer {
     host::HostStatus status = 0;
