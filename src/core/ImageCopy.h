@@ -17,10 +17,6 @@ public:
 
     const ImageBuffer& view() const { return view_; }
     Pixel* row(int32_t y) const { return view_.row(y); }
-    /// To be walked beside the image.
-    SecondImage asSecondImage() const {
-        return {view_.pixels, {.width = view_.width, .height = view_.height, .rowBytes = view_.rowBytes}};
-    }
 
 private:
     Scratch<uint8_t> block_;
