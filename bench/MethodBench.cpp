@@ -7,7 +7,7 @@
 #include <thread>
 
 #include "Scene.h"
-#include "host/ExampleCall.h"
+#include "catalogue/ExampleCall.h"
 #include "host/MethodRegistry.h"
 #include "player/host/Xtra.h"
 #include "player/lingo/Interpreter.h"
@@ -52,18 +52,18 @@ public:
     Stage(const Stage&) = delete;
     Stage& operator=(const Stage&) = delete;
 
-    std::vector<Value> examples(const host::Method& method) {
-        const host::ExampleSetting setting{clean_.width, clean_.height, {}};
+    std::vector<Value> examples(const Method& method) {
+        const ExampleSetting setting{clean_.width, clean_.height, {}};
         std::vector<Value> values;
-        for (const host::Argument& argument : method.arguments())
-            values.push_back(argument.kind == host::ArgumentKind::SecondImage
+        for (const Argument& argument : method.arguments())
+            values.push_back(argument.kind == ArgumentKind::SecondImage
                                  ? host_.heap.make<player::ImageObject>(clean_)
                                  : interpreter_.evaluateText("example", exampleText(argument, setting)));
         return values;
     }
 
     /// Milliseconds of a call on the picture as it was loaded.
-    double timed(const host::Method& method, const std::vector<Value>& arguments) {
+    double timed(const Method& method, const std::vector<Value>& arguments) {
         std::memcpy(bytes(), clean_.pixels.data(), size_t(pixelCount()) * sizeof(Pixel));
         return milliseconds(bands(), [&] { xtra_.call(instance_, host::selectorOf(method), arguments); });
     }
@@ -103,7 +103,7 @@ Stage& stageFor(Size size, bool oneBand) {
     return *stage;
 }
 
-void timeMethod(benchmark::State& state, const host::Method& method, Size size, bool oneBand) {
+void timeMethod(benchmark::State& state, const Method& method, Size size, bool oneBand) {
     Stage& stage = stageFor(size, oneBand);
     const std::vector<Value> arguments = stage.examples(method);
     double best = stage.timed(method, arguments), pass = stage.timedPass();
@@ -123,8 +123,8 @@ void timeMethod(benchmark::State& state, const host::Method& method, Size size, 
 void registerAll() {
     for (const Size size : {Size{4000, 3000}, Size{1000, 750}})
         for (const bool oneBand : {true, false})
-            for (const host::Method* method : host::methods()) {
-                if (std::strcmp(method->group(), "Engine") == 0) continue;
+            for (const Method* method : host::methods()) {
+                if (method->managesTheEngine()) continue;
                 const std::string name = method->shortName() + '/' + std::to_string(size.width) + 'x' +
                                          std::to_string(size.height) + (oneBand ? "/one" : "/all");
                 benchmark::RegisterBenchmark(

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <ctime>
 
-#include "core/ImageEngine.h"
+#include "krlimage/engine.h"
 #include "player/pictures/Picture.h"
 
 /// What benchmarks are run on, and against what they are held.

@@ -29,3 +29,13 @@ function(krl_sources variable)
   endforeach()
   set(${variable} ${found} PARENT_SCOPE)
 endfunction()
+
+# The same for whole trees of folders, such as the families of effects.
+function(krl_tree_sources variable)
+  set(found "")
+  foreach(tree IN LISTS ARGN)
+    file(GLOB_RECURSE files CONFIGURE_DEPENDS ${tree}/*.cpp)
+    list(APPEND found ${files})
+  endforeach()
+  set(${variable} ${found} PARENT_SCOPE)
+endfunction()

@@ -5,12 +5,15 @@ include(CMakePackageConfigHelpers)
 
 set_target_properties(krlengine PROPERTIES EXPORT_NAME engine OUTPUT_NAME krlimage)
 target_compile_features(krlengine PUBLIC cxx_std_20)
-target_include_directories(krlengine PUBLIC $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/krlimage>)
+target_include_directories(krlengine PUBLIC
+  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/krlimage>)
 target_link_libraries(krlengine PUBLIC $<INSTALL_INTERFACE:Threads::Threads>)
 install(TARGETS krlengine EXPORT krlimage COMPONENT library)
 install(EXPORT krlimage NAMESPACE krlimage:: FILE krlimageTargets.cmake COMPONENT library
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/krlimage)
-foreach(subsystem core blur point filters warp composite key generate fields)
+install(DIRECTORY include/krlimage COMPONENT library DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  FILES_MATCHING PATTERN "*.h")
+foreach(subsystem core kernels effects)
   install(DIRECTORY src/${subsystem} COMPONENT library
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/krlimage FILES_MATCHING PATTERN "*.h")
 endforeach()

@@ -1,81 +1,133 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
+#include <vector>
 
+/// Which source folder may include which. The rooms are the folders as they are found; only the order of
+/// the storeys is written down.
 namespace {
 
 namespace fs = std::filesystem;
 
-/// Which folders a folder's files may include from, besides `core`, the standard library and
-/// themselves. Where only one header of another room may be taken, the header is named.
-const std::map<std::string, std::set<std::string>> kMayInclude = {
-    {"core", {}},
-    {"blur", {"point/ByteCurve.h"}},
-    {"point",
-     {"blur/ByteMix.h", "blur/EdgeGain.h", "blur/TentBlur.h", "generate/Curve.h", "generate/CurveKey.h",
-      "composite/BlendMode.h"}},
-    {"filters", {"blur/TentBlur.h", "point/ByteCurve.h"}},
-    {"warp", {}},
-    {"composite", {"blur/TentBlur.h", "generate/Curve.h", "generate/CurveKey.h", "point/ByteCurve.h"}},
-    {"key", {"filters/Gradient3x3.h"}},
-    {"generate", {"blur/TentBlur.h", "composite/BlendMode.h"}},
-    {"fields", {}},
+/// The storeys, lowest first: the public headers of `include`, then the folders of `src`. An include runs
+/// from a storey to itself or downward.
+const std::vector<std::string> kStoreys = {"krlimage", "core", "kernels", "catalogue",
+                                           "effects",  "host", "c"};
+
+/// Doors stand side by side: neither may include the other.
+const std::set<std::string> kDoors = {"host", "c"};
+
+struct Include {
+    fs::path file;     ///< the including file, below `src`
+    std::string path;  ///< as written between the quotes
 };
 
-std::string folderOf(const std::string& include) { return include.substr(0, include.find('/')); }
-
-/// Quoted includes of a source file.
-std::set<std::string> includesOf(const fs::path& file) {
-    std::set<std::string> found;
-    std::ifstream in(file);
-    for (std::string line; std::getline(in, line);) {
-        const std::string start = "#include \"";
-        if (line.rfind(start, 0) == 0)
-            found.insert(line.substr(start.size(), line.rfind('"') - start.size()));
+std::vector<fs::path> sourcesBelow(const fs::path& folder) {
+    std::vector<fs::path> found;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        const fs::path extension = entry.path().extension();
+        if (extension == ".h" || extension == ".cpp") found.push_back(entry.path());
     }
     return found;
 }
 
-TEST(Architecture, IncludesRunDownwardOnly) {
-    const fs::path source = KRL_SOURCE_DIR;
-    int files = 0;
-    for (const auto& [folder, allowed] : kMayInclude) {
-        for (const auto& entry : fs::recursive_directory_iterator(source / "src" / folder)) {
-            if (!entry.is_regular_file()) continue;
-            ++files;
-            for (const std::string& include : includesOf(entry.path())) {
-                const std::string from = folderOf(include);
-                const bool own = from == folder || from == "core" || from == include;
-                EXPECT_TRUE(own || allowed.count(include)) << entry.path() << " includes " << include;
-            }
+std::vector<Include> includesBelow(const fs::path& folder) {
+    std::vector<Include> includes;
+    for (const fs::path& file : sourcesBelow(folder)) {
+        std::ifstream in(file);
+        for (std::string line; std::getline(in, line);) {
+            const std::string start = "#include \"";
+            if (line.rfind(start, 0) == 0)
+                includes.push_back(
+                    {fs::relative(file, folder), line.substr(start.size(), line.rfind('"') - start.size())});
         }
     }
-    EXPECT_GT(files, 20);
+    return includes;
 }
 
-/// The player meets the plug-in at its door and reads its method registry, nothing else.
-TEST(Architecture, ThePlayerKnowsTheDoorAndTheRegistryAlone) {
+/// `kernels/blur` of `kernels/blur/TentBlur.h`, `core` of `core/Bands.h`.
+std::string roomOf(const fs::path& file) { return file.parent_path().generic_string(); }
+
+std::string storeyOf(const std::string& path) { return path.substr(0, path.find('/')); }
+
+size_t levelOf(const std::string& storey) {
+    return static_cast<size_t>(std::find(kStoreys.begin(), kStoreys.end(), storey) - kStoreys.begin());
+}
+
+/// What is wrong with an include, or nothing.
+std::string faultOf(const Include& include) {
+    const std::string from = storeyOf(include.file.generic_string()), to = storeyOf(include.path);
+    if (levelOf(to) == kStoreys.size()) return "is of no storey";
+    if (levelOf(to) > levelOf(from)) return "points upward";
+    if (kDoors.count(to) && to != from) return "joins two doors";
+    if (kDoors.count(from) && to == "effects") return "passes by the catalogue";
+    if (from == "effects" && to == "effects" && roomOf(include.file) != roomOf(include.path))
+        return "joins two families";
+    return "";
+}
+
+const fs::path kSource = KRL_SOURCE_DIR;
+
+TEST(Architecture, EveryFolderOfTheLibraryIsAStorey) {
+    for (const auto& entry : fs::directory_iterator(kSource / "src"))
+        if (entry.is_directory()) {
+            EXPECT_LT(levelOf(entry.path().filename().string()), kStoreys.size()) << entry.path();
+        }
+}
+
+TEST(Architecture, IncludesRunDownwardOnly) {
+    const std::vector<Include> includes = includesBelow(kSource / "src");
+    EXPECT_GT(includes.size(), 400u);
+    for (const Include& include : includes)
+        EXPECT_EQ(faultOf(include), "") << include.file << " includes " << include.path;
+}
+
+TEST(Architecture, AnUpwardOrSidewardIncludeIsAFault) {
+    EXPECT_EQ(faultOf({"core/Bands.h", "kernels/blur/TentBlur.h"}), "points upward");
+    EXPECT_EQ(faultOf({"effects/blur/Diffuse.cpp", "effects/tone/Tone.h"}), "joins two families");
+    EXPECT_EQ(faultOf({"c/krlimage.cpp", "host/HostTypes.h"}), "joins two doors");
+    EXPECT_EQ(faultOf({"effects/blur/Diffuse.cpp", "player/cli/Complaints.h"}), "is of no storey");
+    EXPECT_EQ(faultOf({"effects/blur/Diffuse.cpp", "effects/blur/Blur.h"}), "");
+}
+
+/// Rooms of kernels may build on each other, but not in a circle.
+TEST(Architecture, KernelsFormNoCircle) {
+    std::map<std::string, std::set<std::string>> arrows;
+    for (const Include& include : includesBelow(kSource / "src"))
+        if (storeyOf(include.file.generic_string()) == "kernels" && storeyOf(include.path) == "kernels" &&
+            roomOf(include.file) != roomOf(include.path))
+            arrows[roomOf(include.file)].insert(roomOf(include.path));
+    std::set<std::string> done, open;
+    const std::function<void(const std::string&)> visit = [&](const std::string& room) {
+        if (done.count(room)) return;
+        EXPECT_TRUE(open.insert(room).second) << room << " is part of a circle";
+        if (testing::Test::HasFailure()) return;
+        for (const std::string& next : arrows[room]) visit(next);
+        done.insert(room);
+    };
+    const auto rooms = arrows;
+    for (const auto& [room, to] : rooms) visit(room);
+}
+
+/// The player meets the plug-in at its door and effects through the catalogue, nothing else.
+TEST(Architecture, ThePlayerKnowsTheDoorAndTheCatalogueAlone) {
     const std::set<std::string> door = {
         "host/Door.h",           "host/HostInterfaces.h", "host/HostTypes.h",
-        "host/HostSlots.h",      "host/Identifiers.h",    "host/Method.h",
-        "host/MethodRegistry.h", "host/MessageTable.h",   "host/ExampleCall.h"};
-    const std::set<std::string> engineRooms = {"blur",      "point", "filters",  "warp",
-                                               "composite", "key",   "generate", "fields"};
-    const fs::path source = KRL_SOURCE_DIR;
-    for (const auto& entry : fs::recursive_directory_iterator(source / "player")) {
-        const fs::path extension = entry.path().extension();
-        if (extension != ".h" && extension != ".cpp") continue;
-        for (const std::string& include : includesOf(entry.path())) {
-            const std::string from = folderOf(include);
-            if (from == "host" && fs::exists(source / "src" / include)) {
-                EXPECT_TRUE(door.count(include)) << entry.path() << " includes " << include;
-            }
-            EXPECT_FALSE(engineRooms.count(from)) << entry.path() << " includes " << include;
+        "host/HostSlots.h",      "host/Identifiers.h",    "catalogue/Method.h",
+        "host/MethodRegistry.h", "host/MessageTable.h",   "catalogue/ExampleCall.h"};
+    for (const Include& include : includesBelow(kSource / "player")) {
+        if (!fs::exists(kSource / "src" / include.path)) continue;
+        const std::string to = storeyOf(include.path);
+        if (to == "host") {
+            EXPECT_TRUE(door.count(include.path)) << include.file << " includes " << include.path;
         }
+        EXPECT_FALSE(to == "kernels" || to == "effects") << include.file << " includes " << include.path;
     }
 }
 

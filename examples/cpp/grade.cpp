@@ -2,9 +2,9 @@
 #include <cstdio>
 #include <vector>
 
-#include "blur/BlurEffects.h"
-#include "core/ImageEngine.h"
-#include "point/ToneEffects.h"
+#include "effects/blur/BlurEffects.h"
+#include "effects/tone/ToneEffects.h"
+#include "krlimage/engine.h"
 
 namespace {
 

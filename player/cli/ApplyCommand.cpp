@@ -44,7 +44,7 @@ PictureReport workOn(Session& session, const BatchItem& item, const std::vector<
             made.call = call.lingo(picture.width, picture.height);
             made.outcome = session.apply(picture, made.call);
             const bool plain = made.outcome.shown.empty() || made.outcome.shown == "[#error: 0]";
-            made.telling = !plain && !(made.outcome.ok() && newPictureOf(call.method()).first);
+            made.telling = !plain && !(made.outcome.ok() && call.method().makesPicture());
             if (made.outcome.ok()) continue;
             made.complaints = call.complaints();
             report.failure = item.input.string() + ": " + made.outcome.error + " from " + made.call;

@@ -10,9 +10,6 @@ namespace krl::player {
 
 namespace {
 
-using host::Argument;
-using host::ArgumentKind;
-
 enum class Kind { Unknown, Integer, Float, String, Symbol, Void, List, PropertyList, Colour, Point, Image };
 
 /// What a text makes, and the text.
@@ -86,14 +83,14 @@ bool takes(ArgumentKind wanted, Kind given) {
 
 std::string suggestionFor(const Argument& argument, const std::string& symbol) {
     std::vector<std::string> names;
-    for (const host::SymbolChoice& choice : argument.choices) names.push_back(std::string("#") + choice.name);
+    for (const SymbolChoice& choice : argument.choices) names.push_back(std::string("#") + choice.name);
     return didYouMean(symbol, names);
 }
 
 bool isChoice(const Argument& argument, const std::string& symbol) {
-    return std::any_of(
-        argument.choices.begin(), argument.choices.end(),
-        [&](const host::SymbolChoice& choice) { return folded(choice.name) == folded(symbol.substr(1)); });
+    return std::any_of(argument.choices.begin(), argument.choices.end(), [&](const SymbolChoice& choice) {
+        return folded(choice.name) == folded(symbol.substr(1));
+    });
 }
 
 /// On a command line no name has a value: most likely a symbol lacks its mark.

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "host/ExampleCall.h"
+#include "catalogue/ExampleCall.h"
 #include "player/cli/ArgumentCheck.h"
 #include "player/cli/Commands.h"
 #include "player/cli/MethodFacts.h"
@@ -13,10 +13,6 @@
 namespace krl::player {
 
 namespace {
-
-using host::Argument;
-using host::ArgumentKind;
-using host::Method;
 
 bool sameName(std::string_view a, std::string_view b) {
     const auto lower = [](char letter) { return std::tolower(static_cast<unsigned char>(letter)); };
@@ -44,7 +40,7 @@ ChainCall::ChainCall(std::string_view text) : written_(text) {
     const WrittenCall call = readCall(text);
     method_ = &requireMethod(call.name);
     const std::string name = method_->shortName();
-    if (managesEngine(*method_))
+    if (method_->managesTheEngine())
         throw CommandError(name + " is not for a chain: apply sees to engine and picture itself");
     const auto& wanted = method_->arguments();
     given_.resize(wanted.size());
@@ -59,17 +55,17 @@ ChainCall::ChainCall(std::string_view text) : written_(text) {
     for (size_t i = 0; i < wanted.size(); ++i)
         if (given_[i].empty() && !hasStandIn(wanted[i]))
             throw CommandError(name + " needs " + wanted[i].name + ", such as " + wanted[i].name + ": " +
-                               host::exampleText(wanted[i]));
+                               exampleText(wanted[i]));
 }
 
 std::string ChainCall::lingo(int32_t width, int32_t height) const {
-    host::ExampleSetting setting;
+    ExampleSetting setting;
     setting.width = width;
     setting.height = height;
     std::string text = std::string(method_->name()) + "(";
     for (size_t i = 0; i < given_.size(); ++i) {
         if (i > 0) text += ", ";
-        text += given_[i].empty() ? host::exampleText(method_->arguments()[i], setting) : given_[i];
+        text += given_[i].empty() ? exampleText(method_->arguments()[i], setting) : given_[i];
     }
     return text + ")";
 }
@@ -86,7 +82,7 @@ std::vector<std::string> ChainCall::complaints() const {
 
 bool looksLikeCall(const std::string& word) {
     if (std::filesystem::exists(word)) return false;
-    if (host::findMethod(word)) return true;
+    if (catalogue().find(word)) return true;
     const size_t bracket = word.find('(');
     if (bracket == std::string::npos || bracket == 0) return false;
     const bool named = std::all_of(

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/Method.h"
+#include "catalogue/Method.h"
 
 namespace krl::player {
 
@@ -16,7 +16,7 @@ public:
     /// argument, and one that is given twice or needed and missing.
     explicit ChainCall(std::string_view text);
 
-    const host::Method& method() const { return *method_; }
+    const Method& method() const { return *method_; }
     const std::string& written() const { return written_; }
 
     /// The call as the plug-in is to have it: `krlImageBrightness(40, #RGB)`. The size serves the
@@ -28,7 +28,7 @@ public:
 
 private:
     std::string written_;
-    const host::Method* method_;
+    const Method* method_;
     /// Lingo texts in signature order; empty for what was left out.
     std::vector<std::string> given_;
 };

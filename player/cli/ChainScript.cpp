@@ -9,13 +9,13 @@ namespace {
 /// The lines of one call. A new picture that it makes takes the place of the loaded one.
 std::string linesFor(const ChainCall& call, int32_t width, int32_t height) {
     const std::string text = "xtraImage." + call.lingo(width, height);
-    const auto [makesPicture, key] = newPictureOf(call.method());
-    if (makesPicture) {
+    if (call.method().makesPicture()) {
+        const char* key = call.method().pictureKey();
         return "  answer = " + text +
                "\n"
                "  xtraImage.krlImageQuit()\n"
                "  picture = answer" +
-               (key.empty() ? "[1]" : "." + key) +
+               (key ? "." + std::string(key) : "[1]") +
                "\n"
                "  xtraImage.krlImageLoad(picture)\n";
     }

@@ -49,7 +49,7 @@ private:
         }
     }
 
-    void check(const CallExpression& call, const host::Method& method) {
+    void check(const CallExpression& call, const Method& method) {
         // In the form krlImageLoad(x, image) the instance is the first argument.
         const size_t instance = call.kind == ExpressionKind::Call ? 1 : 0;
         if (call.arguments.size() < instance)

@@ -2,7 +2,7 @@
 #include <map>
 #include <ostream>
 
-#include "host/ExampleCall.h"
+#include "catalogue/ExampleCall.h"
 #include "player/cli/GalleryPage.h"
 #include "player/cli/MethodFacts.h"
 #include "player/cli/ProgressBar.h"
@@ -21,11 +21,11 @@ namespace fs = std::filesystem;
 constexpr int32_t kWidest = 1280, kThumbnail = 480;
 
 /// Effects and what only answers; engine and stop-watch have nothing to show.
-std::vector<const host::Method*> shownMethods() {
-    std::vector<const host::Method*> shown;
-    for (const MethodGroup& group : methodGroups())
-        for (const host::Method* method : group.methods)
-            if (!method->isSilent() && !managesEngine(*method)) shown.push_back(method);
+std::vector<const Method*> shownMethods() {
+    std::vector<const Method*> shown;
+    for (const Family& group : catalogue().families())
+        for (const Method* method : group.methods)
+            if (!method->managesTheEngine()) shown.push_back(method);
     return shown;
 }
 
@@ -50,22 +50,22 @@ public:
     }
 
     /// Second pictures of the examples, as large as the picture, since most methods ask for that.
-    void prepareSamples(const std::vector<const host::Method*>& methods) {
-        for (const host::Method* method : methods)
-            for (const host::Argument& argument : method->arguments())
-                if (argument.kind == host::ArgumentKind::SecondImage && samples_.count(argument.example) == 0)
+    void prepareSamples(const std::vector<const Method*>& methods) {
+        for (const Method* method : methods)
+            for (const Argument& argument : method->arguments())
+                if (argument.kind == ArgumentKind::SecondImage && samples_.count(argument.example) == 0)
                     samples_[argument.example] = prepareSample(argument.example);
     }
 
-    GalleryCard work(Session& session, const host::Method& method) const {
+    GalleryCard work(Session& session, const Method& method) const {
         GalleryCard card{
-            method.group(), method.shortName(), method.summaryText(), shortCall(method, {}), "", "", ""};
+            method.heading(), method.shortName(), method.summaryText(), shortCall(method, {}), "", "", ""};
         Bitmap picture = picture_;
         try {
             const CallOutcome outcome = session.apply(picture, exampleOn(method));
             if (!outcome.ok())
                 card.answer = outcome.error;
-            else if (outcome.shown != "[#error: 0]" && !newPictureOf(method).first)
+            else if (outcome.shown != "[#error: 0]" && !method.makesPicture())
                 card.answer = outcome.shown;
         } catch (const ScriptError& error) {
             card.answer = error.what();
@@ -104,18 +104,18 @@ private:
 
     /// The example call for a picture of this size; `paths` puts the samples' files in the place of
     /// their names.
-    std::string shortCall(const host::Method& method, const std::map<std::string, std::string>& paths) const {
-        host::ExampleSetting setting;
+    std::string shortCall(const Method& method, const std::map<std::string, std::string>& paths) const {
+        ExampleSetting setting;
         setting.width = picture_.width;
         setting.height = picture_.height;
         setting.image = [&](const char* sample) {
             const auto found = paths.find(sample);
             return "image(\"" + (found == paths.end() ? sample : found->second) + "\")";
         };
-        return method.shortName() + host::exampleCall(method, setting).substr(std::strlen(method.name()));
+        return method.shortName() + exampleCall(method, setting).substr(std::strlen(method.name()));
     }
 
-    std::string exampleOn(const host::Method& method) const { return shortCall(method, samples_); }
+    std::string exampleOn(const Method& method) const { return shortCall(method, samples_); }
 
     const fs::path folder_;
     const fs::path source_;
@@ -130,7 +130,7 @@ int makeGallery(const GalleryOptions& options, const Terminal& terminal) {
     if (!isPictureName("x.webp"))
         throw CommandError("a gallery is of WebP pictures, which this build cannot write");
     Gallery gallery(options);
-    const std::vector<const host::Method*> methods = shownMethods();
+    const std::vector<const Method*> methods = shownMethods();
     gallery.prepareSamples(methods);
     SessionOptions settings = options.session;
     settings.allowedFolders.push_back(fs::absolute(options.folder));

@@ -67,9 +67,9 @@ std::string manualPage(const CommandList& commands) {
         for (const OptionDescription& option : command.options) page += item(option);
     }
     page += ".SH METHODS\n";
-    for (const MethodGroup& group : methodGroups()) {
+    for (const Family& group : catalogue().families()) {
         page += ".TP\n" + bold(group.heading) + "\n";
-        for (const host::Method* method : group.methods)
+        for (const Method* method : group.methods)
             page += plain(method->shortName()) + (method == group.methods.back() ? ".\n" : ",\n");
     }
     return page +

@@ -19,7 +19,7 @@ int listMethods(const ListOptions& options, const Terminal& terminal) {
 }
 
 int helpOnMethod(const HelpOptions& options, const Terminal& terminal) {
-    const host::Method& method = requireMethod(options.method);
+    const Method& method = requireMethod(options.method);
     terminal.out << (options.json ? helpJson(method) : helpText(method));
     return 0;
 }

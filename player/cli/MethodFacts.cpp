@@ -3,69 +3,17 @@
 #include <algorithm>
 #include <cstring>
 
+#include "catalogue/ExampleCall.h"
+#include "catalogue/Notation.h"
 #include "core/Numbers.h"
-#include "host/ExampleCall.h"
 #include "player/cli/Commands.h"
 #include "player/lingo/NearestName.h"
 
 namespace krl::player {
 
-using host::Argument;
-using host::ArgumentKind;
-using host::Method;
-
-namespace {
-
-/// Headings from the most used on. One that is not named here comes before those without a picture.
-constexpr const char* kReadingOrder[] = {"Tone",
-                                         "Colour",
-                                         "Hue",
-                                         "Film",
-                                         "Blur and sharpen",
-                                         "Directional blurs",
-                                         "Edges",
-                                         "Stylise",
-                                         "Warps",
-                                         "Glows",
-                                         "Compositing",
-                                         "Keys",
-                                         "Alpha",
-                                         "Generators",
-                                         "",
-                                         "Fields and sizes",
-                                         "Engine",
-                                         "Without effect"};
-
-std::ptrdiff_t rankOf(const std::string& heading) {
-    const auto found = std::find(std::begin(kReadingOrder), std::end(kReadingOrder), heading);
-    const auto others = std::find(std::begin(kReadingOrder), std::end(kReadingOrder), std::string_view());
-    return (found == std::end(kReadingOrder) ? others : found) - std::begin(kReadingOrder);
-}
-
-}  // namespace
-
-std::vector<MethodGroup> methodGroups() {
-    std::vector<MethodGroup> groups;
-    for (const Method* method : host::methods()) {
-        if (!method) continue;
-        const auto found = std::find_if(groups.begin(), groups.end(), [&](const MethodGroup& group) {
-            return group.heading == method->group();
-        });
-        if (found == groups.end())
-            groups.push_back({method->group(), {method}});
-        else
-            found->methods.push_back(method);
-    }
-    std::stable_sort(groups.begin(), groups.end(), [](const MethodGroup& a, const MethodGroup& b) {
-        return rankOf(a.heading) < rankOf(b.heading);
-    });
-    return groups;
-}
-
 std::vector<std::string> shortMethodNames() {
     std::vector<std::string> names;
-    for (const Method* method : host::methods())
-        if (method) names.push_back(method->shortName());
+    for (const Method* method : catalogue().methods()) names.push_back(method->shortName());
     return names;
 }
 
@@ -89,20 +37,21 @@ std::string methodMeantBy(std::string_view name) {
 }
 
 const Method& requireMethod(std::string_view name) {
-    if (const Method* method = host::findMethod(name)) return *method;
+    if (const Method* method = catalogue().find(name)) return *method;
     throw CommandError("there is no method " + std::string(name) + methodMeantBy(name));
 }
 
 bool isFound(const Method& method, const std::string& word) {
-    const std::string text = std::string(method.name()) + '\n' + method.group() + '\n' + method.summaryText();
+    const std::string text =
+        std::string(method.name()) + '\n' + method.heading() + '\n' + method.summaryText();
     return lowerCase(text).find(lowerCase(word)) != std::string::npos;
 }
 
 namespace {
 
-std::string spanText(const host::NumberRange& range, bool real) {
+std::string spanText(const NumberRange& range, bool real) {
     const auto shown = [real](double value) {
-        return real ? host::lingoReal(value) : std::to_string(truncate(value));
+        return real ? realNotation(value) : std::to_string(truncate(value));
     };
     return shown(range.from) + " to " + shown(range.to);
 }
@@ -159,7 +108,7 @@ std::string countComplaint(const Method& method, size_t given) {
 }
 
 std::string shortExample(const Method& method) {
-    return method.shortName() + host::exampleCall(method).substr(std::strlen(method.name()));
+    return method.shortName() + exampleCall(method).substr(std::strlen(method.name()));
 }
 
 std::vector<MethodFailure> failuresOf(const Method& method) {
@@ -189,16 +138,6 @@ std::vector<MethodFailure> failuresOf(const Method& method) {
     }
     tell(method.failedText(), "there is no picture to work on, or no memory");
     return failures;
-}
-
-bool managesEngine(const Method& method) {
-    return std::strcmp(method.group(), "Engine") == 0 && !method.isSilent();
-}
-
-std::pair<bool, std::string> newPictureOf(const Method& method) {
-    for (const host::ResultEntry& entry : method.resultEntries())
-        if (std::strstr(entry.meaning, "new picture")) return {true, entry.key};
-    return {std::strcmp(method.name(), "krlImageBroadcastSplit") == 0, ""};
 }
 
 }  // namespace krl::player

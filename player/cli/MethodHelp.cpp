@@ -43,17 +43,17 @@ std::string section(const std::string& heading, const Rows& rows) {
 
 }  // namespace
 
-std::string helpText(const host::Method& method) {
+std::string helpText(const Method& method) {
     Rows arguments, results, failures;
-    for (const host::Argument& argument : method.arguments())
+    for (const Argument& argument : method.arguments())
         arguments.push_back({argument.name, wantedText(argument), argument.meaning});
     if (!method.isSilent()) results.push_back({"error", "0, or what went wrong"});
-    for (const host::ResultEntry& entry : method.resultEntries())
-        results.push_back({entry.key, entry.meaning});
+    for (const ResultEntry& entry : method.resultEntries()) results.push_back({entry.key, entry.meaning});
     for (const MethodFailure& failure : failuresOf(method))
         failures.push_back({failure.message, failure.when});
     const std::string heading = outlineOf(method), name = method.name(), summary = method.summaryText();
-    std::string text = heading + "\n  " + summary + "\n  " + method.group() + "; " + name + " in scripts.\n";
+    std::string text =
+        heading + "\n  " + summary + "\n  " + method.heading() + "; " + name + " in scripts.\n";
     text += section("Arguments", arguments);
     text += section("Example", {{"krlimage apply in.png -o out.png '" + shortExample(method) + "'"}});
     text += section("Result", results);
@@ -62,9 +62,9 @@ std::string helpText(const host::Method& method) {
 
 std::string listText(const std::string& word) {
     std::string text;
-    for (const MethodGroup& group : methodGroups()) {
+    for (const Family& group : catalogue().families()) {
         Rows rows;
-        for (const host::Method* method : group.methods)
+        for (const Method* method : group.methods)
             if (isFound(*method, word)) rows.push_back({method->shortName(), method->summaryText()});
         if (rows.empty()) continue;
         if (!text.empty()) text += '\n';

@@ -1,6 +1,6 @@
 #include <nlohmann/json.hpp>
 
-#include "host/ExampleCall.h"
+#include "catalogue/ExampleCall.h"
 #include "player/cli/MethodFacts.h"
 #include "player/cli/MethodHelp.h"
 
@@ -9,8 +9,6 @@ namespace krl::player {
 namespace {
 
 using Json = nlohmann::ordered_json;
-using host::Argument;
-using host::ArgumentKind;
 
 const char* kindName(ArgumentKind kind) {
     switch (kind) {
@@ -38,27 +36,27 @@ Json argumentJson(const Argument& argument) {
     Json json = {{"name", argument.name}, {"kind", kindName(argument.kind)}, {"meaning", argument.meaning}};
     if (argument.kind == ArgumentKind::Integer || argument.kind == ArgumentKind::Real)
         json["range"] = {argument.range.from, argument.range.to};
-    for (const host::SymbolChoice& choice : argument.choices) json["choices"].push_back(choice.name);
-    json["example"] = host::exampleText(argument);
+    for (const SymbolChoice& choice : argument.choices) json["choices"].push_back(choice.name);
+    json["example"] = exampleText(argument);
     return json;
 }
 
-Json summaryJson(const host::Method& method) {
+Json summaryJson(const Method& method) {
     return {{"name", method.shortName()},
             {"method", method.name()},
-            {"group", method.group()},
+            {"group", method.heading()},
             {"summary", method.summaryText()}};
 }
 
 }  // namespace
 
-std::string helpJson(const host::Method& method) {
+std::string helpJson(const Method& method) {
     Json json = summaryJson(method);
     json["arguments"] = Json::array();
     for (const Argument& argument : method.arguments()) json["arguments"].push_back(argumentJson(argument));
     json["example"] = shortExample(method);
     json["results"] = Json::object();
-    for (const host::ResultEntry& entry : method.resultEntries()) json["results"][entry.key] = entry.meaning;
+    for (const ResultEntry& entry : method.resultEntries()) json["results"][entry.key] = entry.meaning;
     json["errors"] = Json::object();
     for (const MethodFailure& failure : failuresOf(method)) json["errors"][failure.message] = failure.when;
     return json.dump(2) + '\n';
@@ -66,8 +64,8 @@ std::string helpJson(const host::Method& method) {
 
 std::string listJson(const std::string& word) {
     Json json = Json::array();
-    for (const MethodGroup& group : methodGroups())
-        for (const host::Method* method : group.methods)
+    for (const Family& group : catalogue().families())
+        for (const Method* method : group.methods)
             if (isFound(*method, word)) json.push_back(summaryJson(*method));
     return json.dump(2) + '\n';
 }

@@ -18,22 +18,22 @@ std::string anchorOf(const std::string& heading) {
 }
 
 /// Symbols and numbers of the column "takes" as code, since a viewer might take `#` for its own.
-std::string takesText(const host::Argument& argument) {
+std::string takesText(const Argument& argument) {
     const std::string wanted = wantedText(argument);
-    return argument.kind == host::ArgumentKind::Symbol ? "`" + wanted + "`" : wanted;
+    return argument.kind == ArgumentKind::Symbol ? "`" + wanted + "`" : wanted;
 }
 
-std::string methodSection(const host::Method& method) {
+std::string methodSection(const Method& method) {
     std::string text = "### " + method.shortName() + "\n\n" + method.summaryText() + "\n\n```\n" +
                        shortExample(method) + "\n```\n\n";
     if (!method.arguments().empty()) {
         text += "| Argument | Takes | Meaning |\n|---|---|---|\n";
-        for (const host::Argument& argument : method.arguments())
+        for (const Argument& argument : method.arguments())
             text += std::string("| `") + argument.name + "` | " + takesText(argument) + " | " +
                     argument.meaning + " |\n";
         text += '\n';
     }
-    for (const host::ResultEntry& entry : method.resultEntries())
+    for (const ResultEntry& entry : method.resultEntries())
         text += std::string("Its result has `") + entry.key + "`: " + entry.meaning + ".\n\n";
     const auto failures = failuresOf(method);
     for (const MethodFailure& failure : failures)
@@ -51,18 +51,18 @@ std::string referencePage() {
         "out. The result is a property list whose `error` is 0 or one of the messages below the method.\n"
         "Ranges are what is sensible to try; values beyond them are taken as well.\n\n"
         "This page is written by `krlimage docs -o docs`.\n\n";
-    const auto groups = methodGroups();
-    for (const MethodGroup& group : groups) {
+    const auto& groups = catalogue().families();
+    for (const Family& group : groups) {
         text += "- [" + group.heading + "](#" + anchorOf(group.heading) + "):";
-        for (const host::Method* method : group.methods) {
+        for (const Method* method : group.methods) {
             const std::string name = method->shortName();
             text += (method == group.methods.front() ? " [" : ", [") + name + "](#" + anchorOf(name) + ")";
         }
         text += '\n';
     }
-    for (const MethodGroup& group : groups) {
+    for (const Family& group : groups) {
         text += "\n## " + group.heading + "\n\n";
-        for (const host::Method* method : group.methods) text += methodSection(*method);
+        for (const Method* method : group.methods) text += methodSection(*method);
         text.pop_back();
     }
     return text;

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "core/Pixel.h"
+#include "krlimage/pixel.h"
 
 /// Pictures in memory and in files.
 namespace krl::player {

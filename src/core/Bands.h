@@ -6,8 +6,8 @@
 #include <span>
 #include <utility>
 
-#include "core/ImageEngine.h"
 #include "core/Numbers.h"
+#include "krlimage/engine.h"
 
 /// How an effect's work is spread: the image is cut into `threadCount` bands, every band but the
 /// last gets a thread of its own, the last runs on the caller, and the call returns when all have

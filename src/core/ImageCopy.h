@@ -2,8 +2,8 @@
 
 #include <cstring>
 
-#include "core/ImageEngine.h"
 #include "core/Scratch.h"
+#include "krlimage/engine.h"
 
 namespace krl {
 

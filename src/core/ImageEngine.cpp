@@ -1,10 +1,9 @@
-#include "core/ImageEngine.h"
-
 #include <algorithm>
 #include <thread>
 
 #include "core/LookupTables.h"
 #include "core/Scratch.h"
+#include "krlimage/engine.h"
 
 namespace krl {
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "core/Pixel.h"
+#include "krlimage/pixel.h"
 
 /// A pixel as one 32-bit word: blue in the low byte, alpha in the high one. Loops that read and
 /// write pixels so become vectors.

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "core/ImageEngine.h"
+#include "krlimage/engine.h"
 
 #if defined(_WIN32) && !defined(_WIN64)
 #define KRL_HOST_CALL __stdcall

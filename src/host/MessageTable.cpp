@@ -1,171 +1,71 @@
 #include "host/MessageTable.h"
 
-#include <cstring>
+#include <algorithm>
+
+#include "host/MessageTableText.h"
 
 namespace krl::host {
 
-const char kMessageTableHead[] =
-    "xtra KRLImageXtra -- Torvel Xtra for digital grading and image manapulation \n"
-    "new object me\n";
+namespace {
 
-const char kMessageTableBody[] =
-    "krlImageStartTimer object me -- \n"
-    "krlImageStopTimer object me -- \n"
-    "krlImageCreateLookupTables object me, symbol mtOption -- \n"
-    "krlImageDestroyLookupTables object me -- \n"
-    "krlImageLoad object me, any srcCMem -- \n"
-    "krlImageQuit object me -- \n"
-    "krlImageComposite object me, any foreground, symbol blendMethod, symbol backgroundAlpha -- \n"
-    "krlImageAdaptiveColourReduction object me -- \n"
-    "krlImageAmbientLight object me, color myColor, integer intensity -- \n"
-    "krlImageBleachBypass object me, integer opacity, float contrast, float saturation -- \n"
-    "krlImageBlockWaves object me, float amplitude, float frequency, float horizPhase, float vertPhase, "
-    "\t\t\t\tsymbol quality, symbol colourOrAlpha -- \n"
-    "krlImageBlurColourReplace object me, color pColor -- \n"
-    "krlImageBlurProRGB object me, integer blurR, integer blurG, integer blurB -- \n"
-    "krlImageBlurProYUV object me, integer blurY, integer blurU, integer blurV -- \n"
-    "krlImageBrightness object me, integer brightnessInt, symbol colourOrAlpha -- \n"
-    "krlImageCannyEdgeDetect object me, integer blurAmount, integer threshold, symbol colourOrAlpha -- \n"
-    "krlImageCircularWaves object me, float amplitude, float frequency, float phase, point origin, symbol "
-    "quality, \t\t\t\tsymbol colourOrAlpha -- \n"
-    "krlImageColourBalance object me, float redVal, float greenVal, float blueVal -- \n"
-    "krlImageColourTemperature object me, float tempShift -- \n"
-    "krlImageContrast object me, float contrastFloat, symbol colourOrAlpha -- \n"
-    "krlImageDayForNight object me, integer blur, float blur_opacity, color rgbColor, float colorOpacity, "
-    "\t\t\t\tfloat highlightOpacity, float saturation, integer brightness, float contrast, float gamma, "
-    "symbol colourOrAlpha -- \n"
-    "krlImageDefinePattern object me, any patternImage, symbol blendMethod, integer transparency -- \n"
-    "krlImageDefocus object me, integer blur, float bloom, symbol colourOrAlpha -- \n"
-    "krlImageDesaturate object me -- \n"
-    "krlImageDesaturatePro object me, float red, float green, float blue, integer opacity, symbol equalise "
-    "-- \n"
-    "krlImageDiffuse object me, integer blur, float opacity, symbol quality, symbol colourOrAlpha -- \n"
-    "krlImageDiffuseExtended object me, integer threshold, symbol colourMethod, integer blur, float opacity, "
-    "symbol quality -- \n"
-    "krlImageDilation object me, integer size -- \n"
-    "krlImageEmboss object me, integer strength, float azimuth, float elevation, symbol colourOrAlpha --\n"
-    "krlImageErosion object me, integer size -- \n"
-    "krlImageExposure object me, float exposure, float offset, float gamma -- \n"
-    "krlImageFastGaussianBlur object me, integer radius, symbol colourOrAlpha  -- \n"
-    "krlImageFishEye object me, integer radius, float curvature, point origin, symbol direction, symbol "
-    "background, \t\t\t\tsymbol traditional -- \n"
-    "krlImageFragment object me, integer distance, symbol colourOrAlpha -- \n"
-    "krlImageGamma object me, float gamma, symbol colourOrAlpha -- \n"
-    "krlImageGleamBlur object me, integer blackPoint, integer whitePoint, integer blur, symbol blendMethod, "
-    "\t\t\t\tfloat brightness, integer transparency, list colorList, symbol colourMethod, symbol "
-    "colourOrAlpha -- \n"
-    "krlImageGleamZoom object me, integer black, integer white, point zoomPoint, float brightnessStrength, "
-    "float falloff, \t\t\t\tsymbol blendMethod, float levelsBrightness, integer transparency, list "
-    "colorList, symbol colourMethod, \t\t\t\tsymbol colourOrAlpha, symbol quality -- \n"
-    "krlImageGlowingEdges object me, integer size, integer smoothness, float brightness --\n"
-    "krlImageGrain object me, float frequencyRed, float frequencyGreen, float frequencyBlue, float "
-    "strengthRed, float strengthGreen, \t\t\t\tfloat strengthBlue, integer lowerBand, integer upperBand, "
-    "integer seed, symbol colourMethod -- \n"
-    "krlImageHueColourise object me, integer hueValue, integer density -- \n"
-    "krlImageHueShift object me, integer hueValue, integer density -- \n"
-    "krlImageInvert object me, symbol colourOrAlpha -- \n"
-    "krlImageLensFlare object me, list flareElementsList -- \n"
-    "krlImageLevels object me, integer minLevel, float midGamma, integer maxLevel, integer outMin, integer "
-    "outMax, \t\t\t\tsymbol channel -- \n"
-    "krlImageLightnessHLS object me, float lightness -- \n"
-    "krlImageLightnessHSV object me, float lightness -- \n"
-    "krlImageMediumTones object me, integer level -- \n"
-    "krlImageMosaic object me, integer amount, symbol colourOrAlpha -- \n"
-    "krlImageMotionBlur object me, integer distance, integer angle, symbol blurCount, symbol colourOrAlpha "
-    "-- \n"
-    "krlImageMultiColourise object me, list colourValues, float strength -- \n"
-    "krlImageNoise object me, float varience, integer seed, symbol colourOrAlpha -- \n"
-    "krlImageOilPaint object me, integer brushSize, integer intensity -- \n"
-    "krlImageOuterGlow object me, integer core_feather, integer expand_blur, integer outer_blur, list "
-    "outerColours, \t\t\t\tlist coreColours, integer intensity, integer core_transparency, symbol quality -- "
-    "\n"
-    "krlImagePosterise object me, integer level, symbol colourOrAlpha -- \n"
-    "krlImagePosteriseHue object me, integer level, integer rotation -- \n"
-    "krlImageRadialBlur object me, integer radialLength, point radialPoint, symbol colourOrAlpha -- \n"
-    "krlImageRGBChannelSwap object me, symbol channel, int opacity -- \n"
-    "krlImageSaturation object me, float saturation -- \n"
-    "krlImageSepia object me -- \n"
-    "krlImageShadowHighlight object me, float shadowAmount, float shadowTonalWidth, integer shadowRadius, "
-    "float highlightAmount, \t\t\t\tfloat highlightTonalWidth, integer highlightRadius -- \n"
-    "krlImageSharpen object me, integer radius, float amount, integer threshold, symbol colourOrAlpha --\n"
-    "krlImageSharpenBrightness object me, integer radius, float amount, integer threshold --\n"
-    "krlImageSobel object me, symbol colourOrAlpha -- \n"
-    "krlImageSolarise object me, symbol colourOrAlpha -- \n"
-    "krlImageStars object me -- \n"
-    "krlImageSuperContrast object me, integer low, integer high, symbol colourOrAlpha -- \n"
-    "krlImageThreeStripColor object me, integer expandRed, integer expandGreen, integer expandBlue -- \n"
-    "krlImageThreshold object me, integer threshold, symbol colourOrAlpha -- \n"
-    "krlImageThresholdPro object me, integer preBlur, integer threshold, integer steps, symbol colourOrAlpha "
-    "-- \n"
-    "krlImageTile object me, integer tileW, integer tileH, integer random, integer seed, symbol "
-    "colourOrAlpha -- \n"
-    "krlImageTones object me, symbol toneName, color toneColour, float toneStrength -- \n"
-    "krlImageTwirl object me, integer twirl, symbol quality, symbol colourOrAlpha -- \n"
-    "krlImageTwoStripColor object me, integer expandRed, integer expandGreen, integer expandBlue -- \n"
-    "krlImageVignette object me, symbol shape, color theColor, integer transparency, float scaleX, float "
-    "scaleY, \t\t\t\tinteger offsetX, integer offsetY, integer blur, symbol colourOrAlpha, symbol invert -- "
-    "\n"
-    "krlImageWaves object me, float amplitude, float frequency, float horizPhase, float vertPhase, integer "
-    "hPercent, \t\t\t\tinteger vPercent, symbol edgeType, symbol quality, symbol colourOrAlpha -- \n"
-    "krlImageZoomBlur object me, integer zoomLength, point zoomPoint, symbol direction, symbol colourOrAlpha "
-    "-- \n"
-    "krlImageDisplacementMapComposite object me, any dMapOne, symbol colouringOptionOne, any dMapTwo, symbol "
-    "colouringOptionTwo, \t\t\t\tfloat hDistance, float vDistance, symbol edgeOption --\n"
-    "krlImageGleamBlurComposite object me, any foreground, symbol compositeBlendMethod, integer "
-    "compositeTransparency, \t\t\t\tinteger blackPoint, integer whitePoint, integer blur, symbol "
-    "blendMethod, float brightness, \t\t\t\tinteger transparency, list colorList, symbol colourMethod -- \n"
-    "krlImageGleamZoomComposite object me, any foreground, symbol compositeBlendMethod, integer "
-    "compositeTransparency, \t\t\t\tinteger black, integer white, point zoomPoint, float brightnessStrength, "
-    "float falloff, symbol blendMethod, \t\t\t\tfloat levelsBrightness, integer transparency, list "
-    "colorList, symbol colourMethod, symbol quality, integer userDistance -- \n"
-    "krlImageLightSpillComposite object me, any background, integer blur, symbol blendMethod -- \n"
-    "krlImageAutoColor object me -- \n"
-    "krlImageAutoColorDifference object me, symbol userColor, float userDetail, float userGrey, float "
-    "thresholdVal -- \n"
-    "krlImageAutoColorDifferenceCharger object me, symbol userColor, float userDetail, float userGrey, "
-    "\t\t\t\tfloat thresholdVal, symbol keepRemove, symbol invert -- \n"
-    "krlImageAlphaCrop object me, integer top, integer right, integer bottom, integer left -- \n"
-    "krlImageAlphaOffset object me, integer horizontal, integer vertical -- \n"
-    "krlImageClearAlpha object me, symbol direction -- \n"
-    "krlImageChromaKey object me, float huePick, float innerHue, float outerHue, float satPick, float "
-    "innerSat, \t\t\t\tfloat outerSat, float valPick, float innerVal, float outerVal, symbol keepRemove, "
-    "symbol invert -- \n"
-    "krlImageColourDifference object me, symbol differenceColour, integer blackValue, integer whiteValue, "
-    "\t\t\t\tsymbol keepRemove, symbol invert -- \n"
-    "krlImageColourDifferenceExtended object me, symbol colorSymbol, float colorRange, float edgeContast, "
-    "\t\t\t\tfloat luminocityContrast, float colorDifferenceContrast, symbol keepRemove, symbol invert -- \n"
-    "krlImageCombineRGBwithAlpha object me -- \n"
-    "krlImageDropShadow object me, integer blur, integer expand -- \n"
-    "krlImageErodeWhite object me, integer distance, symbol direction -- \n"
-    "krlImageHueKey object me, color pColor, float dynamicRange, integer black, integer white, symbol "
-    "keepRemove, \t\t\t\tsymbol invert -- \n"
-    "krlImageInputMask object me, any dotImage, symbol keepRemove, symbol invert -- \n"
-    "krlImageOneChannelFeather object me, integer radius, symbol quality -- \n"
-    "krlImageRGBtoAlpha object me -- \n"
-    "krlImageRGBAtoAlpha object me -- \n"
-    "krlImageSaturationKey object me, color pColor, float dynamicRange, integer black, integer white, "
-    "\t\t\t\tsymbol keepRemove, symbol invert -- \n"
-    "krlImageSpillSupression object me, symbol spillColour, symbol type, integer transparency -- \n"
-    "krlImageValueKey object me, color pColor, float dynamicRange, integer black, integer white, symbol "
-    "keepRemove, \t\t\t\tsymbol invert -- \n"
-    "krlImageViewAlpha object me -- \n"
-    "krlImageYUVBlur object me, symbol blurType, integer blurAmount -- \n"
-    "krlImageBroadcastCombine object me, list imageList -- \n"
-    "krlImageBroadcastSplit object me, integer splitNum -- \n"
-    "krlImageDrawBezierShape object me, list bezierList -- \n"
-    "krlImageDrawCheckerBox object me, integer size, color cOne, color cTwo -- \n"
-    "krlImageHalfSize object me -- \n"
-    "krlImageHSVtoRGB object me, float hue, float saturation, float value -- \n"
-    "krlImageInterlace object me, symbol interlaceType, integer fieldDominance -- \n"
-    "krlImageReinterlace object me, any imageOne, any imageTwo -- \n"
-    "krlImageRGBGradient object me, integer width, integer height, symbol type, list colourValues -- \n"
-    "krlImageRGBtoHSV object me, color pColor -- \n";
+/// The word for an argument in a signature.
+const char* kindWord(ArgumentKind kind) {
+    switch (kind) {
+        case ArgumentKind::Integer:
+            return "integer";
+        case ArgumentKind::Real:
+            return "float";
+        case ArgumentKind::Symbol:
+            return "symbol";
+        case ArgumentKind::Colour:
+            return "color";
+        case ArgumentKind::Point:
+            return "point";
+        case ArgumentKind::ColourList:
+            return "list";
+        case ArgumentKind::SecondImage:
+        case ArgumentKind::Value:
+            return "any";
+    }
+    return "any";
+}
 
-const char* messageTableLine(int32_t selector, int32_t* lineBytes) {
-    const char* line = selector == 0 ? std::strchr(kMessageTableHead, '\n') + 1 : kMessageTableBody;
-    for (int32_t passed = 1; passed < selector; ++passed) line = std::strchr(line, '\n') + 1;
-    *lineBytes = static_cast<int32_t>(std::strchr(line, '\n') - line);
-    return line;
+std::string lineFor(const Method& method) {
+    std::string line = std::string(method.name()) + " object me";
+    for (const Argument& argument : method.arguments())
+        line += std::string(", ") + kindWord(argument.kind) + ' ' + argument.name;
+    return line + " -- \n";
+}
+
+std::string_view nameIn(std::string_view line) { return line.substr(0, line.find(' ')); }
+
+}  // namespace
+
+MessageTable::MessageTable(const Catalogue& catalogue) : head_(kMessageTableHead), body_(kMessageTableBody) {
+    const std::vector<const Method*> all = catalogue.methods();
+    for (std::string_view rest = body_; !rest.empty();) {
+        const std::string_view line = rest.substr(0, rest.find('\n') + 1);
+        const auto named = [&](const Method* method) { return nameIn(line) == method->name(); };
+        const auto found = std::find_if(all.begin(), all.end(), named);
+        methods_.push_back(found == all.end() ? nullptr : *found);
+        rest.remove_prefix(line.size());
+    }
+    for (const Method* method : all) {
+        if (std::find(methods_.begin(), methods_.end(), method) != methods_.end()) continue;
+        body_ += lineFor(*method);
+        methods_.push_back(method);
+    }
+}
+
+std::string_view MessageTable::line(int32_t selector) const {
+    std::string_view rest = selector == 0 ? head_.substr(head_.find('\n') + 1) : std::string_view(body_);
+    for (int32_t passed = 1; passed < selector; ++passed) rest.remove_prefix(rest.find('\n') + 1);
+    return rest.substr(0, rest.find('\n'));
+}
+
+const MessageTable& messageTable() {
+    static const MessageTable table(catalogue());
+    return table;
 }
 
 }  // namespace krl::host

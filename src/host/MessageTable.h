@@ -1,23 +1,38 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "catalogue/Catalogue.h"
 
 namespace krl::host {
 
-/// The text by which a host learns the methods: a line for the xtra, then one for each selector
-/// from `new` (0) to 112, each ended by a line feed. It is registered as one string, kept in two
-/// pieces: the first two lines, and the rest.
-extern const char kMessageTableHead[];
-extern const char kMessageTableBody[];
+/// The text by which a host learns the methods: a line for the xtra, then one for each selector from `new`
+/// (0) on, each ended by a line feed. Registered as one string, kept in two pieces: the first two lines, and
+/// the methods. Methods that the catalogue has beyond the fixed lines follow them.
+class MessageTable {
+public:
+    explicit MessageTable(const Catalogue& catalogue);
 
-/// Bytes asked of the host's allocator for the whole text.
-inline constexpr uint32_t kMessageTableBytes = 10482;
+    /// Bytes asked of the host's allocator for the whole text: it, its end, and one to spare.
+    uint32_t bytes() const { return static_cast<uint32_t>(head_.size() + body_.size() + 2); }
+    std::string_view head() const { return head_; }
+    const std::string& body() const { return body_; }
+    /// The line of `selector` without its line feed, such as `krlImageQuit object me -- `.
+    std::string_view line(int32_t selector) const;
 
-/// Selectors 1 to this number are methods.
-inline constexpr int32_t kMethodCount = 112;
+    /// Methods in the order of their lines: element 0 is selector 1.
+    const std::vector<const Method*>& methods() const { return methods_; }
 
-/// The line of `selector` without its line feed, such as `krlImageQuit object me -- `; its end is
-/// written to `lineBytes`.
-const char* messageTableLine(int32_t selector, int32_t* lineBytes);
+private:
+    std::string_view head_;
+    std::string body_;
+    std::vector<const Method*> methods_;
+};
+
+/// The table of this program's catalogue.
+const MessageTable& messageTable();
 
 }  // namespace krl::host

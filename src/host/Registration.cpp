@@ -29,10 +29,11 @@ HostStatus testApplication(HostInterface* appInfo) {
 }
 
 HostStatus registerMessageTable(HostInterface* allocatorService, HostInterface* dictionary) {
-    void* block = allocator::Allocate::call(allocatorService, kMessageTableBytes);
+    const MessageTable& table = messageTable();
+    void* block = allocator::Allocate::call(allocatorService, table.bytes());
     if (!block) return kHostOutOfMemory;
     char* text = static_cast<char*>(block);
-    std::snprintf(text, kMessageTableBytes, "%s%s", kMessageTableHead, kMessageTableBody);
+    std::snprintf(text, table.bytes(), "%s%s", table.head().data(), table.body().c_str());
     const HostStatus status = registry::PutEntry::call(dictionary, kEntryText, text, 0, "msgTable");
     allocator::Free::call(allocatorService, block);
     return status;

@@ -4,10 +4,10 @@
 #include <new>
 #include <utility>
 
+#include "host/HostCall.h"
 #include "host/Identifiers.h"
 #include "host/InterfaceObject.h"
-#include "host/MessageTable.h"
-#include "host/MethodCall.h"
+#include "host/MessageTableText.h"
 #include "host/MethodRegistry.h"
 
 namespace krl::host {
@@ -28,8 +28,9 @@ void releaseAndClear(HostInterface*& service) {
 /// One method on one script object: what the operations table and `Call` come down to.
 HostStatus invoke(ScriptInstance& instance, CallInfo& info, int32_t selector) {
     try {
+        if (selector < 1 || static_cast<size_t>(selector) > methods().size()) return kHostOk;
         const Method* method = methods()[static_cast<size_t>(selector - 1)];
-        return method ? MethodCall(instance, info, *method).run() : kHostOk;
+        return method ? HostCall(instance, info, *method).run() : kHostOk;
     } catch (...) {
         return kHostOutOfMemory;
     }
@@ -43,7 +44,6 @@ HostStatus KRL_HOST_CALL methodOperation(HostInterface* self, CallInfo* info) {
 HostStatus dispatch(ScriptInstance& instance, CallInfo& info) {
     if (HostStatus status = players::GetPlayer::call(instance.playerSource, &instance.player)) return status;
     if (HostStatus status = players::GetSub::call(instance.player, &instance.playerSub)) return status;
-    if (info.selector < 1 || info.selector > kMethodCount) return kHostOk;
     return invoke(instance, info, info.selector);
 }
 

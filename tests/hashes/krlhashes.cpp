@@ -5,7 +5,7 @@
 #include <map>
 #include <sstream>
 
-#include "host/ExampleCall.h"
+#include "catalogue/ExampleCall.h"
 #include "host/MethodRegistry.h"
 #include "player/lingo/Session.h"
 #include "player/pictures/Picture.h"
@@ -45,21 +45,19 @@ private:
 
 using Table = std::map<std::string, std::string>;
 
-/// Bands are part of what these do.
+/// Whether bands are part of what the method of this row does.
 bool dependsOnBands(const std::string& key) {
-    for (const char* name : {"krlImageNoise ", "krlImageYUVBlur ", "krlImageTile ", "krlImageHalfSize "})
-        if (key.rfind(name, 0) == 0) return true;
-    return false;
+    const Method* method = catalogue().find(key.substr(0, key.find(' ')));
+    return method && method->resultDependsOnBands();
 }
 
-std::string hashOf(player::Session& session, const host::Method& method, const fs::path& folder,
+std::string hashOf(player::Session& session, const Method& method, const fs::path& folder,
                    player::Bitmap picture) {
-    host::ExampleSetting setting{picture.width, picture.height, [&](const char* sample) {
-                                     const fs::path file =
-                                         folder / fs::path(sample).replace_extension(".pam");
-                                     return "image(\"" + file.generic_string() + "\")";
-                                 }};
-    const player::CallOutcome outcome = session.apply(picture, host::exampleCall(method, setting));
+    ExampleSetting setting{picture.width, picture.height, [&](const char* sample) {
+                               const fs::path file = folder / fs::path(sample).replace_extension(".pam");
+                               return "image(\"" + file.generic_string() + "\")";
+                           }};
+    const player::CallOutcome outcome = session.apply(picture, exampleCall(method, setting));
     Hash hash;
     const int32_t size[] = {picture.width, picture.height};
     hash.add(size, sizeof(size));
@@ -77,8 +75,8 @@ Table makeTable(const fs::path& folder, const std::string& xtra, player::ThreadC
     Table table;
     for (const char* name : kPictures) {
         const player::Bitmap picture = player::readPicture(folder / (std::string(name) + ".pam"));
-        for (const host::Method* method : host::methods()) {
-            if (std::strcmp(method->group(), "Engine") == 0) continue;
+        for (const Method* method : host::methods()) {
+            if (method->managesTheEngine()) continue;
             table[std::string(method->name()) + " " + name] = hashOf(session, *method, folder, picture);
         }
     }

@@ -3,6 +3,7 @@
 #include "host/BareHost.h"
 #include "host/Door.h"
 #include "host/MessageTable.h"
+#include "host/MessageTableText.h"
 
 namespace krl::host {
 namespace {
@@ -149,7 +150,7 @@ TEST(Registration, PutsTheLoadOptionsAndTheWholeMessageTable) {
     BareHost host;
     ASSERT_EQ(registerWith(host), kHostOk);
     EXPECT_EQ(host.entries["XtraLoadControlOptions"], "3/0/3");
-    EXPECT_EQ(host.entries["msgTable"], std::string("9/0/") + kMessageTableHead + kMessageTableBody);
+    EXPECT_EQ(host.entries["msgTable"], "9/0/" + std::string(messageTable().head()) + messageTable().body());
     EXPECT_EQ(host.entries.size(), 2u);
 }
 
@@ -217,14 +218,34 @@ TEST(ScriptInstances, LiveWithoutTheServicesThatAreNot) {
 }
 
 TEST(MessageTable, HasALineForEverySelectorAndTheSizeThatIsAskedFor) {
-    const std::string whole = std::string(kMessageTableHead) + kMessageTableBody;
-    EXPECT_EQ(std::count(whole.begin(), whole.end(), '\n'), kMethodCount + 2);
-    EXPECT_LT(whole.size(), kMessageTableBytes);
-    int32_t bytes = 0;
-    const char* first = messageTableLine(0, &bytes);
-    EXPECT_EQ(std::string(first, size_t(bytes)), "new object me");
-    const char* last = messageTableLine(kMethodCount, &bytes);
-    EXPECT_EQ(std::string(last, size_t(bytes)), "krlImageRGBtoHSV object me, color pColor -- ");
+    const MessageTable& table = messageTable();
+    const std::string whole = std::string(table.head()) + table.body();
+    EXPECT_EQ(std::count(whole.begin(), whole.end(), '\n'), std::ptrdiff_t(table.methods().size()) + 2);
+    EXPECT_EQ(table.line(0), "new object me");
+    EXPECT_EQ(table.line(kMethodCount), "krlImageRGBtoHSV object me, color pColor -- ");
+}
+
+TEST(MessageTable, KeepsItsFixedLinesAndTheirSize) {
+    const MessageTable fixed{Catalogue()};
+    EXPECT_EQ(kMethodCount, 112);
+    EXPECT_EQ(fixed.body(), kMessageTableBody);
+    EXPECT_EQ(fixed.bytes(), 10482u);
+}
+
+Status warm(ImageEngine&, int32_t, Colour, float) { return kStatusOk; }
+
+TEST(MessageTable, AppendsALineForAMethodThatItDoesNotHave) {
+    Catalogue catalogue;
+    catalogue.family("extra");
+    catalogue.add("krlImageWarm", warm)
+        .integer("amount", {.from = 0, .to = 9, .example = 1}, "")
+        .colour("tint", Colour(1, 2, 3), "")
+        .real("share", {.from = 0, .to = 1, .example = 0.5}, "");
+    const MessageTable table(catalogue);
+    EXPECT_EQ(table.line(kMethodCount), "krlImageRGBtoHSV object me, color pColor -- ");
+    EXPECT_EQ(table.line(kMethodCount + 1),
+              "krlImageWarm object me, integer amount, color tint, float share -- ");
+    EXPECT_STREQ(table.methods().back()->name(), "krlImageWarm");
 }
 
 }  // namespace

@@ -3,8 +3,10 @@
 #include <set>
 #include <sstream>
 
-#include "host/ExampleCall.h"
+#include "catalogue/ExampleCall.h"
+#include "catalogue/Notation.h"
 #include "host/MessageTable.h"
+#include "host/MessageTableText.h"
 #include "host/MethodRegistry.h"
 
 namespace krl::host {
@@ -69,7 +71,7 @@ TEST_P(EveryMethod, HasABodyThatTakesItsArguments) { EXPECT_TRUE(method().fitsEf
 
 TEST_P(EveryMethod, IsToldInWords) {
     EXPECT_STRNE(method().summaryText(), "");
-    EXPECT_STRNE(method().group(), "");
+    EXPECT_NE(method().heading(), "");
     for (const Argument& argument : method().arguments()) EXPECT_STRNE(argument.meaning, "") << argument.name;
 }
 
@@ -101,11 +103,9 @@ TEST_P(EveryMethod, ShowsExamplesWithinTheirOwnRanges) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Registry, EveryMethod, testing::Range(1, kMethodCount + 1),
+INSTANTIATE_TEST_SUITE_P(Registry, EveryMethod, testing::Range(1, static_cast<int32_t>(methods().size()) + 1),
                          [](const testing::TestParamInfo<int32_t>& selector) {
-                             int32_t bytes = 0;
-                             const std::string line = messageTableLine(selector.param, &bytes);
-                             return line.substr(0, line.find(' '));
+                             return std::string(methods()[size_t(selector.param - 1)]->name());
                          });
 
 TEST(Registry, FindsMethodsByEitherNameInAnyCase) {
@@ -121,9 +121,9 @@ TEST(Registry, FindsMethodsByEitherNameInAnyCase) {
 }
 
 TEST(Examples, AreWrittenAsLingoHasThem) {
-    EXPECT_EQ(lingoReal(0.5), "0.5");
-    EXPECT_EQ(lingoReal(-2), "-2.0");
-    EXPECT_EQ(lingoReal(1e9), "1000000000.0");
+    EXPECT_EQ(realNotation(0.5), "0.5");
+    EXPECT_EQ(realNotation(-2), "-2.0");
+    EXPECT_EQ(realNotation(1e9), "1000000000.0");
     const Method all = Method("krlImageAll")
                            .integer("count", {0, 9, 3}, "")
                            .real("amount", {0, 1, 0.25}, "")

@@ -130,13 +130,13 @@ public:
     FlareStage() { load(kWidth, kHeight); }
 
     Value list() {
-        host::Argument empty;
-        empty.kind = host::ArgumentKind::ColourList;
+        Argument empty;
+        empty.kind = ArgumentKind::ColourList;
         return example(empty);
     }
     Value point(int32_t column, int32_t row) {
-        host::Argument place;
-        place.kind = host::ArgumentKind::Point;
+        Argument place;
+        place.kind = ArgumentKind::Point;
         place.placeExample = {(column + 0.5) / kWidth, (row + 0.5) / kHeight};
         return example(place);
     }

@@ -29,8 +29,8 @@ protected:
     }
 
     Value colourValue(Colour colour) {
-        host::Argument argument;
-        argument.kind = host::ArgumentKind::Colour;
+        Argument argument;
+        argument.kind = ArgumentKind::Colour;
         argument.colourExample = colour;
         return stage_.example(argument);
     }

@@ -3,20 +3,17 @@
 #include "core/Numbers.h"
 #include "core/Random.h"
 #include "host/MessageTable.h"
+#include "host/MessageTableText.h"
 #include "host/ScriptInstance.h"
 #include "player/host/Compare.h"
 #include "player/lingo/Interpreter.h"
 
 namespace krl::test {
 
-using host::Argument;
-using host::ArgumentKind;
 using player::Value;
 
 std::string methodName(int32_t selector) {
-    int32_t bytes = 0;
-    const std::string line = host::messageTableLine(selector, &bytes);
-    return line.substr(0, line.find(' '));
+    return host::methods()[static_cast<size_t>(selector - 1)]->name();
 }
 
 Stage::Stage(bool withEngine)
@@ -73,7 +70,7 @@ Value Stage::example(const Argument& argument) {
                                      integer(truncate(argument.placeExample.y * height))});
         case ArgumentKind::ColourList: {
             Value list = host_.heap.make<player::PropertyListObject>();
-            for (const host::ColourStop& stop : argument.stops)
+            for (const ColourStop& stop : argument.stops)
                 list.as<player::PropertyListObject>()->entries.push_back(
                     {integer(stop.percent), Value::colour(stop.colour)});
             return list;
@@ -86,7 +83,7 @@ Value Stage::example(const Argument& argument) {
     return Value();
 }
 
-std::vector<Value> Stage::examples(const host::Method& method) {
+std::vector<Value> Stage::examples(const Method& method) {
     std::vector<Value> values;
     for (const Argument& argument : method.arguments()) values.push_back(example(argument));
     return values;
@@ -96,7 +93,7 @@ Value Stage::evaluate(const std::string& text) {
     return player::Interpreter(host_, xtra_, {}).evaluateText("example", text);
 }
 
-Answer Stage::call(const host::Method& method, const std::vector<Value>& arguments) {
+Answer Stage::call(const Method& method, const std::vector<Value>& arguments) {
     std::vector<host::ScriptValue> words = {instance_.words()};
     for (const Value& argument : arguments) words.push_back(argument.words());
     words.resize(1 + std::max(arguments.size(), method.arguments().size()));

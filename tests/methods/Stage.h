@@ -36,8 +36,8 @@ public:
     /// A new picture of random bytes.
     player::Value image(int32_t width, int32_t height, int32_t seed);
     /// The registry's example of an argument, second images in the loaded picture's size.
-    player::Value example(const host::Argument& argument);
-    std::vector<player::Value> examples(const host::Method& method);
+    player::Value example(const Argument& argument);
+    std::vector<player::Value> examples(const Method& method);
 
     /// The value of a Lingo text.
     player::Value evaluate(const std::string& text);
@@ -47,7 +47,7 @@ public:
     player::Value string(const char* text) { return host_.heap.string(text); }
     player::Value symbol(const char* name) { return player::Value::symbol(host_.symbols.symbol(name)); }
 
-    Answer call(const host::Method& method, const std::vector<player::Value>& arguments);
+    Answer call(const Method& method, const std::vector<player::Value>& arguments);
     Answer call(const char* name, const std::vector<player::Value>& arguments = {});
     /// The call as the host makes it.
     host::HostStatus send(host::CallInfo& info);

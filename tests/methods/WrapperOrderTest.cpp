@@ -4,6 +4,7 @@
 #include <span>
 
 #include "host/MessageTable.h"
+#include "host/MessageTableText.h"
 #include "methods/Stage.h"
 
 /// In what order methods read, compare, ask and lock, where a host or a script can tell.

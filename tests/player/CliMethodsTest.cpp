@@ -1,6 +1,6 @@
 #include <nlohmann/json.hpp>
 
-#include "host/ExampleCall.h"
+#include "catalogue/ExampleCall.h"
 #include "player/cli/ArgumentCheck.h"
 #include "player/cli/MethodFacts.h"
 #include "player/cli/MethodHelp.h"
@@ -49,7 +49,7 @@ TEST(Help, CanBeGivenForEveryMethod) {
     for (const std::string& name : shortMethodNames()) {
         const CliResult done = krlimage({"help", name});
         EXPECT_EQ(done.code, 0) << name;
-        EXPECT_TELLS(done.out, host::findMethod(name)->summaryText());
+        EXPECT_TELLS(done.out, catalogue().find(name)->summaryText());
         EXPECT_NO_THROW(nlohmann::json::parse(krlimage({"help", name, "--json"}).out)) << name;
     }
 }
@@ -87,7 +87,7 @@ TEST(Docs, TellEveryMethodOnceAndPointToIt) {
 
 /// What is said of giving `text` for an argument of brightness.
 std::string complaint(size_t argument, const std::string& text) {
-    return complaintAbout(host::findMethod("brightness")->arguments()[argument], text);
+    return complaintAbout(catalogue().find("brightness")->arguments()[argument], text);
 }
 
 TEST(Arguments, AreJudgedByTheirTexts) {
@@ -105,9 +105,9 @@ TEST(Arguments, AreJudgedByTheirTexts) {
 }
 
 TEST(Arguments, OfEveryExampleAreRight) {
-    for (const host::Method* method : host::methods())
-        for (const host::Argument& argument : method->arguments())
-            EXPECT_EQ(complaintAbout(argument, host::exampleText(argument)), "") << method->name();
+    for (const Method* method : catalogue().methods())
+        for (const Argument& argument : method->arguments())
+            EXPECT_EQ(complaintAbout(argument, exampleText(argument)), "") << method->name();
 }
 
 class Check : public CliTest {
@@ -189,9 +189,9 @@ TEST_F(Sheet, ShowsEveryEffectWithItsPicture) {
     ASSERT_EQ(done.code, 0) << done.err;
     EXPECT_EQ(done.out, at("sheet/index.html") + "\n");
     const std::string page = contentOf(at("sheet/index.html"));
-    for (const MethodGroup& group : methodGroups())
-        for (const host::Method* method : group.methods) {
-            if (method->isSilent() || managesEngine(*method)) continue;
+    for (const Family& group : catalogue().families())
+        for (const Method* method : group.methods) {
+            if (method->managesTheEngine()) continue;
             EXPECT_TELLS(page, "<h3>" + method->shortName() + "</h3>");
         }
     EXPECT_EQ(countOf(page, "Failed "), 0u);

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/Numbers.h"
-#include "core/Pixel.h"
+#include "krlimage/pixel.h"
 
 /// The conversion to luma and colour differences and the box passes over them, told slowly.
 namespace krl::reference {

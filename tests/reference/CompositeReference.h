@@ -1,6 +1,6 @@
 #pragma once
 
-#include "composite/Composite.h"
+#include "effects/composite/Composite.h"
 #include "support/Picture.h"
 
 /// The compositor pixel by pixel and from the tables alone, beside which the runs are held.

@@ -5,8 +5,8 @@
 #include <cmath>
 
 #include "core/LookupTables.h"
-#include "key/DifferenceKeys.h"
-#include "key/KeyMatte.h"
+#include "effects/key/DifferenceKeys.h"
+#include "kernels/matte/KeyMatte.h"
 #include "support/Picture.h"
 
 /// The colour-difference keys and the spill suppression, step by step at each pixel.

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "blur/TentBlur.h"
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
-#include "filters/Edges.h"
+#include "effects/edges/Edges.h"
+#include "kernels/blur/TentBlur.h"
 #include "support/Picture.h"
 
 /// The edge filters pixel by pixel and channel by channel, as they are told.

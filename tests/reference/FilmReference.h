@@ -5,11 +5,11 @@
 #include <cstdint>
 #include <vector>
 
-#include "core/ColourSpace.h"
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
-#include "core/Pixel.h"
 #include "core/Random.h"
+#include "kernels/colour/ColourSpace.h"
+#include "krlimage/pixel.h"
 
 /// The film looks and noises told slowly, pixel by pixel and step by step.
 namespace krl::reference {

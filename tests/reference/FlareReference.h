@@ -9,9 +9,9 @@
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
 #include "core/Random.h"
-#include "generate/BezierOutline.h"
-#include "generate/BezierShape.h"
-#include "generate/LensFlare.h"
+#include "effects/generate/BezierOutline.h"
+#include "effects/generate/BezierShape.h"
+#include "effects/generate/LensFlare.h"
 
 /// The flare's and the rasteriser's shapes drawn the slow way: cell by cell, as they are told.
 namespace krl::reference {

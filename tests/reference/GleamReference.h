@@ -4,9 +4,9 @@
 #include <functional>
 #include <vector>
 
-#include "blur/TentBlur.h"
-#include "composite/GleamZoom.h"
-#include "generate/Curve.h"
+#include "effects/composite/GleamZoom.h"
+#include "kernels/blur/TentBlur.h"
+#include "kernels/ramp/Curve.h"
 #include "support/Picture.h"
 
 /// The gleams a pixel at a time, and their rays by division.

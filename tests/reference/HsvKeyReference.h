@@ -5,9 +5,9 @@
 #include <functional>
 #include <optional>
 
-#include "core/ColourSpace.h"
 #include "core/LookupTables.h"
-#include "key/KeyMatte.h"
+#include "kernels/colour/ColourSpace.h"
+#include "kernels/matte/KeyMatte.h"
 #include "support/Picture.h"
 
 /// The keys on hue, saturation and value, one pixel at a time and one test after another.

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "core/LookupTables.h"
-#include "filters/Morphology.h"
+#include "effects/edges/Morphology.h"
 #include "support/Picture.h"
 
 /// Morphology told as the ring that a line is pushed through, scanned whole for every result.

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "core/Numbers.h"
-#include "core/Pixel.h"
+#include "krlimage/pixel.h"
 #include "reference/ColourSpaceReference.h"
 
 /// The point effects as one pixel meets them, step by step.

@@ -4,12 +4,12 @@
 #include <cmath>
 #include <vector>
 
-#include "blur/TentBlur.h"
 #include "core/Bands.h"
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
 #include "core/Random.h"
-#include "filters/Stylise.h"
+#include "effects/stylise/Stylise.h"
+#include "kernels/blur/TentBlur.h"
 #include "support/Picture.h"
 
 /// The stylise effects pixel by pixel, as they are told.

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "core/Pixel.h"
+#include "krlimage/pixel.h"
 
 /// The tent blur told slowly: every output is a weighted sum over its whole window.
 namespace krl::reference {

@@ -2,9 +2,9 @@
 
 #include <cmath>
 
+#include "effects/warp/Waves.h"
+#include "kernels/sample/Sampler.h"
 #include "support/Picture.h"
-#include "warp/Sampler.h"
-#include "warp/Waves.h"
 
 /// The warps a pixel at a time, by the general sampler and the standard library's sines.
 namespace krl::test {

@@ -6,7 +6,7 @@
 #include <ostream>
 #include <vector>
 
-#include "core/ImageEngine.h"
+#include "krlimage/engine.h"
 
 namespace krl {
 

@@ -1,0 +1,31 @@
+# Writes the source file OUT, which hands every effect's entry to the catalogue, family by family. An entry is
+# a function `void describeX(Catalogue& catalogue)` in a source file below TREE, whose folder there is its
+# family; files below EXTRA, if it is set, are effects from outside: those in no folder there are of the
+# family `extra`. Touches OUT only when something changed.
+set(declarations "")
+set(calls "")
+foreach(root IN ITEMS ${TREE} ${EXTRA})
+  file(GLOB_RECURSE sources RELATIVE ${root} ${root}/*.cpp)
+  list(SORT sources)
+  foreach(source IN LISTS sources)
+    file(STRINGS ${root}/${source} entries REGEX "^void describe[A-Za-z0-9_]+\\(Catalogue& catalogue\\)")
+    get_filename_component(family ${source} DIRECTORY)
+    if(family STREQUAL "")
+      set(family extra)
+    endif()
+    foreach(entry IN LISTS entries)
+      string(REGEX REPLACE "^void ([A-Za-z0-9_]+).*" "\\1" function "${entry}")
+      string(APPEND declarations "void ${function}(Catalogue& catalogue);\n")
+      string(APPEND calls "    catalogue.family(\"${family}\");\n    ${function}(catalogue);\n")
+    endforeach()
+  endforeach()
+endforeach()
+set(text "// Written by the build from the folders of effects.\n#include \"catalogue/Catalogue.h\"\n\nnamespace krl {\n
+${declarations}\nvoid describeEveryEffect(Catalogue& catalogue) {\n${calls}}\n\n}  // namespace krl\n")
+set(before "")
+if(EXISTS ${OUT})
+  file(READ ${OUT} before)
+endif()
+if(NOT before STREQUAL text)
+  file(WRITE ${OUT} "${text}")
+endif()

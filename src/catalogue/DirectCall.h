@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "catalogue/Method.h"
+#include "catalogue/Value.h"
+
+namespace krl {
+
+/// What a call of a method came to.
+struct CallResult {
+    /// Why it failed, in the words that scripts get in `error`; empty for a success.
+    std::string error;
+    /// Entries of the result beside `error`, in order.
+    std::vector<std::pair<std::string, Value>> entries;
+    /// The new pictures of a method whose result is a list of them.
+    ListValue pictures;
+
+    bool ok() const { return error.empty(); }
+};
+
+/// Calls `method` on the engine's picture with plain values, one for each argument. No host takes part: what
+/// happens is what happens on a script's call, in the same order. A method that manages the engine fails.
+/// Pictures in `arguments` stay their owners'; a method may write one that it is given to change.
+CallResult callMethod(const Method& method, ImageEngine& engine, const std::vector<Value>& arguments);
+
+}  // namespace krl

@@ -1,0 +1,146 @@
+#include <cmath>
+#include <new>
+
+#include "core/Clones.h"
+#include "effects/blur/PathBlur.h"
+#include "kernels/path/PathTile.h"
+
+namespace krl {
+
+namespace {
+
+/// Sine and cosine of every degree of the arc.
+class ArcTables {
+public:
+    explicit ArcTables(int32_t degrees)
+        : count_(2 * int64_t(degrees) + 1), cosines_(limited(count_)), sines_(limited(count_)) {
+        for (int64_t i = 0; i < count_; ++i) {
+            const double angle = double(i - degrees) * kRadiansPerDegree;
+            cosines_[static_cast<size_t>(i)] = std::cos(angle);
+            sines_[static_cast<size_t>(i)] = std::sin(angle);
+        }
+    }
+    int32_t count() const { return static_cast<int32_t>(count_); }
+    double cosine(int32_t n) const { return cosines_[static_cast<size_t>(n)]; }
+    double sine(int32_t n) const { return sines_[static_cast<size_t>(n)]; }
+
+private:
+    /// Tables past 2^31 bytes are not to be had.
+    static size_t limited(int64_t count) {
+        if (count > (int64_t(1) << 27)) throw std::bad_alloc();
+        return static_cast<size_t>(count);
+    }
+
+    int64_t count_;
+    Scratch<double> cosines_, sines_;
+};
+
+/// The circle through one pixel about the point.
+struct Circle {
+    Point centre;
+    double radius;
+    float angle;            ///< of the pixel's own place, as it is rounded
+    double alongX, alongY;  ///< from the pixel to the centre, at the rounded angle
+
+    Circle(Point point, int32_t x, int32_t y) : centre(point) {
+        const PointReach reach(point, x, y);
+        const double exactAngle = reach.angle();
+        radius = reach.distance;
+        angle = static_cast<float>(exactAngle);
+        if (reach.hasWrapped) {
+            alongX = std::cos(double(angle)) * radius;
+            alongY = std::sin(double(angle)) * radius;
+        } else {
+            // The rounding turns the pixel's own direction by so little that two terms of its sine and
+            // cosine are all of them.
+            const double turn = angle - exactAngle, shrink = 1.0 - turn * turn / 2;
+            alongX = reach.dx * shrink - reach.dy * turn;
+            alongY = reach.dy * shrink + reach.dx * turn;
+        }
+    }
+
+    /// Offset of the sample `degree` degrees on, by its definition.
+    int32_t offsetAt(int32_t degree, const PathSource& source) const {
+        const double t = degree * kRadiansPerDegree + angle;
+        const int32_t x = placeWithin(centre.x - std::cos(t) * radius, source.width());
+        return placeWithin(centre.y - std::sin(t) * radius, source.height()) * source.width() + x;
+    }
+};
+
+/// The circles of a tile, as far as they are turned.
+struct TileCircles {
+    double alongX[PathTile::kPixels], alongY[PathTile::kPixels];
+};
+
+/// Turns every circle of a tile by one angle; returns whether any place is in doubt.
+KRL_WIDE_CLONES
+bool turn(const TileCircles& circles, int32_t count, double cosine, double sine, Point centre, int32_t width,
+          int32_t height, double error, TilePlaces& places) {
+    const double centreX = centre.x, centreY = centre.y;
+    int32_t any = 0;
+    for (int32_t i = 0; i < count; ++i) {
+        const double x = centreX - (circles.alongX[i] * cosine - circles.alongY[i] * sine);
+        const double y = centreY - (circles.alongY[i] * cosine + circles.alongX[i] * sine);
+        const Placement place(x, y, width, height, error);
+        places.offset[i] = place.offset;
+        places.doubt[i] = place.doubt;
+        any |= place.doubt;
+    }
+    return any != 0;
+}
+
+template <ChannelTarget kTarget>
+Status blurArcs(ImageEngine& engine, int32_t degrees, Point point) {
+    constexpr bool kWeighted = kTarget == ChannelTarget::RGBA;
+    const ArcTables arc(degrees);
+    const PathSource source(engine, kWeighted);
+    if (source.status()) return source.status();
+    // The larger an angle, the more it is rounded.
+    const double error = placeError(point, source) + degrees * 1e-12;
+    return forEachPathTile(engine, [&](const PathTile& tile) {
+        const int32_t pixels = tile.count();
+        TileCircles circles;
+        for (int32_t i = 0; i < pixels; ++i) {
+            const Circle circle(point, tile.x(i), tile.y(i));
+            circles.alongX[i] = circle.alongX;
+            circles.alongY[i] = circle.alongY;
+        }
+        TilePlaces places;
+        TileSums<kWeighted> sums(engine, source);
+        for (int32_t n = 0; n < arc.count(); ++n) {
+            if (turn(circles, pixels, arc.cosine(n), arc.sine(n), point, source.width(), source.height(),
+                     error, places))
+                for (int32_t i = 0; i < pixels; ++i)
+                    if (places.doubt[i])
+                        places.offset[i] = Circle(point, tile.x(i), tile.y(i)).offsetAt(n - degrees, source);
+            sums.add(places.offset, pixels);
+        }
+        sums.gather();
+        for (int32_t i = 0; i < pixels; ++i) {
+            Pixel& p = engine.buffer()->row(tile.y(i))[tile.x(i)];
+            if constexpr (!kWeighted)
+                p = ChannelMask(kTarget).merge(p, sums[i].mean(arc.count()));
+            else if (sums[i].weight != 0.0f)
+                p = sums[i].weighted(arc.count());
+        }
+    });
+}
+
+}  // namespace
+
+Status radialBlur(ImageEngine& engine, int32_t radialLength, Point radialPoint, ChannelTarget target) {
+    if (Status state = engine.imageStatus()) return state;
+    if (radialLength < 1) return kStatusOk;
+    switch (target) {
+        case ChannelTarget::RGBA:
+            return blurArcs<ChannelTarget::RGBA>(engine, radialLength, radialPoint);
+        case ChannelTarget::RGB:
+            return blurArcs<ChannelTarget::RGB>(engine, radialLength, radialPoint);
+        case ChannelTarget::Alpha:
+            return blurArcs<ChannelTarget::Alpha>(engine, radialLength, radialPoint);
+        default:
+            return kStatusOk;
+    }
+}
+
+}  // namespace krl

@@ -1,0 +1,59 @@
+#include "effects/composite/LightSpill.h"
+
+#include <algorithm>
+#include <span>
+
+#include "core/Clones.h"
+#include "core/PixelWord.h"
+#include "core/Scratch.h"
+#include "kernels/blend/BlendRun.h"
+#include "kernels/blend/Chunks.h"
+#include "kernels/blur/TentBlur.h"
+
+namespace krl {
+
+namespace {
+
+/// Colours of `pixels` with an alpha of what `beside` leaves open.
+KRL_STREAM_CLONES void copyOpenings(Pixel* __restrict out, const Pixel* __restrict pixels,
+                                    const Pixel* __restrict beside, size_t count) {
+    for (size_t i = 0; i < count; ++i)
+        storeWord(out[i], (wordOf(pixels[i]) & 0x00FFFFFFu) | (~wordOf(beside[i]) & 0xFF000000u));
+}
+
+/// The image with an alpha of what the background leaves open.
+Status copyWithHoles(const ImageEngine& engine, const SecondImage& background, Scratch<Pixel>& light) {
+    const ImageBuffer& image = *engine.buffer();
+    const std::span<const Pixel> block(image.row(0), image.bytes() / sizeof(Pixel));
+    const ptrdiff_t beyond = pixelsBeside(image, background);
+    std::copy(block.begin() + beyond, block.end(), light.begin() + beyond);
+    return forEachRunBeside(engine, background, [&](Pixel* pixels, size_t count, const Pixel* beside) {
+        copyOpenings(light.data() + (pixels - image.row(0)), pixels, beside, count);
+    });
+}
+
+}  // namespace
+
+Status lightSpillComposite(ImageEngine& engine, const SecondImage& background, int32_t blur,
+                           BlendMode blendMethod) {
+    if (Status state = engine.imageStatus()) return state;
+    if (!engine.hasSizeOf(background)) return kStatusMaskSize;
+    if (!background.pixels) return kStatusNoImage;
+    const ImageBuffer& image = *engine.buffer();
+    Scratch<Pixel> light(blockPixels(image));
+    if (Status status = copyWithHoles(engine, background, light)) return status;
+    if (blur > 0) TentBlur(engine.getThreadCount()).blurRGBA(light.data(), image.height, image.width, blur);
+
+    const BlendRun layLight = shiftBlendRun(blendMethod), layOnImage = shiftBlendRun(BlendMode::Normal);
+    return forEachRunBeside(engine, background, [&](Pixel* pixels, size_t count, const Pixel* beside) {
+        const Pixel* shine = light.data() + (pixels - image.row(0));
+        forEachChunk(count, [&](size_t start, size_t chunk) {
+            Pixel lit[kChunkPixels];
+            std::copy_n(beside + start, chunk, lit);
+            layLight(lit, shine + start, chunk, engine.tables());
+            layOnImage(pixels + start, lit, chunk, engine.tables());
+        });
+    });
+}
+
+}  // namespace krl

@@ -1,0 +1,142 @@
+#include "effects/composite/OuterGlow.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "core/Clones.h"
+#include "core/ImageCopy.h"
+#include "core/PixelWord.h"
+#include "kernels/blend/BlendRun.h"
+#include "kernels/blend/Chunks.h"
+#include "kernels/blur/TentBlur.h"
+#include "kernels/curve/ByteCurve.h"
+#include "kernels/ramp/Curve.h"
+
+namespace krl {
+
+namespace {
+
+constexpr double kLevelsPerPercentOfAlpha = 2.55;
+
+/// The colour of each alpha by `colours`. Positions go to levels as they are: the ramp is not fitted to the
+/// alphas that occur.
+std::vector<RampColour> alphaRamp(std::span<const CurveKey> colours) {
+    std::vector<CurveKey> keys(colours.begin(), colours.end());
+    sortCurveKeys(keys);
+    for (CurveKey& key : keys) {
+        const auto level = static_cast<float>(key.position * kLevelsPerPercentOfAlpha);
+        key.position = clampTo(level, 0.0f, 255.0f);
+    }
+    return linearRamp(padCurveKeys(keys, 255), 256);
+}
+
+/// Makes all four bytes of each pixel its alpha.
+KRL_STREAM_CLONES void spreadAlphas(Pixel* pixels, size_t count) {
+    for (size_t i = 0; i < count; ++i) storeWord(pixels[i], (wordOf(pixels[i]) >> 24) * 0x01010101u);
+}
+
+/// Gives all of a run of pixels one colour.
+KRL_STREAM_CLONES void fillColour(Pixel* pixels, size_t count, uint32_t colour) {
+    for (size_t i = 0; i < count; ++i) storeWord(pixels[i], (wordOf(pixels[i]) & 0xFF000000u) | colour);
+}
+
+/// Copies the pixels that are not quite clear.
+KRL_STREAM_CLONES void copySeen(Pixel* __restrict out, const Pixel* __restrict pixels, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t word = wordOf(pixels[i]), kept = wordOf(out[i]);
+        storeWord(out[i], word >> 24 == 0 ? kept : word);
+    }
+}
+
+/// Colours the pixels of `block`, a block of the image's geometry, by their alpha.
+Status colourByAlpha(const ImageEngine& engine, uint8_t* block, std::span<const CurveKey> colours) {
+    const std::vector<RampColour> ramp = alphaRamp(colours);
+    const auto curve = [&](size_t channel) {
+        return byteCurve([&](int32_t alpha) { return ramp[static_cast<size_t>(alpha)][channel]; });
+    };
+    const ColourCurves curves{curve(0), curve(1), curve(2)};
+    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
+        Pixel* pixels = reinterpret_cast<Pixel*>(block) + (first - engine.buffer()->row(0));
+        forEachChunk(static_cast<size_t>(last - first), [&](size_t start, size_t count) {
+            spreadAlphas(pixels + start, count);
+            applyCurves(pixels + start, pixels + start + count, curves);
+        });
+    });
+}
+
+/// Grows the image's shape by `expandBlur` and softens it by `outerBlur`.
+void spreadAlpha(ImageEngine& engine, TentBlur& tent, int32_t expandBlur, int32_t outerBlur) {
+    const ImageBuffer& image = *engine.buffer();
+    if (expandBlur > 0) {
+        tent.blurAlpha(image.row(0), image.height, image.width, expandBlur);
+        applyCurve(engine, ChannelTarget::Alpha,
+                   byteCurve([](int32_t alpha) { return alpha > 0 ? 255 : 0; }));
+    }
+    if (outerBlur > 0) tent.blurAlpha(image.row(0), image.height, image.width, outerBlur);
+}
+
+/// Where a part has its colour from: one colour for all, or the pixel's own.
+class PartColour {
+public:
+    explicit PartColour(std::span<const CurveKey> colours) : single_(colours.size() == 1) {
+        if (!single_) return;
+        const CurveKey& key = colours[0];
+        colour_ = wordOf({clampByte(key.blue), clampByte(key.green), clampByte(key.red), 0});
+    }
+    void paint(Pixel* pixels, size_t count) const {
+        if (single_) fillColour(pixels, count, colour_);
+    }
+
+private:
+    bool single_;
+    uint32_t colour_ = 0;
+};
+
+ByteCurve glowLevels(int32_t intensity) {
+    const auto slope = static_cast<float>(256.0 / (intensity + 1));
+    return byteCurve(
+        [=](int32_t i) { return i > intensity ? 255 : truncate(i * static_cast<double>(slope)); });
+}
+
+/// Lays `core` over the halo that the image has become.
+void layCore(const ImageEngine& engine, const ImageCopy& core, PartColour outerColour, PartColour coreColour,
+             int32_t intensity, int32_t coreTransparency) {
+    const ImageBuffer& image = *engine.buffer();
+    const auto& scaled = engine.tables().remainderScale[clampByte(coreTransparency)];
+    const ByteCurve levels = glowLevels(clampByte(intensity));
+    const ByteCurve coreAlpha = byteCurve([&](int32_t alpha) { return scaled[alpha]; });
+    const BlendRun layOverRun = overBlendRun(BlendMode::Normal);
+    Pixel* pixels = image.row(0);
+    const Pixel* inner = core.row(0);
+    forEachChunk(image.bytes() / sizeof(Pixel), [&](size_t start, size_t count) {
+        Pixel halo[kChunkPixels], heart[kChunkPixels];
+        std::copy_n(pixels + start, count, halo);
+        outerColour.paint(halo, count);
+        applyCurveTo<0, 1, 2>(halo, halo + count, levels);
+        std::copy_n(inner + start, count, heart);
+        coreColour.paint(heart, count);
+        applyCurveTo<3>(heart, heart + count, coreAlpha);
+        layOverRun(halo, heart, count, engine.tables());
+        copySeen(pixels + start, halo, count);  // what stays clear keeps its colour
+    });
+}
+
+}  // namespace
+
+Status outerGlow(ImageEngine& engine, int32_t coreFeather, int32_t expandBlur, int32_t outerBlur,
+                 std::span<const CurveKey> outerColours, std::span<const CurveKey> coreColours,
+                 int32_t intensity, int32_t coreTransparency, SampleQuality) {
+    if (Status state = engine.imageStatus()) return state;
+    const ImageBuffer& image = *engine.buffer();
+    const ImageCopy core(image);
+    TentBlur tent(engine.getThreadCount());
+    if (coreFeather > 0) tent.blurAlpha(core.row(0), image.height, image.width, coreFeather);
+    spreadAlpha(engine, tent, expandBlur, outerBlur);
+    // A colouring that has no threads leaves its part as it was, and the glow goes on.
+    if (coreColours.size() >= 2) colourByAlpha(engine, core.view().pixels, coreColours);
+    if (outerColours.size() >= 2) colourByAlpha(engine, image.pixels, outerColours);
+    layCore(engine, core, PartColour(outerColours), PartColour(coreColours), intensity, coreTransparency);
+    return kStatusOk;
+}
+
+}  // namespace krl

@@ -1,0 +1,147 @@
+#include <cmath>
+
+#include "core/Clones.h"
+#include "core/ImageCopy.h"
+#include "effects/edges/Edges.h"
+#include "kernels/neighbour/Gradient3x3.h"
+
+namespace krl {
+
+namespace {
+
+/// The light on a relief, and how flat the relief is.
+struct Light {
+    int32_t x, y, z;
+    int32_t depth;  ///< the upright part of every surface's normal
+
+    Light(int32_t strength, float azimuth, float elevation) {
+        const auto az = static_cast<float>(azimuth * kRadiansPerDegree);
+        const auto el = static_cast<float>(elevation * kRadiansPerDegree);
+        x = truncate(std::cos(double(az)) * std::cos(double(el)) * 255.9);
+        y = truncate(std::sin(double(az)) * std::cos(double(el)) * 255.9);
+        z = truncate(std::sin(double(el)) * 255.9);
+        depth = 1530 / strength;
+    }
+
+    /// Whether the light comes from above, as a number: then every sum of shading is a whole number
+    /// that single precision holds, and none but a slope turned away is dark.
+    bool isOrdinary() const { return std::abs(int64_t(x)) < 256 && std::abs(int64_t(y)) < 256 && z >= 0; }
+};
+
+/// How far a surface leans to the right and down.
+struct Slope {
+    int32_t x, y;
+};
+
+inline Slope slopeAt(const uint8_t* above, const uint8_t* at, const uint8_t* below) {
+    constexpr int32_t kLeft = -4, kRight = 4;
+    return {above[kLeft] + at[kLeft] + below[kLeft] - above[kRight] - at[kRight] - below[kRight],
+            below[kLeft] + below[0] + below[kRight] - above[kLeft] - above[0] - above[kRight]};
+}
+
+/// The shade of a surface, by its definition.
+uint8_t shadeOf(const Light& light, const Slope& slope) {
+    if (slope.x == 0 && slope.y == 0) return static_cast<uint8_t>(light.z);
+    const int32_t lean = wrapAdd(wrapMultiply(slope.x, light.x), wrapMultiply(slope.y, light.y));
+    const int32_t dot = wrapAdd(lean, wrapMultiply(light.depth, light.z));
+    if (dot < 0) return 0;
+    const int32_t square = slope.x * slope.x + slope.y * slope.y + light.depth * light.depth;
+    return static_cast<uint8_t>(truncate(dot / std::sqrt(double(square))));
+}
+
+constexpr int32_t kRun = 256;
+
+/// The two numbers whose quotient is the shade of a byte: the light along the normal, 0 where it comes
+/// from behind, and the normal's length. Light is shorter than 256, and so is every quotient.
+struct ShadeTerms {
+    float dot[kRun], length[kRun];
+};
+
+KRL_WIDE_CLONES
+void gatherTerms(const uint8_t* above, const uint8_t* at, const uint8_t* below, int32_t count,
+                 const Light& light, ShadeTerms& terms) {
+    const auto x = float(light.x), y = float(light.y), upright = float(light.depth * light.z);
+    const auto depthSquare = float(light.depth * light.depth);
+    const float flatShade = float(light.z) + 0.5f;  // beyond doubt
+    for (int32_t i = 0; i < count; ++i) {
+        const Slope slope = slopeAt(above + i, at + i, below + i);
+        const auto slopeX = float(slope.x), slopeY = float(slope.y);
+        const float dot = slopeX * x + slopeY * y + upright;
+        const float length = std::sqrt(slopeX * slopeX + slopeY * slopeY + depthSquare);
+        const bool isFlat = (slope.x | slope.y) == 0;
+        terms.dot[i] = isFlat ? flatShade : dot > 0.0f ? dot : 0.0f;
+        terms.length[i] = isFlat ? 1.0f : length;
+    }
+}
+
+/// Divides in single precision. A quotient is wrong by less than `kDoubt`, so only one that lies that
+/// near a whole number is in doubt; returns whether any does, and tells which.
+KRL_WIDE_CLONES
+bool divideTerms(const ShadeTerms& terms, int32_t count, uint8_t* shades, uint8_t* doubts) {
+    constexpr float kDoubt = 1e-4f;
+    uint8_t any = 0;
+    for (int32_t i = 0; i < count; ++i) {
+        const float shade = terms.dot[i] / terms.length[i];
+        const int32_t least = static_cast<int32_t>(shade - kDoubt),
+                      most = static_cast<int32_t>(shade + kDoubt);
+        shades[i] = static_cast<uint8_t>(most);
+        doubts[i] = static_cast<uint8_t>(most - least);
+        any |= doubts[i];
+    }
+    return any != 0;
+}
+
+void shadeRun(const uint8_t* above, const uint8_t* at, const uint8_t* below, int32_t count,
+              const Light& light, uint8_t* shades) {
+    ShadeTerms terms;
+    uint8_t doubts[kRun];
+    gatherTerms(above, at, below, count, light, terms);
+    if (!divideTerms(terms, count, shades, doubts)) return;
+    for (int32_t i = 0; i < count; ++i)
+        if (doubts[i]) shades[i] = shadeOf(light, slopeAt(above + i, at + i, below + i));
+}
+
+/// The part of the picture that is shaded: its sizes are known to 16 bits, and what is beyond them
+/// is read as a narrower picture.
+ImageBuffer shadedPart(const ImageBuffer& image) {
+    constexpr int32_t kSizes = 0x10000;
+    ImageBuffer part = image;
+    part.height = image.height % kSizes;
+    if (image.width >= kSizes) {
+        part.width = image.width % kSizes;
+        part.rowBytes = part.width * int32_t(sizeof(Pixel));
+    }
+    return part;
+}
+
+}  // namespace
+
+Status emboss(ImageEngine& engine, int32_t strength, float azimuth, float elevation, ChannelTarget target) {
+    if (engine.imageStatus()) return kStatusRefused;
+    const Light light(clampTo(strength, 1, 50), clampTo(azimuth, 0.0f, 360.0f), elevation);
+    const ChannelMask mask(target == ChannelTarget::RGB ? target : ChannelTarget::Alpha);
+    const ImageBuffer& image = *engine.buffer();
+    const ImageBuffer part = shadedPart(image);
+    const ImageCopy copy(image);
+    ImageBuffer source = part;
+    source.pixels = copy.view().pixels;
+
+    const auto shade = [&](const Pixel* above, const Pixel* at, const Pixel* below, int32_t count,
+                           Pixel* fresh) {
+        const uint8_t *up = firstByte(above), *row = firstByte(at), *down = firstByte(below);
+        uint8_t* out = firstByte(fresh);
+        for (int32_t i = 0; i < count * 4; i += kRun) {
+            const int32_t run = std::min(kRun, count * 4 - i);
+            if (light.isOrdinary())
+                shadeRun(up + i, row + i, down + i, run, light, out + i);
+            else
+                for (int32_t j = i; j < i + run; ++j)
+                    out[j] = shadeOf(light, slopeAt(up + j, row + j, down + j));
+        }
+    };
+    for (int32_t y = 1; y < part.height - 1; ++y) filterInnerRow(source, part, y, mask, shade);
+    repairBorder(image, mask);
+    return kStatusOk;
+}
+
+}  // namespace krl

@@ -1,0 +1,199 @@
+#include "effects/edges/Morphology.h"
+
+#include "core/ChannelMask.h"
+#include "core/ImageCopy.h"
+#include "kernels/blend/AlphaScale.h"
+#include "kernels/neighbour/LineWindow.h"
+
+namespace krl {
+
+namespace {
+
+/// What the pass along a row makes of it for the pass down columns. `kWeighted` weighs colours by alpha,
+/// and does so again in what it writes, as the column pass is to find them.
+template <class Extreme, bool kWeighted>
+void spreadRow(RowWindows& windows, const Pixel* row, int32_t width, Pixel* target) {
+    if (kWeighted && !areOpaque(row, width)) {
+        scaleByAlpha(row, target, width);
+        windows.slide<Extreme>(target, target);
+        ChannelMask(ChannelTarget::Alpha).write(target, row, width);
+        scaleByAlpha(target, target, width);
+    } else {
+        windows.slide<Extreme>(row, target);
+    }
+}
+
+/// Both passes over the whole picture, one after the other: for windows of any size.
+template <class Extreme, bool kWeighted>
+Status spreadInTwoPasses(const ImageEngine& engine, ChannelMask mask, int32_t half) {
+    const ImageBuffer& image = *engine.buffer();
+    const ScratchImage between(image);
+    const Status rows = forEachRowWindow(
+        engine, LineWindow::seededLate(half, image.width), [&](int32_t y, RowWindows& windows) {
+            spreadRow<Extreme, kWeighted>(windows, image.row(y), image.width, between.view().row(y));
+        });
+    if (rows) return rows;
+    const LineWindow window = LineWindow::seededLate(half, image.height);
+    return forEachColumnRun(
+        engine, std::min(window.length, image.height), [&](IndexRange columns, Pixel* tails) {
+            ColumnWindows<Extreme> windows(between.view(), columns, window, tails);
+            for (int32_t y = 0; y < image.height; ++y)
+                mask.write(image.row(y) + columns.first, windows.next(), columns.last - columns.first);
+        });
+}
+
+/// Rows on either side of where bands meet, as they were before any band wrote: what a band reads
+/// beyond its own.
+class BandBorders {
+public:
+    BandBorders(const ImageBuffer& image, int32_t bands, int32_t reach)
+        : width_(static_cast<size_t>(image.width)),
+          rowsEach_(2 * reach + 1),
+          pixels_(uint64_t(width_) * static_cast<uint64_t>(rowsEach_) * static_cast<uint64_t>(bands - 1)) {
+        for (int32_t border = 1; border < bands; ++border)
+            for (int32_t i = 0; i < rowsEach_; ++i) {
+                const int32_t y = lineBand(image.height, bands, border).first - reach - 1 + i;
+                if (y >= 0 && y < image.height)
+                    std::memcpy(at(border, i), image.row(y), width_ * sizeof(Pixel));
+            }
+    }
+
+    /// Row `distance` rows from the border before band `border`; -1 is the last before it.
+    const Pixel* row(int32_t border, int32_t distance) const {
+        return at(border, distance + rowsEach_ / 2 + 1);
+    }
+
+private:
+    Pixel* at(int32_t border, int32_t i) const {
+        return pixels_.data() +
+               (static_cast<size_t>(border - 1) * static_cast<size_t>(rowsEach_) + static_cast<size_t>(i)) *
+                   width_;
+    }
+
+    size_t width_;
+    int32_t rowsEach_;
+    Scratch<Pixel> pixels_;
+};
+
+/// Both passes in one for a band of rows: rows are spread as they are reached, and held for as long as
+/// a window down the columns needs them. Blocks of heads and tails are as in `ColumnWindows`.
+template <class Extreme, bool kWeighted>
+class RollingBand {
+public:
+    static uint64_t roomFor(const ImageBuffer& image, const LineWindow& along, const LineWindow& down) {
+        return static_cast<uint64_t>(image.width) * (2 * static_cast<uint64_t>(down.length) + 1) +
+               RowWindows::roomFor(along, image.width);
+    }
+
+    RollingBand(const ImageBuffer& image, const BandBorders& borders, int32_t bands, int32_t band,
+                const LineWindow& along, const LineWindow& down, Pixel* room)
+        : image_(image),
+          borders_(borders),
+          band_(band),
+          rows_(lineBand(image.height, bands, band)),
+          down_(down),
+          tails_(room),
+          arriving_(tails_ + rowPixels(down.length)),
+          head_(arriving_ + rowPixels(down.length)),
+          windows_(along, image.width, head_ + image.width) {}
+
+    void spread(ChannelMask mask) {
+        const int32_t width = image_.width;
+        if (rows_.first >= rows_.last) return;
+        for (int32_t i = 0; i < down_.length; ++i) take(rows_.first + i, tails_ + rowPixels(i));
+        for (int32_t start = rows_.first; start < rows_.last; start += down_.length) {
+            for (int32_t i = down_.length - 2; i >= 0; --i)
+                combinePixels<Extreme>(tails_ + rowPixels(i), tails_ + rowPixels(i + 1), width,
+                                       tails_ + rowPixels(i));
+            mask.write(image_.row(start), tails_, width);
+            for (int32_t i = 1; i <= down_.length && start + i < rows_.last; ++i) {
+                Pixel* arrived = arriving_ + rowPixels(i - 1);
+                take(start + down_.length + i - 1, arrived);
+                if (i == down_.length) break;
+                combinePixels<Extreme>(i == 1 ? arrived : head_, arrived, width, head_);
+                combinePixels<Extreme>(head_, tails_ + rowPixels(i), width, tails_ + rowPixels(i));
+                mask.write(image_.row(start + i), tails_ + rowPixels(i), width);
+            }
+            std::swap(tails_, arriving_);
+        }
+    }
+
+private:
+    ptrdiff_t rowPixels(int32_t rows) const { return ptrdiff_t(rows) * image_.width; }
+
+    /// Spreads the row that enters the columns at `place`.
+    void take(int32_t place, Pixel* target) {
+        const auto y = static_cast<int32_t>(down_.sampleAt(place));
+        if (y < 0 || y >= image_.height)
+            std::memset(target, Extreme::kOutside, static_cast<size_t>(image_.width) * sizeof(Pixel));
+        else
+            spreadRow<Extreme, kWeighted>(windows_, sourceRow(y), image_.width, target);
+    }
+    const Pixel* sourceRow(int32_t y) const {
+        if (y < rows_.first) return borders_.row(band_, y - rows_.first);
+        if (y >= rows_.last) return borders_.row(band_ + 1, y - rows_.last);
+        return image_.row(y);
+    }
+
+    const ImageBuffer& image_;
+    const BandBorders& borders_;
+    int32_t band_;
+    IndexRange rows_;
+    LineWindow down_;
+    Pixel *tails_, *arriving_, *head_;
+    RowWindows windows_;
+};
+
+template <class Extreme, bool kWeighted>
+Status spreadRolling(const ImageEngine& engine, ChannelMask mask, int32_t half) {
+    const ImageBuffer& image = *engine.buffer();
+    const int32_t bands = engine.getThreadCount();
+    const LineWindow along = LineWindow::seededLate(half, image.width);
+    const LineWindow down = LineWindow::seededLate(half, image.height);
+    const BandBorders borders(image, bands, down.length / 2);
+    const BandRoom room(bands, RollingBand<Extreme, kWeighted>::roomFor(image, along, down));
+    return runBands(bands, [&](int32_t band) {
+        RollingBand<Extreme, kWeighted>(image, borders, bands, band, along, down, room.of(band)).spread(mask);
+    });
+}
+
+/// Where bands are higher than the window, what they hold and spread twice is little.
+template <class Extreme, bool kWeighted>
+Status spreadSquare(const ImageEngine& engine, ChannelMask mask, int32_t half) {
+    const int32_t height = engine.buffer()->height;
+    const bool isLow =
+        LineWindow::seededLate(half, height).length <= ceilingShare(height, engine.getThreadCount());
+    return isLow ? spreadRolling<Extreme, kWeighted>(engine, mask, half)
+                 : spreadInTwoPasses<Extreme, kWeighted>(engine, mask, half);
+}
+
+template <class Extreme>
+Status spreadColours(ImageEngine& engine, int32_t size) {
+    if (Status state = engine.imageStatus()) return state;
+    return spreadSquare<Extreme, true>(engine, ChannelMask(ChannelTarget::RGB), size);
+}
+
+/// One pass along the rows, in place: a row is laid out whole before it is written.
+Status erodeRows(ImageEngine& engine, const LineWindow& window) {
+    const ImageBuffer& image = *engine.buffer();
+    const ChannelMask mask(ChannelTarget::Alpha);
+    return forEachRowWindow(engine, window, [&](int32_t y, RowWindows& windows) {
+        mask.write(image.row(y), windows.slide<Smallest>(image.row(y)), image.width);
+    });
+}
+
+}  // namespace
+
+Status dilation(ImageEngine& engine, int32_t size) { return spreadColours<Smallest>(engine, size); }
+
+Status erosion(ImageEngine& engine, int32_t size) { return spreadColours<Largest>(engine, size); }
+
+Status erodeWhite(ImageEngine& engine, int32_t distance, ErodeDirection direction) {
+    if (Status state = engine.imageStatus()) return state;
+    const int32_t width = engine.buffer()->width;
+    if (direction == ErodeDirection::Right) return erodeRows(engine, LineWindow::before(distance, width));
+    if (direction == ErodeDirection::Left) return erodeRows(engine, LineWindow::afterFirst(distance, width));
+    return spreadSquare<Smallest, false>(engine, ChannelMask(ChannelTarget::Alpha), distance);
+}
+
+}  // namespace krl

@@ -1,0 +1,17 @@
+#include "effects/key/HueRun.h"
+
+#include "core/Clones.h"
+#include "core/PixelWord.h"
+#include "kernels/colour/HueLane.h"
+
+namespace krl {
+
+KRL_WIDE_CLONES void huesOf(const Pixel* pixels, ptrdiff_t count, float greyHue, float* hues) {
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        const uint32_t word = wordOf(pixels[i]);
+        const HueLane lane = hueLane(byteAt(word, 16), byteAt(word, 8), byteAt(word, 0));
+        hues[i] = lane.spread == 0.0f ? greyHue : lane.hue;
+    }
+}
+
+}  // namespace krl

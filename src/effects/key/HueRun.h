@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstddef>
+
+#include "krlimage/pixel.h"
+
+namespace krl {
+
+/// Writes the hue of each of `count` pixels in degrees: what `rgbToHsv` gives, many at a time, but
+/// for greys, which get `greyHue`.
+void huesOf(const Pixel* pixels, ptrdiff_t count, float greyHue, float* hues);
+
+}  // namespace krl

@@ -1,0 +1,51 @@
+#include <algorithm>
+
+#include "core/ChannelMask.h"
+#include "core/Clones.h"
+#include "effects/stylise/Stylise.h"
+#include "kernels/path/PathSum.h"
+
+namespace krl {
+
+namespace {
+
+constexpr int32_t kRun = 256;
+
+KRL_WIDE_CLONES
+void meanOfFour(const uint8_t* a, const uint8_t* b, const uint8_t* c, const uint8_t* d, int32_t count,
+                uint8_t* means) {
+    for (int32_t i = 0; i < count; ++i) means[i] = static_cast<uint8_t>((a[i] + b[i] + c[i] + d[i]) >> 2);
+}
+
+}  // namespace
+
+Status fragment(ImageEngine& engine, int32_t distance, ChannelTarget target) {
+    if (Status state = engine.imageStatus()) return state;
+    const PathSource source(engine, target == ChannelTarget::RGBA);
+    if (source.status()) return source.status();
+    const ChannelMask mask(target);
+    const int32_t width = source.width(), height = source.height();
+    // Up and down are exchanged where the distance is negative, and their mean is the same.
+    const auto reach =
+        static_cast<int32_t>(std::min<int64_t>(std::abs(int64_t(distance)), std::max(width, height)));
+    return forEachRow(engine, [&](Pixel* row, int32_t y) {
+        const auto sourceRow = [&](int32_t i) {
+            return source.pixels() + ptrdiff_t(clampTo(i, 0, height - 1)) * width;
+        };
+        const Pixel *up = sourceRow(y - reach), *down = sourceRow(y + reach), *at = sourceRow(y);
+        const auto write = [&](int32_t x, const Pixel* left, const Pixel* right, int32_t count) {
+            Pixel means[kRun];
+            meanOfFour(firstByte(up + x), firstByte(down + x), firstByte(left), firstByte(right), count * 4,
+                       firstByte(means));
+            mask.write(row + x, means, count);
+        };
+        for (int32_t x = 0; x < width;) {
+            const bool isInner = x >= reach && x + reach < width;
+            const int32_t count = isInner ? std::min(kRun, width - reach - x) : 1;
+            write(x, at + std::max(x - reach, 0), at + std::min(x + reach, width - 1), count);
+            x += count;
+        }
+    });
+}
+
+}  // namespace krl

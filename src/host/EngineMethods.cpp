@@ -1,0 +1,92 @@
+#include <chrono>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+#include "host/HostCall.h"
+
+/// What the methods do that manage the engine instead of rewriting pixels.
+namespace krl::host {
+
+namespace {
+
+/// Milliseconds of a clock that only runs forward; wraps with 32 bits.
+uint32_t tickCount() {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+}
+
+Outcome startTimer(HostCall& call) {
+    call.instance().timerStart = tickCount();
+    return succeeded();
+}
+
+Outcome stopTimer(HostCall& call) {
+    const auto taken = static_cast<int32_t>(tickCount() - call.instance().timerStart);
+    utils::PrintMessage::call(call.instance().utils, "Time taken (ms) = %d\n", taken);
+    return succeeded();
+}
+
+/// A mode that cannot be read is taken as single-threaded, without a message, and its status goes
+/// back to the host beside a success.
+Outcome createLookupTables(HostCall& call) {
+    SymbolId mode = 0;
+    const HostStatus unread = call.readSymbol(call.argument(0), mode);
+    const bool threaded = unread == kHostOk && mode == call.symbol("mt");
+    if (unread == kHostOk && !threaded && mode != call.symbol("st"))
+        return failure("Create Lookup Tables invalid MT input (Image)");
+    delete std::exchange(call.instance().engine, nullptr);
+    auto engine = std::make_unique<ImageEngine>();
+    engine->allocateTables();
+    engine->buildTables();
+    engine->configureExecution(!threaded);
+    call.instance().engine = engine.release();
+    return {nullptr, unread};
+}
+
+Outcome destroyLookupTables(HostCall& call) {
+    delete std::exchange(call.instance().engine, nullptr);
+    return succeeded();
+}
+
+Outcome load(HostCall& call) {
+    ScriptInstance& instance = call.instance();
+    instance.imageValue = call.raw(0);
+    ImageInfo info;
+    images::QueryImage::call(call.images(), &instance.imageValue, &info);
+    if (info.height < 1) return failure("Invalid image height (Image)");
+    if (info.width < 1) return failure("Invalid image width (Image)");
+    ImageLock lock;
+    images::LockImage::call(call.images(), &instance.imageValue, &lock);
+    call.engine()->load(lock.pixels, info);
+    return succeeded();
+}
+
+Outcome quit(HostCall& call) {
+    call.engine()->unload();
+    images::UnlockImage::call(call.images(), &call.instance().imageValue);
+    return succeeded();
+}
+
+struct NamedBody {
+    const char* name;
+    EngineBody body;
+};
+
+constexpr NamedBody kBodies[] = {{"krlImageStartTimer", startTimer},
+                                 {"krlImageStopTimer", stopTimer},
+                                 {"krlImageCreateLookupTables", createLookupTables},
+                                 {"krlImageDestroyLookupTables", destroyLookupTables},
+                                 {"krlImageLoad", load},
+                                 {"krlImageQuit", quit}};
+
+}  // namespace
+
+EngineBody engineBody(const Method& method) {
+    if (!method.managesTheEngine()) return nullptr;
+    for (const NamedBody& entry : kBodies)
+        if (std::string_view(entry.name) == method.name()) return entry.body;
+    return nullptr;
+}
+
+}  // namespace krl::host

@@ -1,0 +1,214 @@
+#include "host/HostCall.h"
+
+namespace krl::host {
+
+namespace {
+
+ScriptValue wordsOf(const ValueHandle& handle) {
+    return {{static_cast<int32_t>(handle.words[0]), static_cast<int32_t>(handle.words[1])}};
+}
+
+ValueHandle handleOf(const ScriptValue& value) {
+    return {{static_cast<uint32_t>(value.words[0]), static_cast<uint32_t>(value.words[1])}};
+}
+
+}  // namespace
+
+ValueHandle HostCall::argument(size_t index) { return handleOf(raw(index)); }
+
+CallCode HostCall::read(const ValueHandle& value, int32_t& out) {
+    const ScriptValue words = wordsOf(value);
+    return values::ValueToInteger::call(values(), &words, &out);
+}
+
+CallCode HostCall::read(const ValueHandle& value, double& out) {
+    const ScriptValue words = wordsOf(value);
+    return values::ValueToFloat::call(values(), &words, &out);
+}
+
+CallCode HostCall::read(const ValueHandle& value, Point& out) {
+    const ScriptValue words = wordsOf(value);
+    return values::ValueToPoint::call(values(), &words, &out);
+}
+
+CallCode HostCall::read(const ValueHandle& value, Colour& out) {
+    const ScriptValue words = wordsOf(value);
+    ColourRecord record;
+    const HostStatus status = colours::ValueToColor::call(instance_.colours, &words, &record);
+    out = record.colour();
+    return status;
+}
+
+CallCode HostCall::readSymbol(const ValueHandle& value, SymbolId& out) {
+    const ScriptValue words = wordsOf(value);
+    return values::ValueToSymbol::call(values(), &words, &out);
+}
+
+SymbolId HostCall::symbol(const char* name) {
+    SymbolId symbol = -1;
+    values::InternSymbol::call(values(), name, &symbol);
+    return symbol;
+}
+
+int32_t HostCall::countElements(const ValueHandle& list) {
+    const ScriptValue words = wordsOf(list);
+    return lists::CountElements::call(instance_.lists, &words);
+}
+
+CallCode HostCall::element(const ValueHandle& list, int32_t index, ValueHandle& out) {
+    const ScriptValue words = wordsOf(list);
+    ScriptValue value;
+    const HostStatus status = lists::GetElementByIndex::call(instance_.lists, &words, index, &value);
+    out = handleOf(value);
+    return status;
+}
+
+CallCode HostCall::propertyAt(const ValueHandle& list, int32_t index, ValueHandle& out) {
+    const ScriptValue words = wordsOf(list);
+    ScriptValue value;
+    const HostStatus status = lists::GetPropertyByIndex::call(instance_.lists, &words, index, &value);
+    out = handleOf(value);
+    return status;
+}
+
+CallCode HostCall::elementUnder(const ValueHandle& list, const char* key, ValueHandle& out) {
+    const ScriptValue words = wordsOf(list);
+    ScriptValue keyValue, value;
+    values::SymbolToValue::call(values(), symbol(key), &keyValue);
+    const HostStatus status = lists::GetElementByKey::call(instance_.lists, &words, &keyValue, &value);
+    out = handleOf(value);
+    values::ReleaseValue::call(values(), &keyValue);
+    return status;
+}
+
+CallCode HostCall::release(const ValueHandle& value) {
+    ScriptValue words = wordsOf(value);
+    return values::ReleaseValue::call(values(), &words);
+}
+
+CallCode HostCall::describePicture(const ValueHandle& picture, ImageInfo& out) {
+    const ScriptValue words = wordsOf(picture);
+    return images::QueryImage::call(images(), &words, &out);
+}
+
+CallCode HostCall::lockPicture(const ValueHandle& picture, uint8_t*& out) {
+    const ScriptValue words = wordsOf(picture);
+    ImageLock lock;
+    const HostStatus status = images::LockImage::call(images(), &words, &lock);
+    out = lock.pixels;
+    return status;
+}
+
+CallCode HostCall::unlockPicture(const ValueHandle& picture) {
+    const ScriptValue words = wordsOf(picture);
+    return images::UnlockImage::call(images(), &words);
+}
+
+CallCode HostCall::makePicture(int32_t width, int32_t height, ValueHandle& out) {
+    ScriptValue made;
+    const HostStatus status = images::CreateImage::call(images(), width, height, 32, 8, 0, &made);
+    out = handleOf(made);
+    return status;
+}
+
+void HostCall::give(const char* key, double number) {
+    ScriptValue value;
+    values::FloatToValue::call(values(), number, &value);
+    entries_.emplace_back(key, value);
+}
+
+void HostCall::give(const char* key, Colour colour) {
+    const ColourRecord record{colour.red(), colour.green(), colour.blue()};
+    ScriptValue value;
+    colours::ColorToValue::call(instance_.colours, &record, &value);
+    entries_.emplace_back(key, value);
+}
+
+void HostCall::giveSymbol(const char* key, const char* name) {
+    ScriptValue value;
+    values::SymbolToValue::call(values(), symbol(name), &value);
+    entries_.emplace_back(key, value);
+}
+
+void HostCall::givePicture(const char* key, const ValueHandle& picture) {
+    entries_.emplace_back(key, wordsOf(picture));
+}
+
+CallCode HostCall::answerWithPicture(const char* key, const ValueHandle& picture) {
+    ScriptValue result, zero, image = wordsOf(picture);
+    lists::NewPropertyList::call(instance_.lists, &result);
+    values::IntegerToValue::call(values(), 0, &zero);
+    append(result, "error", zero);
+    append(result, key, image);
+    if (HostStatus status = values::ReleaseValue::call(values(), &image)) {
+        values::ReleaseValue::call(values(), &result);
+        return status;
+    }
+    answerWith(result);
+    return kHostOk;
+}
+
+void HostCall::beginPictureList() {
+    ScriptValue list;
+    lists::NewList::call(instance_.lists, &list);
+    answerWith(list);
+}
+
+void HostCall::addToPictureList(const ValueHandle& picture) {
+    ScriptValue given = wordsOf(picture);
+    lists::AppendToList::call(instance_.lists, &result_, &given);
+    values::ReleaseValue::call(values(), &given);
+}
+
+void HostCall::answerWith(const ScriptValue& value) {
+    values::ReleaseValue::call(values(), &result_);
+    result_ = value;
+    replaced_ = true;
+}
+
+void HostCall::append(const ScriptValue& list, const char* key, const ScriptValue& value) {
+    ScriptValue keyValue;
+    values::SymbolToValue::call(values(), symbol(key), &keyValue);
+    lists::AppendProperty::call(instance_.lists, &list, &keyValue, &value);
+    values::ReleaseValue::call(values(), &keyValue);
+}
+
+HostStatus HostCall::run() {
+    const EngineBody manages = engineBody(method_);
+    if (method_.isSilent()) return manages(*this).code;
+    lists::NewPropertyList::call(instance_.lists, &result_);
+    values::SymbolToValue::call(values(), symbol("error"), &errorKey_);
+    if (method_.makesHostQuery()) players::GetItem::call(instance_.player, 1, &instance_.playerItem);
+    if (!manages) return finish(Call(*this, method_, engine()).run());
+    try {
+        if (method_.engineFailureText() && !engine()) return finish(failure(method_.engineFailureText()));
+        return finish(manages(*this));
+    } catch (...) {
+        return finish(failure(method_.failedText(), kHostOutOfMemory));
+    }
+}
+
+HostStatus HostCall::finish(const Outcome& outcome) {
+    if (!replaced_ && (withError_ || outcome.message)) appendError(outcome);
+    values::ReleaseValue::call(values(), &errorKey_);
+    for (auto& [key, value] : entries_) {
+        if (!outcome.message) append(result_, key, value);
+        values::ReleaseValue::call(values(), &value);
+    }
+    info_.result = result_;
+    return outcome.code;
+}
+
+void HostCall::appendError(const Outcome& outcome) {
+    ScriptValue entry;
+    if (!outcome.message) {
+        values::IntegerToValue::call(values(), 0, &entry);
+        lists::AppendProperty::call(instance_.lists, &result_, &errorKey_, &entry);
+        return;
+    }
+    values::StringToValue::call(values(), outcome.message, &entry);
+    lists::AppendProperty::call(instance_.lists, &result_, &errorKey_, &entry);
+    values::ReleaseValue::call(values(), &entry);
+}
+
+}  // namespace krl::host

@@ -1,0 +1,193 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+#include "core/ByteQuotient.h"
+#include "core/Numbers.h"
+
+/// The moving tent: what one step along a line costs and keeps, for one lane or many side by side.
+///
+/// A tent of half-width r weighs the sample at distance i from its centre by r + 1 - |i|. Going one
+/// sample further changes its sum by a slope, and the slope by the second difference
+/// `entering - 2 * centre + leaving`. So a lane keeps two numbers, whatever r is. Samples before the
+/// first and after the last of a line are those two, repeated without end.
+namespace krl::tent {
+
+/// No window is wider to a side than this: its sums still fit 64 bits, and on any picture both ends
+/// of a line have long come to weigh the same.
+inline constexpr int32_t kWidest = 100'000'000;
+
+/// Half-width of the window for a caller's `radius`: 0.72 of it, rounded half away from zero.
+inline int32_t halfWidth(int32_t radius) {
+    const double scaled = radius * 0.72;
+    return std::min(truncate(scaled >= 0 ? scaled + 0.5 : scaled - 0.5), kWidest);
+}
+
+/// Sum of the weights of a window.
+constexpr int64_t weightOf(int32_t halfWidth) { return (halfWidth + int64_t{1}) * (halfWidth + int64_t{1}); }
+
+/// Bytes, whose sums are divided by `Quotient`.
+template <class Quotient>
+class Bytes {
+public:
+    using Sample = uint8_t;
+    using Sum = typename Quotient::Sum;
+
+    explicit Bytes(int32_t halfWidth) : divide_(static_cast<uint64_t>(weightOf(halfWidth))) {}
+    uint8_t quotient(Sum sum) const { return divide_(sum); }
+
+private:
+    Quotient divide_;
+};
+
+/// Bytes under windows up to `kWidestShort`, whose sums fit 16 bits, up to `kWidestMiddle`, whose sums fit a
+/// float, up to `kWidestNarrow`, whose sums fit 32 bits, and under wider ones.
+using ShortBytes = Bytes<ShortByteQuotient>;
+using MiddleBytes = Bytes<MiddleByteQuotient>;
+using NarrowBytes = Bytes<ByteQuotient>;
+using WideBytes = Bytes<WideByteQuotient>;
+inline constexpr int32_t kWidestShort = 15;
+inline constexpr int32_t kWidestMiddle = 126;
+inline constexpr int32_t kWidestNarrow = 2895;
+static_assert(weightOf(kWidestShort) <= int64_t{ShortByteQuotient::kLargestWeight});
+static_assert(weightOf(kWidestMiddle) <= int64_t{MiddleByteQuotient::kLargestWeight});
+static_assert(weightOf(kWidestNarrow) <= int64_t{ByteQuotient::kLargestWeight});
+
+/// Any 32-bit integers; the quotient is truncated toward zero.
+class SignedWords {
+public:
+    using Sample = int32_t;
+    using Sum = uint64_t;
+
+    explicit SignedWords(int32_t halfWidth) : weight_(weightOf(halfWidth)) {}
+    int32_t quotient(uint64_t sum) const { return static_cast<int32_t>(static_cast<int64_t>(sum) / weight_); }
+
+private:
+    int64_t weight_;
+};
+
+/// The samples whose second difference moves a window one place on.
+template <class Sample>
+struct Step {
+    const Sample *entering, *centre, *leaving;
+};
+
+/// A line of places, `stride` samples apart, each with one or more lanes side by side.
+template <class Sample>
+struct Line {
+    const Sample* first;
+    ptrdiff_t stride;
+    int32_t length;
+
+    const Sample* at(int32_t place) const { return first + place * stride; }
+    const Sample* last() const { return at(length - 1); }
+    Step<Sample> stepFrom(int32_t place, int32_t halfWidth) const {
+        return {at(std::min(place + halfWidth + 2, length - 1)), at(std::min(place + 1, length - 1)),
+                at(std::max(place - halfWidth, 0))};
+    }
+};
+
+/// Moves lanes side by side one place on: writes their means, and changes sums and slopes. The lanes'
+/// memory is told not to overlap, as more pointers than these the compiler does not compare.
+template <class Arithmetic>
+inline void stepLanes(const Arithmetic& arithmetic, typename Arithmetic::Sum* __restrict sums,
+                      typename Arithmetic::Sum* __restrict slopes,
+                      typename Arithmetic::Sample* __restrict means, Step<typename Arithmetic::Sample> step,
+                      int lanes) {
+    using Sum = typename Arithmetic::Sum;
+    for (int i = 0; i < lanes; ++i) {
+        const auto bend = Sum(step.entering[i]) - 2 * Sum(step.centre[i]) + Sum(step.leaving[i]);
+        means[i] = arithmetic.quotient(sums[i]);
+        sums[i] = static_cast<Sum>(sums[i] + slopes[i]);
+        slopes[i] = static_cast<Sum>(slopes[i] + bend);
+    }
+}
+
+/// Lanes that walk along rows together, of as many rows as their elements leave room for.
+inline constexpr int32_t kStripLanes = 64;
+
+/// `stepLanes` for bytes whose sums fit 32 bits, in the widest vectors that there are.
+template <class Arithmetic>
+void stepManyLanes(const Arithmetic& arithmetic, typename Arithmetic::Sum* sums,
+                   typename Arithmetic::Sum* slopes, uint8_t* means, Step<uint8_t> step, int lanes);
+
+/// The same for `kStripLanes` lanes at every place of `line` from `first` up to `end`; the means of one
+/// place follow those of the other.
+template <class Arithmetic>
+void walkStrip(const Arithmetic& arithmetic, typename Arithmetic::Sum* sums, typename Arithmetic::Sum* slopes,
+               uint8_t* means, const Line<uint8_t>& line, int32_t halfWidth, int32_t first, int32_t end);
+
+/// Whether the two above are there for an arithmetic.
+template <class Arithmetic>
+constexpr bool kInVectors = sizeof(typename Arithmetic::Sum) <= sizeof(uint32_t);
+
+/// The windows of up to `Lanes` lanes side by side, each at the same place of its own line.
+template <class Arithmetic, int Lanes>
+class Window {
+public:
+    using Sample = typename Arithmetic::Sample;
+    using Sum = typename Arithmetic::Sum;
+
+    /// Stands at place 0 of `line`, in its first `lanes` lanes.
+    Window(const Arithmetic& arithmetic, const Line<Sample>& line, int32_t halfWidth, int lanes = Lanes)
+        : arithmetic_(arithmetic), lanes_(lanes) {
+        sumRightHalf(line, halfWidth);
+        const Sum reach = Sum(Sum(halfWidth) + 1);
+        const Sum leftWeight = Sum(int64_t{halfWidth + 1} * (int64_t{halfWidth} + 2) / 2);
+        const Sample* first = line.at(0);
+        const Sample* entering = line.at(std::min(halfWidth + 1, line.length - 1));
+        for (int i = 0; i < lanes_; ++i) {
+            add(sums_[i], Sum(Sum(first[i]) * leftWeight));
+            add(slopes_[i], Sum(Sum(entering[i]) - Sum(first[i]) * reach));
+        }
+    }
+
+    /// Writes the means at this place to `means` and goes one place on.
+    void step(Sample* means, Step<Sample> step) {
+        if constexpr (Lanes > 1 && kInVectors<Arithmetic>)
+            stepManyLanes(arithmetic_, sums_, slopes_, means, step, lanes_);
+        else
+            stepLanes(arithmetic_, sums_, slopes_, means, step, Lanes == 1 ? 1 : lanes_);
+    }
+
+    /// The same for every place of `line` from `first`, where it stands, up to `end`.
+    void walkOn(Sample* means, const Line<Sample>& line, int32_t halfWidth, int32_t first, int32_t end) {
+        static_assert(Lanes == kStripLanes);
+        walkStrip(arithmetic_, sums_, slopes_, means, line, halfWidth, first, end);
+    }
+
+private:
+    static void add(Sum& to, Sum amount) { to = static_cast<Sum>(to + amount); }
+
+    /// Weighted into `sums_` and plain into `slopes_`: the samples right of place 0. Those past the
+    /// end of the line come all at once.
+    void sumRightHalf(const Line<Sample>& line, int32_t halfWidth) {
+        std::fill_n(sums_, lanes_, Sum{0});
+        std::fill_n(slopes_, lanes_, Sum{0});
+        const int32_t inside = std::min(halfWidth, line.length - 1);
+        for (int32_t place = 1; place <= inside; ++place) {
+            const Sample* samples = line.at(place);
+            for (int i = 0; i < lanes_; ++i) {
+                add(slopes_[i], Sum(samples[i]));
+                add(sums_[i], slopes_[i]);
+            }
+        }
+        const int64_t outside = halfWidth - inside;
+        for (int i = 0; i < lanes_ && outside > 0; ++i) {
+            const Sum last = Sum(line.last()[i]);
+            add(sums_[i], Sum(slopes_[i] * Sum(outside) + last * Sum(outside * (outside + 1) / 2)));
+            add(slopes_[i], Sum(last * Sum(outside)));
+        }
+    }
+
+    static constexpr size_t kAlignment = Lanes > 4 ? 64 : alignof(Sum);
+
+    const Arithmetic arithmetic_;
+    const int lanes_;
+    alignas(kAlignment) Sum sums_[Lanes];
+    alignas(kAlignment) Sum slopes_[Lanes];
+};
+
+}  // namespace krl::tent

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "core/Bands.h"
+#include "krlimage/engine.h"
+#include "krlimage/pixel.h"
+
+namespace krl {
+
+/// How many pixels a block holds: enough for vectors, few enough for the nearest cache.
+inline constexpr size_t kBlockPixels = 64;
+
+/// A stretch of pixels with each colour in an array of its own. Loops over the arrays always run
+/// through all `kBlockPixels`, so that the compiler makes vectors of them; lanes past the end of the
+/// picture hold some colour or other and are not written back.
+struct ColourBlock {
+    int32_t blue[kBlockPixels], green[kBlockPixels], red[kBlockPixels];
+};
+
+/// Parts pixels, as words of 0xAARRGGBB, into their colours.
+void partWords(const uint32_t (&words)[kBlockPixels], ColourBlock& block);
+/// Puts the low byte of each lane back in its word; alpha stays.
+void joinWords(const ColourBlock& block, uint32_t (&words)[kBlockPixels]);
+
+/// Calls `recolour(ColourBlock&)` over a run of pixels, and stores what it makes of the colours.
+template <class Recolour>
+void recolourBlocks(Pixel* first, Pixel* last, Recolour&& recolour) {
+    uint32_t words[kBlockPixels] = {};
+    ColourBlock block;
+    while (first != last) {
+        const size_t count = std::min(kBlockPixels, static_cast<size_t>(last - first));
+        std::memcpy(words, first, count * sizeof(Pixel));
+        partWords(words, block);
+        recolour(block);
+        joinWords(block, words);
+        std::memcpy(first, words, count * sizeof(Pixel));
+        first += count;
+    }
+}
+
+/// The same over the loaded image, in bands.
+template <class Recolour>
+Status forEachColourBlock(const ImageEngine& engine, Recolour&& recolour) {
+    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) { recolourBlocks(first, last, recolour); });
+}
+
+}  // namespace krl

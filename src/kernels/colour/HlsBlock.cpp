@@ -1,0 +1,85 @@
+#include "kernels/colour/HlsBlock.h"
+
+#include "core/Clones.h"
+
+namespace krl {
+
+namespace {
+
+/// Integer quotient, toward zero. Divisors are at most 510 and quotients small, so a quotient that is
+/// no integer stays clear of the next one by far more than `float` rounds away.
+int32_t quotient(float numerator, float divisor) { return static_cast<int32_t>(numerator / divisor); }
+
+}  // namespace
+
+// Of the three distances from the largest channel that decide a hue, its own is 0 and that of the
+// smallest 60, so only the middle channel needs a division.
+KRL_WIDE_CLONES void toHls(const ColourBlock& colours, HlsBlock& hls) {
+    for (size_t i = 0; i < kBlockPixels; ++i) {
+        const int32_t red = colours.red[i], green = colours.green[i], blue = colours.blue[i];
+        const int32_t larger = red > green ? red : green, smaller = red < green ? red : green;
+        const int32_t max = larger > blue ? larger : blue, min = smaller < blue ? smaller : blue;
+        const int32_t sum = max + min, delta = max - min, middle = red + green + blue - sum;
+
+        const int32_t lightness = quotient(float(sum) * 360.0f + 255.0f, 510.0f);
+        const int32_t divisor = lightness <= 180 ? sum : 510 - sum;
+        hls.lightness[i] = lightness;
+        const int32_t halfDivisor = divisor / 2, halfDelta = delta / 2;  // they round the quotients
+        hls.saturation[i] =
+            quotient(float(halfDivisor) + float(delta) * 360.0f, float(divisor == 0 ? 1 : divisor));
+
+        const int32_t distance =
+            quotient(float(halfDelta) + float(max - middle) * 60.0f, float(delta == 0 ? 1 : delta));
+        const bool redLeads = red == max, greenLeads = green == max;
+        const int32_t onward = greenLeads ? blue - red : red - green;
+        const int32_t direction = redLeads ? green - blue : onward;
+        const int32_t swing = direction < 0 ? distance - 60 : 60 - distance;
+        const int32_t sector = redLeads ? 0 : greenLeads ? 120 : 240;
+        const int32_t hue = sector + swing;
+        const int32_t around = hue < 0 ? hue + 360 : hue;
+        hls.hue[i] = delta == 0 ? -1 : around;
+    }
+}
+
+namespace {
+
+/// What `hueToChannel` is at a hue, as a byte: between its two levels it rises over 60 degrees, stays
+/// up to 180 and falls until 240.
+int32_t channelAt(int32_t hue, float low, float spread) {
+    const int32_t raised = hue < 0 ? hue + 360 : hue;
+    const int32_t turned = raised > 360 ? raised - 360 : raised;
+    const int32_t falling = turned < 240 ? 240 - turned : 0;
+    const int32_t rising = turned < 60 ? turned : 60;
+    const int32_t slope = rising < falling ? rising : falling;
+    const float level = low + float(quotient(spread * float(slope) + 30.0f, 60.0f));
+    return quotient(level * 255.0f + 180.0f, 360.0f);
+}
+
+}  // namespace
+
+KRL_WIDE_CLONES void fromHls(const HlsBlock& hls, ColourBlock& colours) {
+    ColourBlock coloured;
+    for (size_t i = 0; i < kBlockPixels; ++i) {
+        const int32_t hue = hls.hue[i], lightness = hls.lightness[i], saturation = hls.saturation[i];
+        const int32_t share = quotient(float(lightness) * float(saturation) + 180.0f, 360.0f);
+        const int32_t reach = lightness <= 180 ? share : saturation - share;
+        const float low = float(lightness - reach), spread = float(2 * reach);
+        coloured.red[i] = channelAt(hue + 120, low, spread);
+        coloured.green[i] = channelAt(hue, low, spread);
+        coloured.blue[i] = channelAt(hue - 120, low, spread);
+    }
+    for (size_t i = 0; i < kBlockPixels; ++i) {
+        const int32_t grey = quotient(float(hls.lightness[i]) * 255.0f, 360.0f);
+        // All ones where it holds, so that the choice stays one of bits.
+        const int32_t isGrey = -int32_t{hls.saturation[i] == 0}, isUndefined = -int32_t{hls.hue[i] == -1};
+        const auto choose = [=](int32_t own, int32_t other) {
+            const int32_t kept = (grey & isUndefined) | (own & ~isUndefined);
+            return (kept & isGrey) | (other & ~isGrey);
+        };
+        colours.red[i] = choose(colours.red[i], coloured.red[i]);
+        colours.green[i] = choose(colours.green[i], coloured.green[i]);
+        colours.blue[i] = choose(colours.blue[i], coloured.blue[i]);
+    }
+}
+
+}  // namespace krl

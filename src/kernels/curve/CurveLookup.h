@@ -1,0 +1,24 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "krlimage/pixel.h"
+
+namespace krl {
+
+/// What each byte becomes.
+using ByteCurve = std::array<uint8_t, 256>;
+
+/// A curve and the channels that go through it: bit 0 blue to bit 3 alpha.
+struct ChannelCurve {
+    const ByteCurve& curve;
+    uint32_t channels;
+};
+
+/// Sends the channels of each curve through it, many pixels at once, as far as the processor can.
+/// Gives the first pixel that is still to do, which is `first` where there are no instructions for it.
+Pixel* lookUpWide(Pixel* first, Pixel* last, const ChannelCurve (&curves)[1]);
+Pixel* lookUpWide(Pixel* first, Pixel* last, const ChannelCurve (&curves)[3]);
+
+}  // namespace krl

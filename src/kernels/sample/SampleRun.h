@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "krlimage/pixel.h"
+
+/// Sampling of runs of places, many at once; the bilinear one in whole numbers.
+///
+/// From 1 upward a float's fraction is a whole number of 2^-23, and so is every weight of a place there, and
+/// of many below. A blend of two bytes, `a + floor(weight * (b - a))`, then fits 32 bits and is exact, and
+/// equals the truncated blend in floating point.
+namespace krl {
+
+/// Pixels of a row that are sampled together.
+inline constexpr size_t kRunPixels = 256;
+
+/// Places of a run along one axis.
+struct AxisRun {
+    int32_t whole[kRunPixels];     ///< below the axis's last index
+    int32_t fraction[kRunPixels];  ///< in units of 2^-23, up to a whole
+    int32_t exact[kRunPixels];     ///< -1 where the two above are the place, else 0
+};
+
+/// Whether an axis whose last index is `last` has two neighbours, and indices that a float holds.
+bool canSplitPlaces(int32_t last);
+/// Splits `count` places on such an axis; one outside it, or too fine below 1, is marked so and taken as 0.
+/// Whether all were split.
+bool splitPlaces(const float* places, size_t count, int32_t last, AxisRun& axis);
+
+/// The pixels that the places truncate to, those outside (and NaN) being held in the picture; `stride` is
+/// pixels from row to row.
+void nearestPixels(const Pixel* source, int32_t stride, const float* y, const float* x, size_t count,
+                   int32_t bottom, int32_t right, Pixel* out);
+/// The blends of four pixels at each place of `columns` and `rows`.
+void blendSquares(const Pixel* source, int32_t stride, const AxisRun& rows, const AxisRun& columns,
+                  size_t count, Pixel* out);
+/// The blends of two neighbours in a row at each place of `columns`.
+void blendAlongRow(const Pixel* row, const AxisRun& columns, size_t count, Pixel* out);
+/// The blends of two neighbours in column `i` of `source` at each place `i` of `rows`.
+void blendDownColumns(const Pixel* source, int32_t stride, const AxisRun& rows, size_t count, Pixel* out);
+
+}  // namespace krl

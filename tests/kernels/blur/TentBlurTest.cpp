@@ -1,0 +1,220 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+#include <string>
+
+#include "core/Faults.h"
+#include "core/Random.h"
+#include "kernels/blur/TentBlur.h"
+#include "kernels/blur/TentWindow.h"
+#include "reference/TentBlurReference.h"
+#include "support/Picture.h"
+
+namespace krl::test {
+
+namespace {
+
+using Kernel = void (TentBlur::*)(Pixel*, int32_t, int32_t, int32_t);
+
+/// A kernel on pixels with the channels it blurs.
+struct PixelKernel {
+    const char* name;
+    Kernel run;
+    size_t first, last;
+};
+
+constexpr PixelKernel kKernels[] = {
+    {"RGBA", &TentBlur::blurRGBA, 0, 3},     {"RGB", &TentBlur::blurRGB, 0, 2},
+    {"Alpha", &TentBlur::blurAlpha, 3, 3},   {"Chroma", &TentBlur::blurChroma, 0, 1},
+    {"Single", &TentBlur::blurSingle, 0, 0},
+};
+
+Picture blurred(Picture picture, const PixelKernel& kernel, int32_t radius, int32_t threadCount = 1) {
+    TentBlur blur(threadCount);
+    (blur.*kernel.run)(picture.pixels().data(), picture.height(), picture.width(), radius);
+    return picture;
+}
+
+Picture expected(Picture picture, const PixelKernel& kernel, int32_t radius) {
+    picture.pixels() = reference::tentPixels(picture.pixels(), picture.height(), picture.width(), radius,
+                                             kernel.first, kernel.last);
+    return picture;
+}
+
+std::vector<int32_t> randomPlane(size_t count, int32_t seed, int32_t spread) {
+    Random random(seed);
+    std::vector<int32_t> plane(count);
+    for (int32_t& value : plane) value = (random.next() - 16384) * spread;
+    return plane;
+}
+
+std::vector<int32_t> expectedPlane(const std::vector<int32_t>& plane, int32_t height, int32_t width,
+                                   int32_t radius) {
+    const auto wide = reference::tentPlane({plane.begin(), plane.end()}, height, width, radius);
+    return {wide.begin(), wide.end()};
+}
+
+}  // namespace
+
+TEST(TentWindow, ReachesSeventyTwoHundredthsOfTheRadius) {
+    EXPECT_EQ(tent::halfWidth(0), 0);
+    EXPECT_EQ(tent::halfWidth(1), 1);
+    EXPECT_EQ(tent::halfWidth(2), 1);
+    EXPECT_EQ(tent::halfWidth(3), 2);
+    EXPECT_EQ(tent::halfWidth(10), 7);
+    EXPECT_EQ(tent::halfWidth(5000), 3600);
+    EXPECT_EQ(tent::halfWidth(-1), -1);
+    EXPECT_EQ(tent::halfWidth(INT32_MAX), tent::kWidest);
+    EXPECT_LT(tent::halfWidth(INT32_MIN), 0);
+}
+
+// A quotient only changes at multiples of the weight, so one sum on each side of each step is the
+// whole range of sums.
+template <class Arithmetic>
+void expectExactUpTo(int32_t widest) {
+    for (int32_t halfWidth = 1; halfWidth <= widest; ++halfWidth) {
+        const Arithmetic arithmetic(halfWidth);
+        const auto weight = static_cast<uint64_t>(tent::weightOf(halfWidth));
+        using Sum = typename Arithmetic::Sum;
+        ASSERT_LE(weight * 255, std::numeric_limits<Sum>::max());
+        for (uint64_t level = 0; level <= 255; ++level) {
+            ASSERT_EQ(arithmetic.quotient(static_cast<Sum>(weight * level)), level) << halfWidth;
+            if (level < 255) {
+                ASSERT_EQ(arithmetic.quotient(static_cast<Sum>(weight * level + weight - 1)), level)
+                    << halfWidth;
+            }
+        }
+    }
+}
+
+TEST(TentWindow, DividesExactlyForEverySumOfEveryWindow) {
+    expectExactUpTo<tent::ShortBytes>(tent::kWidestShort);
+    expectExactUpTo<tent::MiddleBytes>(tent::kWidestMiddle);
+    expectExactUpTo<tent::NarrowBytes>(tent::kWidestNarrow);
+}
+
+TEST(TentBlur, WeighsThreeSamplesOneTwoOneAtRadiusOne) {
+    Picture picture(3, {{0, 0, 0, 0}, {100, 40, 7, 255}, {0, 0, 0, 0}});
+    TentBlur(1).blurRGBA(picture.pixels().data(), 1, 3, 1);
+    EXPECT_EQ(picture, Picture(3, {{25, 10, 1, 63}, {50, 20, 3, 127}, {25, 10, 1, 63}}));
+}
+
+TEST(TentBlur, RepeatsTheEdgeSample) {
+    Picture picture = Picture::grey({{200, 0}});
+    TentBlur(1).blurRGB(picture.pixels().data(), 1, 2, 1);
+    EXPECT_EQ(picture, Picture::grey({{150, 50}}));
+}
+
+TEST(TentBlur, EqualsTheWeightedSumForEveryKernelAndRadius) {
+    constexpr int32_t shapes[][2] = {{1, 1}, {1, 12}, {13, 1}, {2, 3}, {23, 17}, {150, 5}, {5, 90}};
+    for (const auto& [width, height] : shapes) {
+        for (int32_t radius = -3; radius <= 60; ++radius) {
+            const Picture source = Picture::random(width, height, radius + 100 * width);
+            for (const PixelKernel& kernel : kKernels) {
+                ASSERT_EQ(blurred(source, kernel, radius), expected(source, kernel, radius))
+                    << kernel.name << ' ' << width << 'x' << height << " radius " << radius;
+            }
+        }
+    }
+}
+
+TEST(TentBlur, EqualsTheWeightedSumWhereWindowsOutgrowTheirSums) {
+    const Picture source = Picture::random(31, 9, 5);
+    for (int32_t radius : {120, 174, 175, 176, 177, 300, 4019, 4020, 4021, 4022, 5000, 5700, 9000, 40000})
+        for (const PixelKernel& kernel : kKernels)
+            ASSERT_EQ(blurred(source, kernel, radius), expected(source, kernel, radius))
+                << kernel.name << radius;
+}
+
+TEST(TentBlur, WeighsBothEndsAlikeAtAnEndlessRadius) {
+    Picture picture = Picture::grey({{10, 255, 255, 255, 31}});
+    TentBlur(1).blurRGBA(picture.pixels().data(), 1, 5, INT32_MAX);
+    for (const Pixel& p : picture.pixels()) EXPECT_EQ(p.blue, 20);
+}
+
+TEST(TentBlur, ReturnsAFlatBlockUnchanged) {
+    for (int level : {0, 1, 127, 128, 254, 255}) {
+        const auto v = static_cast<uint8_t>(level);
+        const Picture flat(37, 11, {v, uint8_t(255 - v), v, uint8_t(255 - v)});
+        for (int32_t radius : {1, 2, 7, 50, 1000, 6000, 2000000000})
+            for (const PixelKernel& kernel : kKernels)
+                EXPECT_EQ(blurred(flat, kernel, radius), flat) << kernel.name;
+        std::vector<int32_t> plane(37 * 11, level - 128);
+        const std::vector<int32_t> before = plane;
+        TentBlur(1).blurPlane(plane.data(), 11, 37, 20);
+        EXPECT_EQ(plane, before);
+    }
+}
+
+TEST(TentBlur, GivesTheSameBytesForAnyNumberOfThreads) {
+    constexpr int32_t shapes[][2] = {{1, 1}, {1, 9}, {300, 2}, {61, 40}};
+    for (const auto& [width, height] : shapes) {
+        const Picture source = Picture::random(width, height, 8);
+        for (const PixelKernel& kernel : kKernels)
+            for (int32_t threads : {2, 3, 5, 16})
+                EXPECT_EQ(blurred(source, kernel, 9, threads), blurred(source, kernel, 9)) << kernel.name;
+    }
+}
+
+TEST(TentBlur, BlursAnyChannelAlone) {
+    const Picture source = Picture::random(19, 14);
+    for (int32_t channel = 0; channel < 4; ++channel) {
+        Picture picture = source;
+        TentBlur(2).blurChannel(picture.pixels().data(), 14, 19, 6, channel);
+        EXPECT_EQ(picture.pixels(),
+                  reference::tentPixels(source.pixels(), 14, 19, 6, size_t(channel), size_t(channel)));
+    }
+}
+
+TEST(TentBlur, BlursAPlaneOfBytesAsItBlursAChannel) {
+    Picture picture = Picture::random(40, 23);
+    std::vector<uint8_t> plane;
+    for (const Pixel& p : picture.pixels()) plane.push_back(p.alpha);
+    TentBlur blur(3);
+    blur.blurBytes(plane.data(), 23, 40, 11);
+    blur.blurAlpha(picture.pixels().data(), 23, 40, 11);
+    for (size_t i = 0; i < plane.size(); ++i) ASSERT_EQ(plane[i], picture.pixels()[i].alpha);
+}
+
+TEST(TentBlur, BlursPlanesOfAnyIntegersTowardZero) {
+    std::vector<int32_t> small{-3, 0, 0, -3};
+    TentBlur(1).blurPlane(small.data(), 1, 4, 1);
+    EXPECT_EQ(small, (std::vector<int32_t>{-2, 0, 0, -2}));
+    constexpr int32_t shapes[][2] = {{1, 1}, {1, 7}, {9, 1}, {33, 21}};
+    for (const auto& [width, height] : shapes) {
+        for (int32_t radius : {0, 1, 5, 30, 700}) {
+            for (int32_t spread : {1, 65537}) {
+                std::vector<int32_t> plane = randomPlane(size_t(width) * size_t(height), radius + 1, spread);
+                const auto wanted = expectedPlane(plane, height, width, radius);
+                TentBlur(1).blurPlane(plane.data(), height, width, radius);
+                EXPECT_EQ(plane, wanted) << width << 'x' << height << " radius " << radius;
+            }
+        }
+    }
+}
+
+TEST(TentBlur, StaysOnOneThreadAfterAPlane) {
+    TentBlur blur(4);
+    int32_t value = 7;
+    blur.blurPlane(&value, 1, 1, 0);
+    EXPECT_EQ(blur.threadCount(), 1);
+}
+
+TEST(TentBlur, LeavesEmptyBlocksAlone) {
+    Pixel pixel{1, 2, 3, 4};
+    TentBlur(2).blurRGBA(&pixel, 0, 5, 3);
+    TentBlur(2).blurRGBA(&pixel, 5, 0, 3);
+    EXPECT_EQ(pixel, (Pixel{1, 2, 3, 4}));
+}
+
+TEST(TentBlur, TakesItsScratchBeforeItWrites) {
+    Picture picture = Picture::random(8, 8);
+    const Picture before = picture;
+    faults().scratchBlocks = 0;
+    EXPECT_THROW(TentBlur(1).blurRGBA(picture.pixels().data(), 8, 8, 3), std::bad_alloc);
+    faults().scratchBlocks = -1;
+    EXPECT_EQ(picture, before);
+}
+
+}  // namespace krl::test
