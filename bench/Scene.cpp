@@ -56,7 +56,7 @@ ImageInfo infoOf(const player::Bitmap& picture) {
 }
 
 void readAndWrite(const ImageEngine& engine) {
-    forEachPixelRun(engine, [](Pixel* first, Pixel* last) {
+    forEachSpan(engine, [](Pixel* first, Pixel* last) {
         auto* bytes = reinterpret_cast<uint8_t*>(first);
         for (ptrdiff_t i = 0; i < (last - first) * ptrdiff_t(sizeof(Pixel)); ++i) bytes[i] ^= 1;
     });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <limits>
 #include <span>
 #include <string>
 #include <type_traits>
@@ -42,12 +43,16 @@ enum class ArgumentKind {
     Value,        ///< `any` or `list`, copied for a hand-written body
 };
 
-/// A sensible span to try and a value that shows the effect. Limits that an effect enforces are the
-/// names no value gets.
+/// A sensible range to try and a value that shows the effect. The effect itself may limit the argument: what
+/// lies beyond `least` or `most` counts as that limit. At `neutral` the effect changes nothing, whatever its
+/// other arguments.
 struct NumberRange {
     double from = 0;
     double to = 0;
     double example = 0;
+    double least = -std::numeric_limits<double>::infinity();
+    double most = std::numeric_limits<double>::infinity();
+    double neutral = std::numeric_limits<double>::quiet_NaN();
 };
 
 /// A symbol that an argument takes, and the number it stands for.

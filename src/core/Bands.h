@@ -33,7 +33,7 @@ IndexRange lineBand(int32_t lineCount, int32_t threadCount, int32_t band);
 
 /// Calls `work(first, last)` with the two ends of each band's run of pixels, after the state tests.
 template <class Work>
-Status forEachPixelRun(const ImageEngine& engine, Work&& work) {
+Status forEachSpan(const ImageEngine& engine, Work&& work) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
     return runBands(engine.getThreadCount(), [&](int32_t band) {
@@ -46,7 +46,7 @@ Status forEachPixelRun(const ImageEngine& engine, Work&& work) {
 /// Calls `perPixel(Pixel&)` for every pixel, after the state tests.
 template <class PerPixel>
 Status forEachPixel(const ImageEngine& engine, PerPixel&& perPixel) {
-    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
+    return forEachSpan(engine, [&](Pixel* first, Pixel* last) {
         for (Pixel* p = first; p != last; ++p) perPixel(*p);
     });
 }
@@ -56,9 +56,9 @@ Status forEachPixel(const ImageEngine& engine, PerPixel&& perPixel) {
 /// loaded rows alone are padded, the last bands would reach a little further. The sizes are the caller's to
 /// test.
 template <class Work>
-Status forEachRunBeside(const ImageEngine& engine, const SecondImage& other, Work&& work) {
+Status forEachSpanBeside(const ImageEngine& engine, const SecondImage& other, Work&& work) {
     const std::span<const Pixel> block = other.block();
-    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
+    return forEachSpan(engine, [&](Pixel* first, Pixel* last) {
         const ptrdiff_t start = first - engine.buffer()->row(0);
         const ptrdiff_t count = std::min(last - first, static_cast<ptrdiff_t>(block.size()) - start);
         if (count > 0) work(first, static_cast<size_t>(count), block.data() + start);
@@ -69,7 +69,7 @@ Status forEachRunBeside(const ImageEngine& engine, const SecondImage& other, Wor
 /// far as there is one.
 template <class PerPair>
 Status forEachPixelPair(const ImageEngine& engine, const SecondImage& other, PerPair&& perPair) {
-    return forEachRunBeside(engine, other, [&](Pixel* first, size_t count, const Pixel* beside) {
+    return forEachSpanBeside(engine, other, [&](Pixel* first, size_t count, const Pixel* beside) {
         for (Pixel* p = first; p != first + count; ++p) perPair(*p, *beside++);
     });
 }

@@ -11,7 +11,7 @@ namespace krl {
 
 namespace {
 
-void clearRun(Pixel* first, Pixel* last) {
+void clearSpan(Pixel* first, Pixel* last) {
     for (Pixel* p = first; p < last; ++p) p->alpha = 0;
 }
 
@@ -35,9 +35,9 @@ Status alphaCrop(ImageEngine& engine, int32_t top, int32_t right, int32_t bottom
     const int32_t keptLast = std::max(keptFirst, width - std::max(right, 0));
     const int32_t bottomRow = std::max(bottom, 0), topRow = height - std::max(top, 0);
     return forEachRow(engine, [=](Pixel* row, int32_t y) {
-        if (y <= bottomRow || y >= topRow) return clearRun(row, row + width);
-        clearRun(row, row + keptFirst);
-        clearRun(row + keptLast, row + width);
+        if (y <= bottomRow || y >= topRow) return clearSpan(row, row + width);
+        clearSpan(row, row + keptFirst);
+        clearSpan(row + keptLast, row + width);
     });
 }
 

@@ -1,9 +1,9 @@
 #include "effects/blur/BlurEffects.h"
 
-#include "core/Clones.h"
 #include "core/ImageCopy.h"
 #include "core/Numbers.h"
-#include "kernels/blend/ByteMix.h"
+#include "core/VectorLevels.h"
+#include "kernels/blend/BlendWithCopy.h"
 #include "kernels/blur/TentBlur.h"
 #include "kernels/curve/ByteCurve.h"
 #include "kernels/curve/EdgeGain.h"
@@ -23,8 +23,8 @@ struct RealShares {
 
 /// Makes each byte of its blur and the edge between both.
 template <class Gain>
-KRL_WIDE_CLONES void diffuseBytes(const uint8_t* soft, const uint8_t* sharp, Gain gain, uint8_t* out,
-                                  int32_t count) {
+KRL_VECTOR_LEVELS void diffuseBytes(const uint8_t* soft, const uint8_t* sharp, Gain gain, uint8_t* out,
+                                    int32_t count) {
     for (int32_t i = 0; i < count; ++i) out[i] = gain(soft[i], sharp[i] - soft[i]);
 }
 

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "core/ChannelMask.h"
-#include "core/Clones.h"
+#include "core/VectorLevels.h"
 #include "effects/blur/PathBlur.h"
 #include "kernels/blend/AlphaScale.h"
 #include "kernels/path/PathSum.h"
@@ -34,7 +34,7 @@ std::vector<Stop> pathAlong(int32_t distance, int32_t angle, int32_t width, int3
             const Stop other = stopAt(i);
             return other.dx == stop.dx && other.dy == stop.dy;
         };
-        const int64_t end = endOfRun(first, distance, isSame);
+        const int64_t end = endOfSpan(first, distance, isSame);
         stop.samples = end - first;
         path.push_back(stop);
         first = end;
@@ -90,17 +90,17 @@ struct TileSums {
 /// Samples whose sum 16 bits hold.
 constexpr int64_t kPartSamples = 256;
 
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void addPart(uint16_t* part, const uint8_t* bytes, int32_t count, uint16_t times) {
     for (int32_t i = 0; i < count; ++i) part[i] = static_cast<uint16_t>(part[i] + bytes[i] * times);
 }
 
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void addTotal(uint32_t* total, const uint8_t* bytes, int32_t count, uint32_t times) {
     for (int32_t i = 0; i < count; ++i) total[i] += bytes[i] * times;
 }
 
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void emptyParts(TileSums& sums, int32_t count) {
     for (int32_t i = 0; i < count; ++i) {
         sums.total[i] += sums.part[i];
@@ -119,7 +119,7 @@ void addStop(TileSums& sums, const uint8_t* bytes, int32_t count, int64_t sample
     sums.held += samples;
 }
 
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void addWeights(float* weight, const float* units, int32_t count) {
     for (int32_t i = 0; i < count; ++i) weight[i] += units[i];
 }

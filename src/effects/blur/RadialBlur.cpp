@@ -1,7 +1,7 @@
 #include <cmath>
 #include <new>
 
-#include "core/Clones.h"
+#include "core/VectorLevels.h"
 #include "effects/blur/PathBlur.h"
 #include "kernels/path/PathTile.h"
 
@@ -73,7 +73,7 @@ struct TileCircles {
 };
 
 /// Turns every circle of a tile by one angle; returns whether any place is in doubt.
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 bool turn(const TileCircles& circles, int32_t count, double cosine, double sine, Point centre, int32_t width,
           int32_t height, double error, TilePlaces& places) {
     const double centreX = centre.x, centreY = centre.y;

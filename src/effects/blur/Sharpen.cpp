@@ -2,11 +2,11 @@
 
 #include <cstdlib>
 
-#include "core/Clones.h"
 #include "core/ImageCopy.h"
 #include "core/PixelWord.h"
+#include "core/VectorLevels.h"
 #include "effects/blur/BlurEffects.h"
-#include "kernels/blend/ByteMix.h"
+#include "kernels/blend/BlendWithCopy.h"
 #include "kernels/blur/ChromaImage.h"
 #include "kernels/blur/TentBlur.h"
 #include "kernels/curve/EdgeGain.h"
@@ -23,14 +23,14 @@ uint8_t sharpened(int32_t sharp, int32_t blurred, const Gain& gain, int32_t thre
 }
 
 template <class Gain>
-KRL_WIDE_CLONES void sharpenBytes(const uint8_t* sharp, const uint8_t* blurred, Gain gain, int32_t threshold,
-                                  uint8_t* out, int32_t count) {
+KRL_VECTOR_LEVELS void sharpenBytes(const uint8_t* sharp, const uint8_t* blurred, Gain gain,
+                                    int32_t threshold, uint8_t* out, int32_t count) {
     for (int32_t i = 0; i < count; ++i) out[i] = sharpened(sharp[i], blurred[i], gain, threshold);
 }
 
 /// Sharpens byte 2 of each word by byte 3.
 template <class Gain>
-KRL_WIDE_CLONES void sharpenLuma(Pixel* words, ptrdiff_t count, Gain gain, int32_t threshold) {
+KRL_VECTOR_LEVELS void sharpenLuma(Pixel* words, ptrdiff_t count, Gain gain, int32_t threshold) {
     for (ptrdiff_t i = 0; i < count; ++i) {
         const uint32_t word = wordOf(words[i]);
         const uint8_t luma = sharpened(byteAt(word, 16), byteAt(word, 24), gain, threshold);
@@ -60,7 +60,7 @@ Status sharpenBrightness(ImageEngine& engine, int32_t radius, float amount, int3
     if (radius > 0)
         TentBlur(engine.getThreadCount()).blurAlpha(chroma.data(), image.height, image.width, radius);
     const Status status = withGain(amount, [&](auto gain) {
-        return chroma.forEachWordRun(
+        return chroma.forEachWordSpan(
             engine, [=](Pixel* first, Pixel* last) { sharpenLuma(first, last - first, gain, threshold); });
     });
     return status ? status : chroma.merge(engine);

@@ -1,6 +1,6 @@
 #include <cmath>
 
-#include "core/Clones.h"
+#include "core/VectorLevels.h"
 #include "effects/blur/PathBlur.h"
 #include "kernels/path/PathTile.h"
 
@@ -54,7 +54,7 @@ struct Zoom {
 };
 
 /// Places sample `k` of every ray of a tile that has as many; returns whether any place is in doubt.
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 bool advance(const TileRays& rays, int32_t pixels, int32_t k, const Zoom& zoom, TilePlaces& places) {
     const double pointX = zoom.point.x + 0.5, pointY = zoom.point.y + 0.5, walked = zoom.step * k;
     int32_t any = 0;
@@ -112,7 +112,7 @@ private:
         for (int64_t first = 0; first < counts_[i];) {
             const int32_t offset = ray.offsetAt(first, source_);
             const int64_t end =
-                endOfRun(first, counts_[i], [&](int64_t k) { return ray.offsetAt(k, source_) == offset; });
+                endOfSpan(first, counts_[i], [&](int64_t k) { return ray.offsetAt(k, source_) == offset; });
             sums_.addRepeatedly(i, offset, end - first);
             first = end;
         }

@@ -1,10 +1,10 @@
 #include "effects/colour/ColourEffects.h"
 
-#include "core/Clones.h"
 #include "core/Numbers.h"
+#include "core/VectorLevels.h"
 #include "effects/colour/BlackBody.h"
-#include "kernels/colour/ColourBlock.h"
-#include "kernels/colour/HsvBlock.h"
+#include "kernels/colour/ColourLanes.h"
+#include "kernels/colour/HsvLanes.h"
 #include "kernels/curve/ByteCurve.h"
 
 namespace krl {
@@ -34,7 +34,7 @@ Status colourTemperature(ImageEngine& engine, float tempShift) {
     return applyCurves(engine, {lit(light.blue), lit(light.green), lit(light.red)});
 }
 
-Status desaturate(ImageEngine& engine) { return forEachPixelRun(engine, takeMeans); }
+Status desaturate(ImageEngine& engine) { return forEachSpan(engine, takeMeans); }
 
 Status sepia(ImageEngine& engine) {
     if (Status state = engine.imageStatus()) return state;
@@ -49,8 +49,8 @@ Status sepia(ImageEngine& engine) {
 namespace {
 
 /// Moves each lane of `from` towards `to` by `opacity` of 256; bits above the low byte are no matter.
-KRL_WIDE_CLONES void mixLanes(int32_t (&from)[kBlockPixels], const int32_t (&to)[kBlockPixels],
-                              int32_t opacity) {
+KRL_VECTOR_LEVELS void mixLanes(int32_t (&from)[kBlockPixels], const int32_t (&to)[kBlockPixels],
+                                int32_t opacity) {
     for (size_t i = 0; i < kBlockPixels; ++i)
         from[i] = wrapAdd(from[i], wrapMultiply(to[i] - from[i], opacity) >> 8);
 }
@@ -65,8 +65,8 @@ struct GreyWeights {
     double divisor;
 };
 
-KRL_WIDE_CLONES void weigh(const ColourBlock& colours, const GreyWeights& weights,
-                           int32_t (&greys)[kBlockPixels]) {
+KRL_VECTOR_LEVELS void weigh(const ColourLanes& colours, const GreyWeights& weights,
+                             int32_t (&greys)[kBlockPixels]) {
     for (size_t i = 0; i < kBlockPixels; ++i) {
         const float green = float(colours.green[i]) * weights.green;
         const float blue = float(colours.blue[i]) * weights.blue;
@@ -82,7 +82,7 @@ Status desaturatePro(ImageEngine& engine, float red, float green, float blue, in
                      bool equalise) {
     const auto sum = static_cast<float>(double(green) + blue + red);
     const GreyWeights weights = {red, green, blue, equalise && sum != 0.0f ? sum : 1.0};
-    return forEachColourBlock(engine, [=](ColourBlock& colours) {
+    return forEachLaneBatch(engine, [=](ColourLanes& colours) {
         int32_t greys[kBlockPixels];
         weigh(colours, weights, greys);
         mixLanes(colours.blue, greys, opacity);
@@ -93,7 +93,7 @@ Status desaturatePro(ImageEngine& engine, float red, float green, float blue, in
 
 namespace {
 
-using Lanes = int32_t (ColourBlock::*)[kBlockPixels];
+using Lanes = int32_t (ColourLanes::*)[kBlockPixels];
 
 /// Where each channel comes from.
 struct ChannelSources {
@@ -101,7 +101,7 @@ struct ChannelSources {
 };
 
 ChannelSources channelSources(ChannelOrder order) {
-    constexpr Lanes red = &ColourBlock::red, green = &ColourBlock::green, blue = &ColourBlock::blue;
+    constexpr Lanes red = &ColourLanes::red, green = &ColourLanes::green, blue = &ColourLanes::blue;
     switch (order) {
         case ChannelOrder::RBG:
             return {red, blue, green};
@@ -124,8 +124,8 @@ ChannelSources channelSources(ChannelOrder order) {
 Status rgbChannelSwap(ImageEngine& engine, ChannelOrder channel, int32_t opacity) {
     if (channel == ChannelOrder::RGB) return engine.imageStatus();
     const ChannelSources sources = channelSources(channel);
-    return forEachColourBlock(engine, [=](ColourBlock& colours) {
-        const ColourBlock before = colours;
+    return forEachLaneBatch(engine, [=](ColourLanes& colours) {
+        const ColourLanes before = colours;
         mixLanes(colours.red, before.*sources.red, opacity);
         mixLanes(colours.green, before.*sources.green, opacity);
         mixLanes(colours.blue, before.*sources.blue, opacity);

@@ -1,7 +1,7 @@
 #include "effects/composite/Composite.h"
 
-#include "kernels/blend/BlendRun.h"
-#include "kernels/blend/Chunks.h"
+#include "kernels/blend/BlockPixels.h"
+#include "kernels/blend/BlendFunction.h"
 
 namespace krl {
 
@@ -11,8 +11,8 @@ Status composite(ImageEngine& engine, const SecondImage& foreground, BlendMode b
     if (!foreground.pixels) return kStatusNoPixels;
     if (!engine.hasSizeOf(foreground)) return kStatusForegroundSize;
     const bool straight = backgroundAlpha == AlphaRule::BackgroundAlphaYes;
-    const BlendRun blend = straight ? overBlendRun(blendMethod) : shiftBlendRun(blendMethod);
-    return forEachRunBeside(engine, foreground, [&](Pixel* pixels, size_t count, const Pixel* front) {
+    const BlendFunction blend = straight ? overBlendSpan(blendMethod) : shiftBlendSpan(blendMethod);
+    return forEachSpanBeside(engine, foreground, [&](Pixel* pixels, size_t count, const Pixel* front) {
         blend(pixels, front, count, engine.tables());
     });
 }

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "core/Bands.h"
-#include "kernels/blend/BlendRun.h"
-#include "kernels/blend/Chunks.h"
+#include "kernels/blend/BlockPixels.h"
+#include "kernels/blend/BlendFunction.h"
 #include "kernels/blur/TentBlur.h"
 #include "kernels/ramp/Curve.h"
 
@@ -63,9 +63,9 @@ GleamStages::GleamStages(const ImageEngine& engine, const SecondImage& foregroun
 Status GleamStages::extractLight(Scratch<Pixel>& light) const {
     const ByteCurve levels = gleamLevels(settings_.blackPoint, settings_.whitePoint);
     std::fill(light.begin() + pixelsBeside(*engine_.buffer(), foreground_), light.end(), Pixel{0, 0, 0, 0});
-    return forEachRunBeside(engine_, foreground_, [&](Pixel* pixels, size_t count, const Pixel* front) {
+    return forEachSpanBeside(engine_, foreground_, [&](Pixel* pixels, size_t count, const Pixel* front) {
         Pixel* out = light.data() + (pixels - engine_.buffer()->row(0));
-        forEachChunk(count, [&](size_t start, size_t chunk) {
+        forEachBatch(count, [&](size_t start, size_t chunk) {
             Pixel *first = out + start, *last = first + chunk;
             std::copy_n(front + start, chunk, first);
             if (colourises()) takeMeans(first, last);
@@ -77,7 +77,7 @@ Status GleamStages::extractLight(Scratch<Pixel>& light) const {
 Status GleamStages::colourise(Scratch<Pixel>& light) const {
     const ColourCurve curve({settings_.colorList.begin(), settings_.colorList.end()}, 255);
     const LookupTables& tables = engine_.tables();
-    return forEachPixelRun(engine_, [&](Pixel* first, Pixel* last) {
+    return forEachSpan(engine_, [&](Pixel* first, Pixel* last) {
         Pixel* pixels = light.data() + (first - engine_.buffer()->row(0));
         for (ptrdiff_t i = 0; i < last - first; ++i) {
             const Pixel p = pixels[i];
@@ -94,12 +94,12 @@ Status GleamStages::layBoth(const Scratch<Pixel>& light) const {
     const ColourCurves colours = lightCurves(settings_, engine_.tables());
     const ByteCurve frontAlpha = alphaAtOpacity(settings_.compositeTransparency);
     const ByteCurve lightAlpha = alphaAtOpacity(settings_.transparency);
-    const BlendRun layFront = shiftBlendRun(settings_.compositeBlendMethod);
-    const BlendRun layLight = shiftBlendRun(settings_.blendMethod);
-    return forEachRunBeside(engine_, foreground_, [&](Pixel* pixels, size_t count, const Pixel* front) {
+    const BlendFunction layFront = shiftBlendSpan(settings_.compositeBlendMethod);
+    const BlendFunction layLight = shiftBlendSpan(settings_.blendMethod);
+    return forEachSpanBeside(engine_, foreground_, [&](Pixel* pixels, size_t count, const Pixel* front) {
         const Pixel* shine = light.data() + (pixels - engine_.buffer()->row(0));
-        forEachChunk(count, [&](size_t start, size_t chunk) {
-            Pixel faded[kChunkPixels];
+        forEachBatch(count, [&](size_t start, size_t chunk) {
+            Pixel faded[kBatchPixels];
             Pixel* last = faded + chunk;
             std::copy_n(front + start, chunk, faded);
             applyCurveTo<3>(faded, last, frontAlpha);

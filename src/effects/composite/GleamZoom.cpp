@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "effects/composite/ZoomRays.h"
-#include "kernels/blend/Chunks.h"
+#include "kernels/blend/BlockPixels.h"
 
 namespace krl {
 

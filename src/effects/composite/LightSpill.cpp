@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <span>
 
-#include "core/Clones.h"
 #include "core/PixelWord.h"
 #include "core/Scratch.h"
-#include "kernels/blend/BlendRun.h"
-#include "kernels/blend/Chunks.h"
+#include "core/VectorLevels.h"
+#include "kernels/blend/BlockPixels.h"
+#include "kernels/blend/BlendFunction.h"
 #include "kernels/blur/TentBlur.h"
 
 namespace krl {
@@ -15,7 +15,7 @@ namespace krl {
 namespace {
 
 /// Colours of `pixels` with an alpha of what `beside` leaves open.
-KRL_STREAM_CLONES void copyOpenings(Pixel* __restrict out, const Pixel* __restrict pixels,
+KRL_STREAM_LEVELS void copyOpenings(Pixel* __restrict out, const Pixel* __restrict pixels,
                                     const Pixel* __restrict beside, size_t count) {
     for (size_t i = 0; i < count; ++i)
         storeWord(out[i], (wordOf(pixels[i]) & 0x00FFFFFFu) | (~wordOf(beside[i]) & 0xFF000000u));
@@ -27,7 +27,7 @@ Status copyWithHoles(const ImageEngine& engine, const SecondImage& background, S
     const std::span<const Pixel> block(image.row(0), image.bytes() / sizeof(Pixel));
     const ptrdiff_t beyond = pixelsBeside(image, background);
     std::copy(block.begin() + beyond, block.end(), light.begin() + beyond);
-    return forEachRunBeside(engine, background, [&](Pixel* pixels, size_t count, const Pixel* beside) {
+    return forEachSpanBeside(engine, background, [&](Pixel* pixels, size_t count, const Pixel* beside) {
         copyOpenings(light.data() + (pixels - image.row(0)), pixels, beside, count);
     });
 }
@@ -44,11 +44,12 @@ Status lightSpillComposite(ImageEngine& engine, const SecondImage& background, i
     if (Status status = copyWithHoles(engine, background, light)) return status;
     if (blur > 0) TentBlur(engine.getThreadCount()).blurRGBA(light.data(), image.height, image.width, blur);
 
-    const BlendRun layLight = shiftBlendRun(blendMethod), layOnImage = shiftBlendRun(BlendMode::Normal);
-    return forEachRunBeside(engine, background, [&](Pixel* pixels, size_t count, const Pixel* beside) {
+    const BlendFunction layLight = shiftBlendSpan(blendMethod),
+                        layOnImage = shiftBlendSpan(BlendMode::Normal);
+    return forEachSpanBeside(engine, background, [&](Pixel* pixels, size_t count, const Pixel* beside) {
         const Pixel* shine = light.data() + (pixels - image.row(0));
-        forEachChunk(count, [&](size_t start, size_t chunk) {
-            Pixel lit[kChunkPixels];
+        forEachBatch(count, [&](size_t start, size_t chunk) {
+            Pixel lit[kBatchPixels];
             std::copy_n(beside + start, chunk, lit);
             layLight(lit, shine + start, chunk, engine.tables());
             layOnImage(pixels + start, lit, chunk, engine.tables());

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <vector>
 
-#include "core/Clones.h"
 #include "core/ImageCopy.h"
 #include "core/PixelWord.h"
-#include "kernels/blend/BlendRun.h"
-#include "kernels/blend/Chunks.h"
+#include "core/VectorLevels.h"
+#include "kernels/blend/BlockPixels.h"
+#include "kernels/blend/BlendFunction.h"
 #include "kernels/blur/TentBlur.h"
 #include "kernels/curve/ByteCurve.h"
 #include "kernels/ramp/Curve.h"
@@ -31,17 +31,17 @@ std::vector<RampColour> alphaRamp(std::span<const CurveKey> colours) {
 }
 
 /// Makes all four bytes of each pixel its alpha.
-KRL_STREAM_CLONES void spreadAlphas(Pixel* pixels, size_t count) {
+KRL_STREAM_LEVELS void spreadAlphas(Pixel* pixels, size_t count) {
     for (size_t i = 0; i < count; ++i) storeWord(pixels[i], (wordOf(pixels[i]) >> 24) * 0x01010101u);
 }
 
 /// Gives all of a run of pixels one colour.
-KRL_STREAM_CLONES void fillColour(Pixel* pixels, size_t count, uint32_t colour) {
+KRL_STREAM_LEVELS void fillColour(Pixel* pixels, size_t count, uint32_t colour) {
     for (size_t i = 0; i < count; ++i) storeWord(pixels[i], (wordOf(pixels[i]) & 0xFF000000u) | colour);
 }
 
 /// Copies the pixels that are not quite clear.
-KRL_STREAM_CLONES void copySeen(Pixel* __restrict out, const Pixel* __restrict pixels, size_t count) {
+KRL_STREAM_LEVELS void copySeen(Pixel* __restrict out, const Pixel* __restrict pixels, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const uint32_t word = wordOf(pixels[i]), kept = wordOf(out[i]);
         storeWord(out[i], word >> 24 == 0 ? kept : word);
@@ -55,9 +55,9 @@ Status colourByAlpha(const ImageEngine& engine, uint8_t* block, std::span<const 
         return byteCurve([&](int32_t alpha) { return ramp[static_cast<size_t>(alpha)][channel]; });
     };
     const ColourCurves curves{curve(0), curve(1), curve(2)};
-    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
+    return forEachSpan(engine, [&](Pixel* first, Pixel* last) {
         Pixel* pixels = reinterpret_cast<Pixel*>(block) + (first - engine.buffer()->row(0));
-        forEachChunk(static_cast<size_t>(last - first), [&](size_t start, size_t count) {
+        forEachBatch(static_cast<size_t>(last - first), [&](size_t start, size_t count) {
             spreadAlphas(pixels + start, count);
             applyCurves(pixels + start, pixels + start + count, curves);
         });
@@ -105,18 +105,18 @@ void layCore(const ImageEngine& engine, const ImageCopy& core, PartColour outerC
     const auto& scaled = engine.tables().remainderScale[clampByte(coreTransparency)];
     const ByteCurve levels = glowLevels(clampByte(intensity));
     const ByteCurve coreAlpha = byteCurve([&](int32_t alpha) { return scaled[alpha]; });
-    const BlendRun layOverRun = overBlendRun(BlendMode::Normal);
+    const BlendFunction layOverSpan = overBlendSpan(BlendMode::Normal);
     Pixel* pixels = image.row(0);
     const Pixel* inner = core.row(0);
-    forEachChunk(image.bytes() / sizeof(Pixel), [&](size_t start, size_t count) {
-        Pixel halo[kChunkPixels], heart[kChunkPixels];
+    forEachBatch(image.bytes() / sizeof(Pixel), [&](size_t start, size_t count) {
+        Pixel halo[kBatchPixels], heart[kBatchPixels];
         std::copy_n(pixels + start, count, halo);
         outerColour.paint(halo, count);
         applyCurveTo<0, 1, 2>(halo, halo + count, levels);
         std::copy_n(inner + start, count, heart);
         coreColour.paint(heart, count);
         applyCurveTo<3>(heart, heart + count, coreAlpha);
-        layOverRun(halo, heart, count, engine.tables());
+        layOverSpan(halo, heart, count, engine.tables());
         copySeen(pixels + start, halo, count);  // what stays clear keeps its colour
     });
 }

@@ -1,5 +1,5 @@
-#include "core/Clones.h"
 #include "core/ImageCopy.h"
+#include "core/VectorLevels.h"
 #include "effects/edges/Edges.h"
 #include "kernels/blur/TentBlur.h"
 #include "kernels/neighbour/Gradient3x3.h"
@@ -48,9 +48,9 @@ struct CannyBytes {
     }
 };
 
-KRL_WIDE_CLONES
-void cannyRun(const Pixel* above, const Pixel* at, const Pixel* below, int32_t count, int32_t threshold,
-              Pixel* fresh) {
+KRL_VECTOR_LEVELS
+void cannySpan(const Pixel* above, const Pixel* at, const Pixel* below, int32_t count, int32_t threshold,
+               Pixel* fresh) {
     const CannyBytes canny{firstByte(above), firstByte(at), firstByte(below), threshold};
     uint8_t* out = firstByte(fresh);
     for (int64_t i = 0; i < int64_t(count) * 4; ++i) out[i] = canny(i);
@@ -74,7 +74,7 @@ Status cannyEdgeDetect(ImageEngine& engine, int32_t blurAmount, int32_t threshol
     const int32_t least = clampTo(threshold, -1, 256);
     return filterInner(engine, copy.view(), ChannelMask(target),
                        [=](const Pixel* above, const Pixel* at, const Pixel* below, int32_t count,
-                           Pixel* fresh) { cannyRun(above, at, below, count, least, fresh); });
+                           Pixel* fresh) { cannySpan(above, at, below, count, least, fresh); });
 }
 
 }  // namespace krl

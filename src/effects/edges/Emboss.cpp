@@ -1,7 +1,7 @@
 #include <cmath>
 
-#include "core/Clones.h"
 #include "core/ImageCopy.h"
+#include "core/VectorLevels.h"
 #include "effects/edges/Edges.h"
 #include "kernels/neighbour/Gradient3x3.h"
 
@@ -57,7 +57,7 @@ struct ShadeTerms {
     float dot[kRun], length[kRun];
 };
 
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void gatherTerms(const uint8_t* above, const uint8_t* at, const uint8_t* below, int32_t count,
                  const Light& light, ShadeTerms& terms) {
     const auto x = float(light.x), y = float(light.y), upright = float(light.depth * light.z);
@@ -76,7 +76,7 @@ void gatherTerms(const uint8_t* above, const uint8_t* at, const uint8_t* below, 
 
 /// Divides in single precision. A quotient is wrong by less than `kDoubt`, so only one that lies that
 /// near a whole number is in doubt; returns whether any does, and tells which.
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 bool divideTerms(const ShadeTerms& terms, int32_t count, uint8_t* shades, uint8_t* doubts) {
     constexpr float kDoubt = 1e-4f;
     uint8_t any = 0;
@@ -91,8 +91,8 @@ bool divideTerms(const ShadeTerms& terms, int32_t count, uint8_t* shades, uint8_
     return any != 0;
 }
 
-void shadeRun(const uint8_t* above, const uint8_t* at, const uint8_t* below, int32_t count,
-              const Light& light, uint8_t* shades) {
+void shadeSpan(const uint8_t* above, const uint8_t* at, const uint8_t* below, int32_t count,
+               const Light& light, uint8_t* shades) {
     ShadeTerms terms;
     uint8_t doubts[kRun];
     gatherTerms(above, at, below, count, light, terms);
@@ -133,7 +133,7 @@ Status emboss(ImageEngine& engine, int32_t strength, float azimuth, float elevat
         for (int32_t i = 0; i < count * 4; i += kRun) {
             const int32_t run = std::min(kRun, count * 4 - i);
             if (light.isOrdinary())
-                shadeRun(up + i, row + i, down + i, run, light, out + i);
+                shadeSpan(up + i, row + i, down + i, run, light, out + i);
             else
                 for (int32_t j = i; j < i + run; ++j)
                     out[j] = shadeOf(light, slopeAt(up + j, row + j, down + j));

@@ -1,6 +1,6 @@
 #include "core/ChannelMask.h"
-#include "core/Clones.h"
 #include "core/ImageCopy.h"
+#include "core/VectorLevels.h"
 #include "effects/edges/Edges.h"
 #include "kernels/blend/AlphaScale.h"
 #include "kernels/blur/TentBlur.h"
@@ -23,7 +23,7 @@ Status spreadOfRows(const ImageEngine& engine, const ImageBuffer& lowest, const 
     });
 }
 
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void spreadsOf(const uint8_t* largest, const uint8_t* smallest, int32_t count, uint8_t* spreads) {
     for (int32_t i = 0; i < count; ++i) spreads[i] = static_cast<uint8_t>(largest[i] - smallest[i]);
 }
@@ -35,7 +35,7 @@ Status spreadOfColumns(const ImageEngine& engine, const ImageBuffer& lowest, con
     const LineWindow window = LineWindow::centred(half, image.height);
     const int64_t tailRows = std::min(window.length, image.height);
     const ChannelMask mask(ChannelTarget::RGB);
-    return forEachColumnRun(engine, 2 * tailRows, [&](IndexRange columns, Pixel* room) {
+    return forEachColumnSpan(engine, 2 * tailRows, [&](IndexRange columns, Pixel* room) {
         const int32_t width = columns.last - columns.first;
         ColumnWindows<Smallest> smallest(lowest, columns, window, room);
         ColumnWindows<Largest> largest(highest, columns, window, room + tailRows * width);

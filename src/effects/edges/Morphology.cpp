@@ -34,7 +34,7 @@ Status spreadInTwoPasses(const ImageEngine& engine, ChannelMask mask, int32_t ha
         });
     if (rows) return rows;
     const LineWindow window = LineWindow::seededLate(half, image.height);
-    return forEachColumnRun(
+    return forEachColumnSpan(
         engine, std::min(window.length, image.height), [&](IndexRange columns, Pixel* tails) {
             ColumnWindows<Extreme> windows(between.view(), columns, window, tails);
             for (int32_t y = 0; y < image.height; ++y)

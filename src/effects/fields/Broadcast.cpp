@@ -8,7 +8,7 @@ namespace {
 
 /// Calls `move(partPixel, wholePixel)` for every pixel of every whole block, in the rows' order.
 template <class Part, class Whole, class Move>
-void forEachBlockPixel(std::span<const Part> parts, const Whole& whole, Move&& move) {
+void forEachLane(std::span<const Part> parts, const Whole& whole, Move&& move) {
     const int32_t factor = broadcastFactor(int32_t(parts.size()));
     const ImageInfo& size = parts.front().info;
     for (int32_t y = 0; y < size.height * factor; ++y)
@@ -46,7 +46,7 @@ Status broadcastSplit(const ImageEngine& engine, std::span<const NewImage> parts
     const auto fits = [&](const NewImage& part) { return part.pixels && hasSize(part.info, expected); };
     if (!std::ranges::all_of(parts, fits)) return kStatusRefused;
 
-    forEachBlockPixel(parts, *engine.buffer(), [](Pixel& part, const Pixel& whole) { part = whole; });
+    forEachLane(parts, *engine.buffer(), [](Pixel& part, const Pixel& whole) { part = whole; });
     return kStatusOk;
 }
 
@@ -68,7 +68,7 @@ Status broadcastCombine(std::span<const SecondImage> parts, const NewImage& whol
     if (Status size = broadcastWholeSize(parts, expected)) return size;
     if (!whole.pixels || !hasSize(whole.info, expected)) return kStatusRefused;
 
-    forEachBlockPixel(parts, whole, [](const Pixel& part, Pixel& joined) { joined = part; });
+    forEachLane(parts, whole, [](const Pixel& part, Pixel& joined) { joined = part; });
     return kStatusOk;
 }
 

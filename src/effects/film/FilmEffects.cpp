@@ -7,13 +7,13 @@
 
 #include "core/Bands.h"
 #include "core/ByteArithmetic.h"
-#include "core/Clones.h"
 #include "core/ImageCopy.h"
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
-#include "kernels/blend/ByteMix.h"
+#include "core/VectorLevels.h"
+#include "kernels/blend/BlendWithCopy.h"
 #include "kernels/blur/TentBlur.h"
-#include "kernels/colour/HsvBlock.h"
+#include "kernels/colour/HsvLanes.h"
 #include "kernels/curve/ByteCurve.h"
 #include "kernels/ramp/Curve.h"
 
@@ -39,21 +39,21 @@ private:
 };
 
 /// Multiplies every saturation, limited to 0..1.
-KRL_WIDE_CLONES void scaleSaturations(float (&saturations)[kBlockPixels], float factor) {
+KRL_VECTOR_LEVELS void scaleSaturations(float (&saturations)[kBlockPixels], float factor) {
     for (float& saturation : saturations)
         saturation = static_cast<float>(clampUnit(double{saturation} * factor));
 }
 
 /// The same for colours. Channels come back truncated.
-void saturate(ColourBlock& colours, float factor) {
-    HsvBlock hsv;
+void saturate(ColourLanes& colours, float factor) {
+    HsvLanes hsv;
     toHsv(colours, hsv);
     scaleSaturations(hsv.saturation, factor);
     fromHsv(hsv, colours, 0.0);
 }
 
 /// Means of the three colours.
-KRL_WIDE_CLONES void meansOf(const ColourBlock& colours, int32_t (&means)[kBlockPixels]) {
+KRL_VECTOR_LEVELS void meansOf(const ColourLanes& colours, int32_t (&means)[kBlockPixels]) {
     for (size_t i = 0; i < kBlockPixels; ++i)
         means[i] = static_cast<int32_t>(
             thirdOf(static_cast<uint32_t>(colours.blue[i] + colours.green[i] + colours.red[i])));
@@ -67,7 +67,7 @@ void printThrough(int32_t (&lanes)[kBlockPixels], const PairTable& table,
 }
 
 /// How far along a ramp each lane stands by its luma, 0 to 1.
-KRL_WIDE_CLONES void placesByLuma(const ColourBlock& colours, float (&places)[kBlockPixels]) {
+KRL_VECTOR_LEVELS void placesByLuma(const ColourLanes& colours, float (&places)[kBlockPixels]) {
     for (size_t i = 0; i < kBlockPixels; ++i) {
         const float blue = static_cast<float>(colours.blue[i] * 114) / 1000.0f;
         const float green = static_cast<float>(colours.green[i] * 587) / 1000.0f;
@@ -79,8 +79,8 @@ KRL_WIDE_CLONES void placesByLuma(const ColourBlock& colours, float (&places)[kB
 
 /// Mixes the lanes of one colour with the samples at their places. A place lies within 0..1, so its
 /// index lies within the list.
-KRL_WIDE_CLONES void mixWithRamp(int32_t (&lanes)[kBlockPixels], const float (&places)[kBlockPixels],
-                                 const CurveSample* samples, int32_t last, double share) {
+KRL_VECTOR_LEVELS void mixWithRamp(int32_t (&lanes)[kBlockPixels], const float (&places)[kBlockPixels],
+                                   const CurveSample* samples, int32_t last, double share) {
     int32_t indices[kBlockPixels], values[kBlockPixels];
     for (size_t i = 0; i < kBlockPixels; ++i) indices[i] = static_cast<int32_t>(double(last) * places[i]);
     for (size_t i = 0; i < kBlockPixels; ++i) values[i] = samples[indices[i]].value;
@@ -120,8 +120,8 @@ struct Night {
 
 /// Makes night of up to `Night::kLanes` bytes and their blurs: mixes and tints them, screens back what was
 /// bright, and mixes again. Alpha takes the first mix.
-KRL_WIDE_CLONES void darken(const Night& night, const uint8_t* sharp, const uint8_t* soft, uint8_t* out,
-                            int32_t count) {
+KRL_VECTOR_LEVELS void darken(const Night& night, const uint8_t* sharp, const uint8_t* soft, uint8_t* out,
+                              int32_t count) {
     const uint16_t sharpLevel = night.sharpLevel, highlightLevel = night.highlightLevel;
     for (int32_t i = 0; i < count; ++i) {
         const uint8_t mixed = shiftToward(soft[i], sharp[i], sharpLevel);
@@ -146,7 +146,7 @@ Status bleachBypass(ImageEngine& engine, int32_t opacity, float contrast, float 
                tables.scaleByte[255 - laid][byte];
     });
     const auto colourfulness = static_cast<float>(clampTo<double>(saturation, 0.0, 2.0));
-    return forEachColourBlock(engine, [&](ColourBlock& colours) {
+    return forEachLaneBatch(engine, [&](ColourLanes& colours) {
         int32_t means[kBlockPixels];
         meansOf(colours, means);
         printThrough(colours.blue, print, means);
@@ -182,7 +182,7 @@ Status dayForNight(ImageEngine& engine, int32_t blur, float blurOpacity, Colour 
             Pixel *first = reinterpret_cast<Pixel*>(out), *last = first + count / 4;
             applyCurveTo<0, 1, 2>(first, last, tone);
             if (colourfulness != 1.0f)
-                recolourBlocks(first, last, [=](ColourBlock& colours) { saturate(colours, colourfulness); });
+                recolourLanes(first, last, [=](ColourLanes& colours) { saturate(colours, colourfulness); });
         });
 }
 
@@ -236,7 +236,7 @@ Status multiColourise(ImageEngine& engine, std::span<const CurveKey> colourValue
         const std::span<const CurveSample> samples = curve.samples(channel);
         mixWithRamp(lanes, places, samples.data(), static_cast<int32_t>(samples.size()) - 1, share);
     };
-    return forEachColourBlock(engine, [&](ColourBlock& colours) {
+    return forEachLaneBatch(engine, [&](ColourLanes& colours) {
         float places[kBlockPixels];
         placesByLuma(colours, places);
         mix(colours.blue, places, 0);

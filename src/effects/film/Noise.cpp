@@ -6,11 +6,11 @@
 
 #include "core/Bands.h"
 #include "core/ByteArithmetic.h"
-#include "core/Clones.h"
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
 #include "core/PixelWord.h"
 #include "core/Random.h"
+#include "core/VectorLevels.h"
 #include "effects/film/SmoothNoise.h"
 #include "kernels/curve/ByteCurve.h"
 
@@ -48,18 +48,18 @@ inline void applyNoise(Pixel* pixels, ptrdiff_t count, const int32_t* shifts) {
 }
 
 /// The numbers of a block: a draw each, evenly spread around 0.
-KRL_WIDE_CLONES void drawShifts(RandomRun& draws, DrawRemainder remainder, int32_t half, int32_t* shifts) {
+KRL_VECTOR_LEVELS void drawShifts(RandomRun& draws, DrawRemainder remainder, int32_t half, int32_t* shifts) {
     for (ptrdiff_t i = 0; i < kNoiseBlock; i += ptrdiff_t(RandomRun::kLanes)) draws.next(shifts + i);
     for (ptrdiff_t i = 0; i < kNoiseBlock; ++i) shifts[i] = wrapSubtract(remainder(shifts[i]), half);
 }
 
-KRL_WIDE_CLONES void noisePixels(Pixel* pixels, ptrdiff_t count, const int32_t* shifts) {
+KRL_VECTOR_LEVELS void noisePixels(Pixel* pixels, ptrdiff_t count, const int32_t* shifts) {
     applyNoise<true, true>(pixels, count, shifts);
 }
-KRL_WIDE_CLONES void noiseColours(Pixel* pixels, ptrdiff_t count, const int32_t* shifts) {
+KRL_VECTOR_LEVELS void noiseColours(Pixel* pixels, ptrdiff_t count, const int32_t* shifts) {
     applyNoise<true, false>(pixels, count, shifts);
 }
-KRL_WIDE_CLONES void noiseAlpha(Pixel* pixels, ptrdiff_t count, const int32_t* shifts) {
+KRL_VECTOR_LEVELS void noiseAlpha(Pixel* pixels, ptrdiff_t count, const int32_t* shifts) {
     applyNoise<false, true>(pixels, count, shifts);
 }
 
@@ -73,7 +73,7 @@ Status noise(ImageEngine& engine, float varience, int32_t seed, ChannelTarget ta
     const auto apply = target == ChannelTarget::RGBA  ? noisePixels
                        : target == ChannelTarget::RGB ? noiseColours
                                                       : noiseAlpha;
-    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
+    return forEachSpan(engine, [&](Pixel* first, Pixel* last) {
         // A band reads one draw for each pixel of a sequence that has one for each byte.
         Random random(seed);
         random.skip(uint64_t{4} * static_cast<uint64_t>(first - engine.buffer()->row(0)));
@@ -119,7 +119,7 @@ float reciprocalOf(float frequency) {
 }
 
 /// Luma of a run of pixels, truncated.
-KRL_WIDE_CLONES void lumasOf(const Pixel* pixels, int32_t count, uint8_t* lumas) {
+KRL_VECTOR_LEVELS void lumasOf(const Pixel* pixels, int32_t count, uint8_t* lumas) {
     for (int32_t x = 0; x < count; ++x) {
         const uint32_t word = wordOf(pixels[x]);
         const float blue = static_cast<float>(byteAt(word, 0) * 114) / 1000.0f;
@@ -136,8 +136,8 @@ struct GrainRow {
 
 /// Mixes the colours of a run of pixels with grained ones, each `shown` in 255ths; rows in the order
 /// blue, green, red.
-KRL_WIDE_CLONES void mixGrain(Pixel* pixels, int32_t count, const uint8_t* const (&grained)[3],
-                              const uint8_t* const (&shown)[3]) {
+KRL_VECTOR_LEVELS void mixGrain(Pixel* pixels, int32_t count, const uint8_t* const (&grained)[3],
+                                const uint8_t* const (&shown)[3]) {
     const auto scale = [](uint32_t a, uint32_t b) { return dividedBy255(a * b); };
     const uint8_t *const g0 = grained[0], *const g1 = grained[1], *const g2 = grained[2];
     const uint8_t *const s0 = shown[0], *const s1 = shown[1], *const s2 = shown[2];

@@ -2,14 +2,14 @@
 
 #include <utility>
 
-#include "core/Clones.h"
 #include "core/Numbers.h"
+#include "core/VectorLevels.h"
 
 namespace krl {
 
 namespace {
 
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void mixDown(const float* upper, const float* lower, double upperWeight, double lowerWeight, uint8_t* levels,
              int32_t count) {
     for (int32_t x = 0; x < count; ++x) {
@@ -19,12 +19,12 @@ void mixDown(const float* upper, const float* lower, double upperWeight, double 
 }
 
 /// Lattice values of `count` columns from `firstX` on.
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void hashRow(int32_t firstX, int32_t y, float* values, int32_t count) {
     for (int32_t i = 0; i < count; ++i) values[i] = latticeNoise(wrapAdd(firstX, i), y);
 }
 
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void mixAlongRow(const float* lattice, const int32_t* points, const double* leftWeights,
                  const double* rightWeights, float* out, int32_t count) {
     for (int32_t x = 0; x < count; ++x) {

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <new>
 
-#include "core/Clones.h"
 #include "core/Numbers.h"
+#include "core/VectorLevels.h"
 #include "kernels/colour/ColourSpace.h"
-#include "kernels/colour/HlsBlock.h"
-#include "kernels/colour/HsvBlock.h"
+#include "kernels/colour/HlsLanes.h"
+#include "kernels/colour/HsvLanes.h"
 #include "kernels/curve/EdgeGain.h"
 
 namespace krl {
@@ -47,15 +47,15 @@ HlsChange hueChange(NewHue&& newHue) {
     return change;
 }
 
-KRL_WIDE_CLONES void apply(const HlsChange& change, HlsBlock& hls) {
+KRL_VECTOR_LEVELS void apply(const HlsChange& change, HlsLanes& hls) {
     for (size_t i = 0; i < kBlockPixels; ++i) {
         hls.hue[i] = change.hues[hls.hue[i] + 1];
         hls.lightness[i] = change.lightnesses[hls.lightness[i]];
     }
 }
 
-void recolour(ColourBlock& colours, const HlsChange& change) {
-    HlsBlock hls;
+void recolour(ColourLanes& colours, const HlsChange& change) {
+    HlsLanes hls;
     toHls(colours, hls);
     apply(change, hls);
     fromHls(hls, colours);
@@ -74,21 +74,21 @@ Status recolourSingly(ImageEngine& engine, const HlsChange& change) {
 
 Status recolourByHls(ImageEngine& engine, const HlsChange& change) {
     if (!change.suitsBlocks()) return recolourSingly(engine, change);
-    return forEachColourBlock(engine, [&](ColourBlock& colours) { recolour(colours, change); });
+    return forEachLaneBatch(engine, [&](ColourLanes& colours) { recolour(colours, change); });
 }
 
 /// Moves each lane from what it was as far toward what it became as `gain` says.
 template <class Gain>
-KRL_WIDE_CLONES void blendLanes(int32_t (&became)[kBlockPixels], const int32_t (&was)[kBlockPixels],
-                                Gain gain) {
+KRL_VECTOR_LEVELS void blendLanes(int32_t (&became)[kBlockPixels], const int32_t (&was)[kBlockPixels],
+                                  Gain gain) {
     for (size_t i = 0; i < kBlockPixels; ++i) became[i] = gain(was[i], became[i] - was[i]);
 }
 
 /// The same, mixed with the picture by `density` percent.
 Status recolourByHls(ImageEngine& engine, const HlsChange& change, int32_t density) {
     const auto blend = [&](auto gain) {
-        return forEachColourBlock(engine, [&, gain](ColourBlock& colours) {
-            const ColourBlock before = colours;
+        return forEachLaneBatch(engine, [&, gain](ColourLanes& colours) {
+            const ColourLanes before = colours;
             recolour(colours, change);
             blendLanes(colours.red, before.red, gain);
             blendLanes(colours.green, before.green, gain);

@@ -2,11 +2,11 @@
 #include <cmath>
 #include <vector>
 
-#include "core/Clones.h"
 #include "core/PixelWord.h"
 #include "core/Scratch.h"
+#include "core/VectorLevels.h"
 #include "effects/key/DifferenceKeys.h"
-#include "effects/key/DifferenceRun.h"
+#include "effects/key/DifferenceSpan.h"
 #include "kernels/matte/KeyMatte.h"
 
 namespace krl {
@@ -31,7 +31,7 @@ struct ColourCount {
     int64_t green = 0, blue = 0;
 };
 
-KRL_WIDE_CLONES ColourCount countColours(const Pixel* pixels, int32_t count) {
+KRL_VECTOR_LEVELS ColourCount countColours(const Pixel* pixels, int32_t count) {
     int32_t greens = 0, blues = 0;
     for (int32_t i = 0; i < count; ++i) {
         const uint32_t word = wordOf(pixels[i]);
@@ -57,7 +57,7 @@ struct DifferenceRange {
 };
 
 /// The range of those of `runLength` differences that are above 0.
-KRL_WIDE_CLONES DifferenceRange rangeOf(const int16_t* differences, ptrdiff_t runLength) {
+KRL_VECTOR_LEVELS DifferenceRange rangeOf(const int16_t* differences, ptrdiff_t runLength) {
     int32_t above = 0, total = 0, least = 255, most = 0;
     for (ptrdiff_t i = 0; i < runLength; ++i) {
         const int32_t difference = differences[i];
@@ -114,7 +114,7 @@ std::array<uint8_t, 256> stretchMattes(const DifferenceRange& range, float userD
 }
 
 /// Makes alpha of what mattes leave.
-KRL_WIDE_CLONES void replaceAlphas(Pixel* pixels, const uint8_t* mattes, ptrdiff_t count) {
+KRL_VECTOR_LEVELS void replaceAlphas(Pixel* pixels, const uint8_t* mattes, ptrdiff_t count) {
     for (ptrdiff_t i = 0; i < count; ++i)
         storeWord(pixels[i], (wordOf(pixels[i]) & 0x00FFFFFFu) | (255u - mattes[i]) << 24);
 }
@@ -134,10 +134,10 @@ Status keyAutomatically(ImageEngine& engine, const AutoKeySettings& settings, Ke
     std::vector<DifferenceRange> ranges;
     const Status mapped = measureBands(engine, ranges, [&](const Pixel* first, const Pixel* last) {
         DifferenceRange range;
-        std::array<int16_t, kMatteRun> differences;
-        std::array<uint8_t, kMatteRun> chromas;
+        std::array<int16_t, kMatteBatch> differences;
+        std::array<uint8_t, kMatteBatch> chromas;
         for (const Pixel* run = first; run != last;) {
-            const ptrdiff_t count = std::min(kMatteRun, last - run);
+            const ptrdiff_t count = std::min(kMatteBatch, last - run);
             differencesOf(run, count, used, differences.data());
             chromasOf(run, count, chromas.data());
             range.add(rangeOf(differences.data(), count));
@@ -151,11 +151,11 @@ Status keyAutomatically(ImageEngine& engine, const AutoKeySettings& settings, Ke
     DifferenceRange whole;
     for (const DifferenceRange& range : ranges) whole.add(range);
     const std::array<uint8_t, 256> mattes = stretchMattes(whole, settings.userDetail);
-    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
+    return forEachSpan(engine, [&](Pixel* first, Pixel* last) {
         const uint8_t* faded = map.data() + (first - pixels);
-        std::array<uint8_t, kMatteRun> stretched;
+        std::array<uint8_t, kMatteBatch> stretched;
         for (Pixel* run = first; run != last;) {
-            const ptrdiff_t count = std::min(kMatteRun, last - run);
+            const ptrdiff_t count = std::min(kMatteBatch, last - run);
             for (ptrdiff_t i = 0; i < count; ++i) stretched[size_t(i)] = mattes[*faded++];
             fold(run, stretched.data(), count);
             run += count;

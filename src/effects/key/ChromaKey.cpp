@@ -4,11 +4,11 @@
 #include <limits>
 
 #include "core/ByteArithmetic.h"
-#include "core/Clones.h"
 #include "core/LookupTables.h"
+#include "core/VectorLevels.h"
 #include "effects/key/ExtremesTable.h"
 #include "effects/key/HsvKeys.h"
-#include "effects/key/HueRun.h"
+#include "effects/key/HueSpan.h"
 #include "kernels/matte/KeyMatte.h"
 
 namespace krl {
@@ -60,7 +60,7 @@ struct HueTally {
 };
 
 /// The tally for a window that stays off the seam of the circle.
-KRL_WIDE_CLONES HueTally tallyHues(const KeyWindow& window, const float* hues, ptrdiff_t count) {
+KRL_VECTOR_LEVELS HueTally tallyHues(const KeyWindow& window, const float* hues, ptrdiff_t count) {
     const float low = window.low, high = window.high;
     const float outerLow = window.outerLow, outerHigh = window.outerHigh;
     int32_t ramped = 0, off = 0;
@@ -73,8 +73,8 @@ KRL_WIDE_CLONES HueTally tallyHues(const KeyWindow& window, const float* hues, p
 }
 
 /// Mattes of hues for a window that stays off the seam of the circle.
-KRL_WIDE_CLONES void plainHueMattes(const KeyWindow& window, const float* hues, ptrdiff_t count,
-                                    uint8_t* mattes) {
+KRL_VECTOR_LEVELS void plainHueMattes(const KeyWindow& window, const float* hues, ptrdiff_t count,
+                                      uint8_t* mattes) {
     constexpr double kOff = std::numeric_limits<double>::infinity();
     const double low = window.low, high = window.high, scale = window.scale;
     const double outerLow = window.outerLow, outerHigh = window.outerHigh;
@@ -89,8 +89,8 @@ KRL_WIDE_CLONES void plainHueMattes(const KeyWindow& window, const float* hues, 
 /// Mattes of hues for any window. A later test that holds overrides an earlier one, as where wide
 /// ranges meet themselves around the circle. A turn is always below 1, so the tests across the seam
 /// hold only where a bound reaches across it.
-KRL_WIDE_CLONES void wrappedHueMattes(const KeyWindow& window, const float* hues, ptrdiff_t count,
-                                      uint8_t* mattes) {
+KRL_VECTOR_LEVELS void wrappedHueMattes(const KeyWindow& window, const float* hues, ptrdiff_t count,
+                                        uint8_t* mattes) {
     const double low = window.low, high = window.high, scale = window.scale;
     const double outerLow = window.outerLow, outerHigh = window.outerHigh;
     for (ptrdiff_t i = 0; i < count; ++i) {
@@ -110,7 +110,7 @@ KRL_WIDE_CLONES void wrappedHueMattes(const KeyWindow& window, const float* hues
     }
 }
 
-KRL_WIDE_CLONES void screen(const uint8_t* __restrict over, uint8_t* __restrict mattes, ptrdiff_t count) {
+KRL_VECTOR_LEVELS void screen(const uint8_t* __restrict over, uint8_t* __restrict mattes, ptrdiff_t count) {
     for (ptrdiff_t i = 0; i < count; ++i) mattes[i] = screenedByte(over[i], mattes[i]);
 }
 
@@ -123,7 +123,7 @@ void screenHues(const KeyWindow& window, const float* hues, ptrdiff_t count, uin
         if (tally.on == count) return;
         if (tally.off == count) return void(std::fill_n(mattes, count, uint8_t(255)));
     }
-    std::array<uint8_t, kMatteRun> ofHue;
+    std::array<uint8_t, kMatteBatch> ofHue;
     (plain ? plainHueMattes : wrappedHueMattes)(window, hues, count, ofHue.data());
     screen(ofHue.data(), mattes, count);
 }
@@ -145,10 +145,10 @@ Status chromaKey(ImageEngine& engine, float huePick, float innerHue, float outer
     const ExtremesTable unitMattes(engine.tables(), [&](const Hsv& colour) {
         return screenedByte(matteIn(saturation, colour.saturation), matteIn(value, colour.value));
     });
-    return keyEachRun(engine, keep, invert, [&](const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) {
+    return keyEachSpan(engine, keep, invert, [&](const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) {
         unitMattes.mattesOf(pixels, count, mattes);
         if (std::all_of(mattes, mattes + count, [](uint8_t matte) { return matte == 255; })) return;
-        std::array<float, kMatteRun> hues;
+        std::array<float, kMatteBatch> hues;
         huesOf(pixels, count, kNoHue, hues.data());
         screenHues(hue, hues.data(), count, mattes);
     });

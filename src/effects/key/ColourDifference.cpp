@@ -1,7 +1,7 @@
 #include <array>
 
 #include "effects/key/DifferenceKeys.h"
-#include "effects/key/DifferenceRun.h"
+#include "effects/key/DifferenceSpan.h"
 #include "kernels/matte/KeyMatte.h"
 
 namespace krl {
@@ -34,8 +34,8 @@ private:
 Status colourDifference(ImageEngine& engine, KeyColour differenceColour, int32_t blackValue,
                         int32_t whiteValue, bool keep, bool invert) {
     const DifferenceMattes table(blackValue, whiteValue);
-    return keyEachRun(engine, keep, invert, [&](const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) {
-        std::array<int16_t, kMatteRun> differences;
+    return keyEachSpan(engine, keep, invert, [&](const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) {
+        std::array<int16_t, kMatteBatch> differences;
         differencesOf(pixels, count, differenceColour, differences.data());
         table.mattesOf(differences.data(), count, mattes);
     });

@@ -1,11 +1,11 @@
 #include <array>
 #include <cmath>
 
-#include "core/Clones.h"
 #include "core/PixelWord.h"
 #include "core/Scratch.h"
+#include "core/VectorLevels.h"
 #include "effects/key/DifferenceKeys.h"
-#include "effects/key/DifferenceRun.h"
+#include "effects/key/DifferenceSpan.h"
 #include "kernels/matte/KeyMatte.h"
 #include "kernels/neighbour/Gradient3x3.h"
 
@@ -38,7 +38,7 @@ static_assert([] {
 }());
 
 /// Writes the flatness of `count` pixels from the strengths of their edges, and gives its range.
-KRL_WIDE_CLONES ByteRange flatnessOf(const Pixel* strengths, ptrdiff_t count, uint8_t* out) {
+KRL_VECTOR_LEVELS ByteRange flatnessOf(const Pixel* strengths, ptrdiff_t count, uint8_t* out) {
     int32_t low = 255, high = 0;
     for (ptrdiff_t i = 0; i < count; ++i) {
         const uint32_t word = wordOf(strengths[i]);
@@ -80,8 +80,8 @@ int32_t keyGate(float colorRange) {
 }
 
 /// Writes the differences of a row, 0 where there is none, and gives what they tell.
-KRL_WIDE_CLONES Backing backingOf(const Pixel* row, const int16_t* differences, int32_t count, uint32_t key,
-                                  int32_t gate, uint8_t* out) {
+KRL_VECTOR_LEVELS Backing backingOf(const Pixel* row, const int16_t* differences, int32_t count, uint32_t key,
+                                    int32_t gate, uint8_t* out) {
     int32_t low = 255, high = 0, keyLow = 255, keyHigh = 0;
     for (int32_t i = 0; i < count; ++i) {
         const int32_t difference = differences[i] > 0 ? differences[i] : 0;

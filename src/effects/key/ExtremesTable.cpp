@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "core/Clones.h"
 #include "core/PixelWord.h"
+#include "core/VectorLevels.h"
 #include "kernels/matte/KeyMatte.h"
 
 namespace krl {
@@ -12,7 +12,7 @@ namespace krl {
 namespace {
 
 /// The place of each pixel in the table.
-KRL_WIDE_CLONES void placesOf(const Pixel* pixels, ptrdiff_t count, uint16_t* places) {
+KRL_VECTOR_LEVELS void placesOf(const Pixel* pixels, ptrdiff_t count, uint16_t* places) {
     for (ptrdiff_t i = 0; i < count; ++i) {
         const uint32_t word = wordOf(pixels[i]);
         const int32_t blue = byteAt(word, 0), green = byteAt(word, 8), red = byteAt(word, 16);
@@ -24,7 +24,7 @@ KRL_WIDE_CLONES void placesOf(const Pixel* pixels, ptrdiff_t count, uint16_t* pl
 }  // namespace
 
 void ExtremesTable::mattesOf(const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) const {
-    std::array<uint16_t, kMatteRun> places;
+    std::array<uint16_t, kMatteBatch> places;
     placesOf(pixels, count, places.data());
     const uint8_t* table = mattes_.data();
     for (ptrdiff_t i = 0; i < count; ++i) mattes[i] = table[places[size_t(i)]];

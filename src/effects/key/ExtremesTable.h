@@ -21,7 +21,7 @@ public:
             }
     }
 
-    /// Writes the mattes of `count` pixels, at most `kMatteRun`.
+    /// Writes the mattes of `count` pixels, at most `kMatteBatch`.
     void mattesOf(const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) const;
 
 private:

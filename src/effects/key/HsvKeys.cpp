@@ -5,7 +5,7 @@
 
 #include "core/LookupTables.h"
 #include "effects/key/ExtremesTable.h"
-#include "effects/key/HueRun.h"
+#include "effects/key/HueSpan.h"
 #include "effects/key/KeyColour.h"
 #include "kernels/colour/ColourSpace.h"
 #include "kernels/matte/KeyMatte.h"
@@ -95,8 +95,8 @@ Status hueKey(ImageEngine& engine, Colour pColor, float dynamicRange, int32_t bl
               bool invert) {
     if (Status state = engine.imageStatus()) return state;
     const HueRamp ramp(hsvOf(engine.tables(), pColor).hue, dynamicRange, black, white);
-    return keyEachRun(engine, keep, invert, [&](const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) {
-        std::array<float, kMatteRun> hues;
+    return keyEachSpan(engine, keep, invert, [&](const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) {
+        std::array<float, kMatteBatch> hues;
         huesOf(pixels, count, ramp.greyHue(), hues.data());
         ramp.mattesOf(hues.data(), count, mattes);
     });
@@ -109,10 +109,10 @@ Status saturationKey(ImageEngine& engine, Colour pColor, float dynamicRange, int
     const ExtremesTable table(engine.tables(),
                               [&](const Hsv& colour) { return ramp.matte(colour.saturation); });
     Pixel* const first = engine.buffer()->row(0);
-    keyRuns(first, first + engine.buffer()->bytes() / sizeof(Pixel), keep, invert,
-            [&](const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) {
-                table.mattesOf(pixels, count, mattes);
-            });
+    keySpans(first, first + engine.buffer()->bytes() / sizeof(Pixel), keep, invert,
+             [&](const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) {
+                 table.mattesOf(pixels, count, mattes);
+             });
     return kStatusOk;
 }
 

@@ -2,8 +2,8 @@
 
 #include "core/Bands.h"
 #include "core/ByteArithmetic.h"
-#include "core/Clones.h"
 #include "core/PixelWord.h"
+#include "core/VectorLevels.h"
 
 namespace krl {
 
@@ -22,7 +22,7 @@ struct SpillRoles {
     }
 };
 
-KRL_WIDE_CLONES void suppressRun(Pixel* first, ptrdiff_t count, SpillRoles roles, int32_t strength) {
+KRL_VECTOR_LEVELS void suppressSpan(Pixel* first, ptrdiff_t count, SpillRoles roles, int32_t strength) {
     const int32_t kept = 255 - strength;
     for (ptrdiff_t i = 0; i < count; ++i) {
         const uint32_t word = wordOf(first[i]);
@@ -46,8 +46,8 @@ KRL_WIDE_CLONES void suppressRun(Pixel* first, ptrdiff_t count, SpillRoles roles
 Status spillSupression(ImageEngine& engine, KeyColour spillColour, bool extended, int32_t transparency) {
     const SpillRoles roles(spillColour, extended);
     const int32_t strength = clampByte(transparency);
-    return forEachPixelRun(
-        engine, [&](Pixel* first, Pixel* last) { suppressRun(first, last - first, roles, strength); });
+    return forEachSpan(
+        engine, [&](Pixel* first, Pixel* last) { suppressSpan(first, last - first, roles, strength); });
 }
 
 }  // namespace krl

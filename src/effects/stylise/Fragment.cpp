@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "core/ChannelMask.h"
-#include "core/Clones.h"
+#include "core/VectorLevels.h"
 #include "effects/stylise/Stylise.h"
 #include "kernels/path/PathSum.h"
 
@@ -11,7 +11,7 @@ namespace {
 
 constexpr int32_t kRun = 256;
 
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void meanOfFour(const uint8_t* a, const uint8_t* b, const uint8_t* c, const uint8_t* d, int32_t count,
                 uint8_t* means) {
     for (int32_t i = 0; i < count; ++i) means[i] = static_cast<uint8_t>((a[i] + b[i] + c[i] + d[i]) >> 2);

@@ -2,15 +2,15 @@
 
 #include "core/Bands.h"
 #include "core/ChannelMask.h"
-#include "core/Clones.h"
 #include "core/Scratch.h"
+#include "core/VectorLevels.h"
 #include "effects/stylise/Stylise.h"
 
 namespace krl {
 
 namespace {
 
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void addBytes(uint32_t* sums, const uint8_t* bytes, int64_t count) {
     for (int64_t i = 0; i < count; ++i) sums[i] += bytes[i];
 }

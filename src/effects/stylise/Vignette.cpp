@@ -3,8 +3,8 @@
 #include <new>
 
 #include "core/Bands.h"
-#include "core/Clones.h"
 #include "core/PixelWord.h"
+#include "core/VectorLevels.h"
 #include "effects/stylise/Stylise.h"
 #include "kernels/blend/AlphaScale.h"
 #include "kernels/blur/TentBlur.h"
@@ -76,12 +76,12 @@ size_t planeEntries(const ImageBuffer& image, int32_t margin) {
 constexpr int32_t kRun = 256;
 
 /// How much of the cover each byte of a run of pixels takes; `places` has a 1 in the bytes that do.
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void spreadMask(const uint8_t* mask, int32_t count, uint32_t places, Pixel* shares) {
     for (int32_t i = 0; i < count; ++i) storeWord(shares[i], mask[i] * places);
 }
 
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void coverBytes(uint8_t* bytes, const uint8_t* shares, const uint8_t* cover, int32_t count) {
     for (int32_t i = 0; i < count; ++i)
         bytes[i] = static_cast<uint8_t>(scaledByte(shares[i], cover[i]) +
@@ -91,8 +91,8 @@ void coverBytes(uint8_t* bytes, const uint8_t* shares, const uint8_t* cover, int
 /// Covers the picture by the part of the mask that lies under it. A byte that takes no share stays.
 Status cover(const ImageEngine& engine, const uint8_t* plane, int32_t planeWidth, int32_t margin,
              Colour colour, VignetteTarget target) {
-    Pixel coverRun[kRun];
-    std::fill(coverRun, coverRun + kRun,
+    Pixel coverSpan[kRun];
+    std::fill(coverSpan, coverSpan + kRun,
               target == VignetteTarget::RGB ? Pixel{colour.blue(), colour.green(), colour.red(), 0}
                                             : Pixel{0, 0, 0, 0});
     const uint32_t places = target == VignetteTarget::RGB ? 0x00010101u : 0x01000000u;
@@ -103,7 +103,7 @@ Status cover(const ImageEngine& engine, const uint8_t* plane, int32_t planeWidth
         for (int32_t x = 0; x < width; x += kRun) {
             const int32_t count = std::min(kRun, width - x);
             spreadMask(mask + x, count, places, shares);
-            coverBytes(firstByte(row + x), firstByte(shares), firstByte(coverRun), count * 4);
+            coverBytes(firstByte(row + x), firstByte(shares), firstByte(coverSpan), count * 4);
         }
     });
 }

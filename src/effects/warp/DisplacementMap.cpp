@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/Clones.h"
 #include "core/PixelWord.h"
+#include "core/VectorLevels.h"
 #include "kernels/colour/ColourSpace.h"
 #include "kernels/sample/PositionWarp.h"
 
@@ -13,7 +13,7 @@ namespace krl {
 namespace {
 
 /// The values of a run of a map's row.
-using MapRun = uint8_t[kRunPixels];
+using MapSpan = uint8_t[kSampleBatch];
 
 /// What `option` reads of a pixel by plain arithmetic; the quotients and products are those of the shared
 /// tables.
@@ -34,7 +34,7 @@ int32_t valueOf(uint32_t word) {
 }
 
 template <MapOption option>
-KRL_WIDE_CLONES void fillValues(uint8_t* __restrict values, const Pixel* __restrict pixels, size_t count) {
+KRL_VECTOR_LEVELS void fillValues(uint8_t* __restrict values, const Pixel* __restrict pixels, size_t count) {
     for (size_t i = 0; i < count; ++i) values[i] = static_cast<uint8_t>(valueOf<option>(wordOf(pixels[i])));
 }
 
@@ -48,7 +48,7 @@ void fillValuesOfHls(uint8_t* values, const Pixel* pixels, size_t count, Value&&
 }
 
 /// The values of `option` in a run of pixels. `SameAsMapOne` leaves them as they are.
-void readValues(MapRun& run, const Pixel* pixels, size_t count, MapOption option) {
+void readValues(MapSpan& run, const Pixel* pixels, size_t count, MapOption option) {
     switch (option) {
         case MapOption::SameAsMapOne:
             return;
@@ -81,9 +81,9 @@ void readValues(MapRun& run, const Pixel* pixels, size_t count, MapOption option
 
 /// Where pixels at `start`, `start + step` and so on are shifted to by a map's values and alphas: black by
 /// half of `reach` at full alpha, white by as much the other way. The quotients are `unitFromByte`.
-KRL_WIDE_CLONES void shiftPlaces(const uint8_t* __restrict values, const Pixel* __restrict pixels,
-                                 double reach, int32_t start, int32_t step, size_t count,
-                                 float* __restrict places) {
+KRL_VECTOR_LEVELS void shiftPlaces(const uint8_t* __restrict values, const Pixel* __restrict pixels,
+                                   double reach, int32_t start, int32_t step, size_t count,
+                                   float* __restrict places) {
     for (size_t i = 0; i < count; ++i) {
         const int32_t place = start + step * static_cast<int32_t>(i);
         const float unit = static_cast<float>(values[i]) / 255.0f;
@@ -102,7 +102,7 @@ public:
 
     /// Where the pixels of row `y` from column `x` on, which stand at `start`, `start + step` and so on, are
     /// shifted to. For the same values as another map's, `run` holds those beforehand.
-    void shift(MapRun& run, int32_t y, int32_t x, int32_t start, int32_t step, size_t count,
+    void shift(MapSpan& run, int32_t y, int32_t x, int32_t start, int32_t step, size_t count,
                float* places) const {
         const Pixel* pixels = image_.row(y) + x;
         readValues(run, pixels, count, option_);
@@ -147,8 +147,8 @@ Status displacementMapComposite(ImageEngine& engine, const SecondImage& dMapOne,
     const int32_t width = engine.buffer()->width, height = engine.buffer()->height;
     const auto hold = edgeOption == MapEdge::Wrap ? holdInside : foldInside;
     return warpByPosition(engine, SampleQuality::Bilinear, ChannelTarget::RGBA,
-                          [&](int32_t y, int32_t first, PositionRun& run) {
-                              MapRun values{};
+                          [&](int32_t y, int32_t first, PositionSpan& run) {
+                              MapSpan values{};
                               horizontal.shift(values, y, first, first, 1, run.count, run.x);
                               hold(run.x, run.count, width);
                               vertical.shift(values, y, first, y, 0, run.count, run.y);

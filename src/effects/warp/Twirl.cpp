@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/Clones.h"
+#include "core/VectorLevels.h"
 #include "kernels/sample/PositionWarp.h"
 #include "kernels/sample/Trigonometry.h"
 
@@ -29,8 +29,9 @@ public:
 
     /// Makes a run of row `pair` and of its counterpart below the middle; row 0 has none.
     template <class Put>
-    void makePair(int32_t pair, PositionRun& run, int32_t first, Put&& put) const {
-        double dx[kRunPixels], sizes[kRunPixels], turns[kRunPixels], sines[kRunPixels], cosines[kRunPixels];
+    void makePair(int32_t pair, PositionSpan& run, int32_t first, Put&& put) const {
+        double dx[kSampleBatch], sizes[kSampleBatch], turns[kSampleBatch], sines[kSampleBatch],
+            cosines[kSampleBatch];
         const double dy = centreY_ - pair;
         for (size_t i = 0; i < run.count; ++i) dx[i] = centreX_ - (first + static_cast<int32_t>(i));
         angleSizes(dx, dy, sizes, run.count);
@@ -50,8 +51,9 @@ private:
     ///
     /// The disc's radius depends a little on the direction. The angle is taken from radians to radians as if
     /// it were in degrees; that is what gives the disc its size.
-    KRL_WIDE_CLONES void turnsOf(const double* __restrict dx, double dy, const double* __restrict angleSizes,
-                                 double* __restrict turns, size_t count) const {
+    KRL_VECTOR_LEVELS void turnsOf(const double* __restrict dx, double dy,
+                                   const double* __restrict angleSizes, double* __restrict turns,
+                                   size_t count) const {
         for (size_t i = 0; i < count; ++i) {
             const auto v = static_cast<float>(angleSizes[i] * kRadiansPerDegree);
             const double w = (v - 90.0) * 2.8333333333333335;
@@ -63,8 +65,8 @@ private:
 
     /// Distance and direction after the turn are what turning (dx, dy) gives. A pixel that is not turned
     /// comes from its own place.
-    KRL_WIDE_CLONES void turn(const double* __restrict dx, double dy, const double* __restrict sines,
-                              const double* __restrict cosines, PositionRun& run) const {
+    KRL_VECTOR_LEVELS void turn(const double* __restrict dx, double dy, const double* __restrict sines,
+                                const double* __restrict cosines, PositionSpan& run) const {
         for (size_t i = 0; i < run.count; ++i) {
             run.x[i] = held(static_cast<float>(centreX_ - (dx[i] * cosines[i] - dy * sines[i])), right_);
             run.y[i] = held(static_cast<float>(centreY_ - (dy * cosines[i] + dx[i] * sines[i])), bottom_);
@@ -85,7 +87,7 @@ Status twirl(ImageEngine& engine, int32_t twirl, SampleQuality quality, ChannelT
     if (Status state = engine.imageStatus()) return state;
     const TwirlDisc disc(*engine.buffer(), twirl);
     return warpByLine(engine, quality, colourOrAlpha, disc.rowPairs(),
-                      [&](int32_t pair, PositionRun& run, int32_t first, auto&& put) {
+                      [&](int32_t pair, PositionSpan& run, int32_t first, auto&& put) {
                           disc.makePair(pair, run, first, put);
                       });
 }

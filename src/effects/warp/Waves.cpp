@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "core/Bands.h"
-#include "core/Clones.h"
 #include "core/ImageCopy.h"
+#include "core/VectorLevels.h"
 #include "kernels/sample/PositionWarp.h"
 #include "kernels/sample/Trigonometry.h"
 
@@ -43,7 +43,7 @@ public:
     using Source = std::conditional_t<quality == SampleQuality::Bilinear, float, int32_t>;
 
     /// The sources of the pixels at `count` places, each of which moves on to the next.
-    KRL_WIDE_CLONES void next(float* __restrict places, Source* __restrict sources, size_t count) const {
+    KRL_VECTOR_LEVELS void next(float* __restrict places, Source* __restrict sources, size_t count) const {
         const LineWalk walk = *this;  // no place can be part of it, or the loop would not become vectors
         for (size_t i = 0; i < count; ++i) {
             const float here = walk.wrapped(places[i]);
@@ -115,8 +115,8 @@ public:
         const Walk walk(image_.width, image_.width);
         return forEachRow(engine, [&](Pixel* row, int32_t y) {
             float place = rowShifts[static_cast<size_t>(y)];
-            forEachRun(image_.width, [&](int32_t first, size_t count) {
-                Place places[kRunPixels];
+            forEachPiece(image_.width, [&](int32_t first, size_t count) {
+                Place places[kSampleBatch];
                 walk.fill(place, places, count);
                 sampler_.alongRow(row + first, y, places, count);
             });
@@ -130,8 +130,8 @@ public:
             std::vector<float> walking(columnShifts.begin() + columns.first,
                                        columnShifts.begin() + columns.last);
             for (int32_t y = 0; y < image_.height; ++y)
-                forEachRun(columns.last - columns.first, [&](int32_t first, size_t count) {
-                    Place places[kRunPixels];
+                forEachPiece(columns.last - columns.first, [&](int32_t first, size_t count) {
+                    Place places[kSampleBatch];
                     walk.next(walking.data() + first, places, count);
                     const int32_t column = columns.first + first;
                     sampler_.downColumns(image_.row(y) + column, places, column, count);
@@ -189,7 +189,7 @@ Status blockWaves(ImageEngine& engine, float amplitude, float frequency, float h
     };
     const std::vector<float> mapX = map(image.width, sine, horizPhase);
     const std::vector<float> mapY = map(image.height, cosine, vertPhase);
-    return warpByPosition(engine, quality, colourOrAlpha, [&](int32_t y, int32_t first, PositionRun& run) {
+    return warpByPosition(engine, quality, colourOrAlpha, [&](int32_t y, int32_t first, PositionSpan& run) {
         std::copy_n(mapX.begin() + first, run.count, run.x);
         std::fill_n(run.y, run.count, mapY[static_cast<size_t>(y)]);
     });
@@ -206,8 +206,8 @@ struct Ripples {
 
     /// Angles of the waves at the distances (`dx[i]`, `dy`) from the centre. The wide path rounds every step
     /// to single precision, the plain one the squares alone.
-    KRL_WIDE_CLONES void anglesAt(const double* __restrict dx, double dy, double* __restrict angles,
-                                  size_t count) const {
+    KRL_VECTOR_LEVELS void anglesAt(const double* __restrict dx, double dy, double* __restrict angles,
+                                    size_t count) const {
         const auto squareY = static_cast<float>(dy * dy);
         if (wide) {
             for (size_t i = 0; i < count; ++i) {
@@ -223,14 +223,14 @@ struct Ripples {
     }
 
     /// Where pixels at `start`, `start + step` and so on are shifted to.
-    KRL_WIDE_CLONES void shiftPlaces(const double* __restrict heights, int32_t start, int32_t step,
-                                     size_t count, float* __restrict places) const {
+    KRL_VECTOR_LEVELS void shiftPlaces(const double* __restrict heights, int32_t start, int32_t step,
+                                       size_t count, float* __restrict places) const {
         for (size_t i = 0; i < count; ++i)
             places[i] = static_cast<float>(heights[i] * amplitude + (start + step * static_cast<int32_t>(i)));
     }
 
-    void positions(const ImageBuffer& image, int32_t y, int32_t first, PositionRun& run) const {
-        double dx[kRunPixels], angles[kRunPixels], sines[kRunPixels], cosines[kRunPixels];
+    void positions(const ImageBuffer& image, int32_t y, int32_t first, PositionSpan& run) const {
+        double dx[kSampleBatch], angles[kSampleBatch], sines[kSampleBatch], cosines[kSampleBatch];
         for (size_t i = 0; i < run.count; ++i)
             dx[i] = wrapSubtract(origin.x, first + static_cast<int32_t>(i));
         anglesAt(dx, wrapSubtract(origin.y, y), angles, run.count);
@@ -248,7 +248,7 @@ Status circularWaves(ImageEngine& engine, float amplitude, float frequency, floa
                      SampleQuality quality, ChannelTarget colourOrAlpha) {
     const Ripples ripples{amplitude < 0 ? 0.0f : amplitude, radiansPerPixel(frequency), phase, origin,
                           engine.useWidePath()};
-    return warpByPosition(engine, quality, colourOrAlpha, [&](int32_t y, int32_t first, PositionRun& run) {
+    return warpByPosition(engine, quality, colourOrAlpha, [&](int32_t y, int32_t first, PositionSpan& run) {
         ripples.positions(*engine.buffer(), y, first, run);
     });
 }

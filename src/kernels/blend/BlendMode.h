@@ -11,7 +11,7 @@
 
 /// The blend modes, for every effect that lays one picture or one light over another.
 ///
-/// Two alpha arithmetics exist by design. The shift form (`blendChannel`, and `BlendRun.h` for whole
+/// Two alpha arithmetics exist by design. The shift form (`blendChannel`, and `BlendFunction.h` for whole
 /// runs) takes an opacity, divides by 256 and leaves alpha alone. The straight-alpha form (`layOver`)
 /// composes both alphas, and its colour is never left premultiplied.
 namespace krl {

@@ -1,15 +1,15 @@
 #include "kernels/blur/ChromaImage.h"
 
-#include "core/Clones.h"
 #include "core/Numbers.h"
 #include "core/PixelWord.h"
+#include "core/VectorLevels.h"
 
 namespace krl {
 
 namespace {
 
-KRL_WIDE_CLONES
-void splitRun(const Pixel* from, Pixel* to, size_t count) {
+KRL_VECTOR_LEVELS
+void splitSpan(const Pixel* from, Pixel* to, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const auto word = wordOf(from[i]);
         const int32_t blue = byteAt(word, 0), green = byteAt(word, 8), red = byteAt(word, 16);
@@ -20,8 +20,8 @@ void splitRun(const Pixel* from, Pixel* to, size_t count) {
     }
 }
 
-KRL_WIDE_CLONES
-void mergeRun(const Pixel* from, Pixel* to, size_t count) {
+KRL_VECTOR_LEVELS
+void mergeSpan(const Pixel* from, Pixel* to, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const auto word = wordOf(from[i]);
         const int32_t u = byteAt(word, 0) - 128, v = byteAt(word, 8) - 128, luma = byteAt(word, 16);
@@ -36,14 +36,14 @@ void mergeRun(const Pixel* from, Pixel* to, size_t count) {
 }  // namespace
 
 Status ChromaImage::split(const ImageEngine& engine) const {
-    return forEachPixelRun(engine, [&](const Pixel* first, const Pixel* last) {
-        splitRun(first, beside(engine, first), static_cast<size_t>(last - first));
+    return forEachSpan(engine, [&](const Pixel* first, const Pixel* last) {
+        splitSpan(first, beside(engine, first), static_cast<size_t>(last - first));
     });
 }
 
 Status ChromaImage::merge(const ImageEngine& engine) const {
-    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
-        mergeRun(beside(engine, first), first, static_cast<size_t>(last - first));
+    return forEachSpan(engine, [&](Pixel* first, Pixel* last) {
+        mergeSpan(beside(engine, first), first, static_cast<size_t>(last - first));
     });
 }
 

@@ -24,8 +24,8 @@ public:
 
     /// Calls `work(first, last)` with the two ends of each band's run of words.
     template <class Work>
-    Status forEachWordRun(const ImageEngine& engine, Work&& work) const {
-        return forEachPixelRun(engine, [&](const Pixel* first, const Pixel* last) {
+    Status forEachWordSpan(const ImageEngine& engine, Work&& work) const {
+        return forEachSpan(engine, [&](const Pixel* first, const Pixel* last) {
             work(beside(engine, first), beside(engine, first) + (last - first));
         });
     }

@@ -6,8 +6,8 @@
 
 #include "core/Bands.h"
 #include "core/ChannelMask.h"
-#include "kernels/blur/RowStrip.h"
 #include "kernels/blur/TentWindow.h"
+#include "kernels/blur/TransposedRows.h"
 
 namespace krl {
 
@@ -104,8 +104,8 @@ constexpr size_t stripBytes(int32_t width) { return 2 * size_t(width) * tent::kS
 
 /// The same for bytes, a strip of rows at a time; `strip` has `stripBytes`.
 template <class Arithmetic, class Layout>
-void blurRowStrips(const uint8_t* block, uint8_t* lines, const Extent& extent, const Layout& layout,
-                   IndexRange rows, uint8_t* strip) {
+void blurTransposedRows(const uint8_t* block, uint8_t* lines, const Extent& extent, const Layout& layout,
+                        IndexRange rows, uint8_t* strip) {
     constexpr int32_t kLanes = Layout::kLanes, kRows = tent::stripRows(kLanes);
     constexpr int32_t kColumns = kCacheLine / kLanes;  // whole cache lines of each row are written at once
     const int32_t width = extent.width;
@@ -175,8 +175,8 @@ Status TentBlur::runPasses(typename Arithmetic::Sample* block, int32_t height, i
         const IndexRange rows = lineBand(height, threadCount_, band);
         if (rows.first >= rows.last) return;
         if constexpr (tent::kInVectors<Arithmetic>)
-            blurRowStrips<Arithmetic>(block, lines, extent, layout, rows,
-                                      strips + size_t(band) * stripBytes(width));
+            blurTransposedRows<Arithmetic>(block, lines, extent, layout, rows,
+                                           strips + size_t(band) * stripBytes(width));
         else
             blurRows<Arithmetic>(block, lines, extent, layout, rows);
     });

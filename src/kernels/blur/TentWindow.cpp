@@ -1,20 +1,20 @@
 #include "kernels/blur/TentWindow.h"
 
-#include "core/Clones.h"
+#include "core/VectorLevels.h"
 
 namespace krl::tent {
 
 template <class Arithmetic>
-KRL_WIDE_CLONES void stepManyLanes(const Arithmetic& arithmetic, typename Arithmetic::Sum* sums,
-                                   typename Arithmetic::Sum* slopes, uint8_t* means, Step<uint8_t> step,
-                                   int lanes) {
+KRL_VECTOR_LEVELS void stepManyLanes(const Arithmetic& arithmetic, typename Arithmetic::Sum* sums,
+                                     typename Arithmetic::Sum* slopes, uint8_t* means, Step<uint8_t> step,
+                                     int lanes) {
     stepLanes(Arithmetic(arithmetic), sums, slopes, means, step, lanes);
 }
 
 template <class Arithmetic>
-KRL_WIDE_CLONES void walkStrip(const Arithmetic& arithmetic, typename Arithmetic::Sum* sums,
-                               typename Arithmetic::Sum* slopes, uint8_t* means, const Line<uint8_t>& line,
-                               int32_t halfWidth, int32_t first, int32_t end) {
+KRL_VECTOR_LEVELS void walkStrip(const Arithmetic& arithmetic, typename Arithmetic::Sum* sums,
+                                 typename Arithmetic::Sum* slopes, uint8_t* means, const Line<uint8_t>& line,
+                                 int32_t halfWidth, int32_t first, int32_t end) {
     const Arithmetic own = arithmetic;  // no sum can be part of it
     for (int32_t place = first; place < end; ++place, means += kStripLanes)
         stepLanes(own, sums, slopes, means, line.stepFrom(place, halfWidth), kStripLanes);

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "core/Clones.h"
+#include "core/VectorLevels.h"
 
 namespace krl {
 
@@ -21,10 +21,10 @@ void applyCurves(Pixel* first, Pixel* last, const ColourCurves& curves) {
 }
 
 Status applyCurves(ImageEngine& engine, const ColourCurves& curves) {
-    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) { applyCurves(first, last, curves); });
+    return forEachSpan(engine, [&](Pixel* first, Pixel* last) { applyCurves(first, last, curves); });
 }
 
-KRL_STREAM_CLONES void takeMeans(Pixel* first, Pixel* last) {
+KRL_STREAM_LEVELS void takeMeans(Pixel* first, Pixel* last) {
     for (Pixel* p = first; p != last; ++p) {
         uint32_t word;  // 0xAARRGGBB
         std::memcpy(&word, p, sizeof word);

@@ -38,8 +38,8 @@ void applyCurveTo(Pixel* first, Pixel* last, const ByteCurve& curve) {
 /// The same over the loaded image, in bands.
 template <size_t... channel>
 Status applyCurveTo(ImageEngine& engine, const ByteCurve& curve) {
-    return forEachPixelRun(engine,
-                           [&](Pixel* first, Pixel* last) { applyCurveTo<channel...>(first, last, curve); });
+    return forEachSpan(engine,
+                       [&](Pixel* first, Pixel* last) { applyCurveTo<channel...>(first, last, curve); });
 }
 
 /// Sends the bytes of `target` through `curve`: the three colour bytes, or alpha alone.
@@ -62,7 +62,7 @@ void takeMeans(Pixel* first, Pixel* last);
 template <class Then>
 Status recolourByMean(ImageEngine& engine, Then&& then) {
     constexpr ptrdiff_t stretch = 2048;
-    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
+    return forEachSpan(engine, [&](Pixel* first, Pixel* last) {
         for (Pixel* end; first != last; first = end) {
             end = first + std::min(stretch, last - first);
             takeMeans(first, end);

@@ -1,12 +1,12 @@
 #include "kernels/matte/KeyMatte.h"
 
-#include "core/Clones.h"
 #include "core/PixelWord.h"
+#include "core/VectorLevels.h"
 
 namespace krl {
 
-KRL_WIDE_CLONES void foldMattes(Pixel* pixels, const uint8_t* mattes, ptrdiff_t count, bool keep,
-                                bool invert) {
+KRL_VECTOR_LEVELS void foldMattes(Pixel* pixels, const uint8_t* mattes, ptrdiff_t count, bool keep,
+                                  bool invert) {
     for (ptrdiff_t i = 0; i < count; ++i) {
         const uint32_t word = wordOf(pixels[i]);
         const uint8_t alpha = applyKeyMatte(static_cast<uint8_t>(word >> 24), mattes[i], keep, invert);

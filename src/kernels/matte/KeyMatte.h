@@ -20,26 +20,26 @@ constexpr uint8_t applyKeyMatte(uint8_t alpha, uint8_t matte, bool keep, bool in
 /// Folds `matteOf(const Pixel&)` into the alpha of every pixel, after the state tests.
 template <class MatteOf>
 Status keyEachPixel(const ImageEngine& engine, bool keep, bool invert, MatteOf&& matteOf) {
-    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
+    return forEachSpan(engine, [&](Pixel* first, Pixel* last) {
         for (Pixel* p = first; p != last; ++p)
             p->alpha = applyKeyMatte(p->alpha, matteOf(std::as_const(*p)), keep, invert);
     });
 }
 
 /// Pixels whose mattes are made at once: few enough that they stay in the nearest cache.
-inline constexpr ptrdiff_t kMatteRun = 128;
+inline constexpr ptrdiff_t kMatteBatch = 128;
 
 /// Folds `count` mattes into the alpha of the pixels beside them.
 void foldMattes(Pixel* pixels, const uint8_t* mattes, ptrdiff_t count, bool keep, bool invert);
 
 /// Folds the mattes of many pixels that are made together, in runs:
 /// `mattesOf(const Pixel* pixels, ptrdiff_t count, uint8_t* mattes)` writes `count` mattes, at most
-/// `kMatteRun`.
+/// `kMatteBatch`.
 template <class MattesOf>
-void keyRuns(Pixel* first, Pixel* last, bool keep, bool invert, MattesOf&& mattesOf) {
-    std::array<uint8_t, kMatteRun> mattes;
+void keySpans(Pixel* first, Pixel* last, bool keep, bool invert, MattesOf&& mattesOf) {
+    std::array<uint8_t, kMatteBatch> mattes;
     for (Pixel* run = first; run != last;) {
-        const ptrdiff_t count = std::min(kMatteRun, last - run);
+        const ptrdiff_t count = std::min(kMatteBatch, last - run);
         mattesOf(static_cast<const Pixel*>(run), count, mattes.data());
         foldMattes(run, mattes.data(), count, keep, invert);
         run += count;
@@ -48,9 +48,9 @@ void keyRuns(Pixel* first, Pixel* last, bool keep, bool invert, MattesOf&& matte
 
 /// The same for every pixel of the image, after the state tests.
 template <class MattesOf>
-Status keyEachRun(const ImageEngine& engine, bool keep, bool invert, MattesOf&& mattesOf) {
-    return forEachPixelRun(engine,
-                           [&](Pixel* first, Pixel* last) { keyRuns(first, last, keep, invert, mattesOf); });
+Status keyEachSpan(const ImageEngine& engine, bool keep, bool invert, MattesOf&& mattesOf) {
+    return forEachSpan(engine,
+                       [&](Pixel* first, Pixel* last) { keySpans(first, last, keep, invert, mattesOf); });
 }
 
 }  // namespace krl

@@ -1,10 +1,10 @@
 #include "kernels/neighbour/Gradient3x3.h"
 
-#include "core/Clones.h"
+#include "core/VectorLevels.h"
 
 namespace krl {
 
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void sobelStrengths(const Pixel* above, const Pixel* at, const Pixel* below, int32_t count,
                     Pixel* strengths) {
     const uint8_t *up = &above->blue, *row = &at->blue, *down = &below->blue;

@@ -1,6 +1,6 @@
 #include "kernels/neighbour/LineWindow.h"
 
-#include "core/Clones.h"
+#include "core/VectorLevels.h"
 
 /// Lets a loop become vectors whose result may lie where an operand does.
 #if defined(__clang__)
@@ -18,13 +18,13 @@ int32_t usefulHalf(int32_t half, int32_t count) { return clampTo(half, 0, count 
 
 }  // namespace
 
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void Smallest::combine(const uint8_t* a, const uint8_t* b, int64_t bytes, uint8_t* result) {
     KRL_PLACE_BY_PLACE
     for (int64_t i = 0; i < bytes; ++i) result[i] = a[i] < b[i] ? a[i] : b[i];
 }
 
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void Largest::combine(const uint8_t* a, const uint8_t* b, int64_t bytes, uint8_t* result) {
     KRL_PLACE_BY_PLACE
     for (int64_t i = 0; i < bytes; ++i) result[i] = a[i] > b[i] ? a[i] : b[i];

@@ -196,7 +196,7 @@ Status forEachRowWindow(const ImageEngine& engine, const LineWindow& window, Wor
 /// Calls `work(columns, room)` for runs of at most `kColumnsAtOnce` columns, with as many pixels of
 /// room as `roomRows` rows of a run have.
 template <class Work>
-Status forEachColumnRun(const ImageEngine& engine, int64_t roomRows, Work&& work) {
+Status forEachColumnSpan(const ImageEngine& engine, int64_t roomRows, Work&& work) {
     const int32_t bands = engine.getThreadCount(), width = engine.buffer()->width;
     const int32_t widest = std::min(kColumnsAtOnce, ceilingShare(width, bands));
     const BandRoom room(bands, static_cast<uint64_t>(roomRows) * static_cast<uint64_t>(widest));

@@ -4,14 +4,14 @@
 #include <cmath>
 #include <cstring>
 
-#include "core/Clones.h"
+#include "core/VectorLevels.h"
 #include "kernels/blend/AlphaScale.h"
 
 namespace krl {
 
 namespace {
 
-KRL_WIDE_CLONES
+KRL_VECTOR_LEVELS
 void multiply(const uint32_t* sums, int32_t number, uint64_t factor, uint8_t* bytes) {
     for (int32_t i = 0; i < number; ++i) bytes[i] = static_cast<uint8_t>(sums[i] * factor >> 32);
 }

@@ -101,7 +101,7 @@ private:
 /// Where the run of equal samples ends that begins with sample `first` of `count`. `isSame` tells it
 /// of any later sample; equal ones must follow one another.
 template <class IsSame>
-int64_t endOfRun(int64_t first, int64_t count, const IsSame& isSame) {
+int64_t endOfSpan(int64_t first, int64_t count, const IsSame& isSame) {
     int64_t span = 1;
     while (first + span < count && isSame(first + span)) span *= 2;
     int64_t same = first + span / 2, other = first + span < count ? first + span : count;

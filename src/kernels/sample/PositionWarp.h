@@ -10,17 +10,17 @@
 namespace krl {
 
 /// Where each pixel of a run comes from.
-struct PositionRun {
+struct PositionSpan {
     size_t count = 0;
-    float x[kRunPixels];
-    float y[kRunPixels];
+    float x[kSampleBatch];
+    float y[kSampleBatch];
 };
 
 /// Calls `work(firstColumn, count)` for the runs of `width` columns.
 template <class Work>
-void forEachRun(int32_t width, Work&& work) {
-    for (int32_t first = 0; first < width; first += static_cast<int32_t>(kRunPixels))
-        work(first, std::min(kRunPixels, static_cast<size_t>(width - first)));
+void forEachPiece(int32_t width, Work&& work) {
+    for (int32_t first = 0; first < width; first += static_cast<int32_t>(kSampleBatch))
+        work(first, std::min(kSampleBatch, static_cast<size_t>(width - first)));
 }
 
 /// A coordinate held in a line of `length` pixels.
@@ -36,7 +36,7 @@ void holdInside(float* places, size_t count, int32_t length);
 /// across many rows is still at hand for the run below it.
 inline constexpr int32_t kLinesAtOnce = 32;
 
-/// The warp that is made line by line, banded by lines: `make(line, PositionRun&, firstColumn, put)` fills
+/// The warp that is made line by line, banded by lines: `make(line, PositionSpan&, firstColumn, put)` fills
 /// the run, for as many columns as it counts, and calls `put(y)` for the row that comes from there; it may do
 /// so for several rows. A pixel that comes from its own place stays as it is.
 template <class Make>
@@ -46,9 +46,9 @@ Status warpByLine(const ImageEngine& engine, SampleQuality quality, ChannelTarge
     const ImageCopy source(image);
     return withSampler(source.view(), quality, target, [&](const auto& sampler) {
         return forEachLineRange(engine, lineCount, [&](IndexRange lines) {
-            PositionRun run;
+            PositionSpan run;
             for (int32_t top = lines.first; top < lines.last; top += kLinesAtOnce)
-                forEachRun(image.width, [&](int32_t firstColumn, size_t count) {
+                forEachPiece(image.width, [&](int32_t firstColumn, size_t count) {
                     const auto put = [&](int32_t y) {
                         sampler.run(image.row(y) + firstColumn, run.y, run.x, run.count);
                     };
@@ -61,14 +61,14 @@ Status warpByLine(const ImageEngine& engine, SampleQuality quality, ChannelTarge
     });
 }
 
-/// The warp whose pixels come from where `positions(y, firstColumn, PositionRun&)` says, after the state
+/// The warp whose pixels come from where `positions(y, firstColumn, PositionSpan&)` says, after the state
 /// tests.
 template <class Positions>
 Status warpByPosition(const ImageEngine& engine, SampleQuality quality, ChannelTarget target,
                       Positions&& positions) {
     if (Status state = engine.imageStatus()) return state;
     return warpByLine(engine, quality, target, engine.buffer()->height,
-                      [&](int32_t y, PositionRun& run, int32_t firstColumn, auto&& put) {
+                      [&](int32_t y, PositionSpan& run, int32_t firstColumn, auto&& put) {
                           positions(y, firstColumn, run);
                           put(y);
                       });

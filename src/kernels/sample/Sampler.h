@@ -3,7 +3,7 @@
 #include <type_traits>
 
 #include "core/Numbers.h"
-#include "kernels/sample/SampleRun.h"
+#include "kernels/sample/SampleSpan.h"
 #include "krlimage/engine.h"
 #include "krlimage/options.h"
 #include "krlimage/pixel.h"
@@ -58,7 +58,7 @@ void copyChannels(Pixel& destination, Pixel source) {
 }
 
 /// Nearest sampling of a picture: truncated toward zero, and kept inside. Columns beyond a row's ends run on
-/// into the rows beside. Each operation writes a run of at most `kRunPixels` pixels.
+/// into the rows beside. Each operation writes a run of at most `kSampleBatch` pixels.
 template <ChannelTarget target>
 class NearestSampler {
 public:
@@ -69,7 +69,7 @@ public:
 
     /// From the places (`x[i]`, `y[i]`).
     void run(Pixel* destination, const float* y, const float* x, size_t count) const {
-        Pixel nearest[kRunPixels];
+        Pixel nearest[kSampleBatch];
         nearestPixels(source_.row(0), stride_, y, x, count, source_.height - 1, source_.width - 1, nearest);
         for (size_t i = 0; i < count; ++i) copyChannels<target>(destination[i], nearest[i]);
     }
@@ -95,7 +95,7 @@ private:
 
 /// Bilinear sampling of a picture with repeated edges: `sampleBilinear` at `makeSamplePoint`, with a road of
 /// whole numbers for the places whose four samples all exist. Each operation writes a run of at most
-/// `kRunPixels` pixels.
+/// `kSampleBatch` pixels.
 template <ChannelTarget target>
 class BilinearSampler {
 public:
@@ -111,10 +111,10 @@ public:
     void run(Pixel* destination, const float* y, const float* x, size_t count) const {
         const auto general = [&](size_t i) { sample(destination[i], y[i], x[i]); };
         if (!splitsX_ || !splitsY_) return forEach(count, general);
-        AxisRun rows, columns;
+        AxisSpan rows, columns;
         const bool rowsExact = splitPlaces(y, count, source_.height - 1, rows);
         const bool columnsExact = splitPlaces(x, count, source_.width - 1, columns);
-        Pixel blended[kRunPixels];
+        Pixel blended[kSampleBatch];
         blendSquares(source_.row(0), stride_, rows, columns, count, blended);
         place(destination, blended, count, rowsExact && columnsExact, general,
               [&](size_t i) { return rows.exact[i] & columns.exact[i]; });
@@ -123,9 +123,9 @@ public:
     void alongRow(Pixel* destination, int32_t y, const float* x, size_t count) const {
         const auto general = [&](size_t i) { sample(destination[i], static_cast<float>(y), x[i]); };
         if (!splitsX_) return forEach(count, general);
-        AxisRun columns;
+        AxisSpan columns;
         const bool exact = splitPlaces(x, count, source_.width - 1, columns);
-        Pixel blended[kRunPixels];
+        Pixel blended[kSampleBatch];
         blendAlongRow(source_.row(y), columns, count, blended);
         place(destination, blended, count, exact, general, [&](size_t i) { return columns.exact[i]; });
     }
@@ -135,9 +135,9 @@ public:
             sample(destination[i], y[i], static_cast<float>(x + static_cast<int32_t>(i)));
         };
         if (!splitsY_) return forEach(count, general);
-        AxisRun rows;
+        AxisSpan rows;
         const bool exact = splitPlaces(y, count, source_.height - 1, rows);
-        Pixel blended[kRunPixels];
+        Pixel blended[kSampleBatch];
         blendDownColumns(source_.row(0) + x, stride_, rows, count, blended);
         place(destination, blended, count, exact, general, [&](size_t i) { return rows.exact[i]; });
     }

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <numbers>
 
-#include "core/Clones.h"
+#include "core/VectorLevels.h"
 
 namespace krl {
 
@@ -69,8 +69,8 @@ inline double angleSize(double x, double y) {
     return x < 0 ? back : angle;
 }
 
-KRL_WIDE_CLONES void reducedSinesAndCosines(const double* __restrict angles, double* __restrict sines,
-                                            double* __restrict cosines, size_t count) {
+KRL_VECTOR_LEVELS void reducedSinesAndCosines(const double* __restrict angles, double* __restrict sines,
+                                              double* __restrict cosines, size_t count) {
     for (size_t i = 0; i < count; ++i) reducedSineCosine(angles[i], sines[i], cosines[i]);
 }
 
@@ -88,8 +88,8 @@ void sinesAndCosines(const double* angles, double* sines, double* cosines, size_
     }
 }
 
-KRL_WIDE_CLONES void angleSizes(const double* __restrict x, double y, double* __restrict angles,
-                                size_t count) {
+KRL_VECTOR_LEVELS void angleSizes(const double* __restrict x, double y, double* __restrict angles,
+                                  size_t count) {
     for (size_t i = 0; i < count; ++i) angles[i] = angleSize(x[i], y);
 }
 

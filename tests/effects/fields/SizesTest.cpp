@@ -20,7 +20,7 @@ Picture halved(const Picture& source, int32_t bands = 1) {
     return half;
 }
 
-uint8_t meanOfBlock(const Picture& source, int32_t x, int32_t y, size_t channel) {
+uint8_t meanOfTile(const Picture& source, int32_t x, int32_t y, size_t channel) {
     const auto at = [&](int32_t dx, int32_t dy) { return source.at(x + dx, y + dy)[channel]; };
     return uint8_t((at(0, 0) + at(1, 0) + at(0, 1) + at(1, 1)) >> 2);
 }
@@ -37,7 +37,7 @@ Picture halvedLiterally(const Picture& source, int32_t bands) {
              y += 2, ++halfY) {
             if (halfY >= (band + 1) * halfShare || halfY >= half.height()) break;
             for (int32_t x = 0; x < source.width() - 1; x += 2)
-                for (size_t c = 0; c < 4; ++c) half.at(x / 2, halfY)[c] = meanOfBlock(source, x, y, c);
+                for (size_t c = 0; c < 4; ++c) half.at(x / 2, halfY)[c] = meanOfTile(source, x, y, c);
         }
     }
     return half;
@@ -53,7 +53,7 @@ TEST(HalfSize, DropsTheLastOddRowAndColumn) {
     const Picture half = halved(source);
     ASSERT_EQ(half.width(), 3);
     ASSERT_EQ(half.height(), 2);
-    for (size_t c = 0; c < 4; ++c) EXPECT_EQ(half.at(2, 1)[c], meanOfBlock(source, 4, 2, c));
+    for (size_t c = 0; c < 4; ++c) EXPECT_EQ(half.at(2, 1)[c], meanOfTile(source, 4, 2, c));
 }
 
 TEST(HalfSize, FollowsItsBands) {
@@ -68,7 +68,7 @@ TEST(HalfSize, FollowsItsBands) {
 TEST(HalfSize, StartsABlockAtTheFirstRowOfEachBand) {
     const Picture source = Picture::random(2, 6);
     const Picture half = halved(source, 2);
-    EXPECT_EQ(half.at(0, 2).blue, meanOfBlock(source, 0, 3, 0));
+    EXPECT_EQ(half.at(0, 2).blue, meanOfTile(source, 0, 3, 0));
 }
 
 TEST(HalfSize, LeavesTheRowThatNoBandReaches) {

@@ -6,7 +6,7 @@
 #include <new>
 
 #include "effects/hue/HueEffects.h"
-#include "kernels/colour/HlsBlock.h"
+#include "kernels/colour/HlsLanes.h"
 #include "reference/PointReference.h"
 #include "support/Colours.h"
 #include "support/Picture.h"
@@ -54,9 +54,9 @@ TEST(HueColourise, FollowsItsStepsForEveryColour) {
             [=](Pixel p) { return reference::newHue(p, hue, density, false); });
 }
 
-TEST(HlsBlock, GivesBytesForEveryHueOfOneTurn) {
-    HlsBlock hls = {};
-    ColourBlock colours = {};
+TEST(HlsLanes, GivesBytesForEveryHueOfOneTurn) {
+    HlsLanes hls = {};
+    ColourLanes colours = {};
     const auto isByte = [](int32_t lane) { return lane >= 0 && lane <= 255; };
     for (int32_t lightness = 0; lightness <= 360; ++lightness)
         for (int32_t saturation = 0; saturation <= 360; ++saturation)

@@ -4,7 +4,7 @@
 
 #include "core/Random.h"
 #include "effects/key/HsvKeys.h"
-#include "effects/key/HueRun.h"
+#include "effects/key/HueSpan.h"
 #include "reference/HsvKeyReference.h"
 #include "support/Picture.h"
 
@@ -58,7 +58,7 @@ Picture manyColours() {
     return picture;
 }
 
-TEST(HueRun, GivesTheConversionsHuesForEveryColour) {
+TEST(HueSpan, GivesTheConversionsHuesForEveryColour) {
     const float* unit = test::sharedTables().unitFromByte;
     std::vector<Pixel> pixels(256 * 256);
     std::vector<float> hues(pixels.size());

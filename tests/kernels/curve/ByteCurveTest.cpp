@@ -58,7 +58,7 @@ TEST(Means, AreExactForEverySum) {
 
 TEST(Means, StandInAllColoursAndLeaveAlpha) {
     const Picture source = Picture::random(300, 20, 7);
-    const Picture result = source.after([](ImageEngine& e) { return forEachPixelRun(e, takeMeans); });
+    const Picture result = source.after([](ImageEngine& e) { return forEachSpan(e, takeMeans); });
     EXPECT_TRUE(sameAlpha(result, source));
     for (size_t i = 0; i < source.pixels().size(); ++i) {
         const Pixel& was = source.pixels()[i];

@@ -26,19 +26,19 @@ TEST(KeyMatte, RunsGiveWhatPixelsGive) {
     for (const bool keep : {false, true})
         for (const bool invert : {false, true}) {
             const auto byPixel = [&](ImageEngine& e) { return keyEachPixel(e, keep, invert, matteOf); };
-            const auto byRun = [&](ImageEngine& e) {
-                return keyEachRun(e, keep, invert, [&](const Pixel* p, ptrdiff_t count, uint8_t* mattes) {
-                    ASSERT_LE(count, kMatteRun);
+            const auto bySpan = [&](ImageEngine& e) {
+                return keyEachSpan(e, keep, invert, [&](const Pixel* p, ptrdiff_t count, uint8_t* mattes) {
+                    ASSERT_LE(count, kMatteBatch);
                     for (ptrdiff_t i = 0; i < count; ++i) mattes[i] = matteOf(p[i]);
                 });
             };
             const Picture source = Picture::random(131, 17);
             const Picture keyed = source.after(byPixel);
-            EXPECT_EQ(source.after(byRun), keyed);
+            EXPECT_EQ(source.after(bySpan), keyed);
             EXPECT_TRUE(test::sameColour(keyed, source));
             EXPECT_FALSE(test::sameAlpha(keyed, source));
             test::expectSameForAnyBands(byPixel);
-            test::expectSameForAnyBands(byRun);
+            test::expectSameForAnyBands(bySpan);
         }
 }
 

@@ -140,8 +140,8 @@ void expectRunsEqualGeneral(int32_t width, int32_t height) {
     Random random(7);
     for (int repeat = 0; repeat < 60; ++repeat) {
         const auto count = size_t(1 + random.next() % width);
-        float x[kRunPixels], y[kRunPixels];
-        Pixel run[kRunPixels], row[kRunPixels], columns[kRunPixels];
+        float x[kSampleBatch], y[kSampleBatch];
+        Pixel run[kSampleBatch], row[kSampleBatch], columns[kSampleBatch];
         for (size_t i = 0; i < count; ++i) {
             x[i] = anyCoordinate(random, width);
             y[i] = anyCoordinate(random, height);

@@ -1,9 +1,9 @@
-#include "kernels/sample/SampleRun.h"
+#include "kernels/sample/SampleSpan.h"
 
 #include <cstring>
 
-#include "core/Clones.h"
 #include "core/PixelWord.h"
+#include "core/VectorLevels.h"
 
 namespace krl {
 
@@ -22,13 +22,13 @@ int32_t blend(int32_t a, int32_t b, int32_t fraction) { return a + ((fraction * 
 /// Pairs of neighbours. They are fetched two at a time, one after another, which is faster than what
 /// vectors do to collect from many places; then vectors blend them.
 struct Pairs {
-    uint32_t words[2 * kRunPixels];
+    uint32_t words[2 * kSampleBatch];
 
     void take(size_t i, const Pixel* first) { std::memcpy(words + 2 * i, first, 2 * sizeof(Pixel)); }
 };
 
-KRL_WIDE_CLONES void mixPairs(const Pairs& pairs, const int32_t* __restrict fractions, size_t count,
-                              Word* __restrict blended) {
+KRL_VECTOR_LEVELS void mixPairs(const Pairs& pairs, const int32_t* __restrict fractions, size_t count,
+                                Word* __restrict blended) {
     for (size_t i = 0; i < count; ++i) {
         const uint32_t first = pairs.words[2 * i], second = pairs.words[2 * i + 1];
         uint32_t word = 0;
@@ -39,8 +39,8 @@ KRL_WIDE_CLONES void mixPairs(const Pairs& pairs, const int32_t* __restrict frac
     }
 }
 
-KRL_WIDE_CLONES void mixSquares(const Pairs& upper, const Pairs& lower, const int32_t* __restrict rows,
-                                const int32_t* __restrict columns, size_t count, Word* __restrict blended) {
+KRL_VECTOR_LEVELS void mixSquares(const Pairs& upper, const Pairs& lower, const int32_t* __restrict rows,
+                                  const int32_t* __restrict columns, size_t count, Word* __restrict blended) {
     for (size_t i = 0; i < count; ++i) {
         const uint32_t upperLeft = upper.words[2 * i], upperRight = upper.words[2 * i + 1];
         const uint32_t lowerLeft = lower.words[2 * i], lowerRight = lower.words[2 * i + 1];
@@ -65,7 +65,8 @@ int32_t heldIndex(float place, int32_t last) {
 
 bool canSplitPlaces(int32_t last) { return last >= 1 && last <= 1 << 24; }
 
-KRL_WIDE_CLONES bool splitPlaces(const float* __restrict places, size_t count, int32_t last, AxisRun& axis) {
+KRL_VECTOR_LEVELS bool splitPlaces(const float* __restrict places, size_t count, int32_t last,
+                                   AxisSpan& axis) {
     const auto end = static_cast<float>(last);
     int32_t apart = 0;
     for (size_t i = 0; i < count; ++i) {
@@ -85,16 +86,16 @@ KRL_WIDE_CLONES bool splitPlaces(const float* __restrict places, size_t count, i
     return apart == 0;
 }
 
-KRL_WIDE_CLONES void nearestPixels(const Pixel* source, int32_t stride, const float* __restrict y,
-                                   const float* __restrict x, size_t count, int32_t bottom, int32_t right,
-                                   Pixel* __restrict out) {
+KRL_VECTOR_LEVELS void nearestPixels(const Pixel* source, int32_t stride, const float* __restrict y,
+                                     const float* __restrict x, size_t count, int32_t bottom, int32_t right,
+                                     Pixel* __restrict out) {
     const Word* words = wordsOf(source);
     Word* nearest = wordsOf(out);
     for (size_t i = 0; i < count; ++i)
         nearest[i] = words[heldIndex(y[i], bottom) * stride + heldIndex(x[i], right)];
 }
 
-void blendSquares(const Pixel* source, int32_t stride, const AxisRun& rows, const AxisRun& columns,
+void blendSquares(const Pixel* source, int32_t stride, const AxisSpan& rows, const AxisSpan& columns,
                   size_t count, Pixel* out) {
     Pairs upper, lower;
     for (size_t i = 0; i < count; ++i) {
@@ -105,13 +106,13 @@ void blendSquares(const Pixel* source, int32_t stride, const AxisRun& rows, cons
     mixSquares(upper, lower, rows.fraction, columns.fraction, count, wordsOf(out));
 }
 
-void blendAlongRow(const Pixel* row, const AxisRun& columns, size_t count, Pixel* out) {
+void blendAlongRow(const Pixel* row, const AxisSpan& columns, size_t count, Pixel* out) {
     Pairs pairs;
     for (size_t i = 0; i < count; ++i) pairs.take(i, row + columns.whole[i]);
     mixPairs(pairs, columns.fraction, count, wordsOf(out));
 }
 
-void blendDownColumns(const Pixel* source, int32_t stride, const AxisRun& rows, size_t count, Pixel* out) {
+void blendDownColumns(const Pixel* source, int32_t stride, const AxisSpan& rows, size_t count, Pixel* out) {
     Pairs pairs;
     for (size_t i = 0; i < count; ++i) {
         const Pixel* upper = source + ptrdiff_t(rows.whole[i]) * stride + static_cast<ptrdiff_t>(i);

@@ -1,7 +1,7 @@
-#include "effects/key/DifferenceRun.h"
+#include "effects/key/DifferenceSpan.h"
 
-#include "core/Clones.h"
 #include "core/PixelWord.h"
+#include "core/VectorLevels.h"
 
 namespace krl {
 
@@ -12,8 +12,8 @@ int32_t smaller(int32_t a, int32_t b) { return a < b ? a : b; }
 
 }  // namespace
 
-KRL_WIDE_CLONES void differencesOf(const Pixel* pixels, ptrdiff_t count, KeyColour colour,
-                                   int16_t* differences) {
+KRL_VECTOR_LEVELS void differencesOf(const Pixel* pixels, ptrdiff_t count, KeyColour colour,
+                                     int16_t* differences) {
     const uint32_t key = uint32_t(channelNumber(colour)) * 8, one = (key + 8) % 24, two = (key + 16) % 24;
     for (ptrdiff_t i = 0; i < count; ++i) {
         const uint32_t word = wordOf(pixels[i]);
@@ -22,7 +22,7 @@ KRL_WIDE_CLONES void differencesOf(const Pixel* pixels, ptrdiff_t count, KeyColo
     }
 }
 
-KRL_WIDE_CLONES void chromasOf(const Pixel* pixels, ptrdiff_t count, uint8_t* chromas) {
+KRL_VECTOR_LEVELS void chromasOf(const Pixel* pixels, ptrdiff_t count, uint8_t* chromas) {
     for (ptrdiff_t i = 0; i < count; ++i) {
         const uint32_t word = wordOf(pixels[i]);
         const int32_t blue = byteAt(word, 0), green = byteAt(word, 8), red = byteAt(word, 16);

@@ -1,4 +1,4 @@
-#include "kernels/blend/BlendRun.h"
+#include "kernels/blend/BlendFunction.h"
 
 #include <algorithm>
 #include <array>
@@ -6,15 +6,15 @@
 #include <utility>
 
 #include "core/ByteArithmetic.h"
-#include "core/Clones.h"
-#include "kernels/blend/Chunks.h"
+#include "core/VectorLevels.h"
+#include "kernels/blend/BlockPixels.h"
 
 namespace krl {
 
 namespace {
 
 constexpr size_t kModes = 18;
-constexpr size_t kChunkBytes = 4 * kChunkPixels;
+constexpr size_t kChunkBytes = 4 * kBatchPixels;
 
 /// A pixel as one word, whatever type its memory has.
 using Word [[gnu::may_alias]] = uint32_t;
@@ -91,8 +91,8 @@ constexpr int16_t doubt(uint8_t front, uint8_t behind) {
 
 /// Blends `count` bytes. False where the tables may differ.
 template <BlendMode mode>
-KRL_WIDE_CLONES bool blendBytes(uint8_t* __restrict blended, const uint8_t* front, const uint8_t* behind,
-                                size_t count) {
+KRL_VECTOR_LEVELS bool blendBytes(uint8_t* __restrict blended, const uint8_t* front, const uint8_t* behind,
+                                  size_t count) {
     int16_t least = 1;
     for (size_t i = 0; i < count; ++i) {
         blended[i] = static_cast<uint8_t>(blendedByte<mode>(front[i], behind[i]));
@@ -105,7 +105,7 @@ KRL_WIDE_CLONES bool blendBytes(uint8_t* __restrict blended, const uint8_t* fron
 }
 
 /// Whether the tables do differ, or so it seems: ends of the scale are no reason, and black is common.
-KRL_WIDE_CLONES bool areDoubtful(const uint8_t* front, const uint8_t* behind, size_t count) {
+KRL_VECTOR_LEVELS bool areDoubtful(const uint8_t* front, const uint8_t* behind, size_t count) {
     uint8_t doubts = 0;
     for (size_t i = 0; i < count; ++i) {
         const auto end = static_cast<uint8_t>(((behind[i] + 1) & 255) < 2);
@@ -123,7 +123,7 @@ void blendByTable(uint8_t* blended, const uint8_t* front, const uint8_t* behind,
 /// The blended colour bytes of a chunk of `count` bytes, from those in front and those behind. Alpha bytes
 /// are of no account.
 template <BlendMode mode>
-void blendChunk(uint8_t* blended, const uint8_t* front, const uint8_t* behind, size_t count,
+void blendBatch(uint8_t* blended, const uint8_t* front, const uint8_t* behind, size_t count,
                 const LookupTables& tables) {
     constexpr size_t kStep = fallsShort(mode) ? 256 : kChunkBytes;  // the less, the less is done again
     const ByteSquare<uint8_t>& table = *blendTable(tables, mode);
@@ -137,7 +137,7 @@ void blendChunk(uint8_t* blended, const uint8_t* front, const uint8_t* behind, s
 }
 
 /// Each pixel's alpha beside its three colour bytes, and 0 beside alpha.
-KRL_WIDE_CLONES void spreadAlphas(uint8_t* __restrict alphas, const uint8_t* pixels, size_t pixelCount) {
+KRL_VECTOR_LEVELS void spreadAlphas(uint8_t* __restrict alphas, const uint8_t* pixels, size_t pixelCount) {
     auto* spread = reinterpret_cast<Word*>(alphas);
     const auto* words = reinterpret_cast<const Word*>(pixels);
     for (size_t i = 0; i < pixelCount; ++i) {
@@ -148,43 +148,43 @@ KRL_WIDE_CLONES void spreadAlphas(uint8_t* __restrict alphas, const uint8_t* pix
 
 /// `(behind * (256 - a) + blended * a) >> 8` is `behind + (((blended - behind) * a) >> 8)` without a
 /// negative number in between.
-KRL_WIDE_CLONES void mixShift(uint8_t* pixels, const uint8_t* blended, const uint8_t* __restrict alphas,
-                              size_t count) {
+KRL_VECTOR_LEVELS void mixShift(uint8_t* pixels, const uint8_t* blended, const uint8_t* __restrict alphas,
+                                size_t count) {
     for (size_t i = 0; i < count; ++i)
         pixels[i] = static_cast<uint8_t>(
             static_cast<uint16_t>(pixels[i] * (256 - alphas[i]) + blended[i] * alphas[i]) >> 8);
 }
 
-KRL_STREAM_CLONES void copyColour(Pixel* pixels, const Pixel* front, size_t count) {
+KRL_STREAM_LEVELS void copyColour(Pixel* pixels, const Pixel* front, size_t count) {
     auto* words = reinterpret_cast<Word*>(pixels);
     const auto* fronts = reinterpret_cast<const Word*>(front);
     for (size_t i = 0; i < count; ++i) words[i] = (words[i] & 0xFF000000u) | (fronts[i] & 0x00FFFFFFu);
 }
 
 template <BlendMode mode>
-void shiftRun(Pixel* pixels, const Pixel* front, size_t count, const LookupTables& tables) {
+void shiftSpan(Pixel* pixels, const Pixel* front, size_t count, const LookupTables& tables) {
     constexpr bool blends = mode != BlendMode::PinLight && hasTable(mode);
     if constexpr (mode == BlendMode::NoBlend) return copyColour(pixels, front, count);
     alignas(64) uint8_t blended[kChunkBytes];
     alignas(64) uint8_t alphas[kChunkBytes];
-    forEachChunk(count, [&](size_t done, size_t chunk) {
+    forEachBatch(count, [&](size_t done, size_t chunk) {
         auto* behind = reinterpret_cast<uint8_t*>(pixels + done);
         const auto* before = reinterpret_cast<const uint8_t*>(front + done);
-        if constexpr (blends) blendChunk<mode>(blended, before, behind, 4 * chunk, tables);
+        if constexpr (blends) blendBatch<mode>(blended, before, behind, 4 * chunk, tables);
         spreadAlphas(alphas, before, chunk);
         mixShift(behind, blends ? blended : before, alphas, 4 * chunk);
     });
 }
 
 /// Colour as the blend sees it, scaled by its own alpha: `scaleByte[colour][alpha]`.
-KRL_WIDE_CLONES void scaleByAlphas(uint8_t* __restrict scaled, const uint8_t* bytes,
-                                   const uint8_t* __restrict alphas, size_t count) {
+KRL_VECTOR_LEVELS void scaleByAlphas(uint8_t* __restrict scaled, const uint8_t* bytes,
+                                     const uint8_t* __restrict alphas, size_t count) {
     for (size_t i = 0; i < count; ++i)
         scaled[i] = static_cast<uint8_t>(dividedBy255(static_cast<uint16_t>(bytes[i] * alphas[i])));
 }
 
 /// Whether in each of the pixels one alpha or the other is 255.
-KRL_WIDE_CLONES bool oneIsOpaque(const uint8_t* behind, const uint8_t* front, size_t pixelCount) {
+KRL_VECTOR_LEVELS bool oneIsOpaque(const uint8_t* behind, const uint8_t* front, size_t pixelCount) {
     const auto* words = reinterpret_cast<const Word*>(behind);
     const auto* fronts = reinterpret_cast<const Word*>(front);
     uint32_t least = ~uint32_t{0};
@@ -194,7 +194,8 @@ KRL_WIDE_CLONES bool oneIsOpaque(const uint8_t* behind, const uint8_t* front, si
 
 /// Lays colours that are already blended over pixels of any alpha: `StraightOver`, with the tables' entries
 /// worked out in place, which vectors do faster than they look up.
-KRL_WIDE_CLONES void mixOverAny(uint8_t* pixels, const uint8_t* blended, const uint8_t* front, size_t count) {
+KRL_VECTOR_LEVELS void mixOverAny(uint8_t* pixels, const uint8_t* blended, const uint8_t* front,
+                                  size_t count) {
     auto* words = reinterpret_cast<Word*>(pixels);
     const auto* colours = reinterpret_cast<const Word*>(blended);
     const auto* fronts = reinterpret_cast<const Word*>(front);
@@ -221,8 +222,8 @@ KRL_WIDE_CLONES void mixOverAny(uint8_t* pixels, const uint8_t* blended, const u
 
 /// Lays them over pixels of which one alpha or the other is 255: the weights are whole numbers over 255, and
 /// the mix is one exact division.
-KRL_WIDE_CLONES void mixOverOpaque(uint8_t* pixels, const uint8_t* blended, const uint8_t* __restrict alphas,
-                                   size_t pixelCount) {
+KRL_VECTOR_LEVELS void mixOverOpaque(uint8_t* pixels, const uint8_t* blended,
+                                     const uint8_t* __restrict alphas, size_t pixelCount) {
     for (size_t i = 0; i < 4 * pixelCount; ++i)
         pixels[i] = static_cast<uint8_t>(
             dividedBy255(static_cast<uint16_t>(pixels[i] * (255 - alphas[i]) + blended[i] * alphas[i])));
@@ -230,7 +231,7 @@ KRL_WIDE_CLONES void mixOverOpaque(uint8_t* pixels, const uint8_t* blended, cons
     for (size_t i = 0; i < pixelCount; ++i) words[i] |= 0xFF000000u;
 }
 
-void mixOverChunk(uint8_t* pixels, const uint8_t* blended, const uint8_t* front, size_t pixelCount) {
+void mixOverBatch(uint8_t* pixels, const uint8_t* blended, const uint8_t* front, size_t pixelCount) {
     constexpr size_t kBlock = 64;
     alignas(64) uint8_t alphas[4 * kBlock];
     for (size_t done = 0; done < pixelCount; done += kBlock) {
@@ -248,21 +249,21 @@ void mixOverChunk(uint8_t* pixels, const uint8_t* blended, const uint8_t* front,
 template <BlendMode mode>
 void blendForOver(uint8_t* blended, const uint8_t* front, const uint8_t* behind, size_t pixelCount,
                   const LookupTables& tables) {
-    blendChunk<mode>(blended, front, behind, 4 * pixelCount, tables);
+    blendBatch<mode>(blended, front, behind, 4 * pixelCount, tables);
     if constexpr (mode == BlendMode::Add) {
         alignas(64) uint8_t rest[kChunkBytes];
-        blendChunk<BlendMode::Screen>(rest, front, behind, 4 * pixelCount, tables);
+        blendBatch<BlendMode::Screen>(rest, front, behind, 4 * pixelCount, tables);
         for (size_t i = 0; i < 4 * pixelCount; i += 4) std::memcpy(blended + i + 1, rest + i + 1, 2);
     }
 }
 
 template <BlendMode mode>
-void overRun(Pixel* pixels, const Pixel* front, size_t count, const LookupTables& tables) {
+void overSpan(Pixel* pixels, const Pixel* front, size_t count, const LookupTables& tables) {
     constexpr bool blends = hasTable(mode);
     alignas(64) uint8_t alphas[kChunkBytes];
     alignas(64) uint8_t seen[kChunkBytes];
     alignas(64) uint8_t blended[kChunkBytes];
-    forEachChunk(count, [&](size_t done, size_t chunk) {
+    forEachBatch(count, [&](size_t done, size_t chunk) {
         auto* behind = reinterpret_cast<uint8_t*>(pixels + done);
         const auto* before = reinterpret_cast<const uint8_t*>(front + done);
         if constexpr (blends) {
@@ -270,29 +271,29 @@ void overRun(Pixel* pixels, const Pixel* front, size_t count, const LookupTables
             scaleByAlphas(seen, behind, alphas, 4 * chunk);
             blendForOver<mode>(blended, before, seen, chunk, tables);
         }
-        mixOverChunk(behind, blends ? blended : before, before, chunk);
+        mixOverBatch(behind, blends ? blended : before, before, chunk);
     });
 }
 
 template <size_t... modes>
-constexpr std::array<BlendRun, kModes> shiftRuns(std::index_sequence<modes...>) {
-    return {shiftRun<static_cast<BlendMode>(modes)>...};
+constexpr std::array<BlendFunction, kModes> shiftSpans(std::index_sequence<modes...>) {
+    return {shiftSpan<static_cast<BlendMode>(modes)>...};
 }
 
 template <size_t... modes>
-constexpr std::array<BlendRun, kModes> overRuns(std::index_sequence<modes...>) {
-    return {overRun<static_cast<BlendMode>(modes)>...};
+constexpr std::array<BlendFunction, kModes> overSpans(std::index_sequence<modes...>) {
+    return {overSpan<static_cast<BlendMode>(modes)>...};
 }
 
 }  // namespace
 
-BlendRun shiftBlendRun(BlendMode mode) {
-    static constexpr auto runs = shiftRuns(std::make_index_sequence<kModes>());
+BlendFunction shiftBlendSpan(BlendMode mode) {
+    static constexpr auto runs = shiftSpans(std::make_index_sequence<kModes>());
     return runs[static_cast<size_t>(mode)];
 }
 
-BlendRun overBlendRun(BlendMode mode) {
-    static constexpr auto runs = overRuns(std::make_index_sequence<kModes>());
+BlendFunction overBlendSpan(BlendMode mode) {
+    static constexpr auto runs = overSpans(std::make_index_sequence<kModes>());
     return runs[static_cast<size_t>(mode)];
 }
 

@@ -1,9 +1,9 @@
-#include "kernels/blur/RowStrip.h"
+#include "kernels/blur/TransposedRows.h"
 
 #include <cstring>
 #include <utility>
 
-#include "core/Clones.h"
+#include "core/VectorLevels.h"
 
 namespace krl::tent {
 
@@ -88,7 +88,7 @@ template void layOnSide<4>(const uint8_t*, int32_t, int32_t, uint8_t*);
 template void setUpright<1>(const uint8_t*, int32_t, uint8_t*, int32_t, int32_t);
 template void setUpright<4>(const uint8_t*, int32_t, uint8_t*, int32_t, int32_t);
 
-KRL_STREAM_CLONES
+KRL_STREAM_LEVELS
 void gatherChannel(const uint8_t* words, int32_t channel, ptrdiff_t count, uint8_t* __restrict bytes) {
     for (ptrdiff_t i = 0; i < count; ++i) {
         uint32_t word;

@@ -15,7 +15,7 @@ template <class Mix>
 Status mixBytes(const ImageEngine& engine, const Pixel* other, ChannelTarget target, Mix&& mix) {
     constexpr ptrdiff_t kBlockPixels = 256;
     const ChannelMask mask(target);
-    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) {
+    return forEachSpan(engine, [&](Pixel* first, Pixel* last) {
         const Pixel* beside = other + (first - engine.buffer()->row(0));
         Pixel fresh[kBlockPixels];
         while (first != last) {

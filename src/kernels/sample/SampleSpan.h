@@ -13,31 +13,31 @@
 namespace krl {
 
 /// Pixels of a row that are sampled together.
-inline constexpr size_t kRunPixels = 256;
+inline constexpr size_t kSampleBatch = 256;
 
 /// Places of a run along one axis.
-struct AxisRun {
-    int32_t whole[kRunPixels];     ///< below the axis's last index
-    int32_t fraction[kRunPixels];  ///< in units of 2^-23, up to a whole
-    int32_t exact[kRunPixels];     ///< -1 where the two above are the place, else 0
+struct AxisSpan {
+    int32_t whole[kSampleBatch];     ///< below the axis's last index
+    int32_t fraction[kSampleBatch];  ///< in units of 2^-23, up to a whole
+    int32_t exact[kSampleBatch];     ///< -1 where the two above are the place, else 0
 };
 
 /// Whether an axis whose last index is `last` has two neighbours, and indices that a float holds.
 bool canSplitPlaces(int32_t last);
 /// Splits `count` places on such an axis; one outside it, or too fine below 1, is marked so and taken as 0.
 /// Whether all were split.
-bool splitPlaces(const float* places, size_t count, int32_t last, AxisRun& axis);
+bool splitPlaces(const float* places, size_t count, int32_t last, AxisSpan& axis);
 
 /// The pixels that the places truncate to, those outside (and NaN) being held in the picture; `stride` is
 /// pixels from row to row.
 void nearestPixels(const Pixel* source, int32_t stride, const float* y, const float* x, size_t count,
                    int32_t bottom, int32_t right, Pixel* out);
 /// The blends of four pixels at each place of `columns` and `rows`.
-void blendSquares(const Pixel* source, int32_t stride, const AxisRun& rows, const AxisRun& columns,
+void blendSquares(const Pixel* source, int32_t stride, const AxisSpan& rows, const AxisSpan& columns,
                   size_t count, Pixel* out);
 /// The blends of two neighbours in a row at each place of `columns`.
-void blendAlongRow(const Pixel* row, const AxisRun& columns, size_t count, Pixel* out);
+void blendAlongRow(const Pixel* row, const AxisSpan& columns, size_t count, Pixel* out);
 /// The blends of two neighbours in column `i` of `source` at each place `i` of `rows`.
-void blendDownColumns(const Pixel* source, int32_t stride, const AxisRun& rows, size_t count, Pixel* out);
+void blendDownColumns(const Pixel* source, int32_t stride, const AxisSpan& rows, size_t count, Pixel* out);
 
 }  // namespace krl

@@ -1,11 +1,11 @@
-#include "kernels/colour/HsvBlock.h"
+#include "kernels/colour/HsvLanes.h"
 
-#include "core/Clones.h"
+#include "core/VectorLevels.h"
 #include "kernels/colour/HueLane.h"
 
 namespace krl {
 
-KRL_WIDE_CLONES void toHsv(const ColourBlock& colours, HsvBlock& hsv) {
+KRL_VECTOR_LEVELS void toHsv(const ColourLanes& colours, HsvLanes& hsv) {
     for (size_t i = 0; i < kBlockPixels; ++i) {
         const HueLane lane = hueLane(colours.red[i], colours.green[i], colours.blue[i]);
         hsv.value[i] = lane.value;
@@ -24,7 +24,7 @@ int32_t channelByte(float channel, double half) {
 
 }  // namespace
 
-KRL_WIDE_CLONES void fromHsv(const HsvBlock& hsv, ColourBlock& colours, double half) {
+KRL_VECTOR_LEVELS void fromHsv(const HsvLanes& hsv, ColourLanes& colours, double half) {
     int32_t sectors[kBlockPixels], high[kBlockPixels], middle[kBlockPixels], low[kBlockPixels];
     float slopes[kBlockPixels];
     // In odd sectors one channel falls with the hue's fraction, in even ones one rises with it.

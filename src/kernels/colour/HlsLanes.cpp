@@ -1,6 +1,6 @@
-#include "kernels/colour/HlsBlock.h"
+#include "kernels/colour/HlsLanes.h"
 
-#include "core/Clones.h"
+#include "core/VectorLevels.h"
 
 namespace krl {
 
@@ -14,7 +14,7 @@ int32_t quotient(float numerator, float divisor) { return static_cast<int32_t>(n
 
 // Of the three distances from the largest channel that decide a hue, its own is 0 and that of the
 // smallest 60, so only the middle channel needs a division.
-KRL_WIDE_CLONES void toHls(const ColourBlock& colours, HlsBlock& hls) {
+KRL_VECTOR_LEVELS void toHls(const ColourLanes& colours, HlsLanes& hls) {
     for (size_t i = 0; i < kBlockPixels; ++i) {
         const int32_t red = colours.red[i], green = colours.green[i], blue = colours.blue[i];
         const int32_t larger = red > green ? red : green, smaller = red < green ? red : green;
@@ -57,8 +57,8 @@ int32_t channelAt(int32_t hue, float low, float spread) {
 
 }  // namespace
 
-KRL_WIDE_CLONES void fromHls(const HlsBlock& hls, ColourBlock& colours) {
-    ColourBlock coloured;
+KRL_VECTOR_LEVELS void fromHls(const HlsLanes& hls, ColourLanes& colours) {
+    ColourLanes coloured;
     for (size_t i = 0; i < kBlockPixels; ++i) {
         const int32_t hue = hls.hue[i], lightness = hls.lightness[i], saturation = hls.saturation[i];
         const int32_t share = quotient(float(lightness) * float(saturation) + 180.0f, 360.0f);

@@ -9,11 +9,11 @@ namespace krl {
 /// Lays `count` pixels of `front` over the `pixels` at the same places, in a mode settled beforehand: what
 /// `blendChannel` and `layOver` are for one byte and one pixel, at the speed of memory. The two runs must
 /// not overlap, unless they are the same run.
-using BlendRun = void (*)(Pixel* pixels, const Pixel* front, size_t count, const LookupTables& tables);
+using BlendFunction = void (*)(Pixel* pixels, const Pixel* front, size_t count, const LookupTables& tables);
 
 /// The shift form, where the alpha of `front` is the opacity and the alpha of `pixels` stays.
-BlendRun shiftBlendRun(BlendMode mode);
+BlendFunction shiftBlendSpan(BlendMode mode);
 /// The straight-alpha form, where both alphas are composed.
-BlendRun overBlendRun(BlendMode mode);
+BlendFunction overBlendSpan(BlendMode mode);
 
 }  // namespace krl

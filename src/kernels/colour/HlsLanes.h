@@ -1,22 +1,22 @@
 #pragma once
 
-#include "kernels/colour/ColourBlock.h"
+#include "kernels/colour/ColourLanes.h"
 
 namespace krl {
 
 /// Hue, lightness and saturation of a block of pixels, each 0..360; the hue of a grey is -1.
-struct HlsBlock {
+struct HlsLanes {
     int32_t hue[kBlockPixels], lightness[kBlockPixels], saturation[kBlockPixels];
 };
 
 /// The same numbers as `rgbToHls` gives for each pixel, without a branch.
-void toHls(const ColourBlock& colours, HlsBlock& hls);
+void toHls(const ColourLanes& colours, HlsLanes& hls);
 
 /// Hues that `fromHls` takes lie within plus and minus this many degrees.
 inline constexpr int32_t kWidestHue = 1000;
 
 /// What `hlsToRgb` makes of each pixel, without a branch: a grey that was given a hue keeps the
 /// colour that `colours` holds.
-void fromHls(const HlsBlock& hls, ColourBlock& colours);
+void fromHls(const HlsLanes& hls, ColourLanes& colours);
 
 }  // namespace krl

@@ -1,29 +1,29 @@
 #pragma once
 
-#include "kernels/colour/ColourBlock.h"
+#include "kernels/colour/ColourLanes.h"
 
 namespace krl {
 
 /// The hue space of a block of pixels: the place of each hue on its circle of six sectors, and
 /// saturation and value on 0..1.
-struct HsvBlock {
+struct HsvLanes {
     float turn[kBlockPixels];  ///< hue / 60, within 0..6; 0 for a grey
     float saturation[kBlockPixels], value[kBlockPixels];
 };
 
 /// The same numbers as `rgbToHsv` gives for each pixel, without a branch.
-void toHsv(const ColourBlock& colours, HsvBlock& hsv);
+void toHsv(const ColourLanes& colours, HsvLanes& hsv);
 
 /// The same bytes as `hsvToRgb` gives, without a branch. Saturation and value lie within 0..1 or
 /// are NaN. Channels are rounded by adding `half`; with 0 they are truncated.
-void fromHsv(const HsvBlock& hsv, ColourBlock& colours, double half = 0.5);
+void fromHsv(const HsvLanes& hsv, ColourLanes& colours, double half = 0.5);
 
 /// Takes every pixel through its saturation and value: `change(saturation, value)` rewrites both,
 /// which must then lie within 0..1 or be NaN.
 template <class Change>
 Status recolourByHsv(const ImageEngine& engine, Change&& change) {
-    return forEachColourBlock(engine, [&](ColourBlock& colours) {
-        HsvBlock hsv;
+    return forEachLaneBatch(engine, [&](ColourLanes& colours) {
+        HsvLanes hsv;
         toHsv(colours, hsv);
         for (size_t i = 0; i < kBlockPixels; ++i) change(hsv.saturation[i], hsv.value[i]);
         fromHsv(hsv, colours);

@@ -17,20 +17,20 @@ inline constexpr size_t kBlockPixels = 64;
 /// A stretch of pixels with each colour in an array of its own. Loops over the arrays always run
 /// through all `kBlockPixels`, so that the compiler makes vectors of them; lanes past the end of the
 /// picture hold some colour or other and are not written back.
-struct ColourBlock {
+struct ColourLanes {
     int32_t blue[kBlockPixels], green[kBlockPixels], red[kBlockPixels];
 };
 
 /// Parts pixels, as words of 0xAARRGGBB, into their colours.
-void partWords(const uint32_t (&words)[kBlockPixels], ColourBlock& block);
+void partWords(const uint32_t (&words)[kBlockPixels], ColourLanes& block);
 /// Puts the low byte of each lane back in its word; alpha stays.
-void joinWords(const ColourBlock& block, uint32_t (&words)[kBlockPixels]);
+void joinWords(const ColourLanes& block, uint32_t (&words)[kBlockPixels]);
 
-/// Calls `recolour(ColourBlock&)` over a run of pixels, and stores what it makes of the colours.
+/// Calls `recolour(ColourLanes&)` over a run of pixels, and stores what it makes of the colours.
 template <class Recolour>
-void recolourBlocks(Pixel* first, Pixel* last, Recolour&& recolour) {
+void recolourLanes(Pixel* first, Pixel* last, Recolour&& recolour) {
     uint32_t words[kBlockPixels] = {};
-    ColourBlock block;
+    ColourLanes block;
     while (first != last) {
         const size_t count = std::min(kBlockPixels, static_cast<size_t>(last - first));
         std::memcpy(words, first, count * sizeof(Pixel));
@@ -44,8 +44,8 @@ void recolourBlocks(Pixel* first, Pixel* last, Recolour&& recolour) {
 
 /// The same over the loaded image, in bands.
 template <class Recolour>
-Status forEachColourBlock(const ImageEngine& engine, Recolour&& recolour) {
-    return forEachPixelRun(engine, [&](Pixel* first, Pixel* last) { recolourBlocks(first, last, recolour); });
+Status forEachLaneBatch(const ImageEngine& engine, Recolour&& recolour) {
+    return forEachSpan(engine, [&](Pixel* first, Pixel* last) { recolourLanes(first, last, recolour); });
 }
 
 }  // namespace krl

@@ -1,12 +1,12 @@
-#include "effects/key/HueRun.h"
+#include "effects/key/HueSpan.h"
 
-#include "core/Clones.h"
 #include "core/PixelWord.h"
+#include "core/VectorLevels.h"
 #include "kernels/colour/HueLane.h"
 
 namespace krl {
 
-KRL_WIDE_CLONES void huesOf(const Pixel* pixels, ptrdiff_t count, float greyHue, float* hues) {
+KRL_VECTOR_LEVELS void huesOf(const Pixel* pixels, ptrdiff_t count, float greyHue, float* hues) {
     for (ptrdiff_t i = 0; i < count; ++i) {
         const uint32_t word = wordOf(pixels[i]);
         const HueLane lane = hueLane(byteAt(word, 16), byteAt(word, 8), byteAt(word, 0));

@@ -1,0 +1,28 @@
+#pragma once
+
+/// What a compiler has to be told to make vectors of a loop: the one place for it.
+///
+/// `KRL_VECTOR_LEVELS` marks a function whose loops gain from wide vectors: it is compiled again for
+/// processors with AVX2 and for those with AVX-512, and the loader takes the one that fits. All give the same
+/// bytes. Where the loader cannot choose, or a sanitizer is not yet set up when it does, there is only the
+/// plain one.
+///
+/// `KRL_STREAM_LEVELS` marks memory-bound loops: they stop at AVX2, since wider words that cross cache lines
+/// take twice the time.
+///
+/// `KRL_ONLY_PLAIN` and `KRL_ONLY_AVX2` fix the level, so that each can be tested on a processor that
+/// would take another.
+#if defined(KRL_ONLY_PLAIN)
+#define KRL_VECTOR_LEVELS
+#define KRL_STREAM_LEVELS
+#elif defined(KRL_ONLY_AVX2)
+#define KRL_VECTOR_LEVELS __attribute__((target("avx2")))
+#define KRL_STREAM_LEVELS KRL_VECTOR_LEVELS
+#elif defined(__x86_64__) && defined(__linux__) && defined(__GNUC__) && !defined(__clang__) && \
+    !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#define KRL_VECTOR_LEVELS __attribute__((target_clones("arch=x86-64-v4", "avx2", "default")))
+#define KRL_STREAM_LEVELS __attribute__((target_clones("avx2", "default")))
+#else
+#define KRL_VECTOR_LEVELS
+#define KRL_STREAM_LEVELS
+#endif
