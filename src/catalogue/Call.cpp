@@ -52,7 +52,9 @@ Outcome Call::run() {
         outcome = failure(method_.failedText(), kCallOutOfMemory);
     }
     // What stays locked after a failure stays so for good: scripts can see it.
-    if (!outcome.message || !method_.leavesLocksOnFailure()) unlockSecondImages();
+    if (outcome.message && method_.leavesLocksOnFailure())
+        for (PictureLock& lock : locks_) lock.keep();
+    locks_.clear();
     return outcome;
 }
 
@@ -60,9 +62,11 @@ Outcome Call::perform() {
     if (method_.engineFailureText() && !engine_) return failure(method_.engineFailureText());
     if (method_.readsArguments()) {
         if (Outcome bad = readArguments(); bad.message) return bad;
-        if (Outcome bad = lockSecondImages(); bad.message) return bad;
     }
     if (!engine_ && !method_.runsWithoutEngine()) return failure(method_.failedText());
+    if (method_.readsArguments()) {
+        if (Outcome bad = lockSecondImages(); bad.message) return bad;
+    }
     return method_.body()(*this);
 }
 
@@ -116,20 +120,18 @@ Outcome Call::compare(size_t first, size_t last) {
         ArgumentValue& argument = arguments_[i];
         if (declared.check && !declared.check(argument)) return failure(declared.checkFailure);
         if (declared.kind != ArgumentKind::Symbol) continue;
-        argument.integer = declared.unknown.number;
-        const char* message = declared.unknown.message;
-        for (const SymbolChoice& choice : declared.choices) {
-            if (!is(argument.symbol, choice.name)) continue;
-            argument.integer = choice.number;
-            message = nullptr;
-            break;
-        }
-        if (message) return failure(message);
+        const SymbolChoice* found = nullptr;
+        // Every candidate is interned, also past the one that is found: hosts see it.
+        for (const SymbolChoice& choice : declared.choices)
+            if (is(argument.symbol, choice.name) && !found) found = &choice;
+        if (!found && declared.unknown.message) return failure(declared.unknown.message);
+        argument.integer = found ? found->number : declared.unknown.number;
     }
     return succeeded();
 }
 
 Outcome Call::lockSecondImages() {
+    locks_.reserve(arguments_.size());  // so that nothing fails between a lock and its owner
     for (size_t i = 0; i < arguments_.size(); ++i) {
         const Argument& declared = method_.arguments()[i];
         if (declared.kind != ArgumentKind::SecondImage) continue;
@@ -139,16 +141,12 @@ Outcome Call::lockSecondImages() {
             return failure(declared.imageTests.heightFailure);
         if (declared.imageTests.widthFailure && argument.image.info.width < 1)
             return failure(declared.imageTests.widthFailure);
-        uint8_t* pixels = nullptr;
-        caller_.lockPicture(argument.value, pixels);
-        locked_.push_back(argument.value);
-        argument.image.pixels = pixels;
+        const bool usable = method_.isInert() || hasWholePixels(argument.image.info);
+        if (!usable || !locks_.emplace_back(caller_, argument.value).held())
+            return failure(method_.failedText());
+        argument.image.pixels = locks_.back().pixels();
     }
     return succeeded();
-}
-
-void Call::unlockSecondImages() const {
-    for (const ValueHandle& image : locked_) caller_.unlockPicture(image);
 }
 
 Outcome runEffect(Call& call,

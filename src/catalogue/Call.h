@@ -5,6 +5,7 @@
 
 #include "catalogue/Caller.h"
 #include "catalogue/Method.h"
+#include "catalogue/PictureLock.h"
 
 namespace krl {
 
@@ -92,13 +93,12 @@ private:
     Outcome readArgument(size_t index);
     Outcome compare(size_t first, size_t last);
     Outcome lockSecondImages();
-    void unlockSecondImages() const;
 
     Caller& caller_;
     const Method& method_;
     ImageEngine* engine_;
     std::vector<ArgumentValue> arguments_;
-    std::vector<ValueHandle> locked_;  ///< second images
+    std::vector<PictureLock> locks_;  ///< of second images
 };
 
 }  // namespace krl

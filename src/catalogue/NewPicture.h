@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "catalogue/Call.h"
 
 namespace krl {
@@ -14,31 +16,25 @@ public:
         if (caller_.makePicture(width, height, made) != kCallOk) return;
         value_.take(made);
         caller_.describePicture(made, image_.info);
-        caller_.lockPicture(made, image_.pixels);
-        locked_ = true;
+        lock_.emplace(caller_, made);
+        if (hasWholePixels(image_.info)) image_.pixels = lock_->pixels();
     }
-    ~NewPicture() { unlock(); }
     NewPicture(const NewPicture&) = delete;
     NewPicture& operator=(const NewPicture&) = delete;
 
-    /// Null pixels where the caller could not make it.
+    /// Null pixels if the caller could not make it.
     const NewImage& image() const { return image_; }
     /// The picture, unlocked, with its reference.
     ValueHandle give() {
-        unlock();
+        lock_.reset();
         return value_.release();
     }
 
 private:
-    void unlock() {
-        if (locked_) caller_.unlockPicture(*value_);
-        locked_ = false;
-    }
-
     Caller& caller_;
     HeldValue value_;
     NewImage image_;
-    bool locked_ = false;
+    std::optional<PictureLock> lock_;
 };
 
 }  // namespace krl

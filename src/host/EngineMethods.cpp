@@ -56,9 +56,12 @@ Outcome load(HostCall& call) {
     images::QueryImage::call(call.images(), &instance.imageValue, &info);
     if (info.height < 1) return failure("Invalid image height (Image)");
     if (info.width < 1) return failure("Invalid image width (Image)");
-    ImageLock lock;
-    images::LockImage::call(call.images(), &instance.imageValue, &lock);
-    call.engine()->load(lock.pixels, info);
+    // Rows that do not hold whole pixels are no picture for effects.
+    if (!hasWholePixels(info)) return failure(call.method().failedText());
+    PictureLock lock(call, call.argument(0));
+    if (!lock.held()) return failure(call.method().failedText());
+    call.engine()->load(lock.pixels(), info);
+    lock.keep();  // until krlImageQuit
     return succeeded();
 }
 

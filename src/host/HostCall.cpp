@@ -111,28 +111,28 @@ CallCode HostCall::makePicture(int32_t width, int32_t height, ValueHandle& out) 
     return status;
 }
 
+void HostCall::addEntry(const char* key, const ScriptValue& value) { entries_[entryCount_++] = {key, value}; }
+
 void HostCall::give(const char* key, double number) {
     ScriptValue value;
     values::FloatToValue::call(values(), number, &value);
-    entries_.emplace_back(key, value);
+    addEntry(key, value);
 }
 
 void HostCall::give(const char* key, Colour colour) {
     const ColourRecord record{colour.red(), colour.green(), colour.blue()};
     ScriptValue value;
     colours::ColorToValue::call(instance_.colours, &record, &value);
-    entries_.emplace_back(key, value);
+    addEntry(key, value);
 }
 
 void HostCall::giveSymbol(const char* key, const char* name) {
     ScriptValue value;
     values::SymbolToValue::call(values(), symbol(name), &value);
-    entries_.emplace_back(key, value);
+    addEntry(key, value);
 }
 
-void HostCall::givePicture(const char* key, const ValueHandle& picture) {
-    entries_.emplace_back(key, wordsOf(picture));
-}
+void HostCall::givePicture(const char* key, const ValueHandle& picture) { addEntry(key, wordsOf(picture)); }
 
 CallCode HostCall::answerWithPicture(const char* key, const ValueHandle& picture) {
     ScriptValue result, zero, image = wordsOf(picture);
@@ -176,6 +176,10 @@ void HostCall::append(const ScriptValue& list, const char* key, const ScriptValu
 HostStatus HostCall::run() {
     const EngineBody manages = engineBody(method_);
     if (method_.isSilent()) return manages(*this).code;
+    // A method that reads its arguments itself has its symbols ready before anything else.
+    if (!method_.readsArguments())
+        for (const Argument& argument : method_.arguments())
+            for (const SymbolChoice& choice : argument.choices) symbol(choice.name);
     lists::NewPropertyList::call(instance_.lists, &result_);
     values::SymbolToValue::call(values(), symbol("error"), &errorKey_);
     if (method_.makesHostQuery()) players::GetItem::call(instance_.player, 1, &instance_.playerItem);
@@ -191,9 +195,9 @@ HostStatus HostCall::run() {
 HostStatus HostCall::finish(const Outcome& outcome) {
     if (!replaced_ && (withError_ || outcome.message)) appendError(outcome);
     values::ReleaseValue::call(values(), &errorKey_);
-    for (auto& [key, value] : entries_) {
-        if (!outcome.message) append(result_, key, value);
-        values::ReleaseValue::call(values(), &value);
+    for (size_t i = 0; i < entryCount_; ++i) {
+        if (!outcome.message) append(result_, entries_[i].key, entries_[i].value);
+        values::ReleaseValue::call(values(), &entries_[i].value);
     }
     info_.result = result_;
     return outcome.code;

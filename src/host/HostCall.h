@@ -1,7 +1,6 @@
 #pragma once
 
-#include <utility>
-#include <vector>
+#include <array>
 
 #include "catalogue/Call.h"
 #include "host/HostInterfaces.h"
@@ -57,9 +56,9 @@ public:
     void leaveOutError() override { withError_ = false; }
 
 private:
-    Outcome perform();
     HostStatus finish(const Outcome& outcome);
     void appendError(const Outcome& outcome);
+    void addEntry(const char* key, const ScriptValue& value);
     void append(const ScriptValue& list, const char* key, const ScriptValue& value);
     /// Puts `value` in the place of the result list; the script gets the reference.
     void answerWith(const ScriptValue& value);
@@ -68,7 +67,14 @@ private:
     CallInfo& info_;
     const Method& method_;
     ScriptValue result_, errorKey_;
-    std::vector<std::pair<const char*, ScriptValue>> entries_;
+    struct Entry {
+        const char* key;
+        ScriptValue value;
+    };
+    /// No method gives more, and a value that was made must find room.
+    static constexpr size_t kMostEntries = 4;
+    std::array<Entry, kMostEntries> entries_;
+    size_t entryCount_ = 0;
     bool withError_ = true;
     bool replaced_ = false;
 };

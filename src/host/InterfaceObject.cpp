@@ -18,7 +18,7 @@ void* allocate(HostInterface* allocator, uint32_t bytes) {
         if (!handler) return nullptr;
         try {
             handler();
-        } catch (const std::bad_alloc&) {
+        } catch (...) {
             return nullptr;
         }
     }

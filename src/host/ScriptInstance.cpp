@@ -65,6 +65,15 @@ ScriptOperations scriptOperations(std::index_sequence<Index...>) {
             reinterpret_cast<void*>(&methodOperation<static_cast<int32_t>(Index) + 1>)...};
 }
 
+/// Makes the catalogue and its table before the first call, so that no call fails for want of them.
+bool catalogueIsReady() {
+    try {
+        return !methods().empty();
+    } catch (...) {
+        return false;
+    }
+}
+
 }  // namespace
 
 HostStatus KRL_HOST_CALL createScriptInstance(InstanceHead* head) {
@@ -92,7 +101,7 @@ HostStatus KRL_HOST_CALL createScriptInstance(InstanceHead* head) {
         if (!required) return kHostNoInterface;
     instance.player = instance.playerItem = instance.playerSub = nullptr;
     for (void*& word : instance.reserved) word = nullptr;
-    return kHostOk;
+    return catalogueIsReady() ? kHostOk : kHostOutOfMemory;
 }
 
 void KRL_HOST_CALL destroyScriptInstance(InstanceHead* head) {
