@@ -114,7 +114,8 @@ int tellAll(const std::vector<BatchItem>& items, const std::vector<PictureReport
 void refuseUnknownName(const std::string& word) {
     const bool lone = std::all_of(word.begin(), word.end(),
                                   [](unsigned char letter) { return std::isalnum(letter) || letter == '_'; });
-    if (lone && !fs::exists(word))
+    std::error_code unreadable;
+    if (lone && !fs::exists(word, unreadable))
         throw CommandError("there is no picture, folder or method \"" + word + '"' + methodMeantBy(word));
 }
 

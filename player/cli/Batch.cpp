@@ -12,6 +12,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// False for what cannot be looked at too: whoever opens it says why.
+bool isFolder(const fs::path& path) {
+    std::error_code unreadable;
+    return fs::is_directory(path, unreadable);
+}
+
 std::vector<fs::path> picturesIn(const fs::path& folder) {
     std::vector<fs::path> found;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder))
@@ -45,7 +51,7 @@ std::vector<BatchItem> planBatch(const std::vector<fs::path>& inputs, const Appl
     std::vector<fs::path> pictures;
     bool severalWanted = inputs.size() > 1;
     for (const fs::path& input : inputs) {
-        if (!fs::is_directory(input)) {
+        if (!isFolder(input)) {
             pictures.push_back(input);
             continue;
         }
@@ -54,14 +60,15 @@ std::vector<BatchItem> planBatch(const std::vector<fs::path>& inputs, const Appl
         pictures.insert(pictures.end(), found.begin(), found.end());
     }
     const fs::path output = options.output;
-    if (!severalWanted && !fs::is_directory(output) && output.has_filename()) {
+    if (!severalWanted && !isFolder(output) && output.has_filename()) {
         fs::path named = output;
         if (!options.format.empty()) named.replace_extension(options.format);
         return {{pictures.front(), named}};
     }
-    if (severalWanted && fs::is_regular_file(output))
+    std::error_code unreadable;
+    if (severalWanted && fs::is_regular_file(output, unreadable))
         throw UsageError(output.string() + " is a file, and several pictures need a folder");
-    if (severalWanted && isPictureName(output) && !fs::is_directory(output))
+    if (severalWanted && isPictureName(output) && !isFolder(output))
         throw UsageError(output.string() + " names a picture, and several pictures need a folder");
     makeFolder(output);
     std::vector<BatchItem> items;

@@ -81,9 +81,12 @@ std::vector<std::string> ChainCall::complaints() const {
 }
 
 bool looksLikeCall(const std::string& word) {
-    if (std::filesystem::exists(word)) return false;
-    if (catalogue().find(word)) return true;
     const size_t bracket = word.find('(');
+    const bool called = bracket != std::string::npos && catalogue().find(word.substr(0, bracket));
+    if (called && !isPictureName(word)) return true;
+    std::error_code unreadable;  // such as a text too long for a name
+    if (std::filesystem::exists(word, unreadable)) return false;
+    if (catalogue().find(word)) return true;
     if (bracket == std::string::npos || bracket == 0) return false;
     const bool named = std::all_of(
         word.begin(), word.begin() + std::ptrdiff_t(bracket),

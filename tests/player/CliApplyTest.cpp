@@ -96,6 +96,45 @@ TEST_F(Apply, RefusesCallsThatCannotBeMeantBeforeItReadsAnything) {
     EXPECT_TELLS(errorOf("brightness(40"), "brightness(40");
 }
 
+/// Longer than a file's name can be, and than a whole path.
+TEST_F(Apply, RunsCallsOfAnyLength) {
+    const std::string in = picture("in.pam");
+    const auto facts = nlohmann::json::parse(krlimage({"help", "lensFlare", "--json"}).out);
+    const std::string flare = facts["example"];
+    ASSERT_GT(flare.size(), 255u);
+    for (const std::string& call : {flare, "brightness(40" + std::string(5000, ' ') + ")"}) {
+        const CliResult done = krlimage({"apply", in, "-o", at("out.pam"), call});
+        EXPECT_EQ(done.code, 0) << done.err;
+        EXPECT_TRUE(std::filesystem::exists(at("out.pam")));
+    }
+    EXPECT_NE(readPicture(at("out.pam")).pixels, readPicture(in).pixels);
+}
+
+TEST_F(Apply, SaysInOneLineThatANameIsTooLong) {
+    const std::string in = picture("in.pam"), name(300, 'n');
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"apply", name + ".pam", "-o", at("out.pam"), "invert(#RGB)"},
+          {"apply", in, "-o", at(name + ".pam"), "invert(#RGB)"},
+          {"apply", in, in, "-o", at(name), "invert(#RGB)"}}) {
+        const CliResult done = krlimage(words);
+        EXPECT_EQ(done.code, 1);
+        EXPECT_TELLS(done.err, "File name too long\n");
+        EXPECT_EQ(countOf(done.err, "\n"), 1u) << done.err;
+        EXPECT_EQ(done.err.find("filesystem error"), std::string::npos) << done.err;
+    }
+    EXPECT_TELLS(krlimage({"apply", name, "-o", at("out.pam")}).err, "there is no picture, folder or method");
+}
+
+TEST_F(Apply, TakesAMethodWithBracketsForACallWhateverFilesThereAre) {
+    const std::string in = picture("in.pam");
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder);
+    text("invert(#RGB)", "no picture");
+    const CliResult done = krlimage({"apply", in, "-o", at("out.pam"), "invert(#RGB)"});
+    std::filesystem::current_path(before);
+    EXPECT_EQ(done.code, 0) << done.err;
+}
+
 TEST_F(Apply, ReadsAFolderIntoAnother) {
     std::filesystem::create_directories(folder / "in");
     for (const char* name : {"in/a.pam", "in/b.pam", "in/c.pam"}) picture(name);
