@@ -13,25 +13,30 @@ void Heap::clear() {
         if (slots_[i].kind != Kind::Void) vacate(i);
 }
 
-Value Heap::number(double number) { return fill(Kind::Float, nullptr, number); }
+Value Heap::number(double number) {
+    needSlot();
+    return fill(Kind::Float, nullptr, number);
+}
 
 Value Heap::string(std::string text) { return make<StringObject>(std::move(text)); }
 
 Value Heap::adopt(Kind kind, std::unique_ptr<Object> object) {
+    needSlot();
     charge(*object);
-    Value made = fill(kind, object.get(), 0);
-    static_cast<void>(object.release());
-    return made;
+    return fill(kind, object.release(), 0);
 }
 
-Value Heap::fill(Kind kind, Object* object, double number) {
-    if (firstFree_ == kNoSlot) {
-        if (slots_.size() == slots_.capacity()) mustHold(sizeof(Slot) * (slots_.size() + 1));
-        slots_.emplace_back();
-        bytes_ += sizeof(Slot);
-        slots_.back().nextFree = kNoSlot;
-        firstFree_ = static_cast<uint32_t>(slots_.size() - 1);
-    }
+/// Makes sure of a free slot, so that `fill` cannot fail.
+void Heap::needSlot() {
+    if (firstFree_ != kNoSlot) return;
+    if (slots_.size() == slots_.capacity()) mustHold(sizeof(Slot) * (slots_.size() + 1));
+    slots_.emplace_back();
+    bytes_ += sizeof(Slot);
+    slots_.back().nextFree = kNoSlot;
+    firstFree_ = static_cast<uint32_t>(slots_.size() - 1);
+}
+
+Value Heap::fill(Kind kind, Object* object, double number) noexcept {
     const uint32_t index = firstFree_;
     Slot& slot = slots_[index];
     firstFree_ = slot.nextFree;

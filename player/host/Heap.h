@@ -38,7 +38,12 @@ public:
     Value string(std::string text);
     template <class ObjectType, class... Arguments>
     Value make(Arguments&&... arguments) {
-        return adopt(ObjectType::kKind, std::make_unique<ObjectType>(std::forward<Arguments>(arguments)...));
+        return keep(std::make_unique<ObjectType>(std::forward<Arguments>(arguments)...));
+    }
+    /// The value of an object that was made elsewhere.
+    template <class ObjectType>
+    Value keep(std::unique_ptr<ObjectType> object) {
+        return adopt(ObjectType::kKind, std::move(object));
     }
 
     /// A slot with its kind taken from `words`, or nothing for a stale or made-up handle.
@@ -71,7 +76,8 @@ private:
     };
 
     Value adopt(Kind kind, std::unique_ptr<Object> object);
-    Value fill(Kind kind, Object* object, double number);
+    void needSlot();
+    Value fill(Kind kind, Object* object, double number) noexcept;
     const Slot* at(const ScriptValue& words) const;
     void charge(Object& object);
     void vacate(uint32_t index);

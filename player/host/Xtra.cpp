@@ -129,9 +129,13 @@ void Xtra::letGo(HostInterface* object) {
 }
 
 Value Xtra::newInstance() {
-    const std::lock_guard lock(objectMutex());
-    HostInterface* object = makeInterface(scriptClass_, ids::kIMoaMmXScript);
-    return host_.heap.make<XtraInstanceObject>(*this, object);
+    auto instance = std::make_unique<XtraInstanceObject>(*this);
+    {
+        const std::lock_guard lock(objectMutex());
+        instance->script = makeInterface(scriptClass_, ids::kIMoaMmXScript);
+    }
+    // Outside the lock: where the heap is full, the instance goes again, and takes the lock for it.
+    return host_.heap.keep(std::move(instance));
 }
 
 Value Xtra::call(const Value& instance, int32_t selector, std::span<const Value> arguments) {

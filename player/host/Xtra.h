@@ -68,12 +68,14 @@ struct XtraObject : Object {
 /// An instance that a script holds; the plug-in's object goes with it.
 struct XtraInstanceObject : Object {
     static constexpr Kind kKind = Kind::XtraInstance;
-    XtraInstanceObject(Xtra& maker, host::HostInterface* object) : xtra(maker), script(object) {}
-    ~XtraInstanceObject() override { xtra.letGo(script); }
+    explicit XtraInstanceObject(Xtra& maker) : xtra(maker) {}
+    ~XtraInstanceObject() override {
+        if (script) xtra.letGo(script);
+    }
     size_t bytes() const override { return sizeof(*this); }
 
     Xtra& xtra;
-    host::HostInterface* script;
+    host::HostInterface* script = nullptr;  ///< null until it is made
 };
 
 }  // namespace krl::player

@@ -331,6 +331,36 @@ TEST(Xtra, InstancesComeAndGoWithTheirValues) {
     EXPECT_EQ(host.heap.living(), 0);
 }
 
+/// The instance that found no room goes again, which takes the lock that it was made under.
+TEST(Xtra, AnInstanceThatTheHeapHasNoRoomForIsRefused) {
+    EmbeddedHost host(1 << 20);
+    Xtra xtra(host, builtInPlugIn());
+    {
+        const Value filling = host.heap.make<ListObject>();
+        auto& items = filling.as<ListObject>()->items;
+        EXPECT_THROW(
+            {
+                for (;;) {
+                    items.push_back(xtra.newInstance());
+                    host.heap.recount(*filling.as<ListObject>());
+                }
+            },
+            HostError);
+        EXPECT_GT(xtra.instances(), 100);
+        EXPECT_THROW(
+            {
+                for (;;) items.push_back(host.heap.make<ListObject>());
+            },
+            HostError);
+        const int64_t instances = xtra.instances(), living = host.heap.living();
+        EXPECT_THROW(xtra.newInstance(), HostError);
+        EXPECT_EQ(xtra.instances(), instances);
+        EXPECT_EQ(host.heap.living(), living);
+    }
+    EXPECT_EQ(xtra.instances(), 0);
+    EXPECT_EQ(host.blocks(), 0);
+}
+
 TEST(Xtra, MissingArgumentsAreVoid) {
     EmbeddedHost host(1 << 20);
     Xtra xtra(host, builtInPlugIn());
