@@ -1,6 +1,5 @@
 #include "player/cli/TextFile.h"
 
-#include <fstream>
 #include <system_error>
 
 #include "player/cli/Commands.h"
@@ -18,12 +17,9 @@ void makeFolder(const std::filesystem::path& folder) {
 void writeText(const std::filesystem::path& path, const std::string& text) {
     if (path.has_parent_path()) makeFolder(path.parent_path());
     try {
-        AtomicFile target(path);
-        std::ofstream file(target.path(), std::ios::binary);
-        file << text << std::flush;
-        if (!file) throw CommandError("cannot write " + path.string());
-        file.close();
-        target.commit();
+        AtomicFile file(path);
+        file.write(text);
+        file.commit();
     } catch (const PictureError& error) {
         throw CommandError(error.what());
     }

@@ -1,6 +1,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <iostream>
 
 #if defined(_WIN32)
@@ -34,18 +35,34 @@ void endBySignal(int signal) {
     std::_Exit(128 + signal);
 }
 
-constexpr int kEndingSignals[] = {
-    SIGINT,
-    SIGTERM,
-#if !defined(_WIN32)
-    SIGHUP,
-#endif
-};
-
+#if defined(_WIN32)
 void endCleanlyBySignals() {
-    for (const int signal : kEndingSignals)
-        // Whoever started the program in the background may have told it to ignore some.
-        if (std::signal(signal, SIG_IGN) != SIG_IGN) std::signal(signal, endBySignal);
+    for (const int signal : {SIGINT, SIGTERM}) std::signal(signal, endBySignal);
+}
+#else
+void endCleanlyBySignals() {
+    struct sigaction ending {};
+    ending.sa_handler = endBySignal;
+    sigfillset(&ending.sa_mask);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+        struct sigaction before {};
+        sigaction(signal, nullptr, &before);
+        // Whoever started the program, such as nohup, may have told it to ignore some.
+        if (before.sa_handler != SIG_IGN) sigaction(signal, &ending, nullptr);
+    }
+    // A file that grows past the limit is one that cannot be written, and told as such.
+    std::signal(SIGXFSZ, SIG_IGN);
+}
+#endif
+
+int run(int count, char** words) {
+    std::ios::sync_with_stdio(false);
+    if (isTerminal(stdout)) std::cout << std::unitbuf;
+    const krl::player::Terminal terminal{std::cout, std::cerr, barMayStand != 0};
+    const int code = krl::player::runCommandLine({words + 1, words + count}, terminal);
+    if (std::cout.flush()) return code;
+    std::cerr << "krlimage: cannot write to standard output\n";
+    return 1;
 }
 
 }  // namespace
@@ -53,11 +70,12 @@ void endCleanlyBySignals() {
 int main(int count, char** words) {
     barMayStand = isTerminal(stderr);
     endCleanlyBySignals();
-    std::ios::sync_with_stdio(false);
-    if (isTerminal(stdout)) std::cout << std::unitbuf;
-    const krl::player::Terminal terminal{std::cout, std::cerr, barMayStand != 0};
-    const int code = krl::player::runCommandLine({words + 1, words + count}, terminal);
-    if (std::cout.flush()) return code;
-    std::cerr << "krlimage: cannot write to standard output\n";
+    try {
+        return run(count, words);
+    } catch (const std::bad_alloc&) {
+        std::fputs("krlimage: out of memory\n", stderr);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "krlimage: %s\n", error.what());
+    }
     return 1;
 }

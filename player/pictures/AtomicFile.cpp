@@ -1,12 +1,19 @@
 #include "player/pictures/AtomicFile.h"
 
-#include <array>
 #include <atomic>
 #include <cerrno>
 #include <chrono>
-#include <cstdio>
+#include <csignal>
 #include <cstring>
 #include <system_error>
+#include <thread>
+#include <utility>
+
+#if defined(_WIN32)
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
 
 #include "player/pictures/Picture.h"
 
@@ -14,76 +21,134 @@ namespace krl::player {
 
 namespace {
 
-/// Names of the files that are being written, where a signal handler can read them: one for each of
-/// as many jobs as the command line allows.
-constexpr size_t kSlots = 256, kNameBytes = 4096;
-struct Unfinished {
-    std::atomic<bool> taken = false, written = false;
-    char name[kNameBytes];
+namespace fs = std::filesystem;
+
+std::atomic_flag gate = ATOMIC_FLAG_INIT;
+AtomicFile* unfinished = nullptr;  ///< guarded by the gate
+
+void passGate() noexcept {
+    while (gate.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
+}
+
+/// Files appear and go by one thread at a time. No signal comes meanwhile: its handler passes the gate too.
+class GateGuard {
+public:
+    GateGuard() {
+#if !defined(_WIN32)
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &before_);
+#endif
+        passGate();
+    }
+    ~GateGuard() {
+        gate.clear(std::memory_order_release);
+#if !defined(_WIN32)
+        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+#endif
+    }
+    GateGuard(const GateGuard&) = delete;
+    GateGuard& operator=(const GateGuard&) = delete;
+
+private:
+#if !defined(_WIN32)
+    sigset_t before_{};
+#endif
 };
-std::array<Unfinished, kSlots> unfinished;
-
-void remember(const std::string& name) {
-    if (name.size() >= kNameBytes) return;
-    for (Unfinished& slot : unfinished) {
-        if (slot.taken.exchange(true)) continue;
-        std::memcpy(slot.name, name.c_str(), name.size() + 1);
-        slot.written = true;
-        return;
-    }
-}
-
-void forget(const std::string& name) {
-    for (Unfinished& slot : unfinished) {
-        if (!slot.written || name != slot.name) continue;
-        slot.written = false;
-        slot.taken = false;
-        return;
-    }
-}
 
 /// A name beside `target` that no other writer has: hidden, with the same extension, and short, since
 /// the target's own may be as long as a name can be.
-std::filesystem::path temporaryName(const std::filesystem::path& target) {
+fs::path temporaryName(const fs::path& target) {
     static std::atomic<uint32_t> count = 0;
     const auto ticks = std::chrono::steady_clock::now().time_since_epoch().count();
     const std::string mark = std::to_string(ticks) + "-" + std::to_string(++count);
     return target.parent_path() / ("." + mark + target.extension().string());
 }
 
+std::FILE* create(const fs::path& file) {
+#if defined(_WIN32)
+    return _wfopen(file.c_str(), L"w+b");
+#else
+    return std::fopen(file.c_str(), "w+be");
+#endif
+}
+
+void removeFile(const fs::path& file) noexcept {
+#if defined(_WIN32)
+    _wremove(file.c_str());
+#else
+    ::unlink(file.c_str());
+#endif
+}
+
 }  // namespace
 
-AtomicFile::AtomicFile(const std::filesystem::path& target)
-    : target_(target), temporary_(temporaryName(target)) {
-    // Remembered before it exists, so that no interruption falls in between.
-    remember(temporary_.string());
-    std::FILE* created = std::fopen(temporary_.string().c_str(), "wb");
-    if (!created) {
-        const std::string reason = std::strerror(errno);
-        forget(temporary_.string());
-        throw PictureError("cannot write " + target.string() + ": " + reason);
+AtomicFile::AtomicFile(const fs::path& target) : target_(target), temporary_(temporaryName(target)) {
+    int error = 0;
+    {
+        const GateGuard guard;
+        stream_ = create(temporary_);
+        error = errno;
+        if (stream_) next_ = std::exchange(unfinished, this);
     }
-    std::fclose(created);
+    if (!stream_) fail(error);
 }
 
 AtomicFile::~AtomicFile() {
-    if (committed_) return;
-    std::error_code ignored;
-    std::filesystem::remove(temporary_, ignored);
-    forget(temporary_.string());
+    if (stream_) std::fclose(stream_);
+    if (temporary_.empty()) return;
+    const GateGuard guard;
+    removeFile(temporary_);
+    forget();
+}
+
+void AtomicFile::fail(int error) const {
+    throw PictureError("cannot write " + target_.string() + ": " + std::strerror(error));
+}
+
+/// Behind the gate.
+void AtomicFile::forget() noexcept {
+    for (AtomicFile** link = &unfinished; *link; link = &(*link)->next_)
+        if (*link == this) {
+            *link = next_;
+            return;
+        }
+}
+
+void AtomicFile::write(std::string_view bytes) {
+    if (std::fwrite(bytes.data(), 1, bytes.size(), stream_) != bytes.size()) fail(errno);
+}
+
+int AtomicFile::descriptor() const { return fileno(stream_); }
+
+void AtomicFile::restart() {
+    std::rewind(stream_);
+#if defined(_WIN32)
+    const bool emptied = _chsize(descriptor(), 0) == 0;
+#else
+    const bool emptied = ::ftruncate(descriptor(), 0) == 0;
+#endif
+    if (!emptied) fail(errno);
 }
 
 void AtomicFile::commit() {
+    // The last bytes go out here, and a file server may refuse them only now.
+    if (std::fclose(std::exchange(stream_, nullptr)) != 0) fail(errno);
     std::error_code failure;
-    std::filesystem::rename(temporary_, target_, failure);
+    {
+        const GateGuard guard;
+        fs::rename(temporary_, target_, failure);
+        if (!failure) {
+            forget();
+            temporary_.clear();
+        }
+    }
     if (failure) throw PictureError("cannot write " + target_.string() + ": " + failure.message());
-    committed_ = true;
-    forget(temporary_.string());
 }
 
 void removeUnfinishedFiles() noexcept {
-    for (const Unfinished& slot : unfinished)
-        if (slot.written) std::remove(slot.name);
+    passGate();  // and never lets another through
+    for (const AtomicFile* file = unfinished; file; file = file->next_) removeFile(file->temporary_);
 }
 
 }  // namespace krl::player

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdio>
 #include <filesystem>
+#include <string_view>
 
 namespace krl::player {
 
@@ -14,18 +16,29 @@ public:
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
 
-    /// Where to write; it has the target's extension.
-    const std::filesystem::path& path() const { return temporary_; }
     /// Where it goes, as messages name it.
     const std::filesystem::path& target() const { return target_; }
+    void write(std::string_view bytes);
+    /// For a writer of its own, instead of `write`: the descriptor of the file, which can be read and
+    /// sought in as well.
+    int descriptor() const;
+    /// Empties the file again.
+    void restart();
     void commit();
 
 private:
+    friend void removeUnfinishedFiles() noexcept;
+
+    void forget() noexcept;
+    [[noreturn]] void fail(int error) const;
+
     std::filesystem::path target_, temporary_;
-    bool committed_ = false;
+    std::FILE* stream_ = nullptr;
+    AtomicFile* next_ = nullptr;  ///< of all that are being written
 };
 
-/// Removes what is being written, for a program that is about to be ended by a signal.
+/// Removes what is being written, for a program that a signal is about to end. From then on whoever
+/// begins or finishes a file waits for that end.
 void removeUnfinishedFiles() noexcept;
 
 }  // namespace krl::player

@@ -11,10 +11,10 @@ void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_
 
 /// Portable arbitrary map, `P7` with `RGB_ALPHA`: read and written without any library.
 Bitmap readPam(const std::filesystem::path& path);
-void writePam(const AtomicFile& file, const Bitmap& picture);
+void writePam(AtomicFile& file, const Bitmap& picture);
 
 /// PNG, JPEG, TIFF and WebP, in builds with libvips.
 Bitmap readWithVips(const std::filesystem::path& path);
-void writeWithVips(const AtomicFile& file, const Bitmap& picture, const WriteOptions& options);
+void writeWithVips(AtomicFile& file, const Bitmap& picture, const WriteOptions& options);
 
 }  // namespace krl::player

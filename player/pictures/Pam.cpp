@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <cstdio>
 #include <cstring>
-#include <fstream>
 
 #include "player/pictures/Formats.h"
 
@@ -10,14 +10,50 @@ namespace krl::player {
 
 namespace {
 
+[[noreturn]] void refuse(const std::filesystem::path& path, const std::string& why) {
+    throw PictureError("cannot read " + path.string() + ": " + why);
+}
+
+/// A file that is read to its end, or to what keeps it from being read.
+class PamFile {
+public:
+    explicit PamFile(const std::filesystem::path& path)
+        : path_(path), stream_(std::fopen(path.string().c_str(), "rb")) {
+        if (!stream_) refuse(path, std::strerror(errno));
+    }
+    ~PamFile() { std::fclose(stream_); }
+    PamFile(const PamFile&) = delete;
+    PamFile& operator=(const PamFile&) = delete;
+
+    /// How many of the bytes were there.
+    size_t read(char* bytes, size_t count) {
+        const size_t done = std::fread(bytes, 1, count, stream_);
+        if (std::ferror(stream_)) refuse(path_, std::strerror(errno));
+        return done;
+    }
+
+    /// The next line without its end; false where there is none.
+    bool readLine(std::string& line) {
+        line.clear();
+        char letter = 0;
+        while (read(&letter, 1) == 1) {
+            if (letter == '\n') return true;
+            if (line.size() == kLongestLine) refuse(path_, "a line of its header is too long");
+            line += letter;
+        }
+        return !line.empty();
+    }
+
+private:
+    static constexpr size_t kLongestLine = 1000;
+    const std::filesystem::path& path_;
+    std::FILE* stream_;
+};
+
 struct PamHeader {
     int64_t width = 0, height = 0, depth = 0, maximum = 0;
     std::string tupleType;
 };
-
-[[noreturn]] void refuse(const std::filesystem::path& path, const std::string& why) {
-    throw PictureError("cannot read " + path.string() + ": " + why);
-}
 
 int64_t number(const std::filesystem::path& path, const std::string& line, size_t from) {
     int64_t value = -1;
@@ -27,11 +63,11 @@ int64_t number(const std::filesystem::path& path, const std::string& line, size_
     return value;
 }
 
-PamHeader readHeader(const std::filesystem::path& path, std::ifstream& file) {
+PamHeader readHeader(const std::filesystem::path& path, PamFile& file) {
     PamHeader header;
     std::string line;
-    std::getline(file, line);
-    while (std::getline(file, line) && line != "ENDHDR") {
+    file.readLine(line);
+    while (file.readLine(line) && line != "ENDHDR") {
         const auto begins = [&](const char* word) { return line.rfind(word, 0) == 0; };
         if (line.empty() || line[0] == '#') continue;
         if (begins("WIDTH "))
@@ -54,34 +90,31 @@ PamHeader readHeader(const std::filesystem::path& path, std::ifstream& file) {
 }  // namespace
 
 Bitmap readPam(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
+    PamFile file(path);
     const PamHeader header = readHeader(path, file);
     if (header.depth != 4 || header.maximum != 255 || header.tupleType != "RGB_ALPHA")
         refuse(path, "a PAM picture must be of DEPTH 4, MAXVAL 255 and TUPLTYPE RGB_ALPHA");
     requirePictureSize(path, header.width, header.height);
     Bitmap picture{static_cast<int32_t>(header.width), static_cast<int32_t>(header.height), {}, nullptr};
     picture.pixels.resize(size_t(header.width) * size_t(header.height));
-    const auto bytes = static_cast<std::streamsize>(picture.pixels.size() * sizeof(Pixel));
-    file.read(reinterpret_cast<char*>(picture.pixels.data()), bytes);
-    if (file.gcount() != bytes)
-        refuse(path, "it ends after " + std::to_string(file.gcount()) + " of " + std::to_string(bytes) +
+    const size_t bytes = picture.pixels.size() * sizeof(Pixel);
+    const size_t there = file.read(reinterpret_cast<char*>(picture.pixels.data()), bytes);
+    if (there != bytes)
+        refuse(path, "it ends after " + std::to_string(there) + " of " + std::to_string(bytes) +
                          " bytes of pixels");
     for (Pixel& p : picture.pixels) std::swap(p.blue, p.red);
     return picture;
 }
 
-void writePam(const AtomicFile& place, const Bitmap& picture) {
-    std::ofstream file(place.path(), std::ios::binary);
-    file << "P7\nWIDTH " << picture.width << "\nHEIGHT " << picture.height
-         << "\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n";
+void writePam(AtomicFile& file, const Bitmap& picture) {
+    file.write("P7\nWIDTH " + std::to_string(picture.width) + "\nHEIGHT " + std::to_string(picture.height) +
+               "\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n");
     std::vector<Pixel> row(size_t(picture.width));
-    for (int32_t y = 0; y < picture.height && file; ++y) {
+    for (int32_t y = 0; y < picture.height; ++y) {
         std::copy_n(picture.row(y), picture.width, row.begin());
         for (Pixel& p : row) std::swap(p.blue, p.red);
-        file.write(reinterpret_cast<const char*>(row.data()), std::streamsize(row.size() * sizeof(Pixel)));
+        file.write({reinterpret_cast<const char*>(row.data()), row.size() * sizeof(Pixel)});
     }
-    file.flush();
-    if (!file) throw PictureError("cannot write " + place.target().string() + ": " + std::strerror(errno));
 }
 
 }  // namespace krl::player

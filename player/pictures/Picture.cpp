@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
-#include <fstream>
 
 #include "player/pictures/Formats.h"
 
@@ -36,10 +36,13 @@ bool beginsAsPam(const std::filesystem::path& path) {
     // A second look, as formats want it, would find a pipe empty.
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
         refuse("a picture is read from a file, not from a pipe or device");
-    std::ifstream file(path, std::ios::binary);
+    std::FILE* file = std::fopen(path.string().c_str(), "rb");
     if (!file) refuse(std::strerror(errno));
     char start[2] = {};
-    file.read(start, 2);
+    const bool broken = std::fread(start, 1, 2, file) < 2 && std::ferror(file);
+    const int error = errno;
+    std::fclose(file);
+    if (broken) refuse(std::strerror(error));
     return start[0] == 'P' && start[1] == '7';
 }
 

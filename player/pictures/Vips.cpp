@@ -196,18 +196,29 @@ Format formatOf(const std::filesystem::path& path) {
     }
 }
 
-int save(VipsImage* image, const char* name, Format format, const WriteOptions& options) {
+int save(VipsImage* image, VipsTarget* target, Format format, const WriteOptions& options) {
     switch (format) {
         case Format::Jpeg:
-            return vips_jpegsave(image, name, "Q", options.quality, nullptr);
+            return vips_jpegsave_target(image, target, "Q", options.quality, nullptr);
         case Format::Tiff:
-            return vips_tiffsave(image, name, "compression", VIPS_FOREIGN_TIFF_COMPRESSION_DEFLATE, nullptr);
+            return vips_tiffsave_target(image, target, "compression", VIPS_FOREIGN_TIFF_COMPRESSION_DEFLATE,
+                                        nullptr);
         case Format::Webp:
-            return vips_webpsave(image, name, "Q", options.quality, nullptr);
+            return vips_webpsave_target(image, target, "Q", options.quality, nullptr);
         case Format::Png:
             break;
     }
-    return vips_pngsave(image, name, nullptr);
+    return vips_pngsave_target(image, target, nullptr);
+}
+
+/// Into the file that is open, never by its name: an interruption may have taken that away.
+int save(VipsImage* image, AtomicFile& file, Format format, const WriteOptions& options) {
+    file.restart();
+    VipsTarget* target = vips_target_new_to_descriptor(file.descriptor());
+    if (!target) return -1;
+    const int status = save(image, target, format, options);
+    g_object_unref(target);
+    return status;
 }
 
 Bitmap read(const std::filesystem::path& path) {
@@ -243,7 +254,7 @@ Bitmap read(const std::filesystem::path& path) {
     return picture;
 }
 
-void write(const AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
+void write(AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
     const std::string doing = "write " + file.target().string();
     std::vector<Pixel> samples = picture.pixels;
     for (Pixel& p : samples) std::swap(p.blue, p.red);
@@ -259,7 +270,7 @@ void write(const AtomicFile& file, const Bitmap& picture, const WriteOptions& op
                          "yres", yres > 0 ? yres : 1.0, nullptr);
     });
     attachMetadata(chain.get(), metadata);
-    const Format format = formatOf(file.path());
+    const Format format = formatOf(file.target());
     const bool opaque = std::all_of(picture.pixels.begin(), picture.pixels.end(),
                                     [](const Pixel& p) { return p.alpha == 255; });
     if (opaque)
@@ -273,8 +284,7 @@ void write(const AtomicFile& file, const Bitmap& picture, const WriteOptions& op
             vips_area_unref(VIPS_AREA(white));
             return status;
         });
-    if (save(chain.get(), file.path().string().c_str(), format, options))
-        throw PictureError("cannot " + doing + ": " + vipsReason());
+    if (save(chain.get(), file, format, options)) throw PictureError("cannot " + doing + ": " + vipsReason());
 }
 
 }  // namespace
@@ -284,7 +294,7 @@ Bitmap readWithVips(const std::filesystem::path& path) {
     return tellingItsOwnReason([&] { return read(path); });
 }
 
-void writeWithVips(const AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
+void writeWithVips(AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
     startVips();
     tellingItsOwnReason([&] { write(file, picture, options); });
 }

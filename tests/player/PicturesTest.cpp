@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <thread>
 
 #if !defined(_WIN32)
 #include <sys/resource.h>
@@ -13,6 +16,7 @@
 #include "player/pictures/AtomicFile.h"
 #include "player/pictures/Formats.h"
 #include "player/pictures/Picture.h"
+#include "tests/player/Refusals.h"
 
 namespace krl::player {
 namespace {
@@ -186,6 +190,41 @@ TEST_F(Pictures, TellByTheirOwnNamesWhyTheyCannotBeWritten) {
     EXPECT_EQ(filesInFolder(), 0u);
 }
 
+/// A file that is there and opens, and then gives nothing.
+TEST_F(Pictures, SayWhyReadingThemFails) {
+    const auto failureOfPam = [](const fs::path& path) -> std::string {
+        try {
+            readPam(path);
+        } catch (const PictureError& error) {
+            return error.what();
+        }
+        return "";
+    };
+    EXPECT_EQ(failureOfPam("/proc/self/mem"), "cannot read /proc/self/mem: Input/output error");
+    EXPECT_EQ(failureOf("/proc/self/mem"), "cannot read /proc/self/mem: Input/output error");
+    EXPECT_EQ(failureOfPam("/none.pam"), "cannot read /none.pam: No such file or directory");
+}
+
+TEST_F(Pictures, WithEndlessHeadersAreRefused) {
+    writeText(folder / "endless.pam", "P7\n#" + std::string(100000, 'x'));
+    EXPECT_NE(failureOf(folder / "endless.pam").find("a line of its header is too long"), std::string::npos);
+}
+
+TEST_F(Pictures, AreNotWrittenWhereClosingThemFails) {
+    for (const char* name : {"a.pam", "b.png", "c.tif"}) {
+        if (!isPictureName(name)) continue;
+        std::string told;
+        try {
+            const FailingClose failing;
+            writePicture(folder / name, noise(20, 20));
+        } catch (const PictureError& error) {
+            told = error.what();
+        }
+        EXPECT_EQ(told, "cannot write " + (folder / name).string() + ": Input/output error");
+    }
+    EXPECT_EQ(filesInFolder(), 0u);
+}
+
 TEST_F(Pictures, AreReadFromFilesAlone) {
     EXPECT_EQ(failureOf("/dev/null"),
               "cannot read /dev/null: a picture is read from a file, not from a pipe or device");
@@ -193,14 +232,49 @@ TEST_F(Pictures, AreReadFromFilesAlone) {
 }
 #endif
 
-TEST_F(Pictures, LeaveNothingWhenWritingIsGivenUpOrInterrupted) {
-    { const AtomicFile given(folder / "given.pam"); }
-    EXPECT_EQ(filesInFolder(), 0u);
-    const AtomicFile interrupted(folder / "interrupted.pam");
-    EXPECT_EQ(filesInFolder(), 1u);
-    removeUnfinishedFiles();
+TEST_F(Pictures, LeaveNothingWhenWritingIsGivenUp) {
+    { AtomicFile(folder / "given.pam").write("P7"); }
     EXPECT_EQ(filesInFolder(), 0u);
 }
+
+#if !defined(_WIN32)
+/// An interrupted program takes a moment to end, in which its other threads run on.
+TEST_F(Pictures, LeaveNothingWhenTheProgramIsInterrupted) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto interrupted = [this] {
+        std::vector<std::thread> writers;
+        for (int i = 0; i < 4; ++i)
+            writers.emplace_back([this, i] {
+                for (;;) writePicture(folder / (std::to_string(i) + ".pam"), noise(100, 100));
+            });
+        while (filesInFolder() < 4) std::this_thread::yield();
+        removeUnfinishedFiles();
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        std::_Exit(7);
+    };
+    EXPECT_EXIT(interrupted(), testing::ExitedWithCode(7), "");
+    EXPECT_GT(filesInFolder(), 0u);
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        EXPECT_NE(entry.path().filename().string().front(), '.') << entry.path();
+        EXPECT_EQ(readPicture(entry.path()).width, 100) << "each is whole";
+    }
+}
+
+#if defined(KRL_WITH_VIPS)
+TEST_F(Pictures, AreNotMadeAnewByALibraryThatWritesThemWhenTheProgramIsInterrupted) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto interrupted = [this] {
+        std::thread writer([this] { writePicture(folder / "a.png", noise(1500, 1500)); });
+        while (filesInFolder() < 1) std::this_thread::yield();
+        removeUnfinishedFiles();
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        std::_Exit(7);
+    };
+    EXPECT_EXIT(interrupted(), testing::ExitedWithCode(7), "");
+    EXPECT_EQ(filesInFolder(), 0u);
+}
+#endif
+#endif
 
 }  // namespace
 }  // namespace krl::player
