@@ -1,14 +1,33 @@
 #include "player/host/Heap.h"
 
+#include <utility>
+
 #include "player/host/HostError.h"
 #include "player/host/Objects.h"
 
 namespace krl::player {
 
-void Heap::clear() {
+/// Nothing is freed while this lives, only noted: what is at work on an object can finish with it.
+class Heap::FreeLater {
+public:
+    explicit FreeLater(Heap& heap) : heap_(heap), outer_(std::exchange(heap.freeing_, true)) {}
+    ~FreeLater() {
+        heap_.freeing_ = outer_;
+        if (!outer_) heap_.freeDoomed();
+    }
+    FreeLater(const FreeLater&) = delete;
+    FreeLater& operator=(const FreeLater&) = delete;
+
+private:
+    Heap& heap_;
+    const bool outer_;
+};
+
+void Heap::clear() noexcept {
     // Objects hold values of this heap: they let go of those first, each in its own time.
-    for (size_t i = 0; i < slots_.size(); ++i)
-        if (slots_[i].object) slots_[i].object->dropChildren();
+    const FreeLater later(*this);
+    for (Slot& slot : slots_)
+        if (slot.kind != Kind::Void && slot.object) slot.object->dropChildren();
     for (uint32_t i = 0; i < slots_.size(); ++i)
         if (slots_[i].kind != Kind::Void) vacate(i);
 }
@@ -74,35 +93,37 @@ bool Heap::retain(const ScriptValue& words) {
     return true;
 }
 
-bool Heap::release(const ScriptValue& words) {
+bool Heap::release(const ScriptValue& words) noexcept {
     if (!onHeap(words)) return true;
     if (!at(words)) return false;
     if (--slots_[slotOf(words)].references == 0) vacate(slotOf(words));
     return true;
 }
 
-void Heap::vacate(uint32_t index) {
+/// What is freed is linked through its own slot: to free takes no memory.
+void Heap::vacate(uint32_t index) noexcept {
     Slot& slot = slots_[index];
-    if (slot.object) doomed_.push_back(slot.object);
-    slot.object = nullptr;
     slot.kind = Kind::Void;
     --living_;
-    // A slot whose generations have run out is never used again, so no old handle can fit it.
-    if (slot.generation != kLastGeneration) {
-        ++slot.generation;
-        slot.nextFree = firstFree_;
-        firstFree_ = index;
-    }
+    slot.nextFree = firstDoomed_;
+    firstDoomed_ = index;
     if (!freeing_) freeDoomed();
 }
 
 /// In a loop, not by recursion: a list may be nested deeper than the stack is.
-void Heap::freeDoomed() {
+void Heap::freeDoomed() noexcept {
     freeing_ = true;
-    while (!doomed_.empty()) {
-        const std::unique_ptr<Object> object(doomed_.back());
-        doomed_.pop_back();
-        bytes_ -= object->charged_;
+    while (firstDoomed_ != kNoSlot) {
+        const uint32_t index = firstDoomed_;
+        Slot& slot = slots_[index];
+        firstDoomed_ = slot.nextFree;
+        const std::unique_ptr<Object> object(std::exchange(slot.object, nullptr));
+        if (object) bytes_ -= object->charged_;
+        // A slot whose generations have run out is never used again, so no old handle can fit it.
+        if (slot.generation == kLastGeneration) continue;
+        ++slot.generation;
+        slot.nextFree = firstFree_;
+        firstFree_ = index;
     }
     freeing_ = false;
 }
@@ -124,41 +145,51 @@ void Heap::recount(Object& object) {
     if (object.bytes() != object.charged_) charge(object);
 }
 
-/// Marks, slot by slot, what a reference from outside the heap leads to.
-std::vector<bool> Heap::heldFromOutside() const {
-    std::vector<uint32_t> inner(slots_.size());
-    for (const Slot& slot : slots_)
-        if (slot.object)
-            slot.object->eachChild([&](const Value& child) {
-                if (at(child.words())) ++inner[slotOf(child.words())];
-            });
-    std::vector<bool> held(slots_.size());
-    std::vector<uint32_t> toVisit;
-    const auto visit = [&](uint32_t index) {
-        if (held[index]) return;
-        held[index] = true;
-        toVisit.push_back(index);
-    };
-    for (uint32_t i = 0; i < slots_.size(); ++i)
-        if (slots_[i].kind != Kind::Void && slots_[i].references > inner[i]) visit(i);
-    while (!toVisit.empty()) {
-        const Object* object = slots_[toVisit.back()].object;
-        toVisit.pop_back();
-        if (object)
-            object->eachChild([&](const Value& child) {
-                if (at(child.words())) visit(slotOf(child.words()));
-            });
-    }
-    return held;
+/// Shows every value that an object of this heap holds and that lives on the heap too.
+template <class Visit>
+void Heap::eachInnerSlot(const Slot& holder, const Visit& visit) {
+    if (holder.kind == Kind::Void || !holder.object) return;
+    // One reference to capture, which `std::function` holds within itself.
+    holder.object->eachChild([&visit](const Value& child) { visit(child.words()); });
 }
 
-void Heap::freeCycles() {
-    const std::vector<bool> held = heldFromOutside();
-    std::vector<Value> garbage;  // keeps the slots until all of them are empty
-    for (uint32_t i = 0; i < held.size(); ++i)
-        if (!held[i] && slots_[i].object)
-            garbage.push_back(Value::sharing(*this, wordsOf(slots_[i].kind, slots_[i].generation, i)));
-    for (const Value& value : garbage) find(value.words())->dropChildren();
+/// Marks what a reference from outside the heap leads to. What is still to be looked into is linked
+/// through the slots.
+void Heap::markHeldFromOutside() noexcept {
+    const auto count = [this](uint32_t change) {
+        for (const Slot& slot : slots_)
+            eachInnerSlot(slot, [this, change](const ScriptValue& words) {
+                if (at(words)) slots_[slotOf(words)].references += change;
+            });
+    };
+    // Without the references from within, whoever still has some is held from outside.
+    count(UINT32_MAX);
+    uint32_t toVisit = kNoSlot;
+    const auto mark = [&](uint32_t index) {
+        Slot& slot = slots_[index];
+        if (slot.held) return;
+        slot.held = true;
+        slot.nextFree = toVisit;
+        toVisit = index;
+    };
+    for (Slot& slot : slots_) slot.held = false;
+    for (uint32_t i = 0; i < slots_.size(); ++i)
+        if (slots_[i].kind != Kind::Void && slots_[i].references > 0) mark(i);
+    count(1);
+    while (toVisit != kNoSlot) {
+        const Slot& slot = slots_[toVisit];
+        toVisit = slot.nextFree;
+        eachInnerSlot(slot, [&](const ScriptValue& words) {
+            if (at(words)) mark(slotOf(words));
+        });
+    }
+}
+
+void Heap::freeCycles() noexcept {
+    markHeldFromOutside();
+    const FreeLater later(*this);
+    for (Slot& slot : slots_)
+        if (slot.kind != Kind::Void && slot.object && !slot.held) slot.object->dropChildren();
 }
 
 Value Value::sharing(Heap& heap, ScriptValue words) {

@@ -51,7 +51,7 @@ public:
     bool findNumber(const ScriptValue& words, double& number) const;
     /// False for a stale handle; values without one are always kept and dropped well.
     bool retain(const ScriptValue& words);
-    bool release(const ScriptValue& words);
+    bool release(const ScriptValue& words) noexcept;
 
     /// Refuses, before it is taken, what would go beyond the limit.
     void mustHold(uint64_t moreBytes) const;
@@ -59,20 +59,22 @@ public:
     void recount(Object& object);
 
     /// Frees what is only held by itself: lists in themselves, objects that know each other.
-    void freeCycles();
+    void freeCycles() noexcept;
     /// Frees everything, whoever still holds it.
-    void clear();
+    void clear() noexcept;
     /// Objects and floats that are alive.
     int64_t living() const { return living_; }
 
 private:
+    class FreeLater;
     struct Slot {
         Object* object = nullptr;
         double number = 0;
         uint32_t generation = 0;
         uint32_t references = 0;
-        Kind kind = Kind::Void;  ///< VOID in a free slot
-        uint32_t nextFree = 0;
+        Kind kind = Kind::Void;  ///< VOID in a free slot, and in one that is about to be freed
+        bool held = false;       ///< by a reference from outside, while cycles are looked for
+        uint32_t nextFree = 0;   ///< next of the list that the slot is in
     };
 
     Value adopt(Kind kind, std::unique_ptr<Object> object);
@@ -80,13 +82,15 @@ private:
     Value fill(Kind kind, Object* object, double number) noexcept;
     const Slot* at(const ScriptValue& words) const;
     void charge(Object& object);
-    void vacate(uint32_t index);
-    void freeDoomed();
-    std::vector<bool> heldFromOutside() const;
+    void vacate(uint32_t index) noexcept;
+    void freeDoomed() noexcept;
+    template <class Visit>
+    static void eachInnerSlot(const Slot& holder, const Visit& visit);
+    void markHeldFromOutside() noexcept;
 
     std::vector<Slot> slots_;
     uint32_t firstFree_ = kNoSlot;
-    std::vector<Object*> doomed_;
+    uint32_t firstDoomed_ = kNoSlot;
     bool freeing_ = false;
     uint64_t bytes_ = 0;
     uint64_t limitBytes_;
