@@ -31,6 +31,7 @@ struct CallReport {
 /// What became of one picture.
 struct PictureReport {
     std::vector<CallReport> calls;
+    bool written = false;
     std::string failure;  ///< in one line; empty for a picture that was written
 };
 
@@ -51,6 +52,7 @@ PictureReport workOn(Session& session, const BatchItem& item, const std::vector<
             return report;
         }
         writePicture(item.output, picture, {quality});
+        report.written = true;
     } catch (const ScriptError& error) {
         report.failure = item.input.string() + ": " + error.what();
     } catch (const PictureError& error) {
@@ -89,25 +91,45 @@ void showFailure(const PictureReport& report, const Terminal& terminal) {
         terminal.err << "  " << complaint << '\n';
 }
 
-int tellAll(const std::vector<BatchItem>& items, const std::vector<PictureReport>& reports, bool json,
-            const Terminal& terminal) {
-    size_t failed = 0;
+void tellAll(const std::vector<BatchItem>& items, const std::vector<PictureReport>& reports, size_t failed,
+             bool json, const Terminal& terminal) {
     auto all = nlohmann::ordered_json::array();
     for (size_t i = 0; i < items.size(); ++i) {
         if (json)
             all.push_back(jsonOf(items[i], reports[i]));
         else
             showResults(reports[i], terminal);
-        if (reports[i].failure.empty()) continue;
-        ++failed;
-        showFailure(reports[i], terminal);
+        if (!reports[i].written) showFailure(reports[i], terminal);
     }
     // Names of files may be bytes of any kind; JSON is not.
     if (json) terminal.out << all.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
     if (items.size() > 1)
         terminal.err << items.size() - failed << " of " << items.size() << " pictures done"
                      << (failed > 0 ? ", " + std::to_string(failed) + " failed" : "") << '\n';
+}
+
+/// The exit code. What is written stays so, and that is told even where the rest cannot be.
+int outcomeOf(const std::vector<BatchItem>& items, const std::vector<PictureReport>& reports, bool json,
+              const Terminal& terminal) {
+    const auto written = static_cast<size_t>(std::count_if(
+        reports.begin(), reports.end(), [](const PictureReport& report) { return report.written; }));
+    const size_t failed = items.size() - written;
+    try {
+        tellAll(items, reports, failed, json, terminal);
+    } catch (const std::bad_alloc&) {
+        terminal.err << "krlimage: out of memory after " << written << " of " << items.size()
+                     << " pictures were written\n";
+        return 1;
+    }
     return failed > 0 ? 1 : 0;
+}
+
+/// Something ended the work as a whole: the pictures that nobody worked on failed by it.
+void failTheRest(const std::vector<BatchItem>& items, std::vector<PictureReport>& reports,
+                 const std::string& why) {
+    for (size_t i = 0; i < items.size(); ++i)
+        if (!reports[i].written && reports[i].failure.empty())
+            reports[i].failure = items[i].input.string() + ": " + why;
 }
 
 /// A lone name that nothing has: a method as likely as a folder, and told before anything is written.
@@ -154,7 +176,7 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
     // Whoever writes a call names its pictures too: there is nothing to keep it from.
     SessionOptions settings = options.session;
     settings.allowedFolders.push_back(fs::current_path().root_path());
-    {
+    try {
         ProgressBar progress(terminal, items.size(), "pictures");
         workSideBySide(items.size(), options.jobs, [&]() -> Worker {
             const auto session = std::make_shared<Session>(settings);
@@ -163,8 +185,13 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
                 progress.step();
             };
         });
+    } catch (const std::bad_alloc&) {
+        failTheRest(items, reports, "out of memory");
+    } catch (const ScriptError& error) {
+        if (items.size() == 1) throw;
+        failTheRest(items, reports, error.what());
     }
-    return tellAll(items, reports, options.json, terminal);
+    return outcomeOf(items, reports, options.json, terminal);
 }
 
 }  // namespace krl::player

@@ -3,6 +3,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace krl::player {
 
@@ -60,7 +61,7 @@ HostStatus KRL_HOST_CALL_VARIADIC printMessage(HostInterface* self, const char* 
     const int length = std::vsnprintf(text, sizeof(text), format, arguments);
     va_end(arguments);
     if (length < 0) return kWrongKind;
-    return guarded([&] {
+    return guardedAnswer(self, [&] {
         if (hostOf(self).onMessage) hostOf(self).onMessage(text);
         return kHostOk;
     });
@@ -123,6 +124,12 @@ const RegistryDictionary* EmbeddedHost::dictionary(const Identifier& classId,
         if (entry.classId == classId && entry.interfaceId == interfaceId) return &entry;
     return nullptr;
 }
+
+void EmbeddedHost::rethrowFailure() {
+    if (failure_) std::rethrow_exception(std::exchange(failure_, nullptr));
+}
+
+void keepFailure(EmbeddedHost& host) noexcept { host.failure_ = std::current_exception(); }
 
 void* EmbeddedHost::allocate(uint32_t bytes) {
     void* block = std::calloc(1, bytes == 0 ? 1 : bytes);

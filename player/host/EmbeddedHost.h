@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <exception>
 #include <functional>
 #include <map>
 #include <memory>
@@ -56,6 +57,9 @@ public:
     const RegistryDictionary* dictionary(const host::Identifier& classId,
                                          const host::Identifier& interfaceId) const;
 
+    /// Throws what went wrong in an operation that answers are made with, once.
+    void rethrowFailure();
+
     /// A zeroed block that counts until it is freed, or null.
     void* allocate(uint32_t bytes);
     void free(void* block);
@@ -70,6 +74,8 @@ public:
     Service player, playerSub;
 
 private:
+    friend void keepFailure(EmbeddedHost& host) noexcept;
+
     struct Offer {
         host::Identifier id;
         Service service;
@@ -83,6 +89,7 @@ private:
     std::deque<RegistryDictionary> dictionaries_;
     int64_t blocks_ = 0;
     int64_t locks_ = 0;
+    std::exception_ptr failure_;
 };
 
 }  // namespace krl::player

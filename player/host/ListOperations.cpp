@@ -35,7 +35,7 @@ HostStatus give(const Value& value, ScriptValue* out) {
 
 template <class ListType>
 HostStatus makeList(HostInterface* self, ScriptValue* list) {
-    return guarded([&] {
+    return guardedAnswer(self, [&] {
         *list = hostOf(self).heap.make<ListType>().release();
         return kHostOk;
     });
@@ -51,7 +51,7 @@ HostStatus KRL_HOST_CALL newPropertyList(HostInterface* self, ScriptValue* list)
 
 HostStatus KRL_HOST_CALL appendToList(HostInterface* self, const ScriptValue* list,
                                       const ScriptValue* value) {
-    return guarded([&]() -> HostStatus {
+    return guardedAnswer(self, [&]() -> HostStatus {
         auto* linear = listOf<ListObject>(self, list);
         if (!linear) return refused(self, list);
         Value shared;
@@ -64,7 +64,7 @@ HostStatus KRL_HOST_CALL appendToList(HostInterface* self, const ScriptValue* li
 
 HostStatus KRL_HOST_CALL appendProperty(HostInterface* self, const ScriptValue* list, const ScriptValue* key,
                                         const ScriptValue* value) {
-    return guarded([&]() -> HostStatus {
+    return guardedAnswer(self, [&]() -> HostStatus {
         auto* properties = listOf<PropertyListObject>(self, list);
         if (!properties) return refused(self, list);
         PropertyListObject::Entry entry;
@@ -96,7 +96,7 @@ HostStatus KRL_HOST_CALL elementByIndex(HostInterface* self, const ScriptValue* 
 
 HostStatus KRL_HOST_CALL elementByKey(HostInterface* self, const ScriptValue* list, const ScriptValue* key,
                                       ScriptValue* element) {
-    return guarded([&]() -> HostStatus {
+    return guardedAnswer(self, [&]() -> HostStatus {
         *element = {};
         const auto* properties = listOf<PropertyListObject>(self, list);
         if (!properties) return refused(self, list);

@@ -40,6 +40,21 @@ host::HostStatus guarded(Work&& work) {
     }
 }
 
+/// Keeps the exception at hand for the call that the plug-in is in.
+void keepFailure(EmbeddedHost& host) noexcept;
+
+/// For what an answer is made of. The plug-in may answer without what it did not get, so the call as a
+/// whole fails.
+template <class Work>
+host::HostStatus guardedAnswer(host::HostInterface* self, Work&& work) {
+    try {
+        return work();
+    } catch (...) {
+        keepFailure(hostOf(self));
+        return host::kHostOutOfMemory;
+    }
+}
+
 // The services' operations, each family in a file of its own.
 void fillValueOperations(Service& values, Service& colours);
 void fillListOperations(Service& lists);

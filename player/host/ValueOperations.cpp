@@ -16,7 +16,7 @@ HostStatus mismatch(HostInterface* self, const ScriptValue* value) {
 }
 
 HostStatus KRL_HOST_CALL internSymbol(HostInterface* self, const char* name, SymbolId* symbol) {
-    return guarded([&] {
+    return guardedAnswer(self, [&] {
         *symbol = hostOf(self).symbols.symbol(name);
         return kHostOk;
     });
@@ -72,14 +72,14 @@ HostStatus KRL_HOST_CALL symbolToValue(HostInterface* self, SymbolId symbol, Scr
 }
 
 HostStatus KRL_HOST_CALL floatToValue(HostInterface* self, double number, ScriptValue* value) {
-    return guarded([&] {
+    return guardedAnswer(self, [&] {
         *value = hostOf(self).heap.number(number).release();
         return kHostOk;
     });
 }
 
 HostStatus KRL_HOST_CALL stringToValue(HostInterface* self, const char* text, ScriptValue* value) {
-    return guarded([&] {
+    return guardedAnswer(self, [&] {
         *value = hostOf(self).heap.string(text).release();
         return kHostOk;
     });

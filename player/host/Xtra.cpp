@@ -133,6 +133,7 @@ Value Xtra::newInstance() {
     {
         const std::lock_guard lock(objectMutex());
         instance->script = makeInterface(scriptClass_, ids::kIMoaMmXScript);
+        host_.rethrowFailure();
     }
     // Outside the lock: where the heap is full, the instance goes again, and takes the lock for it.
     return host_.heap.keep(std::move(instance));
@@ -148,7 +149,9 @@ Value Xtra::call(const Value& instance, int32_t selector, std::span<const Value>
     info.arguments = words.data();
     // The status repeats what the result says, or says of a result that there is none.
     CallOperation::call(instance.as<XtraInstanceObject>()->script, &info);
-    return Value::adopting(host_.heap, info.result);
+    Value answer = Value::adopting(host_.heap, info.result);
+    host_.rethrowFailure();
+    return answer;
 }
 
 HostStatus KRL_HOST_CALL Xtra::queryInstance(HostInterface* self, const Identifier* id, void** out) {
