@@ -4,9 +4,9 @@
 
 namespace krl::player {
 
-/// Levels of expressions and of blocks that a script may nest.
+/// Levels of expressions and of statements that a script may nest.
 inline constexpr int kDeepestExpression = 250;
-inline constexpr int kDeepestBlock = 100;
+inline constexpr int kDeepestStatement = 100;
 
 /// Parses a script file; throws `ScriptError` at the first text that is no Lingo.
 std::unique_ptr<Script> parseScript(std::shared_ptr<const Source> source, SymbolTable& symbols);

@@ -1,5 +1,6 @@
 #include "player/lingo/ScriptError.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace krl::player {
@@ -13,6 +14,14 @@ std::string oneLine(const std::string& file, Place place, const std::string& mes
     return text.empty() ? message : text + ": " + message;
 }
 
+constexpr size_t kLongestExcerpt = 160;
+
+/// The next place in UTF-8 at which a letter begins.
+size_t wholeLetter(const std::string& text, size_t place) {
+    while (place < text.size() && (static_cast<unsigned char>(text[place]) & 0xC0) == 0x80) ++place;
+    return place;
+}
+
 }  // namespace
 
 ScriptError::ScriptError(std::string file, Place place, std::string message, std::string sourceLine)
@@ -24,11 +33,20 @@ ScriptError::ScriptError(std::string file, Place place, std::string message, std
 
 std::string ScriptError::excerpt() const {
     if (place_.line == 0) return "";
-    // Tabs stay tabs, so that the caret stands under its letter however wide they are shown.
-    std::string caret;
-    for (size_t i = 0; i + 1 < static_cast<size_t>(place_.column); ++i)
-        caret += i < sourceLine_.size() && sourceLine_[i] == '\t' ? '\t' : ' ';
-    return sourceLine_ + '\n' + caret + '^';
+    const auto column = static_cast<size_t>(std::max(place_.column, 1)) - 1;
+    // Of a line that is too long to look through, what is around the place.
+    const size_t first = column > kLongestExcerpt / 2 && sourceLine_.size() > kLongestExcerpt
+                             ? wholeLetter(sourceLine_, column - kLongestExcerpt / 2)
+                             : 0;
+    const size_t last = sourceLine_.size() - first > kLongestExcerpt
+                            ? wholeLetter(sourceLine_, first + kLongestExcerpt)
+                            : sourceLine_.size();
+    const std::string shown = sourceLine_.substr(first, last - first);
+    const std::string before = first > 0 ? "..." : "", after = last < sourceLine_.size() ? "..." : "";
+    // Tabs stay tabs, so that the caret stays under its letter however wide they are shown.
+    std::string caret(before.size(), ' ');
+    for (size_t i = 0; i < column - first; ++i) caret += i < shown.size() && shown[i] == '\t' ? '\t' : ' ';
+    return before + shown + after + '\n' + caret + '^';
 }
 
 }  // namespace krl::player

@@ -30,20 +30,20 @@ void StatementParser::declare(std::vector<SymbolId>& names) {
 }
 
 Block StatementParser::block() {
-    if (++blocks_ > kDeepestBlock) failAt(here().place, "the blocks are nested too deeply");
     Block body;
     while (here().kind != TokenKind::End && !here().isWord("end") && !here().isWord("else") &&
            !here().isWord("on") && !(inCase_ > 0 && atLabel())) {
         statementInto(body);
         passLineEnds();
     }
-    --blocks_;
     return body;
 }
 
 void StatementParser::statementInto(Block& body) {
     if (here().isWord("global")) return declare(handlerGlobals_);
+    if (++statements_ > kDeepestStatement) failAt(here().place, "the statements are nested too deeply");
     body.push_back(statement());
+    --statements_;
 }
 
 StatementPointer StatementParser::statement() {

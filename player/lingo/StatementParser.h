@@ -56,7 +56,7 @@ private:
     bool endFollows(const char* word) const;
     void endOf(const char* word, Place start);
 
-    int blocks_ = 0;
+    int statements_ = 0;  ///< within each other, on lines of their own or on one
     int inCase_ = 0;
 };
 

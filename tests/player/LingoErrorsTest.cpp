@@ -81,6 +81,31 @@ TEST(LingoErrors, TheCaretStandsUnderTheColumn) {
     EXPECT_EQ(script.excerpt, "\tput 1 +\n\t       ^");
 }
 
+TEST(LingoErrors, OfAVeryLongLineTheExcerptShowsWhatIsAroundTheColumn) {
+    const std::string sum = "1 + ";
+    std::string line = "put ";
+    while (line.size() < 3000) line += sum;
+    const std::string whole = line + ", " + line;
+    const ScriptError inside("a.ls", {1, static_cast<int>(line.size()) + 1}, "wrong", whole);
+    const std::string shown = inside.excerpt();
+    const size_t end = shown.find('\n');
+    EXPECT_LT(end, 200u);
+    EXPECT_EQ(shown.substr(0, 3), "...");
+    EXPECT_EQ(shown.substr(end - 3, 3), "...");
+    EXPECT_EQ(shown[shown.size() - 1 - (end + 1)], ',') << "the caret is under the comma";
+    const ScriptError first("a.ls", {1, 1}, "wrong", whole);
+    EXPECT_EQ(first.excerpt().substr(0, 7), "put 1 +");
+    EXPECT_EQ(first.excerpt().substr(first.excerpt().size() - 2), "\n^");
+    // No letter is cut in two.
+    std::string umlauts;
+    for (int i = 0; i < 400; ++i) umlauts += "\xC3\xA4";
+    for (int column = 200; column < 204; ++column) {
+        const std::string cut = ScriptError("a.ls", {1, column}, "wrong", umlauts).excerpt();
+        EXPECT_EQ(cut.substr(0, 5), "...\xC3\xA4") << column;
+        EXPECT_EQ(cut[cut.find('\n') - 4], '\xA4') << column;
+    }
+}
+
 TEST(LingoErrors, TheLineStartsWithFileLineAndColumn) {
     const test::ScratchFolder folder;
     std::ofstream(folder.path() / "bad.ls") << "on main\n  put\n  put nothingHere\nend\n";

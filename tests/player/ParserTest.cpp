@@ -93,6 +93,37 @@ TEST_F(Parsing, LineEndsOfEveryKindCountOnce) {
     }
 }
 
+/// On lines of their own and on one line alike: the stack has an end.
+TEST_F(Parsing, StatementsWithinEachOtherAreLimited) {
+    const auto nested = [](int times, const std::string& open, const std::string& close) {
+        std::string lines;
+        for (int i = 0; i < times; ++i) lines += open;
+        lines += "nothing";
+        for (int i = 0; i < times; ++i) lines += close;
+        return lines;
+    };
+    const std::pair<std::string, std::string> forms[] = {
+        {"if a then ", ""},
+        {"if a then\n", "\nend if"},
+        {"case a of\n1: ", "\nend case"},
+        {"case a of\n1:\n", "\nend case"},
+        {"case a of\notherwise: ", "\nend case"},
+        {"if a then repeat while b\n", "\nend repeat"},
+        {"repeat with i = 1 to 2\n", "\nend repeat"},
+    };
+    for (const auto& [open, close] : forms) {
+        EXPECT_NO_THROW(handler(nested(40, open, close))) << open;
+        try {
+            handler(nested(20000, open, close));
+            ADD_FAILURE() << open;
+        } catch (const ScriptError& error) {
+            EXPECT_EQ(error.message(), "the statements are nested too deeply") << open;
+            EXPECT_LT(error.excerpt().size(), 500u) << open;
+        }
+    }
+    EXPECT_NO_THROW(handler(nested(20000, "if a then b() else ", ""))) << "one after another, not within";
+}
+
 TEST_F(Parsing, AMarkThatBeginsUtf8IsPassedOver) {
     EXPECT_EQ(parsed("\xEF\xBB\xBFon main\nend", symbols)->handlers.size(), 1u);
 }
