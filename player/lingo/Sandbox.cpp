@@ -24,7 +24,20 @@ bool isThere(const fs::path& file) {
     return fs::exists(file, failed);
 }
 
-fs::path pathOf(const std::string& name) { return std::u8string(name.begin(), name.end()); }
+/// The system ends a name at a zero byte, and a terminal obeys control characters: such names are refused.
+void requirePlainName(const std::string& name) {
+    const auto control = std::find_if(name.begin(), name.end(),
+                                      [](unsigned char letter) { return letter < ' ' || letter == 0x7F; });
+    if (control != name.end())
+        throw HostError("the name of a file has a control character, code " +
+                        std::to_string(static_cast<unsigned char>(*control)) + ", after \"" +
+                        std::string(name.begin(), control) + '"');
+}
+
+fs::path pathOf(const std::string& name) {
+    requirePlainName(name);
+    return std::u8string(name.begin(), name.end());
+}
 
 bool within(const fs::path& file, const fs::path& folder) {
     const auto [folderEnd, rest] = std::mismatch(folder.begin(), folder.end(), file.begin(), file.end());
@@ -97,6 +110,7 @@ std::vector<fs::path> Sandbox::castFolders() const {
 }
 
 fs::path Sandbox::member(const std::string& name, const std::vector<std::string>& extensions) const {
+    requirePlainName(name);
     for (const fs::path& folder : castFolders()) {
         std::vector<fs::path> found;
         std::error_code failed;

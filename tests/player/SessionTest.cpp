@@ -165,6 +165,29 @@ TEST(Sandbox, NothingOutsideTheFoldersIsReadOrWritten) {
     EXPECT_EQ(run({}, folder.path(), "put script(\"" + up + "other\")").find("there is no script"), 0u);
 }
 
+/// The system ends a name at a zero byte: what was looked at would not be what is opened.
+TEST(Sandbox, NamesWithControlCharactersAreRefused) {
+    const test::ScratchFolder folder, elsewhere;
+    writePicture(elsewhere.path() / "secret.pam", greyPicture(1, 1, 7));
+    const std::string up = "../" + elsewhere.path().filename().string() + "/";
+    const std::string here = "/../../" + folder.path().filename().string() + "/";
+    for (const std::string code : {"0", "1", "10", "27", "127"}) {
+        const auto name = [&](const std::string& file) {
+            return "\"" + up + file + "\" & numToChar(" + code + ") & \"" + here + "x.pam\"";
+        };
+        const std::string refusal = "the name of a file has a control character, code " + code + ", after \"";
+        EXPECT_EQ(run({}, folder.path(), "image(1, 1, 32).save(" + name("new.pam") + ")"),
+                  refusal + up + "new.pam\"");
+        EXPECT_EQ(run({}, folder.path(), "put image(" + name("secret.pam") + ").width"),
+                  refusal + up + "secret.pam\"");
+        EXPECT_EQ(run({}, folder.path(), "put member(" + name("secret.pam") + ").image"),
+                  refusal + up + "secret.pam\"");
+        EXPECT_EQ(run({}, folder.path(), "put script(" + name("secret.pam") + ")"),
+                  refusal + up + "secret.pam\"");
+    }
+    EXPECT_FALSE(fs::exists(elsewhere.path() / "new.pam"));
+}
+
 TEST(Sandbox, FoldersCanBeAdded) {
     const test::ScratchFolder folder, elsewhere;
     writePicture(elsewhere.path() / "more.pam", greyPicture(4, 1, 7));
