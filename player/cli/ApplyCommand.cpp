@@ -36,7 +36,7 @@ struct PictureReport {
 };
 
 PictureReport workOn(Session& session, const BatchItem& item, const std::vector<ChainCall>& chain,
-                     int quality) {
+                     const WriteOptions& options) {
     PictureReport report;
     try {
         Bitmap picture = readPicture(item.input);
@@ -51,7 +51,7 @@ PictureReport workOn(Session& session, const BatchItem& item, const std::vector<
             report.failure = item.input.string() + ": " + made.outcome.error + " from " + made.call;
             return report;
         }
-        writePicture(item.output, picture, {quality});
+        writePicture(item.output, picture, options);
         report.written = true;
     } catch (const ScriptError& error) {
         report.failure = item.input.string() + ": " + error.what();
@@ -172,6 +172,7 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
     if (options.output.empty()) throw UsageError("where to? -o OUT or -o DIR is wanted");
 
     const std::vector<BatchItem> items = planBatch(inputs, options);
+    const WriteOptions writing{options.quality, formatOf("x." + options.format)};
     std::vector<PictureReport> reports(items.size());
     // Whoever writes a call names its pictures too: there is nothing to keep it from.
     SessionOptions settings = options.session;
@@ -181,7 +182,7 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
         workSideBySide(items.size(), options.jobs, [&]() -> Worker {
             const auto session = std::make_shared<Session>(settings);
             return [&, session](size_t i) {
-                reports[i] = workOn(*session, items[i], chain, options.quality);
+                reports[i] = workOn(*session, items[i], chain, writing);
                 progress.step();
             };
         });

@@ -4,6 +4,7 @@
 #include <map>
 
 #include "player/cli/TextFile.h"
+#include "player/host/SymbolTable.h"
 #include "player/pictures/Picture.h"
 
 namespace krl::player {
@@ -29,10 +30,22 @@ std::vector<fs::path> picturesIn(const fs::path& folder) {
     return found;
 }
 
+/// Whether a name has the extension of a format for pictures, be it one that this build cannot write.
+bool endsAsPictures(const fs::path& name) {
+    static constexpr const char* others[] = {".avif", ".bmp", ".gif", ".heic", ".heif", ".jp2",
+                                             ".jpeg", ".jpg", ".jxl", ".pbm",  ".pgm",  ".png",
+                                             ".pnm",  ".ppm", ".tga", ".tif",  ".tiff", ".webp"};
+    const std::string extension = folded(name.extension().string());
+    return isPictureName(name) ||
+           std::find(std::begin(others), std::end(others), extension) != std::end(others);
+}
+
 fs::path nameIn(const fs::path& folder, const fs::path& input, const std::string& format) {
     fs::path name = input.filename();
-    if (!format.empty()) name.replace_extension(format);
-    return folder / name;
+    if (format.empty()) return folder / name;
+    // What follows a dot is part of the name, as in `v1.2`, unless pictures end so.
+    if (endsAsPictures(name)) return folder / name.replace_extension(format);
+    return folder / (name.string() + '.' + format);
 }
 
 void refuseSharedOutputs(const std::vector<BatchItem>& items) {
@@ -60,11 +73,7 @@ std::vector<BatchItem> planBatch(const std::vector<fs::path>& inputs, const Appl
         pictures.insert(pictures.end(), found.begin(), found.end());
     }
     const fs::path output = options.output;
-    if (!severalWanted && !isFolder(output) && output.has_filename()) {
-        fs::path named = output;
-        if (!options.format.empty()) named.replace_extension(options.format);
-        return {{pictures.front(), named}};
-    }
+    if (!severalWanted && !isFolder(output) && output.has_filename()) return {{pictures.front(), output}};
     std::error_code unreadable;
     if (severalWanted && fs::is_regular_file(output, unreadable))
         throw UsageError(output.string() + " is a file, and several pictures need a folder");

@@ -1,7 +1,9 @@
 #include "player/pictures/AtomicFile.h"
 
+#include <array>
 #include <atomic>
 #include <cerrno>
+#include <charconv>
 #include <chrono>
 #include <csignal>
 #include <cstring>
@@ -12,6 +14,7 @@
 #if defined(_WIN32)
 #include <io.h>
 #else
+#include <fcntl.h>
 #include <unistd.h>
 #endif
 
@@ -81,11 +84,47 @@ void removeFile(const fs::path& file) noexcept {
 #endif
 }
 
+#if defined(_WIN32)
+bool isPouredInto(const fs::path&) { return false; }
+int openToPour(const fs::path&) { return -1; }
+#else
+/// The descriptor that a name is for, such as 1 for `/dev/stdout`, or none: -1.
+int namedDescriptor(const std::string& name) {
+    if (name == "/dev/stdout") return STDOUT_FILENO;
+    if (name == "/dev/stderr") return STDERR_FILENO;
+    for (const std::string_view folder : {"/dev/fd/", "/proc/self/fd/"}) {
+        if (name.rfind(folder, 0) != 0) continue;
+        int number = -1;
+        const char* last = name.data() + name.size();
+        if (std::from_chars(name.data() + folder.size(), last, number).ptr == last) return number;
+    }
+    return -1;
+}
+
+bool isPouredInto(const fs::path& target) {
+    std::error_code unreadable;
+    const fs::file_status status = fs::status(target, unreadable);
+    const bool special = fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
+    return special || namedDescriptor(target.string()) >= 0;
+}
+
+int openToPour(const fs::path& target) {
+    const int named = namedDescriptor(target.string());
+    return named >= 0 ? ::fcntl(named, F_DUPFD_CLOEXEC, 0) : ::open(target.c_str(), O_WRONLY | O_CLOEXEC);
+}
+#endif
+
 }  // namespace
 
-AtomicFile::AtomicFile(const fs::path& target) : target_(target), temporary_(temporaryName(target)) {
+AtomicFile::AtomicFile(const fs::path& target) : target_(target) {
     int error = 0;
-    {
+    if (isPouredInto(target)) {
+        poured_ = openToPour(target);
+        stream_ = poured_ < 0 ? nullptr : std::tmpfile();
+        error = errno;
+        if (!stream_ && poured_ >= 0) ::close(poured_);
+    } else {
+        temporary_ = temporaryName(target);
         const GateGuard guard;
         stream_ = create(temporary_);
         error = errno;
@@ -96,6 +135,7 @@ AtomicFile::AtomicFile(const fs::path& target) : target_(target), temporary_(tem
 
 AtomicFile::~AtomicFile() {
     if (stream_) std::fclose(stream_);
+    if (poured_ >= 0) ::close(poured_);
     if (temporary_.empty()) return;
     const GateGuard guard;
     removeFile(temporary_);
@@ -132,8 +172,13 @@ void AtomicFile::restart() {
 }
 
 void AtomicFile::commit() {
+    if (poured_ >= 0) return pour();
     // The last bytes go out here, and a file server may refuse them only now.
     if (std::fclose(std::exchange(stream_, nullptr)) != 0) fail(errno);
+    place();
+}
+
+void AtomicFile::place() {
     std::error_code failure;
     {
         const GateGuard guard;
@@ -144,6 +189,20 @@ void AtomicFile::commit() {
         }
     }
     if (failure) throw PictureError("cannot write " + target_.string() + ": " + failure.message());
+}
+
+void AtomicFile::pour() {
+    std::array<char, 65536> bytes;
+    if (std::fflush(stream_) != 0) fail(errno);
+    std::rewind(stream_);
+    while (const size_t count = std::fread(bytes.data(), 1, bytes.size(), stream_))
+        for (size_t done = 0; done < count;) {
+            const auto written = ::write(poured_, bytes.data() + done, count - done);
+            if (written < 0 && errno != EINTR) fail(errno);
+            if (written > 0) done += static_cast<size_t>(written);
+        }
+    if (std::ferror(stream_)) fail(errno);
+    if (::close(std::exchange(poured_, -1)) != 0) fail(errno);
 }
 
 void removeUnfinishedFiles() noexcept {

@@ -8,6 +8,8 @@ namespace krl::player {
 
 /// A file that appears whole or not at all: it is written beside its place under another name, and
 /// `commit` renames it. Without `commit`, and when the program is interrupted, nothing is left.
+/// Where the name is that of a pipe, a device or an open file, such as `/dev/stdout`, `commit` pours
+/// all into it.
 class AtomicFile {
 public:
     /// Creates the file beside `target`; throws `PictureError` where that cannot be.
@@ -29,11 +31,15 @@ public:
 private:
     friend void removeUnfinishedFiles() noexcept;
 
+    void place();
+    void pour();
     void forget() noexcept;
     [[noreturn]] void fail(int error) const;
 
-    std::filesystem::path target_, temporary_;
+    std::filesystem::path target_;
+    std::filesystem::path temporary_;  ///< empty where there is nothing to remove
     std::FILE* stream_ = nullptr;
+    int poured_ = -1;             ///< descriptor to pour into, or none
     AtomicFile* next_ = nullptr;  ///< of all that are being written
 };
 

@@ -15,6 +15,6 @@ void writePam(AtomicFile& file, const Bitmap& picture);
 
 /// PNG, JPEG, TIFF and WebP, in builds with libvips.
 Bitmap readWithVips(const std::filesystem::path& path);
-void writeWithVips(AtomicFile& file, const Bitmap& picture, const WriteOptions& options);
+void writeWithVips(AtomicFile& file, const Bitmap& picture, PictureFormat format, int quality);
 
 }  // namespace krl::player

@@ -11,11 +11,20 @@ namespace krl::player {
 
 namespace {
 
+struct Extension {
+    const char* name;
+    PictureFormat format;
+};
+
 #if defined(KRL_WITH_VIPS)
-constexpr const char* kExtensions[] = {".png", ".jpg", ".jpeg", ".tif", ".tiff", ".webp", ".pam"};
+constexpr Extension kExtensions[] = {
+    {".png", PictureFormat::Png},  {".jpg", PictureFormat::Jpeg},  {".jpeg", PictureFormat::Jpeg},
+    {".tif", PictureFormat::Tiff}, {".tiff", PictureFormat::Tiff}, {".webp", PictureFormat::Webp},
+    {".pam", PictureFormat::Pam},
+};
 constexpr const char* kFormats = ".png, .jpg, .tif, .webp or .pam";
 #else
-constexpr const char* kExtensions[] = {".pam"};
+constexpr Extension kExtensions[] = {{".pam", PictureFormat::Pam}};
 constexpr const char* kFormats = ".pam";
 #endif
 
@@ -64,25 +73,27 @@ Bitmap readPicture(const std::filesystem::path& path) {
 #endif
 }
 
-bool isPictureName(const std::filesystem::path& path) {
+std::optional<PictureFormat> formatOf(const std::filesystem::path& path) {
     const std::string extension = lowerExtension(path);
-    return std::find(std::begin(kExtensions), std::end(kExtensions), extension) != std::end(kExtensions);
+    const auto found = std::find_if(std::begin(kExtensions), std::end(kExtensions),
+                                    [&](const Extension& entry) { return entry.name == extension; });
+    return found == std::end(kExtensions) ? std::nullopt : std::optional(found->format);
 }
+
+bool isPictureName(const std::filesystem::path& path) { return formatOf(path).has_value(); }
 
 std::string writableFormats() { return kFormats; }
 
 void writePicture(const std::filesystem::path& path, const Bitmap& picture, const WriteOptions& options) {
-    if (!isPictureName(path))
-        throw PictureError("cannot write " + path.string() + ": its name must end in " + kFormats);
+    const std::optional<PictureFormat> format = options.format ? options.format : formatOf(path);
+    if (!format) throw PictureError("cannot write " + path.string() + ": its name must end in " + kFormats);
     requirePictureSize(path, picture.width, picture.height);
     AtomicFile file(path);
-    if (lowerExtension(path) == ".pam") {
+    if (format == PictureFormat::Pam) {
         writePam(file, picture);
     } else {
 #if defined(KRL_WITH_VIPS)
-        writeWithVips(file, picture, options);
-#else
-        static_cast<void>(options);
+        writeWithVips(file, picture, *format, options.quality);
 #endif
     }
     file.commit();

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -43,12 +44,18 @@ inline constexpr int64_t kPictureByteLimit = int64_t{1} << 31;
 /// converted, EXIF orientation is applied. Throws `PictureError`.
 Bitmap readPicture(const std::filesystem::path& path);
 
+enum class PictureFormat { Png, Jpeg, Tiff, Webp, Pam };
+
+/// The format of a name's extension, if this build writes it.
+std::optional<PictureFormat> formatOf(const std::filesystem::path& path);
+
 struct WriteOptions {
-    int quality = 90;  ///< of formats that lose something, 1 to 100
+    int quality = 90;                     ///< of formats that lose something, 1 to 100
+    std::optional<PictureFormat> format;  ///< whatever the name says
 };
 
-/// Writes a picture in the format of the name's extension. The file appears whole or not at all,
-/// and an existing one is replaced only by a whole one. Throws `PictureError`.
+/// Writes a picture, in the format of the name's extension unless another is given. The file appears
+/// whole or not at all, and an existing one is replaced only by a whole one. Throws `PictureError`.
 void writePicture(const std::filesystem::path& path, const Bitmap& picture, const WriteOptions& options = {});
 
 /// Whether a name's extension is one that `writePicture` knows.

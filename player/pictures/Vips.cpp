@@ -180,43 +180,28 @@ void attachMetadata(VipsImage* image, const PictureMetadata& metadata) {
     vips_image_set_int(image, VIPS_META_ORIENTATION, 1);
 }
 
-enum class Format { Png, Jpeg, Tiff, Webp };
-
-Format formatOf(const std::filesystem::path& path) {
-    const std::string extension = path.extension().string();
-    switch (extension.size() > 1 ? extension[1] | 0x20 : 0) {
-        case 'j':
-            return Format::Jpeg;
-        case 't':
-            return Format::Tiff;
-        case 'w':
-            return Format::Webp;
-        default:
-            return Format::Png;
-    }
-}
-
-int save(VipsImage* image, VipsTarget* target, Format format, const WriteOptions& options) {
+int save(VipsImage* image, VipsTarget* target, PictureFormat format, int quality) {
     switch (format) {
-        case Format::Jpeg:
-            return vips_jpegsave_target(image, target, "Q", options.quality, nullptr);
-        case Format::Tiff:
+        case PictureFormat::Jpeg:
+            return vips_jpegsave_target(image, target, "Q", quality, nullptr);
+        case PictureFormat::Tiff:
             return vips_tiffsave_target(image, target, "compression", VIPS_FOREIGN_TIFF_COMPRESSION_DEFLATE,
                                         nullptr);
-        case Format::Webp:
-            return vips_webpsave_target(image, target, "Q", options.quality, nullptr);
-        case Format::Png:
+        case PictureFormat::Webp:
+            return vips_webpsave_target(image, target, "Q", quality, nullptr);
+        case PictureFormat::Png:
+        case PictureFormat::Pam:
             break;
     }
     return vips_pngsave_target(image, target, nullptr);
 }
 
 /// Into the file that is open, never by its name: an interruption may have taken that away.
-int save(VipsImage* image, AtomicFile& file, Format format, const WriteOptions& options) {
+int save(VipsImage* image, AtomicFile& file, PictureFormat format, int quality) {
     file.restart();
     VipsTarget* target = vips_target_new_to_descriptor(file.descriptor());
     if (!target) return -1;
-    const int status = save(image, target, format, options);
+    const int status = save(image, target, format, quality);
     g_object_unref(target);
     return status;
 }
@@ -254,7 +239,7 @@ Bitmap read(const std::filesystem::path& path) {
     return picture;
 }
 
-void write(AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
+void write(AtomicFile& file, const Bitmap& picture, PictureFormat format, int quality) {
     const std::string doing = "write " + file.target().string();
     std::vector<Pixel> samples = picture.pixels;
     for (Pixel& p : samples) std::swap(p.blue, p.red);
@@ -270,21 +255,20 @@ void write(AtomicFile& file, const Bitmap& picture, const WriteOptions& options)
                          "yres", yres > 0 ? yres : 1.0, nullptr);
     });
     attachMetadata(chain.get(), metadata);
-    const Format format = formatOf(file.target());
     const bool opaque = std::all_of(picture.pixels.begin(), picture.pixels.end(),
                                     [](const Pixel& p) { return p.alpha == 255; });
     if (opaque)
         chain.then(doing, [](VipsImage* in, VipsImage** out) {
             return vips_extract_band(in, out, 0, "n", 3, nullptr);
         });
-    else if (format == Format::Jpeg)  // which has no transparency
+    else if (format == PictureFormat::Jpeg)  // which has no transparency
         chain.then(doing, [](VipsImage* in, VipsImage** out) {
             VipsArrayDouble* white = vips_array_double_newv(1, 255.0);
             const int status = vips_flatten(in, out, "background", white, nullptr);
             vips_area_unref(VIPS_AREA(white));
             return status;
         });
-    if (save(chain.get(), file, format, options)) throw PictureError("cannot " + doing + ": " + vipsReason());
+    if (save(chain.get(), file, format, quality)) throw PictureError("cannot " + doing + ": " + vipsReason());
 }
 
 }  // namespace
@@ -294,9 +278,9 @@ Bitmap readWithVips(const std::filesystem::path& path) {
     return tellingItsOwnReason([&] { return read(path); });
 }
 
-void writeWithVips(AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
+void writeWithVips(AtomicFile& file, const Bitmap& picture, PictureFormat format, int quality) {
     startVips();
-    tellingItsOwnReason([&] { write(file, picture, options); });
+    tellingItsOwnReason([&] { write(file, picture, format, quality); });
 }
 
 }  // namespace krl::player

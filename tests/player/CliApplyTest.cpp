@@ -1,5 +1,10 @@
 #include <nlohmann/json.hpp>
 
+#if !defined(_WIN32)
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
 #include "tests/player/CliRun.h"
 
 namespace krl::player {
@@ -265,6 +270,70 @@ TEST_F(Apply, ChangesTheFormatOfWhatItWrites) {
     EXPECT_EQ(readPicture(at("out/in.png")).width, 8);
     EXPECT_EQ(krlimage({"apply", in, "-o", at("x.gif"), "invert(#RGB)"}).code, 1);
 }
+
+/// What was asked for is what is written; a format changes the names that a folder's pictures get.
+TEST_F(Apply, WritesTheVeryNameThatItIsGiven) {
+    const std::string in = picture("in.pam");
+    for (const char* name : {"v1.2", "plain", "out.txt"}) {
+        const CliResult done = krlimage({"apply", in, "-o", at(name), "--format", "pam", "invert(#RGB)"});
+        EXPECT_EQ(done.code, 0) << done.err;
+        EXPECT_EQ(readPicture(at(name)).width, 8) << name;
+    }
+    EXPECT_EQ(files(), 4u);
+    if (!isPictureName("x.png")) return;
+    ASSERT_EQ(krlimage({"apply", in, "-o", at("v1.3"), "--format", "png", "invert(#RGB)"}).code, 0);
+    EXPECT_EQ(contentOf(at("v1.3")).substr(1, 3), "PNG");
+    ASSERT_EQ(krlimage({"apply", in, "-o", at("a.pam"), "--format", "png", "invert(#RGB)"}).code, 0);
+    EXPECT_EQ(contentOf(at("a.pam")).substr(1, 3), "PNG");
+    EXPECT_EQ(files(), 6u);
+}
+
+TEST_F(Apply, EndsTheNamesInAFolderByTheFormat) {
+    for (const char* name : {"v1.2", "a.gif", "b.PAM", "c"}) {
+        picture("in.pam");
+        std::filesystem::rename(at("in.pam"), at(name));
+    }
+    const CliResult done = krlimage({"apply", at("v1.2"), at("a.gif"), at("b.PAM"), at("c"), "-o", at("out"),
+                                     "--format", "pam", "invert(#RGB)"});
+    EXPECT_EQ(done.code, 0) << done.err;
+    for (const char* name : {"out/v1.2.pam", "out/a.pam", "out/b.pam", "out/c.pam"})
+        EXPECT_TRUE(std::filesystem::exists(at(name))) << name;
+}
+
+#if !defined(_WIN32)
+/// As `-o /dev/stdout` in a shell, which may have named any file for it.
+TEST_F(Apply, WritesIntoAnOpenFileOrADevice) {
+    const std::string in = picture("in.pam");
+    ASSERT_EQ(krlimage({"apply", in, "-o", at("whole.pam"), "invert(#RGB)"}).code, 0);
+    const std::string whole = contentOf(at("whole.pam"));
+    for (const std::string place : {"/dev/fd/", "/proc/self/fd/"}) {
+        const int open = ::open(at("open").c_str(), O_RDWR | O_CREAT | O_TRUNC, 0600);
+        ASSERT_EQ(::write(open, "before", 6), 6);
+        const std::string name = place + std::to_string(open);
+        const CliResult done = krlimage({"apply", in, "-o", name, "--format", "pam", "invert(#RGB)"});
+        EXPECT_EQ(done.code, 0) << done.err;
+        ::close(open);
+        EXPECT_EQ(contentOf(at("open")), "before" + whole);
+    }
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    const std::string name = "/dev/fd/" + std::to_string(ends[1]);
+    const std::string format = isPictureName("x.tif") ? "tif" : "pam";
+    EXPECT_EQ(krlimage({"apply", in, "-o", name, "--format", format, "invert(#RGB)"}).code, 0);
+    std::string piped(20000, ' ');
+    piped.resize(size_t(::read(ends[0], piped.data(), piped.size())));
+    ::close(ends[0]);
+    ::close(ends[1]);
+    ASSERT_EQ(krlimage({"apply", in, "-o", at("same"), "--format", format, "invert(#RGB)"}).code, 0);
+    EXPECT_EQ(piped, contentOf(at("same")));
+
+    const CliResult full = krlimage({"apply", in, "-o", "/dev/full", "--format", "pam", "invert(#RGB)"});
+    EXPECT_EQ(full.code, 1);
+    EXPECT_TELLS(full.err, "cannot write /dev/full: No space left on device");
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/full")) << "it is written into, not replaced";
+    EXPECT_EQ(files(), 4u);
+}
+#endif
 
 TEST_F(Apply, DrawsItsProgressOnATerminalAlone) {
     std::filesystem::create_directories(folder / "in");
