@@ -5,7 +5,7 @@
 #include <optional>
 #include <ostream>
 
-#include "player/cli/Batch.h"
+#include "player/cli/ApplyProgress.h"
 #include "player/cli/ChainCall.h"
 #include "player/cli/ChainScript.h"
 #include "player/cli/MethodFacts.h"
@@ -19,28 +19,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// One call on one picture, as it was made and what came of it.
-struct CallReport {
-    std::string call;
-    CallOutcome outcome;
-    std::vector<std::string> complaints;
-    /// Whether the result says more than that all went well, or that here is the new picture.
-    bool telling = false;
+/// Everything that a picture of the batch is worked on with.
+struct Work {
+    const std::vector<ChainCall>& chain;
+    const WriteOptions& options;
+    ApplyProgress& progress;
 };
 
-/// What became of one picture.
-struct PictureReport {
-    std::vector<CallReport> calls;
-    bool written = false;
-    std::string failure;  ///< in one line; empty for a picture that was written
-};
-
-PictureReport workOn(Session& session, const BatchItem& item, const std::vector<ChainCall>& chain,
-                     const WriteOptions& options) {
+PictureReport workOn(Session& session, const Work& work, size_t index) {
+    const BatchItem& item = work.progress.items()[index];
     PictureReport report;
     try {
         Bitmap picture = readPicture(item.input);
-        for (const ChainCall& call : chain) {
+        for (const ChainCall& call : work.chain) {
             CallReport& made = report.calls.emplace_back();
             made.call = call.lingo(picture.width, picture.height);
             made.outcome = session.apply(picture, made.call);
@@ -51,6 +42,9 @@ PictureReport workOn(Session& session, const BatchItem& item, const std::vector<
             report.failure = item.input.string() + ": " + made.outcome.error + " from " + made.call;
             return report;
         }
+        work.progress.calledAll(index, report);
+        WriteOptions options = work.options;
+        options.whenWritten = [&] { work.progress.written(index); };
         writePicture(item.output, picture, options);
         report.written = true;
     } catch (const ScriptError& error) {
@@ -61,6 +55,13 @@ PictureReport workOn(Session& session, const BatchItem& item, const std::vector<
         report.failure = item.input.string() + ": out of memory";
     }
     return report;
+}
+
+void settle(Session& session, const Work& work, size_t index) {
+    work.progress.begin(index);
+    PictureReport& report = work.progress.reports[index];
+    report = workOn(session, work, index);
+    if (!report.written) work.progress.failed(index, report);
 }
 
 nlohmann::ordered_json jsonOf(const BatchItem& item, const PictureReport& report) {
@@ -125,11 +126,10 @@ int outcomeOf(const std::vector<BatchItem>& items, const std::vector<PictureRepo
 }
 
 /// Something ended the work as a whole: the pictures that nobody worked on failed by it.
-void failTheRest(const std::vector<BatchItem>& items, std::vector<PictureReport>& reports,
-                 const std::string& why) {
-    for (size_t i = 0; i < items.size(); ++i)
-        if (!reports[i].written && reports[i].failure.empty())
-            reports[i].failure = items[i].input.string() + ": " + why;
+void failTheRest(ApplyProgress& progress, const std::string& why) {
+    for (size_t i = 0; i < progress.items().size(); ++i)
+        if (!progress.reports[i].settled())
+            progress.reports[i].failure = progress.items()[i].input.string() + ": " + why;
 }
 
 /// A lone name that nothing has: a method as likely as a folder, and told before anything is written.
@@ -171,28 +171,32 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
     if (inputs.empty()) throw UsageError("which picture? a file or a folder is wanted before the calls");
     if (options.output.empty()) throw UsageError("where to? -o OUT or -o DIR is wanted");
 
-    const std::vector<BatchItem> items = planBatch(inputs, options);
-    const WriteOptions writing{options.quality, formatOf("x." + options.format)};
-    std::vector<PictureReport> reports(items.size());
+    ApplyProgress progress(inputs, options);
+    const WriteOptions writing{options.quality, formatOf("x." + options.format), {}};
+    const Work work{chain, writing, progress};
     // Whoever writes a call names its pictures too: there is nothing to keep it from.
     SessionOptions settings = options.session;
     settings.allowedFolders.push_back(fs::current_path().root_path());
     try {
-        ProgressBar progress(terminal, items.size(), "pictures");
-        workSideBySide(items.size(), options.jobs, [&]() -> Worker {
-            const auto session = std::make_shared<Session>(settings);
-            return [&, session](size_t i) {
-                reports[i] = workOn(*session, items[i], chain, writing);
-                progress.step();
-            };
-        });
+        ProgressBar bar(terminal, progress.alone().size() + progress.together().size(), "pictures");
+        const auto workOnEach = [&](const std::vector<size_t>& indexes, unsigned jobs) {
+            workSideBySide(indexes.size(), jobs, [&]() -> Worker {
+                const auto session = std::make_shared<Session>(settings);
+                return [&, session](size_t i) {
+                    settle(*session, work, indexes[i]);
+                    bar.step();
+                };
+            });
+        };
+        workOnEach(progress.alone(), 1);
+        workOnEach(progress.together(), options.jobs);
     } catch (const std::bad_alloc&) {
-        failTheRest(items, reports, "out of memory");
+        failTheRest(progress, "out of memory");
     } catch (const ScriptError& error) {
-        if (items.size() == 1) throw;
-        failTheRest(items, reports, error.what());
+        if (progress.items().size() == 1) throw;
+        failTheRest(progress, error.what());
     }
-    return outcomeOf(items, reports, options.json, terminal);
+    return outcomeOf(progress.items(), progress.reports, options.json, terminal);
 }
 
 }  // namespace krl::player

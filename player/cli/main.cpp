@@ -11,6 +11,7 @@
 #endif
 
 #include "player/cli/CommandLine.h"
+#include "player/cli/CrashJournal.h"
 #include "player/pictures/AtomicFile.h"
 
 namespace {
@@ -70,6 +71,9 @@ int run(int count, char** words) {
 int main(int count, char** words) {
     barMayStand = isTerminal(stderr);
     endCleanlyBySignals();
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    krl::player::surviveCrashes(words);
+#endif
     try {
         return run(count, words);
     } catch (const std::bad_alloc&) {

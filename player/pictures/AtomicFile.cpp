@@ -171,21 +171,20 @@ void AtomicFile::restart() {
     if (!emptied) fail(errno);
 }
 
-void AtomicFile::commit() {
-    if (poured_ >= 0) return pour();
+void AtomicFile::commit(const std::function<void()>& whenInPlace) {
     // The last bytes go out here, and a file server may refuse them only now.
-    if (std::fclose(std::exchange(stream_, nullptr)) != 0) fail(errno);
-    place();
-}
-
-void AtomicFile::place() {
+    if (poured_ >= 0)
+        pour();
+    else if (std::fclose(std::exchange(stream_, nullptr)) != 0)
+        fail(errno);
     std::error_code failure;
     {
         const GateGuard guard;
-        fs::rename(temporary_, target_, failure);
+        if (!temporary_.empty()) fs::rename(temporary_, target_, failure);
         if (!failure) {
             forget();
             temporary_.clear();
+            if (whenInPlace) whenInPlace();
         }
     }
     if (failure) throw PictureError("cannot write " + target_.string() + ": " + failure.message());

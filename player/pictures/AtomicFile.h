@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <string_view>
 
 namespace krl::player {
@@ -26,12 +27,13 @@ public:
     int descriptor() const;
     /// Empties the file again.
     void restart();
-    void commit();
+    /// `whenInPlace` is called before anything can interrupt the program, and does no more than a signal's
+    /// handler may.
+    void commit(const std::function<void()>& whenInPlace = {});
 
 private:
     friend void removeUnfinishedFiles() noexcept;
 
-    void place();
     void pour();
     void forget() noexcept;
     [[noreturn]] void fail(int error) const;

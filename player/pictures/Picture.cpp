@@ -96,7 +96,7 @@ void writePicture(const std::filesystem::path& path, const Bitmap& picture, cons
         writeWithVips(file, picture, *format, options.quality);
 #endif
     }
-    file.commit();
+    file.commit(options.whenWritten);
 }
 
 }  // namespace krl::player

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -52,6 +53,9 @@ std::optional<PictureFormat> formatOf(const std::filesystem::path& path);
 struct WriteOptions {
     int quality = 90;                     ///< of formats that lose something, 1 to 100
     std::optional<PictureFormat> format;  ///< whatever the name says
+    /// Called when the file is in its place, before anything can interrupt the program. Does no more than
+    /// a signal's handler may.
+    std::function<void()> whenWritten;
 };
 
 /// Writes a picture, in the format of the name's extension unless another is given. The file appears

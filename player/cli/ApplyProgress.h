@@ -1,0 +1,58 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "player/cli/Batch.h"
+#include "player/cli/CrashJournal.h"
+#include "player/lingo/Session.h"
+
+namespace krl::player {
+
+/// One call on one picture, as it was made and what came of it.
+struct CallReport {
+    std::string call;
+    CallOutcome outcome;
+    std::vector<std::string> complaints;
+    /// Whether the result says more than that all went well, or that here is the new picture.
+    bool telling = false;
+};
+
+/// What became of one picture.
+struct PictureReport {
+    std::vector<CallReport> calls;
+    bool written = false;
+    std::string failure;  ///< in one line; empty for a picture that was written
+
+    bool settled() const { return written || !failure.empty(); }
+};
+
+/// The pictures of a batch and how far they are, which a crash does not undo.
+class ApplyProgress {
+public:
+    /// Plans the batch, or goes on with that of the program that crashed.
+    ApplyProgress(const std::vector<std::filesystem::path>& inputs, const ApplyOptions& options);
+
+    const std::vector<BatchItem>& items() const { return items_; }
+    /// Pictures that are not settled: those to try alone, one after another, and the others.
+    const std::vector<size_t>& alone() const { return alone_; }
+    const std::vector<size_t>& together() const { return together_; }
+
+    // Notes for the case of a crash, from the thread that works on the picture.
+    void begin(size_t item) const { journal_.note(JournalEntry::Kind::Begun, item); }
+    void calledAll(size_t item, const PictureReport& report) const;
+    void written(size_t item) const noexcept { journal_.note(JournalEntry::Kind::Written, item); }
+    void failed(size_t item, const PictureReport& report) const;
+
+    std::vector<PictureReport> reports;
+
+private:
+    void resume();
+    void apply(const JournalEntry& entry, std::vector<bool>& begun);
+
+    CrashJournal journal_;
+    std::vector<BatchItem> items_;
+    std::vector<size_t> alone_, together_;
+};
+
+}  // namespace krl::player
