@@ -1,11 +1,13 @@
 #include <algorithm>
 #include <cctype>
+#include <functional>
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 
 #include "player/cli/ApplyProgress.h"
+#include "player/cli/CatalogueCalls.h"
 #include "player/cli/ChainCall.h"
 #include "player/cli/ChainScript.h"
 #include "player/cli/MethodFacts.h"
@@ -26,7 +28,23 @@ struct Work {
     ApplyProgress& progress;
 };
 
-PictureReport workOn(Session& session, const Work& work, size_t index) {
+/// Runs one call on a picture: through the catalogue, or through a plug-in from a file.
+using CallRunner = std::function<CallOutcome(Bitmap& picture, const ChainCall& call)>;
+
+CallRunner makeRunner(const SessionOptions& options) {
+    if (options.xtraFile.empty()) {
+        const auto calls = std::make_shared<CatalogueCalls>(options.threads);
+        return [calls](Bitmap& picture, const ChainCall& call) {
+            return calls->apply(picture, call.method(), call.arguments(picture.width, picture.height));
+        };
+    }
+    const auto session = std::make_shared<Session>(options);
+    return [session](Bitmap& picture, const ChainCall& call) {
+        return session->apply(picture, call.lingo(picture.width, picture.height));
+    };
+}
+
+PictureReport workOn(const CallRunner& run, const Work& work, size_t index) {
     const BatchItem& item = work.progress.items()[index];
     PictureReport report;
     try {
@@ -34,11 +52,10 @@ PictureReport workOn(Session& session, const Work& work, size_t index) {
         for (const ChainCall& call : work.chain) {
             CallReport& made = report.calls.emplace_back();
             made.call = call.lingo(picture.width, picture.height);
-            made.outcome = session.apply(picture, made.call);
+            made.outcome = run(picture, call);
             const bool plain = made.outcome.shown.empty() || made.outcome.shown == "[#error: 0]";
             made.telling = !plain && !(made.outcome.ok() && call.method().makesPicture());
             if (made.outcome.ok()) continue;
-            made.complaints = call.complaints();
             report.failure = item.input.string() + ": " + made.outcome.error + " from " + made.call;
             return report;
         }
@@ -57,10 +74,10 @@ PictureReport workOn(Session& session, const Work& work, size_t index) {
     return report;
 }
 
-void settle(Session& session, const Work& work, size_t index) {
+void settle(const CallRunner& run, const Work& work, size_t index) {
     work.progress.begin(index);
     PictureReport& report = work.progress.reports[index];
-    report = workOn(session, work, index);
+    report = workOn(run, work, index);
     if (!report.written) work.progress.failed(index, report);
 }
 
@@ -74,7 +91,6 @@ nlohmann::ordered_json jsonOf(const BatchItem& item, const PictureReport& report
     for (const CallReport& made : report.calls) {
         nlohmann::ordered_json call = {{"call", made.call}, {"result", made.outcome.shown}};
         if (!made.outcome.ok()) call["error"] = made.outcome.error;
-        if (!made.complaints.empty()) call["complaints"] = made.complaints;
         json["calls"].push_back(call);
     }
     return json;
@@ -87,9 +103,6 @@ void showResults(const PictureReport& report, const Terminal& terminal) {
 
 void showFailure(const PictureReport& report, const Terminal& terminal) {
     terminal.err << "krlimage: " << report.failure << '\n';
-    if (report.calls.empty()) return;
-    for (const std::string& complaint : report.calls.back().complaints)
-        terminal.err << "  " << complaint << '\n';
 }
 
 void tellAll(const std::vector<BatchItem>& items, const std::vector<PictureReport>& reports, size_t failed,
@@ -168,22 +181,25 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
     std::vector<ChainCall> chain;
     splitWords(options.words, inputs, chain);
     if (options.printLingo) return printScript(inputs, chain, terminal);
-    if (inputs.empty()) throw UsageError("which picture? a file or a folder is wanted before the calls");
-    if (options.output.empty()) throw UsageError("where to? -o OUT or -o DIR is wanted");
+    if (inputs.empty()) throw UsageError("no input: name a picture or a folder");
+    if (options.output.empty()) throw UsageError("no output: use -o FILE or -o DIR");
 
-    ApplyProgress progress(inputs, options);
-    const WriteOptions writing{options.quality, formatOf("x." + options.format), {}};
-    const Work work{chain, writing, progress};
     // Whoever writes a call names its pictures too: there is nothing to keep it from.
     SessionOptions settings = options.session;
     settings.allowedFolders.push_back(fs::current_path().root_path());
+    if (!chain.empty()) {
+        Session session(settings);
+        for (ChainCall& call : chain) call.evaluate(session);
+    }
+    ApplyProgress progress(inputs, options);
+    const WriteOptions writing{options.quality, formatOf("x." + options.format), {}};
+    const Work work{chain, writing, progress};
     try {
         ProgressBar bar(terminal, progress.alone().size() + progress.together().size(), "pictures");
         const auto workOnEach = [&](const std::vector<size_t>& indexes, unsigned jobs) {
             workSideBySide(indexes.size(), jobs, [&]() -> Worker {
-                const auto session = std::make_shared<Session>(settings);
-                return [&, session](size_t i) {
-                    settle(*session, work, indexes[i]);
+                return [&, run = makeRunner(settings)](size_t i) {
+                    settle(run, work, indexes[i]);
                     bar.step();
                 };
             });

@@ -25,7 +25,7 @@ std::string packed(const std::vector<BatchItem>& items) {
 std::string packed(const PictureReport& report) {
     Json calls = Json::array();
     for (const CallReport& made : report.calls)
-        calls.push_back({made.call, made.outcome.error, made.outcome.shown, made.complaints, made.telling});
+        calls.push_back({made.call, made.outcome.error, made.outcome.shown, made.telling});
     return packed({report.failure, calls});
 }
 
@@ -33,7 +33,7 @@ PictureReport reportOf(const std::string& bytes) {
     const Json json = unpacked(bytes);
     PictureReport report;
     report.failure = json[0];
-    for (const Json& made : json[1]) report.calls.push_back({made[0], {made[1], made[2]}, made[3], made[4]});
+    for (const Json& made : json[1]) report.calls.push_back({made[0], {made[1], made[2]}, made[3]});
     return report;
 }
 

@@ -13,7 +13,6 @@ namespace krl::player {
 struct CallReport {
     std::string call;
     CallOutcome outcome;
-    std::vector<std::string> complaints;
     /// Whether the result says more than that all went well, or that here is the new picture.
     bool telling = false;
 };

@@ -1,7 +1,10 @@
 #include "player/cli/ArgumentCheck.h"
 
 #include <algorithm>
+#include <optional>
 
+#include "catalogue/Letters.h"
+#include "catalogue/Notation.h"
 #include "player/cli/MethodFacts.h"
 #include "player/lingo/NearestName.h"
 #include "player/lingo/Parser.h"
@@ -10,11 +13,9 @@ namespace krl::player {
 
 namespace {
 
-enum class Kind { Unknown, Integer, Float, String, Symbol, Void, List, PropertyList, Colour, Point, Image };
-
-/// What a text makes, and the text.
+/// What an expression makes, as far as its text shows: a kind, and words for it.
 struct Literal {
-    Kind kind = Kind::Unknown;
+    std::optional<ValueKind> kind;
     std::string text;
 };
 
@@ -22,9 +23,9 @@ Literal literalOf(const Expression& expression, const SymbolTable& symbols);
 
 Literal literalOfCall(const CallExpression& call, const SymbolTable& symbols) {
     const std::string name = folded(symbols.spelling(call.name));
-    if (name == "rgb" || name == "color") return {Kind::Colour, "a colour"};
-    if (name == "point") return {Kind::Point, "a point"};
-    if (name == "image") return {Kind::Image, "an image"};
+    if (name == "rgb" || name == "color") return {ValueKind::Colour, "a colour"};
+    if (name == "point") return {ValueKind::Point, "a point"};
+    if (name == "image") return {ValueKind::Picture, "a picture"};
     return {};
 }
 
@@ -34,23 +35,23 @@ Literal literalOf(const Expression& expression, const SymbolTable& symbols) {
     };
     switch (expression.kind) {
         case ExpressionKind::Integer:
-            return {Kind::Integer, std::to_string(literal().integer)};
+            return {ValueKind::Integer, std::to_string(literal().integer)};
         case ExpressionKind::Float:
-            return {Kind::Float, "a float"};
+            return {ValueKind::Real, "a float"};
         case ExpressionKind::String:
-            return {Kind::String, '"' + literal().text + '"'};
+            return {ValueKind::Text, '"' + literal().text + '"'};
         case ExpressionKind::Symbol:
-            return {Kind::Symbol, "#" + symbols.spelling(literal().symbol)};
+            return {ValueKind::Symbol, "#" + symbols.spelling(literal().symbol)};
         case ExpressionKind::Void:
-            return {Kind::Void, "VOID"};
+            return {ValueKind::Void, "VOID"};
         case ExpressionKind::List:
-            return {Kind::List, "a list"};
+            return {ValueKind::List, "a list"};
         case ExpressionKind::PropertyList:
-            return {Kind::PropertyList, "a property list"};
+            return {ValueKind::PropertyList, "a property list"};
         case ExpressionKind::Negation: {
             Literal inner = literalOf(*static_cast<const UnaryExpression&>(expression).operand, symbols);
-            if (inner.kind == Kind::Integer) inner.text = '-' + inner.text;
-            return inner.kind == Kind::Integer || inner.kind == Kind::Float ? inner : Literal{};
+            if (inner.kind == ValueKind::Integer) inner.text = '-' + inner.text;
+            return inner.kind == ValueKind::Integer || inner.kind == ValueKind::Real ? inner : Literal{};
         }
         case ExpressionKind::Call:
             return literalOfCall(static_cast<const CallExpression&>(expression), symbols);
@@ -59,22 +60,22 @@ Literal literalOf(const Expression& expression, const SymbolTable& symbols) {
     }
 }
 
-bool takes(ArgumentKind wanted, Kind given) {
-    switch (wanted) {
+bool takes(ArgumentKind expected, ValueKind given) {
+    switch (expected) {
         case ArgumentKind::Integer:
-            return given == Kind::Integer;
+            return given == ValueKind::Integer;
         case ArgumentKind::Real:
-            return given == Kind::Integer || given == Kind::Float;
+            return given == ValueKind::Integer || given == ValueKind::Real;
         case ArgumentKind::Symbol:
-            return given == Kind::Symbol;
+            return given == ValueKind::Symbol;
         case ArgumentKind::Colour:
-            return given == Kind::Colour;
+            return given == ValueKind::Colour;
         case ArgumentKind::Point:
-            return given == Kind::Point;
+            return given == ValueKind::Point;
         case ArgumentKind::ColourList:
-            return given == Kind::PropertyList || given == Kind::List;
+            return given == ValueKind::PropertyList || given == ValueKind::List;
         case ArgumentKind::SecondImage:
-            return given == Kind::Image;
+            return given == ValueKind::Picture || given == ValueKind::PictureReference;
         case ArgumentKind::Value:
             return true;
     }
@@ -93,35 +94,63 @@ bool isChoice(const Argument& argument, const std::string& symbol) {
     });
 }
 
-/// On a command line no name has a value: most likely a symbol lacks its mark.
-std::string complaintAboutName(const Argument& argument, const std::string& name) {
-    return std::string(argument.name) + " is " + name + ", a name without a value, wanted is " +
-           wantedText(argument) + suggestionFor(argument, '#' + name);
+std::string complaint(const Argument& argument, const std::string& got) {
+    return std::string(argument.name) + ": expected " + expectedText(argument) + ", got " + got;
+}
+
+/// Judges a value of which the kind is known.
+std::string complaintAbout(const Argument& argument, ValueKind kind, const std::string& text) {
+    if (!takes(argument.kind, kind)) return complaint(argument, text);
+    const bool refused = argument.kind == ArgumentKind::Symbol && argument.unknown.message;
+    if (!refused || isChoice(argument, text)) return "";
+    return complaint(argument, text) + suggestionFor(argument, text);
+}
+
+bool isName(const std::string& text) {
+    return !text.empty() && std::isalpha(static_cast<unsigned char>(text[0])) &&
+           std::all_of(text.begin(), text.end(),
+                       [](unsigned char letter) { return std::isalnum(letter) || letter == '_'; });
+}
+
+bool isNumber(const krl::Value& value) {
+    return value.kind() == ValueKind::Integer || value.kind() == ValueKind::Real;
+}
+
+bool isColourList(const krl::Value& value) {
+    if (const auto* plain = value.as<ListValue>()) return plain->empty();
+    const auto* entries = value.as<PropertyListValue>();
+    return entries && std::all_of(entries->begin(), entries->end(), [](const auto& entry) {
+               return isNumber(entry.first) && entry.second.kind() == ValueKind::Colour;
+           });
+}
+
+std::string wordsFor(const krl::Value& value) {
+    switch (value.kind()) {
+        case ValueKind::Integer:
+        case ValueKind::Symbol:
+        case ValueKind::Text:
+            return writeNotation(value);
+        case ValueKind::Void:
+            return "nothing";
+        default:
+            return std::string("a ") + (value.kind() == ValueKind::Real ? "float" : kindName(value.kind()));
+    }
 }
 
 }  // namespace
 
 std::string complaintAbout(const Argument& argument, const Expression& given, const SymbolTable& symbols) {
     const Literal literal = literalOf(given, symbols);
-    if (literal.kind == Kind::Unknown) return "";
-    std::string complaint =
-        std::string(argument.name) + " is " + literal.text + ", wanted is " + wantedText(argument);
-    if (!takes(argument.kind, literal.kind)) return complaint;
-    if (argument.kind != ArgumentKind::Symbol || isChoice(argument, literal.text)) return "";
-    return complaint + suggestionFor(argument, literal.text);
+    return literal.kind ? complaintAbout(argument, *literal.kind, literal.text) : "";
 }
 
-std::string complaintAbout(const Argument& argument, const std::string& text) {
-    try {
-        SymbolTable symbols;
-        const auto script = parseExpression(std::make_shared<Source>(Source{"", text}), symbols);
-        const Statement& answer = *script->handlers.front()->body.front();
-        const Expression& given = *static_cast<const ExpressionStatement&>(answer).expression;
-        return given.kind == ExpressionKind::Variable ? complaintAboutName(argument, text)
-                                                      : complaintAbout(argument, given, symbols);
-    } catch (const ScriptError&) {
-        return "";
-    }
+std::string complaintAbout(const Argument& argument, const krl::Value& given, const std::string& text) {
+    // On a command line no name has a value: most likely a symbol lacks its mark.
+    if (given.kind() == ValueKind::Void && isName(text) && !sameLetters(text, "VOID"))
+        return complaint(argument, text + ", a name without a value") + suggestionFor(argument, '#' + text);
+    if (argument.kind == ArgumentKind::ColourList && !isColourList(given))
+        return complaint(argument, wordsFor(given));
+    return complaintAbout(argument, given.kind(), wordsFor(given));
 }
 
 }  // namespace krl::player

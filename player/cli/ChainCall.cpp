@@ -41,7 +41,7 @@ ChainCall::ChainCall(std::string_view text) : written_(text) {
     method_ = &requireMethod(call.name);
     const std::string name = method_->shortName();
     if (method_->managesTheEngine())
-        throw CommandError(name + " is not for a chain: apply sees to engine and picture itself");
+        throw CommandError(name + " cannot be used here: apply manages the engine and the picture");
     const auto& wanted = method_->arguments();
     given_.resize(wanted.size());
     size_t next = 0;
@@ -70,14 +70,25 @@ std::string ChainCall::lingo(int32_t width, int32_t height) const {
     return text + ")";
 }
 
-std::vector<std::string> ChainCall::complaints() const {
-    std::vector<std::string> found;
+void ChainCall::evaluate(Session& session) {
+    values_.resize(given_.size());
     for (size_t i = 0; i < given_.size(); ++i) {
         if (given_[i].empty()) continue;
-        const std::string complaint = complaintAbout(method_->arguments()[i], given_[i]);
-        if (!complaint.empty()) found.push_back(complaint);
+        const Argument& argument = method_->arguments()[i];
+        values_[i] = session.evaluate(given_[i]);
+        const std::string complaint = complaintAbout(argument, values_[i], given_[i]);
+        if (!complaint.empty()) throw CommandError(method_->shortName() + ": " + complaint);
     }
-    return found;
+}
+
+std::vector<krl::Value> ChainCall::arguments(int32_t width, int32_t height) const {
+    ExampleSetting setting;
+    setting.width = width;
+    setting.height = height;
+    std::vector<krl::Value> all = values_;
+    for (size_t i = 0; i < all.size(); ++i)
+        if (given_[i].empty()) all[i] = exampleValue(method_->arguments()[i], setting);
+    return all;
 }
 
 bool looksLikeCall(const std::string& word) {

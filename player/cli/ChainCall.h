@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "catalogue/Method.h"
+#include "catalogue/Value.h"
+#include "player/lingo/Session.h"
 
 namespace krl::player {
 
@@ -23,14 +25,18 @@ public:
     /// places that were left out, which are parts of the picture.
     std::string lingo(int32_t width, int32_t height) const;
 
-    /// What is wrong with the arguments as far as can be seen from their texts, a line each.
-    std::vector<std::string> complaints() const;
+    /// Works out what was given. Throws `ScriptError` for an expression that has no value, and
+    /// `CommandError` for an argument of the wrong kind.
+    void evaluate(Session& session);
+    /// The values of all arguments, once they are worked out.
+    std::vector<krl::Value> arguments(int32_t width, int32_t height) const;
 
 private:
     std::string written_;
     const Method* method_;
     /// Lingo texts in signature order; empty for what was left out.
     std::vector<std::string> given_;
+    std::vector<krl::Value> values_;  ///< of what was given
 };
 
 /// Whether a word of the command line is meant as a call: a method's name, or a name with brackets

@@ -68,7 +68,7 @@ std::string choicesText(const Argument& argument) {
 
 }  // namespace
 
-std::string wantedText(const Argument& argument) {
+std::string expectedText(const Argument& argument) {
     switch (argument.kind) {
         case ArgumentKind::Integer:
             return "integer, " + spanText(argument.range, false);

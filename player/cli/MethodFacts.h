@@ -21,7 +21,7 @@ const Method& requireMethod(std::string_view name);
 bool isFound(const Method& method, const std::string& word);
 
 /// What an argument takes: `integer, -255 to 255`, `#RGB or #Alpha`, `colour`.
-std::string wantedText(const Argument& argument);
+std::string expectedText(const Argument& argument);
 
 /// `brightness(brightnessInt, colourOrAlpha)`.
 std::string outlineOf(const Method& method);

@@ -46,7 +46,7 @@ std::string section(const std::string& heading, const Rows& rows) {
 std::string helpText(const Method& method) {
     Rows arguments, results, failures;
     for (const Argument& argument : method.arguments())
-        arguments.push_back({argument.name, wantedText(argument), argument.meaning});
+        arguments.push_back({argument.name, expectedText(argument), argument.meaning});
     if (!method.isSilent()) results.push_back({"error", "0, or what went wrong"});
     for (const ResultEntry& entry : method.resultEntries()) results.push_back({entry.key, entry.meaning});
     for (const MethodFailure& failure : failuresOf(method))

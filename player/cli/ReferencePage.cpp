@@ -19,7 +19,7 @@ std::string anchorOf(const std::string& heading) {
 
 /// Symbols and numbers of the column "takes" as code, since a viewer might take `#` for its own.
 std::string takesText(const Argument& argument) {
-    const std::string wanted = wantedText(argument);
+    const std::string wanted = expectedText(argument);
     return argument.kind == ArgumentKind::Symbol ? "`" + wanted + "`" : wanted;
 }
 

@@ -7,6 +7,7 @@
 #include "player/host/HostError.h"
 #include "player/host/Xtra.h"
 #include "player/lingo/Interpreter.h"
+#include "player/lingo/PlainValue.h"
 
 namespace krl::player {
 
@@ -172,6 +173,13 @@ CallOutcome Session::apply(Bitmap& picture, std::string_view call) {
         if (!result.isVoid()) outcome.shown = shownText(parts_->interpreter.style(), result);
         if (const Value* made = imageIn(result)) borrowed.replaceBy(*made);
         return outcome;
+    });
+}
+
+krl::Value Session::evaluate(std::string_view expression) {
+    return asScriptError([&] {
+        Interpreter& interpreter = parts_->interpreter;
+        return plainValue(interpreter.symbols, interpreter.evaluateText("", expression));
     });
 }
 

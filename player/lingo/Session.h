@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "catalogue/Value.h"
 #include "player/lingo/ScriptError.h"
 #include "player/pictures/Picture.h"
 
@@ -74,6 +75,9 @@ public:
     /// `picture`, which is loaded before and let go after. An image in the result, or the first of
     /// a list of them, takes the picture's place.
     CallOutcome apply(Bitmap& picture, std::string_view call);
+
+    /// The value of a text of one expression, as the catalogue takes it; nothing for what no method takes.
+    krl::Value evaluate(std::string_view expression);
 
     /// Ends scripts and instances and tells what was not given back.
     LeakReport close();

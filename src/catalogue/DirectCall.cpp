@@ -89,7 +89,8 @@ public:
     CallCode unlockPicture(const ValueHandle&) override { return kCallOk; }
     CallCode makePicture(int32_t width, int32_t height, ValueHandle& out) override {
         if (width < 1 || height < 1 || int64_t{width} * height > INT32_MAX / 4) return kWrongKind;
-        made_.emplace_back(Picture::blank(width, height));
+        // Opaque white, as hosts make their pictures.
+        made_.emplace_back(Picture::blank(width, height, 255));
         out = handleOf(made_.back());
         return kCallOk;
     }
@@ -110,7 +111,7 @@ public:
     void addToPictureList(const ValueHandle& picture) override {
         result_.pictures.emplace_back(*contentOf<Picture>(picture));
     }
-    void leaveOutError() override {}
+    void leaveOutError() override { result_.withError = false; }
 
 private:
     static ValueHandle handleOf(const Value& value) { return {{reinterpret_cast<uintptr_t>(&value), 0}}; }

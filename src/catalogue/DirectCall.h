@@ -17,6 +17,8 @@ struct CallResult {
     std::vector<std::pair<std::string, Value>> entries;
     /// The new pictures of a method whose result is a list of them.
     ListValue pictures;
+    /// Whether scripts see an `error` entry of 0 before the others.
+    bool withError = true;
 
     bool ok() const { return error.empty(); }
 };

@@ -1,16 +1,19 @@
 #include "catalogue/Value.h"
 
+#include <cstring>
+
 #include "catalogue/Letters.h"
 
 namespace krl {
 
-Picture Picture::blank(int32_t width, int32_t height) {
+Picture Picture::blank(int32_t width, int32_t height, uint8_t level) {
     Picture picture;
     picture.info.width = width;
     picture.info.height = height;
     picture.info.rowBytes = width * static_cast<int32_t>(sizeof(Pixel));
     const size_t bytes = static_cast<size_t>(picture.info.rowBytes) * static_cast<size_t>(height);
-    picture.owner = std::shared_ptr<uint8_t[]>(new uint8_t[bytes]());
+    picture.owner = std::shared_ptr<uint8_t[]>(new uint8_t[bytes]);
+    std::memset(picture.owner.get(), level, bytes);
     picture.pixels = picture.owner.get();
     return picture;
 }

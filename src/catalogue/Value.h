@@ -25,8 +25,8 @@ struct Picture {
     ImageInfo info;
     std::shared_ptr<uint8_t[]> owner;
 
-    /// A picture of rows without padding, every byte 0. Throws `std::bad_alloc`.
-    static Picture blank(int32_t width, int32_t height);
+    /// A picture of rows without padding, every byte `level`. Throws `std::bad_alloc`.
+    static Picture blank(int32_t width, int32_t height, uint8_t level = 0);
 };
 
 /// A picture that is yet to be found or made: by its name, or blank in a size.

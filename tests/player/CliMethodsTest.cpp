@@ -85,29 +85,30 @@ TEST(Docs, TellEveryMethodOnceAndPointToIt) {
     }
 }
 
-/// What is said of giving `text` for an argument of brightness.
+/// The complaint about `text` as an argument of brightness.
 std::string complaint(size_t argument, const std::string& text) {
-    return complaintAbout(catalogue().find("brightness")->arguments()[argument], text);
+    Session session({});
+    return complaintAbout(catalogue().find("brightness")->arguments()[argument], session.evaluate(text),
+                          text);
 }
 
-TEST(Arguments, AreJudgedByTheirTexts) {
-    for (const char* fine : {"40", "-3", "VOID + 1", "x.width", "max(1, 2)"})
-        EXPECT_EQ(complaint(0, fine), "") << fine;
-    EXPECT_EQ(complaint(0, "\"x\""), "brightnessInt is \"x\", wanted is integer, -255 to 255");
-    EXPECT_EQ(complaint(0, "1.5"), "brightnessInt is a float, wanted is integer, -255 to 255");
-    EXPECT_EQ(complaint(0, "-1.5"), "brightnessInt is a float, wanted is integer, -255 to 255");
-    EXPECT_EQ(complaint(0, "rgb(1, 2, 3)"), "brightnessInt is a colour, wanted is integer, -255 to 255");
+TEST(Arguments, AreJudgedByTheirValues) {
+    for (const char* fine : {"40", "-3", "2 + 1", "max(1, 2)"}) EXPECT_EQ(complaint(0, fine), "") << fine;
+    EXPECT_EQ(complaint(0, "\"x\""), "brightnessInt: expected integer, -255 to 255, got \"x\"");
+    EXPECT_EQ(complaint(0, "1.5"), "brightnessInt: expected integer, -255 to 255, got a float");
+    EXPECT_EQ(complaint(0, "-1.5"), "brightnessInt: expected integer, -255 to 255, got a float");
+    EXPECT_EQ(complaint(0, "rgb(1, 2, 3)"), "brightnessInt: expected integer, -255 to 255, got a colour");
     EXPECT_EQ(complaint(0, "x"),
-              "brightnessInt is x, a name without a value, wanted is integer, -255 to 255");
+              "brightnessInt: expected integer, -255 to 255, got x, a name without a value");
     EXPECT_EQ(complaint(1, "#rgb"), "");
-    EXPECT_EQ(complaint(1, "#RBG"), "colourOrAlpha is #RBG, wanted is #RGB or #Alpha, did you mean #RGB?");
-    EXPECT_EQ(complaint(1, "[1, 2]"), "colourOrAlpha is a list, wanted is #RGB or #Alpha");
+    EXPECT_EQ(complaint(1, "#RBG"), "colourOrAlpha: expected #RGB or #Alpha, got #RBG, did you mean #RGB?");
+    EXPECT_EQ(complaint(1, "[1, 2]"), "colourOrAlpha: expected #RGB or #Alpha, got a list");
 }
 
 TEST(Arguments, OfEveryExampleAreRight) {
     for (const Method* method : catalogue().methods())
         for (const Argument& argument : method->arguments())
-            EXPECT_EQ(complaintAbout(argument, exampleText(argument)), "") << method->name();
+            EXPECT_EQ(complaintAbout(argument, exampleValue(argument), ""), "") << method->name();
 }
 
 class Check : public CliTest {
@@ -133,11 +134,11 @@ TEST_F(Check, FindsMistakesWithPlaceAndLineWithoutRunning) {
         "    krlImageBrightness(x, -1.0, #Alhpa)\n"
         "  end repeat\n"
         "  krlImageQuit()");
-    EXPECT_TELLS(errors, "a.ls:2:24: brightnessInt is \"a\", wanted is integer, -255 to 255");
+    EXPECT_TELLS(errors, "a.ls:2:24: brightnessInt: expected integer, -255 to 255, got \"a\"");
     EXPECT_TELLS(errors, "a.ls:3:");
     EXPECT_TELLS(errors, "takes 2 arguments, 1 was given");
     EXPECT_TELLS(errors, "there is no method krlImageBrigtness, did you mean brightness?");
-    EXPECT_TELLS(errors, "a.ls:5:27: brightnessInt is a float");
+    EXPECT_TELLS(errors, "a.ls:5:27: brightnessInt: expected integer, -255 to 255, got a float");
     EXPECT_TELLS(errors, "did you mean #Alpha?");
     EXPECT_TELLS(errors, "an instance of the plug-in is wanted");
     EXPECT_EQ(countOf(errors, "^\n"), 6u) << errors;
@@ -162,7 +163,8 @@ TEST_F(Check, LooksIntoEveryFormOfStatement) {
         "y = -f(" + wrong + " + 1)[2].name",
         "y = char 1 to " + wrong + " of \"abc\"",
     };
-    for (const std::string& body : bodies) EXPECT_TELLS(errorsOf(body), "colourOrAlpha is 1,") << body;
+    for (const std::string& body : bodies)
+        EXPECT_TELLS(errorsOf(body), "colourOrAlpha: expected #RGB or #Alpha, got 1") << body;
 }
 
 TEST_F(Check, TellsWhatCannotBeParsedOrRead) {

@@ -1,0 +1,95 @@
+#include "player/cli/CatalogueCalls.h"
+
+#include <cstring>
+
+#include "catalogue/DirectCall.h"
+#include "catalogue/Notation.h"
+
+namespace krl::player {
+
+namespace {
+
+/// The engine's picture for the length of a call.
+class LoadedPicture {
+public:
+    LoadedPicture(ImageEngine& engine, Bitmap& picture) : engine_(engine) {
+        ImageInfo info;
+        info.width = picture.width;
+        info.height = picture.height;
+        info.rowBytes = picture.width * static_cast<int32_t>(sizeof(Pixel));
+        engine_.load(firstByte(picture.pixels.data()), info);
+    }
+    ~LoadedPicture() { engine_.unload(); }
+    LoadedPicture(const LoadedPicture&) = delete;
+    LoadedPicture& operator=(const LoadedPicture&) = delete;
+
+private:
+    ImageEngine& engine_;
+};
+
+/// The result as scripts would see it: `[#error: 0]`, or the entries of a method without that one.
+std::string shownText(const Method& method, const CallResult& result) {
+    if (method.isSilent()) return "";
+    if (method.makesPictureList() && result.ok()) return writeNotation(result.pictures);
+    PropertyListValue shown;
+    if (!result.ok())
+        shown.emplace_back(Symbol{"error"}, result.error);
+    else if (result.withError)
+        shown.emplace_back(Symbol{"error"}, int32_t{0});
+    for (const auto& [key, value] : result.entries) shown.emplace_back(Symbol{key}, value);
+    return writeNotation(shown);
+}
+
+/// The new picture of a result, or null.
+const krl::Picture* pictureIn(const CallResult& result) {
+    if (!result.pictures.empty()) return result.pictures.front().as<krl::Picture>();
+    for (const auto& [key, value] : result.entries)
+        if (const auto* picture = value.as<krl::Picture>()) return picture;
+    return nullptr;
+}
+
+void replace(Bitmap& picture, const krl::Picture& made) {
+    picture.width = made.info.width;
+    picture.height = made.info.height;
+    picture.pixels.resize(static_cast<size_t>(made.info.width) * static_cast<size_t>(made.info.height));
+    std::memcpy(picture.pixels.data(), made.pixels, picture.pixels.size() * sizeof(Pixel));
+}
+
+/// Arguments of their own for a method that rewrites a second picture, so that the next call meets it as it
+/// was.
+std::vector<krl::Value> withCopiedPictures(std::vector<krl::Value> arguments) {
+    for (krl::Value& argument : arguments)
+        if (auto* picture = argument.as<krl::Picture>()) {
+            const krl::Picture original = *picture;
+            *picture = krl::Picture::blank(original.info.width, original.info.height);
+            std::memcpy(
+                picture->pixels, original.pixels,
+                static_cast<size_t>(original.info.rowBytes) * static_cast<size_t>(original.info.height));
+        }
+    return arguments;
+}
+
+}  // namespace
+
+CatalogueCalls::CatalogueCalls(ThreadChoice threads) {
+    engine_.allocateTables();
+    engine_.buildTables();
+    engine_.configureExecution(threads == ThreadChoice::One);
+    bands_ = engine_.getThreadCount();
+}
+
+CallOutcome CatalogueCalls::apply(Bitmap& picture, const Method& method,
+                                  const std::vector<krl::Value>& arguments) {
+    const LoadedPicture loaded(engine_, picture);
+    engine_.setThreadCount(method.resultDependsOnBands() ? 1 : bands_);
+    const bool rewritesArgument = method.needsSecondPicture() && !method.rewritesPicture();
+    const CallResult result =
+        callMethod(method, engine_, rewritesArgument ? withCopiedPictures(arguments) : arguments);
+    CallOutcome outcome;
+    outcome.error = result.error;
+    outcome.shown = shownText(method, result);
+    if (const krl::Picture* made = pictureIn(result)) replace(picture, *made);
+    return outcome;
+}
+
+}  // namespace krl::player
