@@ -2,8 +2,8 @@
 #include <cstdio>
 #include <vector>
 
-#include "effects/blur/BlurEffects.h"
 #include "effects/tone/ToneEffects.h"
+#include "krlimage/blur.h"
 #include "krlimage/engine.h"
 
 namespace {

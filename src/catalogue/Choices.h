@@ -25,6 +25,7 @@ inline std::vector<SymbolChoice> anyChannels() {
 }
 
 inline constexpr const char* kTargetMeaning = "the three colours, or transparency alone";
+inline constexpr const char* kChannelsMeaning = "all four channels, the three colours, or transparency alone";
 inline constexpr const char* kWeighedMeaning =
     "all, with colours counting by their alpha; the three colours; or transparency alone";
 

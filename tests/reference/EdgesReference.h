@@ -5,11 +5,11 @@
 
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
-#include "effects/edges/Edges.h"
 #include "kernels/blur/TentBlur.h"
+#include "krlimage/edges.h"
 #include "support/Picture.h"
 
-/// The edge filters pixel by pixel and channel by channel, as they are told.
+/// The edge filters pixel by pixel and channel by channel, as they are defined.
 namespace krl::test {
 
 /// Samples of one channel around a pixel.

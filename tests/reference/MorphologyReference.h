@@ -4,10 +4,9 @@
 #include <vector>
 
 #include "core/LookupTables.h"
-#include "effects/edges/Morphology.h"
 #include "support/Picture.h"
 
-/// Morphology told as the ring that a line is pushed through, scanned whole for every result.
+/// Morphology as the ring that a line is pushed through, scanned whole for every result.
 namespace krl::test {
 
 using Line = std::vector<int>;
@@ -46,29 +45,6 @@ inline Line throughRing(const Line& samples, int size, const RingExtreme& extrem
     return result;
 }
 
-/// A line of alpha with the window ending at each sample.
-inline Line throughRingAtRight(const Line& samples, int distance) {
-    const RingExtreme extreme = ringMinimum();
-    Line ring(size_t(distance * 2 + 1), extreme.filler), result;
-    for (size_t x = 0; x < samples.size(); ++x) {
-        ring[x % ring.size()] = samples[x];
-        result.push_back(extreme.of(ring));
-    }
-    return result;
-}
-
-/// A line of alpha with the window beginning at each sample; sample 0 is never read.
-inline Line throughRingAtLeft(const Line& samples, int distance) {
-    const RingExtreme extreme = ringMinimum();
-    Line ring(size_t(distance * 2 + 1), extreme.filler), result(samples.size());
-    for (size_t n = 0; n < samples.size(); ++n) {
-        const size_t x = samples.size() - 1 - n;
-        ring[n % ring.size()] = x == 0 ? 255 : samples[x];
-        result[x] = extreme.of(ring);
-    }
-    return result;
-}
-
 /// Replaces byte `channel` along rows or columns by what `work` makes of each line of samples.
 inline void replaceLines(Picture& picture, size_t channel, bool alongRows, bool scaled,
                          const std::function<Line(const Line&)>& work) {
@@ -100,20 +76,6 @@ inline Picture referenceMorphology(Picture picture, int size, const RingExtreme&
     for (size_t channel = 0; channel < 3; ++channel) {
         replaceLines(picture, channel, true, scaled, work);
         replaceLines(picture, channel, false, scaled, work);
-    }
-    return picture;
-}
-
-inline Picture referenceErodeWhite(Picture picture, int distance, ErodeDirection direction) {
-    if (direction == ErodeDirection::All) {
-        const auto work = [&](const Line& line) { return throughRing(line, distance, ringMinimum()); };
-        replaceLines(picture, 3, true, false, work);
-        replaceLines(picture, 3, false, false, work);
-    } else {
-        replaceLines(picture, 3, true, false, [&](const Line& line) {
-            return direction == ErodeDirection::Right ? throughRingAtRight(line, distance)
-                                                      : throughRingAtLeft(line, distance);
-        });
     }
     return picture;
 }

@@ -5,7 +5,7 @@
 
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
-#include "effects/blur/PathBlur.h"
+#include "krlimage/blur.h"
 #include "support/Picture.h"
 
 /// Path blurs sample by sample: every coordinate by its own sine and cosine, every sum in order.

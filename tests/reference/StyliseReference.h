@@ -8,11 +8,11 @@
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
 #include "core/Random.h"
-#include "effects/stylise/Stylise.h"
 #include "kernels/blur/TentBlur.h"
+#include "krlimage/stylise.h"
 #include "support/Picture.h"
 
-/// The stylise effects pixel by pixel, as they are told.
+/// The stylise effects pixel by pixel, as they are defined.
 namespace krl::test {
 
 inline bool isTargeted(ChannelTarget target, size_t channel) {
@@ -118,17 +118,7 @@ inline Picture referenceTile(const Picture& copy, int tileW, int tileH, int rand
     return result;
 }
 
-struct VignetteArguments {
-    VignetteShape shape = VignetteShape::Ellipse;
-    Colour colour{10, 20, 30};
-    int transparency = 255;
-    float scaleX = 1, scaleY = 1;
-    int offsetX = 0, offsetY = 0, blur = 0;
-    VignetteTarget target = VignetteTarget::RGB;
-    bool isInverted = false;
-};
-
-inline Picture referenceVignette(Picture picture, VignetteArguments a) {
+inline Picture referenceVignette(Picture picture, VignetteSettings a) {
     const int w = picture.width(), h = picture.height();
     a.transparency = std::clamp(a.transparency, 0, 255);
     a.scaleX = clampTo(a.scaleX, 0.0f, 2.0f), a.scaleY = clampTo(a.scaleY, 0.0f, 2.0f);

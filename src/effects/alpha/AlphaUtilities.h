@@ -23,6 +23,19 @@ Status clearAlpha(ImageEngine& engine, AlphaFill direction);
 /// Takes the red byte into alpha: white leaves alpha alone, red 0 clears it.
 Status combineRGBwithAlpha(ImageEngine& engine);
 
+/// Which way `erodeWhite` eats into the matte.
+enum class ErodeDirection : int32_t {
+    All = 64,    ///< all round
+    Right = 65,  ///< the window ends at the pixel
+    Left = 66,   ///< the window begins at the pixel
+};
+
+/// Shrinks the matte: alpha becomes the smallest of the `2 * distance + 1` samples of a window. `All` takes a
+/// window along the row and then one down the column; both start late: sample `distance - 1` of a line never
+/// enters them, and near a line's start they reach one sample further back. `Right` and `Left` work along
+/// rows alone; with `Left` column 0 counts as 255. A negative `distance` counts as 0. Colour stays.
+Status erodeWhite(ImageEngine& engine, int32_t distance, ErodeDirection direction);
+
 /// Folds the alpha of `dotImage`, an image of the same size, in as a key matte.
 Status inputMask(ImageEngine& engine, const SecondImage& dotImage, bool keep, bool invert);
 

@@ -2,11 +2,13 @@
 #include <cmath>
 #include <vector>
 
+#include "catalogue/Catalogue.h"
 #include "core/ChannelMask.h"
 #include "core/VectorLevels.h"
-#include "effects/blur/PathBlur.h"
+#include "effects/blur/BlurChoices.h"
 #include "kernels/blend/AlphaScale.h"
 #include "kernels/path/PathSum.h"
+#include "krlimage/blur.h"
 
 namespace krl {
 
@@ -202,6 +204,7 @@ private:
 
 }  // namespace
 
+/// The mean of samples along a straight line, the same for every pixel.
 Status motionBlur(ImageEngine& engine, int32_t distance, int32_t angle, BlurCount blurCount,
                   ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
@@ -209,6 +212,23 @@ Status motionBlur(ImageEngine& engine, int32_t distance, int32_t angle, BlurCoun
     const Status first = Trail(engine, distance, angle, target).run();
     if (first || blurCount == BlurCount::Single) return first;
     return Trail(engine, distance, wrapAdd(angle, 180), target).run();
+}
+
+void describeMotionBlur(Catalogue& catalogue) {
+    catalogue.add("krlImageMotionBlur", motionBlur)
+        .summary("Smears the picture along a straight line.")
+        .integer("distance", {.from = 0, .to = 100, .example = 24, .least = 0, .neutral = 0},
+                 "length of a trail in pixels")
+        .integer("angle", {.from = 0, .to = 360, .example = 20},
+                 "degrees, clockwise from the right, in which each pixel looks for its trail")
+        .symbol("blurCount", {{"single", BlurCount::Single}, {"double", BlurCount::Double}},
+                otherwise(BlurCount::Double),
+                "a trail to one side, or a second one in the opposite direction; any other symbol "
+                "is double")
+        .symbol("colourOrAlpha", anyChannels(), kUnsetTarget, kWeighedMeaning)
+        .showing("RGB")
+        .inputFailure("MotionBlur input failure (Image)")
+        .failed("Failed Motion Blur function (Image)");
 }
 
 }  // namespace krl

@@ -1,9 +1,11 @@
 #include <cmath>
 #include <new>
 
+#include "catalogue/Catalogue.h"
 #include "core/VectorLevels.h"
-#include "effects/blur/PathBlur.h"
+#include "effects/blur/BlurChoices.h"
 #include "kernels/path/PathTile.h"
+#include "krlimage/blur.h"
 
 namespace krl {
 
@@ -128,6 +130,7 @@ Status blurArcs(ImageEngine& engine, int32_t degrees, Point point) {
 
 }  // namespace
 
+/// The mean of samples along an arc about a point.
 Status radialBlur(ImageEngine& engine, int32_t radialLength, Point radialPoint, ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
     if (radialLength < 1) return kStatusOk;
@@ -141,6 +144,18 @@ Status radialBlur(ImageEngine& engine, int32_t radialLength, Point radialPoint, 
         default:
             return kStatusOk;
     }
+}
+
+void describeRadialBlur(Catalogue& catalogue) {
+    catalogue.add("krlImageRadialBlur", radialBlur)
+        .summary("Turns the picture about a point while it is exposed.")
+        .integer("radialLength", {.from = 0, .to = 45, .example = 6, .least = 0, .neutral = 0},
+                 "degrees to each side; one sample is taken for each")
+        .point("radialPoint", {.x = 0.5, .y = 0.5}, "what the picture turns about")
+        .symbol("colourOrAlpha", anyChannels(), kUnsetTarget, kWeighedMeaning)
+        .showing("RGB")
+        .inputFailure("Radial Blur input failure (Image)")
+        .failed("Failed Radial Blur function (Image)");
 }
 
 }  // namespace krl

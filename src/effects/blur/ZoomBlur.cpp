@@ -1,8 +1,10 @@
 #include <cmath>
 
+#include "catalogue/Catalogue.h"
 #include "core/VectorLevels.h"
-#include "effects/blur/PathBlur.h"
+#include "effects/blur/BlurChoices.h"
 #include "kernels/path/PathTile.h"
+#include "krlimage/blur.h"
 
 namespace krl {
 
@@ -156,6 +158,7 @@ Status blurRays(ImageEngine& engine, int32_t zoomLength, Point point, ZoomDirect
 
 }  // namespace
 
+/// The mean of samples along the ray through a point.
 Status zoomBlur(ImageEngine& engine, int32_t zoomLength, Point zoomPoint, ZoomDirection direction,
                 ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
@@ -169,6 +172,22 @@ Status zoomBlur(ImageEngine& engine, int32_t zoomLength, Point zoomPoint, ZoomDi
         default:
             return kStatusOk;
     }
+}
+
+void describeZoomBlur(Catalogue& catalogue) {
+    catalogue.add("krlImageZoomBlur", zoomBlur)
+        .summary("Zooms while the picture is exposed: sharp at a point, more smeared the further out.")
+        .integer("zoomLength", {.from = 0, .to = 200, .example = 60, .least = 0, .neutral = 0},
+                 "pixels of smear at a distance of one whole diagonal from the point")
+        .point("zoomPoint", {.x = 0.5, .y = 0.5}, "what stays sharp")
+        .symbol("direction", {{"in", ZoomDirection::In}, {"out", ZoomDirection::Out}},
+                refused("Zoom Blur invalid input direction (Image)"),
+                "gathers from further out, or from nearer the point")
+        .symbol("colourOrAlpha", anyChannels(), kUnsetTarget, kWeighedMeaning)
+        .showing("RGB")
+        .needsEngine()
+        .inputFailure("Zoom Blur input failure (Image)")
+        .failed("Failed Zoom Blur function (Image)");
 }
 
 }  // namespace krl

@@ -1,9 +1,11 @@
 #include <cmath>
 
+#include "catalogue/Catalogue.h"
+#include "catalogue/Choices.h"
 #include "core/ImageCopy.h"
 #include "core/VectorLevels.h"
-#include "effects/edges/Edges.h"
 #include "kernels/neighbour/Gradient3x3.h"
+#include "krlimage/edges.h"
 
 namespace krl {
 
@@ -116,6 +118,7 @@ ImageBuffer shadedPart(const ImageBuffer& image) {
 
 }  // namespace
 
+/// Each byte as a surface that leans with its neighbours, lit from one side.
 Status emboss(ImageEngine& engine, int32_t strength, float azimuth, float elevation, ChannelTarget target) {
     if (engine.imageStatus()) return kStatusRefused;
     const Light light(clampTo(strength, 1, 50), clampTo(azimuth, 0.0f, 360.0f), elevation);
@@ -142,6 +145,20 @@ Status emboss(ImageEngine& engine, int32_t strength, float azimuth, float elevat
     for (int32_t y = 1; y < part.height - 1; ++y) filterInnerRow(source, part, y, mask, shade);
     repairBorder(image, mask);
     return kStatusOk;
+}
+
+void describeEmboss(Catalogue& catalogue) {
+    catalogue.add("krlImageEmboss", emboss)
+        .summary("Lights the picture from one side as if it were a relief.")
+        .integer("strength", {.from = 1, .to = 50, .example = 8, .least = 1, .most = 50},
+                 "depth of the relief")
+        .real("azimuth", {.from = 0, .to = 360, .example = 45, .least = 0, .most = 360},
+              "degrees round the compass that the light comes from")
+        .real("elevation", {.from = 0, .to = 90, .example = 30},
+              "degrees of the light above the picture; also the grey of what is flat")
+        .symbol("colourOrAlpha", colourOrAlpha(), kElseAlpha, kTargetMeaning)
+        .inputFailure("Emboss input failure (Image)")
+        .failed("Failed Emboss function (Image)");
 }
 
 }  // namespace krl

@@ -1,11 +1,12 @@
+#include "catalogue/Catalogue.h"
 #include "core/ChannelMask.h"
 #include "core/ImageCopy.h"
 #include "core/VectorLevels.h"
-#include "effects/edges/Edges.h"
 #include "kernels/blend/AlphaScale.h"
 #include "kernels/blur/TentBlur.h"
 #include "kernels/curve/ByteCurve.h"
 #include "kernels/neighbour/LineWindow.h"
+#include "krlimage/edges.h"
 
 namespace krl {
 
@@ -50,6 +51,7 @@ Status spreadOfColumns(const ImageEngine& engine, const ImageBuffer& lowest, con
 
 }  // namespace
 
+/// The spread of each colour around a pixel, brightened.
 Status glowingEdges(ImageEngine& engine, int32_t size, int32_t smoothness, float brightness) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
@@ -65,6 +67,19 @@ Status glowingEdges(ImageEngine& engine, int32_t size, int32_t smoothness, float
         TentBlur(engine.getThreadCount()).blurRGBA(lowest.row(0), image.height, image.width, smoothness);
     const Status rows = spreadOfRows(engine, lowest.view(), highest.view(), half);
     return rows ? rows : spreadOfColumns(engine, lowest.view(), highest.view(), half, curve);
+}
+
+void describeGlowingEdges(Catalogue& catalogue) {
+    catalogue.add("krlImageGlowingEdges", glowingEdges)
+        .summary("Turns edges into lines of neon on black.")
+        .integer("size", {.from = 0, .to = 10, .example = 2, .least = 0, .most = 10},
+                 "width of the lines, in pixels to each side")
+        .integer("smoothness", {.from = 0, .to = 20, .example = 3, .least = 0},
+                 "softening before the search, in pixels")
+        .real("brightness", {.from = 0, .to = 10, .example = 2.5, .least = 0, .most = 255},
+              "factor on the light of the lines")
+        .inputFailure("Glowing Edges input failure (Image)")
+        .failed("Failed Glowing Edges function (Image)");
 }
 
 }  // namespace krl

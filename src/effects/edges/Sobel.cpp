@@ -1,9 +1,12 @@
+#include "catalogue/Catalogue.h"
+#include "catalogue/Choices.h"
 #include "core/ImageCopy.h"
-#include "effects/edges/Edges.h"
 #include "kernels/neighbour/Gradient3x3.h"
+#include "krlimage/edges.h"
 
 namespace krl {
 
+/// 255 less the length of the 3 by 3 gradient.
 Status sobel(ImageEngine& engine, ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
@@ -21,6 +24,14 @@ Status sobel(ImageEngine& engine, ChannelTarget target) {
                 fresh[i] = {uint8_t(~p.blue), uint8_t(~p.green), uint8_t(~p.red), uint8_t(~p.alpha)};
             }
         });
+}
+
+void describeSobel(Catalogue& catalogue) {
+    catalogue.add("krlImageSobel", sobel)
+        .summary("Draws edges as dark lines on white.")
+        .symbol("colourOrAlpha", colourOrAlpha(), kElseAlpha, kTargetMeaning)
+        .inputFailure("Sobel input failure (Image)")
+        .failed("Failed Sobel function (Image)");
 }
 
 }  // namespace krl

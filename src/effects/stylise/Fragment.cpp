@@ -1,9 +1,11 @@
 #include <algorithm>
 
+#include "catalogue/Catalogue.h"
+#include "catalogue/Choices.h"
 #include "core/ChannelMask.h"
 #include "core/VectorLevels.h"
-#include "effects/stylise/Stylise.h"
 #include "kernels/path/PathSum.h"
+#include "krlimage/stylise.h"
 
 namespace krl {
 
@@ -19,6 +21,7 @@ void meanOfFour(const uint8_t* a, const uint8_t* b, const uint8_t* c, const uint
 
 }  // namespace
 
+/// The mean of four copies, shifted up, down, left and right.
 Status fragment(ImageEngine& engine, int32_t distance, ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
     const PathSource source(engine, target == ChannelTarget::RGBA);
@@ -46,6 +49,16 @@ Status fragment(ImageEngine& engine, int32_t distance, ChannelTarget target) {
             x += count;
         }
     });
+}
+
+void describeFragment(Catalogue& catalogue) {
+    catalogue.add("krlImageFragment", fragment)
+        .summary("Lays four faint copies of the picture around its place.")
+        .integer("distance", {.from = 0, .to = 100, .example = 8}, "pixels by which each copy is shifted")
+        .symbol("colourOrAlpha", anyChannels(), refused("Fragment invalid colourOrAlpha input (Image)"),
+                kWeighedMeaning)
+        .inputFailure("Fragment input failure (Image)")
+        .failed("Failed Fragment function (Image)");
 }
 
 }  // namespace krl

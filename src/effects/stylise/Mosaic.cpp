@@ -1,10 +1,12 @@
 #include <algorithm>
 
+#include "catalogue/Catalogue.h"
+#include "catalogue/Choices.h"
 #include "core/Bands.h"
 #include "core/ChannelMask.h"
 #include "core/Scratch.h"
 #include "core/VectorLevels.h"
-#include "effects/stylise/Stylise.h"
+#include "krlimage/stylise.h"
 
 namespace krl {
 
@@ -53,6 +55,7 @@ private:
 
 }  // namespace
 
+/// Flat blocks, each the sum of its samples over one more than their number.
 Status mosaic(ImageEngine& engine, int32_t amount, ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
@@ -73,6 +76,15 @@ Status mosaic(ImageEngine& engine, int32_t amount, ChannelTarget target) {
             blocks.flatten(
                 {static_cast<int32_t>(y), static_cast<int32_t>(std::min<int64_t>(y + side, image.height))});
     });
+}
+
+void describeMosaic(Catalogue& catalogue) {
+    catalogue.add("krlImageMosaic", mosaic)
+        .summary("Makes blocks of one colour.")
+        .integer("amount", {.from = 2, .to = 100, .example = 12, .least = 2}, "side of a block, in pixels")
+        .symbol("colourOrAlpha", anyChannels(), kElseAlpha, kChannelsMeaning)
+        .inputFailure("Mosaic input failure (Image)")
+        .failed("Failed Mosaic function (Image)");
 }
 
 }  // namespace krl

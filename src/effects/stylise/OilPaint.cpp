@@ -1,12 +1,13 @@
 #include <algorithm>
 #include <cstring>
 
+#include "catalogue/Catalogue.h"
 #include "core/Bands.h"
 #include "core/LookupTables.h"
 #include "core/Scratch.h"
-#include "effects/stylise/Stylise.h"
 #include "kernels/blend/AlphaScale.h"
 #include "kernels/path/PixelFields.h"
+#include "krlimage/stylise.h"
 
 namespace krl {
 
@@ -113,6 +114,7 @@ void paintRow(const Palette& palette, int32_t brushSize, int32_t y, Brush& brush
 
 }  // namespace
 
+/// The mean colour of those around a pixel that share the most frequent level of brightness.
 Status oilPaint(ImageEngine& engine, int32_t brushSize, int32_t intensity) {
     if (Status state = engine.imageStatus()) return state;
     const int32_t size = clampTo(brushSize, 1, kMostBrush), levels = clampTo(intensity, 10, 255);
@@ -124,6 +126,17 @@ Status oilPaint(ImageEngine& engine, int32_t brushSize, int32_t intensity) {
         for (int32_t y = rows.first; y < rows.last; ++y)
             paintRow(palette, size, y, brush, engine.buffer()->row(y));
     });
+}
+
+void describeOilPaint(Catalogue& catalogue) {
+    catalogue.add("krlImageOilPaint", oilPaint)
+        .summary("Paints over the picture in strokes of its own colours.")
+        .integer("brushSize", {.from = 1, .to = 5, .example = 4, .least = 1, .most = 5},
+                 "pixels that a stroke reaches to each side")
+        .integer("intensity", {.from = 10, .to = 255, .example = 30, .least = 10, .most = 255},
+                 "levels of brightness to distinguish; few give broad strokes")
+        .inputFailure("Oil Paint input failure (Image)")
+        .failed("Failed Oil Paint function (Image)");
 }
 
 }  // namespace krl

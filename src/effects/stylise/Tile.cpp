@@ -1,10 +1,12 @@
 #include <algorithm>
 
+#include "catalogue/Catalogue.h"
+#include "catalogue/Choices.h"
 #include "core/Bands.h"
 #include "core/ChannelMask.h"
 #include "core/ImageCopy.h"
 #include "core/Random.h"
-#include "effects/stylise/Stylise.h"
+#include "krlimage/stylise.h"
 
 namespace krl {
 
@@ -104,12 +106,28 @@ private:
 
 }  // namespace
 
+/// Tiles that slip out of place, each by two draws of its own.
 Status tile(ImageEngine& engine, int32_t tileW, int32_t tileH, int32_t random, int32_t seed,
             ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
     const Tiling tiling(engine, std::max(tileW, 1), std::max(tileH, 1), Slips(std::max(random, 1), seed),
                         target);
     return forEachRowRange(engine, [&](IndexRange rows) { tiling.lay(rows); });
+}
+
+void describeTile(Catalogue& catalogue) {
+    catalogue.add("krlImageTile", tile)
+        .summary("Cuts the picture into tiles that slip out of place.")
+        .integer("tileW", {.from = 1, .to = 200, .example = 24, .least = 1}, "width of a tile, in pixels")
+        .integer("tileH", {.from = 1, .to = 200, .example = 24, .least = 1}, "height of a tile, in pixels")
+        .integer("random", {.from = 1, .to = 100, .example = 14, .least = 1, .neutral = 1},
+                 "pixels of play; 1 is none")
+        .integer("seed", {.from = 0, .to = 32767, .example = 7}, "number that decides how the tiles slip")
+        .symbol("colourOrAlpha", anyChannels(), refused("Tile invalid colourOrAlpha input (Image)"),
+                kChannelsMeaning)
+        .inputFailure("Tile input failure (Image)")
+        .failed("Failed Tile function (Image)")
+        .dependsOnBands();
 }
 
 }  // namespace krl

@@ -10,7 +10,6 @@ namespace krl {
 namespace {
 
 constexpr const char* kQualityMeaning = "the nearest pixel, or a mean of the four around the place";
-constexpr const char* kChannelsMeaning = "all four channels, the three colours, or transparency alone";
 constexpr const char* kFrequencyMeaning =
     "degrees of the wave for each pixel; 360 / frequency pixels make one wave";
 

@@ -227,6 +227,14 @@ void TentBlur::blurSingle(Pixel* pixels, int32_t height, int32_t width, int32_t 
     blurChannel(pixels, height, width, radius, 0);
 }
 
+void TentBlur::blurTarget(Pixel* pixels, int32_t height, int32_t width, int32_t radius,
+                          ChannelTarget target) {
+    if (target == ChannelTarget::RGBA || target == ChannelTarget::RGB)
+        blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{ChannelMask(target)});
+    else
+        blurAlpha(pixels, height, width, radius);
+}
+
 void TentBlur::blurBytes(uint8_t* plane, int32_t height, int32_t width, int32_t radius) {
     blurLayout(plane, height, width, radius, PlaneLayout<uint8_t>{});
 }

@@ -34,6 +34,8 @@ public:
     void blurChroma(Pixel* pixels, int32_t height, int32_t width, int32_t radius);
     /// Byte 0; the others stay.
     void blurSingle(Pixel* pixels, int32_t height, int32_t width, int32_t radius);
+    /// Whole pixels for `RGBA`, colour for `RGB`, else alpha.
+    void blurTarget(Pixel* pixels, int32_t height, int32_t width, int32_t radius, ChannelTarget target);
     /// A plane of any signed integers, divided toward zero. From here on this object runs all its
     /// kernels on the calling thread.
     void blurPlane(int32_t* plane, int32_t height, int32_t width, int32_t radius);

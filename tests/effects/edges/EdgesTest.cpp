@@ -3,10 +3,7 @@
 #include <climits>
 #include <limits>
 
-#include "effects/edges/Edges.h"
-#include "effects/tone/ToneEffects.h"
-#include "kernels/blend/AlphaScale.h"
-#include "kernels/neighbour/Gradient3x3.h"
+#include "krlimage/edges.h"
 #include "reference/EdgesReference.h"
 #include "support/Picture.h"
 
@@ -31,10 +28,6 @@ auto trace(int32_t blurAmount, int32_t threshold, ChannelTarget target) {
 auto glow(int32_t size, int32_t smoothness, float brightness) {
     return [=](ImageEngine& engine) { return glowingEdges(engine, size, smoothness, brightness); };
 }
-auto steps(int32_t preBlur, int32_t threshold, int32_t count, ChannelTarget target) {
-    return [=](ImageEngine& engine) { return thresholdPro(engine, preBlur, threshold, count, target); };
-}
-
 /// Pictures with the gentle slopes and flats that random bytes do not have.
 Picture soft(int32_t width, int32_t height, int32_t seed) {
     Picture picture = Picture::random(width, height, seed);
@@ -47,32 +40,6 @@ void onManyPictures(Check&& check) {
     for (const auto& [width, height] : kShapes)
         for (const Picture& picture : {Picture::random(width, height, 3), soft(width, height, 4)})
             for (ChannelTarget target : kTargets) check(picture, target);
-}
-
-TEST(Gradient, StrengthIsTheTruncatedRootForAllSums) {
-    for (int vertical = 0; vertical <= 1020; ++vertical)
-        for (int horizontal = 0; horizontal <= 1020; horizontal += 3) {
-            const int square = vertical * vertical + horizontal * horizontal;
-            const int strength = sobelStrength({vertical, -horizontal});
-            ASSERT_LE(strength * strength, square);
-            ASSERT_TRUE(strength == 255 || (strength + 1) * (strength + 1) > square);
-        }
-}
-
-TEST(Gradient, SinglePrecisionRootsTruncateAsExactOnes) {
-    for (int32_t square = 0; square <= 2 * 1020 * 1020; ++square)
-        ASSERT_EQ(truncate(std::sqrt(float(square))), truncate(std::sqrt(double(square))));
-}
-
-TEST(Gradient, StrengthsOfARunEqualThoseOfItsBytes) {
-    const Picture picture = Picture::random(40, 3);
-    Pixel strengths[38];
-    sobelStrengths(&picture.at(1, 0), &picture.at(1, 1), &picture.at(1, 2), 38, strengths);
-    for (int x = 1; x < 39; ++x)
-        for (size_t channel = 0; channel < 4; ++channel) {
-            const auto row = [&](int y) { return &picture.at(x, y).blue + channel; };
-            EXPECT_EQ(strengths[x - 1][channel], sobelStrength(sobelSums(row(0), row(1), row(2))));
-        }
 }
 
 TEST(Sobel, MakesAFlatPictureWhiteToItsBorder) {
@@ -219,59 +186,11 @@ TEST(GlowingEdges, LimitsBrightnessOfAnyKind) {
     EXPECT_EQ(picture.after(glow(1, 0, kNaN)), Picture::grey({{0, 0}, {0, 0}}));
 }
 
-TEST(ThresholdPro, OneStepPartsThePictureInTwo) {
-    const Picture result = Picture::ramp().after(steps(0, 100, 1, ChannelTarget::RGB));
-    for (int32_t x = 0; x < 256; ++x) EXPECT_EQ(result.at(x, 0).red, x < 100 ? 0 : 255) << x;
-}
-
-TEST(ThresholdPro, LowHalfRestsOnLowerEdgesAndHighHalfOnUpper) {
-    const Picture result = Picture::ramp().after(steps(0, 100, 2, ChannelTarget::RGB));
-    // Steps of 50 below and of 77.5 above.
-    for (const auto& [level, expected] :
-         {std::pair{0, 0}, {49, 0}, {50, 50}, {99, 50}, {100, 177}, {177, 177}, {178, 255}, {255, 255}})
-        EXPECT_EQ(result.at(level, 0).green, expected) << level;
-}
-
-TEST(ThresholdPro, EndlessStepsGiveBlack) {
-    for (int32_t threshold : {0, 100, 255})
-        EXPECT_EQ(Picture::ramp().after(steps(0, threshold, 0, ChannelTarget::RGB)), Picture(256, 1));
-}
-
-TEST(ThresholdPro, NegativeStepsAreOneLevelHigh) {
-    const Picture result = Picture::ramp().after(steps(0, 100, -7, ChannelTarget::RGB));
-    EXPECT_EQ(result.at(60, 0).red, 60);
-    EXPECT_EQ(result.at(99, 0).red, 99);
-    EXPECT_EQ(result.at(100, 0).red, 101);
-    EXPECT_EQ(result.at(200, 0).red, 201);
-    EXPECT_EQ(result.at(255, 0).red, 255);
-}
-
-TEST(ThresholdPro, UpperEdgePastWhiteWrapsToBlack) {
-    // With the threshold at 255 the step above it is raised to 1 and ends at 256.
-    const Picture result = Picture::ramp().after(steps(0, 300, 1, ChannelTarget::RGB));
-    EXPECT_EQ(result.at(255, 0).red, 0);
-}
-
-TEST(ThresholdPro, WorksOnTheMeanColourOrOnAlpha) {
-    const Picture picture(1, {{0, 100, 202, 30}});
-    EXPECT_EQ(picture.after(steps(0, 100, 1, ChannelTarget::RGB)), Picture(1, {{255, 255, 255, 30}}));
-    EXPECT_EQ(picture.after(steps(0, 20, 1, ChannelTarget::Alpha)), Picture(1, {{0, 100, 202, 255}}));
-}
-
-TEST(ThresholdPro, BlursBeforeItParts) {
-    const Picture picture = Picture::random(23, 12);
-    Picture blurred = picture;
-    TentBlur(1).blurRGB(blurred.pixels().data(), 12, 23, 5);
-    EXPECT_EQ(picture.after(steps(5, 120, 3, ChannelTarget::RGB)),
-              blurred.after(steps(0, 120, 3, ChannelTarget::RGB)));
-}
-
 TEST(Edges, DoNotDependOnBands) {
     for (ChannelTarget target : kTargets) {
         expectSameForAnyBands(findEdges(target));
         expectSameForAnyBands(carve(10, 45, 30, target));
         expectSameForAnyBands(trace(2, 40, target));
-        expectSameForAnyBands(steps(2, 100, 3, target));
     }
     expectSameForAnyBands(glow(2, 2, 3.0f));
 }
@@ -280,11 +199,11 @@ TEST(Edges, LeaveOtherChannelsAlone) {
     const Picture picture = Picture::random(21, 13);
     for (const auto& effect : std::initializer_list<std::function<Status(ImageEngine&)>>{
              findEdges(ChannelTarget::RGB), carve(9, 9, 9, ChannelTarget::RGB),
-             trace(1, 9, ChannelTarget::RGB), steps(1, 9, 9, ChannelTarget::RGB), glow(2, 1, 2.0f)})
+             trace(1, 9, ChannelTarget::RGB), glow(2, 1, 2.0f)})
         EXPECT_TRUE(sameAlpha(picture.after(effect), picture));
     for (const auto& effect : std::initializer_list<std::function<Status(ImageEngine&)>>{
              findEdges(ChannelTarget::Alpha), carve(9, 9, 9, ChannelTarget::Alpha),
-             trace(1, 9, ChannelTarget::Alpha), steps(1, 9, 9, ChannelTarget::Alpha)})
+             trace(1, 9, ChannelTarget::Alpha)})
         EXPECT_TRUE(sameColour(picture.after(effect), picture));
 }
 
@@ -292,7 +211,6 @@ TEST(Edges, NeedAnImage) {
     expectStateTests(findEdges(ChannelTarget::RGB));
     expectStateTests(trace(1, 9, ChannelTarget::RGB));
     expectStateTests(glow(1, 1, 1));
-    expectStateTests(steps(1, 9, 9, ChannelTarget::RGB));
 }
 
 }  // namespace

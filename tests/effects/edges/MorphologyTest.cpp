@@ -2,7 +2,7 @@
 
 #include <climits>
 
-#include "effects/edges/Morphology.h"
+#include "krlimage/edges.h"
 #include "reference/MorphologyReference.h"
 #include "support/Picture.h"
 
@@ -23,10 +23,6 @@ auto dilate(int32_t size) {
 auto erode(int32_t size) {
     return [=](ImageEngine& engine) { return erosion(engine, size); };
 }
-auto shrink(int32_t distance, ErodeDirection direction) {
-    return [=](ImageEngine& engine) { return erodeWhite(engine, distance, direction); };
-}
-
 TEST(Dilation, OfSizeZeroKeepsAnOpaquePicture) {
     const Picture picture = opaque(Picture::random(9, 7));
     EXPECT_EQ(picture.after(dilate(0)), picture);
@@ -92,9 +88,6 @@ TEST(Morphology, TakesAnySizeWithoutHarm) {
     EXPECT_EQ(picture.after(dilate(INT_MAX)), picture.after(dilate(100)));
     EXPECT_EQ(picture.after(erode(INT_MAX)), picture.after(erode(100)));
     EXPECT_EQ(picture.after(dilate(INT_MIN)), picture.after(dilate(0)));
-    EXPECT_EQ(picture.after(shrink(INT_MAX, ErodeDirection::Right)),
-              picture.after(shrink(13, ErodeDirection::Right)));
-    EXPECT_EQ(picture.after(shrink(-1, ErodeDirection::Right)), picture);
 }
 
 TEST(Morphology, LeavesAlphaAlone) {
@@ -106,48 +99,11 @@ TEST(Morphology, LeavesAlphaAlone) {
 TEST(Morphology, DoesNotDependOnBands) {
     expectSameForAnyBands(dilate(2));
     expectSameForAnyBands(erode(3));
-    expectSameForAnyBands(shrink(2, ErodeDirection::All));
-    expectSameForAnyBands(shrink(2, ErodeDirection::Right));
-    expectSameForAnyBands(shrink(2, ErodeDirection::Left));
 }
 
 TEST(Morphology, NeedsAnImage) {
     expectStateTests(dilate(1));
     expectStateTests(erode(1));
-    expectStateTests(shrink(1, ErodeDirection::Left));
-}
-
-TEST(ErodeWhite, EqualsTheScannedRing) {
-    for (const auto& [width, height] : kShapes)
-        for (int32_t distance : kSizes)
-            for (ErodeDirection direction :
-                 {ErodeDirection::All, ErodeDirection::Right, ErodeDirection::Left}) {
-                const Picture picture = Picture::random(width, height, distance + 5);
-                EXPECT_EQ(picture.after(shrink(distance, direction)),
-                          referenceErodeWhite(picture, distance, direction));
-            }
-}
-
-TEST(ErodeWhite, WindowLiesOnTheSideAsked) {
-    const auto alphas = [](std::initializer_list<int> levels) {
-        Picture picture(int32_t(levels.size()), 1);
-        int32_t x = 0;
-        for (int level : levels) picture.at(x++, 0) = {1, 2, 3, uint8_t(level)};
-        return picture;
-    };
-    EXPECT_EQ(alphas({9, 0, 9, 9, 9}).after(shrink(1, ErodeDirection::Right)), alphas({9, 0, 0, 0, 9}));
-    EXPECT_EQ(alphas({9, 9, 9, 0, 9}).after(shrink(1, ErodeDirection::Left)), alphas({9, 0, 0, 0, 9}));
-}
-
-TEST(ErodeWhite, LeftNeverReadsColumnZero) {
-    const Picture picture(3, {{1, 1, 1, 0}, {1, 1, 1, 7}, {1, 1, 1, 9}});
-    EXPECT_EQ(picture.after(shrink(1, ErodeDirection::Left)).at(0, 0).alpha, 7);
-    EXPECT_EQ(picture.after(shrink(0, ErodeDirection::Left)).at(0, 0).alpha, 255);
-}
-
-TEST(ErodeWhite, LeavesColourAlone) {
-    const Picture picture = Picture::random(20, 14);
-    EXPECT_TRUE(sameColour(picture.after(shrink(3, ErodeDirection::All)), picture));
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <climits>
 #include <limits>
 
-#include "effects/stylise/Stylise.h"
+#include "krlimage/stylise.h"
 #include "reference/StyliseReference.h"
 #include "support/Picture.h"
 
@@ -25,11 +25,11 @@ auto scatter(int32_t distance, ChannelTarget target) {
 auto tiles(int32_t tileW, int32_t tileH, int32_t random, int32_t seed, ChannelTarget target) {
     return [=](ImageEngine& engine) { return tile(engine, tileW, tileH, random, seed, target); };
 }
-auto shade(const VignetteArguments& a) {
-    return [=](ImageEngine& engine) {
-        return vignette(engine, a.shape, a.colour, a.transparency, a.scaleX, a.scaleY, a.offsetX, a.offsetY,
-                        a.blur, a.target, a.isInverted);
-    };
+/// A cover that is not black.
+constexpr Colour kCover{10, 20, 30};
+
+auto shade(const VignetteSettings& settings) {
+    return [=](ImageEngine& engine) { return vignette(engine, settings); };
 }
 
 template <class Check>
@@ -165,7 +165,7 @@ TEST(Vignette, RectangleIsHalfOpen) {
 TEST(Vignette, EllipseWithoutARadiusLeavesItsAxisClear) {
     // On the axis the distance is 0 / 0, which is not outside.
     const Pixel clear{1, 2, 3, 4}, covered{30, 20, 10, 4};
-    const auto expectClear = [&](const VignetteArguments& arguments, auto&& isOnAxis) {
+    const auto expectClear = [&](const VignetteSettings& arguments, auto&& isOnAxis) {
         const Picture result = Picture(6, 5, clear).after(shade(arguments));
         for (int32_t y = 0; y < 5; ++y)
             for (int32_t x = 0; x < 6; ++x)
@@ -173,16 +173,19 @@ TEST(Vignette, EllipseWithoutARadiusLeavesItsAxisClear) {
                     << x << ' ' << y;
     };
     for (bool isInverted : {false, true}) {
-        expectClear({.scaleX = 0, .isInverted = isInverted}, [](int32_t x, int32_t) { return x == 3; });
-        expectClear({.scaleY = 0, .isInverted = isInverted}, [](int32_t, int32_t y) { return y == 2; });
-        expectClear({.scaleX = 0, .scaleY = 0, .isInverted = isInverted},
+        expectClear({.colour = kCover, .scaleX = 0, .isInverted = isInverted},
+                    [](int32_t x, int32_t) { return x == 3; });
+        expectClear({.colour = kCover, .scaleY = 0, .isInverted = isInverted},
+                    [](int32_t, int32_t y) { return y == 2; });
+        expectClear({.colour = kCover, .scaleX = 0, .scaleY = 0, .isInverted = isInverted},
                     [](int32_t x, int32_t y) { return x == 3 || y == 2; });
     }
     EXPECT_EQ(Picture(1, 1, clear).after(shade({})), Picture(1, 1, clear));
 }
 
 TEST(Vignette, RectangleWithoutASizeCoversEverything) {
-    EXPECT_EQ(Picture(6, 5, {1, 2, 3, 4}).after(shade({.shape = VignetteShape::Rectangle, .scaleX = 0})),
+    EXPECT_EQ(Picture(6, 5, {1, 2, 3, 4})
+                  .after(shade({.shape = VignetteShape::Rectangle, .colour = kCover, .scaleX = 0})),
               Picture(6, 5, {30, 20, 10, 4}));
 }
 
@@ -192,8 +195,8 @@ TEST(Vignette, EqualsItsDefinition) {
         for (VignetteShape shape : {VignetteShape::Ellipse, VignetteShape::Rectangle})
             for (VignetteTarget target : {VignetteTarget::RGB, VignetteTarget::Alpha})
                 for (int32_t blur : {-5, 0, 1, 8})
-                    for (const VignetteArguments& a :
-                         {VignetteArguments{},
+                    for (const VignetteSettings& a :
+                         {VignetteSettings{},
                           {.transparency = 180, .scaleX = 0.7f, .scaleY = 1.3f, .offsetX = 12, .offsetY = -7},
                           {.transparency = 999,
                           .scaleX = 9,
@@ -208,8 +211,9 @@ TEST(Vignette, EqualsItsDefinition) {
                           .offsetX = 100,
                           .offsetY = -100,
                           .isInverted = true}}) {
-                        VignetteArguments arguments = a;
+                        VignetteSettings arguments = a;
                         arguments.shape = shape;
+                        arguments.colour = kCover;
                         arguments.target = target;
                         arguments.blur = blur;
                         EXPECT_EQ(picture.after(shade(arguments)), referenceVignette(picture, arguments));
@@ -224,7 +228,7 @@ TEST(Vignette, TakesAnyArgumentsWithoutHarm) {
     for (VignetteShape shape : {VignetteShape::Ellipse, VignetteShape::Rectangle})
         for (float scale : {kNaN, kInfinity, -kInfinity})
             for (int32_t offset : {INT_MIN, INT_MAX}) {
-                const VignetteArguments arguments{
+                const VignetteSettings arguments{
                     .shape = shape, .scaleX = scale, .scaleY = scale, .offsetX = offset, .offsetY = offset};
                 EXPECT_EQ(picture.after(shade(arguments)), referenceVignette(picture, arguments));
             }

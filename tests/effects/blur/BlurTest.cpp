@@ -3,8 +3,8 @@
 #include <limits>
 
 #include "core/Faults.h"
-#include "effects/blur/BlurEffects.h"
 #include "kernels/curve/EdgeGain.h"
+#include "krlimage/blur.h"
 #include "reference/TentBlurReference.h"
 #include "support/Picture.h"
 
@@ -189,28 +189,6 @@ TEST(OneChannelFeather, BlursAlphaAlone) {
         for (int32_t radius : {0, -1, -2, -5000, INT32_MIN}) EXPECT_EQ(feathered(radius), source);
     }
     expectStateTests([](ImageEngine& e) { return oneChannelFeather(e, -1, SampleQuality::Standard); });
-}
-
-TEST(BlurColourReplace, MultipliesByTheColourAndKeepsAlpha) {
-    const Picture tinted(Picture(2, {{200, 100, 255, 9}, {1, 255, 50, 0}}).after([](ImageEngine& e) {
-        return blurColourReplace(e, Colour(255, 0, 51));
-    }));
-    EXPECT_EQ(tinted, Picture(2, {{40, 0, 255, 9}, {0, 0, 50, 0}}));
-}
-
-TEST(BlurColourReplace, TouchesNoPixelsThatAreNotLoaded) {
-    Pixel pixel{100, 100, 100, 100};
-    ImageEngine engine;
-    EXPECT_EQ(blurColourReplace(engine, Colour(0, 0, 0)), kStatusRefused);
-    engine.load(reinterpret_cast<uint8_t*>(&pixel), {1, 1, 4, 0, 0, 0});
-    EXPECT_EQ(blurColourReplace(engine, Colour(0, 0, 0)), kStatusOk);
-    EXPECT_EQ(pixel, (Pixel{0, 0, 0, 100}));
-    pixel = {100, 100, 100, 100};
-    engine.unload();
-    EXPECT_EQ(blurColourReplace(engine, Colour(0, 0, 0)), kStatusRefused);
-    EXPECT_EQ(pixel, (Pixel{100, 100, 100, 100}));
-    engine.load(nullptr, {1, 1, 4, 0, 0, 0});
-    EXPECT_EQ(blurColourReplace(engine, Colour(0, 0, 0)), kStatusRefused);
 }
 
 }  // namespace krl::test

@@ -1,8 +1,9 @@
-#include "effects/blur/ChromaBlur.h"
-
+#include "catalogue/Catalogue.h"
+#include "effects/blur/BlurChoices.h"
 #include "kernels/blur/ChromaBox.h"
 #include "kernels/blur/ChromaImage.h"
 #include "kernels/blur/TentBlur.h"
+#include "krlimage/blur.h"
 
 namespace krl {
 
@@ -28,18 +29,7 @@ Status blurChromaBytes(Pixel* words, const ImageEngine& engine, ChromaBlurType b
 
 }  // namespace
 
-Status blurProYUV(ImageEngine& engine, int32_t blurY, int32_t blurU, int32_t blurV) {
-    if (Status state = engine.imageStatus()) return state;
-    const ImageBuffer& image = *engine.buffer();
-    const ChromaImage chroma(image);
-    if (Status status = chroma.split(engine)) return status;
-    TentBlur blur(engine.getThreadCount());
-    const int32_t radii[] = {blurU, blurV, blurY};
-    for (int32_t channel = 0; channel < 3; ++channel)
-        blur.blurChannel(chroma.data(), image.height, image.width, radii[channel], channel);
-    return chroma.merge(engine);
-}
-
+/// A box or tent blur on the colour differences; luma stays sharp.
 Status yuvBlur(ImageEngine& engine, ChromaBlurType blurType, int32_t blurAmount) {
     if (Status state = engine.imageStatus()) return state;
     const ChromaImage chroma(*engine.buffer());
@@ -47,6 +37,23 @@ Status yuvBlur(ImageEngine& engine, ChromaBlurType blurType, int32_t blurAmount)
     if (blurAmount > 0)
         if (Status status = blurChromaBytes(chroma.data(), engine, blurType, blurAmount)) return status;
     return chroma.merge(engine);
+}
+
+void describeYuvBlur(Catalogue& catalogue) {
+    catalogue.add("krlImageYUVBlur", yuvBlur)
+        .summary("Softens colour and keeps brightness sharp, as against colour noise.")
+        .symbol("blurType",
+                {{"yuv_horizontal", ChromaBlurType::Horizontal},
+                 {"yuv_vertical", ChromaBlurType::Vertical},
+                 {"yuv_box", ChromaBlurType::Box},
+                 {"yuv_gaussian", ChromaBlurType::Gaussian}},
+                refused("YUVBlur invalid input blur type (Image)"),
+                "along rows, down columns, both, or a softer window")
+        .showing("yuv_gaussian")
+        .integer("blurAmount", kRadius, "pixels to each side; 0 or less blurs nothing")
+        .inputFailure("YUVBlur input failure (Image)")
+        .failed("Failed YUVBlur function (Image)")
+        .dependsOnBands();
 }
 
 }  // namespace krl

@@ -1,8 +1,10 @@
+#include "catalogue/Catalogue.h"
+#include "catalogue/Choices.h"
 #include "core/ImageCopy.h"
 #include "core/VectorLevels.h"
-#include "effects/edges/Edges.h"
 #include "kernels/blur/TentBlur.h"
 #include "kernels/neighbour/Gradient3x3.h"
+#include "krlimage/edges.h"
 
 namespace krl {
 
@@ -58,6 +60,7 @@ void cannySpan(const Pixel* above, const Pixel* at, const Pixel* below, int32_t 
 
 }  // namespace
 
+/// The picture, inverted, where it has edges, and white elsewhere.
 Status cannyEdgeDetect(ImageEngine& engine, int32_t blurAmount, int32_t threshold, ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
@@ -75,6 +78,19 @@ Status cannyEdgeDetect(ImageEngine& engine, int32_t blurAmount, int32_t threshol
     return filterInner(engine, copy.view(), ChannelMask(target),
                        [=](const Pixel* above, const Pixel* at, const Pixel* below, int32_t count,
                            Pixel* fresh) { cannySpan(above, at, below, count, least, fresh); });
+}
+
+void describeCannyEdgeDetect(Catalogue& catalogue) {
+    catalogue.add("krlImageCannyEdgeDetect", cannyEdgeDetect)
+        .summary("Keeps the picture, inverted, along its strongest edges and clears the rest to white.")
+        .integer("blurAmount", {.from = 0, .to = 20, .example = 2, .least = 0},
+                 "softening before the search, in pixels")
+        .integer("threshold", {.from = 0, .to = 255, .example = 60, .least = -1, .most = 256},
+                 "how strong an edge must be to stay")
+        .symbol("colourOrAlpha", colourOrAlpha(),
+                refused("Canny Edge Detect invalid colourOrAlpha input (Image)"), kTargetMeaning)
+        .inputFailure("Canny Edge Detect input failure (Image)")
+        .failed("Failed Canny Edge Detect function (Image)");
 }
 
 }  // namespace krl

@@ -1,9 +1,7 @@
-#include "effects/edges/Morphology.h"
+#include "kernels/neighbour/SquareWindow.h"
 
-#include "core/ChannelMask.h"
 #include "core/ImageCopy.h"
 #include "kernels/blend/AlphaScale.h"
-#include "kernels/neighbour/LineWindow.h"
 
 namespace krl {
 
@@ -157,7 +155,9 @@ Status spreadRolling(const ImageEngine& engine, ChannelMask mask, int32_t half) 
     });
 }
 
-/// Where bands are higher than the window, what they hold and spread twice is little.
+}  // namespace
+
+// Where bands are higher than the window, the rows that they hold and spread twice are few.
 template <class Extreme, bool kWeighted>
 Status spreadSquare(const ImageEngine& engine, ChannelMask mask, int32_t half) {
     const int32_t height = engine.buffer()->height;
@@ -167,33 +167,8 @@ Status spreadSquare(const ImageEngine& engine, ChannelMask mask, int32_t half) {
                  : spreadInTwoPasses<Extreme, kWeighted>(engine, mask, half);
 }
 
-template <class Extreme>
-Status spreadColours(ImageEngine& engine, int32_t size) {
-    if (Status state = engine.imageStatus()) return state;
-    return spreadSquare<Extreme, true>(engine, ChannelMask(ChannelTarget::RGB), size);
-}
-
-/// One pass along the rows, in place: a row is laid out whole before it is written.
-Status erodeRows(ImageEngine& engine, const LineWindow& window) {
-    const ImageBuffer& image = *engine.buffer();
-    const ChannelMask mask(ChannelTarget::Alpha);
-    return forEachRowWindow(engine, window, [&](int32_t y, RowWindows& windows) {
-        mask.write(image.row(y), windows.slide<Smallest>(image.row(y)), image.width);
-    });
-}
-
-}  // namespace
-
-Status dilation(ImageEngine& engine, int32_t size) { return spreadColours<Smallest>(engine, size); }
-
-Status erosion(ImageEngine& engine, int32_t size) { return spreadColours<Largest>(engine, size); }
-
-Status erodeWhite(ImageEngine& engine, int32_t distance, ErodeDirection direction) {
-    if (Status state = engine.imageStatus()) return state;
-    const int32_t width = engine.buffer()->width;
-    if (direction == ErodeDirection::Right) return erodeRows(engine, LineWindow::before(distance, width));
-    if (direction == ErodeDirection::Left) return erodeRows(engine, LineWindow::afterFirst(distance, width));
-    return spreadSquare<Smallest, false>(engine, ChannelMask(ChannelTarget::Alpha), distance);
-}
+template Status spreadSquare<Smallest, true>(const ImageEngine&, ChannelMask, int32_t);
+template Status spreadSquare<Smallest, false>(const ImageEngine&, ChannelMask, int32_t);
+template Status spreadSquare<Largest, true>(const ImageEngine&, ChannelMask, int32_t);
 
 }  // namespace krl

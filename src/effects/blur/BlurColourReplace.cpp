@@ -1,0 +1,29 @@
+#include "catalogue/Catalogue.h"
+#include "core/Numbers.h"
+#include "kernels/curve/ByteCurve.h"
+#include "krlimage/blur.h"
+
+namespace krl {
+
+/// Multiplies each colour by its share of 255 in `colour`; in spite of its name it blurs nothing.
+Status blurColourReplace(ImageEngine& engine, Colour colour) {
+    if (engine.imageStatus()) return kStatusRefused;
+    const auto scaledBy = [](uint8_t level) {
+        const auto share = static_cast<float>(level / 255.0);
+        return byteCurve([=](int32_t i) { return truncatedByte(share * (i / 255.0) * 255.0); });
+    };
+    const ImageBuffer& image = *engine.buffer();
+    applyCurves(image.row(0), image.row(0) + image.bytes() / sizeof(Pixel),
+                {scaledBy(colour.blue()), scaledBy(colour.green()), scaledBy(colour.red())});
+    return kStatusOk;
+}
+
+void describeBlurColourReplace(Catalogue& catalogue) {
+    catalogue.add("krlImageBlurColourReplace", blurColourReplace)
+        .summary("Multiplies the picture by a colour; in spite of its name it blurs nothing.")
+        .colour("pColor", Colour(255, 196, 120), "colour that white becomes")
+        .inputFailure("Blur Colour Replace input failure (Image)")
+        .failed("Failed Blur Colour Replace function (Image)");
+}
+
+}  // namespace krl

@@ -1,0 +1,36 @@
+#include "catalogue/Catalogue.h"
+#include "effects/blur/BlurChoices.h"
+#include "kernels/blur/TentBlur.h"
+#include "krlimage/blur.h"
+
+namespace krl {
+
+/// The tent blur on a choice of bytes.
+Status fastGaussianBlur(ImageEngine& engine, int32_t radius, ChannelTarget target) {
+    if (Status state = engine.imageStatus()) return state;
+    const ImageBuffer& image = *engine.buffer();
+    TentBlur blur(engine.getThreadCount());
+    if (target == ChannelTarget::Single)
+        blur.blurSingle(image.row(0), image.height, image.width, radius);
+    else
+        blur.blurTarget(image.row(0), image.height, image.width, radius, target);
+    return kStatusOk;
+}
+
+void describeFastGaussianBlur(Catalogue& catalogue) {
+    catalogue.add("krlImageFastGaussianBlur", fastGaussianBlur)
+        .summary("Softens the picture; a wide blur costs no more than a narrow one.")
+        .integer("radius", kNeutralRadius, kRadiusMeaning)
+        .symbol("colourOrAlpha",
+                {{"RGBA", ChannelTarget::RGBA},
+                 {"RGB", ChannelTarget::RGB},
+                 {"Alpha", ChannelTarget::Alpha},
+                 {"Single", ChannelTarget::Single}},
+                otherwise(ChannelTarget::Single),
+                "colours and transparency, colours, transparency, or blue alone; any other symbol "
+                "is taken as blue alone")
+        .inputFailure("Fast Gaussian Blur input failure (Image)")
+        .failed("Failed Fast Gaussian Blur function (Image)");
+}
+
+}  // namespace krl
