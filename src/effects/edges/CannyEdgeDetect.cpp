@@ -10,52 +10,87 @@ namespace krl {
 
 namespace {
 
-/// A gradient's direction is told from the ratio of its two sums alone: the sectors end at 22.5 and
-/// 67.5 degrees, whose tangents are the root of 2 less and plus 1. No ratio of two sums comes near
-/// enough to either for the fixed-point product to differ from the tangent.
-inline uint16_t timesTangent22(uint16_t sum) { return static_cast<uint16_t>((uint32_t(sum) * 27146u) >> 16); }
+/// A byte and its eight neighbours of the same channel.
+struct Around {
+    int16_t aboveLeft, above, aboveRight, left, own, right, belowLeft, below, belowRight;
 
-struct CannyBytes {
-    const uint8_t *above, *at, *below;
-    int32_t threshold;  ///< -1..256, which is as good as any further
+    Around(const uint8_t* up, const uint8_t* at, const uint8_t* down)
+        : aboveLeft(up[-4]),
+          above(up[0]),
+          aboveRight(up[4]),
+          left(at[-4]),
+          own(at[0]),
+          right(at[4]),
+          belowLeft(down[-4]),
+          below(down[0]),
+          belowRight(down[4]) {}
 
-    /// 255 less what is kept of the byte at `i`.
-    uint8_t operator()(int64_t i) const {
-        const int16_t aboveLeft = above[i - 4], aboveRight = above[i + 4], belowLeft = below[i - 4],
-                      belowRight = below[i + 4];
-        const int16_t up = above[i], down = below[i], left = at[i - 4], right = at[i + 4], own = at[i];
-        const auto vertical = int16_t(belowLeft - aboveLeft + 2 * (down - up) + belowRight - aboveRight);
-        const auto horizontal =
-            int16_t(aboveLeft + 2 * left + belowLeft - aboveRight - 2 * right - belowRight);
-        const auto tall = uint16_t(vertical < 0 ? -vertical : vertical);
-        const auto wide = uint16_t(horizontal < 0 ? -horizontal : horizontal);
-        const auto strength = int16_t(tall + wide < 255 ? tall + wide : 255);
-
-        const uint16_t low = timesTangent22(tall);
-        const bool alongRow = tall == 0 || wide > uint16_t(low + 2 * tall);
-        const bool alongColumn = wide <= low;
-        const bool rising = (vertical ^ horizontal) >= 0;
-        const int16_t diagonalRight = rising ? aboveRight : belowRight,
-                      diagonalLeft = rising ? belowLeft : aboveLeft;
-        const int16_t one = alongRow ? right : alongColumn ? up : diagonalRight;
-        const int16_t other = alongRow ? left : alongColumn ? down : diagonalLeft;
-
+    int16_t highestNeighbour() const {
         const auto larger = [](int16_t a, int16_t b) { return a > b ? a : b; };
-        const int16_t highest = larger(larger(larger(aboveLeft, aboveRight), larger(belowLeft, belowRight)),
-                                       larger(larger(up, down), larger(left, right)));
-        const auto least = static_cast<int16_t>(threshold);
-        const bool peak = (strength >= one) & (strength >= other);
-        const bool kept = peak & ((strength >= least) | (highest > least));
-        return static_cast<uint8_t>(255 - (kept ? own : 0));
+        return larger(larger(larger(aboveLeft, aboveRight), larger(belowLeft, belowRight)),
+                      larger(larger(above, below), larger(left, right)));
     }
 };
 
+/// Two neighbours on opposite sides.
+struct Pair {
+    int16_t one, other;
+};
+
+/// The gradient of a byte, in the Sobel weights.
+struct Gradient {
+    int16_t vertical, horizontal;
+    uint16_t tall, wide;  ///< their sizes
+
+    explicit Gradient(const Around& n)
+        : vertical(
+              int16_t(n.belowLeft - n.aboveLeft + 2 * (n.below - n.above) + n.belowRight - n.aboveRight)),
+          horizontal(
+              int16_t(n.aboveLeft + 2 * n.left + n.belowLeft - n.aboveRight - 2 * n.right - n.belowRight)),
+          tall(uint16_t(vertical < 0 ? -vertical : vertical)),
+          wide(uint16_t(horizontal < 0 ? -horizontal : horizontal)) {}
+
+    /// min(|vertical| + |horizontal|, 255)
+    int16_t strength() const { return int16_t(tall + wide < 255 ? tall + wide : 255); }
+
+    /// The neighbours along the gradient, by its direction atan(horizontal / vertical): above and below up to
+    /// 22.5 degrees to either side of 0, left and right from 67.5 degrees on, else on a diagonal. The
+    /// tangents of the two limits are the root of 2 less and plus 1; no ratio of two sums comes near enough
+    /// to either for the product in fixed point to differ.
+    Pair neighbours(const Around& n) const {
+        const auto low = static_cast<uint16_t>((uint32_t(tall) * 27146u) >> 16);
+        const bool alongRow = tall == 0 || wide > uint16_t(low + 2 * tall);
+        const bool alongColumn = wide <= low;
+        const bool rising = (vertical ^ horizontal) >= 0;
+        const int16_t diagonalRight = rising ? n.aboveRight : n.belowRight,
+                      diagonalLeft = rising ? n.belowLeft : n.aboveLeft;
+        return {alongRow      ? n.right
+                : alongColumn ? n.above
+                              : diagonalRight,
+                alongRow      ? n.left
+                : alongColumn ? n.below
+                              : diagonalLeft};
+    }
+};
+
+/// A byte is kept where its gradient is no weaker than the two neighbours along it, and either reaches
+/// `threshold` or has a neighbour above it: 255 - (kept ? byte : 0).
+uint8_t cannyByte(const Around& n, int16_t threshold) {
+    const Gradient gradient(n);
+    const int16_t strength = gradient.strength();
+    const Pair along = gradient.neighbours(n);
+    const bool peak = (strength >= along.one) & (strength >= along.other);
+    const bool kept = peak & ((strength >= threshold) | (n.highestNeighbour() > threshold));
+    return static_cast<uint8_t>(255 - (kept ? n.own : 0));
+}
+
 KRL_VECTOR_LEVELS
-void cannySpan(const Pixel* above, const Pixel* at, const Pixel* below, int32_t count, int32_t threshold,
+void cannySpan(const Pixel* above, const Pixel* at, const Pixel* below, int32_t count, int16_t threshold,
                Pixel* fresh) {
-    const CannyBytes canny{firstByte(above), firstByte(at), firstByte(below), threshold};
+    const uint8_t *up = firstByte(above), *row = firstByte(at), *down = firstByte(below);
     uint8_t* out = firstByte(fresh);
-    for (int64_t i = 0; i < int64_t(count) * 4; ++i) out[i] = canny(i);
+    for (int64_t i = 0; i < int64_t(count) * 4; ++i)
+        out[i] = cannyByte(Around(up + i, row + i, down + i), threshold);
 }
 
 }  // namespace
@@ -67,14 +102,10 @@ Status cannyEdgeDetect(ImageEngine& engine, int32_t blurAmount, int32_t threshol
     if (image.width < 2 || image.height < 2) return kStatusOk;
 
     const ImageCopy copy(image);
-    if (blurAmount >= 1) {
-        TentBlur blur(engine.getThreadCount());
-        if (target == ChannelTarget::RGB)
-            blur.blurRGB(copy.row(0), image.height, image.width, blurAmount);
-        else
-            blur.blurAlpha(copy.row(0), image.height, image.width, blurAmount);
-    }
-    const int32_t least = clampTo(threshold, -1, 256);
+    const ChannelTarget blurred = target == ChannelTarget::RGB ? target : ChannelTarget::Alpha;
+    TentBlur(engine.getThreadCount()).blurTarget(copy.row(0), image.height, image.width, blurAmount, blurred);
+    // No strength and no byte is below 0 or above 255, so further thresholds are as good as these.
+    const auto least = static_cast<int16_t>(clampTo(threshold, -1, 256));
     return filterInner(engine, copy.view(), ChannelMask(target),
                        [=](const Pixel* above, const Pixel* at, const Pixel* below, int32_t count,
                            Pixel* fresh) { cannySpan(above, at, below, count, least, fresh); });
