@@ -3,6 +3,13 @@
 #include "core/ImageCopy.h"
 #include "kernels/blend/AlphaScale.h"
 
+// Both passes over one line of samples s, after its scaling by alpha where it is weighted:
+//
+//   out(x) = extreme of s(i) for i from x - half to x + half, from x = 2 half on; before that from x - half -
+//   1
+//            on, but without i = half - 1
+//
+// which `LineWindow::seededLate` says in entries and `RowWindows` and `ColumnWindows` make fast.
 namespace krl {
 
 namespace {
@@ -73,8 +80,10 @@ private:
     Scratch<Pixel> pixels_;
 };
 
-/// Both passes in one for a band of rows: rows are spread as they are reached, and held for as long as
-/// a window down the columns needs them. Blocks of heads and tails are as in `ColumnWindows`.
+/// Both passes in one for a band of rows, written in place: a row is spread along itself when it enters the
+/// windows down the columns, and held for as long as they need it. As in `ColumnWindows` the entering rows
+/// are cut into groups of a window's length, and every window is the tail of one group and the head of the
+/// next.
 template <class Extreme, bool kWeighted>
 class RollingBand {
 public:
@@ -89,43 +98,52 @@ public:
           borders_(borders),
           band_(band),
           rows_(lineBand(image.height, bands, band)),
+          length_(down.length),
           down_(down),
           tails_(room),
-          arriving_(tails_ + rowPixels(down.length)),
-          head_(arriving_ + rowPixels(down.length)),
-          windows_(along, image.width, head_ + image.width) {}
+          arriving_(tails_ + rowPixels(length_)),
+          head_(arriving_ + rowPixels(length_)),
+          windows_(along, image.width, head_ + image.width),
+          entering_(rows_.first),
+          at_(length_) {}
 
     void spread(ChannelMask mask) {
-        const int32_t width = image_.width;
         if (rows_.first >= rows_.last) return;
-        for (int32_t i = 0; i < down_.length; ++i) take(rows_.first + i, tails_ + rowPixels(i));
-        for (int32_t start = rows_.first; start < rows_.last; start += down_.length) {
-            for (int32_t i = down_.length - 2; i >= 0; --i)
-                combinePixels<Extreme>(tails_ + rowPixels(i), tails_ + rowPixels(i + 1), width,
-                                       tails_ + rowPixels(i));
-            mask.write(image_.row(start), tails_, width);
-            for (int32_t i = 1; i <= down_.length && start + i < rows_.last; ++i) {
-                Pixel* arrived = arriving_ + rowPixels(i - 1);
-                take(start + down_.length + i - 1, arrived);
-                if (i == down_.length) break;
-                combinePixels<Extreme>(i == 1 ? arrived : head_, arrived, width, head_);
-                combinePixels<Extreme>(head_, tails_ + rowPixels(i), width, tails_ + rowPixels(i));
-                mask.write(image_.row(start + i), tails_ + rowPixels(i), width);
-            }
-            std::swap(tails_, arriving_);
-        }
+        for (int32_t i = 0; i + 1 < length_; ++i) enter(i);
+        for (int32_t y = rows_.first; y < rows_.last; ++y) mask.write(image_.row(y), next(), image_.width);
     }
 
 private:
-    ptrdiff_t rowPixels(int32_t rows) const { return ptrdiff_t(rows) * image_.width; }
+    /// The extremes of each column's window at the next row; good until the next call.
+    const Pixel* next() {
+        if (at_ == length_) beginGroup();
+        const int32_t i = at_++;
+        Pixel* tail = tails_ + rowPixels(i);
+        if (i == 0) return tail;
+        const Pixel* arrived = enter(i - 1);
+        combine(i == 1 ? arrived : head_, arrived, head_);
+        combine(head_, tail, tail);
+        return tail;
+    }
 
-    /// Spreads the row that enters the columns at `place`.
-    void take(int32_t place, Pixel* target) {
-        const auto y = static_cast<int32_t>(down_.sampleAt(place));
+    /// The rows that have arrived become the extremes from each of them to the group's end.
+    void beginGroup() {
+        enter(length_ - 1);
+        std::swap(tails_, arriving_);
+        for (int32_t i = length_ - 2; i >= 0; --i)
+            combine(tails_ + rowPixels(i), tails_ + rowPixels(i + 1), tails_ + rowPixels(i));
+        at_ = 0;
+    }
+
+    /// Spreads the next row that enters the columns, as row `i` of the arriving group.
+    const Pixel* enter(int32_t i) {
+        Pixel* target = arriving_ + rowPixels(i);
+        const auto y = static_cast<int32_t>(down_.sampleAt(entering_++));
         if (y < 0 || y >= image_.height)
             std::memset(target, Extreme::kOutside, static_cast<size_t>(image_.width) * sizeof(Pixel));
         else
             spreadRow<Extreme, kWeighted>(windows_, sourceRow(y), image_.width, target);
+        return target;
     }
     const Pixel* sourceRow(int32_t y) const {
         if (y < rows_.first) return borders_.row(band_, y - rows_.first);
@@ -133,13 +151,21 @@ private:
         return image_.row(y);
     }
 
+    ptrdiff_t rowPixels(int32_t rows) const { return ptrdiff_t(rows) * image_.width; }
+    void combine(const Pixel* a, const Pixel* b, Pixel* result) const {
+        combinePixels<Extreme>(a, b, image_.width, result);
+    }
+
     const ImageBuffer& image_;
     const BandBorders& borders_;
     int32_t band_;
     IndexRange rows_;
+    int32_t length_;  ///< of the windows down the columns
     LineWindow down_;
     Pixel *tails_, *arriving_, *head_;
     RowWindows windows_;
+    int64_t entering_;  ///< the place down the columns at which the next row enters
+    int32_t at_;        ///< the next row within its group
 };
 
 template <class Extreme, bool kWeighted>
