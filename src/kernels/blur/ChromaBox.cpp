@@ -112,17 +112,58 @@ private:
     Scratch<Pixel> words_;
 };
 
-/// Which columns and rows the bands of the column pass visit.
-struct ColumnBands {
-    int32_t height, width, columnsPerBand;
+/// The pass down the columns, band by band. Each band filters the columns of its share and the one after
+/// them, where the next band begins; all end at the row where the walk of that further column leaves the
+/// picture.
+class ColumnPass {
+public:
+    ColumnPass(Pixel* words, int32_t height, int32_t width, int32_t halfWidth, int32_t bandCount)
+        : words_(words),
+          height_(height),
+          width_(width),
+          halfWidth_(halfWidth),
+          share_(ceilingShare(width, bandCount)),
+          end_(std::min<int64_t>(width, firstOf(bandCount))),
+          rings_(bandCount, height, halfWidth, kTileWords) {}
 
-    int64_t firstOf(int32_t band) const { return int64_t{band} * columnsPerBand; }
-
-    /// Rows of every column of `band`: its walk ends a band's width short of the block's end.
-    int32_t rowsOf(int32_t band) const {
-        const int64_t limit = int64_t{height} * width - firstOf(band + 1);
-        return limit <= 0 ? 0 : static_cast<int32_t>((limit + width - 1) / width);
+    /// Filters the share of `band`. The column that it shares with the band before is filtered
+    /// by both, so here by this band twice: with the rows of the other first.
+    void filterShare(int32_t band) const {
+        const int64_t first = firstOf(band), last = std::min(firstOf(band + 1), end_);
+        if (first >= last) return;
+        if (band > 0) filter(first, 1, rowsOf(band - 1), band);
+        for (int64_t column = first; column < last; column += kTileWords)
+            filter(column, static_cast<int32_t>(std::min<int64_t>(kTileWords, last - column)), rowsOf(band),
+                   band);
     }
+
+    /// Filters the columns of `band` after the last share: past the right edge they are columns from the
+    /// left, one row further down. They belong to other bands, which must have ended.
+    void filterAfterShares(int32_t band) const {
+        for (int64_t column = std::max(firstOf(band), end_); column <= firstOf(band + 1); ++column)
+            filter(column, 1, rowsOf(band), 0);
+    }
+
+private:
+    int64_t firstOf(int32_t band) const { return int64_t{band} * share_; }
+
+    /// Rows of every column of `band`: those of its further column.
+    int32_t rowsOf(int32_t band) const {
+        const int64_t words = int64_t{height_} * width_ - firstOf(band + 1);
+        return words <= 0 ? 0 : static_cast<int32_t>((words + width_ - 1) / width_);
+    }
+
+    /// Filters `lanes` columns side by side.
+    void filter(int64_t column, int32_t lanes, int32_t rows, int32_t ring) const {
+        if (rows > 0)
+            boxLine<kTileWords>({words_ + column, width_, rows, lanes}, halfWidth_, rings_.of(ring));
+    }
+
+    Pixel* words_;
+    int32_t height_, width_, halfWidth_;
+    int32_t share_;  ///< columns of a band
+    int64_t end_;    ///< of the last share
+    Rings rings_;
 };
 
 }  // namespace
@@ -136,30 +177,11 @@ Status boxChromaRows(Pixel* words, int32_t height, int32_t width, int32_t halfWi
     });
 }
 
-// Bands share nothing but the columns where they meet, and those past the edge wrap onto columns
-// that are done by then. So each band also makes its predecessor's visit to their common column,
-// before its own, and what lies past the edge follows when all have ended.
 Status boxChromaColumns(Pixel* words, int32_t height, int32_t width, int32_t halfWidth, int32_t threadCount) {
-    const ColumnBands bands{height, width, ceilingShare(width, threadCount)};
-    const Rings rings(threadCount, height, halfWidth, kTileWords);
-    const auto visit = [&](int64_t column, int32_t lanes, int32_t rows, int32_t ring) {
-        if (rows > 0) boxLine<kTileWords>({words + column, width, rows, lanes}, halfWidth, rings.of(ring));
-    };
-    const Status status = runBands(threadCount, [&](int32_t band) {
-        const int64_t first = bands.firstOf(band), last = std::min<int64_t>(bands.firstOf(band + 1), width);
-        if (first >= last) return;
-        if (band > 0) visit(first, 1, bands.rowsOf(band - 1), band);
-        for (int64_t column = first; column < last; column += kTileWords) {
-            const auto lanes = static_cast<int32_t>(std::min<int64_t>(kTileWords, last - column));
-            visit(column, lanes, bands.rowsOf(band), band);
-        }
-    });
+    const ColumnPass pass(words, height, width, halfWidth, threadCount);
+    const Status status = runBands(threadCount, [&](int32_t band) { pass.filterShare(band); });
     if (status) return status;
-    const int64_t past = std::min<int64_t>(width, bands.firstOf(threadCount));
-    for (int32_t band = 0; band < threadCount; ++band)
-        for (int64_t column = std::max(bands.firstOf(band), past); column <= bands.firstOf(band + 1);
-             ++column)
-            visit(column, 1, bands.rowsOf(band), 0);
+    for (int32_t band = 0; band < threadCount; ++band) pass.filterAfterShares(band);
     return kStatusOk;
 }
 

@@ -24,10 +24,9 @@ constexpr int32_t kTileSamples = 2048;
 /// How many rows ahead the column pass asks for memory.
 constexpr int32_t kRowsAhead = 4;
 
-// A layout tells where the samples of a block lie and how blurred ones go back; one of bytes also how
-// `count` words' samples are had one after the other, in `room` if need be. `kLanes` samples
-// of each word are blurred together, the words are `kPitch` samples apart, and `firstLane` is the
-// place of the first in its word.
+// A layout says where the samples of a block are and how blurred ones go back. `kLanes` samples of each word
+// are blurred together, words are `kPitch` samples apart, and `firstLane` is the place of the first in its
+// word. Layouts of bytes also give the samples of `count` words one after the other, in `room` if need be.
 
 /// Whole pixels, of which the bytes of `mask` are written.
 struct PixelLayout {
@@ -77,114 +76,117 @@ struct PlaneLayout {
     }
 };
 
-/// The size of a block and of the tent on it.
-struct Extent {
-    int32_t height, width, halfWidth;
-};
-
-/// Blurs rows of `block` along themselves into `lines`, where only the blurred lanes are kept.
-template <class Arithmetic, class Layout>
-void blurRows(const typename Arithmetic::Sample* block, typename Arithmetic::Sample* lines,
-              const Extent& extent, const Layout& layout, IndexRange rows) {
-    using Sample = typename Arithmetic::Sample;
-    const Arithmetic arithmetic(extent.halfWidth);
-    for (int32_t y = rows.first; y < rows.last; ++y) {
-        const ptrdiff_t start = ptrdiff_t(y) * extent.width;
-        const Line<Sample> line{block + start * Layout::kPitch + layout.firstLane, Layout::kPitch,
-                                extent.width};
-        Sample* to = lines + start * Layout::kLanes;
-        tent::Window<Arithmetic, Layout::kLanes> window(arithmetic, line, extent.halfWidth);
-        for (int32_t x = 0; x < extent.width; ++x, to += Layout::kLanes)
-            window.step(to, line.stepFrom(x, extent.halfWidth));
-    }
-}
-
-/// Room for a strip of rows, and for the bytes of one channel that it is made of.
-constexpr size_t stripBytes(int32_t width) { return 2 * size_t(width) * tent::kStripLanes; }
-
-/// The same for bytes, a strip of rows at a time; `strip` has `stripBytes`.
-template <class Arithmetic, class Layout>
-void blurTransposedRows(const uint8_t* block, uint8_t* lines, const Extent& extent, const Layout& layout,
-                        IndexRange rows, uint8_t* strip) {
-    constexpr int32_t kLanes = Layout::kLanes, kRows = tent::stripRows(kLanes);
-    constexpr int32_t kColumns = kCacheLine / kLanes;  // whole cache lines of each row are written at once
-    const int32_t width = extent.width;
-    const Arithmetic arithmetic(extent.halfWidth);
-    const Line<uint8_t> line{strip, tent::kStripLanes, width};
-    for (int32_t y = rows.first; y < rows.last; y += kRows) {
-        const int32_t rowCount = std::min(kRows, rows.last - y);
-        const ptrdiff_t start = ptrdiff_t(y) * width;
-        const uint8_t* samples = layout.samples(block + start * Layout::kPitch, ptrdiff_t(rowCount) * width,
-                                                strip + stripBytes(width) / 2);
-        tent::layOnSide<kLanes>(samples, rowCount, width, strip);
-        tent::Window<Arithmetic, tent::kStripLanes> window(arithmetic, line, extent.halfWidth);
-        for (int32_t x = 0; x < width; x += kColumns) {
-            const int32_t end = std::min(x + kColumns, width);
-            uint8_t means[kColumns * tent::kStripLanes];
-            window.walkOn(means, line, extent.halfWidth, x, end);
-            tent::setUpright<kLanes>(means, end - x, lines + (start + x) * kLanes, rowCount, width);
-        }
-    }
-}
+/// A band's room for rows that are transposed, and for the bytes of one channel that they are made of.
+constexpr size_t transposedBytes(int32_t width) { return 2 * size_t(width) * tent::kTransposedLanes; }
 
 /// Asks for memory that will be needed soon.
 template <class Sample>
 void prefetch(const Sample* first, int32_t count) {
-    constexpr int32_t kLineSamples = 64 / sizeof(Sample);
+    constexpr int32_t kLineSamples = kCacheLine / sizeof(Sample);
     for (int32_t i = 0; i < count; i += kLineSamples) __builtin_prefetch(first + i);
 }
 
-/// Blurs columns of `lines` down themselves into `block`, a tile of adjacent columns at a time. From
-/// one row to the next the processor does not foresee what is needed, so it is told.
+/// Both passes of one blur: rows of `block` along themselves into `lines`, where only the blurred lanes are
+/// kept, and columns of `lines` down themselves back into `block`.
 template <class Arithmetic, class Layout>
-void blurColumns(const typename Arithmetic::Sample* lines, typename Arithmetic::Sample* block,
-                 const Extent& extent, const Layout& layout, IndexRange columns) {
+class TentPasses {
+public:
     using Sample = typename Arithmetic::Sample;
-    constexpr int32_t tileColumns = kTileSamples / Layout::kLanes;
-    const Arithmetic arithmetic(extent.halfWidth);
-    const ptrdiff_t pitch = ptrdiff_t(extent.width) * Layout::kLanes;
-    for (int32_t x = columns.first; x < columns.last; x += tileColumns) {
-        const int32_t count = std::min(tileColumns, columns.last - x), lanes = count * Layout::kLanes;
-        const Line<Sample> line{lines + ptrdiff_t(x) * Layout::kLanes, pitch, extent.height};
-        const auto target = [&](int32_t y) {
-            return block + (ptrdiff_t(y) * extent.width + x) * Layout::kPitch;
-        };
-        tent::Window<Arithmetic, kTileSamples> window(arithmetic, line, extent.halfWidth, lanes);
-        Sample blurred[kTileSamples] = {};
-        for (int32_t y = 0; y < extent.height; ++y) {
-            const int32_t rowsLeft = extent.height - 1 - y;
-            prefetch(target(y + std::min(kRowsAhead, rowsLeft)), count * Layout::kPitch);
-            const int32_t soon = extent.halfWidth + 2 + kRowsAhead;
-            if (soon <= rowsLeft) prefetch(line.at(y + soon), lanes);
-            window.step(blurred, line.stepFrom(y, extent.halfWidth));
-            layout.store(target(y), blurred, count);
+
+    TentPasses(const Arithmetic& arithmetic, Sample* block, int32_t height, int32_t width, int32_t halfWidth,
+               const Layout& layout, Sample* lines)
+        : arithmetic_(arithmetic),
+          block_(block),
+          lines_(lines),
+          height_(height),
+          width_(width),
+          halfWidth_(halfWidth),
+          layout_(layout) {}
+
+    Status run(int32_t threadCount) const {
+        const Status status = runBands(threadCount, [&](int32_t band) {
+            const IndexRange rows = lineBand(height_, threadCount, band);
+            if (rows.first >= rows.last) return;
+            if constexpr (tent::kInVectors<Arithmetic>)
+                blurTransposedRows(rows, lines_ + linesSize() + size_t(band) * transposedBytes(width_));
+            else
+                blurRows(rows);
+        });
+        if (status) return status;
+        return runBands(threadCount, [&](int32_t band) { blurColumns(lineBand(width_, threadCount, band)); });
+    }
+
+private:
+    size_t linesSize() const { return size_t(height_) * size_t(width_) * Layout::kLanes; }
+
+    void blurRows(IndexRange rows) const {
+        for (int32_t y = rows.first; y < rows.last; ++y) {
+            const ptrdiff_t start = ptrdiff_t(y) * width_;
+            const Line<Sample> line{block_ + start * Layout::kPitch + layout_.firstLane, Layout::kPitch,
+                                    width_};
+            Sample* to = lines_ + start * Layout::kLanes;
+            tent::Window<Arithmetic, Layout::kLanes> window(arithmetic_, line, halfWidth_);
+            for (int32_t x = 0; x < width_; ++x, to += Layout::kLanes)
+                window.step(to, line.stepFrom(x, halfWidth_));
         }
     }
-}
+
+    /// The same for bytes, as many rows side by side as there are lanes; `room` has `transposedBytes`.
+    void blurTransposedRows(IndexRange rows, uint8_t* room) const {
+        constexpr int32_t kLanes = Layout::kLanes, kRows = tent::transposedRows(kLanes);
+        constexpr int32_t kColumns =
+            kCacheLine / kLanes;  // whole cache lines of each row are written at once
+        const Line<uint8_t> line{room, tent::kTransposedLanes, width_};
+        for (int32_t y = rows.first; y < rows.last; y += kRows) {
+            const int32_t rowCount = std::min(kRows, rows.last - y);
+            const ptrdiff_t start = ptrdiff_t(y) * width_;
+            const uint8_t* samples =
+                layout_.samples(block_ + start * Layout::kPitch, ptrdiff_t(rowCount) * width_,
+                                room + transposedBytes(width_) / 2);
+            tent::transpose<kLanes>(samples, rowCount, width_, room);
+            tent::Window<Arithmetic, tent::kTransposedLanes> window(arithmetic_, line, halfWidth_);
+            for (int32_t x = 0; x < width_; x += kColumns) {
+                const int32_t end = std::min(x + kColumns, width_);
+                uint8_t means[kColumns * tent::kTransposedLanes];
+                window.walkOn(means, line, halfWidth_, x, end);
+                tent::transposeBack<kLanes>(means, end - x, lines_ + (start + x) * kLanes, rowCount, width_);
+            }
+        }
+    }
+
+    /// Walks a tile of adjacent columns row by row. The processor does not foresee which memory the next row
+    /// needs, so it is prefetched.
+    void blurColumns(IndexRange columns) const {
+        constexpr int32_t kTileColumns = kTileSamples / Layout::kLanes;
+        const ptrdiff_t pitch = ptrdiff_t(width_) * Layout::kLanes;
+        for (int32_t x = columns.first; x < columns.last; x += kTileColumns) {
+            const int32_t count = std::min(kTileColumns, columns.last - x), lanes = count * Layout::kLanes;
+            const Line<Sample> line{lines_ + ptrdiff_t(x) * Layout::kLanes, pitch, height_};
+            const auto target = [&](int32_t y) {
+                return block_ + (ptrdiff_t(y) * width_ + x) * Layout::kPitch;
+            };
+            tent::Window<Arithmetic, kTileSamples> window(arithmetic_, line, halfWidth_, lanes);
+            Sample blurred[kTileSamples] = {};
+            for (int32_t y = 0; y < height_; ++y) {
+                const int32_t rowsLeft = height_ - 1 - y;
+                prefetch(target(y + std::min(kRowsAhead, rowsLeft)), count * Layout::kPitch);
+                const int32_t soon = halfWidth_ + 2 + kRowsAhead;
+                if (soon <= rowsLeft) prefetch(line.at(y + soon), lanes);
+                window.step(blurred, line.stepFrom(y, halfWidth_));
+                layout_.store(target(y), blurred, count);
+            }
+        }
+    }
+
+    Arithmetic arithmetic_;
+    Sample *block_, *lines_;
+    int32_t height_, width_, halfWidth_;
+    Layout layout_;
+};
 
 uint8_t* bytesOf(Pixel* pixels) { return reinterpret_cast<uint8_t*>(pixels); }
 
 }  // namespace
-
-template <class Arithmetic, class Layout>
-Status TentBlur::runPasses(typename Arithmetic::Sample* block, int32_t height, int32_t width,
-                           int32_t halfWidth, const Layout& layout, typename Arithmetic::Sample* lines) {
-    const Extent extent{height, width, halfWidth};
-    [[maybe_unused]] auto* strips = lines + size_t(height) * size_t(width) * Layout::kLanes;
-    const Status status = runBands(threadCount_, [&](int32_t band) {
-        const IndexRange rows = lineBand(height, threadCount_, band);
-        if (rows.first >= rows.last) return;
-        if constexpr (tent::kInVectors<Arithmetic>)
-            blurTransposedRows<Arithmetic>(block, lines, extent, layout, rows,
-                                           strips + size_t(band) * stripBytes(width));
-        else
-            blurRows<Arithmetic>(block, lines, extent, layout, rows);
-    });
-    if (status) return status;
-    return runBands(threadCount_, [&](int32_t band) {
-        blurColumns<Arithmetic>(lines, block, extent, layout, lineBand(width, threadCount_, band));
-    });
-}
 
 template <class Layout>
 Status TentBlur::blurLayout(uint8_t* block, int32_t height, int32_t width, int32_t radius,
@@ -192,15 +194,16 @@ Status TentBlur::blurLayout(uint8_t* block, int32_t height, int32_t width, int32
     const int32_t halfWidth = tent::halfWidth(radius);
     if (halfWidth <= 0 || height <= 0 || width <= 0) return kStatusOk;
     const size_t samples = size_t(height) * size_t(width) * Layout::kLanes;
-    const size_t strips = size_t(std::min(threadCount_, height)) * stripBytes(width);
-    if (lines_.size() < samples + strips) lines_ = Scratch<uint8_t>(samples + strips);
-    if (halfWidth <= tent::kWidestShort)
-        return runPasses<tent::ShortBytes>(block, height, width, halfWidth, layout, lines_.data());
-    if (halfWidth <= tent::kWidestMiddle)
-        return runPasses<tent::MiddleBytes>(block, height, width, halfWidth, layout, lines_.data());
-    if (halfWidth <= tent::kWidestNarrow)
-        return runPasses<tent::NarrowBytes>(block, height, width, halfWidth, layout, lines_.data());
-    return runPasses<tent::WideBytes>(block, height, width, halfWidth, layout, lines_.data());
+    const size_t room = size_t(std::min(threadCount_, height)) * transposedBytes(width);
+    if (lines_.size() < samples + room) lines_ = Scratch<uint8_t>(samples + room);
+    const auto blurBy = [&](const auto& arithmetic) {
+        return TentPasses(arithmetic, block, height, width, halfWidth, layout, lines_.data())
+            .run(threadCount_);
+    };
+    if (halfWidth <= tent::kWidestShort) return blurBy(tent::ShortBytes(halfWidth));
+    if (halfWidth <= tent::kWidestMiddle) return blurBy(tent::MiddleBytes(halfWidth));
+    if (halfWidth <= tent::kWidestNarrow) return blurBy(tent::NarrowBytes(halfWidth));
+    return blurBy(tent::WideBytes(halfWidth));
 }
 
 void TentBlur::blurRGBA(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
@@ -244,7 +247,9 @@ void TentBlur::blurPlane(int32_t* plane, int32_t height, int32_t width, int32_t 
     const int32_t halfWidth = tent::halfWidth(radius);
     if (halfWidth <= 0 || height <= 0 || width <= 0) return;
     const Scratch<int32_t> lines(size_t(height) * size_t(width));
-    runPasses<tent::SignedWords>(plane, height, width, halfWidth, PlaneLayout<int32_t>{}, lines.data());
+    TentPasses(tent::SignedWords(halfWidth), plane, height, width, halfWidth, PlaneLayout<int32_t>{},
+               lines.data())
+        .run(threadCount_);
 }
 
 }  // namespace krl

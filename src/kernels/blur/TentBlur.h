@@ -17,8 +17,8 @@ namespace krl {
 /// whose window is a single sample, and every negative one, changes nothing. The bytes do not
 /// depend on `threadCount`.
 ///
-/// A kernel that cannot have its threads leaves its work undone and says nothing; memory that
-/// cannot be had throws `std::bad_alloc` with the block as it was.
+/// If threads cannot start the blur is silently skipped, but for `blurChannel`. If memory runs out
+/// `std::bad_alloc` is thrown with the block as it was.
 class TentBlur {
 public:
     /// `threadCount` is the engine's: how many bands run at once.
@@ -40,7 +40,7 @@ public:
     /// kernels on the calling thread.
     void blurPlane(int32_t* plane, int32_t height, int32_t width, int32_t radius);
 
-    /// Byte `channel` of every pixel, 0 to 3; the others stay. Tells of threads that it cannot have.
+    /// Byte `channel` of every pixel, 0 to 3; the others stay. Returns why threads could not start.
     Status blurChannel(Pixel* pixels, int32_t height, int32_t width, int32_t radius, int32_t channel);
     /// A plane of bytes.
     void blurBytes(uint8_t* plane, int32_t height, int32_t width, int32_t radius);
@@ -50,12 +50,10 @@ public:
 private:
     template <class Layout>
     Status blurLayout(uint8_t* block, int32_t height, int32_t width, int32_t radius, const Layout& layout);
-    template <class Arithmetic, class Layout>
-    Status runPasses(typename Arithmetic::Sample* block, int32_t height, int32_t width, int32_t halfWidth,
-                     const Layout& layout, typename Arithmetic::Sample* lines);
 
     int32_t threadCount_;
-    Scratch<uint8_t> lines_;  ///< the row pass's output and strips; kept, so that several blurs take it once
+    Scratch<uint8_t>
+        lines_;  ///< the row pass's output and its bands' room; kept, so that several blurs take it once
 };
 
 }  // namespace krl

@@ -89,8 +89,9 @@ struct Line {
     }
 };
 
-/// Moves lanes side by side one place on: writes their means, and changes sums and slopes. The lanes'
-/// memory is told not to overlap, as more pointers than these the compiler does not compare.
+/// Moves lanes side by side one place on: writes their means, and changes sums and slopes. The lanes are
+/// marked
+/// `__restrict`: there are too many pointers for the compiler's alias checks.
 template <class Arithmetic>
 inline void stepLanes(const Arithmetic& arithmetic, typename Arithmetic::Sum* __restrict sums,
                       typename Arithmetic::Sum* __restrict slopes,
@@ -105,21 +106,22 @@ inline void stepLanes(const Arithmetic& arithmetic, typename Arithmetic::Sum* __
     }
 }
 
-/// Lanes that walk along rows together, of as many rows as their elements leave room for.
-inline constexpr int32_t kStripLanes = 64;
+/// Lanes that walk along rows together: those of 64 rows of bytes, or of 16 rows of pixels.
+inline constexpr int32_t kTransposedLanes = 64;
 
 /// `stepLanes` for bytes whose sums fit 32 bits, in the widest vectors that there are.
 template <class Arithmetic>
 void stepManyLanes(const Arithmetic& arithmetic, typename Arithmetic::Sum* sums,
                    typename Arithmetic::Sum* slopes, uint8_t* means, Step<uint8_t> step, int lanes);
 
-/// The same for `kStripLanes` lanes at every place of `line` from `first` up to `end`; the means of one
+/// The same for `kTransposedLanes` lanes at every place of `line` from `first` up to `end`; the means of one
 /// place follow those of the other.
 template <class Arithmetic>
-void walkStrip(const Arithmetic& arithmetic, typename Arithmetic::Sum* sums, typename Arithmetic::Sum* slopes,
-               uint8_t* means, const Line<uint8_t>& line, int32_t halfWidth, int32_t first, int32_t end);
+void walkTransposed(const Arithmetic& arithmetic, typename Arithmetic::Sum* sums,
+                    typename Arithmetic::Sum* slopes, uint8_t* means, const Line<uint8_t>& line,
+                    int32_t halfWidth, int32_t first, int32_t end);
 
-/// Whether the two above are there for an arithmetic.
+/// Whether an arithmetic has the two above.
 template <class Arithmetic>
 constexpr bool kInVectors = sizeof(typename Arithmetic::Sum) <= sizeof(uint32_t);
 
@@ -130,7 +132,7 @@ public:
     using Sample = typename Arithmetic::Sample;
     using Sum = typename Arithmetic::Sum;
 
-    /// Stands at place 0 of `line`, in its first `lanes` lanes.
+    /// Begins at place 0 of `line`, in its first `lanes` lanes.
     Window(const Arithmetic& arithmetic, const Line<Sample>& line, int32_t halfWidth, int lanes = Lanes)
         : arithmetic_(arithmetic), lanes_(lanes) {
         sumRightHalf(line, halfWidth);
@@ -152,10 +154,10 @@ public:
             stepLanes(arithmetic_, sums_, slopes_, means, step, Lanes == 1 ? 1 : lanes_);
     }
 
-    /// The same for every place of `line` from `first`, where it stands, up to `end`.
+    /// The same for every place of `line` from `first`, where it is, up to `end`.
     void walkOn(Sample* means, const Line<Sample>& line, int32_t halfWidth, int32_t first, int32_t end) {
-        static_assert(Lanes == kStripLanes);
-        walkStrip(arithmetic_, sums_, slopes_, means, line, halfWidth, first, end);
+        static_assert(Lanes == kTransposedLanes);
+        walkTransposed(arithmetic_, sums_, slopes_, means, line, halfWidth, first, end);
     }
 
 private:

@@ -70,23 +70,23 @@ void turn(const uint8_t* from, ptrdiff_t fromPitch, int32_t lines, int32_t lengt
 }  // namespace
 
 template <int32_t elementBytes>
-void layOnSide(const uint8_t* rows, int32_t rowCount, int32_t width, uint8_t* strip) {
+void transpose(const uint8_t* rows, int32_t rowCount, int32_t width, uint8_t* columns) {
     const ptrdiff_t pitch = ptrdiff_t(width) * elementBytes;
-    turn<elementBytes>(rows, pitch, rowCount, width, strip, kStripLanes);
-    for (int32_t row = rowCount; row < stripRows(elementBytes); ++row)
-        turn<elementBytes>(rows + (rowCount - 1) * pitch, pitch, 1, width, strip + row * elementBytes,
-                           kStripLanes);
+    turn<elementBytes>(rows, pitch, rowCount, width, columns, kTransposedLanes);
+    for (int32_t row = rowCount; row < transposedRows(elementBytes); ++row)
+        turn<elementBytes>(rows + (rowCount - 1) * pitch, pitch, 1, width, columns + row * elementBytes,
+                           kTransposedLanes);
 }
 
 template <int32_t elementBytes>
-void setUpright(const uint8_t* strip, int32_t count, uint8_t* rows, int32_t rowCount, int32_t width) {
-    turn<elementBytes>(strip, kStripLanes, count, rowCount, rows, ptrdiff_t(width) * elementBytes);
+void transposeBack(const uint8_t* columns, int32_t count, uint8_t* rows, int32_t rowCount, int32_t width) {
+    turn<elementBytes>(columns, kTransposedLanes, count, rowCount, rows, ptrdiff_t(width) * elementBytes);
 }
 
-template void layOnSide<1>(const uint8_t*, int32_t, int32_t, uint8_t*);
-template void layOnSide<4>(const uint8_t*, int32_t, int32_t, uint8_t*);
-template void setUpright<1>(const uint8_t*, int32_t, uint8_t*, int32_t, int32_t);
-template void setUpright<4>(const uint8_t*, int32_t, uint8_t*, int32_t, int32_t);
+template void transpose<1>(const uint8_t*, int32_t, int32_t, uint8_t*);
+template void transpose<4>(const uint8_t*, int32_t, int32_t, uint8_t*);
+template void transposeBack<1>(const uint8_t*, int32_t, uint8_t*, int32_t, int32_t);
+template void transposeBack<4>(const uint8_t*, int32_t, uint8_t*, int32_t, int32_t);
 
 KRL_STREAM_LEVELS
 void gatherChannel(const uint8_t* words, int32_t channel, ptrdiff_t count, uint8_t* __restrict bytes) {
