@@ -3,6 +3,8 @@
 #include <bit>
 #include <cstdint>
 
+/// Division by a number that is known before the loop, as a multiplication: exact over the range that each
+/// says. Division by 255 is in `ByteArithmetic.h`.
 namespace krl {
 
 /// Division of a sum of bytes by the sum of their weights, as one multiplication and a shift.
@@ -79,5 +81,24 @@ public:
 private:
     uint64_t weight_;
 };
+
+/// Mean of up to `kMost` bytes from their sum: a multiplication by 2^32 / `count`, rounded up, whose error
+/// does not reach the next quotient.
+class ByteMean {
+public:
+    static constexpr int32_t kMost = 4104;  ///< 255 * kMost^2 is below 2^32
+
+    constexpr explicit ByteMean(int32_t count)
+        : multiplier_((uint64_t{1} << 32) / static_cast<uint32_t>(count) + 1) {}
+    constexpr uint8_t operator()(uint32_t sum) const { return static_cast<uint8_t>(sum * multiplier_ >> 32); }
+
+private:
+    uint64_t multiplier_;
+};
+
+/// `n / 1000`, truncated, in a form that the compiler makes vectors of. `float` holds `n` exactly below 2^24
+/// in size and 0.001f is the least bit above a thousandth, so the product never falls short of a whole
+/// number, and below 2^18 never comes near the next.
+inline int32_t thousandth(int32_t n) { return static_cast<int32_t>(static_cast<float>(n) * 0.001f); }
 
 }  // namespace krl
