@@ -3,7 +3,9 @@
 #include <vector>
 
 #include "catalogue/Catalogue.h"
+#include "core/Batch.h"
 #include "core/ChannelMask.h"
+#include "core/ExactDivision.h"
 #include "core/VectorLevels.h"
 #include "effects/blur/BlurChoices.h"
 #include "kernels/blend/AlphaScale.h"
@@ -21,7 +23,7 @@ struct Stop {
 };
 
 /// The path from a pixel to `distance` samples on. Both coordinates run one way only, so equal ones
-/// follow one another and are found as runs; steps that leave the picture from everywhere are one.
+/// follow one another and become one stop; steps that leave the picture from everywhere are one.
 std::vector<Stop> pathAlong(int32_t distance, int32_t angle, int32_t width, int32_t height) {
     const double radians = static_cast<float>(angle * kRadiansPerDegree);
     const auto cosine = static_cast<float>(std::cos(radians)), sine = static_cast<float>(std::sin(radians));
@@ -44,9 +46,6 @@ std::vector<Stop> pathAlong(int32_t distance, int32_t angle, int32_t width, int3
     return path;
 }
 
-constexpr int32_t kTile = 256;  ///< pixels of a row that are summed together
-constexpr int32_t kTileBytes = kTile * int32_t(sizeof(Pixel));
-
 /// A packed copy of the picture that is wider by as far as the path reaches, its first and last
 /// columns repeated, so that no sample needs a test; one value for each pixel.
 template <class Value>
@@ -67,7 +66,7 @@ public:
         });
     }
 
-    /// Whether the bands that make the copy could be had.
+    /// Whether the bands that make the copy could start.
     Status status() const { return status_; }
 
     /// What the samples of one stop are for the pixels from `x`, `y` on.
@@ -82,10 +81,10 @@ private:
     Status status_ = kStatusOk;
 };
 
-/// Sums of a tile's bytes, in 16 bits for as long as they hold them.
-struct TileSums {
-    uint32_t total[kTileBytes];
-    uint16_t part[kTileBytes];
+/// Sums of a batch's bytes, in 16 bits for as long as they hold them.
+struct BatchSums {
+    uint32_t total[kBatchPixels * sizeof(Pixel)];
+    uint16_t part[kBatchPixels * sizeof(Pixel)];
     int64_t held = 0;  ///< samples in `part`
 };
 
@@ -103,7 +102,7 @@ void addTotal(uint32_t* total, const uint8_t* bytes, int32_t count, uint32_t tim
 }
 
 KRL_VECTOR_LEVELS
-void emptyParts(TileSums& sums, int32_t count) {
+void emptyParts(BatchSums& sums, int32_t count) {
     for (int32_t i = 0; i < count; ++i) {
         sums.total[i] += sums.part[i];
         sums.part[i] = 0;
@@ -111,7 +110,7 @@ void emptyParts(TileSums& sums, int32_t count) {
     sums.held = 0;
 }
 
-void addStop(TileSums& sums, const uint8_t* bytes, int32_t count, int64_t samples) {
+void addStop(BatchSums& sums, const uint8_t* bytes, int32_t count, int64_t samples) {
     if (samples > kPartSamples) {
         addTotal(sums.total, bytes, count, static_cast<uint32_t>(samples));
         return;
@@ -136,7 +135,7 @@ public:
           target_(target),
           path_(pathAlong(distance, angle, image_.width, image_.height)),
           isWeighted_(target == ChannelTarget::RGBA &&
-                      (distance > MeanDivisor::kMost || hasTransparency(image_))),
+                      (distance > ByteMean::kMost || hasTransparency(image_))),
           source_(engine, path_, [=](Pixel p) { return target == ChannelTarget::RGBA ? dimmed(p) : p; }) {
         const float* unitFromByte = engine.tables().unitFromByte;
         if (isWeighted_) units_.emplace_back(engine, path_, [=](Pixel p) { return unitFromByte[p.alpha]; });
@@ -146,8 +145,8 @@ public:
         if (source_.status()) return source_.status();
         if (isWeighted_ && units_.front().status()) return units_.front().status();
         return forEachRow(engine_, [&](Pixel* row, int32_t y) {
-            for (int32_t x = 0; x < image_.width; x += kTile)
-                blurTile(row + x, x, y, std::min(kTile, image_.width - x));
+            forEachBatch(static_cast<size_t>(image_.width),
+                         [&](size_t x, size_t count) { blurBatch(row + x, int32_t(x), y, int32_t(count)); });
         });
     }
 
@@ -158,12 +157,12 @@ private:
         return {scaled(p.blue), scaled(p.green), scaled(p.red), p.alpha};
     }
 
-    void blurTile(Pixel* pixels, int32_t x, int32_t y, int32_t count) const {
-        TileSums sums{};
+    void blurBatch(Pixel* pixels, int32_t x, int32_t y, int32_t count) const {
+        BatchSums sums{};
         for (const Stop& stop : path_) addStop(sums, &source_.at(x, y, stop)->blue, count * 4, stop.samples);
         emptyParts(sums, count * 4);
-        Pixel means[kTile];
-        MeanDivisor(distance_).means(sums.total, count * 4, firstByte(means));
+        Pixel means[kBatchPixels];
+        meansOf(sums.total, count * 4, distance_, firstByte(means));
         if (isWeighted_)
             writeWeighted(pixels, x, y, count, sums.total, means);
         else
@@ -173,7 +172,7 @@ private:
     void writeWeighted(Pixel* pixels, int32_t x, int32_t y, int32_t count, const uint32_t* totals,
                        const Pixel* means) const {
         constexpr int64_t kFew = 8;
-        float weight[kTile] = {};
+        float weight[kBatchPixels] = {};
         for (const Stop& stop : path_) {
             const float* units = units_.front().at(x, y, stop);
             if (stop.samples <= kFew)

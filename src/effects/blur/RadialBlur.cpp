@@ -2,6 +2,7 @@
 #include <new>
 
 #include "catalogue/Catalogue.h"
+#include "core/Doubts.h"
 #include "core/VectorLevels.h"
 #include "effects/blur/BlurChoices.h"
 #include "kernels/path/PathTile.h"
@@ -27,7 +28,7 @@ public:
     double sine(int32_t n) const { return sines_[static_cast<size_t>(n)]; }
 
 private:
-    /// Tables past 2^31 bytes are not to be had.
+    /// Tables are limited to 2 GiB.
     static size_t limited(int64_t count) {
         if (count > (int64_t(1) << 27)) throw std::bad_alloc();
         return static_cast<size_t>(count);
@@ -110,11 +111,11 @@ Status blurArcs(ImageEngine& engine, int32_t degrees, Point point) {
         TilePlaces places;
         TileSums<kWeighted> sums(engine, source);
         for (int32_t n = 0; n < arc.count(); ++n) {
-            if (turn(circles, pixels, arc.cosine(n), arc.sine(n), point, source.width(), source.height(),
-                     error, places))
-                for (int32_t i = 0; i < pixels; ++i)
-                    if (places.doubt[i])
-                        places.offset[i] = Circle(point, tile.x(i), tile.y(i)).offsetAt(n - degrees, source);
+            const bool any = turn(circles, pixels, arc.cosine(n), arc.sine(n), point, source.width(),
+                                  source.height(), error, places);
+            settleDoubts(any, places.doubt, pixels, [&](int32_t i) {
+                places.offset[i] = Circle(point, tile.x(i), tile.y(i)).offsetAt(n - degrees, source);
+            });
             sums.add(places.offset, pixels);
         }
         sums.gather();

@@ -1,6 +1,7 @@
 #include <cmath>
 
 #include "catalogue/Catalogue.h"
+#include "core/Doubts.h"
 #include "core/VectorLevels.h"
 #include "effects/blur/BlurChoices.h"
 #include "kernels/path/PathTile.h"
@@ -90,9 +91,9 @@ public:
     void blur() {
         const int32_t longest = *std::max_element(rays_.count, rays_.count + tile_.count());
         for (int32_t k = 0; k < longest; ++k) {
-            if (advance(rays_, tile_.count(), k, zoom_, places_))
-                for (int32_t i = 0; i < tile_.count(); ++i)
-                    if (places_.doubt[i]) places_.offset[i] = rayOf(i).offsetAt(k, source_);
+            const bool any = advance(rays_, tile_.count(), k, zoom_, places_);
+            settleDoubts(any, places_.doubt, tile_.count(),
+                         [&](int32_t i) { places_.offset[i] = rayOf(i).offsetAt(k, source_); });
             sums_.add(places_.offset, tile_.count());
         }
         sums_.gather();
@@ -107,7 +108,7 @@ private:
     Ray rayOf(int32_t i) const { return {zoom_.point, reachOf(i), zoom_.step}; }
 
     /// A ray that is much longer than the picture keeps sampling the same pixels of its border, and is
-    /// summed by itself, run by run of equal samples.
+    /// summed by itself, many equal samples at once.
     bool isLong(int32_t i) const { return counts_[i] > 4 * (int64_t(zoom_.width) + zoom_.height); }
     void sumLongRay(int32_t i) {
         const Ray ray = rayOf(i);

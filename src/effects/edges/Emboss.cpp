@@ -2,6 +2,8 @@
 
 #include "catalogue/Catalogue.h"
 #include "catalogue/Choices.h"
+#include "core/Batch.h"
+#include "core/Doubts.h"
 #include "core/ImageCopy.h"
 #include "core/VectorLevels.h"
 #include "kernels/neighbour/Gradient3x3.h"
@@ -41,7 +43,8 @@ inline Slope slopeAt(const uint8_t* above, const uint8_t* at, const uint8_t* bel
             below[kLeft] + below[0] + below[kRight] - above[kLeft] - above[0] - above[kRight]};
 }
 
-/// The shade of a surface, by its definition.
+/// The shade of a surface: light . normal / |normal|, 0 where it is turned away from the light. The normal is
+/// (slope.x, slope.y, depth).
 uint8_t shadeOf(const Light& light, const Slope& slope) {
     if (slope.x == 0 && slope.y == 0) return static_cast<uint8_t>(light.z);
     const int32_t lean = wrapAdd(wrapMultiply(slope.x, light.x), wrapMultiply(slope.y, light.y));
@@ -51,12 +54,12 @@ uint8_t shadeOf(const Light& light, const Slope& slope) {
     return static_cast<uint8_t>(truncate(dot / std::sqrt(double(square))));
 }
 
-constexpr int32_t kRun = 256;
+constexpr size_t kBatchBytes = kBatchPixels;
 
 /// The two numbers whose quotient is the shade of a byte: the light along the normal, 0 where it comes
 /// from behind, and the normal's length. Light is shorter than 256, and so is every quotient.
 struct ShadeTerms {
-    float dot[kRun], length[kRun];
+    float dot[kBatchBytes], length[kBatchBytes];
 };
 
 KRL_VECTOR_LEVELS
@@ -76,8 +79,8 @@ void gatherTerms(const uint8_t* above, const uint8_t* at, const uint8_t* below, 
     }
 }
 
-/// Divides in single precision. A quotient is wrong by less than `kDoubt`, so only one that lies that
-/// near a whole number is in doubt; returns whether any does, and tells which.
+/// Divides in single precision. A quotient is wrong by less than `kDoubt`, so only one that near a whole
+/// number is in doubt: marks those, and returns whether there are any.
 KRL_VECTOR_LEVELS
 bool divideTerms(const ShadeTerms& terms, int32_t count, uint8_t* shades, uint8_t* doubts) {
     constexpr float kDoubt = 1e-4f;
@@ -96,11 +99,11 @@ bool divideTerms(const ShadeTerms& terms, int32_t count, uint8_t* shades, uint8_
 void shadeSpan(const uint8_t* above, const uint8_t* at, const uint8_t* below, int32_t count,
                const Light& light, uint8_t* shades) {
     ShadeTerms terms;
-    uint8_t doubts[kRun];
+    uint8_t doubts[kBatchBytes];
     gatherTerms(above, at, below, count, light, terms);
-    if (!divideTerms(terms, count, shades, doubts)) return;
-    for (int32_t i = 0; i < count; ++i)
-        if (doubts[i]) shades[i] = shadeOf(light, slopeAt(above + i, at + i, below + i));
+    const bool any = divideTerms(terms, count, shades, doubts);
+    settleDoubts(any, doubts, count,
+                 [&](int32_t i) { shades[i] = shadeOf(light, slopeAt(above + i, at + i, below + i)); });
 }
 
 /// The part of the picture that is shaded: its sizes are known to 16 bits, and what is beyond them
@@ -133,14 +136,13 @@ Status emboss(ImageEngine& engine, int32_t strength, float azimuth, float elevat
                            Pixel* fresh) {
         const uint8_t *up = firstByte(above), *row = firstByte(at), *down = firstByte(below);
         uint8_t* out = firstByte(fresh);
-        for (int32_t i = 0; i < count * 4; i += kRun) {
-            const int32_t run = std::min(kRun, count * 4 - i);
+        forEachBatch<kBatchBytes>(size_t(count) * 4, [&](size_t i, size_t bytes) {
             if (light.isOrdinary())
-                shadeSpan(up + i, row + i, down + i, run, light, out + i);
+                shadeSpan(up + i, row + i, down + i, int32_t(bytes), light, out + i);
             else
-                for (int32_t j = i; j < i + run; ++j)
+                for (size_t j = i; j < i + bytes; ++j)
                     out[j] = shadeOf(light, slopeAt(up + j, row + j, down + j));
-        }
+        });
     };
     for (int32_t y = 1; y < part.height - 1; ++y) filterInnerRow(source, part, y, mask, shade);
     repairBorder(image, mask);

@@ -2,6 +2,7 @@
 
 #include "catalogue/Catalogue.h"
 #include "catalogue/Choices.h"
+#include "core/Batch.h"
 #include "core/ChannelMask.h"
 #include "core/VectorLevels.h"
 #include "kernels/path/PathSum.h"
@@ -10,8 +11,6 @@
 namespace krl {
 
 namespace {
-
-constexpr int32_t kRun = 256;
 
 KRL_VECTOR_LEVELS
 void meanOfFour(const uint8_t* a, const uint8_t* b, const uint8_t* c, const uint8_t* d, int32_t count,
@@ -37,17 +36,21 @@ Status fragment(ImageEngine& engine, int32_t distance, ChannelTarget target) {
         };
         const Pixel *up = sourceRow(y - reach), *down = sourceRow(y + reach), *at = sourceRow(y);
         const auto write = [&](int32_t x, const Pixel* left, const Pixel* right, int32_t count) {
-            Pixel means[kRun];
+            Pixel means[kBatchPixels];
             meanOfFour(firstByte(up + x), firstByte(down + x), firstByte(left), firstByte(right), count * 4,
                        firstByte(means));
             mask.write(row + x, means, count);
         };
-        for (int32_t x = 0; x < width;) {
-            const bool isInner = x >= reach && x + reach < width;
-            const int32_t count = isInner ? std::min(kRun, width - reach - x) : 1;
-            write(x, at + std::max(x - reach, 0), at + std::min(x + reach, width - 1), count);
-            x += count;
-        }
+        const auto writeAtEdge = [&](int32_t x) {
+            write(x, at + std::max(x - reach, 0), at + std::min(x + reach, width - 1), 1);
+        };
+        const int32_t inner = std::min(reach, width), end = std::max(width - reach, inner);
+        for (int32_t x = 0; x < inner; ++x) writeAtEdge(x);
+        forEachBatch(static_cast<size_t>(end - inner), [&](size_t start, size_t count) {
+            const int32_t x = inner + static_cast<int32_t>(start);
+            write(x, at + x - reach, at + x + reach, static_cast<int32_t>(count));
+        });
+        for (int32_t x = end; x < width; ++x) writeAtEdge(x);
     });
 }
 

@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "catalogue/Catalogue.h"
 #include "core/Bands.h"
+#include "core/ExactDivision.h"
 #include "core/LookupTables.h"
 #include "core/Scratch.h"
 #include "kernels/blend/AlphaScale.h"
@@ -47,14 +49,14 @@ private:
     Scratch<Pixel> pixels_;
 };
 
-/// 2^32 over every number of samples, rounded up: sums over it are means, exactly.
-struct Reciprocals {
-    uint64_t of[kMostSamples + 1] = {};
-    constexpr Reciprocals() {
-        for (uint64_t count = 1; count <= kMostSamples; ++count) of[count] = (uint64_t(1) << 32) / count + 1;
-    }
+/// The mean of every number of samples.
+struct Means {
+    ByteMean of[kMostSamples + 1];
 };
-constexpr Reciprocals kReciprocals;
+constexpr Means kMeans = []<size_t... Count>(std::index_sequence<Count...>) {
+    return Means{{ByteMean(1), ByteMean(int32_t(Count) + 1)...}};
+}
+(std::make_index_sequence<size_t(kMostSamples)>());
 
 /// The histogram under the brush: how many pixels each bin holds, and the sums of their colours.
 class Brush {
@@ -81,9 +83,7 @@ public:
         const auto* found =
             static_cast<const uint8_t*>(std::memchr(counts_, most, static_cast<size_t>(scanned_)));
         const uint64_t sums = colours_[found - counts_];
-        const auto mean = [&](uint32_t sum) {
-            return static_cast<uint8_t>(sum * kReciprocals.of[most] >> 32);
-        };
+        const ByteMean mean = kMeans.of[most];
         return {mean(blueField(sums)), mean(greenField(sums)), mean(redField(sums)), alpha};
     }
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "core/Bands.h"
-#include "core/ByteQuotient.h"
+#include "core/ExactDivision.h"
 #include "core/PixelWord.h"
 #include "core/Scratch.h"
 

@@ -1,5 +1,6 @@
 #include "kernels/blur/ChromaImage.h"
 
+#include "core/ExactDivision.h"
 #include "core/Numbers.h"
 #include "core/PixelWord.h"
 #include "core/VectorLevels.h"

@@ -41,9 +41,4 @@ private:
     Scratch<Pixel> words_;
 };
 
-/// `n / 1000`, truncated, in a form that the compiler makes vectors of. `float` holds `n` exactly
-/// below 2^24 in size and 0.001f is the least bit above a thousandth, so the product never falls
-/// short of a whole number, and below 2^18 never comes near the next.
-inline int32_t thousandth(int32_t n) { return static_cast<int32_t>(static_cast<float>(n) * 0.001f); }
-
 }  // namespace krl

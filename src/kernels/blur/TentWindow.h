@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "core/ByteQuotient.h"
+#include "core/ExactDivision.h"
 #include "core/Numbers.h"
 
 /// The moving tent: what one step along a line costs and keeps, for one lane or many side by side.

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "core/Bands.h"
+#include "core/Batch.h"
 #include "core/ChannelMask.h"
 #include "core/Numbers.h"
 #include "krlimage/engine.h"
@@ -33,23 +34,22 @@ inline uint8_t sobelStrength(const SobelSums& sums) {
 }
 
 /// The strength of all four bytes of `count` adjacent pixels, of which `at` is the first and which
-/// stand between the rows `above` and `below`. None of them may lie on the picture's border.
+/// are between the rows `above` and `below`. None of them may be on the picture's border.
 void sobelStrengths(const Pixel* above, const Pixel* at, const Pixel* below, int32_t count, Pixel* strengths);
 
-/// Runs `kernel(above, at, below, count, fresh)` over the inner pixels of row `y` of `source`, run by run:
-/// `at` is the first of `count` pixels between the rows `above` and `below`, and `fresh` takes what
+/// Runs `kernel(above, at, below, count, fresh)` over the inner pixels of row `y` of `source`, batch by
+/// batch: `at` is the first of `count` pixels between the rows `above` and `below`, and `fresh` takes what
 /// they become, of which the masked bytes go into `image`.
 template <class Kernel>
 void filterInnerRow(const ImageBuffer& source, const ImageBuffer& image, int32_t y, ChannelMask mask,
                     const Kernel& kernel) {
-    constexpr int32_t kRun = 256;
-    if (y < 1 || y >= image.height - 1) return;
-    Pixel fresh[kRun];
-    for (int32_t x = 1; x < image.width - 1; x += kRun) {
-        const int32_t left = image.width - 1 - x, count = left < kRun ? left : kRun;
+    if (y < 1 || y >= image.height - 1 || image.width < 3) return;
+    Pixel fresh[kBatchPixels];
+    forEachBatch(static_cast<size_t>(image.width - 2), [&](size_t start, size_t pixels) {
+        const auto x = static_cast<int32_t>(start) + 1, count = static_cast<int32_t>(pixels);
         kernel(source.row(y - 1) + x, source.row(y) + x, source.row(y + 1) + x, count, fresh);
         mask.write(image.row(y) + x, fresh, count);
-    }
+    });
 }
 
 /// Runs `kernel` as above over the whole image, banded by rows, and then repairs the border.

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "core/ExactDivision.h"
 #include "core/VectorLevels.h"
 #include "kernels/blend/AlphaScale.h"
 
@@ -12,8 +13,8 @@ namespace krl {
 namespace {
 
 KRL_VECTOR_LEVELS
-void multiply(const uint32_t* sums, int32_t number, uint64_t factor, uint8_t* bytes) {
-    for (int32_t i = 0; i < number; ++i) bytes[i] = static_cast<uint8_t>(sums[i] * factor >> 32);
+void divideSums(const uint32_t* sums, int32_t number, ByteMean mean, uint8_t* means) {
+    for (int32_t i = 0; i < number; ++i) means[i] = mean(sums[i]);
 }
 
 }  // namespace
@@ -42,11 +43,11 @@ float addedRepeatedly(float sum, float term, int64_t times) {
     return sum;
 }
 
-void MeanDivisor::means(const uint32_t* sums, int32_t number, uint8_t* bytes) const {
-    if (count_ <= kMost)
-        multiply(sums, number, factor_, bytes);
+void meansOf(const uint32_t* sums, int32_t number, int32_t count, uint8_t* means) {
+    if (count <= ByteMean::kMost)
+        divideSums(sums, number, ByteMean(count), means);
     else
-        for (int32_t i = 0; i < number; ++i) bytes[i] = clampByte(static_cast<int32_t>(sums[i]) / count_);
+        for (int32_t i = 0; i < number; ++i) means[i] = clampByte(static_cast<int32_t>(sums[i]) / count);
 }
 
 PathSource::PathSource(const ImageEngine& engine, bool scaled)

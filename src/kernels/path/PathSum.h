@@ -18,21 +18,8 @@ namespace krl {
 /// no longer for many times than for few.
 float addedRepeatedly(float sum, float term, int64_t times);
 
-/// Means of `count` bytes from their sums. Where all is small enough the division is a multiplication
-/// by 2^32 / `count`, rounded up, whose error does not reach the next quotient.
-class MeanDivisor {
-public:
-    static constexpr int32_t kMost = 4104;  ///< 255 * kMost^2 is below 2^32
-
-    explicit MeanDivisor(int32_t count) : count_(count), factor_((uint64_t(1) << 32) / uint32_t(count) + 1) {}
-
-    /// Writes the mean for each of `number` sums, limited to 0..255 where a sum has wrapped.
-    void means(const uint32_t* sums, int32_t number, uint8_t* bytes) const;
-
-private:
-    int32_t count_;
-    uint64_t factor_;
-};
+/// Writes the mean of `count` bytes for each of `number` sums, limited to 0..255 where a sum has wrapped.
+void meansOf(const uint32_t* sums, int32_t number, int32_t count, uint8_t* means);
 
 /// The picture as it is sampled: a tightly packed copy, its colours scaled by alpha where they are to
 /// be weighed by it.
@@ -40,7 +27,7 @@ class PathSource {
 public:
     PathSource(const ImageEngine& engine, bool scaled);
 
-    /// Whether the bands that make the copy could be had.
+    /// Whether the bands that make the copy could start.
     Status status() const { return status_; }
     const Pixel* pixels() const { return pixels_.data(); }
     int32_t width() const { return width_; }
@@ -98,8 +85,8 @@ private:
     uint32_t blue_ = 0, green_ = 0, red_ = 0, alpha_ = 0;
 };
 
-/// Where the run of equal samples ends that begins with sample `first` of `count`. `isSame` tells it
-/// of any later sample; equal ones must follow one another.
+/// Where the equal samples end that begin with sample `first` of `count`. `isSame` says whether a later
+/// sample is one of them; equal ones must follow one another.
 template <class IsSame>
 int64_t endOfSpan(int64_t first, int64_t count, const IsSame& isSame) {
     int64_t span = 1;
@@ -142,7 +129,7 @@ inline int32_t placeWithin(double coordinate, int32_t size) {
 }
 
 /// The pixel that a place falls into, and whether another would be it if the place were wrong by as
-/// much as `error`: then, and only then, the place has to be made by its definition.
+/// much as `error`: then, and only then, the exact definition decides.
 struct Placement {
     int32_t offset;
     int32_t doubt;  ///< 0 for none

@@ -7,12 +7,12 @@
 #include "core/ChannelMask.h"
 #include "kernels/path/PathSum.h"
 
-/// Paths that differ from pixel to pixel are walked for a block of pixels side by side, one sample of
-/// each at a time: neighbours sample neighbours, so the block's samples lie together in memory, and
-/// their places are made by the same few operations on many pixels.
+/// Paths that differ from pixel to pixel are walked for a tile of pixels side by side, one sample of
+/// each at a time: neighbours sample neighbours, so the tile's samples are close in memory, and their places
+/// come from the same few operations on many pixels.
 namespace krl {
 
-/// A block of pixels, numbered row by row.
+/// A tile of pixels, numbered row by row.
 struct PathTile {
     static constexpr int32_t kWidth = 32, kHeight = 8, kPixels = kWidth * kHeight;
 
@@ -26,7 +26,7 @@ struct PathTile {
 /// Where one sample of every pixel of a tile falls.
 struct TilePlaces {
     int32_t offset[PathTile::kPixels];
-    int32_t doubt[PathTile::kPixels];  ///< not 0 where the place must be made by its definition
+    int32_t doubt[PathTile::kPixels];  ///< not 0 where the exact definition must decide
 };
 
 /// The sums of a tile's paths.
@@ -72,7 +72,7 @@ private:
     int32_t held_ = 0;
 };
 
-/// Calls `work(tile)` for blocks that cover the image, banded by rows.
+/// Calls `work(tile)` for tiles that cover the image, banded by rows.
 template <class Work>
 Status forEachPathTile(const ImageEngine& engine, Work&& work) {
     const int32_t width = engine.buffer()->width;

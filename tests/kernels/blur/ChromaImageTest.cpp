@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "kernels/blur/ChromaImage.h"
+#include "core/ExactDivision.h"
+#include "core/Numbers.h"
 #include "reference/ChromaReference.h"
 
 namespace krl::test {

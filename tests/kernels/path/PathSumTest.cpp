@@ -3,6 +3,7 @@
 #include <climits>
 
 #include "kernels/path/PathSum.h"
+#include "core/ExactDivision.h"
 #include "support/Picture.h"
 
 namespace krl::test {
@@ -24,14 +25,14 @@ TEST(PathSum, AddsRepeatedlyAsALoopDoes) {
 }
 
 TEST(PathSum, DividesByMultiplyingExactlyOverItsRange) {
-    for (int32_t count = 1; count <= MeanDivisor::kMost; ++count) {
+    for (int32_t count = 1; count <= ByteMean::kMost; ++count) {
         uint32_t sums[512];
         uint8_t means[512];
         for (uint32_t mean = 0; mean < 256; ++mean) {
             sums[2 * mean] = mean * uint32_t(count);
             sums[2 * mean + 1] = std::min(sums[2 * mean] + uint32_t(count) - 1, 255 * uint32_t(count));
         }
-        MeanDivisor(count).means(sums, 512, means);
+        meansOf(sums, 512, count, means);
         for (int i = 0; i < 512; ++i) ASSERT_EQ(means[i], i / 2) << count;
     }
 }
@@ -39,7 +40,7 @@ TEST(PathSum, DividesByMultiplyingExactlyOverItsRange) {
 TEST(PathSum, LimitsMeansOfSumsThatWrapped) {
     const uint32_t sums[] = {0xFFFFFFFFu, 5000u * 255u};
     uint8_t means[2];
-    MeanDivisor(5000).means(sums, 2, means);
+    meansOf(sums, 2, 5000, means);
     EXPECT_EQ(means[0], 0);
     EXPECT_EQ(means[1], 255);
 }
