@@ -13,17 +13,17 @@
 #endif
 
 #include "Scene.h"
-#include "effects/colour/ColourEffects.h"
 #include "effects/composite/Composite.h"
-#include "effects/film/Noise.h"
-#include "effects/hue/HueEffects.h"
 #include "effects/key/HsvKeys.h"
-#include "effects/tone/ToneEffects.h"
 #include "effects/warp/Twirl.h"
 #include "kernels/blur/TentBlur.h"
 #include "krlimage/blur.h"
+#include "krlimage/colour.h"
 #include "krlimage/edges.h"
+#include "krlimage/film.h"
+#include "krlimage/hue.h"
 #include "krlimage/stylise.h"
+#include "krlimage/tone.h"
 
 /// Times effects beside OpenCV's nearest operations, in turns in one process, at one thread and at
 /// two, and writes a table. Where OpenCV has no such operation the row names what stands in.

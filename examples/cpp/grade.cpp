@@ -2,9 +2,9 @@
 #include <cstdio>
 #include <vector>
 
-#include "effects/tone/ToneEffects.h"
 #include "krlimage/blur.h"
 #include "krlimage/engine.h"
+#include "krlimage/tone.h"
 
 namespace {
 

@@ -93,10 +93,4 @@ Status sharpen(ImageEngine& engine, int32_t radius, float amount, int32_t thresh
 /// The same on luma alone; all pixels pass through the conversion to luma and colour differences and back.
 Status sharpenBrightness(ImageEngine& engine, int32_t radius, float amount, int32_t threshold);
 
-// A tint that has its name from the blurs.
-
-/// Multiplies the picture by `colour`. Runs on the calling thread; `kStatusRefused` where no picture is
-/// loaded.
-Status blurColourReplace(ImageEngine& engine, Colour colour);
-
 }  // namespace krl

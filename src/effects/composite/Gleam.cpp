@@ -6,6 +6,7 @@
 #include "kernels/blend/BlockPixels.h"
 #include "kernels/blend/BlendFunction.h"
 #include "kernels/blur/TentBlur.h"
+#include "kernels/colour/Grey.h"
 #include "kernels/ramp/Curve.h"
 
 namespace krl {

@@ -15,7 +15,7 @@ int32_t quotient(float numerator, float divisor) { return static_cast<int32_t>(n
 // Of the three distances from the largest channel that decide a hue, its own is 0 and that of the
 // smallest 60, so only the middle channel needs a division.
 KRL_VECTOR_LEVELS void toHls(const ColourLanes& colours, HlsLanes& hls) {
-    for (size_t i = 0; i < kBlockPixels; ++i) {
+    for (size_t i = 0; i < kBatchPixels; ++i) {
         const int32_t red = colours.red[i], green = colours.green[i], blue = colours.blue[i];
         const int32_t larger = red > green ? red : green, smaller = red < green ? red : green;
         const int32_t max = larger > blue ? larger : blue, min = smaller < blue ? smaller : blue;
@@ -59,7 +59,7 @@ int32_t channelAt(int32_t hue, float low, float spread) {
 
 KRL_VECTOR_LEVELS void fromHls(const HlsLanes& hls, ColourLanes& colours) {
     ColourLanes coloured;
-    for (size_t i = 0; i < kBlockPixels; ++i) {
+    for (size_t i = 0; i < kBatchPixels; ++i) {
         const int32_t hue = hls.hue[i], lightness = hls.lightness[i], saturation = hls.saturation[i];
         const int32_t share = quotient(float(lightness) * float(saturation) + 180.0f, 360.0f);
         const int32_t reach = lightness <= 180 ? share : saturation - share;
@@ -68,7 +68,7 @@ KRL_VECTOR_LEVELS void fromHls(const HlsLanes& hls, ColourLanes& colours) {
         coloured.green[i] = channelAt(hue, low, spread);
         coloured.blue[i] = channelAt(hue - 120, low, spread);
     }
-    for (size_t i = 0; i < kBlockPixels; ++i) {
+    for (size_t i = 0; i < kBatchPixels; ++i) {
         const int32_t grey = quotient(float(hls.lightness[i]) * 255.0f, 360.0f);
         // All ones where it holds, so that the choice stays one of bits.
         const int32_t isGrey = -int32_t{hls.saturation[i] == 0}, isUndefined = -int32_t{hls.hue[i] == -1};

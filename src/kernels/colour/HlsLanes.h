@@ -4,9 +4,9 @@
 
 namespace krl {
 
-/// Hue, lightness and saturation of a block of pixels, each 0..360; the hue of a grey is -1.
+/// Hue, lightness and saturation of a batch of pixels, each 0..360; the hue of a grey is -1.
 struct HlsLanes {
-    int32_t hue[kBlockPixels], lightness[kBlockPixels], saturation[kBlockPixels];
+    int32_t hue[kBatchPixels], lightness[kBatchPixels], saturation[kBatchPixels];
 };
 
 /// The same numbers as `rgbToHls` gives for each pixel, without a branch.

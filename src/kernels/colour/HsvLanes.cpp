@@ -6,7 +6,7 @@
 namespace krl {
 
 KRL_VECTOR_LEVELS void toHsv(const ColourLanes& colours, HsvLanes& hsv) {
-    for (size_t i = 0; i < kBlockPixels; ++i) {
+    for (size_t i = 0; i < kBatchPixels; ++i) {
         const HueLane lane = hueLane(colours.red[i], colours.green[i], colours.blue[i]);
         hsv.value[i] = lane.value;
         hsv.saturation[i] = lane.spread / (lane.value == 0.0f ? 1.0f : lane.value);
@@ -25,12 +25,12 @@ int32_t channelByte(float channel, double half) {
 }  // namespace
 
 KRL_VECTOR_LEVELS void fromHsv(const HsvLanes& hsv, ColourLanes& colours, double half) {
-    int32_t sectors[kBlockPixels], high[kBlockPixels], middle[kBlockPixels], low[kBlockPixels];
-    float slopes[kBlockPixels];
+    int32_t sectors[kBatchPixels], high[kBatchPixels], middle[kBatchPixels], low[kBatchPixels];
+    float slopes[kBatchPixels];
     // In odd sectors one channel falls with the hue's fraction, in even ones one rises with it.
-    for (size_t i = 0; i < kBlockPixels; ++i) sectors[i] = static_cast<int32_t>(hsv.turn[i]);
-    for (size_t i = 0; i < kBlockPixels; ++i) slopes[i] = hsv.turn[i] - float(sectors[i]);
-    for (size_t i = 0; i < kBlockPixels; ++i) {
+    for (size_t i = 0; i < kBatchPixels; ++i) sectors[i] = static_cast<int32_t>(hsv.turn[i]);
+    for (size_t i = 0; i < kBatchPixels; ++i) slopes[i] = hsv.turn[i] - float(sectors[i]);
+    for (size_t i = 0; i < kBatchPixels; ++i) {
         const double value = hsv.value[i], saturation = hsv.saturation[i], fraction = slopes[i];
         const double rest = 1.0 - fraction;
         const double slope = (sectors[i] & 1) != 0 ? fraction : rest;
@@ -38,7 +38,7 @@ KRL_VECTOR_LEVELS void fromHsv(const HsvLanes& hsv, ColourLanes& colours, double
         middle[i] = channelByte(static_cast<float>(value * (1.0 - saturation * slope)), half);
         low[i] = channelByte(static_cast<float>(value * (1.0 - saturation)), half);
     }
-    for (size_t i = 0; i < kBlockPixels; ++i) {
+    for (size_t i = 0; i < kBatchPixels; ++i) {
         const int32_t s = sectors[i], top = high[i], mid = middle[i], bottom = low[i];
         const auto choose = [=](bool isHigh, bool isMiddle) {
             const int32_t other = isMiddle ? mid : bottom;

@@ -4,11 +4,11 @@
 
 namespace krl {
 
-/// The hue space of a block of pixels: the place of each hue on its circle of six sectors, and
+/// The hue space of a batch of pixels: the position of each hue on its circle of six sectors, and
 /// saturation and value on 0..1.
 struct HsvLanes {
-    float turn[kBlockPixels];  ///< hue / 60, within 0..6; 0 for a grey
-    float saturation[kBlockPixels], value[kBlockPixels];
+    float turn[kBatchPixels];  ///< hue / 60, within 0..6; 0 for a grey
+    float saturation[kBatchPixels], value[kBatchPixels];
 };
 
 /// The same numbers as `rgbToHsv` gives for each pixel, without a branch.
@@ -25,7 +25,7 @@ Status recolourByHsv(const ImageEngine& engine, Change&& change) {
     return forEachLaneBatch(engine, [&](ColourLanes& colours) {
         HsvLanes hsv;
         toHsv(colours, hsv);
-        for (size_t i = 0; i < kBlockPixels; ++i) change(hsv.saturation[i], hsv.value[i]);
+        for (size_t i = 0; i < kBatchPixels; ++i) change(hsv.saturation[i], hsv.value[i]);
         fromHsv(hsv, colours);
     });
 }

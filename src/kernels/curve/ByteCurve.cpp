@@ -1,9 +1,5 @@
 #include "kernels/curve/ByteCurve.h"
 
-#include <cstring>
-
-#include "core/VectorLevels.h"
-
 namespace krl {
 
 Status applyCurve(ImageEngine& engine, ChannelTarget target, const ByteCurve& curve) {
@@ -22,16 +18,6 @@ void applyCurves(Pixel* first, Pixel* last, const ColourCurves& curves) {
 
 Status applyCurves(ImageEngine& engine, const ColourCurves& curves) {
     return forEachSpan(engine, [&](Pixel* first, Pixel* last) { applyCurves(first, last, curves); });
-}
-
-KRL_STREAM_LEVELS void takeMeans(Pixel* first, Pixel* last) {
-    for (Pixel* p = first; p != last; ++p) {
-        uint32_t word;  // 0xAARRGGBB
-        std::memcpy(&word, p, sizeof word);
-        const uint32_t mean = thirdOf((word & 255u) + (word >> 8 & 255u) + (word >> 16 & 255u));
-        word = (word & 0xFF000000u) | mean << 16 | mean << 8 | mean;
-        std::memcpy(p, &word, sizeof word);
-    }
 }
 
 Status shiftSaturated(ImageEngine& engine, Pixel step, bool subtract) {

@@ -1,17 +1,14 @@
 #pragma once
 
-#include <algorithm>
-#include <array>
 #include <cstdint>
-#include <utility>
 
 #include "core/Bands.h"
-#include "core/LookupTables.h"
+#include "core/Numbers.h"
 #include "kernels/curve/CurveLookup.h"
 #include "krlimage/engine.h"
 #include "krlimage/pixel.h"
 
-/// Curves: what a byte becomes, told once for all 256 of them and then looked up. Most point
+/// Curves: what each of the 256 bytes becomes, computed once and then looked up. Most point
 /// effects are a curve and nothing else.
 namespace krl {
 
@@ -28,7 +25,7 @@ ByteCurve byteCurve(Entry&& entry) {
     return curve;
 }
 
-/// Sends the listed channels (by number) of a run of pixels through `curve`.
+/// Sends the listed channels (by number) of a span of pixels through `curve`.
 template <size_t... channel>
 void applyCurveTo(Pixel* first, Pixel* last, const ByteCurve& curve) {
     Pixel* rest = lookUpWide(first, last, {{curve, ((1u << channel) | ...)}});
@@ -45,31 +42,11 @@ Status applyCurveTo(ImageEngine& engine, const ByteCurve& curve) {
 /// Sends the bytes of `target` through `curve`: the three colour bytes, or alpha alone.
 Status applyCurve(ImageEngine& engine, ChannelTarget target, const ByteCurve& curve);
 
-/// Sends each colour byte of a run of pixels through the curve of its channel.
+/// Sends each colour byte of a span of pixels through the curve of its channel.
 void applyCurves(Pixel* first, Pixel* last, const ColourCurves& curves);
 
 /// The same over the loaded image, in bands.
 Status applyCurves(ImageEngine& engine, const ColourCurves& curves);
-
-/// A third of the sum of three bytes, as `meanOf3` has it; exact for every such sum.
-constexpr uint32_t thirdOf(uint32_t sum) { return sum * 21846u >> 16; }
-
-/// Replaces the colour of every pixel of a run by the mean of its three bytes.
-void takeMeans(Pixel* first, Pixel* last);
-
-/// Replaces the colour of the loaded image by its means, in bands, and calls `then(first, last)` with
-/// one stretch of them after another while it is still near.
-template <class Then>
-Status recolourByMean(ImageEngine& engine, Then&& then) {
-    constexpr ptrdiff_t stretch = 2048;
-    return forEachSpan(engine, [&](Pixel* first, Pixel* last) {
-        for (Pixel* end; first != last; first = end) {
-            end = first + std::min(stretch, last - first);
-            takeMeans(first, end);
-            then(first, end);
-        }
-    });
-}
 
 /// The dormant wide path of the effects that shift whole channels: adds `step` to every pixel, or
 /// takes it away, byte by byte, each byte stopping at 255 or 0.

@@ -3,6 +3,9 @@
 #include <climits>
 #include <limits>
 
+#include "kernels/blend/AlphaScale.h"
+#include "kernels/blur/TentBlur.h"
+#include "kernels/neighbour/Gradient3x3.h"
 #include "krlimage/edges.h"
 #include "reference/EdgesReference.h"
 #include "support/Picture.h"

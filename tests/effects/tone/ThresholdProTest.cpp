@@ -1,13 +1,13 @@
 #include <gtest/gtest.h>
 
-#include "effects/tone/ToneEffects.h"
+#include <utility>
+
 #include "kernels/blur/TentBlur.h"
+#include "krlimage/tone.h"
 #include "support/Picture.h"
 
 namespace krl::test {
 namespace {
-
-constexpr ChannelTarget kTargets[] = {ChannelTarget::RGB, ChannelTarget::Alpha};
 
 auto steps(int32_t preBlur, int32_t threshold, int32_t count, ChannelTarget target) {
     return [=](ImageEngine& engine) { return thresholdPro(engine, preBlur, threshold, count, target); };
@@ -60,17 +60,15 @@ TEST(ThresholdPro, BlursBeforeItParts) {
               blurred.after(steps(0, 120, 3, ChannelTarget::RGB)));
 }
 
-TEST(ThresholdPro, DoesNotDependOnBands) {
-    for (ChannelTarget target : kTargets) expectSameForAnyBands(steps(2, 100, 3, target));
-}
-
-TEST(ThresholdPro, LeavesOtherChannelsAlone) {
+TEST(ThresholdPro, WorksOnTheChosenChannelsForAnyBands) {
     const Picture picture = Picture::random(21, 13);
+    for (ChannelTarget target : {ChannelTarget::RGB, ChannelTarget::Alpha}) {
+        expectSameForAnyBands(steps(2, 100, 3, target));
+        expectStateTests(steps(1, 9, 9, target));
+    }
     EXPECT_TRUE(sameAlpha(picture.after(steps(1, 9, 9, ChannelTarget::RGB)), picture));
     EXPECT_TRUE(sameColour(picture.after(steps(1, 9, 9, ChannelTarget::Alpha)), picture));
 }
-
-TEST(ThresholdPro, NeedsAnImage) { expectStateTests(steps(1, 9, 9, ChannelTarget::RGB)); }
 
 }  // namespace
 }  // namespace krl::test
