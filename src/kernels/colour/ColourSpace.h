@@ -4,8 +4,10 @@
 
 #include "core/Numbers.h"
 
-/// Conversions between red, green, blue and the two hue spaces. They are two families with
-/// conventions of their own, and neither stands in for the other:
+/// Conversions between red, green, blue and the two hue spaces: the equations, one pixel at a time.
+/// `HlsLanes`, `HsvLanes` and `HueLane` are the same equations without a branch, for whole batches.
+///
+/// The two families have conventions of their own and do not mix:
 ///
 /// - the integer family (`rgbToHls`, `hlsToRgb`), hue, lightness and saturation each on 0..360;
 /// - the float family (`rgbToHsv`, `hsvToRgb`), hue in degrees, saturation and value on 0..1.
@@ -34,7 +36,10 @@ struct Hsv {
     bool operator==(const Hsv&) const = default;
 };
 
-/// Hue, lightness and saturation of three bytes.
+/// Hue, lightness and saturation of three bytes, in whole numbers that round to the nearest:
+///
+///     lightness = (max + min) / 2, saturation = (max - min) / (max + min), above half lightness
+///     (max - min) / (2 - max - min), hue = sector + 60 * (middle - min) / (max - min) degrees
 inline Hls rgbToHls(int32_t red, int32_t green, int32_t blue) {
     const int32_t larger = red > green ? red : green, smaller = red < green ? red : green;
     const int32_t max = larger > blue ? larger : blue, min = smaller < blue ? smaller : blue;
@@ -88,7 +93,10 @@ inline void hlsToRgb(const Hls& colour, Rgb& out) {
     out = {channel(wrapAdd(hue, 120)), channel(hue), channel(wrapSubtract(hue, 120))};
 }
 
-/// Hue, saturation and value of three channels on 0..1; every operation rounds to single precision.
+/// Hue, saturation and value of three channels on 0..1; every operation rounds to single precision:
+///
+///     value = max, saturation = (max - min) / max,
+///     hue = 60 * (difference of the two others / (max - min) + 0, 2 or 4 as red, green or blue is max)
 inline Hsv rgbToHsv(float red, float green, float blue) {
     const float larger = red > green ? red : green, smaller = red < green ? red : green;
     const float max = larger > blue ? larger : blue, min = smaller < blue ? smaller : blue;
@@ -110,9 +118,10 @@ inline Hsv rgbToHsv(float red, float green, float blue) {
 /// A channel on 0..1 as an integer on 0..255, rounded.
 inline int32_t channelFromUnit(float channel) { return truncate(channel * 255.0 + 0.5); }
 
-/// Three channels of `colour`; beyond 0..255 where saturation or value leave 0..1, and then their low
-/// byte is what counts. Hue matters only where there is saturation; one outside 0..360 has no
-/// sector of its own and gives red by value and green by its fraction.
+/// Three channels of `colour`: the value, value * (1 - saturation), and one between them by the fraction of
+/// the hue in its sector. Where saturation or value leave 0..1 so may the channels leave 0..255, and their
+/// low byte counts. Hue matters only where there is saturation; one outside 0..360 has no sector of its own
+/// and gives red by value and green by its fraction.
 Rgb hsvToRgb(const Hsv& colour);
 
 }  // namespace krl

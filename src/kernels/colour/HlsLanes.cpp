@@ -7,13 +7,13 @@ namespace krl {
 namespace {
 
 /// Integer quotient, toward zero. Divisors are at most 510 and quotients small, so a quotient that is
-/// no integer stays clear of the next one by far more than `float` rounds away.
+/// no integer differs from the next one by far more than `float` rounds away.
 int32_t quotient(float numerator, float divisor) { return static_cast<int32_t>(numerator / divisor); }
 
 }  // namespace
 
-// Of the three distances from the largest channel that decide a hue, its own is 0 and that of the
-// smallest 60, so only the middle channel needs a division.
+// The equation is `rgbToHls`. Of the three distances from the largest channel that decide a hue, its own is 0
+// and that of the smallest 60, so only the middle channel needs a division.
 KRL_VECTOR_LEVELS void toHls(const ColourLanes& colours, HlsLanes& hls) {
     for (size_t i = 0; i < kBatchPixels; ++i) {
         const int32_t red = colours.red[i], green = colours.green[i], blue = colours.blue[i];
@@ -43,8 +43,8 @@ KRL_VECTOR_LEVELS void toHls(const ColourLanes& colours, HlsLanes& hls) {
 
 namespace {
 
-/// What `hueToChannel` is at a hue, as a byte: between its two levels it rises over 60 degrees, stays
-/// up to 180 and falls until 240.
+/// `hueToChannel` as a byte: between its two levels it rises over 60 degrees, stays up to 180 and falls until
+/// 240.
 int32_t channelAt(int32_t hue, float low, float spread) {
     const int32_t raised = hue < 0 ? hue + 360 : hue;
     const int32_t turned = raised > 360 ? raised - 360 : raised;
@@ -57,6 +57,8 @@ int32_t channelAt(int32_t hue, float low, float spread) {
 
 }  // namespace
 
+// The equation is `hlsToRgb`, with m1 as `low` and m2 - m1 as `spread`. Both branches are computed, and a
+// mask selects one.
 KRL_VECTOR_LEVELS void fromHls(const HlsLanes& hls, ColourLanes& colours) {
     ColourLanes coloured;
     for (size_t i = 0; i < kBatchPixels; ++i) {

@@ -5,6 +5,7 @@
 
 namespace krl {
 
+// The equation is `rgbToHsv`.
 KRL_VECTOR_LEVELS void toHsv(const ColourLanes& colours, HsvLanes& hsv) {
     for (size_t i = 0; i < kBatchPixels; ++i) {
         const HueLane lane = hueLane(colours.red[i], colours.green[i], colours.blue[i]);
@@ -24,6 +25,7 @@ int32_t channelByte(float channel, double half) {
 
 }  // namespace
 
+// The equation is `hsvToRgb`. Each sector takes its three channels from the same three levels.
 KRL_VECTOR_LEVELS void fromHsv(const HsvLanes& hsv, ColourLanes& colours, double half) {
     int32_t sectors[kBatchPixels], high[kBatchPixels], middle[kBatchPixels], low[kBatchPixels];
     float slopes[kBatchPixels];

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-/// The hue space of `rgbToHsv` without a branch, for loops that are to become vectors.
+/// The equation of `rgbToHsv` without a branch, so that loops over it become vectors.
 namespace krl {
 
 /// `level / 255` in single precision without the division: the head of 1 / 255 has so few bits that

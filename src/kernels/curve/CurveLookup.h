@@ -16,8 +16,8 @@ struct ChannelCurve {
     uint32_t channels;
 };
 
-/// Sends the channels of each curve through it, many pixels at once, as far as the processor can.
-/// Gives the first pixel that is still to do, which is `first` where there are no instructions for it.
+/// Sends the channels of each curve through it, many pixels at once where the processor has the instructions.
+/// Returns the first pixel that is left for the plain loop, which is `first` where it has none.
 Pixel* lookUpWide(Pixel* first, Pixel* last, const ChannelCurve (&curves)[1]);
 Pixel* lookUpWide(Pixel* first, Pixel* last, const ChannelCurve (&curves)[3]);
 

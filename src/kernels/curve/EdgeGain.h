@@ -7,8 +7,9 @@
 
 namespace krl {
 
-// How far a byte moves from its blur: a gain makes the new byte from the sharp one and its `edge`, the
-// difference from the blurred one, -255 to 255.
+// A gain makes a new byte from an old one and its `edge`, the difference from another byte, -255 to 255:
+// out = byte + edge * amount, truncated and limited. `RealGain` is that equation; `WholeGain` gives the same
+// bytes in whole numbers.
 
 /// Any gain, in real numbers.
 struct RealGain {
@@ -22,16 +23,16 @@ struct WholeGain {
     int32_t multiplier;
     int shift;
 
-    /// `floor(edge * amount)`, by which a whole number moves to the truncated sum, but for negative ones.
+    /// `floor(edge * amount)`: added to a whole number it gives the truncated sum, except for negative sums.
     int32_t move(int32_t edge) const { return (edge * multiplier) >> shift; }
     uint8_t operator()(int32_t sharp, int32_t edge) const { return clampByte(sharp + move(edge)); }
 };
 
-/// The gain of `amount` in whole numbers, where there is one that is exact for every edge; 23 bits of the
-/// amount are, as good as always.
+/// The gain of `amount` in whole numbers, where one is exact for every edge; with 23 bits of the amount
+/// nearly all are.
 std::optional<WholeGain> wholeGain(float amount);
 
-/// What `work(gain)` returns of the gain that is `amount`.
+/// Returns `work(gain)` with the fastest gain of `amount`.
 template <class Work>
 auto withGain(float amount, Work&& work) {
     const std::optional<WholeGain> whole = wholeGain(amount);

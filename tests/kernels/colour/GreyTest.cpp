@@ -30,5 +30,14 @@ TEST(Means, AreHandedOnBatchByBatch) {
     EXPECT_EQ(seen, 15000);
 }
 
+TEST(Luma, IsTheSumOfTheThreeTables) {
+    const LookupTables& t = sharedTables();
+    for (int red = 0; red < 256; red += 5)
+        for (int green = 0; green < 256; green += 3)
+            for (int blue = 0; blue < 256; ++blue)
+                ASSERT_EQ(lumaOf(red, green, blue),
+                          double{t.lumaBlue[blue]} + t.lumaGreen[green] + t.lumaRed[red]);
+}
+
 }  // namespace
 }  // namespace krl::test

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <iterator>
 
+#include "kernels/colour/ColourSpace.h"
 #include "kernels/colour/HlsLanes.h"
+#include "support/Colours.h"
 
 namespace krl::test {
 namespace {
@@ -25,6 +27,44 @@ TEST(HlsLanes, GivesBytesForEveryHueOfOneTurn) {
                     ASSERT_TRUE(std::all_of(std::begin(*lanes), std::end(*lanes), isByte))
                         << first << ' ' << lightness << ' ' << saturation;
             }
+}
+
+TEST(HlsLanes, HoldTheEquationForEveryColour) {
+    ColourLanes colours;
+    HlsLanes hls;
+    for (int red : allReds())
+        for (int green = 0; green < 256; ++green) {
+            for (size_t i = 0; i < kBatchPixels; ++i) {
+                colours.red[i] = red;
+                colours.green[i] = green;
+                colours.blue[i] = int32_t(i % 256);
+            }
+            toHls(colours, hls);
+            for (size_t i = 0; i < kBatchPixels; ++i)
+                ASSERT_EQ((Hls{hls.hue[i], hls.lightness[i], hls.saturation[i]}),
+                          rgbToHls(red, green, int32_t(i % 256)));
+        }
+}
+
+TEST(HlsLanes, ComeBackAsTheEquationSaysForEveryHueTheyTake) {
+    HlsLanes hls;
+    for (int32_t hue = -kWidestHue; hue <= kWidestHue; hue += hue >= -2 && hue < 361 ? 1 : 7)
+        for (int32_t lightness = 0; lightness <= 360; lightness += 9) {
+            ColourLanes colours;
+            for (size_t i = 0; i < kBatchPixels; ++i) {
+                hls.hue[i] = hue;
+                hls.lightness[i] = lightness;
+                hls.saturation[i] = int32_t(i * 360 / (kBatchPixels - 1));
+                colours.red[i] = 7, colours.green[i] = 8, colours.blue[i] = 9;
+            }
+            fromHls(hls, colours);
+            for (size_t i = 0; i < kBatchPixels; ++i) {
+                Rgb expected{7, 8, 9};
+                hlsToRgb({hue, lightness, hls.saturation[i]}, expected);
+                ASSERT_EQ((Rgb{colours.red[i], colours.green[i], colours.blue[i]}), expected)
+                    << hue << ' ' << lightness << ' ' << hls.saturation[i];
+            }
+        }
 }
 
 }  // namespace

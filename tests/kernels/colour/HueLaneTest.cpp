@@ -11,12 +11,12 @@ namespace {
 /// Steps through bytes that between them meet every kind of colour, 0 and 255 included.
 constexpr int kByteStep = 5;
 
-TEST(HueLane, HasLevelsOnZeroToOneAsTheTableHasThem) {
+TEST(HueLane, DividesLevelsBy255AsTheTableDoes) {
     for (int level = 0; level < 256; ++level)
         ASSERT_EQ(unitFromLevel(level), sharedTables().unitFromByte[level]) << level;
 }
 
-TEST(HueLane, TellsTheNumbersOfTheFloatFamily) {
+TEST(HueLane, EqualsTheEquation) {
     const float* unit = sharedTables().unitFromByte;
     for (int red = 0; red < 256; red += kByteStep)
         for (int green = 0; green < 256; ++green)

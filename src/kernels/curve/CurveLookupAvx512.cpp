@@ -15,7 +15,7 @@ namespace {
 constexpr ptrdiff_t kPixelsAtOnce = 16;
 
 /// AVX-512 holds a whole curve in four registers. Each half of it is looked up by one instruction, and
-/// a byte's top bit says which half it wanted.
+/// the top bit of a byte selects the half.
 struct CurveRegisters {
     __m512i quarters[4];
     __mmask64 touched;
@@ -33,13 +33,13 @@ KRL_PERMUTES_BYTES Pixel* permuteBytes(Pixel* first, Pixel* last, const ChannelC
     for (size_t i = 0; i < count; ++i) loadCurve(curves[i], registers[i]);
     for (; last - first >= kPixelsAtOnce; first += kPixelsAtOnce) {
         const __m512i bytes = _mm512_loadu_si512(first);
-        const __mmask64 wantsUpper = _mm512_movepi8_mask(bytes);
+        const __mmask64 isUpper = _mm512_movepi8_mask(bytes);
         __m512i result = bytes;
         for (const CurveRegisters& curve : registers) {
             const __m512i* quarters = curve.quarters;
             const __m512i lower = _mm512_permutex2var_epi8(quarters[0], bytes, quarters[1]);
             const __m512i upper = _mm512_permutex2var_epi8(quarters[2], bytes, quarters[3]);
-            const __m512i found = _mm512_mask_mov_epi8(lower, wantsUpper, upper);
+            const __m512i found = _mm512_mask_mov_epi8(lower, isUpper, upper);
             result = _mm512_mask_mov_epi8(result, curve.touched, found);
         }
         _mm512_storeu_si512(first, result);
