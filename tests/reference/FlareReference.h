@@ -10,8 +10,7 @@
 #include "core/Numbers.h"
 #include "core/Random.h"
 #include "effects/generate/BezierOutline.h"
-#include "effects/generate/BezierShape.h"
-#include "effects/generate/LensFlare.h"
+#include "krlimage/generate.h"
 
 /// The flare's and the rasteriser's shapes drawn the slow way: cell by cell, as they are told.
 namespace krl::reference {

@@ -3,7 +3,7 @@
 #include <span>
 #include <vector>
 
-#include "effects/generate/BezierShape.h"
+#include "krlimage/generate.h"
 
 namespace krl {
 

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "core/Bands.h"
-#include "effects/generate/LensFlare.h"
+#include "effects/generate/FlareCanvas.h"
 #include "kernels/path/DigitalLine.h"
 
 /// The painters behind `FlareCanvas::draw`, one for each family of elements. Each needs a picture.

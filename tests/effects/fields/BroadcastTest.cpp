@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "effects/fields/Broadcast.h"
+#include "krlimage/fields.h"
 #include "support/Picture.h"
 
 namespace krl {
@@ -69,7 +69,7 @@ TEST(BroadcastSplit, DropsRowsAndColumnsBeyondTheLastWholeBlock) {
     }
 }
 
-TEST(BroadcastSplit, TellsTheSizeOfAPart) {
+TEST(BroadcastSplit, ReportsTheSizeOfAPart) {
     Picture picture(11, 9);
     ImageInfo part;
     EXPECT_EQ(picture.apply([&](ImageEngine& engine) { return broadcastPartSize(engine, 2, part); }),
@@ -122,7 +122,7 @@ TEST(BroadcastCombine, MultipliesTheFirstPartsSize) {
     EXPECT_EQ(whole.rowBytes, 48);
 }
 
-TEST(BroadcastCombine, RefusesWrongCountsSizesAndThingsThatAreNoImages) {
+TEST(BroadcastCombine, RefusesWrongCountsAndSizesAndWhatIsNoImage) {
     ImageInfo whole;
     for (const int32_t count : {0, 1, 3, 5, 15, 17})
         EXPECT_EQ(broadcastWholeSize(Parts(count, 2, 2).sources(), whole), kStatusRefused) << count;

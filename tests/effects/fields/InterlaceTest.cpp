@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "effects/fields/Interlace.h"
+#include "krlimage/fields.h"
 #include "support/Picture.h"
 
 namespace krl {

@@ -3,22 +3,16 @@
 #include <utility>
 #include <vector>
 
-#include "effects/generate/LensFlare.h"
+#include "krlimage/generate.h"
 #include "support/Picture.h"
 
 namespace krl::test {
 
 /// The element painted over `picture`, in white or in the colours of `keys`.
-inline Picture flared(const Picture& picture, const FlareElement& element, std::vector<CurveKey> keys = {},
+inline Picture flared(const Picture& picture, FlareElement element, std::vector<CurveKey> keys = {},
                       int32_t bands = 1) {
-    return picture.after(
-        [&](ImageEngine& engine) {
-            FlareCanvas canvas(engine);
-            canvas.setColours(std::move(keys));
-            canvas.draw(element);
-            return kStatusOk;
-        },
-        bands);
+    element.colours = std::move(keys);
+    return picture.after([&](ImageEngine& engine) { return lensFlare(engine, {&element, 1}); }, bands);
 }
 
 /// What the element's values are: painted opaque in white over black, a value of v shows as v.

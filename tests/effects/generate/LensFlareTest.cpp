@@ -5,8 +5,8 @@
 #include <limits>
 
 #include "core/LookupTables.h"
+#include "effects/generate/FlareCanvas.h"
 #include "effects/generate/FlareScene.h"
-#include "effects/generate/LensFlare.h"
 
 namespace krl {
 namespace {
@@ -65,8 +65,8 @@ TEST(FlarePlot, AddsBlueAndScreensTheRest) {
 }
 
 TEST(FlareColours, AreUsedInListOrderWithoutOneAtZero) {
-    FlareCanvas canvas(1);
-    canvas.setColours({{10, 20, 30, 100}, {200, 100, 0, 180}});
+    FlareCanvas canvas;
+    canvas.draw({.colours = {{10, 20, 30, 100}, {200, 100, 0, 180}}});
     const FlareState& state = canvas.state();
     // 80 to 180 in the longest step, then on to 255 at the last value.
     EXPECT_EQ(state.samples[0].front(), (CurveSample{30, 100}));
@@ -74,16 +74,16 @@ TEST(FlareColours, AreUsedInListOrderWithoutOneAtZero) {
     EXPECT_EQ(state.samples[2].back().value, 200);
     EXPECT_EQ(state.samples[2].size(), 191u + 76u);
     EXPECT_EQ(state.sampleStep[2], 1);
-    canvas.setColours({{10, 20, 30, 0}, {200, 100, 0, 255}});
+    canvas.draw({.colours = {{10, 20, 30, 0}, {200, 100, 0, 255}}});
     EXPECT_EQ(canvas.state().samples[1].size(), 256u);
-    canvas.releaseColours();
+    canvas.draw({});
     EXPECT_TRUE(canvas.state().samples[1].empty());
     EXPECT_EQ(canvas.state().sampleStep[1], 0);
 }
 
 TEST(FlareColours, AtAbsurdPlacesStayWithinReason) {
-    FlareCanvas canvas(1);
-    canvas.setColours({{10, 20, 30, NAN}, {200, 100, 0, 1e30f}, {1, 2, 3, -INFINITY}});
+    FlareCanvas canvas;
+    canvas.draw({.colours = {{10, 20, 30, NAN}, {200, 100, 0, 1e30f}, {1, 2, 3, -INFINITY}}});
     EXPECT_LT(canvas.state().samples[0].size(), size_t{1} << 24);
 }
 
@@ -96,6 +96,7 @@ TEST(LensFlare, WithoutAnImageIsAcceptedAndPaintsNothing) {
     engine.unload();
     FlareCanvas canvas(engine);
     for (const FlareElement& element : test::oneOfEachKind()) canvas.draw(element);
+    EXPECT_EQ(lensFlare(engine, test::oneOfEachKind()), kStatusNoImage);
     EXPECT_EQ(pixels, std::vector<Pixel>(100, kBlack));
 }
 
@@ -112,26 +113,19 @@ TEST(LensFlare, IsTheSameForAnyBands) {
         SCOPED_TRACE(int(element.kind));
         test::expectSameForAnyBands([&](ImageEngine& engine) {
             if (Status state = engine.imageStatus()) return state;
-            FlareCanvas canvas(engine);
-            canvas.setColours({{255, 0, 0, 0}, {0, 255, 0, 90}, {255, 255, 255, 255}});
             FlareElement placed = element;
             placed.origin = {engine.buffer()->height / 2, engine.buffer()->width / 2};
-            canvas.draw(placed);
-            return kStatusOk;
+            placed.colours = {{255, 0, 0, 0}, {0, 255, 0, 90}, {255, 255, 255, 255}};
+            return lensFlare(engine, {&placed, 1});
         });
     }
 }
 
-TEST(LensFlare, LaterElementsLieOverEarlierOnes) {
-    const FlareElement disc{.origin = {5, 5}, .brightness = 255, .radius = 4};
-    const Picture both = Picture(11, 11).after([&](ImageEngine& engine) {
-        FlareCanvas canvas(engine);
-        canvas.setColours({{255, 0, 0, 0}});
-        canvas.draw(disc);
-        canvas.setColours({{0, 255, 0, 0}});
-        canvas.draw(disc);
-        return kStatusOk;
-    });
+TEST(LensFlare, PaintsLaterElementsOverEarlierOnes) {
+    std::vector<FlareElement> discs(2, {.origin = {5, 5}, .brightness = 255, .radius = 4});
+    discs[0].colours = {{255, 0, 0, 0}};
+    discs[1].colours = {{0, 255, 0, 0}};
+    const Picture both = Picture(11, 11).after([&](ImageEngine& engine) { return lensFlare(engine, discs); });
     EXPECT_EQ(both.at(5, 5), (Pixel{0, 255, 0, 255}));
 }
 

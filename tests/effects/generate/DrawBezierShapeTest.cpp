@@ -2,7 +2,7 @@
 
 #include "core/Random.h"
 #include "effects/generate/BezierOutline.h"
-#include "effects/generate/BezierShape.h"
+#include "krlimage/generate.h"
 #include "reference/FlareReference.h"
 #include "support/Picture.h"
 

@@ -1,17 +1,16 @@
-#include "effects/fields/Sizes.h"
-
-#include <algorithm>
-
+#include "catalogue/Catalogue.h"
+#include "catalogue/NewPicture.h"
 #include "core/Bands.h"
 #include "core/PixelWord.h"
-#include "core/Scratch.h"
+#include "krlimage/fields.h"
 
+/// Halves a picture: every pixel of the half is the mean of a block of 2 by 2 pixels.
 namespace krl {
 
 namespace {
 
-/// The mean of four pixels, byte by byte and rounded down: two bytes at a time in the halves of a
-/// word, where sums of four have room.
+/// (a + b + c + d) / 4, byte by byte and rounded down: two bytes at a time in the halves of a word, where
+/// sums of four have room.
 uint32_t meanWord(uint32_t a, uint32_t b, uint32_t c, uint32_t d) {
     constexpr uint32_t kEvenBytes = 0x00FF00FF;
     const uint32_t even = (a & kEvenBytes) + (b & kEvenBytes) + (c & kEvenBytes) + (d & kEvenBytes);
@@ -57,21 +56,28 @@ Status halfSize(const ImageEngine& engine, const NewImage& half) {
     });
 }
 
-Status drawCheckerBox(ImageEngine& engine, int32_t size, Colour cOne, Colour cTwo) {
-    if (Status state = engine.imageStatus()) return state;
-    const ImageBuffer& image = *engine.buffer();
-    const int32_t side = std::clamp(size, 1, std::max({1, image.width, image.height}));
-    // One row of tiles and a further tile: rows of odd tiles start one tile along.
-    const Scratch<Colour> tiles(size_t(image.width) + size_t(side));
-    for (size_t x = 0; x < tiles.size(); ++x) tiles[x] = x / size_t(side) % 2 == 0 ? cOne : cTwo;
+namespace {
 
-    for (int32_t y = 0; y < image.height; ++y) {
-        const Colour* colours = tiles.data() + (y / side % 2 == 0 ? 0 : side);
-        Pixel* row = image.row(y);
-        for (int32_t x = 0; x < image.width; ++x)
-            row[x] = {colours[x].blue(), colours[x].green(), colours[x].red(), row[x].alpha};
-    }
-    return kStatusOk;
+Outcome halvePicture(Call& call) {
+    ImageInfo half;
+    Status status = halfSizeInfo(*call.engine(), half);
+    if (status != kStatusOk) return failure(call.method().failedText());
+    NewPicture frame(call, half.width, half.height);
+    status = halfSize(*call.engine(), frame.image());
+    if (status != kStatusOk) return failure(call.method().failedText());
+    call.caller().givePicture("frame", frame.give());
+    return succeeded();
+}
+
+}  // namespace
+
+void describeHalfSize(Catalogue& catalogue) {
+    catalogue.add("krlImageHalfSize")
+        .summary("Makes a new picture of half the width and height.")
+        .givesPicture("frame", "the new picture")
+        .failed("Failed Half Size Check function (Image)")
+        .dependsOnBands()
+        .does(halvePicture);
 }
 
 }  // namespace krl

@@ -1,5 +1,3 @@
-#include "effects/generate/BezierShape.h"
-
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -7,11 +5,16 @@
 #include <limits>
 #include <vector>
 
+#include "catalogue/Catalogue.h"
+#include "catalogue/PropertyReader.h"
 #include "core/Numbers.h"
 #include "core/Scratch.h"
 #include "effects/generate/BezierOutline.h"
 #include "kernels/path/DigitalLine.h"
+#include "krlimage/generate.h"
 
+/// Replaces the picture's colours by a matte of one closed Bezier shape: its antialiased outline, and its
+/// inside in blue.
 namespace krl {
 
 namespace {
@@ -191,6 +194,47 @@ Status drawBezierShape(ImageEngine& engine, std::span<const BezierSegment> segme
     drawOutline(image, points);
     fill.paint(image);
     return kStatusOk;
+}
+
+namespace {
+
+constexpr Property<BezierSegment> kSegmentProperties[] = {property<&BezierSegment::vertex>("vertex"),
+                                                          property<&BezierSegment::handle1>("handle1"),
+                                                          property<&BezierSegment::handle2>("handle2")};
+
+/// The pieces of a closed outline: each ends where the next begins, the last at the first. A point that is
+/// missing or of another kind counts as (0, 0).
+std::vector<BezierSegment> readSegments(const Call& call, const ValueHandle& list) {
+    std::vector<BezierSegment> segments;
+    const int32_t count = call.countElements(list);
+    for (int32_t i = 1; i <= count; ++i) {
+        HeldValue entry(call.caller());
+        BezierSegment& segment = segments.emplace_back();
+        if (call.element(list, i, entry) != kCallOk) continue;
+        for (const auto& point : kSegmentProperties) point.read(call, *entry, segment);
+    }
+    for (size_t i = 0; i < segments.size(); ++i) segments[i].end = segments[(i + 1) % segments.size()].vertex;
+    return segments;
+}
+
+Outcome drawShape(Call& call) {
+    const Status status = drawBezierShape(*call.engine(), readSegments(call, call.raw(0)));
+    return status == kStatusOk ? succeeded() : failure(call.method().failedText());
+}
+
+}  // namespace
+
+void describeDrawBezierShape(Catalogue& catalogue) {
+    catalogue.add("krlImageDrawBezierShape")
+        .summary("Replaces the picture's colours by a matte of one closed Bezier shape.")
+        .value("bezierList",
+               "[[#vertex: point(280, 200), #handle1: point(80, 130), #handle2: point(200, -180)], "
+               "[#vertex: point(280, -60), #handle1: point(-280, 210), #handle2: point(200, 180)]]",
+               "the pieces in order, each with #vertex, #handle1 from the vertex and #handle2 from "
+               "the first handle; (0, 0) is 200 columns in and 200 rows above the bottom edge, "
+               "rows upward")
+        .failed("Failed Draw Bezier Shape function (Image)")
+        .does(drawShape);
 }
 
 }  // namespace krl

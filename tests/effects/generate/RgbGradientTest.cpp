@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "effects/generate/Gradient.h"
+#include "krlimage/generate.h"
 #include "support/Picture.h"
 
 namespace krl::test {
@@ -11,8 +11,10 @@ constexpr Pixel kBefore{7, 7, 7, 99};
 
 Picture gradient(int32_t width, int32_t height, GradientType type, std::vector<CurveKey> keys) {
     Picture picture(width, height, kBefore);
-    EXPECT_EQ(rgbGradient(sharedTables(), picture.pixels().data(), width, height, std::move(keys), type),
-              kStatusOk);
+    const auto paint = [&](ImageEngine& engine) {
+        return rgbGradient(engine, picture.pixels().data(), width, height, std::move(keys), type);
+    };
+    EXPECT_EQ(picture.apply(paint), kStatusOk);
     return picture;
 }
 
@@ -77,8 +79,9 @@ TEST(Gradient, InStraightLinesStoresTheLowByte) {
 
 TEST(Gradient, OfNoSizeIsLeftAlone) {
     Pixel pixel = kBefore;
-    EXPECT_EQ(rgbGradient(sharedTables(), &pixel, 0, 5, {grey(1, 0)}, GradientType::linear), kStatusOk);
-    EXPECT_EQ(rgbGradient(sharedTables(), &pixel, -3, 5, {}, GradientType::curved), kStatusOk);
+    const ImageEngine engine;
+    EXPECT_EQ(rgbGradient(engine, &pixel, 0, 5, {grey(1, 0)}, GradientType::linear), kStatusOk);
+    EXPECT_EQ(rgbGradient(engine, &pixel, -3, 5, {}, GradientType::curved), kStatusOk);
     EXPECT_EQ(pixel, kBefore);
 }
 

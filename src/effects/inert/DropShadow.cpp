@@ -1,0 +1,36 @@
+#include "catalogue/Call.h"
+#include "catalogue/Catalogue.h"
+
+/// Makes a new picture of the loaded one's size, as the caller makes pictures, and paints nothing into it.
+namespace krl {
+
+namespace {
+
+Outcome dropShadow(Call& call) {
+    const ImageInfo& info = call.engine()->getImageInfo();
+    Caller& caller = call.caller();
+    ValueHandle frame;
+    if (caller.makePicture(info.width, info.height, frame) != kCallOk)
+        return failure(call.method().failedText());
+    caller.givePicture("frame", frame);
+    // Nothing is painted, but hosts see the picture locked and unlocked.
+    uint8_t* pixels = nullptr;
+    caller.lockPicture(frame, pixels);
+    caller.unlockPicture(frame);
+    return succeeded();
+}
+
+}  // namespace
+
+void describeDropShadow(Catalogue& catalogue) {
+    catalogue.add("krlImageDropShadow")
+        .summary("Makes a new picture of the loaded one's size; the loaded one is not changed.")
+        .integer("blur", {.from = 0, .to = 50, .example = 5}, "a radius in pixels")
+        .integer("expand", {.from = 0, .to = 50, .example = 5}, "a distance in pixels")
+        .givesPicture("frame", "the new picture")
+        .inputFailure("Drop Shadow input failure (Image)")
+        .failed("Failed Drop Shadow function (Image)")
+        .does(dropShadow);
+}
+
+}  // namespace krl
