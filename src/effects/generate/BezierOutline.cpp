@@ -8,14 +8,14 @@ namespace krl {
 
 namespace {
 
-/// Where a script's (0, 0) lies, in pixels from the bottom left corner.
+/// The place of a script's (0, 0), in pixels from the bottom left corner.
 constexpr int32_t kMargin = 200;
 
 /// Ratio of length to bend, squared, from which a piece counts as straight.
 constexpr double kFlatness = 20.0;
 
-/// More halvings in a row, and more pieces of a curve, than any that fits a picture has need of. Far outside
-/// single precision is so coarse that pieces would go on bending to the last.
+/// More halvings in a row, and more pieces of a curve, than any curve that fits a picture needs. Far outside
+/// the picture single precision is so coarse that a piece may never become flat.
 constexpr int32_t kMostHalvings = 48;
 constexpr size_t kMostPieces = 1 << 14;
 

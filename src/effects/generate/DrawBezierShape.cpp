@@ -27,7 +27,7 @@ constexpr int32_t kRadius = 6;
 constexpr float kCoverageWeight = 255.0f / (kScale * kScale);
 
 /// Pixel rows that the outline is drawn in at a time: the mask of so many stays in the cache.
-constexpr int32_t kStripRows = 32;
+constexpr int32_t kTileRows = 32;
 
 /// One row of the disc that draws the outline: columns from the centre's, the high one exclusive. The disc
 /// leaves out its last row and column.
@@ -46,13 +46,13 @@ std::array<DiscRow, 2 * kRadius> discRows() {
     return rows;
 }
 
-/// The outline, as cells set in a mask of four by four to a pixel, for one strip of pixel rows at a time.
-class OutlineStrip {
+/// The outline, as cells set in a mask of four by four to a pixel, one tile of whole pixel rows at a time.
+class OutlineTile {
 public:
-    explicit OutlineStrip(const ImageBuffer& image)
+    explicit OutlineTile(const ImageBuffer& image)
         : maskWidth_(image.width * kScale),
           maskHeight_(image.height * kScale),
-          cells_(size_t(maskWidth_) * kScale * size_t(std::min(kStripRows, image.height))),
+          cells_(size_t(maskWidth_) * kScale * size_t(std::min(kTileRows, image.height))),
           disc_(discRows()) {}
 
     /// Draws the lines between consecutive `points` as far as they touch pixel rows `first` to `last` - 1.
@@ -101,11 +101,11 @@ private:
 };
 
 void drawOutline(const ImageBuffer& image, const std::vector<Point>& points) {
-    OutlineStrip strip(image);
-    for (int32_t first = 0; first < image.height; first += kStripRows) {
-        const int32_t last = std::min(first + kStripRows, image.height);
-        strip.stroke(points, first, last);
-        for (int32_t y = first; y < last; ++y) strip.reduce(y, image.row(y));
+    OutlineTile tile(image);
+    for (int32_t first = 0; first < image.height; first += kTileRows) {
+        const int32_t last = std::min(first + kTileRows, image.height);
+        tile.stroke(points, first, last);
+        for (int32_t y = first; y < last; ++y) tile.reduce(y, image.row(y));
     }
 }
 

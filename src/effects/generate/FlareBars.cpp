@@ -57,7 +57,7 @@ Bar barOf(const FlareState& state, const FlareElement& element) {
 
 enum class BarAxis { Oblique, Horizontal, Vertical, None };
 
-/// Upright bars stand only at the angles that are known here; at any other whole quarter there is nothing.
+/// Upright bars exist only at these angles; at any other multiple of 90 degrees nothing is painted.
 BarAxis axisOf(const FlareElement& element) {
     const float angle = element.angle;
     if (!std::isfinite(angle) || std::fmod(angle, 90.0f) != 0) return BarAxis::Oblique;

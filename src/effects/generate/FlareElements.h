@@ -47,8 +47,8 @@ inline GridBox boxAround(const FlareState& state, Point centre, double reach) {
     return {columns.first, rows.first, columns.last, rows.last};
 }
 
-/// Calls `work(part)` for the boxes that the bands cut `box` into by rows. An element has no way to
-/// tell of bands that could not be had: it stays unfinished.
+/// Calls `work(part)` for the boxes that the bands cut `box` into by rows. If a band's task or thread cannot
+/// be created, the element stays unfinished: elements have no failures.
 template <class Work>
 void forEachBandOfRows(const FlareState& state, const GridBox& box, Work&& work) {
     if (box.isEmpty()) return;

@@ -90,8 +90,8 @@ struct Ring {
     double slope = 0;
 };
 
-/// Paints rings around one centre, each covered pixel once. The octants are told apart by which of the two
-/// distances along the axes is the shorter; it is the column of the octant, the longer one its row.
+/// Paints rings around one centre, each covered pixel once. The shorter of a pixel's two distances along the
+/// axes is the column of its octant, the longer one its row.
 class RingPainter {
 public:
     RingPainter(const FlareState& state, const FlareElement& circle, std::span<const Ring> rings)

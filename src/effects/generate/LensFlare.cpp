@@ -12,7 +12,7 @@ namespace {
 /// The last place of a ramp.
 constexpr int32_t kRampEnd = 255;
 
-/// A ramp takes as many samples as its keys lie apart, so places that no ramp can show are drawn in.
+/// A ramp has as many samples as its keys are apart, so keys beyond any that a ramp can show are moved in.
 constexpr float kFarthestKey = 1 << 20;
 
 float limitedPosition(float position) {

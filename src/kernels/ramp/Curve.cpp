@@ -24,110 +24,42 @@ CurveKey keyAt(CurveKey key, float position) {
 
 RampColour colourOf(const CurveKey& key) { return {key.channel(0), key.channel(1), key.channel(2)}; }
 
-}  // namespace
+using Knots = std::vector<float>;
 
-void sortCurveKeys(std::span<CurveKey> keys) {
-    bool swapped = true;
-    for (size_t end = keys.size(); end > 1 && swapped; --end) {
-        swapped = false;
-        for (size_t j = 0; j + 1 < end; ++j) {
-            if (!(keys[j + 1].position < keys[j].position)) continue;
-            keys[j].position = static_cast<float>(truncate(keys[j].position));
-            std::swap(keys[j], keys[j + 1]);
-            swapped = true;
-        }
-    }
-}
+/// A natural cubic spline through knots in the plane. Its tangents solve a system with three diagonals.
+class CurveSpline {
+public:
+    explicit CurveSpline(std::span<const CurveSample> knots);
 
-std::vector<CurveKey> padCurveKeys(std::span<const CurveKey> keys, int32_t end) {
-    const auto endPosition = static_cast<float>(end);
-    const auto hasKeyAt = [&](float position) {
-        return std::ranges::any_of(keys, [=](const CurveKey& key) { return key.position == position; });
-    };
-    std::vector<CurveKey> padded;
-    padded.reserve(keys.size() + 2);
-    if (!hasKeyAt(0.0f)) padded.push_back(keyAt(keys.empty() ? CurveKey{} : keys.front(), 0.0f));
-    padded.insert(padded.end(), keys.begin(), keys.end());
-    if (!hasKeyAt(endPosition)) padded.push_back(keyAt(keys.empty() ? CurveKey{} : keys.back(), endPosition));
-    for (size_t i = 1; i < padded.size(); ++i)
-        if (padded[i].position == padded[i - 1].position) padded[i].position += 1.0f;
-    return padded;
-}
+    /// The samples of all segments, one after another.
+    std::vector<CurveSample> samples() const;
 
-std::vector<CurveSample> buildChannelCurve(std::span<const CurveKey> keys, int32_t channel, int32_t end) {
-    if (keys.empty()) return {};
-    std::vector<CurveSample> knots;
-    knots.reserve(keys.size() + 1);
-    for (const CurveKey& key : keys) knots.push_back({key.channel(channel), truncate(key.position)});
-    if (keys.back().position != static_cast<float>(end)) knots.push_back({knots.back().value, end});
+private:
+    size_t segmentCount() const { return x_.empty() ? 0 : x_.size() - 1; }
+    /// Steps in which segment `i` is drawn: the longer of its two differences.
+    int64_t stepsOf(size_t i) const;
+    void appendSegment(size_t i, std::vector<CurveSample>& samples) const;
+    void takeDifferences();
+    void buildSystem();
+    void solveTangents(Knots& tangent, Knots& endTangent, const Knots& difference) const;
 
-    CurveSpline spline(knots);
-    spline.solve();
-    const int64_t count = spline.countSamples();
-    if (count > kMostSamples) throw std::bad_alloc();
-    std::vector<CurveSample> samples(static_cast<size_t>(count));
-    int64_t counter = 0;
-    spline.sample(samples.data(), counter);
-    return samples;
-}
-
-int32_t linearKeyValue(int32_t x, int32_t segment, std::span<const CurveKey> keys, int32_t channel) {
-    if (keys.size() < 2) return keys.empty() ? 0 : keys.front().channel(channel);
-    const auto far = static_cast<size_t>(clampTo(segment, 1, static_cast<int32_t>(keys.size()) - 1));
-    const CurveKey& from = keys[far - 1];
-    const CurveKey& to = keys[far];
-    const double rise = static_cast<double>(to.channel(channel)) - from.channel(channel);
-    const auto slope = static_cast<float>(rise / (double{to.position} - from.position));
-    const auto intercept = static_cast<float>(from.channel(channel) - double{slope} * from.position);
-    return truncate(x * double{slope} + intercept);
-}
-
-std::vector<RampColour> linearRamp(std::span<const CurveKey> keys, int32_t length) {
-    std::vector<RampColour> ramp;
-    ramp.reserve(static_cast<size_t>(std::max(length, 0)));
-    size_t segment = 0;
-    for (int32_t x = 0; x < length; ++x) {
-        if (segment < keys.size() && truncate(keys[segment].position) == x) {
-            ramp.push_back(colourOf(keys[segment++]));
-            continue;
-        }
-        const auto value = [&](int32_t channel) {
-            return linearKeyValue(x, static_cast<int32_t>(segment), keys, channel);
-        };
-        ramp.push_back({value(0), value(1), value(2)});
-    }
-    return ramp;
-}
-
-/// One span: the way it goes, its tangents at both ends, and in how many steps it is drawn.
-struct CurveSpline::HermiteSegment {
-    float dx, dy;
-    float startTangentX, startTangentY, endTangentX, endTangentY;
-    int64_t steps;
-
-    HermiteSegment(float dxIn, float dyIn, float startX, float startY, float endX, float endY)
-        : dx(dxIn),
-          dy(dyIn),
-          startTangentX(startX),
-          startTangentY(startY),
-          endTangentX(endX),
-          endTangentY(endY),
-          steps(std::max<int64_t>(1, std::max(magnitude(truncate(dx)), magnitude(truncate(dy))))) {}
+    Knots x_, y_;       ///< knots
+    Knots dx_, dy_;     ///< from each knot to the next
+    Knots chordRatio_;  ///< chord of a segment over the next one's
+    Knots subDiagonal_, mainDiagonal_, superDiagonal_;
+    Knots tangentX_, tangentY_;
+    Knots endTangentX_, endTangentY_;  ///< tangent at the far end of a segment, in its own parameter
 };
 
-CurveSpline::CurveSpline(std::span<const CurveSample> knots)
-    : knotCount_(static_cast<int32_t>(knots.size())) {
-    for (Knots* array : {&x_, &y_, &dx_, &dy_, &tangentX_, &tangentY_, &endTangentX_, &endTangentY_,
-                         &chordRatio_, &subDiagonal_, &mainDiagonal_, &superDiagonal_})
+CurveSpline::CurveSpline(std::span<const CurveSample> knots) {
+    for (Knots* array : {&x_, &y_, &dx_, &dy_, &chordRatio_, &subDiagonal_, &mainDiagonal_, &superDiagonal_,
+                         &tangentX_, &tangentY_, &endTangentX_, &endTangentY_})
         array->resize(knots.size());
     for (size_t i = 0; i < knots.size(); ++i) {
         x_[i] = static_cast<float>(knots[i].position);
         y_[i] = static_cast<float>(knots[i].value);
     }
-}
-
-void CurveSpline::solve() {
-    if (knotCount_ < 2) return;
+    if (segmentCount() == 0) return;
     takeDifferences();
     buildSystem();
     solveTangents(tangentX_, endTangentX_, dx_);
@@ -135,15 +67,15 @@ void CurveSpline::solve() {
 }
 
 void CurveSpline::takeDifferences() {
-    const size_t spans = x_.size() - 1;
-    std::vector<double> chord(spans);
-    for (size_t i = 0; i < spans; ++i) {
+    const size_t segments = segmentCount();
+    std::vector<double> chord(segments);
+    for (size_t i = 0; i < segments; ++i) {
         dx_[i] = static_cast<float>(double{x_[i + 1]} - x_[i]);
         dy_[i] = static_cast<float>(double{y_[i + 1]} - y_[i]);
         chord[i] = std::sqrt(double{dx_[i]} * dx_[i] + double{dy_[i]} * dy_[i]);
     }
-    for (size_t i = 0; i + 1 < spans; ++i) chordRatio_[i] = static_cast<float>(chord[i] / chord[i + 1]);
-    chordRatio_[spans - 1] = 1.0f;
+    for (size_t i = 0; i + 1 < segments; ++i) chordRatio_[i] = static_cast<float>(chord[i] / chord[i + 1]);
+    chordRatio_[segments - 1] = 1.0f;
 }
 
 void CurveSpline::buildSystem() {
@@ -185,36 +117,104 @@ void CurveSpline::solveTangents(Knots& tangent, Knots& endTangent, const Knots& 
         endTangent[i] = static_cast<float>(double{tangent[i + 1]} * chordRatio_[i]);
 }
 
-CurveSpline::HermiteSegment CurveSpline::segment(int32_t span) const {
-    const auto i = static_cast<size_t>(span);
-    return {dx_[i], dy_[i], tangentX_[i], tangentY_[i], endTangentX_[i], endTangentY_[i]};
+int64_t CurveSpline::stepsOf(size_t i) const {
+    return std::max({int64_t{1}, magnitude(truncate(dx_[i])), magnitude(truncate(dy_[i]))});
 }
 
-int64_t CurveSpline::countSamples() const {
+std::vector<CurveSample> CurveSpline::samples() const {
     int64_t count = 0;
-    for (int32_t span = 0; span + 1 < knotCount_; ++span) count += segment(span).steps + 1;
-    return count;
+    for (size_t i = 0; i < segmentCount(); ++i) count += stepsOf(i) + 1;
+    if (count > kMostSamples) throw std::bad_alloc();
+    std::vector<CurveSample> samples;
+    samples.reserve(static_cast<size_t>(count));
+    for (size_t i = 0; i < segmentCount(); ++i) appendSegment(i, samples);
+    return samples;
 }
 
-void CurveSpline::sample(CurveSample* out, int64_t& counter) const {
-    for (int32_t span = 0; span + 1 < knotCount_; ++span) {
-        const HermiteSegment s = segment(span);
-        const double startX = x_[static_cast<size_t>(span)], startY = y_[static_cast<size_t>(span)];
-        out[counter++] = {truncate(startY), truncate(startX)};
-        const double step = 1.0 / static_cast<double>(s.steps);
-        for (int64_t k = 1; k <= s.steps; ++k) {
-            const auto t = static_cast<float>(step * static_cast<double>(k));
-            const double square = double{t} * t, back = t - 1.0;
-            const auto h = static_cast<float>((3.0 - 2.0 * t) * square);
-            const auto a = static_cast<float>(t * (back * back));
-            const auto b = static_cast<float>(square * back);
-            const double y =
-                startY + double{h} * s.dy + double{a} * s.startTangentY + double{b} * s.endTangentY;
-            const double x =
-                startX + double{h} * s.dx + double{a} * s.startTangentX + double{b} * s.endTangentX;
-            out[counter++] = {truncate(y), truncate(x)};
+/// Hermite form: p(t) = p0 + h d + a m0 + b m1, with h = (3 - 2t) t^2, a = t (t - 1)^2, b = t^2 (t - 1).
+void CurveSpline::appendSegment(size_t i, std::vector<CurveSample>& samples) const {
+    const double startX = x_[i], startY = y_[i];
+    samples.push_back({truncate(startY), truncate(startX)});
+    const int64_t steps = stepsOf(i);
+    const double step = 1.0 / static_cast<double>(steps);
+    for (int64_t k = 1; k <= steps; ++k) {
+        const auto t = static_cast<float>(step * static_cast<double>(k));
+        const double square = double{t} * t, back = t - 1.0;
+        const auto h = static_cast<float>((3.0 - 2.0 * t) * square);
+        const auto a = static_cast<float>(t * (back * back));
+        const auto b = static_cast<float>(square * back);
+        const double y = startY + double{h} * dy_[i] + double{a} * tangentY_[i] + double{b} * endTangentY_[i];
+        const double x = startX + double{h} * dx_[i] + double{a} * tangentX_[i] + double{b} * endTangentX_[i];
+        samples.push_back({truncate(y), truncate(x)});
+    }
+}
+
+}  // namespace
+
+void sortCurveKeys(std::span<CurveKey> keys) {
+    bool swapped = true;
+    for (size_t end = keys.size(); end > 1 && swapped; --end) {
+        swapped = false;
+        for (size_t j = 0; j + 1 < end; ++j) {
+            if (!(keys[j + 1].position < keys[j].position)) continue;
+            keys[j].position = static_cast<float>(truncate(keys[j].position));
+            std::swap(keys[j], keys[j + 1]);
+            swapped = true;
         }
     }
+}
+
+std::vector<CurveKey> padCurveKeys(std::span<const CurveKey> keys, int32_t end) {
+    const auto endPosition = static_cast<float>(end);
+    const auto hasKeyAt = [&](float position) {
+        return std::ranges::any_of(keys, [=](const CurveKey& key) { return key.position == position; });
+    };
+    std::vector<CurveKey> padded;
+    padded.reserve(keys.size() + 2);
+    if (!hasKeyAt(0.0f)) padded.push_back(keyAt(keys.empty() ? CurveKey{} : keys.front(), 0.0f));
+    padded.insert(padded.end(), keys.begin(), keys.end());
+    if (!hasKeyAt(endPosition)) padded.push_back(keyAt(keys.empty() ? CurveKey{} : keys.back(), endPosition));
+    for (size_t i = 1; i < padded.size(); ++i)
+        if (padded[i].position == padded[i - 1].position) padded[i].position += 1.0f;
+    return padded;
+}
+
+std::vector<CurveSample> buildChannelCurve(std::span<const CurveKey> keys, int32_t channel, int32_t end) {
+    if (keys.empty()) return {};
+    std::vector<CurveSample> knots;
+    knots.reserve(keys.size() + 1);
+    for (const CurveKey& key : keys) knots.push_back({key.channel(channel), truncate(key.position)});
+    if (keys.back().position != static_cast<float>(end)) knots.push_back({knots.back().value, end});
+
+    return CurveSpline(knots).samples();
+}
+
+int32_t linearKeyValue(int32_t x, int32_t segment, std::span<const CurveKey> keys, int32_t channel) {
+    if (keys.size() < 2) return keys.empty() ? 0 : keys.front().channel(channel);
+    const auto far = static_cast<size_t>(clampTo(segment, 1, static_cast<int32_t>(keys.size()) - 1));
+    const CurveKey& from = keys[far - 1];
+    const CurveKey& to = keys[far];
+    const double rise = static_cast<double>(to.channel(channel)) - from.channel(channel);
+    const auto slope = static_cast<float>(rise / (double{to.position} - from.position));
+    const auto intercept = static_cast<float>(from.channel(channel) - double{slope} * from.position);
+    return truncate(x * double{slope} + intercept);
+}
+
+std::vector<RampColour> linearRamp(std::span<const CurveKey> keys, int32_t length) {
+    std::vector<RampColour> ramp;
+    ramp.reserve(static_cast<size_t>(std::max(length, 0)));
+    size_t segment = 0;
+    for (int32_t x = 0; x < length; ++x) {
+        if (segment < keys.size() && truncate(keys[segment].position) == x) {
+            ramp.push_back(colourOf(keys[segment++]));
+            continue;
+        }
+        const auto value = [&](int32_t channel) {
+            return linearKeyValue(x, static_cast<int32_t>(segment), keys, channel);
+        };
+        ramp.push_back({value(0), value(1), value(2)});
+    }
+    return ramp;
 }
 
 ColourCurve::ColourCurve(std::vector<CurveKey> keys, int32_t end) {

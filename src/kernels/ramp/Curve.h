@@ -8,8 +8,8 @@
 #include "core/Numbers.h"
 #include "krlimage/options.h"
 
-/// The one colour-ramp machine: a few colours at places on a line become a dense ramp, along
-/// straight lines or along a smooth curve.
+/// Colour ramps: a few colours at places on a line become a dense ramp, along straight lines or along a
+/// smooth curve.
 ///
 /// The curve of a channel is drawn in the plane of position and value, not as a function of
 /// position, and its samples are read by their index along the list.
@@ -28,16 +28,18 @@ struct CurveSample {
 void sortCurveKeys(std::span<CurveKey> keys);
 
 /// The sorted `keys` with one at 0 and one at `end` added where there is none, in the colour of
-/// their neighbour (black where there is none), and each key that stands where its predecessor now
-/// stands moved on by 1.
+/// their neighbour (black where there is none). A key at the new place of its predecessor moves on by 1.
 std::vector<CurveKey> padCurveKeys(std::span<const CurveKey> keys, int32_t end);
 
-/// Samples of the curve of `channel` (0 blue, 1 green, 2 red) through `keys`, led on to `end` in the
-/// last key's value where they stop elsewhere. At least two keys or a place to lead to make a curve.
+/// Samples of the curve of `channel` (0 blue, 1 green, 2 red) through `keys`: a natural cubic spline in the
+/// plane of position and value, one segment for each pair of neighbouring keys, its parameter in proportion
+/// to the chords. Where the last key is not at `end`, the curve continues to `end` at its value. A key
+/// between two segments is a sample of both; a single key makes no curve. Throws `std::bad_alloc` where keys
+/// are absurdly far apart.
 std::vector<CurveSample> buildChannelCurve(std::span<const CurveKey> keys, int32_t channel, int32_t end);
 
-/// The value of `channel` at `x` on the straight line between `keys[segment - 1]` and
-/// `keys[segment]`; the nearest span where there is no such pair, INT32_MIN on a span of no width.
+/// The value of `channel` at `x` on the straight line between `keys[segment - 1]` and `keys[segment]`; on the
+/// nearest segment where there is no such pair, INT32_MIN on a segment of no width.
 int32_t linearKeyValue(int32_t x, int32_t segment, std::span<const CurveKey> keys, int32_t channel);
 
 /// Three channels in the order of a pixel's bytes.
@@ -46,38 +48,6 @@ using RampColour = std::array<int32_t, 3>;
 /// The straight-line ramp through sorted and padded `keys` at 0 to `length - 1`: a key's own colour
 /// where the walk along the keys meets it, `linearKeyValue` elsewhere.
 std::vector<RampColour> linearRamp(std::span<const CurveKey> keys, int32_t length);
-
-/// A natural cubic spline in the plane, one span for each pair of neighbouring knots, its
-/// parameter in proportion to the chords.
-class CurveSpline {
-public:
-    explicit CurveSpline(std::span<const CurveSample> knots);
-
-    /// Works out differences, system and tangents.
-    void solve();
-    /// How many samples `sample` writes.
-    int64_t countSamples() const;
-    /// Writes the samples of all spans from `out[counter]` on and advances `counter`. A knot between
-    /// two spans is written by both.
-    void sample(CurveSample* out, int64_t& counter) const;
-
-private:
-    using Knots = std::vector<float>;
-    struct HermiteSegment;
-
-    void takeDifferences();
-    void buildSystem();
-    void solveTangents(Knots& tangent, Knots& endTangent, const Knots& difference) const;
-    HermiteSegment segment(int32_t span) const;
-
-    int32_t knotCount_;
-    Knots x_, y_;    ///< knots
-    Knots dx_, dy_;  ///< from each knot to the next
-    Knots tangentX_, tangentY_;
-    Knots endTangentX_, endTangentY_;  ///< tangent at the far end of a span, in its own parameter
-    Knots chordRatio_;                 ///< chord of a span over the next one's
-    Knots subDiagonal_, mainDiagonal_, superDiagonal_;
-};
 
 /// The three curves of a list of colours.
 class ColourCurve {

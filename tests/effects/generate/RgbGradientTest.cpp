@@ -71,7 +71,7 @@ TEST(Gradient, OnACurveShowsItsFirstPartOnly) {
     EXPECT_NEAR(picture.at(127, 0).red, 127, 1);
 }
 
-// A key left of column 0 is never met, so the walk stays on the first span and leaves the byte.
+// A key left of column 0 is never met, so the walk stays on the first segment and leaves the byte.
 TEST(Gradient, InStraightLinesStoresTheLowByte) {
     EXPECT_EQ(levels(gradient(4, 1, GradientType::linear, {grey(0, -2), grey(200, 0)})),
               (std::vector{200, 200 + 100 - 256, 200 + 200 - 256, 200 + 300 - 256}));

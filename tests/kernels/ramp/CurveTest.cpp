@@ -31,13 +31,13 @@ TEST(CurveKeys, SortByPositionTruncatingWhatMovesUp) {
     EXPECT_EQ(keys[2].red, 1);
 }
 
-TEST(CurveKeys, ThatStandInOrderKeepTheirFractions) {
+TEST(CurveKeys, InOrderKeepTheirFractions) {
     std::vector<CurveKey> keys{grey(1, 0.25f), grey(2, 0.75f), grey(3, 9.5f)};
     sortCurveKeys(keys);
     EXPECT_EQ(positions(keys), (Positions{0.25f, 0.75f, 9.5f}));
 }
 
-// 2.9 moves past 2.5 and becomes 2, which then stands behind 2.5 where it no longer belongs; the
+// 2.9 moves past 2.5 and becomes 2, which is then out of order behind 2.5; the
 // next pass exchanges them again, truncating 2.5.
 TEST(CurveKeys, CanBeExchangedBackAfterATruncation) {
     std::vector<CurveKey> keys{grey(1, 2.9f), grey(2, 2.5f), grey(3, 9.0f)};
@@ -56,7 +56,7 @@ TEST(CurveKeys, OfEqualPositionKeepTheirOrder) {
     EXPECT_EQ(keys[3].red, 4);
 }
 
-TEST(CurveKeys, AreLedToBothEndsInTheirNeighboursColour) {
+TEST(CurveKeys, ArePaddedAtBothEndsInTheirNeighboursColour) {
     const auto padded = padCurveKeys(std::vector{grey(10, 20), grey(30, 80)}, 100);
     EXPECT_EQ(positions(padded), (Positions{0, 20, 80, 100}));
     EXPECT_EQ(padded.front().green, 10);
@@ -93,7 +93,7 @@ TEST(CurveSpline, BetweenTwoKeysIsAlmostStraight) {
     for (size_t k = 0; k < samples.size(); ++k) EXPECT_LE(std::abs(samples[k].value - int(k)), 1);
 }
 
-TEST(CurveSpline, WritesAKnotForBothItsSpans) {
+TEST(CurveSpline, SamplesAKnotInBothItsSegments) {
     const auto samples = buildChannelCurve(std::vector{grey(0, 0), grey(4, 2), grey(0, 7)}, 0, 7);
     ASSERT_EQ(samples.size(), 5u + 6u);
     EXPECT_EQ(samples[0], (CurveSample{0, 0}));
@@ -103,7 +103,7 @@ TEST(CurveSpline, WritesAKnotForBothItsSpans) {
 }
 
 // Three knots in a line of equal steps: every system row is satisfied by the chord, 8, up to what
-// ten sweeps leave, so the middle of each span is half way.
+// ten sweeps leave, so the middle of each segment is half way.
 TEST(CurveSpline, ThroughKnotsInALineStaysOnIt) {
     const auto samples = buildChannelCurve(std::vector{grey(0, 0), grey(8, 8), grey(16, 16)}, 2, 16);
     ASSERT_EQ(samples.size(), 18u);
@@ -122,7 +122,7 @@ TEST(CurveSpline, OvershootsBetweenKeysAndIsNotLimited) {
     EXPECT_GT(most, 255);
 }
 
-TEST(CurveSpline, LeadsOnInTheLastValueWhereTheKeysStopElsewhere) {
+TEST(CurveSpline, ContinuesAtTheLastValueWhereTheKeysStopEarlier) {
     const auto samples = buildChannelCurve(std::vector{grey(9, 0), grey(9, 5)}, 0, 8);
     ASSERT_EQ(samples.size(), 6u + 4u);
     EXPECT_EQ(samples.back(), (CurveSample{9, 8}));
@@ -133,7 +133,7 @@ TEST(CurveSpline, OfOneKnotHasNoSamples) {
     EXPECT_TRUE(buildChannelCurve({}, 0, 8).empty());
 }
 
-TEST(CurveSpline, DrawsASpanWithoutLengthInOneStep) {
+TEST(CurveSpline, DrawsASegmentWithoutLengthInOneStep) {
     const auto samples = buildChannelCurve(std::vector{grey(9, 8), grey(9, 8)}, 0, 8);
     ASSERT_EQ(samples.size(), 2u);
     EXPECT_EQ(samples.front(), (CurveSample{9, 8}));
@@ -147,11 +147,11 @@ TEST(LinearKeyValue, LiesOnTheLineBetweenItsKeys) {
     const std::vector keys{grey(0, 0), grey(100, 10), grey(40, 16)};
     EXPECT_EQ(linearKeyValue(3, 1, keys, 0), 30);
     EXPECT_EQ(linearKeyValue(13, 2, keys, 1), 70);
-    EXPECT_EQ(linearKeyValue(3, 0, keys, 2), 30) << "before the first span";
-    EXPECT_EQ(linearKeyValue(13, 7, keys, 2), 70) << "after the last span";
+    EXPECT_EQ(linearKeyValue(3, 0, keys, 2), 30) << "before the first segment";
+    EXPECT_EQ(linearKeyValue(13, 7, keys, 2), 70) << "after the last segment";
 }
 
-TEST(LinearKeyValue, IsTheLeastIntegerOnASpanOfNoWidth) {
+TEST(LinearKeyValue, IsTheLeastIntegerOnASegmentOfNoWidth) {
     for (float place : {0.0f, 7.0f, -7.0f})
         for (int32_t x : {0, 7, 20})
             EXPECT_EQ(linearKeyValue(x, 1, std::vector{grey(1, place), grey(9, place)}, 0),
