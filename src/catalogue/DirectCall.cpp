@@ -146,8 +146,16 @@ CallResult callMethod(const Method& method, ImageEngine& engine, const std::vect
     if (outcome.message) {
         result = {};
         result.error = outcome.message;
+        result.code = outcome.code;
     }
     return result;
+}
+
+void chooseBands(ImageEngine& engine, const Method& method, int32_t bands) {
+    if (bands > 0)
+        engine.setThreadCount(bands);
+    else
+        engine.configureExecution(method.resultDependsOnBands());
 }
 
 }  // namespace krl

@@ -13,6 +13,8 @@ namespace krl {
 struct CallResult {
     /// Why it failed, in the words that scripts get in `error`; empty for a success.
     std::string error;
+    /// `kCallOutOfMemory` for a failure whose cause was that; other failures may leave it 0.
+    CallCode code = kCallOk;
     /// Entries of the result beside `error`, in order.
     std::vector<std::pair<std::string, Value>> entries;
     /// The new pictures of a method whose result is a list of them.
@@ -27,5 +29,10 @@ struct CallResult {
 /// happens is what happens on a script's call, in the same order. A method that manages the engine fails.
 /// Pictures in `arguments` stay their owners'; a method may write one that it is given to change.
 CallResult callMethod(const Method& method, ImageEngine& engine, const std::vector<Value>& arguments);
+
+/// The rule for programs that promise the same result on every machine: sets the bands that `method` runs on
+/// to `bands`, or for 0 to one for each processor, except that a method whose definition contains the bands
+/// then runs on one.
+void chooseBands(ImageEngine& engine, const Method& method, int32_t bands);
 
 }  // namespace krl

@@ -18,11 +18,15 @@ struct Symbol {
     std::string name;
 };
 
+/// The bytes of a pixel in address order.
+enum class PixelOrder : int32_t { BGRA, RGBA };
+
 /// A picture in memory. `owner` keeps memory alive that the picture brought along; for a caller's own memory
-/// it is empty.
+/// it is empty. Methods take pictures as BGRA: who passes another order on converts it.
 struct Picture {
     uint8_t* pixels = nullptr;
     ImageInfo info;
+    PixelOrder order = PixelOrder::BGRA;
     std::shared_ptr<uint8_t[]> owner;
 
     /// A picture of rows without padding, every byte `level`. Throws `std::bad_alloc`.

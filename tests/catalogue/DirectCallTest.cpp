@@ -66,5 +66,17 @@ TEST_F(DirectCalls, DoNotManageTheEngine) {
     EXPECT_TRUE(call("brightness", "[40, #RGB]").ok());
 }
 
+TEST_F(DirectCalls, ChooseBandsSoThatNoResultDependsOnTheMachine) {
+    for (const Method* method : catalogue().methods()) {
+        engine_.configureExecution(false);
+        const int32_t processors = engine_.getThreadCount();
+        chooseBands(engine_, *method, 0);
+        EXPECT_EQ(engine_.getThreadCount(), method->resultDependsOnBands() ? 1 : processors)
+            << method->name();
+        chooseBands(engine_, *method, 7);
+        EXPECT_EQ(engine_.getThreadCount(), 7) << method->name();
+    }
+}
+
 }  // namespace
 }  // namespace krl
