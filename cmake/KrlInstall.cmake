@@ -3,7 +3,7 @@
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
-set_target_properties(krlengine PROPERTIES EXPORT_NAME engine OUTPUT_NAME krlimage)
+set_target_properties(krlengine PROPERTIES EXPORT_NAME engine)
 target_compile_features(krlengine PUBLIC cxx_std_20)
 target_include_directories(krlengine PUBLIC
   $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/krlimage>)

@@ -182,10 +182,16 @@ const char* Method::inputFailureText(const Argument& argument) const {
     return argument.inputFailure ? argument.inputFailure : inputFailure_;
 }
 
-bool Method::needsSecondPicture() const {
+const Argument* Method::firstPicture() const {
     for (const Argument& argument : arguments_)
-        if (argument.kind == ArgumentKind::SecondImage) return true;
-    return false;
+        if (argument.kind == ArgumentKind::SecondImage) return &argument;
+    return nullptr;
+}
+
+bool Method::needsSecondPicture() const { return firstPicture() != nullptr; }
+
+const Argument* Method::changedPicture() const {
+    return leavesPicture_ && !makesPicture() && results_.empty() ? firstPicture() : nullptr;
 }
 
 bool Method::fitsEffect() const {

@@ -258,6 +258,9 @@ public:
     const char* pictureKey() const { return pictureKey_; }
     bool makesPicture() const { return pictureKey_ || pictureList_; }
     bool needsSecondPicture() const;
+    /// The argument whose picture changes in place of the loaded one, or null: a method that leaves that one
+    /// alone and gives nothing back works on its first picture.
+    const Argument* changedPicture() const;
     bool isSilent() const { return silent_; }
     bool runsWithoutEngine() const { return withoutEngine_; }
     bool makesHostQuery() const { return asksPlayer_; }
@@ -273,6 +276,7 @@ private:
     friend Method method(const char* name, Status (*effect)(ImageEngine&, Parameters...));
 
     Argument& last() { return arguments_.back(); }
+    const Argument* firstPicture() const;
     Argument& add(ArgumentKind kind, const char* name, const char* meaning);
 
     const char* name_;
