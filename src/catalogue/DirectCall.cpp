@@ -1,5 +1,6 @@
 #include "catalogue/DirectCall.h"
 
+#include <algorithm>
 #include <deque>
 
 #include "catalogue/Call.h"
