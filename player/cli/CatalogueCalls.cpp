@@ -71,20 +71,17 @@ std::vector<krl::Value> withCopiedPictures(std::vector<krl::Value> arguments) {
 
 }  // namespace
 
-CatalogueCalls::CatalogueCalls(ThreadChoice threads) {
+CatalogueCalls::CatalogueCalls(ThreadChoice threads) : bands_(threads == ThreadChoice::One ? 1 : 0) {
     engine_.allocateTables();
     engine_.buildTables();
-    engine_.configureExecution(threads == ThreadChoice::One);
-    bands_ = engine_.getThreadCount();
 }
 
 CallOutcome CatalogueCalls::apply(Bitmap& picture, const Method& method,
                                   const std::vector<krl::Value>& arguments) {
     const LoadedPicture loaded(engine_, picture);
-    engine_.setThreadCount(method.resultDependsOnBands() ? 1 : bands_);
-    const bool rewritesArgument = method.needsSecondPicture() && !method.rewritesPicture();
+    chooseBands(engine_, method, bands_);
     const CallResult result =
-        callMethod(method, engine_, rewritesArgument ? withCopiedPictures(arguments) : arguments);
+        callMethod(method, engine_, method.changedPicture() ? withCopiedPictures(arguments) : arguments);
     CallOutcome outcome;
     outcome.error = result.error;
     outcome.shown = shownText(method, result);

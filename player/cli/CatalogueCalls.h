@@ -19,7 +19,7 @@ public:
 
 private:
     ImageEngine engine_;
-    int32_t bands_;
+    const int32_t bands_;  ///< 0 for one for each processor
 };
 
 }  // namespace krl::player
