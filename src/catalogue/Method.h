@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <functional>
 #include <limits>
 #include <span>
@@ -316,6 +317,71 @@ constexpr ArgumentKind argumentKindOf() {
         return ArgumentKind::ColourList;
 }
 
+/// Whether a parameter is a struct of named fields, each of which takes an argument of its own.
+template <class Parameter>
+inline constexpr bool kTakesFields = std::is_aggregate_v<Parameter> && !std::is_same_v<Parameter, Point> &&
+                                     !std::is_same_v<Parameter, SecondImage>;
+
+/// Becomes whatever a field is: its declared argument, or nothing while kinds are collected.
+struct FieldArgument {
+    const ArgumentValue* value = nullptr;
+    ArgumentKind* kind = nullptr;
+
+    template <class Field>
+    operator Field() const {
+        if (kind) *kind = argumentKindOf<Field>();
+        return value ? value->as<Field>() : Field();
+    }
+};
+
+template <class Parameter, size_t... Index>
+constexpr bool hasFields(std::index_sequence<Index...>) {
+    return requires { Parameter{(static_cast<void>(Index), FieldArgument())...}; };
+}
+
+/// Arguments that a parameter takes: one, or as many as its struct has fields.
+template <class Parameter, size_t most = 24>
+constexpr size_t argumentCountOf() {
+    if constexpr (!kTakesFields<Parameter>)
+        return 1;
+    else if constexpr (hasFields<Parameter>(std::make_index_sequence<most>()))
+        return most;
+    else
+        return argumentCountOf<Parameter, most - 1>();
+}
+
+/// The parameter made of its fields' arguments.
+template <class Parameter, class Field>
+Parameter parameterOf(Field&& field) {
+    if constexpr (!kTakesFields<Parameter>)
+        return field(0);
+    else
+        return [&]<size_t... Index>(std::index_sequence<Index...>) { return Parameter{field(Index)...}; }
+    (std::make_index_sequence<argumentCountOf<Parameter>()>());
+}
+
+/// Where in a list of arguments each parameter's begin.
+template <class... Parameters>
+constexpr auto firstArguments() {
+    std::array<size_t, sizeof...(Parameters) + 1> first{};
+    size_t place = 0;
+    ((first[place + 1] = first[place] + argumentCountOf<Parameters>(), ++place), ...);
+    return first;
+}
+
+/// The kinds of argument that a list of parameters takes.
+template <class... Parameters>
+std::vector<ArgumentKind> argumentKindsOf() {
+    std::vector<ArgumentKind> kinds(firstArguments<Parameters...>().back());
+    [[maybe_unused]] ArgumentKind* next = kinds.data();
+    [[maybe_unused]] const auto collect = [&]<class Parameter>(std::type_identity<Parameter>) {
+        static_cast<void>(parameterOf<Parameter>([&](size_t i) { return FieldArgument{nullptr, next + i}; }));
+        next += argumentCountOf<Parameter>();
+    };
+    (collect(std::type_identity<Parameters>()), ...);
+    return kinds;
+}
+
 /// Runs an effect on the call's engine and arguments; defined beside `Call`.
 Outcome runEffect(Call& call,
                   const std::function<Status(ImageEngine&, std::span<const ArgumentValue>)>& effect);
@@ -323,15 +389,19 @@ Outcome runEffect(Call& call,
 /// A method with a hand-written body, to be given with `does`.
 inline Method method(const char* name) { return Method(name); }
 
-/// A method that is one effect of the engine; its parameters take the arguments in order.
+/// A method that is one effect of the engine; its parameters take the arguments in order, and the fields of
+/// a struct among them likewise.
 template <class... Parameters>
 Method method(const char* name, Status (*effect)(ImageEngine&, Parameters...)) {
     Method made(name);
     made.hasEffect_ = true;
-    made.parameters_ = {argumentKindOf<std::remove_cvref_t<Parameters>>()...};
+    made.parameters_ = argumentKindsOf<std::remove_cvref_t<Parameters>...>();
     const auto applied = [effect]<size_t... Index>(std::index_sequence<Index...>) {
         return [effect](ImageEngine& engine, [[maybe_unused]] std::span<const ArgumentValue> arguments) {
-            return effect(engine, arguments[Index].template as<std::remove_cvref_t<Parameters>>()...);
+            [[maybe_unused]] constexpr auto first = firstArguments<std::remove_cvref_t<Parameters>...>();
+            return effect(engine, parameterOf<std::remove_cvref_t<Parameters>>([&](size_t i) {
+                              return FieldArgument{&arguments[first[Index] + i]};
+                          })...);
         };
     }
     (std::index_sequence_for<Parameters...>());
