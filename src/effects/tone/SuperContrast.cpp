@@ -1,6 +1,7 @@
 #include "catalogue/Catalogue.h"
 #include "catalogue/Choices.h"
 #include "kernels/curve/ByteCurve.h"
+#include "kernels/curve/LevelsStretch.h"
 #include "krlimage/tone.h"
 
 namespace krl {
@@ -9,10 +10,7 @@ namespace krl {
 /// the upper one decides.
 Status superContrast(ImageEngine& engine, int32_t low, int32_t high, ChannelTarget target) {
     const int32_t black = clampTo(low, 0, 255), white = clampTo(high, 0, 255);
-    const auto slope = static_cast<float>(256.0 / (white - black + 1));
-    return applyCurve(engine, target, byteCurve([=](int32_t i) {
-                          return i > white ? 255 : i < black ? 0 : truncate((i - black) * double(slope));
-                      }));
+    return applyCurve(engine, target, byteCurve(LevelsStretch(black, white)));
 }
 
 void describeSuperContrast(Catalogue& catalogue) {
