@@ -14,7 +14,7 @@ constexpr Pixel scaledByAlpha(Pixel p) {
     return {scaledByte(p.alpha, p.blue), scaledByte(p.alpha, p.green), scaledByte(p.alpha, p.red), p.alpha};
 }
 
-/// Scales `count` adjacent pixels into `scaled`, which may be the same run.
+/// Scales `count` adjacent pixels into `scaled`, which may be the same span.
 void scaleByAlpha(const Pixel* pixels, Pixel* scaled, int32_t count);
 
 /// Whether the alpha of `count` adjacent pixels is 255: weighing leaves such pixels as they are.

@@ -5,16 +5,17 @@
 #include <cstring>
 #include <utility>
 
+#include "core/Batch.h"
 #include "core/ByteArithmetic.h"
 #include "core/VectorLevels.h"
-#include "kernels/blend/BlockPixels.h"
+#include "kernels/blend/ShortProducts.h"
 
 namespace krl {
 
 namespace {
 
 constexpr size_t kModes = 18;
-constexpr size_t kChunkBytes = 4 * kBatchPixels;
+constexpr size_t kBatchBytes = 4 * kBatchPixels;
 
 /// A pixel as one word, whatever type its memory has.
 using Word [[gnu::may_alias]] = uint32_t;
@@ -76,42 +77,48 @@ constexpr uint16_t blendedByte(uint16_t front, uint16_t behind) {
     return front;
 }
 
-/// The modes with entries, at most a dozen, that rounding keeps one below their arithmetic.
-constexpr bool fallsShort(BlendMode mode) {
+/// Whether the pair's entry in the tables is one less than its arithmetic.
+template <BlendMode mode>
+constexpr bool fallsShort(uint8_t front, uint8_t behind) {
+    if constexpr (mode == BlendMode::Multiply) return isShortProduct(front, behind);
+    if constexpr (mode == BlendMode::Overlay) return isShortProduct(front, behind) & (behind < 128);
+    return false;
+}
+constexpr bool hasShortEntries(BlendMode mode) {
     return mode == BlendMode::Multiply || mode == BlendMode::Overlay;
 }
 
-/// 0 for every pair whose entry falls short, as its product is a whole number of 255ths and its front one of
-/// 147, 155, 171, 187 and 195; hardly ever 0 for others but those with an end of the scale behind.
-constexpr int16_t doubt(uint8_t front, uint8_t behind) {
+/// 0 for every pair that falls short, as its product is a whole number of 255ths and its front one of 147,
+/// 155, 171, 187 and 195; for others hardly ever, but for those with an end of the scale behind.
+constexpr int16_t certainty(uint8_t front, uint8_t behind) {
     const auto product = static_cast<uint16_t>(front * behind);
     const auto rest = static_cast<uint16_t>((product + dividedBy255(product)) & 255);  // as 255 is -1
     return static_cast<int16_t>(rest | ((front - 147) & 0b11000111));
 }
+static_assert(std::all_of(kShortProducts.begin(), kShortProducts.end(),
+                          [](BytePair pair) { return certainty(pair.front, pair.behind) == 0; }));
 
-/// Blends `count` bytes. False where the tables may differ.
+/// The guess: blends `count` bytes by arithmetic. Whether the tables may have another entry for any.
 template <BlendMode mode>
 KRL_VECTOR_LEVELS bool blendBytes(uint8_t* __restrict blended, const uint8_t* front, const uint8_t* behind,
                                   size_t count) {
     int16_t least = 1;
     for (size_t i = 0; i < count; ++i) {
         blended[i] = static_cast<uint8_t>(blendedByte<mode>(front[i], behind[i]));
-        if constexpr (fallsShort(mode)) {
-            const int16_t one = doubt(front[i], behind[i]);
+        if constexpr (hasShortEntries(mode)) {
+            const int16_t one = certainty(front[i], behind[i]);
             least = one < least ? one : least;
         }
     }
-    return least > 0;
+    return least <= 0;
 }
 
-/// Whether the tables do differ, or so it seems: ends of the scale are no reason, and black is common.
-KRL_VECTOR_LEVELS bool areDoubtful(const uint8_t* front, const uint8_t* behind, size_t count) {
-    uint8_t doubts = 0;
-    for (size_t i = 0; i < count; ++i) {
-        const auto end = static_cast<uint8_t>(((behind[i] + 1) & 255) < 2);
-        doubts |= static_cast<uint8_t>((doubt(front[i], behind[i]) | end) == 0);
-    }
-    return doubts;
+/// The referee: takes 1 from the bytes whose entries fall short.
+template <BlendMode mode>
+KRL_VECTOR_LEVELS void shorten(uint8_t* __restrict blended, const uint8_t* front, const uint8_t* behind,
+                               size_t count) {
+    for (size_t i = 0; i < count; ++i)
+        blended[i] = static_cast<uint8_t>(blended[i] - fallsShort<mode>(front[i], behind[i]));
 }
 
 void blendByTable(uint8_t* blended, const uint8_t* front, const uint8_t* behind, size_t count,
@@ -120,20 +127,22 @@ void blendByTable(uint8_t* blended, const uint8_t* front, const uint8_t* behind,
         for (size_t c = i; c < i + 3; ++c) blended[c] = table[front[c]][behind[c]];
 }
 
-/// The blended colour bytes of a chunk of `count` bytes, from those in front and those behind. Alpha bytes
-/// are of no account.
+/// The blended colour bytes of a batch of `count` bytes, from those in front and those behind; alpha bytes
+/// may become anything. Where entries fall short, a fast guess is followed by an exact referee if any byte is
+/// in doubt.
 template <BlendMode mode>
 void blendBatch(uint8_t* blended, const uint8_t* front, const uint8_t* behind, size_t count,
                 const LookupTables& tables) {
-    constexpr size_t kStep = fallsShort(mode) ? 256 : kChunkBytes;  // the less, the less is done again
-    const ByteSquare<uint8_t>& table = *blendTable(tables, mode);
-    if constexpr (!isArithmetic(mode)) return blendByTable(blended, front, behind, count, table);
-    for (size_t i = 0; i < count; i += kStep) {
-        const size_t step = std::min(kStep, count - i);
-        if (!blendBytes<mode>(blended + i, front + i, behind + i, step) &&
-            areDoubtful(front + i, behind + i, step))
-            blendByTable(blended + i, front + i, behind + i, step, table);
-    }
+    constexpr size_t kGuessedBytes = 256;  // few, so that few are settled for one in doubt
+    if constexpr (!isArithmetic(mode))
+        blendByTable(blended, front, behind, count, *blendTable(tables, mode));
+    else if constexpr (!hasShortEntries(mode))
+        blendBytes<mode>(blended, front, behind, count);
+    else
+        forEachBatch<kGuessedBytes>(count, [&](size_t i, size_t bytes) {
+            if (blendBytes<mode>(blended + i, front + i, behind + i, bytes))
+                shorten<mode>(blended + i, front + i, behind + i, bytes);
+        });
 }
 
 /// Each pixel's alpha beside its three colour bytes, and 0 beside alpha.
@@ -165,14 +174,14 @@ template <BlendMode mode>
 void shiftSpan(Pixel* pixels, const Pixel* front, size_t count, const LookupTables& tables) {
     constexpr bool blends = mode != BlendMode::PinLight && hasTable(mode);
     if constexpr (mode == BlendMode::NoBlend) return copyColour(pixels, front, count);
-    alignas(64) uint8_t blended[kChunkBytes];
-    alignas(64) uint8_t alphas[kChunkBytes];
-    forEachBatch(count, [&](size_t done, size_t chunk) {
-        auto* behind = reinterpret_cast<uint8_t*>(pixels + done);
-        const auto* before = reinterpret_cast<const uint8_t*>(front + done);
-        if constexpr (blends) blendBatch<mode>(blended, before, behind, 4 * chunk, tables);
-        spreadAlphas(alphas, before, chunk);
-        mixShift(behind, blends ? blended : before, alphas, 4 * chunk);
+    alignas(64) uint8_t blended[kBatchBytes];
+    alignas(64) uint8_t alphas[kBatchBytes];
+    forEachBatch(count, [&](size_t start, size_t size) {
+        auto* behind = reinterpret_cast<uint8_t*>(pixels + start);
+        const auto* before = reinterpret_cast<const uint8_t*>(front + start);
+        if constexpr (blends) blendBatch<mode>(blended, before, behind, 4 * size, tables);
+        spreadAlphas(alphas, before, size);
+        mixShift(behind, blends ? blended : before, alphas, 4 * size);
     });
 }
 
@@ -193,7 +202,7 @@ KRL_VECTOR_LEVELS bool oneIsOpaque(const uint8_t* behind, const uint8_t* front, 
 }
 
 /// Lays colours that are already blended over pixels of any alpha: `StraightOver`, with the tables' entries
-/// worked out in place, which vectors do faster than they look up.
+/// computed in place, which vectors do faster than look-ups.
 KRL_VECTOR_LEVELS void mixOverAny(uint8_t* pixels, const uint8_t* blended, const uint8_t* front,
                                   size_t count) {
     auto* words = reinterpret_cast<Word*>(pixels);
@@ -232,26 +241,26 @@ KRL_VECTOR_LEVELS void mixOverOpaque(uint8_t* pixels, const uint8_t* blended,
 }
 
 void mixOverBatch(uint8_t* pixels, const uint8_t* blended, const uint8_t* front, size_t pixelCount) {
-    constexpr size_t kBlock = 64;
-    alignas(64) uint8_t alphas[4 * kBlock];
-    for (size_t done = 0; done < pixelCount; done += kBlock) {
-        const size_t at = 4 * done, block = std::min(kBlock, pixelCount - done);
-        if (oneIsOpaque(pixels + at, front + at, block)) {
-            spreadAlphas(alphas, front + at, block);
-            mixOverOpaque(pixels + at, blended + at, alphas, block);
+    constexpr size_t kPixels = 64;  // the shorter, the more often one of the two is opaque throughout
+    alignas(64) uint8_t alphas[4 * kPixels];
+    forEachBatch<kPixels>(pixelCount, [&](size_t start, size_t size) {
+        const size_t at = 4 * start;
+        if (oneIsOpaque(pixels + at, front + at, size)) {
+            spreadAlphas(alphas, front + at, size);
+            mixOverOpaque(pixels + at, blended + at, alphas, size);
         } else {
-            mixOverAny(pixels + at, blended + at, front + at, block);
+            mixOverAny(pixels + at, blended + at, front + at, size);
         }
-    }
+    });
 }
 
-/// The colours of a chunk blended for the straight-alpha form, where `Add` adds blue and screens the rest.
+/// The colours of a batch blended for the straight-alpha form, where `Add` adds blue and screens the rest.
 template <BlendMode mode>
 void blendForOver(uint8_t* blended, const uint8_t* front, const uint8_t* behind, size_t pixelCount,
                   const LookupTables& tables) {
     blendBatch<mode>(blended, front, behind, 4 * pixelCount, tables);
     if constexpr (mode == BlendMode::Add) {
-        alignas(64) uint8_t rest[kChunkBytes];
+        alignas(64) uint8_t rest[kBatchBytes];
         blendBatch<BlendMode::Screen>(rest, front, behind, 4 * pixelCount, tables);
         for (size_t i = 0; i < 4 * pixelCount; i += 4) std::memcpy(blended + i + 1, rest + i + 1, 2);
     }
@@ -260,18 +269,18 @@ void blendForOver(uint8_t* blended, const uint8_t* front, const uint8_t* behind,
 template <BlendMode mode>
 void overSpan(Pixel* pixels, const Pixel* front, size_t count, const LookupTables& tables) {
     constexpr bool blends = hasTable(mode);
-    alignas(64) uint8_t alphas[kChunkBytes];
-    alignas(64) uint8_t seen[kChunkBytes];
-    alignas(64) uint8_t blended[kChunkBytes];
-    forEachBatch(count, [&](size_t done, size_t chunk) {
-        auto* behind = reinterpret_cast<uint8_t*>(pixels + done);
-        const auto* before = reinterpret_cast<const uint8_t*>(front + done);
+    alignas(64) uint8_t alphas[kBatchBytes];
+    alignas(64) uint8_t seen[kBatchBytes];
+    alignas(64) uint8_t blended[kBatchBytes];
+    forEachBatch(count, [&](size_t start, size_t size) {
+        auto* behind = reinterpret_cast<uint8_t*>(pixels + start);
+        const auto* before = reinterpret_cast<const uint8_t*>(front + start);
         if constexpr (blends) {
-            spreadAlphas(alphas, behind, chunk);
-            scaleByAlphas(seen, behind, alphas, 4 * chunk);
-            blendForOver<mode>(blended, before, seen, chunk, tables);
+            spreadAlphas(alphas, behind, size);
+            scaleByAlphas(seen, behind, alphas, 4 * size);
+            blendForOver<mode>(blended, before, seen, size, tables);
         }
-        mixOverBatch(behind, blends ? blended : before, before, chunk);
+        mixOverBatch(behind, blends ? blended : before, before, size);
     });
 }
 
@@ -288,13 +297,13 @@ constexpr std::array<BlendFunction, kModes> overSpans(std::index_sequence<modes.
 }  // namespace
 
 BlendFunction shiftBlendSpan(BlendMode mode) {
-    static constexpr auto runs = shiftSpans(std::make_index_sequence<kModes>());
-    return runs[static_cast<size_t>(mode)];
+    static constexpr auto spans = shiftSpans(std::make_index_sequence<kModes>());
+    return spans[static_cast<size_t>(mode)];
 }
 
 BlendFunction overBlendSpan(BlendMode mode) {
-    static constexpr auto runs = overSpans(std::make_index_sequence<kModes>());
-    return runs[static_cast<size_t>(mode)];
+    static constexpr auto spans = overSpans(std::make_index_sequence<kModes>());
+    return spans[static_cast<size_t>(mode)];
 }
 
 }  // namespace krl

@@ -6,9 +6,9 @@
 
 namespace krl {
 
-/// Lays `count` pixels of `front` over the `pixels` at the same places, in a mode settled beforehand: what
-/// `blendChannel` and `layOver` are for one byte and one pixel, at the speed of memory. The two runs must
-/// not overlap, unless they are the same run.
+/// Lays `count` pixels of `front` over the `pixels` at the same places, in a mode chosen beforehand: what
+/// `blendChannel` and `layOver` are for one byte and one pixel, at the speed of memory. The two spans must
+/// not overlap, unless they are the same span.
 using BlendFunction = void (*)(Pixel* pixels, const Pixel* front, size_t count, const LookupTables& tables);
 
 /// The shift form, where the alpha of `front` is the opacity and the alpha of `pixels` stays.

@@ -12,7 +12,7 @@
 /// The blend modes, for every effect that lays one picture or one light over another.
 ///
 /// Two alpha arithmetics exist by design. The shift form (`blendChannel`, and `BlendFunction.h` for whole
-/// runs) takes an opacity, divides by 256 and leaves alpha alone. The straight-alpha form (`layOver`)
+/// spans) takes an opacity, divides by 256 and leaves alpha alone. The straight-alpha form (`layOver`)
 /// composes both alphas, and its colour is never left premultiplied.
 namespace krl {
 
@@ -76,8 +76,8 @@ private:
 };
 
 /// The colour that `front` shows over `behind` in `mode` before alpha mixes the two. The mode's table sees
-/// the background scaled by its own alpha. `Add` is uneven and known for it: blue adds, green and red
-/// screen.
+/// the background scaled by its own alpha. `Add` has a quirk kept for compatibility: blue adds, green
+/// and red screen.
 inline Pixel blendedOver(Pixel behind, Pixel front, BlendMode mode, const LookupTables& tables) {
     const ByteSquare<uint8_t>* table = blendTable(tables, mode);
     if (!table) return front;

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 
 #include "core/Bands.h"
+#include "core/Batch.h"
 #include "core/ChannelMask.h"
 
 namespace krl {
@@ -13,18 +13,15 @@ namespace krl {
 /// of the target are kept.
 template <class Mix>
 Status mixBytes(const ImageEngine& engine, const Pixel* other, ChannelTarget target, Mix&& mix) {
-    constexpr ptrdiff_t kBlockPixels = 256;
     const ChannelMask mask(target);
     return forEachSpan(engine, [&](Pixel* first, Pixel* last) {
         const Pixel* beside = other + (first - engine.buffer()->row(0));
-        Pixel fresh[kBlockPixels];
-        while (first != last) {
-            const auto count = static_cast<int32_t>(std::min(kBlockPixels, last - first));
-            mix(firstByte(first), firstByte(beside), firstByte(fresh), count * 4);
-            mask.write(first, fresh, count);
-            first += count;
-            beside += count;
-        }
+        Pixel fresh[kBatchPixels];
+        forEachBatch(static_cast<size_t>(last - first), [&](size_t start, size_t size) {
+            const auto count = static_cast<int32_t>(size);
+            mix(firstByte(first + start), firstByte(beside + start), firstByte(fresh), count * 4);
+            mask.write(first + start, fresh, count);
+        });
     });
 }
 

@@ -13,7 +13,7 @@ inline size_t blockPixels(const ImageBuffer& image) {
                     static_cast<size_t>(image.width) * static_cast<size_t>(image.height));
 }
 
-/// Pixels at the beginning of the loaded image's block that are walked beside `other`.
+/// Pixels at the beginning of the loaded image's block that `forEachSpanBeside` pairs with those of `other`.
 inline ptrdiff_t pixelsBeside(const ImageBuffer& image, const SecondImage& other) {
     const ptrdiff_t loaded = pixelBand(image, 1, 0).last;
     return std::clamp<ptrdiff_t>(loaded, 0, static_cast<ptrdiff_t>(other.block().size()));
