@@ -13,17 +13,17 @@
 #endif
 
 #include "Scene.h"
-#include "effects/composite/Composite.h"
-#include "effects/key/HsvKeys.h"
-#include "effects/warp/Twirl.h"
 #include "kernels/blur/TentBlur.h"
 #include "krlimage/blur.h"
 #include "krlimage/colour.h"
+#include "krlimage/composite.h"
 #include "krlimage/edges.h"
 #include "krlimage/film.h"
 #include "krlimage/hue.h"
+#include "krlimage/key.h"
 #include "krlimage/stylise.h"
 #include "krlimage/tone.h"
+#include "krlimage/warp.h"
 
 /// Times effects beside OpenCV's nearest operations, in turns in one process, at one thread and at
 /// two, and writes a table. Where OpenCV has no such operation the row names what stands in.
@@ -169,7 +169,9 @@ std::vector<Row> makeRows(Pictures& p, const SecondImage& second) {
          [=](ImageEngine& e) { composite(e, second, BlendMode::Normal, AlphaRule::BackgroundAlphaYes); },
          [&p] { cv::addWeighted(p.source, 0.5, p.second, 0.5, 0, p.out); }},
         {"key on hue, saturation and value", "`cvtColor`, `inRange`", 0.8,
-         [](ImageEngine& e) { chromaKey(e, 120, 25, 20, 0.8f, 35, 25, 0.7f, 40, 25, false, false); },
+         [](ImageEngine& e) {
+             chromaKey(e, {120, 25, 20}, {0.8f, 35, 25}, {0.7f, 40, 25}, false, false);
+         },
          [&p] {
              cv::cvtColor(p.source, p.a, cv::COLOR_BGR2HSV);
              cv::inRange(p.a, cv::Scalar(50, 60, 60), cv::Scalar(70, 255, 255), p.b);

@@ -29,6 +29,13 @@ inline constexpr const char* kChannelsMeaning = "all four channels, the three co
 inline constexpr const char* kWeighedMeaning =
     "all, with colours counting by their alpha; the three colours; or transparency alone";
 
+/// Whether a key's matte lowers alpha or raises it.
+inline std::vector<SymbolChoice> keepOrRemove() { return {{"keep", true}, {"remove", false}}; }
+/// Whether the matte counts the other way round.
+inline std::vector<SymbolChoice> invertOrNot() { return {{"false", false}, {"true", true}}; }
+
+inline constexpr const char* kKeepMeaning = "keep only takes opacity away, remove only gives it back";
+
 /// What methods that say nothing of a symbol they do not know work on then.
 inline constexpr UnknownSymbol kElseAlpha = otherwise(ChannelTarget::Alpha);
 

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "effects/composite/Composite.h"
+#include "core/LookupTables.h"
+#include "kernels/blend/BlendMode.h"
+#include "krlimage/composite.h"
 #include "support/Picture.h"
 
 /// The compositor pixel by pixel and from the tables alone, beside which the runs are held.

@@ -5,8 +5,8 @@
 #include <cmath>
 
 #include "core/LookupTables.h"
-#include "effects/key/DifferenceKeys.h"
 #include "kernels/matte/KeyMatte.h"
+#include "krlimage/key.h"
 #include "support/Picture.h"
 
 /// The colour-difference keys and the spill suppression, step by step at each pixel.
@@ -92,11 +92,7 @@ inline std::vector<uint8_t> flatnessOf(const Picture& picture) {
     return map;
 }
 
-struct ExtendedArguments {
-    float colorRange, edgeContast, luminocityContrast, colorDifferenceContrast;
-};
-
-inline Picture colourDifferenceExtended(Picture picture, KeyColour colour, const ExtendedArguments& a,
+inline Picture colourDifferenceExtended(Picture picture, KeyColour colour, const ColourDifferenceContrasts& a,
                                         bool keep, bool invert) {
     const std::vector<uint8_t> flatness = flatnessOf(picture);
     const auto [edgeLow, edgeHigh] = std::minmax_element(flatness.begin(), flatness.end());

@@ -4,7 +4,7 @@
 #include <functional>
 #include <vector>
 
-#include "effects/composite/GleamZoom.h"
+#include "effects/composite/GleamStages.h"
 #include "kernels/blur/TentBlur.h"
 #include "kernels/ramp/Curve.h"
 #include "support/Picture.h"
@@ -13,7 +13,7 @@
 namespace krl::test {
 
 struct GleamNumbers {
-    GleamSettings settings;
+    GleamLook look;
     std::vector<CurveKey> colours;
     int32_t blur = 0;
     Point centre;
@@ -24,8 +24,8 @@ struct GleamNumbers {
 
 inline int clampedByte(double v) { return int(v < 0 ? 0 : v > 255 ? 255 : v); }
 
-inline Picture slowLight(const Picture& front, const GleamSettings& s) {
-    const int black = clampedByte(s.blackPoint), white = clampedByte(s.whitePoint);
+inline Picture slowLight(const Picture& front, const GleamLook& s) {
+    const int black = clampedByte(s.black), white = clampedByte(s.white);
     const auto slope = float(256.0 / (white - black + 1));
     const auto level = [&](int i) {
         return uint8_t(i > white ? 255 : i < black ? 0 : int((i - black) * double(slope)));
@@ -42,8 +42,8 @@ inline Picture slowLight(const Picture& front, const GleamSettings& s) {
     return light;
 }
 
-inline Picture slowGleamFinish(const Picture& image, const Picture& front, Picture light,
-                               const GleamSettings& s, const std::vector<CurveKey>& colours) {
+inline Picture slowGleamFinish(const Picture& image, const Picture& front, Picture light, const GleamLook& s,
+                               const std::vector<CurveKey>& colours) {
     const LookupTables& t = sharedTables();
     const bool colourise = s.colourMethod == GleamColour::ColouriseImage;
     if (colourise && colours.size() >= 2) {
@@ -90,12 +90,12 @@ inline Picture slowGleamFinish(const Picture& image, const Picture& front, Pictu
 }
 
 inline Picture slowGleamBlur(const Picture& image, const Picture& front, const GleamNumbers& n) {
-    Picture light = slowLight(front, n.settings);
+    Picture light = slowLight(front, n.look);
     if (n.blur > 0) TentBlur(1).blurRGBA(light.pixels().data(), light.height(), light.width(), n.blur);
-    return slowGleamFinish(image, front, light, n.settings, n.colours);
+    return slowGleamFinish(image, front, light, n.look, n.colours);
 }
 
-/// The rays as they are told: a doubled source, records with a flag, every round of the run-in.
+/// The rays by their definition: a doubled source, records with a flag, every round of the run-in.
 class SlowRays {
 public:
     SlowRays(const Picture& light, const GleamNumbers& n)
@@ -183,8 +183,8 @@ private:
 };
 
 inline Picture slowGleamZoom(const Picture& image, const Picture& front, const GleamNumbers& n) {
-    const Picture light = SlowRays(slowLight(front, n.settings), n).cast();
-    return slowGleamFinish(image, front, light, n.settings, n.colours);
+    const Picture light = SlowRays(slowLight(front, n.look), n).cast();
+    return slowGleamFinish(image, front, light, n.look, n.colours);
 }
 
 }  // namespace krl::test

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "effects/warp/Waves.h"
 #include "kernels/sample/Sampler.h"
+#include "krlimage/warp.h"
 #include "support/Picture.h"
 
 /// The warps a pixel at a time, by the general sampler and the standard library's sines.

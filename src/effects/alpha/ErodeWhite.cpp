@@ -1,6 +1,6 @@
 #include "catalogue/Catalogue.h"
-#include "effects/alpha/AlphaUtilities.h"
 #include "kernels/neighbour/SquareWindow.h"
+#include "krlimage/alpha.h"
 
 namespace krl {
 

@@ -1,16 +1,17 @@
-#include "effects/composite/OuterGlow.h"
-
 #include <algorithm>
 #include <vector>
 
+#include "catalogue/Catalogue.h"
 #include "core/ImageCopy.h"
 #include "core/PixelWord.h"
 #include "core/VectorLevels.h"
-#include "kernels/blend/BlockPixels.h"
 #include "kernels/blend/BlendFunction.h"
+#include "kernels/blend/BlockPixels.h"
 #include "kernels/blur/TentBlur.h"
 #include "kernels/curve/ByteCurve.h"
+#include "kernels/curve/LevelsStretch.h"
 #include "kernels/ramp/Curve.h"
+#include "krlimage/composite.h"
 
 namespace krl {
 
@@ -35,7 +36,7 @@ KRL_STREAM_LEVELS void spreadAlphas(Pixel* pixels, size_t count) {
     for (size_t i = 0; i < count; ++i) storeWord(pixels[i], (wordOf(pixels[i]) >> 24) * 0x01010101u);
 }
 
-/// Gives all of a run of pixels one colour.
+/// Gives all pixels of a span one colour.
 KRL_STREAM_LEVELS void fillColour(Pixel* pixels, size_t count, uint32_t colour) {
     for (size_t i = 0; i < count; ++i) storeWord(pixels[i], (wordOf(pixels[i]) & 0xFF000000u) | colour);
 }
@@ -75,7 +76,7 @@ void spreadAlpha(ImageEngine& engine, TentBlur& tent, int32_t expandBlur, int32_
     if (outerBlur > 0) tent.blurAlpha(image.row(0), image.height, image.width, outerBlur);
 }
 
-/// Where a part has its colour from: one colour for all, or the pixel's own.
+/// The colour of a part: one for all, or the pixel's own.
 class PartColour {
 public:
     explicit PartColour(std::span<const CurveKey> colours) : single_(colours.size() == 1) {
@@ -92,18 +93,12 @@ private:
     uint32_t colour_ = 0;
 };
 
-ByteCurve glowLevels(int32_t intensity) {
-    const auto slope = static_cast<float>(256.0 / (intensity + 1));
-    return byteCurve(
-        [=](int32_t i) { return i > intensity ? 255 : truncate(i * static_cast<double>(slope)); });
-}
-
 /// Lays `core` over the halo that the image has become.
-void layCore(const ImageEngine& engine, const ImageCopy& core, PartColour outerColour, PartColour coreColour,
-             int32_t intensity, int32_t coreTransparency) {
+void layCore(const ImageEngine& engine, const ImageCopy& core, const OuterGlowSettings& settings) {
     const ImageBuffer& image = *engine.buffer();
-    const auto& scaled = engine.tables().remainderScale[clampByte(coreTransparency)];
-    const ByteCurve levels = glowLevels(clampByte(intensity));
+    const PartColour outerColour(settings.outerColours), coreColour(settings.coreColours);
+    const auto& scaled = engine.tables().remainderScale[clampByte(settings.coreTransparency)];
+    const ByteCurve levels = byteCurve(LevelsStretch(0, clampByte(settings.intensity)));
     const ByteCurve coreAlpha = byteCurve([&](int32_t alpha) { return scaled[alpha]; });
     const BlendFunction layOverSpan = overBlendSpan(BlendMode::Normal);
     Pixel* pixels = image.row(0);
@@ -123,20 +118,45 @@ void layCore(const ImageEngine& engine, const ImageCopy& core, PartColour outerC
 
 }  // namespace
 
-Status outerGlow(ImageEngine& engine, int32_t coreFeather, int32_t expandBlur, int32_t outerBlur,
-                 std::span<const CurveKey> outerColours, std::span<const CurveKey> coreColours,
-                 int32_t intensity, int32_t coreTransparency, SampleQuality) {
+/// Turns the image's alpha into a halo, grown and softened, and lays over it a core, the alpha softened. Each
+/// has one colour or a ramp over alpha.
+Status outerGlow(ImageEngine& engine, const OuterGlowSettings& settings) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
     const ImageCopy core(image);
     TentBlur tent(engine.getThreadCount());
-    if (coreFeather > 0) tent.blurAlpha(core.row(0), image.height, image.width, coreFeather);
-    spreadAlpha(engine, tent, expandBlur, outerBlur);
-    // A colouring that has no threads leaves its part as it was, and the glow goes on.
-    if (coreColours.size() >= 2) colourByAlpha(engine, core.view().pixels, coreColours);
-    if (outerColours.size() >= 2) colourByAlpha(engine, image.pixels, outerColours);
-    layCore(engine, core, PartColour(outerColours), PartColour(coreColours), intensity, coreTransparency);
+    if (settings.coreFeather > 0)
+        tent.blurAlpha(core.row(0), image.height, image.width, settings.coreFeather);
+    spreadAlpha(engine, tent, settings.expandBlur, settings.outerBlur);
+    // A colouring whose threads cannot start leaves its part as it is, and the glow goes on.
+    if (settings.coreColours.size() >= 2) colourByAlpha(engine, core.view().pixels, settings.coreColours);
+    if (settings.outerColours.size() >= 2) colourByAlpha(engine, image.pixels, settings.outerColours);
+    layCore(engine, core, settings);
     return kStatusOk;
+}
+
+void describeOuterGlow(Catalogue& catalogue) {
+    const auto hasEntries = [](const ArgumentValue& colours) { return !colours.keys.empty(); };
+    catalogue.add("krlImageOuterGlow", outerGlow)
+        .summary("Turns the picture's shape into a coloured halo with a coloured core, for titles.")
+        .integer("core_feather", {.from = 0, .to = 50, .example = 3, .least = 0},
+                 "softness of the core's edge")
+        .integer("expand_blur", {.from = 0, .to = 50, .example = 10, .least = 0}, "how far the shape grows")
+        .integer("outer_blur", {.from = 0, .to = 100, .example = 30, .least = 0}, "softness of the halo")
+        .colourList("outerColours", {}, {{0, Colour(120, 0, 160)}, {100, Colour(255, 170, 40)}},
+                    "colours of the halo by transparency, in percent; one colour fills it")
+        .mustPass(hasEntries, "Outer Glow, empty outer colour list (Image)")
+        .colourList("coreColours", {}, {{100, Colour(255, 255, 240)}},
+                    "colours of the core by transparency, in percent; one colour fills it")
+        .mustPass(hasEntries, "Outer Glow, empty core colour list (Image)")
+        .integer("intensity", {.from = 0, .to = 255, .example = 180, .least = 0, .most = 255},
+                 "level at which the halo's colours are full; lower is brighter")
+        .integer("core_transparency", {.from = 0, .to = 255, .example = 0, .least = 0, .most = 255},
+                 "0 keeps the core whole, 255 leaves the halo alone")
+        .symbol("quality", {{"standard", SampleQuality::Standard}, {"bilinear", SampleQuality::Bilinear}},
+                refused("Outer Glow invalid input quality (Image)"), "makes no difference")
+        .inputFailure("Outer Glow input failure (Image)")
+        .failed("Failed Outer Glow function (Image)");
 }
 
 }  // namespace krl

@@ -5,7 +5,7 @@
 
 namespace krl {
 
-/// What the rays of a gleam zoom are told.
+/// Settings of the rays of a gleam zoom.
 struct RaySettings {
     Point centre;              ///< where rays begin; it may lie outside
     float strength = 1;        ///< each byte of the source counts by this

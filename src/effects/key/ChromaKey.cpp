@@ -3,12 +3,13 @@
 #include <cmath>
 #include <limits>
 
+#include "catalogue/Catalogue.h"
 #include "core/ByteArithmetic.h"
 #include "core/LookupTables.h"
 #include "core/VectorLevels.h"
 #include "effects/key/ExtremesTable.h"
-#include "effects/key/HsvKeys.h"
 #include "effects/key/HueSpan.h"
+#include "effects/key/KeyChoices.h"
 #include "kernels/matte/KeyMatte.h"
 
 namespace krl {
@@ -22,22 +23,29 @@ struct KeyWindow {
     float scale = 0;  ///< levels per unit of distance, infinite where the ramp has no width
 };
 
-/// A range in turns. Bounds below 0 or from 1 on reach across the seam.
-KeyWindow hueWindow(float pick, float inner, float outer) {
-    return {.low = static_cast<float>((double(pick) - inner) / 360.0),
-            .high = static_cast<float>((double(pick) + inner) / 360.0),
-            .outerLow = static_cast<float>((double(pick) - inner - outer) / 360.0),
-            .outerHigh = static_cast<float>((double(pick) + inner + outer) / 360.0),
+/// A range of hues in turns, from one in degrees. Bounds below 0 or from 1 on reach across the seam.
+KeyWindow hueWindow(const KeyRange& range) {
+    const auto limited = [](float degrees) { return clampTo(degrees, 0.0f, 360.0f); };
+    const float inner = limited(range.inner), outer = limited(range.outer);
+    const double pick = limited(range.pick);
+    const auto turns = [](double degrees) { return static_cast<float>(degrees / 360.0); };
+    return {.low = turns(pick - inner),
+            .high = turns(pick + inner),
+            .outerLow = turns(pick - inner - outer),
+            .outerHigh = turns(pick + inner + outer),
             .scale = static_cast<float>(255.0 / (outer / 360.0))};
 }
 
-/// A range in percent.
-KeyWindow unitWindow(float pick, float inner, float outer) {
+/// A range of saturations or values on 0..1, from one in percent around a pick on 0..1.
+KeyWindow unitWindow(const KeyRange& range) {
+    const auto limited = [](double percent) { return clampTo(static_cast<float>(percent), 0.0f, 100.0f); };
+    const float inner = limited(range.inner), outer = limited(range.outer);
+    const double pick = limited(range.pick * 100.0);
     const auto bound = [](double percent) { return static_cast<float>(clampUnit(percent / 100.0)); };
-    return {.low = bound(double(pick) - inner),
-            .high = bound(double(pick) + inner),
-            .outerLow = bound(double(pick) - inner - outer),
-            .outerHigh = bound(double(pick) + inner + outer),
+    return {.low = bound(pick - inner),
+            .high = bound(pick + inner),
+            .outerLow = bound(pick - inner - outer),
+            .outerHigh = bound(pick + inner + outer),
             .scale = static_cast<float>(255.0 / (outer / 100.0))};
 }
 
@@ -60,11 +68,11 @@ struct HueTally {
 };
 
 /// The tally for a window that stays off the seam of the circle.
-KRL_VECTOR_LEVELS HueTally tallyHues(const KeyWindow& window, const float* hues, ptrdiff_t count) {
+KRL_VECTOR_LEVELS HueTally tallyHues(const KeyWindow& window, const float* hues, size_t count) {
     const float low = window.low, high = window.high;
     const float outerLow = window.outerLow, outerHigh = window.outerHigh;
     int32_t ramped = 0, off = 0;
-    for (ptrdiff_t i = 0; i < count; ++i) {
+    for (size_t i = 0; i < count; ++i) {
         const float turn = hues[i] * kTurnsPerDegree;
         ramped += (turn < low) | (turn > high);
         off += (turn < outerLow) | (turn > outerHigh);
@@ -73,12 +81,12 @@ KRL_VECTOR_LEVELS HueTally tallyHues(const KeyWindow& window, const float* hues,
 }
 
 /// Mattes of hues for a window that stays off the seam of the circle.
-KRL_VECTOR_LEVELS void plainHueMattes(const KeyWindow& window, const float* hues, ptrdiff_t count,
+KRL_VECTOR_LEVELS void plainHueMattes(const KeyWindow& window, const float* hues, size_t count,
                                       uint8_t* mattes) {
     constexpr double kOff = std::numeric_limits<double>::infinity();
     const double low = window.low, high = window.high, scale = window.scale;
     const double outerLow = window.outerLow, outerHigh = window.outerHigh;
-    for (ptrdiff_t i = 0; i < count; ++i) {
+    for (size_t i = 0; i < count; ++i) {
         const double turn = hues[i] * kTurnsPerDegree;
         const double distance = std::max(low - turn, turn - high);
         const bool off = (turn < outerLow) | (turn > outerHigh);
@@ -89,11 +97,11 @@ KRL_VECTOR_LEVELS void plainHueMattes(const KeyWindow& window, const float* hues
 /// Mattes of hues for any window. A later test that holds overrides an earlier one, as where wide
 /// ranges meet themselves around the circle. A turn is always below 1, so the tests across the seam
 /// hold only where a bound reaches across it.
-KRL_VECTOR_LEVELS void wrappedHueMattes(const KeyWindow& window, const float* hues, ptrdiff_t count,
+KRL_VECTOR_LEVELS void wrappedHueMattes(const KeyWindow& window, const float* hues, size_t count,
                                         uint8_t* mattes) {
     const double low = window.low, high = window.high, scale = window.scale;
     const double outerLow = window.outerLow, outerHigh = window.outerHigh;
-    for (ptrdiff_t i = 0; i < count; ++i) {
+    for (size_t i = 0; i < count; ++i) {
         const double turn = hues[i] * kTurnsPerDegree;
         const bool inside = (low <= turn) & (turn <= high);
         const bool below = (outerLow <= turn) & (turn < low);
@@ -110,48 +118,76 @@ KRL_VECTOR_LEVELS void wrappedHueMattes(const KeyWindow& window, const float* hu
     }
 }
 
-KRL_VECTOR_LEVELS void screen(const uint8_t* __restrict over, uint8_t* __restrict mattes, ptrdiff_t count) {
-    for (ptrdiff_t i = 0; i < count; ++i) mattes[i] = screenedByte(over[i], mattes[i]);
+KRL_VECTOR_LEVELS void screen(const uint8_t* __restrict over, uint8_t* __restrict mattes, size_t count) {
+    for (size_t i = 0; i < count; ++i) mattes[i] = screenedByte(over[i], mattes[i]);
 }
 
 /// Screens the mattes of hues over those of saturation and value.
-void screenHues(const KeyWindow& window, const float* hues, ptrdiff_t count, uint8_t* mattes) {
+void screenHues(const KeyWindow& window, const float* hues, size_t count, uint8_t* mattes) {
     const bool plain = window.outerLow >= 0.0f && window.outerHigh < 1.0f;
     if (plain) {
-        // Most runs lie on the backing or on the subject with all their pixels.
+        // Most batches are wholly on the backing or on the subject.
         const HueTally tally = tallyHues(window, hues, count);
-        if (tally.on == count) return;
-        if (tally.off == count) return void(std::fill_n(mattes, count, uint8_t(255)));
+        if (tally.on == static_cast<int32_t>(count)) return;
+        if (tally.off == static_cast<int32_t>(count)) return void(std::fill_n(mattes, count, uint8_t(255)));
     }
-    std::array<uint8_t, kMatteBatch> ofHue;
+    std::array<uint8_t, kBatchPixels> ofHue;
     (plain ? plainHueMattes : wrappedHueMattes)(window, hues, count, ofHue.data());
     screen(ofHue.data(), mattes, count);
 }
 
 }  // namespace
 
-Status chromaKey(ImageEngine& engine, float huePick, float innerHue, float outerHue, float satPick,
-                 float innerSat, float outerSat, float valPick, float innerVal, float outerVal, bool keep,
-                 bool invert) {
+/// Keys on hue, saturation and value at once: each component's matte is 0 within `inner` of its pick, rises
+/// to 255 over `outer` beyond that, and the three are screened over each other.
+Status chromaKey(ImageEngine& engine, const KeyRange& hue, const KeyRange& saturation, const KeyRange& value,
+                 bool keep, bool invert) {
     if (Status state = engine.imageStatus()) return state;
-    const auto degrees = [](float value) { return clampTo(value, 0.0f, 360.0f); };
-    const auto percent = [](double value) { return clampTo(static_cast<float>(value), 0.0f, 100.0f); };
-    const KeyWindow hue = hueWindow(degrees(huePick), degrees(innerHue), degrees(outerHue));
-    const KeyWindow saturation = unitWindow(percent(satPick * 100.0), percent(innerSat), percent(outerSat));
-    const KeyWindow value = unitWindow(percent(valPick * 100.0), percent(innerVal), percent(outerVal));
+    const KeyWindow hues = hueWindow(hue), saturations = unitWindow(saturation), values = unitWindow(value);
 
     // No matte counts as 255 and a grey's hue as 0: screened with anything, 255 stays 255 and 0
     // changes nothing.
     const ExtremesTable unitMattes(engine.tables(), [&](const Hsv& colour) {
-        return screenedByte(matteIn(saturation, colour.saturation), matteIn(value, colour.value));
+        return screenedByte(matteIn(saturations, colour.saturation), matteIn(values, colour.value));
     });
-    return keyEachSpan(engine, keep, invert, [&](const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) {
+    return keyEachSpan(engine, keep, invert, [&](const Pixel* pixels, size_t count, uint8_t* mattes) {
         unitMattes.mattesOf(pixels, count, mattes);
         if (std::all_of(mattes, mattes + count, [](uint8_t matte) { return matte == 255; })) return;
-        std::array<float, kMatteBatch> hues;
-        huesOf(pixels, count, kNoHue, hues.data());
-        screenHues(hue, hues.data(), count, mattes);
+        std::array<float, kBatchPixels> turns;
+        huesOf(pixels, count, kNoHue, turns.data());
+        screenHues(hues, turns.data(), count, mattes);
     });
+}
+
+void describeChromaKey(Catalogue& catalogue) {
+    const auto degrees = [](double to, double example) {
+        return NumberRange{.from = 0, .to = to, .example = example, .least = 0, .most = 360};
+    };
+    const auto unit = [](double example) {
+        return NumberRange{.from = 0, .to = 1, .example = example, .least = 0, .most = 1};
+    };
+    const auto percent = [](double example) {
+        return NumberRange{.from = 0, .to = 100, .example = example, .least = 0, .most = 100};
+    };
+    catalogue.add("krlImageChromaKey", chromaKey)
+        .summary("Keys on hue, saturation and value at once, each with a full and a soft range.")
+        .real("huePick", degrees(360, 120), "hue to key, in degrees")
+        .real("innerHue", degrees(180, 25), "degrees to either side keyed in full")
+        .real("outerHue", degrees(180, 20), "further degrees that fade out")
+        .real("satPick", unit(0.8), "saturation to key")
+        .real("innerSat", percent(35), "percent to either side keyed in full")
+        .real("outerSat", percent(25), "further percent that fade out")
+        .real("valPick", unit(0.7), "brightness to key")
+        .real("innerVal", percent(30), "percent to either side keyed in full")
+        .real("outerVal", percent(15), "further percent that fade out")
+        .symbol("keepRemove", keepOrRemove(), refused("Chroma Key invalid input keep_remove option (Image)"),
+                kKeepMeaning)
+        .thenCompare()
+        .symbol("invert", invertOrNot(), refused("Chroma Key invalid input invert option (Image)"),
+                kInvertKeyMeaning)
+        .showing("true")
+        .inputFailure("Chroma Key input failure (Image)")
+        .failed("Failed Chroma Key function (Image)");
 }
 
 }  // namespace krl

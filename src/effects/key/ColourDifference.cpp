@@ -1,7 +1,9 @@
 #include <array>
 
-#include "effects/key/DifferenceKeys.h"
+#include "catalogue/Catalogue.h"
 #include "effects/key/DifferenceSpan.h"
+#include "effects/key/KeyChoices.h"
+#include "kernels/curve/LevelsStretch.h"
 #include "kernels/matte/KeyMatte.h"
 
 namespace krl {
@@ -12,17 +14,13 @@ namespace {
 class DifferenceMattes {
 public:
     DifferenceMattes(int32_t black, int32_t white) {
-        const auto slope = static_cast<float>(256.0 / wrapAdd(wrapSubtract(white, black), 1));
-        for (int32_t d = -255; d <= 255; ++d) {
-            const uint8_t level = clampByte(truncate(double(wrapSubtract(d, black)) * slope));
-            const int32_t place = d + 255;
-            mattes_[size_t(place)] = d > white ? 255 : d < black ? 0 : level;
-        }
+        const LevelsStretch stretch(black, white);
+        for (int32_t d = -255; d <= 255; ++d) mattes_[static_cast<size_t>(d + 255)] = stretch(d);
     }
 
     /// Writes the mattes of `count` differences.
-    void mattesOf(const int16_t* differences, ptrdiff_t count, uint8_t* mattes) const {
-        for (ptrdiff_t i = 0; i < count; ++i) mattes[i] = mattes_[size_t(differences[i] + 255)];
+    void mattesOf(const int16_t* differences, size_t count, uint8_t* mattes) const {
+        for (size_t i = 0; i < count; ++i) mattes[i] = mattes_[size_t(differences[i] + 255)];
     }
 
 private:
@@ -31,14 +29,35 @@ private:
 
 }  // namespace
 
+/// Keys on how far the backing's channel exceeds the larger of the other two: the matte is that difference,
+/// stretched from 0 at `blackValue` to 255 at `whiteValue`.
 Status colourDifference(ImageEngine& engine, KeyColour differenceColour, int32_t blackValue,
                         int32_t whiteValue, bool keep, bool invert) {
     const DifferenceMattes table(blackValue, whiteValue);
-    return keyEachSpan(engine, keep, invert, [&](const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) {
-        std::array<int16_t, kMatteBatch> differences;
+    return keyEachSpan(engine, keep, invert, [&](const Pixel* pixels, size_t count, uint8_t* mattes) {
+        std::array<int16_t, kBatchPixels> differences;
         differencesOf(pixels, count, differenceColour, differences.data());
         table.mattesOf(differences.data(), count, mattes);
     });
+}
+
+void describeColourDifference(Catalogue& catalogue) {
+    catalogue.add("krlImageColourDifference", colourDifference)
+        .summary("Keys on how far the backing's colour exceeds the other two.")
+        .symbol("differenceColour", backings(), refused("Colour Difference invalid input colour (Image)"),
+                "colour of the backing")
+        .integer("blackValue", {.from = 0, .to = 255, .example = 20},
+                 "difference up to which a pixel is the subject")
+        .integer("whiteValue", {.from = 0, .to = 255, .example = 60},
+                 "difference above which it is the backing")
+        .symbol("keepRemove", keepOrRemove(),
+                refused("Colour Difference invalid input keep_remove option (Image)"), kKeepMeaning)
+        .failsWith("ColourDifference input failure (Image)")
+        .thenCompare()
+        .symbol("invert", invertOrNot(), refused("Colour Difference invalid input invert option (Image)"),
+                kInvertBackingMeaning)
+        .inputFailure("Colour Difference input failure (Image)")
+        .failed("Failed Colour Difference function (Image)");
 }
 
 }  // namespace krl

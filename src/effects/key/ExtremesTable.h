@@ -7,8 +7,8 @@
 
 namespace krl {
 
-/// The mattes of a key on saturation and value, which hang on nothing but a pixel's largest and
-/// smallest channel: worked out once for each pair of bytes, then read.
+/// The mattes of a key on saturation and value, which depend only on a pixel's largest and smallest
+/// channel: computed once for each pair of bytes, then read.
 class ExtremesTable {
 public:
     /// From `matteOf(const Hsv&)`, whose argument's hue means nothing.
@@ -21,8 +21,8 @@ public:
             }
     }
 
-    /// Writes the mattes of `count` pixels, at most `kMatteBatch`.
-    void mattesOf(const Pixel* pixels, ptrdiff_t count, uint8_t* mattes) const;
+    /// Writes the mattes of `count` pixels, at most `kBatchPixels`.
+    void mattesOf(const Pixel* pixels, size_t count, uint8_t* mattes) const;
 
 private:
     Scratch<uint8_t> mattes_{size_t(256) << 8};

@@ -8,6 +8,6 @@ namespace krl {
 
 /// Writes the hue of each of `count` pixels in degrees: what `rgbToHsv` gives, many at a time, but
 /// for greys, which get `greyHue`.
-void huesOf(const Pixel* pixels, ptrdiff_t count, float greyHue, float* hues);
+void huesOf(const Pixel* pixels, size_t count, float greyHue, float* hues);
 
 }  // namespace krl

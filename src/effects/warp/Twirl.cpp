@@ -1,11 +1,12 @@
-#include "effects/warp/Twirl.h"
-
 #include <algorithm>
 #include <cmath>
 
+#include "catalogue/Catalogue.h"
 #include "core/VectorLevels.h"
+#include "effects/warp/WarpChoices.h"
 #include "kernels/sample/PositionWarp.h"
 #include "kernels/sample/Trigonometry.h"
+#include "krlimage/warp.h"
 
 namespace krl {
 
@@ -27,19 +28,19 @@ public:
     /// Rows at the same distance above and below the middle are turned by the same angles.
     int32_t rowPairs() const { return height_ / 2 + 1; }
 
-    /// Makes a run of row `pair` and of its counterpart below the middle; row 0 has none.
+    /// Makes a batch of row `pair` and of its counterpart below the middle; row 0 has none.
     template <class Put>
-    void makePair(int32_t pair, PositionSpan& run, int32_t first, Put&& put) const {
-        double dx[kSampleBatch], sizes[kSampleBatch], turns[kSampleBatch], sines[kSampleBatch],
-            cosines[kSampleBatch];
+    void makePair(int32_t pair, PositionBatch& batch, int32_t first, Put&& put) const {
+        double dx[kBatchPixels], sizes[kBatchPixels], turns[kBatchPixels], sines[kBatchPixels],
+            cosines[kBatchPixels];
         const double dy = centreY_ - pair;
-        for (size_t i = 0; i < run.count; ++i) dx[i] = centreX_ - (first + static_cast<int32_t>(i));
-        angleSizes(dx, dy, sizes, run.count);
-        turnsOf(dx, dy, sizes, turns, run.count);
-        if (std::all_of(turns, turns + run.count, [](double angle) { return angle == 0; })) return;
-        sinesAndCosines(turns, sines, cosines, run.count);
+        for (size_t i = 0; i < batch.count; ++i) dx[i] = centreX_ - (first + static_cast<int32_t>(i));
+        angleSizes(dx, dy, sizes, batch.count);
+        turnsOf(dx, dy, sizes, turns, batch.count);
+        if (std::all_of(turns, turns + batch.count, [](double angle) { return angle == 0; })) return;
+        sinesAndCosines(turns, sines, cosines, batch.count);
         const auto makeRow = [&](int32_t y) {
-            turn(dx, centreY_ - y, sines, cosines, run);
+            turn(dx, centreY_ - y, sines, cosines, batch);
             put(y);
         };
         if (pair < height_) makeRow(pair);
@@ -66,10 +67,10 @@ private:
     /// Distance and direction after the turn are what turning (dx, dy) gives. A pixel that is not turned
     /// comes from its own place.
     KRL_VECTOR_LEVELS void turn(const double* __restrict dx, double dy, const double* __restrict sines,
-                                const double* __restrict cosines, PositionSpan& run) const {
-        for (size_t i = 0; i < run.count; ++i) {
-            run.x[i] = held(static_cast<float>(centreX_ - (dx[i] * cosines[i] - dy * sines[i])), right_);
-            run.y[i] = held(static_cast<float>(centreY_ - (dy * cosines[i] + dx[i] * sines[i])), bottom_);
+                                const double* __restrict cosines, PositionBatch& batch) const {
+        for (size_t i = 0; i < batch.count; ++i) {
+            batch.x[i] = held(static_cast<float>(centreX_ - (dx[i] * cosines[i] - dy * sines[i])), right_);
+            batch.y[i] = held(static_cast<float>(centreY_ - (dy * cosines[i] + dx[i] * sines[i])), bottom_);
         }
     }
 
@@ -83,13 +84,29 @@ private:
 
 }  // namespace
 
+/// Turns each pixel around the middle by `twirl` tenths of a radian for every half width that it is inside of
+/// a disc around the middle.
 Status twirl(ImageEngine& engine, int32_t twirl, SampleQuality quality, ChannelTarget colourOrAlpha) {
     if (Status state = engine.imageStatus()) return state;
     const TwirlDisc disc(*engine.buffer(), twirl);
     return warpByLine(engine, quality, colourOrAlpha, disc.rowPairs(),
-                      [&](int32_t pair, PositionSpan& run, int32_t first, auto&& put) {
-                          disc.makePair(pair, run, first, put);
+                      [&](int32_t pair, PositionBatch& batch, int32_t first, auto&& put) {
+                          disc.makePair(pair, batch, first, put);
                       });
+}
+
+void describeTwirl(Catalogue& catalogue) {
+    catalogue.add("krlImageTwirl", twirl)
+        .summary("Turns the picture around its middle, the more the nearer to it.")
+        .integer("twirl", {.from = -200, .to = 200, .example = 30, .neutral = 0},
+                 "strength: tenths of a radian over half the picture's width; its sign is the direction")
+        .symbol("quality", warpQualities(), refused("Twirl invalid quality input (Image)"), kQualityMeaning)
+        .showing("bilinear")
+        .thenCompare()
+        .symbol("colourOrAlpha", anyChannels(), refused("Twirl invalid colourOrAlpha input (Image)"),
+                kChannelsMeaning)
+        .inputFailure("Twirl input failure (Image)")
+        .failed("Failed Twirl function (Image)");
 }
 
 }  // namespace krl

@@ -1,22 +1,22 @@
-#include "effects/warp/Waves.h"
-
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <type_traits>
 #include <vector>
 
+#include "catalogue/Catalogue.h"
 #include "core/Bands.h"
 #include "core/ImageCopy.h"
 #include "core/VectorLevels.h"
-#include "kernels/sample/PositionWarp.h"
+#include "effects/warp/WarpChoices.h"
+#include "effects/warp/WaveFrequency.h"
+#include "kernels/sample/Sampler.h"
 #include "kernels/sample/Trigonometry.h"
+#include "krlimage/warp.h"
 
 namespace krl {
 
 namespace {
-
-float radiansPerPixel(float frequency) { return static_cast<float>(frequency * kRadiansPerDegree); }
 
 /// Shift of each of `count` rows or columns.
 std::vector<float> shifts(int32_t count, float frequency, float phase, float amplitude) {
@@ -115,8 +115,8 @@ public:
         const Walk walk(image_.width, image_.width);
         return forEachRow(engine, [&](Pixel* row, int32_t y) {
             float place = rowShifts[static_cast<size_t>(y)];
-            forEachPiece(image_.width, [&](int32_t first, size_t count) {
-                Place places[kSampleBatch];
+            Place places[kBatchPixels];
+            forEachBatch(static_cast<size_t>(image_.width), [&](size_t first, size_t count) {
                 walk.fill(place, places, count);
                 sampler_.alongRow(row + first, y, places, count);
             });
@@ -129,11 +129,12 @@ public:
         return forEachColumnRange(engine, [&](IndexRange columns) {
             std::vector<float> walking(columnShifts.begin() + columns.first,
                                        columnShifts.begin() + columns.last);
+            const auto width = static_cast<size_t>(columns.last - columns.first);
             for (int32_t y = 0; y < image_.height; ++y)
-                forEachPiece(columns.last - columns.first, [&](int32_t first, size_t count) {
-                    Place places[kSampleBatch];
+                forEachBatch(width, [&](size_t first, size_t count) {
+                    Place places[kBatchPixels];
                     walk.next(walking.data() + first, places, count);
-                    const int32_t column = columns.first + first;
+                    const int32_t column = columns.first + static_cast<int32_t>(first);
                     sampler_.downColumns(image_.row(y) + column, places, column, count);
                 });
         });
@@ -149,17 +150,20 @@ private:
 
 }  // namespace
 
-Status waves(ImageEngine& engine, float amplitude, float frequency, float horizPhase, float vertPhase,
-             int32_t hPercent, int32_t vPercent, WaveEdge edgeType, SampleQuality quality,
+/// Shifts each row by `amplitude * hPercent / 100 * sin(y * frequency + horizPhase)`, and then each column by
+/// `amplitude * vPercent / 100 * sin(x * frequency + vertPhase)`.
+Status waves(ImageEngine& engine, const WaveSettings& settings, SampleQuality quality,
              ChannelTarget colourOrAlpha) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
-    const float radians = radiansPerPixel(frequency);
-    const auto share = [&](int32_t percent) {
-        return static_cast<float>(static_cast<double>(amplitude) * percent / 100);
+    const float frequency = radiansPerPixel(settings.frequency);
+    const auto height = [&](int32_t percent) {
+        return static_cast<float>(static_cast<double>(settings.amplitude) * percent / 100);
     };
-    const std::vector<float> columnShifts = shifts(image.width, radians, vertPhase, share(vPercent));
-    const std::vector<float> rowShifts = shifts(image.height, radians, horizPhase, share(hPercent));
+    const std::vector<float> rowShifts =
+        shifts(image.height, frequency, settings.horizPhase, height(settings.hPercent));
+    const std::vector<float> columnShifts =
+        shifts(image.width, frequency, settings.vertPhase, height(settings.vPercent));
     ImageCopy source(image);
     return withSampler(source.view(), quality, colourOrAlpha, [&](const auto& sampler) {
         const auto run = [&](const auto& passes) {
@@ -168,89 +172,37 @@ Status waves(ImageEngine& engine, float amplitude, float frequency, float horizP
             return passes.downColumns(engine, columnShifts);
         };
         using Sampler = std::decay_t<decltype(sampler)>;
-        if (edgeType == WaveEdge::Wrap) return run(WavePasses<WaveEdge::Wrap, Sampler>(image, sampler));
+        if (settings.edgeType == WaveEdge::Wrap)
+            return run(WavePasses<WaveEdge::Wrap, Sampler>(image, sampler));
         return run(WavePasses<WaveEdge::Repeat, Sampler>(image, sampler));
     });
 }
 
-Status blockWaves(ImageEngine& engine, float amplitude, float frequency, float horizPhase, float vertPhase,
-                  SampleQuality quality, ChannelTarget colourOrAlpha) {
-    if (Status state = engine.imageStatus()) return state;
-    const ImageBuffer& image = *engine.buffer();
-    const double height = amplitude < 0 ? 0.0f : amplitude;
-    const double radians = radiansPerPixel(frequency);
-    const auto map = [&](int32_t count, auto wave, float phase) {
-        std::vector<float> table(static_cast<size_t>(std::max(count, 0)));
-        const int32_t middle = count / 2;
-        for (int32_t i = 0; i < count; ++i)
-            table[static_cast<size_t>(i)] =
-                heldInside(static_cast<float>(wave((middle - i) * radians + phase) * height + i), count);
-        return table;
-    };
-    const std::vector<float> mapX = map(image.width, sine, horizPhase);
-    const std::vector<float> mapY = map(image.height, cosine, vertPhase);
-    return warpByPosition(engine, quality, colourOrAlpha, [&](int32_t y, int32_t first, PositionSpan& run) {
-        std::copy_n(mapX.begin() + first, run.count, run.x);
-        std::fill_n(run.y, run.count, mapY[static_cast<size_t>(y)]);
-    });
-}
-
-namespace {
-
-/// The numbers of circular waves.
-struct Ripples {
-    double amplitude;
-    float radians, phase;
-    Point origin;
-    bool wide;
-
-    /// Angles of the waves at the distances (`dx[i]`, `dy`) from the centre. The wide path rounds every step
-    /// to single precision, the plain one the squares alone.
-    KRL_VECTOR_LEVELS void anglesAt(const double* __restrict dx, double dy, double* __restrict angles,
-                                    size_t count) const {
-        const auto squareY = static_cast<float>(dy * dy);
-        if (wide) {
-            for (size_t i = 0; i < count; ++i) {
-                const auto squareX = static_cast<float>(dx[i] * dx[i]);
-                angles[i] = std::sqrt(squareX + squareY) * radians + phase;
-            }
-        } else {
-            for (size_t i = 0; i < count; ++i) {
-                const auto sum = static_cast<float>(dx[i] * dx[i] + squareY);
-                angles[i] = std::sqrt(static_cast<double>(sum)) * radians + phase;
-            }
-        }
-    }
-
-    /// Where pixels at `start`, `start + step` and so on are shifted to.
-    KRL_VECTOR_LEVELS void shiftPlaces(const double* __restrict heights, int32_t start, int32_t step,
-                                       size_t count, float* __restrict places) const {
-        for (size_t i = 0; i < count; ++i)
-            places[i] = static_cast<float>(heights[i] * amplitude + (start + step * static_cast<int32_t>(i)));
-    }
-
-    void positions(const ImageBuffer& image, int32_t y, int32_t first, PositionSpan& run) const {
-        double dx[kSampleBatch], angles[kSampleBatch], sines[kSampleBatch], cosines[kSampleBatch];
-        for (size_t i = 0; i < run.count; ++i)
-            dx[i] = wrapSubtract(origin.x, first + static_cast<int32_t>(i));
-        anglesAt(dx, wrapSubtract(origin.y, y), angles, run.count);
-        sinesAndCosines(angles, sines, cosines, run.count);
-        shiftPlaces(sines, first, 1, run.count, run.x);
-        shiftPlaces(cosines, y, 0, run.count, run.y);
-        holdInside(run.x, run.count, image.width);
-        holdInside(run.y, run.count, image.height);
-    }
-};
-
-}  // namespace
-
-Status circularWaves(ImageEngine& engine, float amplitude, float frequency, float phase, Point origin,
-                     SampleQuality quality, ChannelTarget colourOrAlpha) {
-    const Ripples ripples{amplitude < 0 ? 0.0f : amplitude, radiansPerPixel(frequency), phase, origin,
-                          engine.useWidePath()};
-    return warpByPosition(engine, quality, colourOrAlpha, [&](int32_t y, int32_t first, PositionSpan& run) {
-        ripples.positions(*engine.buffer(), y, first, run);
-    });
+void describeWaves(Catalogue& catalogue) {
+    catalogue.add("krlImageWaves", waves)
+        .summary("Shifts rows and columns along waves, as seen through moving water.")
+        .real("amplitude", {.from = -100, .to = 100, .example = 12, .neutral = 0},
+              "height of the waves in pixels")
+        .real("frequency", {.from = 0, .to = 45, .example = 3}, kFrequencyMeaning)
+        .real("horizPhase", {.from = -6.3, .to = 6.3, .example = 0},
+              "where the wave of the rows begins, in radians")
+        .real("vertPhase", {.from = -6.3, .to = 6.3, .example = 1},
+              "where the wave of the columns begins, in radians")
+        .integer("hPercent", {.from = 0, .to = 100, .example = 100},
+                 "percent of the amplitude for the rows; 0 leaves them in place")
+        .integer("vPercent", {.from = 0, .to = 100, .example = 60},
+                 "percent of the amplitude for the columns; 0 leaves them in place")
+        .symbol("edgeType", {{"wrap", WaveEdge::Wrap}, {"repeat", WaveEdge::Repeat}},
+                refused("Waves invalid edge type input (Image)"),
+                "what comes in from beyond the edge: the other side, or the pixels of the edge")
+        .thenCompare()
+        .symbol("quality", warpQualities(), refused("Waves invalid quality input (Image)"), kQualityMeaning)
+        .showing("bilinear")
+        .thenCompare()
+        .symbol("colourOrAlpha", anyChannels(), refused("Waves invalid colourOrAlpha input (Image)"),
+                kChannelsMeaning)
+        .inputFailure("Waves input failure (Image)")
+        .failed("Failed Waves function (Image)");
 }
 
 }  // namespace krl

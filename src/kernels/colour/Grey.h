@@ -12,6 +12,11 @@ namespace krl {
 /// A third of the sum of three bytes; exact for every such sum.
 constexpr uint32_t thirdOf(uint32_t sum) { return sum * 21846u >> 16; }
 
+/// The mean of a pixel's three colour bytes.
+constexpr uint8_t meanColour(Pixel p) {
+    return static_cast<uint8_t>(thirdOf(static_cast<uint32_t>(p.blue + p.green + p.red)));
+}
+
 /// 0.299 red + 0.587 green + 0.114 blue of three levels, each product in single precision as the shared
 /// tables have it. Their sum is exact.
 inline double lumaOf(int32_t red, int32_t green, int32_t blue) {

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "core/Bands.h"
+#include "core/Batch.h"
 
 /// How a matte becomes alpha: the one rule of every key. `keep` can only lower the alpha that is
 /// there and `remove` can only raise it.
@@ -26,31 +27,25 @@ Status keyEachPixel(const ImageEngine& engine, bool keep, bool invert, MatteOf&&
     });
 }
 
-/// Pixels whose mattes are made at once: few enough that they stay in the nearest cache.
-inline constexpr ptrdiff_t kMatteBatch = 128;
-
 /// Folds `count` mattes into the alpha of the pixels beside them.
-void foldMattes(Pixel* pixels, const uint8_t* mattes, ptrdiff_t count, bool keep, bool invert);
+void foldMattes(Pixel* pixels, const uint8_t* mattes, size_t count, bool keep, bool invert);
 
-/// Folds the mattes of many pixels that are made together, in runs:
-/// `mattesOf(const Pixel* pixels, ptrdiff_t count, uint8_t* mattes)` writes `count` mattes, at most
-/// `kMatteBatch`.
+/// Folds the mattes of a span of pixels into its alpha, batch by batch:
+/// `mattesOf(const Pixel* pixels, size_t count, uint8_t* mattes)` writes `count` mattes.
 template <class MattesOf>
-void keySpans(Pixel* first, Pixel* last, bool keep, bool invert, MattesOf&& mattesOf) {
-    std::array<uint8_t, kMatteBatch> mattes;
-    for (Pixel* run = first; run != last;) {
-        const ptrdiff_t count = std::min(kMatteBatch, last - run);
-        mattesOf(static_cast<const Pixel*>(run), count, mattes.data());
-        foldMattes(run, mattes.data(), count, keep, invert);
-        run += count;
-    }
+void keySpan(Pixel* first, Pixel* last, bool keep, bool invert, MattesOf&& mattesOf) {
+    std::array<uint8_t, kBatchPixels> mattes;
+    forEachBatch(static_cast<size_t>(last - first), [&](size_t start, size_t count) {
+        mattesOf(static_cast<const Pixel*>(first + start), count, mattes.data());
+        foldMattes(first + start, mattes.data(), count, keep, invert);
+    });
 }
 
 /// The same for every pixel of the image, after the state tests.
 template <class MattesOf>
 Status keyEachSpan(const ImageEngine& engine, bool keep, bool invert, MattesOf&& mattesOf) {
     return forEachSpan(engine,
-                       [&](Pixel* first, Pixel* last) { keySpans(first, last, keep, invert, mattesOf); });
+                       [&](Pixel* first, Pixel* last) { keySpan(first, last, keep, invert, mattesOf); });
 }
 
 }  // namespace krl

@@ -19,10 +19,10 @@ int32_t byteOf(uint32_t word, int channel) { return static_cast<int32_t>(word >>
 
 int32_t blend(int32_t a, int32_t b, int32_t fraction) { return a + ((fraction * (b - a)) >> 23); }
 
-/// Pairs of neighbours. They are fetched two at a time, one after another, which is faster than what
-/// vectors do to collect from many places; then vectors blend them.
+/// Pairs of neighbours. They are fetched one pair after another, which is faster than vectors that gather
+/// from many places; then vectors blend them.
 struct Pairs {
-    uint32_t words[2 * kSampleBatch];
+    uint32_t words[2 * kBatchPixels];
 
     void take(size_t i, const Pixel* first) { std::memcpy(words + 2 * i, first, 2 * sizeof(Pixel)); }
 };
@@ -66,9 +66,9 @@ int32_t heldIndex(float place, int32_t last) {
 bool canSplitPlaces(int32_t last) { return last >= 1 && last <= 1 << 24; }
 
 KRL_VECTOR_LEVELS bool splitPlaces(const float* __restrict places, size_t count, int32_t last,
-                                   AxisSpan& axis) {
+                                   AxisBatch& axis) {
     const auto end = static_cast<float>(last);
-    int32_t apart = 0;
+    int32_t any = 0;
     for (size_t i = 0; i < count; ++i) {
         const bool within = (places[i] >= 0.0f) & (places[i] <= end);
         const float place = within ? places[i] : 0.0f;
@@ -77,13 +77,13 @@ KRL_VECTOR_LEVELS bool splitPlaces(const float* __restrict places, size_t count,
         const float fraction = (place - static_cast<float>(whole)) * 8388608.0f;
         const auto weight = static_cast<int32_t>(fraction);
         const bool isWhole = static_cast<float>(weight) == fraction;
-        const int32_t exact = (within & isWhole) ? -1 : 0;
+        const int32_t doubt = (within & isWhole) ? 0 : -1;
         axis.whole[i] = whole;
         axis.fraction[i] = weight;
-        axis.exact[i] = exact;
-        apart |= ~exact;
+        axis.doubt[i] = doubt;
+        any |= doubt;
     }
-    return apart == 0;
+    return any != 0;
 }
 
 KRL_VECTOR_LEVELS void nearestPixels(const Pixel* source, int32_t stride, const float* __restrict y,
@@ -95,7 +95,7 @@ KRL_VECTOR_LEVELS void nearestPixels(const Pixel* source, int32_t stride, const 
         nearest[i] = words[heldIndex(y[i], bottom) * stride + heldIndex(x[i], right)];
 }
 
-void blendSquares(const Pixel* source, int32_t stride, const AxisSpan& rows, const AxisSpan& columns,
+void blendSquares(const Pixel* source, int32_t stride, const AxisBatch& rows, const AxisBatch& columns,
                   size_t count, Pixel* out) {
     Pairs upper, lower;
     for (size_t i = 0; i < count; ++i) {
@@ -106,13 +106,13 @@ void blendSquares(const Pixel* source, int32_t stride, const AxisSpan& rows, con
     mixSquares(upper, lower, rows.fraction, columns.fraction, count, wordsOf(out));
 }
 
-void blendAlongRow(const Pixel* row, const AxisSpan& columns, size_t count, Pixel* out) {
+void blendAlongRow(const Pixel* row, const AxisBatch& columns, size_t count, Pixel* out) {
     Pairs pairs;
     for (size_t i = 0; i < count; ++i) pairs.take(i, row + columns.whole[i]);
     mixPairs(pairs, columns.fraction, count, wordsOf(out));
 }
 
-void blendDownColumns(const Pixel* source, int32_t stride, const AxisSpan& rows, size_t count, Pixel* out) {
+void blendDownColumns(const Pixel* source, int32_t stride, const AxisBatch& rows, size_t count, Pixel* out) {
     Pairs pairs;
     for (size_t i = 0; i < count; ++i) {
         const Pixel* upper = source + ptrdiff_t(rows.whole[i]) * stride + static_cast<ptrdiff_t>(i);

@@ -2,6 +2,7 @@
 
 #include <type_traits>
 
+#include "core/Doubts.h"
 #include "core/Numbers.h"
 #include "kernels/sample/SampleSpan.h"
 #include "krlimage/engine.h"
@@ -13,7 +14,7 @@
 /// copy and writes the image, both of the same geometry.
 namespace krl {
 
-/// What stands for the samples beyond the border.
+/// What replaces the samples beyond the border.
 enum class SampleEdge : int32_t {
     FadeAlpha = 56,  ///< nothing in alpha, where all four bytes are written; the nearest pixel in colour
     Repeat = 57,     ///< the nearest pixel in every byte
@@ -58,7 +59,7 @@ void copyChannels(Pixel& destination, Pixel source) {
 }
 
 /// Nearest sampling of a picture: truncated toward zero, and kept inside. Columns beyond a row's ends run on
-/// into the rows beside. Each operation writes a run of at most `kSampleBatch` pixels.
+/// into the rows beside. Each operation writes at most `kBatchPixels` pixels.
 template <ChannelTarget target>
 class NearestSampler {
 public:
@@ -68,12 +69,12 @@ public:
         : source_(source), stride_(source.rowBytes / static_cast<int32_t>(sizeof(Pixel))) {}
 
     /// From the places (`x[i]`, `y[i]`).
-    void run(Pixel* destination, const float* y, const float* x, size_t count) const {
-        Pixel nearest[kSampleBatch];
+    void sample(Pixel* destination, const float* y, const float* x, size_t count) const {
+        Pixel nearest[kBatchPixels];
         nearestPixels(source_.row(0), stride_, y, x, count, source_.height - 1, source_.width - 1, nearest);
         for (size_t i = 0; i < count; ++i) copyChannels<target>(destination[i], nearest[i]);
     }
-    /// From the places `x[i]` after the beginning of row `y`; those beyond its ends lie in the rows beside.
+    /// From the places `x[i]` after the beginning of row `y`; those beyond its ends are in the rows beside.
     void alongRow(Pixel* destination, int32_t y, const int32_t* x, size_t count) const {
         const Pixel* row = source_.row(y);
         const int64_t first = -int64_t(y) * stride_, last = int64_t(source_.height - y) * stride_ - 1;
@@ -93,9 +94,9 @@ private:
     int32_t stride_;
 };
 
-/// Bilinear sampling of a picture with repeated edges: `sampleBilinear` at `makeSamplePoint`, with a road of
-/// whole numbers for the places whose four samples all exist. Each operation writes a run of at most
-/// `kSampleBatch` pixels.
+/// Bilinear sampling of a picture with repeated edges: `sampleBilinear` at `makeSamplePoint`, in whole
+/// numbers for the places whose four samples all exist. Each operation writes at most
+/// `kBatchPixels` pixels.
 template <ChannelTarget target>
 class BilinearSampler {
 public:
@@ -108,59 +109,63 @@ public:
           splitsY_(canSplitPlaces(source.height - 1)) {}
 
     /// From the places (`x[i]`, `y[i]`).
-    void run(Pixel* destination, const float* y, const float* x, size_t count) const {
-        const auto general = [&](size_t i) { sample(destination[i], y[i], x[i]); };
-        if (!splitsX_ || !splitsY_) return forEach(count, general);
-        AxisSpan rows, columns;
-        const bool rowsExact = splitPlaces(y, count, source_.height - 1, rows);
-        const bool columnsExact = splitPlaces(x, count, source_.width - 1, columns);
-        Pixel blended[kSampleBatch];
+    void sample(Pixel* destination, const float* y, const float* x, size_t count) const {
+        const auto general = [&](size_t i, Pixel& pixel) { samplePixel(pixel, y[i], x[i]); };
+        if (!splitsX_ || !splitsY_) return sampleEach(destination, count, general);
+        AxisBatch rows, columns;
+        const bool doubtfulRows = splitPlaces(y, count, source_.height - 1, rows);
+        const bool doubtfulColumns = splitPlaces(x, count, source_.width - 1, columns);
+        Pixel blended[kBatchPixels];
         blendSquares(source_.row(0), stride_, rows, columns, count, blended);
-        place(destination, blended, count, rowsExact && columnsExact, general,
-              [&](size_t i) { return rows.exact[i] & columns.exact[i]; });
+        const bool any = doubtfulRows | doubtfulColumns;
+        for (size_t i = 0; any && i < count; ++i) rows.doubt[i] |= columns.doubt[i];
+        settle(any, blended, destination, rows, count, general);
+        copy(destination, blended, count);
     }
     /// From the places `x[i]` of row `y`.
     void alongRow(Pixel* destination, int32_t y, const float* x, size_t count) const {
-        const auto general = [&](size_t i) { sample(destination[i], static_cast<float>(y), x[i]); };
-        if (!splitsX_) return forEach(count, general);
-        AxisSpan columns;
-        const bool exact = splitPlaces(x, count, source_.width - 1, columns);
-        Pixel blended[kSampleBatch];
+        const auto general = [&](size_t i, Pixel& pixel) { samplePixel(pixel, static_cast<float>(y), x[i]); };
+        if (!splitsX_) return sampleEach(destination, count, general);
+        AxisBatch columns;
+        const bool doubtful = splitPlaces(x, count, source_.width - 1, columns);
+        Pixel blended[kBatchPixels];
         blendAlongRow(source_.row(y), columns, count, blended);
-        place(destination, blended, count, exact, general, [&](size_t i) { return columns.exact[i]; });
+        settle(doubtful, blended, destination, columns, count, general);
+        copy(destination, blended, count);
     }
     /// From the places `y[i]` of the columns from `x` on.
     void downColumns(Pixel* destination, const float* y, int32_t x, size_t count) const {
-        const auto general = [&](size_t i) {
-            sample(destination[i], y[i], static_cast<float>(x + static_cast<int32_t>(i)));
+        const auto general = [&](size_t i, Pixel& pixel) {
+            samplePixel(pixel, y[i], static_cast<float>(x + static_cast<int32_t>(i)));
         };
-        if (!splitsY_) return forEach(count, general);
-        AxisSpan rows;
-        const bool exact = splitPlaces(y, count, source_.height - 1, rows);
-        Pixel blended[kSampleBatch];
+        if (!splitsY_) return sampleEach(destination, count, general);
+        AxisBatch rows;
+        const bool doubtful = splitPlaces(y, count, source_.height - 1, rows);
+        Pixel blended[kBatchPixels];
         blendDownColumns(source_.row(0) + x, stride_, rows, count, blended);
-        place(destination, blended, count, exact, general, [&](size_t i) { return rows.exact[i]; });
+        settle(doubtful, blended, destination, rows, count, general);
+        copy(destination, blended, count);
     }
 
 private:
-    template <class PerPixel>
-    static void forEach(size_t count, PerPixel&& perPixel) {
-        for (size_t i = 0; i < count; ++i) perPixel(i);
+    template <class General>
+    static void sampleEach(Pixel* destination, size_t count, General&& general) {
+        for (size_t i = 0; i < count; ++i) general(i, destination[i]);
     }
-    template <class General, class Exact>
-    static void place(Pixel* destination, const Pixel* blended, size_t count, bool allExact,
-                      General&& general, Exact&& exact) {
-        if (allExact)
-            return forEach(count, [&](size_t i) { copyChannels<target>(destination[i], blended[i]); });
-        forEach(count, [&](size_t i) {
-            if (exact(i))
-                copyChannels<target>(destination[i], blended[i]);
-            else
-                general(i);
+    /// Replaces what is in doubt of `blended` by general samples, which may leave a pixel as it is.
+    template <class General>
+    static void settle(bool any, Pixel* blended, const Pixel* destination, const AxisBatch& axis,
+                       size_t count, General&& general) {
+        settleDoubts(any, axis.doubt, static_cast<int32_t>(count), [&](int32_t i) {
+            blended[i] = destination[i];
+            general(static_cast<size_t>(i), blended[i]);
         });
     }
+    static void copy(Pixel* destination, const Pixel* blended, size_t count) {
+        for (size_t i = 0; i < count; ++i) copyChannels<target>(destination[i], blended[i]);
+    }
 
-    void sample(Pixel& destination, float y, float x) const {
+    void samplePixel(Pixel& destination, float y, float x) const {
         const SamplePoint point = makeSamplePoint(y, x, source_.width, source_.height);
         sampleBilinear(point, destination, source_, target, SampleEdge::Repeat);
     }

@@ -2,7 +2,7 @@
 
 #include <climits>
 
-#include "effects/alpha/AlphaUtilities.h"
+#include "krlimage/alpha.h"
 #include "reference/MorphologyReference.h"
 #include "support/Picture.h"
 

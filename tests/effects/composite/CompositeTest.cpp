@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "effects/composite/Composite.h"
+#include "krlimage/composite.h"
 #include "reference/CompositeReference.h"
 
 namespace krl::test {

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "effects/composite/Gleam.h"
+#include "effects/composite/GleamStages.h"
 #include "reference/CompositeReference.h"
 #include "reference/GleamReference.h"
 
@@ -11,20 +11,22 @@ namespace {
 
 auto gleaming(const Picture& front, const GleamNumbers& n) {
     return [&front, n](ImageEngine& e) {
-        const GleamSettings& s = n.settings;
-        return gleamBlurComposite(e, front.asSecondImage(), s.compositeBlendMethod, s.compositeTransparency,
-                                  s.blackPoint, s.whitePoint, n.blur, s.blendMethod, s.brightness,
-                                  s.transparency, n.colours, s.colourMethod);
+        const GleamLook& look = n.look;
+        return gleamBlurComposite(
+            e, front.asSecondImage(),
+            {look.compositeBlendMethod, look.compositeTransparency, look.black, look.white, n.blur,
+             look.blendMethod, look.brightness, look.transparency, n.colours, look.colourMethod});
     };
 }
 
 auto zooming(const Picture& front, const GleamNumbers& n) {
     return [&front, n](ImageEngine& e) {
-        const GleamSettings& s = n.settings;
-        return gleamZoomComposite(e, front.asSecondImage(), s.compositeBlendMethod, s.compositeTransparency,
-                                  s.blackPoint, s.whitePoint, n.centre, n.strength, n.falloff, s.blendMethod,
-                                  s.brightness, s.transparency, n.colours, s.colourMethod, n.quality,
-                                  n.distance);
+        const GleamLook& look = n.look;
+        return gleamZoomComposite(
+            e, front.asSecondImage(),
+            {look.compositeBlendMethod, look.compositeTransparency, look.black, look.white, n.centre,
+             n.strength, n.falloff, look.blendMethod, look.brightness, look.transparency, n.colours,
+             look.colourMethod, n.quality, n.distance});
     };
 }
 
@@ -32,22 +34,6 @@ const std::vector<std::vector<CurveKey>> kColourLists = {{},
                                                          {{255, 200, 40, 0}},
                                                          {{10, 20, 60, 0}, {255, 240, 160, 255}},
                                                          {{255, 0, 0, 200}, {0, 80, 255, 30}, {9, 9, 9, 90}}};
-
-TEST(GleamLevels, StretchWhatLiesBetweenBlackAndWhite) {
-    const ByteCurve levels = gleamLevels(100, 199);
-    EXPECT_EQ(levels[99], 0);
-    EXPECT_EQ(levels[100], 0);
-    EXPECT_EQ(levels[150], 127);  // 50 times a single-precision 2.56, which is just below it
-    EXPECT_EQ(levels[199], 253);
-    EXPECT_EQ(levels[200], 255);
-    const ByteCurve same = gleamLevels(0, 255), crossed = gleamLevels(200, 199),
-                    inverted = gleamLevels(200, 100);
-    for (size_t i = 0; i < 256; ++i) {
-        EXPECT_EQ(same[i], i);
-        EXPECT_EQ(crossed[i], i > 199 ? 255 : 0);
-        EXPECT_EQ(inverted[i], i > 100 ? 255 : 0);
-    }
-}
 
 TEST(GleamGain, DrivesLevelsTowardWhite) {
     const ByteCurve none = gleamGain(0), half = gleamGain(0.5f), all = gleamGain(1), beyond = gleamGain(7);
@@ -66,7 +52,7 @@ TEST(GleamBlur, FollowsTheSlowRoad) {
         for (GleamColour method : {GleamColour::FromImage, GleamColour::ColouriseImage})
             for (int32_t blur : {0, 5}) {
                 GleamNumbers n;
-                n.settings = {BlendMode::Screen, 200, 60, 220, BlendMode::Add, 0.3f, 230, {}, method};
+                n.look = {BlendMode::Screen, 200, 60, 220, BlendMode::Add, 0.3f, 230, {}, method};
                 n.colours = colours;
                 n.blur = blur;
                 EXPECT_EQ(image.after(gleaming(front, n)), slowGleamBlur(image, front, n))
@@ -78,9 +64,9 @@ TEST(GleamBlur, FollowsTheSlowRoadInEveryMode) {
     const Picture image = Picture::random(33, 9, 1), front = Picture::random(33, 9, 2);
     for (const auto& [symbol, mode] : kCompositeBlends) {
         GleamNumbers n;
-        n.settings = {mode, 255, 0, 255, BlendMode::Normal, 0, 128, {}, GleamColour::FromImage};
+        n.look = {mode, 255, 0, 255, BlendMode::Normal, 0, 128, {}, GleamColour::FromImage};
         EXPECT_EQ(image.after(gleaming(front, n)), slowGleamBlur(image, front, n)) << symbol;
-        n.settings = {BlendMode::Normal, 100, 0, 255, mode, 0, 300, {}, GleamColour::FromImage};
+        n.look = {BlendMode::Normal, 100, 0, 255, mode, 0, 300, {}, GleamColour::FromImage};
         EXPECT_EQ(image.after(gleaming(front, n)), slowGleamBlur(image, front, n)) << symbol;
     }
 }
@@ -88,18 +74,18 @@ TEST(GleamBlur, FollowsTheSlowRoadInEveryMode) {
 TEST(GleamBlur, OfNoOpacityLaysNothing) {
     const Picture image = Picture::random(13, 7, 1), front = Picture::random(13, 7, 2);
     GleamNumbers n;
-    n.settings.compositeTransparency = n.settings.transparency = 0;
+    n.look.compositeTransparency = n.look.transparency = 0;
     EXPECT_EQ(image.after(gleaming(front, n)), image);
     // `noBlend` takes no notice of it: the light itself is what remains.
-    n.settings.blendMethod = BlendMode::NoBlend;
+    n.look.blendMethod = BlendMode::NoBlend;
     EXPECT_TRUE(sameColour(image.after(gleaming(front, n)), front));
 }
 
 TEST(GleamBlur, OfNoBlendReplacesTheImageByTheForeground) {
     const Picture image = Picture::random(13, 7, 1), front = Picture::random(13, 7, 2);
     GleamNumbers n;
-    n.settings.compositeBlendMethod = BlendMode::NoBlend;
-    n.settings.compositeTransparency = n.settings.transparency = 0;
+    n.look.compositeBlendMethod = BlendMode::NoBlend;
+    n.look.compositeTransparency = n.look.transparency = 0;
     EXPECT_TRUE(sameColour(image.after(gleaming(front, n)), front));
     EXPECT_TRUE(sameAlpha(image.after(gleaming(front, n)), image));
 }
@@ -107,9 +93,9 @@ TEST(GleamBlur, OfNoBlendReplacesTheImageByTheForeground) {
 TEST(GleamBlur, OfAnEmptyListIsGreyLight) {
     const Picture image(3, 1, {0, 0, 0, 255}), front(3, 1, {90, 60, 30, 255});
     GleamNumbers n;
-    n.settings.compositeTransparency = 0;
-    n.settings.blendMethod = BlendMode::NoBlend;
-    n.settings.colourMethod = GleamColour::ColouriseImage;
+    n.look.compositeTransparency = 0;
+    n.look.blendMethod = BlendMode::NoBlend;
+    n.look.colourMethod = GleamColour::ColouriseImage;
     EXPECT_EQ(image.after(gleaming(front, n)), Picture(3, 1, {60, 60, 60, 255}));
 }
 
@@ -120,16 +106,10 @@ TEST(GleamBlur, RefusesWhatItCannotUse) {
     EXPECT_EQ(image.apply(zooming(narrow, {})), kStatusForegroundSize);
     const SecondImage none{nullptr, {5, 4, 20, 0, 0, 0}}, noneNarrow{nullptr, {4, 4, 16, 0, 0, 0}};
     const auto blur = [](const SecondImage& front) {
-        return [&front](ImageEngine& e) {
-            return gleamBlurComposite(e, front, BlendMode::Add, 255, 0, 255, 3, BlendMode::Add, 0, 255, {},
-                                      GleamColour::FromImage);
-        };
+        return [&front](ImageEngine& e) { return gleamBlurComposite(e, front, {.blur = 3}); };
     };
     const auto zoom = [](const SecondImage& front) {
-        return [&front](ImageEngine& e) {
-            return gleamZoomComposite(e, front, BlendMode::Add, 255, 0, 255, {0, 0}, 1, 0.5f, BlendMode::Add,
-                                      0, 255, {}, GleamColour::FromImage, SampleQuality::Standard, 5);
-        };
+        return [&front](ImageEngine& e) { return gleamZoomComposite(e, front, {.userDistance = 5}); };
     };
     EXPECT_EQ(image.apply(blur(none)), kStatusNoImage);
     EXPECT_EQ(image.apply(blur(noneNarrow)), kStatusNoImage);
@@ -140,8 +120,7 @@ TEST(GleamBlur, RefusesWhatItCannotUse) {
 
 TEST(Gleams, AreTheSameInAnyNumberOfBands) {
     GleamNumbers n;
-    n.settings = {BlendMode::Screen,          200, 60, 220, BlendMode::Add, 0.3f, 230, {},
-                  GleamColour::ColouriseImage};
+    n.look = {BlendMode::Screen, 200, 60, 220, BlendMode::Add, 0.3f, 230, {}, GleamColour::ColouriseImage};
     n.colours = kColourLists[2];
     n.blur = 3;
     n.centre = {2, 3};
@@ -164,8 +143,8 @@ TEST(GleamZoom, FollowsTheSlowRoad) {
                 for (float falloff : {0.0f, 0.3f, 0.97f, 1.5f}) {
                     if (distance > 100 && centre.y != 14) continue;  // the slow road is very slow here
                     GleamNumbers n;
-                    n.settings = {BlendMode::Normal,     100, 120, 255, BlendMode::Screen, 0.1f, 255, {},
-                                  GleamColour::FromImage};
+                    n.look = {BlendMode::Normal,     100, 120, 255, BlendMode::Screen, 0.1f, 255, {},
+                              GleamColour::FromImage};
                     n.quality = quality;
                     n.centre = centre;
                     n.distance = distance;
@@ -181,7 +160,7 @@ TEST(GleamZoom, ColoursTheLightAfterTheRays) {
     const Picture image = Picture::random(31, 19, 1), front = Picture::random(31, 19, 2);
     for (const auto& colours : kColourLists) {
         GleamNumbers n;
-        n.settings.colourMethod = GleamColour::ColouriseImage;
+        n.look.colourMethod = GleamColour::ColouriseImage;
         n.colours = colours;
         n.centre = {9, 12};
         EXPECT_EQ(image.after(zooming(front, n)), slowGleamZoom(image, front, n)) << colours.size();
@@ -190,8 +169,8 @@ TEST(GleamZoom, ColoursTheLightAfterTheRays) {
 
 /// An image of zeros on which a gleam zoom shows its light: the light's alpha is its opacity.
 Picture lightOf(const Picture& front, GleamNumbers n) {
-    n.settings.compositeTransparency = 0;
-    n.settings.blendMethod = BlendMode::Lighten;
+    n.look.compositeTransparency = 0;
+    n.look.blendMethod = BlendMode::Lighten;
     return Picture(front.width(), front.height(), {0, 0, 0, 255}).after(zooming(front, n));
 }
 
@@ -247,8 +226,8 @@ TEST(Gleams, TakeExtremesNaNAndInfinity) {
                 Picture image = Picture::random(7, 5, 1);
                 const Picture front = Picture::random(7, 5, 2);
                 GleamNumbers n;
-                n.settings = {BlendMode::Add,        number, number, number, BlendMode::Add, odd, number, {},
-                              GleamColour::FromImage};
+                n.look = {BlendMode::Add,        number, number, number, BlendMode::Add, odd, number, {},
+                          GleamColour::FromImage};
                 n.quality = quality;
                 n.strength = n.falloff = odd;
                 n.distance = number;

@@ -4,9 +4,8 @@
 #include <vector>
 
 #include "core/LookupTables.h"
-#include "effects/composite/LightSpill.h"
-#include "effects/composite/OuterGlow.h"
 #include "kernels/blur/TentBlur.h"
+#include "krlimage/composite.h"
 #include "reference/CompositeReference.h"
 
 namespace krl::test {
@@ -26,8 +25,8 @@ struct Glow {
 
 auto glowing(const Glow& g) {
     return [g](ImageEngine& e) {
-        return outerGlow(e, g.feather, g.expand, g.outer, g.outerColours, g.coreColours, g.intensity,
-                         g.transparency, SampleQuality::Standard);
+        return outerGlow(
+            e, {g.feather, g.expand, g.outer, g.outerColours, g.coreColours, g.intensity, g.transparency});
     };
 }
 
@@ -160,10 +159,9 @@ TEST(OuterGlow, ComposesTheCoreOverTheHaloInStraightAlpha) {
     const Picture picture = Picture::random(61, 17, 4);
     const Picture result =
         picture.after(glowing({.outerColours = {kGreen}, .coreColours = {kRed, kBlue}, .transparency = 90}));
-    const Picture core = picture.after([](ImageEngine& e) {  // a core without a halo behind it
-        return outerGlow(e, 0, 0, 0, std::vector{kRed, kBlue}, std::vector{kRed}, 255, 255,
-                         SampleQuality::Bilinear);
-    });
+    // a core without a halo behind it
+    const Picture core =
+        picture.after(glowing({.outerColours = {kRed, kBlue}, .coreColours = {kRed}, .transparency = 255}));
     for (size_t i = 0; i < result.pixels().size(); ++i) {
         const Pixel p = picture.pixels()[i];
         if (p.alpha == 0) continue;

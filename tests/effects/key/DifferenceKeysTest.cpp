@@ -4,7 +4,7 @@
 
 #include "core/Faults.h"
 #include "core/Random.h"
-#include "effects/key/DifferenceKeys.h"
+#include "krlimage/key.h"
 #include "reference/DifferenceKeyReference.h"
 #include "support/Picture.h"
 
@@ -251,12 +251,9 @@ TEST(AutoColorDifferenceCharger, FoldsTheSameMatteIntoTheAlphaThatIsThere) {
         }
 }
 
-Picture extended(const Picture& source, KeyColour colour, const reference::ExtendedArguments& a, bool keep,
+Picture extended(const Picture& source, KeyColour colour, const ColourDifferenceContrasts& a, bool keep,
                  bool invert) {
-    return source.after([&](ImageEngine& e) {
-        return colourDifferenceExtended(e, colour, a.colorRange, a.edgeContast, a.luminocityContrast,
-                                        a.colorDifferenceContrast, keep, invert);
-    });
+    return source.after([&](ImageEngine& e) { return colourDifferenceExtended(e, colour, a, keep, invert); });
 }
 
 TEST(ColourDifferenceExtended, FollowsItsDefinitionForAnyArguments) {
@@ -267,7 +264,7 @@ TEST(ColourDifferenceExtended, FollowsItsDefinitionForAnyArguments) {
     const auto draw = [&] { return values[size_t(random.next()) % std::size(values)]; };
     for (int32_t round = 0; round < 300; ++round) {
         const Picture& source = pictures[size_t(round) % std::size(pictures)];
-        const reference::ExtendedArguments a{draw(), draw(), draw(), draw()};
+        const ColourDifferenceContrasts a{draw(), draw(), draw(), draw()};
         const KeyColour colour = kColours[round / 5 % 3];
         const bool keep = round % 2 == 0, invert = round % 4 < 2;
         ASSERT_EQ(extended(source, colour, a, keep, invert),
@@ -304,9 +301,7 @@ TEST(ColourDifferenceExtended, WithFullLuminanceContrastDropsAllBelowTheBacking)
 
 TEST(ColourDifferenceExtended, RefusesAMissingImageWithItsOwnStatus) {
     ImageEngine engine;
-    const auto run = [&] {
-        return colourDifferenceExtended(engine, KeyColour::Green, 0, 0, 0, 0, true, false);
-    };
+    const auto run = [&] { return colourDifferenceExtended(engine, KeyColour::Green, {}, true, false); };
     EXPECT_EQ(run(), kStatusRefused);
     engine.load(nullptr, {2, 2, 8, 0, 0, 0});
     EXPECT_EQ(run(), kStatusRefused);
@@ -314,7 +309,7 @@ TEST(ColourDifferenceExtended, RefusesAMissingImageWithItsOwnStatus) {
 
 TEST(ColourDifferenceExtended, ReadsColourOnly) {
     const auto key = [](ImageEngine& e) {
-        return colourDifferenceExtended(e, KeyColour::Green, 0.6f, 0.1f, 0.4f, 0.2f, true, false);
+        return colourDifferenceExtended(e, KeyColour::Green, {0.6f, 0.1f, 0.4f, 0.2f}, true, false);
     };
     test::expectSameForAnyBands(key);
     EXPECT_TRUE(test::sameColour(greenScreen(20, 20).after(key), greenScreen(20, 20)));

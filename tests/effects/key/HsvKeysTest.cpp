@@ -3,8 +3,8 @@
 #include <limits>
 
 #include "core/Random.h"
-#include "effects/key/HsvKeys.h"
 #include "effects/key/HueSpan.h"
+#include "krlimage/key.h"
 #include "reference/HsvKeyReference.h"
 #include "support/Picture.h"
 
@@ -36,8 +36,8 @@ uint8_t matteOf(ComponentKey key, Pixel p, Colour pick, float range, int32_t bla
 uint8_t chromaMatteOf(const reference::ChromaArguments& a, Pixel p) {
     return matteOf(
         [&](ImageEngine& e, bool keep, bool invert) {
-            return chromaKey(e, a.huePick, a.innerHue, a.outerHue, a.satPick, a.innerSat, a.outerSat,
-                             a.valPick, a.innerVal, a.outerVal, keep, invert);
+            return chromaKey(e, {a.huePick, a.innerHue, a.outerHue}, {a.satPick, a.innerSat, a.outerSat},
+                             {a.valPick, a.innerVal, a.outerVal}, keep, invert);
         },
         p);
 }
@@ -65,7 +65,7 @@ TEST(HueSpan, GivesTheConversionsHuesForEveryColour) {
     for (int32_t blue = 0; blue < 256; blue += blue < 4 || blue > 250 ? 1 : 7) {
         for (size_t i = 0; i < pixels.size(); ++i)
             pixels[i] = {uint8_t(blue), uint8_t(i), uint8_t(i >> 8), 9};
-        huesOf(pixels.data(), ptrdiff_t(pixels.size()), -1.0f, hues.data());
+        huesOf(pixels.data(), size_t(pixels.size()), -1.0f, hues.data());
         for (size_t i = 0; i < pixels.size(); ++i) {
             const Pixel& p = pixels[i];
             ASSERT_EQ(hues[i], rgbToHsv(unit[p.red], unit[p.green], unit[p.blue]).hue)
@@ -94,7 +94,9 @@ TEST(ChromaKey, TellsTheBackingFromTheRest) {
 TEST(ChromaKey, MakesKeyedPixelsTransparentOrRaisesTheOthers) {
     const Picture source(2, {{0, 255, 0, 200}, {0, 0, 255, 100}});
     const auto key = [](bool keep, bool invert) {
-        return [=](ImageEngine& e) { return chromaKey(e, 120, 30, 30, 1, 50, 20, 1, 60, 20, keep, invert); };
+        return [=](ImageEngine& e) {
+            return chromaKey(e, {120, 30, 30}, {1, 50, 20}, {1, 60, 20}, keep, invert);
+        };
     };
     const auto alphas = [&](bool keep, bool invert) {
         const Picture result = source.after(key(keep, invert));
@@ -141,8 +143,8 @@ TEST(ChromaKey, IsOffWhereAnyComponentIsOutside) {
 void expectChromaAsReference(const Picture& source, const reference::ChromaArguments& a, bool keep,
                              bool invert) {
     const auto key = [&](ImageEngine& e) {
-        return chromaKey(e, a.huePick, a.innerHue, a.outerHue, a.satPick, a.innerSat, a.outerSat, a.valPick,
-                         a.innerVal, a.outerVal, keep, invert);
+        return chromaKey(e, {a.huePick, a.innerHue, a.outerHue}, {a.satPick, a.innerSat, a.outerSat},
+                         {a.valPick, a.innerVal, a.outerVal}, keep, invert);
     };
     ASSERT_EQ(source.after(key, 3),
               reference::keyed(source, keep, invert,
@@ -186,7 +188,7 @@ TEST(ChromaKey, TakesWhatIsNoNumber) {
 
 TEST(ChromaKey, ReadsColourOnlyAndNeedsAnImage) {
     const auto key = [](ImageEngine& e) {
-        return chromaKey(e, 120, 60, 30, 1, 50, 50, 1, 50, 50, true, false);
+        return chromaKey(e, {120, 60, 30}, {1, 50, 50}, {1, 50, 50}, true, false);
     };
     test::expectSameForAnyBands(key);
     test::expectStateTests(key);

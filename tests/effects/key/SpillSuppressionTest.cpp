@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "effects/key/SpillSuppression.h"
+#include "krlimage/key.h"
 #include "reference/DifferenceKeyReference.h"
 #include "support/Picture.h"
 

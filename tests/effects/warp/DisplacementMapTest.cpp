@@ -5,8 +5,8 @@
 #include <limits>
 
 #include "core/LookupTables.h"
-#include "effects/warp/DisplacementMap.h"
 #include "kernels/colour/ColourSpace.h"
+#include "krlimage/warp.h"
 #include "reference/WarpReference.h"
 
 namespace krl::test {
@@ -20,8 +20,8 @@ struct Displacement {
 
 auto displacing(const Picture& one, const Picture& two, Displacement d) {
     return [&one, &two, d](ImageEngine& e) {
-        return displacementMapComposite(e, one.asSecondImage(), d.one, two.asSecondImage(), d.two, d.across,
-                                        d.down, d.edge);
+        return displacementMapComposite(e, {one.asSecondImage(), d.one}, {two.asSecondImage(), d.two},
+                                        d.across, d.down, d.edge);
     };
 }
 
@@ -145,8 +145,8 @@ TEST(DisplacementMap, RefusesMapsOfAnotherSize) {
                   kStatusRefused);
     }
     EXPECT_EQ(picture.apply([](ImageEngine& e) {
-        const SecondImage none{nullptr, {6, 5, 24, 0, 0, 0}};
-        return displacementMapComposite(e, none, MapOption::Red, none, MapOption::Red, 5, 5, MapEdge::Wrap);
+        const DisplacementMap none{{nullptr, {6, 5, 24, 0, 0, 0}}, MapOption::Red};
+        return displacementMapComposite(e, none, none, 5, 5, MapEdge::Wrap);
     }),
               kStatusRefused);
     EXPECT_EQ(picture, before);

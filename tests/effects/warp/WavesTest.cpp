@@ -2,8 +2,7 @@
 
 #include <limits>
 
-#include "effects/warp/Twirl.h"
-#include "effects/warp/Waves.h"
+#include "krlimage/warp.h"
 #include "reference/WarpReference.h"
 
 namespace krl::test {
@@ -16,7 +15,7 @@ constexpr float kHalfTurn = 3.14159265f;
 
 auto waving(WaveNumbers n, WaveEdge edge, SampleQuality quality, ChannelTarget target = ChannelTarget::RGBA) {
     return [=](ImageEngine& e) {
-        return waves(e, n.amplitude, n.frequency, n.horizPhase, n.vertPhase, n.hPercent, n.vPercent, edge,
+        return waves(e, {n.amplitude, n.frequency, n.horizPhase, n.vertPhase, n.hPercent, n.vPercent, edge},
                      quality, target);
     };
 }

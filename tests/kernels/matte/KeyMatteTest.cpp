@@ -27,9 +27,9 @@ TEST(KeyMatte, RunsGiveWhatPixelsGive) {
         for (const bool invert : {false, true}) {
             const auto byPixel = [&](ImageEngine& e) { return keyEachPixel(e, keep, invert, matteOf); };
             const auto bySpan = [&](ImageEngine& e) {
-                return keyEachSpan(e, keep, invert, [&](const Pixel* p, ptrdiff_t count, uint8_t* mattes) {
-                    ASSERT_LE(count, kMatteBatch);
-                    for (ptrdiff_t i = 0; i < count; ++i) mattes[i] = matteOf(p[i]);
+                return keyEachSpan(e, keep, invert, [&](const Pixel* p, size_t count, uint8_t* mattes) {
+                    ASSERT_LE(count, kBatchPixels);
+                    for (size_t i = 0; i < count; ++i) mattes[i] = matteOf(p[i]);
                 });
             };
             const Picture source = Picture::random(131, 17);

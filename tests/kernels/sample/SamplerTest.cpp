@@ -140,15 +140,15 @@ void expectRunsEqualGeneral(int32_t width, int32_t height) {
     Random random(7);
     for (int repeat = 0; repeat < 60; ++repeat) {
         const auto count = size_t(1 + random.next() % width);
-        float x[kSampleBatch], y[kSampleBatch];
-        Pixel run[kSampleBatch], row[kSampleBatch], columns[kSampleBatch];
+        float x[kBatchPixels], y[kBatchPixels];
+        Pixel run[kBatchPixels], row[kBatchPixels], columns[kBatchPixels];
         for (size_t i = 0; i < count; ++i) {
             x[i] = anyCoordinate(random, width);
             y[i] = anyCoordinate(random, height);
             run[i] = row[i] = columns[i] = kMark;
         }
         const int32_t line = repeat % height, first = width - int32_t(count);
-        sampler.run(run, y, x, count);
+        sampler.sample(run, y, x, count);
         sampler.alongRow(row, line, x, count);
         sampler.downColumns(columns, y, first, count);
         for (size_t i = 0; i < count; ++i) {
