@@ -2,7 +2,7 @@
 # bytes come out of every build.
 add_library(krl_compiler INTERFACE)
 target_compile_options(krl_compiler INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion $<$<BOOL:${KRL_WERROR}>:-Werror>
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>  # false of joined strings in this compiler
   -ffp-contract=off -fno-fast-math -fno-math-errno -fno-trapping-math
   # This pass of some releases forgets to round a double to single precision and back.

@@ -1,5 +1,5 @@
 # What an installation holds: the command line with its manual page and completion, the plug-in as a
-# module, and the engine as a library with its headers, found by CMake and by pkg-config.
+# module, the C interface and the engine as libraries with their headers, found by CMake and by pkg-config.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -8,7 +8,12 @@ target_compile_features(krlengine PUBLIC cxx_std_20)
 target_include_directories(krlengine PUBLIC
   $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/krlimage>)
 target_link_libraries(krlengine PUBLIC $<INSTALL_INTERFACE:Threads::Threads>)
-install(TARGETS krlengine EXPORT krlimage COMPONENT library)
+set_target_properties(krlc PROPERTIES EXPORT_NAME krlimage)
+set_target_properties(krlc_static PROPERTIES EXPORT_NAME static)
+target_include_directories(krlc INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+target_include_directories(krlc_static INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+install(TARGETS krlc krlc_static krlengine EXPORT krlimage COMPONENT library)
+install(FILES include/krlimage.h COMPONENT library DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT krlimage NAMESPACE krlimage:: FILE krlimageTargets.cmake COMPONENT library
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/krlimage)
 install(DIRECTORY include/krlimage COMPONENT library DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
@@ -27,9 +32,11 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/krlimageConfig.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/krlimage)
 # Relative, so that an installation can be moved.
 file(RELATIVE_PATH up_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
-configure_file(cmake/krlimage.pc.in ${CMAKE_CURRENT_BINARY_DIR}/krlimage.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/krlimage.pc COMPONENT library
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+foreach(module krlimage krlimage-engine)
+  configure_file(cmake/${module}.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${module}.pc @ONLY)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${module}.pc COMPONENT library
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()
 
 install(TARGETS krlImageXtra LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/krlimage COMPONENT program)
 install(TARGETS krlimage COMPONENT program)
