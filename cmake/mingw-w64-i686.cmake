@@ -1,13 +1,19 @@
-# 32-bit Windows from Linux: mingw-w64 with posix threads, everything of its own linked in.
+# 32-bit Windows from Linux: mingw-w64 with everything of its own linked in. The compiler with the
+# system's own threads brings no thread library along, whose imports old releases of Windows lack.
+if(NOT krl_mingw_threads)
+  set(krl_mingw_threads win32)
+endif()
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
-set(CMAKE_C_COMPILER i686-w64-mingw32-gcc-posix)
-set(CMAKE_CXX_COMPILER i686-w64-mingw32-g++-posix)
+set(CMAKE_C_COMPILER i686-w64-mingw32-gcc-${krl_mingw_threads})
+set(CMAKE_CXX_COMPILER i686-w64-mingw32-g++-${krl_mingw_threads})
 set(CMAKE_RC_COMPILER i686-w64-mingw32-windres)
 set(CMAKE_FIND_ROOT_PATH /usr/i686-w64-mingw32)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+# Callers of this system align the stack to 4 bytes, vectors want it at 16.
+set(CMAKE_CXX_FLAGS_INIT "-mstackrealign")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
 set(CMAKE_MODULE_LINKER_FLAGS_INIT "-static")

@@ -3,30 +3,45 @@
 #include <cmath>
 #include <exception>
 #include <new>
-#include <system_error>
-#include <thread>
 #include <vector>
 
 #include "core/Faults.h"
+#include "core/Thread.h"
 
 namespace krl {
 
 namespace {
 
-struct BandTask {
-    std::thread thread;
-    std::exception_ptr failure;
+/// One band on a thread of its own.
+class BandTask final : public ThreadTask {
+public:
+    BandTask(int32_t band, const std::function<void(int32_t)>& work) : band_(band), work_(&work) {}
+
+    void run() noexcept override {
+        try {
+            (*work_)(band_);
+        } catch (...) {
+            failure_ = std::current_exception();
+        }
+    }
+    void rethrowFailure() const {
+        if (failure_) std::rethrow_exception(failure_);
+    }
+
+private:
+    int32_t band_;
+    const std::function<void(int32_t)>* work_;
+    std::exception_ptr failure_;
 };
 
 /// The bands that run on threads of their own; none outlives this object.
 class Workers {
 public:
-    ~Workers() { join(); }
-
     /// Room for `count` threads, so that starting one allocates nothing here.
     bool reserve(size_t count) {
         try {
             tasks_.reserve(count);
+            threads_.reserve(count);
             return true;
         } catch (const std::bad_alloc&) {
             return false;
@@ -34,36 +49,24 @@ public:
     }
 
     Status start(int32_t band, const std::function<void(int32_t)>& work) {
-        BandTask& task = tasks_.emplace_back();
+        BandTask& task = tasks_.emplace_back(band, work);
         if (!Faults::grant(faults().threads)) return kStatusThreadFailed;
         try {
-            task.thread = std::thread([&task, &work, band] {
-                try {
-                    work(band);
-                } catch (...) {
-                    task.failure = std::current_exception();
-                }
-            });
+            return threads_.start(task) ? kStatusOk : kStatusThreadFailed;
         } catch (const std::bad_alloc&) {
             return kStatusNoTaskMemory;
-        } catch (const std::system_error&) {
-            return kStatusThreadFailed;
         }
-        return kStatusOk;
     }
 
-    void join() {
-        for (BandTask& task : tasks_)
-            if (task.thread.joinable()) task.thread.join();
-    }
+    void join() { threads_.join(); }
 
     void rethrowFailure() const {
-        for (const BandTask& task : tasks_)
-            if (task.failure) std::rethrow_exception(task.failure);
+        for (const BandTask& task : tasks_) task.rethrowFailure();
     }
 
 private:
     std::vector<BandTask> tasks_;
+    ThreadGroup threads_;  ///< ends before its tasks go
 };
 
 }  // namespace

@@ -1,14 +1,12 @@
-#include <algorithm>
-#include <thread>
-
 #include "core/LookupTables.h"
 #include "core/Scratch.h"
+#include "core/Thread.h"
 #include "krlimage/engine.h"
 
 namespace krl {
 
-ImageEngine::ImageEngine() = default;
-ImageEngine::~ImageEngine() { releaseIdleScratch(); }
+ImageEngine::ImageEngine() : scratch_(std::make_unique<ScratchAllowance>()) {}
+ImageEngine::~ImageEngine() = default;
 
 void ImageEngine::allocateTables() { lookupTables_ = std::make_unique<LookupTables>(); }
 
@@ -21,7 +19,7 @@ void ImageEngine::configureExecution(bool singleThreaded) {
         threadCount_ = 1;
         return;
     }
-    threadCount_ = std::max(1, static_cast<int32_t>(std::thread::hardware_concurrency()));
+    threadCount_ = processorCount();
     selectInstructionSet(3);
 }
 
@@ -45,11 +43,22 @@ void ImageEngine::load(uint8_t* pixels, const ImageInfo& info) {
     buffer->rowBytes = info.rowBytes;
     buffer->end = pixels ? pixels + ptrdiff_t(info.rowBytes) * info.height : nullptr;
     buffer_ = std::move(buffer);
+    allowScratch();
+}
+
+void ImageEngine::keepScratch(bool keep) {
+    keepsScratch_ = keep;
+    allowScratch();
+}
+
+void ImageEngine::allowScratch() {
+    const bool allowed = keepsScratch_ && buffer_ && buffer_->end > buffer_->pixels;
+    scratch_->set(allowed ? buffer_->bytes() : 0);
 }
 
 void ImageEngine::unload() {
     buffer_.reset();
-    releaseIdleScratch();
+    allowScratch();
 }
 
 void ImageEngine::clear() {

@@ -8,8 +8,11 @@
 #include <utility>
 
 #include "core/Faults.h"
+#include "core/Thread.h"
 
-#if defined(__linux__)
+#if defined(_WIN32)
+#include <windows.h>
+#elif defined(__linux__)
 #include <sys/mman.h>
 #endif
 
@@ -19,10 +22,11 @@ namespace {
 
 /// What stands before every block, in a cache line of its own.
 struct BlockHead {
+    void* base;       ///< what the system gave
     size_t capacity;  ///< bytes after the head
 };
 constexpr size_t kHeadBytes = 64;
-constexpr std::align_val_t kAlignment{64};
+constexpr size_t kAlignment = 64;
 
 BlockHead& headOf(void* block) {
     return *reinterpret_cast<BlockHead*>(static_cast<char*>(block) - kHeadBytes);
@@ -40,24 +44,37 @@ void useLargePages([[maybe_unused]] void* block, [[maybe_unused]] size_t bytes) 
 #endif
 }
 
+#if defined(_WIN32)
+void* systemBlock(size_t bytes) {
+    void* base = HeapAlloc(GetProcessHeap(), 0, bytes);
+    return base ? base : throw std::bad_alloc();
+}
+void freeSystemBlock(void* base) noexcept { HeapFree(GetProcessHeap(), 0, base); }
+#else
+void* systemBlock(size_t bytes) { return ::operator new(bytes); }
+void freeSystemBlock(void* base) noexcept { ::operator delete(base); }
+#endif
+
 void* allocate(size_t bytes) {
-    if (bytes > SIZE_MAX - kHeadBytes) throw std::bad_alloc();
-    void* base = ::operator new(bytes + kHeadBytes, kAlignment);
-    useLargePages(base, bytes + kHeadBytes);
-    void* block = static_cast<char*>(base) + kHeadBytes;
-    headOf(block).capacity = bytes;
+    constexpr size_t kBeside = kHeadBytes + kAlignment - 1;
+    if (bytes > SIZE_MAX - kBeside) throw std::bad_alloc();
+    void* base = systemBlock(bytes + kBeside);
+    const uintptr_t place = (reinterpret_cast<uintptr_t>(base) + kBeside) / kAlignment * kAlignment;
+    void* block = static_cast<char*>(base) + (place - reinterpret_cast<uintptr_t>(base));
+    headOf(block) = {base, bytes};
+    useLargePages(base, bytes + kBeside);
     return block;
 }
 
 void release(void* block) noexcept {
-    if (block) ::operator delete(static_cast<char*>(block) - kHeadBytes, kAlignment);
+    if (block) freeSystemBlock(headOf(block).base);
 }
 
 /// The few large blocks given back last, for the next effect on a picture of that size: taking a
 /// block from the system means clearing it, which would be a third of a fast effect's time.
 class IdleBlocks {
 public:
-    ~IdleBlocks() { releaseAll(); }
+    ~IdleBlocks() { shrinkTo(0); }
 
     void* take(size_t bytes) noexcept {
         const std::lock_guard lock(mutex_);
@@ -65,24 +82,54 @@ public:
             return block && headOf(block).capacity >= bytes && headOf(block).capacity / 2 <= bytes;
         };
         const auto found = std::find_if(blocks_.begin(), blocks_.end(), fits);
-        return found == blocks_.end() ? nullptr : std::exchange(*found, nullptr);
+        if (found == blocks_.end()) return nullptr;
+        held_ -= headOf(*found).capacity;
+        return std::exchange(*found, nullptr);
     }
 
-    /// Keeps `block` in the place of the one that came first.
+    /// Keeps `block`, if it is allowed, in the place of those that came first.
     void keep(void* block) noexcept {
         const std::lock_guard lock(mutex_);
+        const size_t bytes = headOf(block).capacity;
+        if (bytes > allowed_) return release(block);
+        shrinkTo(allowed_ - bytes);
         std::rotate(blocks_.begin(), blocks_.end() - 1, blocks_.end());
-        release(std::exchange(blocks_.front(), block));
+        drop(blocks_.front());
+        blocks_.front() = block;
+        held_ += bytes;
+    }
+
+    void changeAllowance(size_t from, size_t to) noexcept {
+        const std::lock_guard lock(mutex_);
+        allowed_ += to - from;
+        shrinkTo(allowed_);
     }
 
     void releaseAll() noexcept {
         const std::lock_guard lock(mutex_);
-        for (void*& block : blocks_) release(std::exchange(block, nullptr));
+        shrinkTo(0);
+    }
+
+    size_t held() noexcept {
+        const std::lock_guard lock(mutex_);
+        return held_;
     }
 
 private:
-    std::mutex mutex_;
-    std::array<void*, 3> blocks_{};
+    /// Those that came first go first.
+    void shrinkTo(size_t bytes) noexcept {
+        for (auto block = blocks_.rbegin(); block != blocks_.rend() && held_ > bytes; ++block) drop(*block);
+    }
+
+    void drop(void*& block) noexcept {
+        if (block) held_ -= headOf(block).capacity;
+        release(std::exchange(block, nullptr));
+    }
+
+    Mutex mutex_;
+    std::array<void*, 3> blocks_{};  ///< the last given back first
+    size_t held_ = 0;
+    size_t allowed_ = 0;
 };
 
 IdleBlocks& idleBlocks() {
@@ -128,5 +175,12 @@ void giveScratch(void* block) noexcept {
 }
 
 void releaseIdleScratch() noexcept { idleBlocks().releaseAll(); }
+
+size_t idleScratchBytes() noexcept { return idleBlocks().held(); }
+
+void ScratchAllowance::set(size_t bytes) noexcept {
+    idleBlocks().changeAllowance(bytes_, bytes);
+    bytes_ = bytes;
+}
 
 }  // namespace krl

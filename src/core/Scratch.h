@@ -10,10 +10,28 @@ namespace krl {
 
 /// Takes one block of `bytes`, uninitialised. Throws `std::bad_alloc`.
 void* takeScratch(size_t bytes);
-/// Gives a block back. A few large ones stay at hand for the effects that follow.
+/// Gives a block back. Where it is allowed, a few large ones stay at hand for the effects that follow.
 void giveScratch(void* block) noexcept;
-/// Returns the blocks at hand to the system; an engine does it when its picture goes.
+/// Returns the blocks at hand to the system.
 void releaseIdleScratch() noexcept;
+/// Bytes of the blocks at hand.
+size_t idleScratchBytes() noexcept;
+
+/// How many bytes may stay at hand between calls for the sake of its owner. What the whole process
+/// keeps is never more than the sum of all allowances, which is nothing at the start.
+class ScratchAllowance {
+public:
+    ScratchAllowance() = default;
+    ~ScratchAllowance() { set(0); }
+    ScratchAllowance(const ScratchAllowance&) = delete;
+    ScratchAllowance& operator=(const ScratchAllowance&) = delete;
+
+    /// Returns to the system what is then too much.
+    void set(size_t bytes) noexcept;
+
+private:
+    size_t bytes_ = 0;
+};
 
 /// A picture-sized working block, uninitialised, owned for the length of one call.
 template <class Element>

@@ -1,20 +1,14 @@
-#include <chrono>
 #include <memory>
 #include <string_view>
 #include <utility>
 
+#include "core/Thread.h"
 #include "host/HostCall.h"
 
 /// What the methods do that manage the engine instead of rewriting pixels.
 namespace krl::host {
 
 namespace {
-
-/// Milliseconds of a clock that only runs forward; wraps with 32 bits.
-uint32_t tickCount() {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return static_cast<uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
-}
 
 Outcome startTimer(HostCall& call) {
     call.instance().timerStart = tickCount();
@@ -40,6 +34,7 @@ Outcome createLookupTables(HostCall& call) {
     engine->allocateTables();
     engine->buildTables();
     engine->configureExecution(!threaded);
+    engine->keepScratch(false);  // the host's process may have little room
     call.instance().engine = engine.release();
     return {nullptr, unread};
 }

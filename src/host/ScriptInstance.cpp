@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "core/DefinedFloats.h"
 #include "host/HostCall.h"
 #include "host/Identifiers.h"
 #include "host/InterfaceObject.h"
@@ -27,6 +28,7 @@ void releaseAndClear(HostInterface*& service) {
 
 /// One method on one script object: what the operations table and `Call` come down to.
 HostStatus invoke(ScriptInstance& instance, CallInfo& info, int32_t selector) {
+    const DefinedFloats floats;
     try {
         if (selector < 1 || static_cast<size_t>(selector) > methods().size()) return kHostOk;
         const Method* method = methods()[static_cast<size_t>(selector - 1)];

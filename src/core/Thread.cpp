@@ -1,0 +1,101 @@
+#include "core/Thread.h"
+
+#include <algorithm>
+
+#include "core/DefinedFloats.h"
+
+#if defined(_WIN32)
+#include <windows.h>
+
+#include <new>
+#else
+#include <chrono>
+#include <system_error>
+#endif
+
+namespace krl {
+
+#if defined(_WIN32)
+
+namespace {
+
+/// Room for a handle is taken beforehand: a thread that runs must not be lost.
+void makeRoom(std::vector<void*>& handles) {
+    if (handles.size() == handles.capacity()) handles.reserve(2 * handles.size() + 1);
+}
+
+DWORD WINAPI runTask(void* task) {
+    const DefinedFloats floats;
+    static_cast<ThreadTask*>(task)->run();
+    return 0;
+}
+
+CRITICAL_SECTION* sectionIn(unsigned char* storage) { return reinterpret_cast<CRITICAL_SECTION*>(storage); }
+
+}  // namespace
+
+int32_t processorCount() {
+    SYSTEM_INFO info;
+    GetSystemInfo(&info);
+    return std::max(1, static_cast<int32_t>(info.dwNumberOfProcessors));
+}
+
+uint32_t tickCount() { return GetTickCount(); }
+
+bool ThreadGroup::start(ThreadTask& task) {
+    makeRoom(threads_);
+    DWORD identifier = 0;
+    void* const thread = CreateThread(nullptr, 0, runTask, &task, 0, &identifier);
+    if (!thread) return false;
+    threads_.push_back(thread);
+    return true;
+}
+
+/// The system waits for so many handles at once and no more, hence in turns.
+void ThreadGroup::join() {
+    constexpr size_t kMost = MAXIMUM_WAIT_OBJECTS;
+    for (size_t first = 0; first < threads_.size(); first += kMost) {
+        const size_t count = std::min(threads_.size() - first, kMost);
+        WaitForMultipleObjects(static_cast<DWORD>(count), threads_.data() + first, TRUE, INFINITE);
+    }
+    for (void* thread : threads_) CloseHandle(thread);
+    threads_.clear();
+}
+
+Mutex::Mutex() {
+    static_assert(sizeof(section_) >= sizeof(CRITICAL_SECTION));
+    InitializeCriticalSection(new (section_) CRITICAL_SECTION);
+}
+Mutex::~Mutex() { DeleteCriticalSection(sectionIn(section_)); }
+void Mutex::lock() { EnterCriticalSection(sectionIn(section_)); }
+void Mutex::unlock() { LeaveCriticalSection(sectionIn(section_)); }
+
+#else
+
+int32_t processorCount() { return std::max(1, static_cast<int32_t>(std::thread::hardware_concurrency())); }
+
+uint32_t tickCount() {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+}
+
+bool ThreadGroup::start(ThreadTask& task) {
+    try {
+        threads_.emplace_back([&task] {
+            const DefinedFloats floats;
+            task.run();
+        });
+        return true;
+    } catch (const std::system_error&) {
+        return false;
+    }
+}
+
+void ThreadGroup::join() {
+    for (std::thread& thread : threads_) thread.join();
+    threads_.clear();
+}
+
+#endif
+
+}  // namespace krl
