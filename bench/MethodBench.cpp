@@ -41,6 +41,7 @@ public:
           instance_(xtra_.newInstance()) {
         send("krlImageCreateLookupTables", Value::symbol(host_.symbols.symbol(oneBand ? "st" : "mt")));
         send("krlImageLoad", picture_);
+        beside_.keepScratch(false);  // as in a plug-in
         beside_.load(bytes(), infoOf(clean_));
         beside_.setThreadCount(oneBand ? 1 : int32_t(std::thread::hardware_concurrency()));
     }
