@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "core/LookupTables.h"
 #include "kernels/blend/ShortProducts.h"
 #include "support/Picture.h"
 
