@@ -6,7 +6,7 @@ include(CMakePackageConfigHelpers)
 set_target_properties(krlengine PROPERTIES EXPORT_NAME engine)
 target_compile_features(krlengine PUBLIC cxx_std_20)
 target_include_directories(krlengine PUBLIC
-  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/krlimage>)
+  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 target_link_libraries(krlengine PUBLIC $<INSTALL_INTERFACE:Threads::Threads>)
 set_target_properties(krlc PROPERTIES EXPORT_NAME krlimage)
 set_target_properties(krlc_static PROPERTIES EXPORT_NAME static)
@@ -18,10 +18,6 @@ install(EXPORT krlimage NAMESPACE krlimage:: FILE krlimageTargets.cmake COMPONEN
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/krlimage)
 install(DIRECTORY include/krlimage COMPONENT library DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   FILES_MATCHING PATTERN "*.h")
-foreach(subsystem core kernels effects)
-  install(DIRECTORY src/${subsystem} COMPONENT library
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/krlimage FILES_MATCHING PATTERN "*.h")
-endforeach()
 
 configure_package_config_file(cmake/krlimageConfig.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/krlimageConfig.cmake
   INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/krlimage)

@@ -27,7 +27,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
-#if defined(__GNUC__)
+#if defined(__GNUC__) && !defined(_WIN32)
 #define KRL_API __attribute__((visibility("default")))
 #else
 #define KRL_API
@@ -135,7 +135,7 @@ KRL_API krl_value* krl_copy(const krl_value* value);
 KRL_API void krl_value_free(krl_value* value);
 
 /* Adds `item` to the end of a list, or under `key` to the end of a property list. Takes `item` and `key`
- * over, even where it fails. Lists are at most 64 deep. */
+ * over, even where it fails, except that no value can be two of the three. Lists are at most 64 deep. */
 KRL_API krl_code krl_list_add(krl_value* list, krl_value* item);
 KRL_API krl_code krl_property_list_add(krl_value* list, krl_value* key, krl_value* item);
 
@@ -215,8 +215,8 @@ KRL_API krl_code krl_result_code(const krl_result* result);
 /* What happened in words for people, such as "brightness: brightnessInt: expected an integer, got #a"; empty
  * for KRL_OK. */
 KRL_API const char* krl_result_message(const krl_result* result);
-/* The text that scripts get in `error`, letter for letter; empty for KRL_OK and where no method was reached.
- */
+/* The text that scripts get in `error`, letter for letter; empty for KRL_OK, and for mistakes that a script
+ * cannot make or that the method lets pass there. */
 KRL_API const char* krl_result_error(const krl_result* result);
 /* The entries of the result, a property list, or for a method with the flag KRL_MAKES_PICTURE_LIST a list of
  * pictures; empty for most methods and after a failure. Its pictures have the order of the picture that the
