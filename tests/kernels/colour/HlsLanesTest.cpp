@@ -5,6 +5,7 @@
 
 #include "kernels/colour/ColourSpace.h"
 #include "kernels/colour/HlsLanes.h"
+#include "kernels/colour/LaneColours.h"
 #include "support/Colours.h"
 
 namespace krl::test {
@@ -30,16 +31,10 @@ TEST(HlsLanes, GivesBytesForEveryHueOfOneTurn) {
 }
 
 TEST(HlsLanes, HoldTheEquationForEveryColour) {
-    ColourLanes colours;
     HlsLanes hls;
     for (int red : allReds())
         for (int green = 0; green < 256; ++green) {
-            for (size_t i = 0; i < kBatchPixels; ++i) {
-                colours.red[i] = red;
-                colours.green[i] = green;
-                colours.blue[i] = int32_t(i % 256);
-            }
-            toHls(colours, hls);
+            toHls(everyBlue(red, green), hls);
             for (size_t i = 0; i < kBatchPixels; ++i)
                 ASSERT_EQ((Hls{hls.hue[i], hls.lightness[i], hls.saturation[i]}),
                           rgbToHls(red, green, int32_t(i % 256)));

@@ -3,6 +3,7 @@
 #include "core/LookupTables.h"
 #include "kernels/colour/ColourSpace.h"
 #include "kernels/colour/HsvLanes.h"
+#include "kernels/colour/LaneColours.h"
 #include "support/Colours.h"
 
 namespace krl::test {
@@ -10,16 +11,10 @@ namespace {
 
 TEST(HsvLanes, HoldTheEquationForEveryColour) {
     const float* unit = sharedTables().unitFromByte;
-    ColourLanes colours;
     HsvLanes hsv;
     for (int red : allReds())
         for (int green = 0; green < 256; ++green) {
-            for (size_t i = 0; i < kBatchPixels; ++i) {
-                colours.red[i] = red;
-                colours.green[i] = green;
-                colours.blue[i] = int32_t(i % 256);
-            }
-            toHsv(colours, hsv);
+            toHsv(everyBlue(red, green), hsv);
             for (size_t i = 0; i < kBatchPixels; ++i) {
                 const Hsv expected = rgbToHsv(unit[red], unit[green], unit[i % 256]);
                 ASSERT_EQ(hsv.turn[i], expected.hue == -1 ? 0 : expected.hue / 60.0f) << red << ' ' << green;
