@@ -12,6 +12,11 @@ namespace {
 
 std::atomic<int64_t> liveBytes = 0;
 
+void giveBack(void* block) {
+    liveBytes -= static_cast<int64_t>(malloc_usable_size(block));
+    std::free(block);
+}
+
 }  // namespace
 
 void* operator new(size_t bytes) {
@@ -21,12 +26,8 @@ void* operator new(size_t bytes) {
     return block;
 }
 
-void operator delete(void* block) noexcept {
-    liveBytes -= static_cast<int64_t>(malloc_usable_size(block));
-    std::free(block);
-}
-
-void operator delete(void* block, size_t) noexcept { operator delete(block); }
+void operator delete(void* block) noexcept { giveBack(block); }
+void operator delete(void* block, size_t) noexcept { giveBack(block); }
 
 namespace krl::host {
 namespace {

@@ -242,9 +242,8 @@ TEST_F(Apply, MakesNoFolderThatIsNamedAsAPicture) {
 }
 
 TEST_F(Apply, TellsResultsAsJson) {
-    const CliResult done =
-        krlimage({"apply", picture("in.pam"), "-o", at("out.pam"), "--json", "brightness(40)",
-                  "displacementMapComposite(image(1, 1, 32), #red, image(0, 1, 32), #red)"});
+    const CliResult done = krlimage({"apply", picture("in.pam"), "-o", at("out.pam"), "--json",
+                                     "brightness(40)", "composite(image(1, 1, 32), #normal)"});
     EXPECT_EQ(done.code, 1);
     const auto json = nlohmann::json::parse(done.out);
     ASSERT_EQ(json.size(), 1u);
