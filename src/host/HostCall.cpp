@@ -12,6 +12,15 @@ ValueHandle handleOf(const ScriptValue& value) {
     return {{static_cast<uint32_t>(value.words[0]), static_cast<uint32_t>(value.words[1])}};
 }
 
+constexpr SymbolId kNoSymbol = -1;
+
+/// What `Op` gives; VOID where the host refuses, whatever it wrote.
+template <class Op, class... Arguments>
+ScriptValue given(HostInterface* service, Arguments... arguments) {
+    ScriptValue value;
+    return Op::call(service, arguments..., &value) == kHostOk ? value : ScriptValue{};
+}
+
 }  // namespace
 
 ValueHandle HostCall::argument(size_t index) { return handleOf(raw(index)); }
@@ -45,9 +54,8 @@ CallCode HostCall::readSymbol(const ValueHandle& value, SymbolId& out) {
 }
 
 SymbolId HostCall::symbol(const char* name) {
-    SymbolId symbol = -1;
-    values::InternSymbol::call(values(), name, &symbol);
-    return symbol;
+    SymbolId symbol = kNoSymbol;
+    return values::InternSymbol::call(values(), name, &symbol) == kHostOk ? symbol : kNoSymbol;
 }
 
 int32_t HostCall::countElements(const ValueHandle& list) {
@@ -73,8 +81,8 @@ CallCode HostCall::propertyAt(const ValueHandle& list, int32_t index, ValueHandl
 
 CallCode HostCall::elementUnder(const ValueHandle& list, const char* key, ValueHandle& out) {
     const ScriptValue words = wordsOf(list);
-    ScriptValue keyValue, value;
-    values::SymbolToValue::call(values(), symbol(key), &keyValue);
+    ScriptValue keyValue = given<values::SymbolToValue>(values(), symbol(key));
+    ScriptValue value;
     const HostStatus status = lists::GetElementByKey::call(instance_.lists, &words, &keyValue, &value);
     out = handleOf(value);
     values::ReleaseValue::call(values(), &keyValue);
@@ -88,7 +96,9 @@ CallCode HostCall::release(const ValueHandle& value) {
 
 CallCode HostCall::describePicture(const ValueHandle& picture, ImageInfo& out) {
     const ScriptValue words = wordsOf(picture);
-    return images::QueryImage::call(images(), &words, &out);
+    const HostStatus status = images::QueryImage::call(images(), &words, &out);
+    if (status != kHostOk) out = {};
+    return status;
 }
 
 CallCode HostCall::lockPicture(const ValueHandle& picture, uint8_t*& out) {
@@ -114,31 +124,23 @@ CallCode HostCall::makePicture(int32_t width, int32_t height, ValueHandle& out) 
 void HostCall::addEntry(const char* key, const ScriptValue& value) { entries_[entryCount_++] = {key, value}; }
 
 void HostCall::give(const char* key, double number) {
-    ScriptValue value;
-    values::FloatToValue::call(values(), number, &value);
-    addEntry(key, value);
+    addEntry(key, given<values::FloatToValue>(values(), number));
 }
 
 void HostCall::give(const char* key, Colour colour) {
     const ColourRecord record{colour.red(), colour.green(), colour.blue()};
-    ScriptValue value;
-    colours::ColorToValue::call(instance_.colours, &record, &value);
-    addEntry(key, value);
+    addEntry(key, given<colours::ColorToValue>(instance_.colours, &record));
 }
 
 void HostCall::giveSymbol(const char* key, const char* name) {
-    ScriptValue value;
-    values::SymbolToValue::call(values(), symbol(name), &value);
-    addEntry(key, value);
+    addEntry(key, given<values::SymbolToValue>(values(), symbol(name)));
 }
 
 void HostCall::givePicture(const char* key, const ValueHandle& picture) { addEntry(key, wordsOf(picture)); }
 
 CallCode HostCall::answerWithPicture(const char* key, const ValueHandle& picture) {
-    ScriptValue result, zero, image = wordsOf(picture);
-    lists::NewPropertyList::call(instance_.lists, &result);
-    values::IntegerToValue::call(values(), 0, &zero);
-    append(result, "error", zero);
+    ScriptValue result = given<lists::NewPropertyList>(instance_.lists), image = wordsOf(picture);
+    append(result, "error", given<values::IntegerToValue>(values(), 0));
     append(result, key, image);
     if (HostStatus status = values::ReleaseValue::call(values(), &image)) {
         values::ReleaseValue::call(values(), &result);
@@ -148,11 +150,7 @@ CallCode HostCall::answerWithPicture(const char* key, const ValueHandle& picture
     return kHostOk;
 }
 
-void HostCall::beginPictureList() {
-    ScriptValue list;
-    lists::NewList::call(instance_.lists, &list);
-    answerWith(list);
-}
+void HostCall::beginPictureList() { answerWith(given<lists::NewList>(instance_.lists)); }
 
 void HostCall::addToPictureList(const ValueHandle& picture) {
     ScriptValue given = wordsOf(picture);
@@ -167,8 +165,7 @@ void HostCall::answerWith(const ScriptValue& value) {
 }
 
 void HostCall::append(const ScriptValue& list, const char* key, const ScriptValue& value) {
-    ScriptValue keyValue;
-    values::SymbolToValue::call(values(), symbol(key), &keyValue);
+    ScriptValue keyValue = given<values::SymbolToValue>(values(), symbol(key));
     lists::AppendProperty::call(instance_.lists, &list, &keyValue, &value);
     values::ReleaseValue::call(values(), &keyValue);
 }
@@ -180,8 +177,8 @@ HostStatus HostCall::run() {
     if (!method_.readsArguments())
         for (const Argument& argument : method_.arguments())
             for (const SymbolChoice& choice : argument.choices) symbol(choice.name);
-    lists::NewPropertyList::call(instance_.lists, &result_);
-    values::SymbolToValue::call(values(), symbol("error"), &errorKey_);
+    result_ = given<lists::NewPropertyList>(instance_.lists);
+    errorKey_ = given<values::SymbolToValue>(values(), symbol("error"));
     if (method_.makesHostQuery()) players::GetItem::call(instance_.player, 1, &instance_.playerItem);
     if (!manages) return finish(Call(*this, method_, engine()).run());
     try {
@@ -204,13 +201,12 @@ HostStatus HostCall::finish(const Outcome& outcome) {
 }
 
 void HostCall::appendError(const Outcome& outcome) {
-    ScriptValue entry;
     if (!outcome.message) {
-        values::IntegerToValue::call(values(), 0, &entry);
-        lists::AppendProperty::call(instance_.lists, &result_, &errorKey_, &entry);
+        const ScriptValue zero = given<values::IntegerToValue>(values(), 0);
+        lists::AppendProperty::call(instance_.lists, &result_, &errorKey_, &zero);
         return;
     }
-    values::StringToValue::call(values(), outcome.message, &entry);
+    ScriptValue entry = given<values::StringToValue>(values(), outcome.message);
     lists::AppendProperty::call(instance_.lists, &result_, &errorKey_, &entry);
     values::ReleaseValue::call(values(), &entry);
 }
