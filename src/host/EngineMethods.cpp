@@ -26,8 +26,8 @@ Outcome stopTimer(HostCall& call) {
 Outcome createLookupTables(HostCall& call) {
     SymbolId mode = 0;
     const HostStatus unread = call.readSymbol(call.argument(0), mode);
-    const bool threaded = unread == kHostOk && mode == call.symbol("mt");
-    if (unread == kHostOk && !threaded && mode != call.symbol("st"))
+    const bool threaded = unread == kHostOk && mode == call.choice(0);
+    if (unread == kHostOk && !threaded && mode != call.choice(1))
         return failure("Create Lookup Tables invalid MT input (Image)");
     delete std::exchange(call.instance().engine, nullptr);
     auto engine = std::make_unique<ImageEngine>();

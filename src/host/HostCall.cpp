@@ -173,10 +173,7 @@ void HostCall::append(const ScriptValue& list, const char* key, const ScriptValu
 HostStatus HostCall::run() {
     const EngineBody manages = engineBody(method_);
     if (method_.isSilent()) return manages(*this).code;
-    // A method that reads its arguments itself has its symbols ready before anything else.
-    if (!method_.readsArguments())
-        for (const Argument& argument : method_.arguments())
-            for (const SymbolChoice& choice : argument.choices) symbol(choice.name);
+    if (!method_.readsArguments()) internChoices();
     result_ = given<lists::NewPropertyList>(instance_.lists);
     errorKey_ = given<values::SymbolToValue>(values(), symbol("error"));
     if (method_.makesHostQuery()) players::GetItem::call(instance_.player, 1, &instance_.playerItem);
@@ -187,6 +184,12 @@ HostStatus HostCall::run() {
     } catch (...) {
         return finish(failure(method_.failedText(), kHostOutOfMemory));
     }
+}
+
+void HostCall::internChoices() {
+    size_t count = 0;
+    for (const SymbolChoice& choice : method_.arguments().front().choices)
+        choices_[count++] = symbol(choice.name);
 }
 
 HostStatus HostCall::finish(const Outcome& outcome) {

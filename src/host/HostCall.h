@@ -25,6 +25,8 @@ public:
     ScriptValue raw(size_t index) const {
         return info_.arguments ? info_.arguments[index + 1] : ScriptValue{};
     }
+    /// Choice `index` of a method that reads its arguments itself: its symbols are ready before all else.
+    SymbolId choice(size_t index) const { return choices_[index]; }
     HostInterface* values() const { return instance_.values; }
     HostInterface* images() const { return instance_.images; }
 
@@ -56,6 +58,7 @@ public:
     void leaveOutError() override { withError_ = false; }
 
 private:
+    void internChoices();
     HostStatus finish(const Outcome& outcome);
     void appendError(const Outcome& outcome);
     void addEntry(const char* key, const ScriptValue& value);
@@ -75,6 +78,7 @@ private:
     static constexpr size_t kMostEntries = 4;
     std::array<Entry, kMostEntries> entries_;
     size_t entryCount_ = 0;
+    std::array<SymbolId, 2> choices_{};
     bool withError_ = true;
     bool replaced_ = false;
 };
