@@ -45,18 +45,20 @@ Outcome destroyLookupTables(HostCall& call) {
 }
 
 Outcome load(HostCall& call) {
-    ScriptInstance& instance = call.instance();
-    instance.imageValue = call.raw(0);
+    ScriptValue& image = call.instance().imageValue;
     ImageInfo info;
-    images::QueryImage::call(call.images(), &instance.imageValue, &info);
-    if (info.height < 1) return failure("Invalid image height (Image)");
-    if (info.width < 1) return failure("Invalid image width (Image)");
+    call.describePicture(call.argument(0), info);
+    if (info.height < 1 || info.width < 1) {
+        image = call.raw(0);
+        return failure(info.height < 1 ? "Invalid image height (Image)" : "Invalid image width (Image)");
+    }
     // Rows that do not hold whole pixels are no picture for effects.
     if (!hasWholePixels(info)) return failure(call.method().failedText());
     PictureLock lock(call, call.argument(0));
     if (!lock.held()) return failure(call.method().failedText());
     call.engine()->load(lock.pixels(), info);
     lock.keep();  // until krlImageQuit
+    image = call.raw(0);
     return succeeded();
 }
 
