@@ -68,4 +68,12 @@ const MessageTable& messageTable() {
     return table;
 }
 
+const MessageTable* messageTableOrNull() noexcept {
+    try {
+        return &messageTable();
+    } catch (...) {
+        return nullptr;
+    }
+}
+
 }  // namespace krl::host

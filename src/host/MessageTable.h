@@ -34,5 +34,7 @@ private:
 
 /// The table of this program's catalogue.
 const MessageTable& messageTable();
+/// The same; null where there is no memory to make it.
+const MessageTable* messageTableOrNull() noexcept;
 
 }  // namespace krl::host

@@ -29,11 +29,11 @@ HostStatus testApplication(HostInterface* appInfo) {
 }
 
 HostStatus registerMessageTable(HostInterface* allocatorService, HostInterface* dictionary) {
-    const MessageTable& table = messageTable();
-    void* block = allocator::Allocate::call(allocatorService, table.bytes());
+    const MessageTable* table = messageTableOrNull();
+    void* block = table ? allocator::Allocate::call(allocatorService, table->bytes()) : nullptr;
     if (!block) return kHostOutOfMemory;
     char* text = static_cast<char*>(block);
-    std::snprintf(text, table.bytes(), "%s%s", table.head().data(), table.body().c_str());
+    std::snprintf(text, table->bytes(), "%s%s", table->head().data(), table->body().c_str());
     const HostStatus status = registry::PutEntry::call(dictionary, kEntryText, text, 0, "msgTable");
     allocator::Free::call(allocatorService, block);
     return status;

@@ -8,6 +8,7 @@
 #include "host/HostCall.h"
 #include "host/Identifiers.h"
 #include "host/InterfaceObject.h"
+#include "host/MessageTable.h"
 #include "host/MessageTableText.h"
 #include "host/MethodRegistry.h"
 
@@ -67,15 +68,6 @@ ScriptOperations scriptOperations(std::index_sequence<Index...>) {
             reinterpret_cast<void*>(&methodOperation<static_cast<int32_t>(Index) + 1>)...};
 }
 
-/// Makes the catalogue and its table before the first call, so that no call fails for want of them.
-bool catalogueIsReady() {
-    try {
-        return !methods().empty();
-    } catch (...) {
-        return false;
-    }
-}
-
 }  // namespace
 
 HostStatus KRL_HOST_CALL createScriptInstance(InstanceHead* head) {
@@ -103,7 +95,8 @@ HostStatus KRL_HOST_CALL createScriptInstance(InstanceHead* head) {
         if (!required) return kHostNoInterface;
     instance.player = instance.playerItem = instance.playerSub = nullptr;
     for (void*& word : instance.reserved) word = nullptr;
-    return catalogueIsReady() ? kHostOk : kHostOutOfMemory;
+    // Made before the first call, so that no call fails for want of it.
+    return messageTableOrNull() ? kHostOk : kHostOutOfMemory;
 }
 
 void KRL_HOST_CALL destroyScriptInstance(InstanceHead* head) {
