@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <new>
+
 #include "host/BareHost.h"
 #include "host/Door.h"
 #include "host/MessageTable.h"
@@ -105,6 +107,51 @@ TEST(InterfaceObjects, AreNullWithoutMemory) {
     EXPECT_EQ(made, nullptr);
     EXPECT_EQ(host.references, 0);
     EXPECT_EQ(DllCanUnloadNow(), kHostOk);
+}
+
+/// How often the handler below was called.
+int handlerCalls = 0;
+
+/// The process's handler for exhausted memory, for the life of this object.
+class NewHandler {
+public:
+    explicit NewHandler(std::new_handler handler) : before_(std::set_new_handler(handler)) {
+        handlerCalls = 0;
+    }
+    ~NewHandler() { std::set_new_handler(before_); }
+    NewHandler(const NewHandler&) = delete;
+    NewHandler& operator=(const NewHandler&) = delete;
+
+private:
+    std::new_handler before_;
+};
+
+TEST(InterfaceObjects, AreNullWhenTheHandlerThrowsAnythingAtAll) {
+    for (const std::new_handler handler : {+[] { throw std::bad_alloc(); }, +[] { throw 1; }}) {
+        const NewHandler installed(handler);
+        BareHost host;
+        host.blocksLeft = 0;
+        auto instance = host.record<InstanceHead>();
+        void* made = &host;
+        EXPECT_EQ(DllGetInterface(&instance, &ids::kRegistrationClass, &ids::kIMoaRegister, &made),
+                  kHostOutOfMemory);
+        EXPECT_EQ(made, nullptr);
+        EXPECT_EQ(host.references, 0);
+    }
+}
+
+TEST(InterfaceObjects, AskAgainForAsLongAsTheHandlerGoesOn) {
+    const NewHandler installed(+[] {
+        if (++handlerCalls == 3) throw std::bad_alloc();
+    });
+    BareHost host;
+    host.blocksLeft = 0;
+    auto instance = host.record<InstanceHead>();
+    void* made = &host;
+    EXPECT_EQ(DllGetInterface(&instance, &ids::kRegistrationClass, &ids::kIMoaRegister, &made),
+              kHostOutOfMemory);
+    EXPECT_EQ(handlerCalls, 3);
+    EXPECT_EQ(made, nullptr);
 }
 
 /// Registers the plug-in with `host`, as a host does when it builds its registry.
