@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+
+/// This program's `operator new`, counted, so that any one allocation can be made to fail.
+namespace krl::test {
+
+/// Blocks that were allocated and not freed, on all threads.
+int64_t livingBlocks();
+
+/// While this object lives, allocation `number` (from 1) fails, or all from there on.
+class AllocationFault {
+public:
+    enum class Extent { One, AllThatFollow };
+
+    AllocationFault(int64_t number, Extent extent);
+    ~AllocationFault() { end(); }
+    AllocationFault(const AllocationFault&) = delete;
+    AllocationFault& operator=(const AllocationFault&) = delete;
+
+    /// Ends it early; whether an allocation has failed.
+    bool end();
+};
+
+}  // namespace krl::test
