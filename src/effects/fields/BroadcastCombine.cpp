@@ -32,35 +32,28 @@ Status broadcastCombine(std::span<const SecondImage> parts, const NewImage& whol
 
 namespace {
 
-/// The pictures of a list, locked for the life of this object. An element that is no picture has no pixels.
+/// The pictures of a list, locked for the life of this object. An element that is no picture of whole pixels
+/// has none.
 class ListedPictures {
 public:
-    ListedPictures(const Call& call, const ValueHandle& list) : caller_(call.caller()) {
+    ListedPictures(const Call& call, const ValueHandle& list) {
         const int32_t count = call.countElements(list);
         for (int32_t i = 1; i <= count; ++i) {
-            HeldValue& value = values_.emplace_back(caller_);
+            HeldValue& value = values_.emplace_back(call.caller());
             SecondImage& image = sources_.emplace_back();
             if (call.element(list, i, value) != kCallOk) continue;
-            caller_.describePicture(*value, image.info);
-            uint8_t* pixels = nullptr;
-            if (caller_.lockPicture(*value, pixels) != kCallOk) continue;
-            image.pixels = pixels;
-            locked_.push_back(&*value);
+            call.caller().describePicture(*value, image.info);
+            if (hasWholePixels(image.info))
+                image.pixels = locks_.emplace_back(call.caller(), *value).pixels();
         }
     }
-    ~ListedPictures() {
-        for (const ValueHandle* value : locked_) caller_.unlockPicture(*value);
-    }
-    ListedPictures(const ListedPictures&) = delete;
-    ListedPictures& operator=(const ListedPictures&) = delete;
 
     const std::vector<SecondImage>& sources() const { return sources_; }
 
 private:
-    Caller& caller_;
     std::deque<HeldValue> values_;
+    std::deque<PictureLock> locks_;  ///< gone before the values
     std::vector<SecondImage> sources_;
-    std::vector<const ValueHandle*> locked_;
 };
 
 Outcome combinePictures(Call& call) {

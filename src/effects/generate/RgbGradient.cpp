@@ -73,32 +73,6 @@ Status rgbGradient(const ImageEngine& engine, Pixel* pixels, int32_t width, int3
 
 namespace {
 
-/// The pixels of a picture, until `unlock` or the end of the scope.
-class PixelLock {
-public:
-    PixelLock(Caller& caller, const ValueHandle& image) : caller_(caller), image_(image) {
-        held_ = caller_.lockPicture(image_, pixels_) == kCallOk;
-    }
-    ~PixelLock() {
-        if (held_) unlock();
-    }
-    PixelLock(const PixelLock&) = delete;
-    PixelLock& operator=(const PixelLock&) = delete;
-
-    /// Null if the lock was refused.
-    Pixel* pixels() const { return held_ ? reinterpret_cast<Pixel*>(pixels_) : nullptr; }
-    CallCode unlock() {
-        held_ = false;
-        return caller_.unlockPicture(image_);
-    }
-
-private:
-    Caller& caller_;
-    const ValueHandle& image_;
-    uint8_t* pixels_ = nullptr;
-    bool held_ = false;
-};
-
 /// Percent of the width to whole columns.
 std::vector<CurveKey> inColumns(std::vector<CurveKey> keys, int32_t width) {
     const auto scale = static_cast<float>(width / 100.0);
@@ -116,9 +90,9 @@ Outcome paintGradient(Call& call) {
     if (call.caller().makePicture(width, height, made) != kCallOk)
         return failure("Failed to create new image (Image)");
     image.take(made);
-    PixelLock lock(call.caller(), *image);
+    PictureLock lock(call.caller(), *image);
     if (!lock.pixels()) return failure("Failed to lock new image pixels (Image)");
-    const Status status = rgbGradient(*call.engine(), lock.pixels(), width, height,
+    const Status status = rgbGradient(*call.engine(), reinterpret_cast<Pixel*>(lock.pixels()), width, height,
                                       inColumns(call.arguments()[3].keys, width), call.get<GradientType>(2));
     if (status != kStatusOk) return failure(call.method().failedText());
     if (lock.unlock() != kCallOk) return failure("Failed to unlock new image pixels (Image)");

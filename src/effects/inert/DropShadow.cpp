@@ -14,10 +14,8 @@ Outcome dropShadow(Call& call) {
         return failure(call.method().failedText());
     caller.givePicture("frame", frame);
     // Nothing is painted, but hosts see the picture locked and unlocked.
-    uint8_t* pixels = nullptr;
-    caller.lockPicture(frame, pixels);
-    caller.unlockPicture(frame);
-    return succeeded();
+    const PictureLock lock(caller, frame);
+    return lock.held() ? succeeded() : failure(call.method().failedText());
 }
 
 }  // namespace
