@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <initializer_list>
 
 #include "faults/Stand.h"
@@ -40,6 +41,38 @@ TEST(Trace, OfAMaskDescribesBeforeItLocks) {
                      "getItem", "valueToSymbol", "valueToSymbol", "internSymbol keep", "internSymbol remove",
                      "internSymbol true", "internSymbol false", "queryImage", "lockImage", "unlockImage",
                      "integerToValue", "appendProperty", "releaseValue"}));
+}
+
+TEST(Trace, OfAFlareInternsEveryKindBeforeItReads) {
+    HostVector<HostString> trace = traceOf("krlImageLensFlare");
+    trace.erase(std::find(trace.begin(), trace.end(), "getPropertyByIndex"), trace.end());
+    EXPECT_EQ(trace, lines({"getPlayer",
+                            "getSub",
+                            "newPropertyList",
+                            "internSymbol error",
+                            "symbolToValue",
+                            "internSymbol polyshape",
+                            "internSymbol randomFan",
+                            "internSymbol spike",
+                            "internSymbol star",
+                            "internSymbol line",
+                            "internSymbol filledCircle",
+                            "internSymbol gradientCircle",
+                            "internSymbol outlinedCircle",
+                            "internSymbol fadedCircle",
+                            "internSymbol starCaustic",
+                            "internSymbol chromaHoop",
+                            "internSymbol creationType",
+                            "internSymbol pointType",
+                            "internSymbol photon",
+                            "internSymbol manual",
+                            "internSymbol automatic",
+                            "internSymbol standard",
+                            "internSymbol antialiased",
+                            "internSymbol sine",
+                            "internSymbol linear",
+                            "internSymbol curved",
+                            "countElements"}));
 }
 
 TEST(Trace, OfANewPictureLocksItOnce) {

@@ -1,5 +1,6 @@
 #include "effects/generate/FlareDescription.h"
 
+#include <algorithm>
 #include <initializer_list>
 #include <string>
 #include <vector>
@@ -46,9 +47,8 @@ CallCode storeColours(const Call& call, const ValueHandle& list, FlareElement& e
 CallCode storeBlend(const Call& call, const ValueHandle& value, FlareElement& element) {
     SymbolId symbol = 0;
     if (CallCode status = call.readSymbol(value, symbol)) return status;
-    element.blend = call.is(symbol, "add")      ? BlendMode::Add
-                    : call.is(symbol, "screen") ? BlendMode::Screen
-                                                : BlendMode::Normal;
+    const bool adds = call.is(symbol, "add"), screens = call.is(symbol, "screen");
+    element.blend = adds ? BlendMode::Add : screens ? BlendMode::Screen : BlendMode::Normal;
     return kCallOk;
 }
 
@@ -130,29 +130,32 @@ const std::vector<KindReader>& kindReaders() {
     return readers;
 }
 
-const KindReader* findKind(const Call& call, SymbolId symbol) {
-    for (const KindReader& reader : kindReaders())
-        if (call.is(symbol, reader.symbol)) return &reader;
-    return nullptr;
-}
+/// Words that hosts see interned beside the kinds; no setting has them.
+constexpr const char* kUnusedWords[] = {"creationType", "pointType",   "photon", "manual", "automatic",
+                                        "standard",     "antialiased", "sine",   "linear", "curved"};
 
 }  // namespace
 
-Outcome readFlareElement(const Call& call, const ValueHandle& description, int32_t index,
-                         FlareElement& element) {
+FlareDescription::FlareDescription(const Call& call, const ValueHandle& list) : call_(call), list_(list) {
+    for (const KindReader& reader : kindReaders()) kinds_.push_back(call.caller().symbol(reader.symbol));
+    for (const char* word : kUnusedWords) call.caller().symbol(word);
+}
+
+Outcome FlareDescription::read(int32_t index, FlareElement& element) const {
     constexpr const char* unknownKind = "Unknown shape type (LensFlare)";
     ValueHandle name;
     SymbolId symbol = 0;
-    if (CallCode status = call.propertyAt(description, index, name)) return failure(unknownKind, status);
-    if (CallCode status = call.readSymbol(name, symbol)) return failure(unknownKind, status);
-    const KindReader* reader = findKind(call, symbol);
-    if (!reader) return failure(unknownKind);
+    if (CallCode status = call_.propertyAt(list_, index, name)) return failure(unknownKind, status);
+    if (CallCode status = call_.readSymbol(name, symbol)) return failure(unknownKind, status);
+    const auto kind = std::ranges::find(kinds_, symbol);
+    if (kind == kinds_.end()) return failure(unknownKind);
+    const KindReader& reader = kindReaders()[static_cast<size_t>(kind - kinds_.begin())];
 
     // Settings that are missing read as no list: the first property of the kind then fails.
-    HeldValue settings(call.caller());
-    call.element(description, index, settings);
-    element.kind = reader->kind;
-    return reader->settings.read(call, *settings, element);
+    HeldValue settings(call_.caller());
+    call_.element(list_, index, settings);
+    element.kind = reader.kind;
+    return reader.settings.read(call_, *settings, element);
 }
 
 }  // namespace krl

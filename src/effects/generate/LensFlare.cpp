@@ -86,12 +86,12 @@ namespace {
 /// Elements are read and painted one at a time: what precedes a faulty one stays painted. With no engine and
 /// with no picture, the description is read and checked all the same.
 Outcome paintFlare(Call& call) {
-    const ValueHandle description = call.raw(0);
+    const FlareDescription description(call, call.raw(0));
     FlareCanvas canvas = call.engine() ? FlareCanvas(*call.engine()) : FlareCanvas();
-    const int32_t count = call.countElements(description);
+    const int32_t count = description.count();
     for (int32_t i = 1; i <= count; ++i) {
         FlareElement element;
-        if (Outcome bad = readFlareElement(call, description, i, element); bad.message) return bad;
+        if (Outcome bad = description.read(i, element); bad.message) return bad;
         canvas.draw(element);
     }
     return succeeded();
