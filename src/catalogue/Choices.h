@@ -32,7 +32,7 @@ inline constexpr const char* kWeighedMeaning =
 /// Whether a key's matte lowers alpha or raises it.
 inline std::vector<SymbolChoice> keepOrRemove() { return {{"keep", true}, {"remove", false}}; }
 /// Whether the matte counts the other way round.
-inline std::vector<SymbolChoice> invertOrNot() { return {{"false", false}, {"true", true}}; }
+inline std::vector<SymbolChoice> invertOrNot() { return {{"true", true}, {"false", false}}; }
 
 inline constexpr const char* kKeepMeaning = "keep only takes opacity away, remove only gives it back";
 

@@ -23,7 +23,6 @@ void describeInputMask(Catalogue& catalogue) {
                 kKeepMeaning)
         .symbol("invert", invertOrNot(), refused("InputMask invalid input invert option (Image)"),
                 "with keep, true takes the mask as it is and false its opposite")
-        .showing("true")
         .inputFailure("Input Mask input failure (Image)")
         .failed("Failed Input Mask function (Image)")
         .asksPlayer()

@@ -28,6 +28,7 @@ void describeAutoColorDifferenceCharger(Catalogue& catalogue) {
         .symbol("invert", invertOrNot(),
                 refused("Auto Colour Difference Charger invalid input invert option (Image)"),
                 kInvertBackingMeaning)
+        .showing("false")
         .failsWith(kFoldFailure)
         .inputFailure("Auto Color Difference Charger input failure (Image)")
         .failed("Failed Auto Color Difference Charger function (Image)")

@@ -185,7 +185,6 @@ void describeChromaKey(Catalogue& catalogue) {
         .thenCompare()
         .symbol("invert", invertOrNot(), refused("Chroma Key invalid input invert option (Image)"),
                 kInvertKeyMeaning)
-        .showing("true")
         .inputFailure("Chroma Key input failure (Image)")
         .failed("Failed Chroma Key function (Image)");
 }

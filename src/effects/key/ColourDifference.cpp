@@ -56,6 +56,7 @@ void describeColourDifference(Catalogue& catalogue) {
         .thenCompare()
         .symbol("invert", invertOrNot(), refused("Colour Difference invalid input invert option (Image)"),
                 kInvertBackingMeaning)
+        .showing("false")
         .inputFailure("Colour Difference input failure (Image)")
         .failed("Failed Colour Difference function (Image)");
 }

@@ -220,6 +220,7 @@ void describeColourDifferenceExtended(Catalogue& catalogue) {
         .symbol("invert", invertOrNot(),
                 refused("Colour Difference Extended invalid input invert option (Image)"),
                 kInvertBackingMeaning)
+        .showing("false")
         .inputFailure("Colour Difference Extended input failure (Image)")
         .failed("Failed Colour Difference function (Image)");
 }

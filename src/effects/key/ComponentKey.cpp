@@ -43,7 +43,6 @@ void describeComponentKey(Method& entry, const ComponentKeyWords& words) {
         .symbol("keepRemove", keepOrRemove(), refused(words.badKeepRemove), kKeepMeaning)
         .thenCompare()
         .symbol("invert", invertOrNot(), refused(words.badInvert), kInvertKeyMeaning)
-        .showing("true")
         .inputFailure(words.inputFailure)
         .failed(words.failed);
 }
