@@ -21,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Everything that a picture of the batch is worked on with.
+/// What the processing of every picture shares.
 struct Work {
     const std::vector<ChainCall>& chain;
     const WriteOptions& options;
@@ -115,14 +115,15 @@ void tellAll(const std::vector<BatchItem>& items, const std::vector<PictureRepor
             showResults(reports[i], terminal);
         if (!reports[i].written) showFailure(reports[i], terminal);
     }
-    // Names of files may be bytes of any kind; JSON is not.
+    // File names can hold arbitrary bytes, JSON cannot.
     if (json) terminal.out << all.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
     if (items.size() > 1)
         terminal.err << items.size() - failed << " of " << items.size() << " pictures done"
                      << (failed > 0 ? ", " + std::to_string(failed) + " failed" : "") << '\n';
 }
 
-/// The exit code. What is written stays so, and that is told even where the rest cannot be.
+/// Prints the results and returns the exit code. If memory runs out meanwhile, it still reports how many
+/// pictures were written.
 int outcomeOf(const std::vector<BatchItem>& items, const std::vector<PictureReport>& reports, bool json,
               const Terminal& terminal) {
     const auto written = static_cast<size_t>(std::count_if(
@@ -138,14 +139,14 @@ int outcomeOf(const std::vector<BatchItem>& items, const std::vector<PictureRepo
     return failed > 0 ? 1 : 0;
 }
 
-/// Something ended the work as a whole: the pictures that nobody worked on failed by it.
+/// Marks the pictures that were not processed as failed, after an error that ended the whole batch.
 void failTheRest(ApplyProgress& progress, const std::string& why) {
     for (size_t i = 0; i < progress.items().size(); ++i)
         if (!progress.reports[i].settled())
             progress.reports[i].failure = progress.items()[i].input.string() + ": " + why;
 }
 
-/// A lone name that nothing has: a method as likely as a folder, and told before anything is written.
+/// Rejects a single word that names neither a file nor a method, before anything is written.
 void refuseUnknownName(const std::string& word) {
     const bool lone = std::all_of(word.begin(), word.end(),
                                   [](unsigned char letter) { return std::isalnum(letter) || letter == '_'; });
@@ -184,7 +185,7 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
     if (inputs.empty()) throw UsageError("no input: name a picture or a folder");
     if (options.output.empty()) throw UsageError("no output: use -o FILE or -o DIR");
 
-    // Whoever writes a call names its pictures too: there is nothing to keep it from.
+    // The user wrote the calls and named the pictures, so no folder is off limits.
     SessionOptions settings = options.session;
     settings.allowedFolders.push_back(fs::current_path().root_path());
     if (!chain.empty()) {

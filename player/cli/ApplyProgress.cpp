@@ -8,7 +8,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-/// Names and messages may be bytes of any kind, which the binary form keeps.
+/// Names and messages can hold arbitrary bytes, which the binary form preserves.
 std::string packed(const Json& json) {
     const std::vector<uint8_t> bytes = Json::to_cbor(json);
     return {bytes.begin(), bytes.end()};
@@ -58,7 +58,7 @@ void ApplyProgress::failed(size_t item, const PictureReport& report) const {
     if (journal_.kept()) journal_.note(JournalEntry::Kind::Failed, item, packed(report));
 }
 
-/// Whoever was worked on when the program crashed may have been the cause. One alone was.
+/// Any picture in progress may have caused the crash. If there was only one, it did.
 void ApplyProgress::resume() {
     std::vector<bool> begun;
     int signal = 0;

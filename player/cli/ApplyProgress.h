@@ -9,35 +9,35 @@
 
 namespace krl::player {
 
-/// One call on one picture, as it was made and what came of it.
+/// One call on one picture, with its outcome.
 struct CallReport {
     std::string call;
     CallOutcome outcome;
-    /// Whether the result says more than that all went well, or that here is the new picture.
+    /// Whether the result says more than success or a new picture.
     bool telling = false;
 };
 
-/// What became of one picture.
+/// The outcome for one picture.
 struct PictureReport {
     std::vector<CallReport> calls;
     bool written = false;
-    std::string failure;  ///< in one line; empty for a picture that was written
+    std::string failure;  ///< one line; empty for a picture that was written
 
     bool settled() const { return written || !failure.empty(); }
 };
 
-/// The pictures of a batch and how far they are, which a crash does not undo.
+/// The pictures of a batch and their progress, which survives a crash.
 class ApplyProgress {
 public:
-    /// Plans the batch, or goes on with that of the program that crashed.
+    /// Plans the batch, or resumes the batch of a program that crashed.
     ApplyProgress(const std::vector<std::filesystem::path>& inputs, const ApplyOptions& options);
 
     const std::vector<BatchItem>& items() const { return items_; }
-    /// Pictures that are not settled: those to try alone, one after another, and the others.
+    /// Pictures not yet settled: those to process alone, one after another, and the others.
     const std::vector<size_t>& alone() const { return alone_; }
     const std::vector<size_t>& together() const { return together_; }
 
-    // Notes for the case of a crash, from the thread that works on the picture.
+    // Notes for a restart after a crash, made by the thread that processes the picture.
     void begin(size_t item) const { journal_.note(JournalEntry::Kind::Begun, item); }
     void calledAll(size_t item, const PictureReport& report) const;
     void written(size_t item) const noexcept { journal_.note(JournalEntry::Kind::Written, item); }

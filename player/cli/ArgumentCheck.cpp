@@ -13,7 +13,7 @@ namespace krl::player {
 
 namespace {
 
-/// What an expression makes, as far as its text shows: a kind, and words for it.
+/// The type of an expression's value, as far as its source shows, and a description for messages.
 struct Literal {
     std::optional<ValueKind> kind;
     std::string text;
@@ -94,11 +94,33 @@ bool isChoice(const Argument& argument, const std::string& symbol) {
     });
 }
 
-std::string complaint(const Argument& argument, const std::string& got) {
-    return std::string(argument.name) + ": expected " + expectedText(argument) + ", got " + got;
+/// With an article, as messages name a type; for a symbol its choices.
+std::string expectedType(const Argument& argument) {
+    switch (argument.kind) {
+        case ArgumentKind::Integer:
+            return "an integer";
+        case ArgumentKind::Real:
+            return "a number";
+        case ArgumentKind::ColourList:
+            return "a " + expectedText(argument);
+        case ArgumentKind::Colour:
+            return "a colour";
+        case ArgumentKind::Point:
+            return "a point";
+        case ArgumentKind::SecondImage:
+            return "an image";
+        case ArgumentKind::Symbol:
+        case ArgumentKind::Value:
+            break;
+    }
+    return expectedText(argument);
 }
 
-/// Judges a value of which the kind is known.
+std::string complaint(const Argument& argument, const std::string& got) {
+    return std::string(argument.name) + ": expected " + expectedType(argument) + ", got " + got;
+}
+
+/// Checks a value of known type.
 std::string complaintAbout(const Argument& argument, ValueKind kind, const std::string& text) {
     if (!takes(argument.kind, kind)) return complaint(argument, text);
     const bool refused = argument.kind == ArgumentKind::Symbol && argument.unknown.message;
@@ -145,9 +167,9 @@ std::string complaintAbout(const Argument& argument, const Expression& given, co
 }
 
 std::string complaintAbout(const Argument& argument, const krl::Value& given, const std::string& text) {
-    // On a command line no name has a value: most likely a symbol lacks its mark.
+    // Names have no values on a command line: most likely the `#` of a symbol is missing.
     if (given.kind() == ValueKind::Void && isName(text) && !sameLetters(text, "VOID"))
-        return complaint(argument, text + ", a name without a value") + suggestionFor(argument, '#' + text);
+        return complaint(argument, "the undefined name " + text) + suggestionFor(argument, '#' + text);
     if (argument.kind == ArgumentKind::ColourList && !isColourList(given))
         return complaint(argument, wordsFor(given));
     return complaintAbout(argument, given.kind(), wordsFor(given));

@@ -6,14 +6,14 @@
 #include "catalogue/Value.h"
 #include "player/lingo/Syntax.h"
 
-/// Judges arguments before a method sees them.
+/// Checks arguments before a method is called.
 namespace krl::player {
 
-/// What is wrong with giving `given` for an argument, in one line; empty when nothing is, or when
-/// it cannot be known before the script runs.
+/// What is wrong with passing `given` for an argument, in one line; empty if nothing is, or if that is
+/// unknown until the script runs.
 std::string complaintAbout(const Argument& argument, const Expression& given, const SymbolTable& symbols);
 
-/// The same for a value; `text` is what was written for it.
+/// The same for a value; `text` is its source.
 std::string complaintAbout(const Argument& argument, const krl::Value& given, const std::string& text);
 
 }  // namespace krl::player

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// False for what cannot be looked at too: whoever opens it says why.
+/// Also false for a path that cannot be accessed: opening it later reports why.
 bool isFolder(const fs::path& path) {
     std::error_code unreadable;
     return fs::is_directory(path, unreadable);
@@ -25,12 +25,12 @@ std::vector<fs::path> picturesIn(const fs::path& folder) {
         if (entry.is_regular_file() && isPictureName(entry.path()) &&
             entry.path().filename().string().front() != '.')
             found.push_back(entry.path());
-    if (found.empty()) throw CommandError("there is no picture in " + folder.string());
+    if (found.empty()) throw CommandError("no pictures found in " + folder.string());
     std::sort(found.begin(), found.end());
     return found;
 }
 
-/// Whether a name has the extension of a format for pictures, be it one that this build cannot write.
+/// Whether a name has the extension of a picture format, including those that this build cannot write.
 bool endsAsPictures(const fs::path& name) {
     static constexpr const char* others[] = {".avif", ".bmp", ".gif", ".heic", ".heif", ".jp2",
                                              ".jpeg", ".jpg", ".jxl", ".pbm",  ".pgm",  ".png",
@@ -43,7 +43,7 @@ bool endsAsPictures(const fs::path& name) {
 fs::path nameIn(const fs::path& folder, const fs::path& input, const std::string& format) {
     fs::path name = input.filename();
     if (format.empty()) return folder / name;
-    // What follows a dot is part of the name, as in `v1.2`, unless pictures end so.
+    // Text after a dot is part of the name, as in `v1.2`, unless it is a picture format's extension.
     if (endsAsPictures(name)) return folder / name.replace_extension(format);
     return folder / (name.string() + '.' + format);
 }
@@ -76,9 +76,9 @@ std::vector<BatchItem> planBatch(const std::vector<fs::path>& inputs, const Appl
     if (!severalWanted && !isFolder(output) && output.has_filename()) return {{pictures.front(), output}};
     std::error_code unreadable;
     if (severalWanted && fs::is_regular_file(output, unreadable))
-        throw UsageError(output.string() + " is a file, and several pictures need a folder");
+        throw UsageError(output.string() + " is a file, but several pictures need a folder");
     if (severalWanted && isPictureName(output) && !isFolder(output))
-        throw UsageError(output.string() + " names a picture, and several pictures need a folder");
+        throw UsageError(output.string() + " names a picture, but several pictures need a folder");
     makeFolder(output);
     std::vector<BatchItem> items;
     for (const fs::path& picture : pictures)

@@ -6,7 +6,7 @@
 
 namespace krl::player {
 
-/// Shows every call in a script to `visit`, in the order in which they are written.
+/// Calls `visit` for every call in a script, in source order.
 void visitCalls(const Script& script, const std::function<void(const CallExpression&)>& visit);
 
 }  // namespace krl::player

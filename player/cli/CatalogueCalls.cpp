@@ -9,7 +9,7 @@ namespace krl::player {
 
 namespace {
 
-/// The engine's picture for the length of a call.
+/// Loads a picture into the engine for the duration of a call.
 class LoadedPicture {
 public:
     LoadedPicture(ImageEngine& engine, Bitmap& picture) : engine_(engine) {
@@ -27,7 +27,7 @@ private:
     ImageEngine& engine_;
 };
 
-/// The result as scripts would see it: `[#error: 0]`, or the entries of a method without that one.
+/// The result as scripts see it: `[#error: 0]`, or the entries of a method that has no `error`.
 std::string shownText(const Method& method, const CallResult& result) {
     if (method.isSilent()) return "";
     if (method.makesPictureList() && result.ok()) return writeNotation(result.pictures);
@@ -55,8 +55,8 @@ void replace(Bitmap& picture, const krl::Picture& made) {
     std::memcpy(picture.pixels.data(), made.pixels, picture.pixels.size() * sizeof(Pixel));
 }
 
-/// Arguments of their own for a method that rewrites a second picture, so that the next call meets it as it
-/// was.
+/// Copies the pictures among the arguments of a method that rewrites them, so that the next call gets the
+/// originals.
 std::vector<krl::Value> withCopiedPictures(std::vector<krl::Value> arguments) {
     for (krl::Value& argument : arguments)
         if (auto* picture = argument.as<krl::Picture>()) {

@@ -8,13 +8,13 @@
 
 namespace krl::player {
 
-/// Runs methods of the catalogue on pictures, with an engine of its own; one belongs to one thread. No result
-/// depends on the number of processors: a method whose definition contains the bands runs on one.
+/// Runs methods of the catalogue on pictures with its own engine; use each object from one thread only. No
+/// result depends on the number of processors: methods whose definition involves the bands run on one band.
 class CatalogueCalls {
 public:
     explicit CatalogueCalls(ThreadChoice threads);
 
-    /// Rewrites `picture`; a new picture that the method makes takes its place.
+    /// Rewrites `picture`, or replaces it by the new picture that the method makes.
     CallOutcome apply(Bitmap& picture, const Method& method, const std::vector<krl::Value>& arguments);
 
 private:

@@ -29,7 +29,7 @@ size_t placeOf(const Method& method, const std::string& name) {
     throw CommandError(method.shortName() + " has no argument " + name + didYouMean(name, names));
 }
 
-/// Pictures, lists and descriptions are a script's own matter: no example can stand in for them.
+/// Pictures and values have no sensible default; every other argument can default to its example.
 bool hasStandIn(const Argument& argument) {
     return argument.kind != ArgumentKind::SecondImage && argument.kind != ArgumentKind::Value;
 }
@@ -49,7 +49,7 @@ ChainCall::ChainCall(std::string_view text) : written_(text) {
         if (argument.name.empty() && next == wanted.size())
             throw CommandError(countComplaint(*method_, call.arguments.size()));
         const size_t place = argument.name.empty() ? next++ : placeOf(*method_, argument.name);
-        if (!given_[place].empty()) throw CommandError(name + " is given " + wanted[place].name + " twice");
+        if (!given_[place].empty()) throw CommandError(name + ": " + wanted[place].name + " is given twice");
         given_[place] = argument.value;
     }
     for (size_t i = 0; i < wanted.size(); ++i)
@@ -95,7 +95,7 @@ bool looksLikeCall(const std::string& word) {
     const size_t bracket = word.find('(');
     const bool called = bracket != std::string::npos && catalogue().find(word.substr(0, bracket));
     if (called && !isPictureName(word)) return true;
-    std::error_code unreadable;  // such as a text too long for a name
+    std::error_code unreadable;  // for example, a word too long for a file name
     if (std::filesystem::exists(word, unreadable)) return false;
     if (catalogue().find(word)) return true;
     if (bracket == std::string::npos || bracket == 0) return false;

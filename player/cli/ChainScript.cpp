@@ -6,7 +6,7 @@ namespace krl::player {
 
 namespace {
 
-/// The lines of one call. A new picture that it makes takes the place of the loaded one.
+/// The lines of one call. A new picture that it makes replaces the loaded one.
 std::string linesFor(const ChainCall& call, int32_t width, int32_t height) {
     const std::string text = "xtraImage." + call.lingo(width, height);
     if (call.method().makesPicture()) {

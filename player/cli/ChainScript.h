@@ -7,8 +7,8 @@
 
 namespace krl::player {
 
-/// A chain of calls as a script that does the same to the picture of its first argument and saves
-/// it as its second. Places that were left out are those of a picture of this size.
+/// A chain of calls as a script that applies them to the picture named by its first argument and saves
+/// the result as its second. Omitted points default to those for a picture of this size.
 std::string chainScript(const std::vector<ChainCall>& chain, int32_t width = 960, int32_t height = 640);
 
 }  // namespace krl::player

@@ -20,7 +20,7 @@ std::shared_ptr<const Source> sourceOf(const std::filesystem::path& path) {
     return std::make_shared<Source>(Source{path.string(), text.str()});
 }
 
-/// The mistakes of one script, told as they are found.
+/// Checks one script and reports its mistakes as they are found.
 class Check {
 public:
     Check(std::shared_ptr<const Source> source, const Terminal& terminal)
@@ -50,10 +50,10 @@ private:
     }
 
     void check(const CallExpression& call, const Method& method) {
-        // In the form krlImageLoad(x, image) the instance is the first argument.
+        // In the form krlImageLoad(x, image), the first argument is the instance.
         const size_t instance = call.kind == ExpressionKind::Call ? 1 : 0;
         if (call.arguments.size() < instance)
-            return complain(call.place, "an instance of the plug-in is wanted as the first argument");
+            return complain(call.place, "expected an instance of the plug-in as the first argument");
         const size_t given = call.arguments.size() - instance;
         const std::string miscounted = countComplaint(method, given);
         if (!miscounted.empty()) complain(call.place, miscounted);

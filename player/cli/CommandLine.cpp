@@ -13,10 +13,10 @@ namespace {
 
 constexpr const char* kVersion = KRL_VERSION;
 constexpr const char* kPurpose =
-    "Grades, keys, warps and composes pictures with the KRLImageXtra effects, by single calls or by "
-    "Lingo scripts.";
+    "Grades, keys, warps and composites pictures with the KRLImageXtra effects, using single calls "
+    "or Lingo scripts.";
 
-/// The names and options of all commands, and what was asked for.
+/// Declares every command with its options, and holds the parsed values.
 class Parser {
 public:
     explicit Parser(const Terminal& terminal) : terminal_(terminal) {
@@ -33,10 +33,10 @@ public:
 
     int run(std::vector<std::string> words) {
         const std::string firstWord = words.empty() ? "" : words.front();
-        std::reverse(words.begin(), words.end());  // as the library takes them
+        std::reverse(words.begin(), words.end());  // the library expects the words in reverse order
         try {
             app_.parse(words);
-            if (!chosen_) throw UsageError("which command?");
+            if (!chosen_) throw UsageError("no command: name one of those below");
             return chosen_();
         } catch (const CLI::CallForVersion&) {
             terminal_.out << "krlimage " << kVersion << '\n';
@@ -101,19 +101,21 @@ private:
                 [allowed = described.choices()](const std::string& text) -> std::string {
                     for (const std::string& one : allowed)
                         if (one == text) return "";
-                    std::string wanted;
-                    for (const std::string& one : allowed) wanted += (wanted.empty() ? "" : " or ") + one;
-                    return text + ", wanted is " + wanted;
+                    std::string expected;
+                    for (const std::string& one : allowed) expected += (expected.empty() ? "" : " or ") + one;
+                    return "expected " + expected + ", got " + text;
                 },
                 ""));
     }
 
     void addSession(CLI::App& app, SessionOptions& session) {
-        path(app, "--xtra", session.xtraFile, "FILE", "Use the plug-in in FILE, not the one built in");
-        paths(app, "--allow", session.allowedFolders, "DIR", "Let scripts read and write in DIR as well")
+        path(app, "--xtra", session.xtraFile, "FILE",
+             "Load the plug-in from FILE instead of the built-in one");
+        paths(app, "--allow", session.allowedFolders, "DIR", "Also let scripts read and write in DIR")
             ->allow_extra_args(false)
             ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-        choice(app, "--threads", threads_, "mt|st", "One band of work for each processor, or a single one");
+        choice(app, "--threads", threads_, "mt|st",
+               "Use one thread per processor (mt) or a single thread (st)");
         app.parse_complete_callback([this, &session] {
             if (!threads_.empty())
                 session.threads = threads_ == "mt" ? ThreadChoice::Many : ThreadChoice::One;
@@ -121,34 +123,36 @@ private:
     }
 
     void addRun() {
-        CLI::App& app = command("run", "Run a Lingo script: its handler main, or its first",
-                                [this] { return runScript(run_, terminal_); });
-        path(app, "SCRIPT", run_.script, "", "The script")->required();
-        app.add_option("ARG", run_.arguments, "What the handler gets, as a list of strings")->type_name("");
-        path(app, "--cast", run_.session.castFolder, "DIR", "Look for members in DIR as well");
+        CLI::App& app =
+            command("run", "Run a Lingo script, starting at its handler main or its first handler",
+                    [this] { return runScript(run_, terminal_); });
+        path(app, "SCRIPT", run_.script, "", "The script to run")->required();
+        app.add_option("ARG", run_.arguments, "Arguments for the handler, passed as a list of strings")
+            ->type_name("");
+        path(app, "--cast", run_.session.castFolder, "DIR", "Also look for members in DIR");
         path(app, "-o,--output", run_.session.outputFolder, "DIR",
-             "Save pictures with relative names in DIR");
+             "Save pictures with relative names to DIR");
         addSession(app, run_.session);
     }
 
     void addApply() {
-        CLI::App& app = command("apply", "Run calls on pictures: apply IN... -o OUT CALL...",
+        CLI::App& app = command("apply", "Apply effects to pictures: apply IN... -o OUT CALL...",
                                 [this] { return applyCalls(apply_, terminal_); });
         app.add_option(
                "IN|CALL", apply_.words,
-               "Pictures, folders of pictures, and calls such as 'brightness(40, #RGB)'; arguments may\n"
-               "be named, and what is left out takes the value of the method's example")
+               "Pictures, folders of pictures, and calls such as 'brightness(40, #RGB)'; arguments can\n"
+               "be named, and omitted ones default to the method's example")
             ->type_name("")
             ->required();
-        app.add_option("-o,--output", apply_.output, "The picture to write, or the folder for several")
+        app.add_option("-o,--output", apply_.output, "Output picture, or the folder for several pictures")
             ->type_name("OUT");
-        choice(app, "--format", apply_.format, KRL_FORMATS, "Write this format, whatever the names say");
-        app.add_option("--quality", apply_.quality, "Of JPEG and WebP, 1 to 100; 90 when not told")
+        choice(app, "--format", apply_.format, KRL_FORMATS, "Output format, regardless of file extensions");
+        app.add_option("--quality", apply_.quality, "JPEG and WebP quality, 1 to 100 (default 90)")
             ->type_name("N")
             ->check(CLI::Range(1, 100).description(""));
         addJobs(app, apply_.jobs);
-        app.add_flag("--json", apply_.json, "Print the results as JSON");
-        choice(app, "--print", print_, "lingo", "Print the calls as a script instead of running them");
+        app.add_flag("--json", apply_.json, "Print results as JSON");
+        choice(app, "--print", print_, "lingo", "Print the calls as a Lingo script instead of running them");
         addSession(app, apply_.session);
         app.callback([this] {
             apply_.printLingo = !print_.empty();
@@ -157,26 +161,28 @@ private:
     }
 
     static void addJobs(CLI::App& app, unsigned& jobs) {
-        app.add_option("-j,--jobs", jobs, "Pictures at a time; one for each processor when not told")
+        app.add_option("-j,--jobs", jobs, "Pictures processed in parallel (default: one per processor)")
             ->type_name("N")
             ->check(CLI::Range(1, 256).description(""));
     }
 
     void addListAndHelp() {
-        CLI::App& list = command("list", "List the methods, or those about a word",
+        CLI::App& list = command("list", "List all methods, or those matching a word",
                                  [this] { return listMethods(list_, terminal_); });
-        list.add_option("WORD", list_.word, "What to look for in names, headings and summaries")
+        list.add_option("WORD", list_.word, "Text to search for in names, headings and summaries")
             ->type_name("");
         list.add_flag("--json", list_.json, "Print JSON");
 
-        CLI::App& help = command("help", "Tell all about a method or a command", [this] { return tell(); });
-        help.add_option("METHOD", help_.method, "With or without krlImage")->type_name("");
+        CLI::App& help = command("help", "Show help for a method or command", [this] { return tell(); });
+        help.add_option("METHOD", help_.method,
+                        "Name of a method or command; the prefix krlImage is optional")
+            ->type_name("");
         help.add_flag("--json", help_.json, "Print JSON");
     }
 
     int tell() {
         if (help_.method.empty()) {
-            // Its own help would be that of the command `help`, which was chosen.
+            // `app_.help()` would print the help of the chosen command, `help` itself.
             terminal_.out << app_.get_formatter()->make_help(&app_, "krlimage", CLI::AppFormatMode::Normal);
             return 0;
         }
@@ -189,29 +195,30 @@ private:
     }
 
     void addGallery() {
-        CLI::App& app = command("gallery", "Make a contact sheet of every effect on a picture",
+        CLI::App& app = command("gallery", "Make a contact sheet that shows every effect on a picture",
                                 [this] { return makeGallery(gallery_, terminal_); });
-        path(app, "PICTURE", gallery_.picture, "", "The picture")->required();
-        path(app, "-o,--output", gallery_.folder, "DIR", "Where index.html and its pictures go")->required();
+        path(app, "PICTURE", gallery_.picture, "", "The picture to use")->required();
+        path(app, "-o,--output", gallery_.folder, "DIR", "Folder for index.html and its pictures")
+            ->required();
         addJobs(app, gallery_.jobs);
     }
 
     void addCheck() {
-        CLI::App& app = command("check", "Look for mistakes in scripts without running them",
+        CLI::App& app = command("check", "Check scripts for mistakes without running them",
                                 [this] { return checkScripts(check_, terminal_); });
-        paths(app, "SCRIPT", check_.scripts, "", "The scripts")->required();
+        paths(app, "SCRIPT", check_.scripts, "", "The scripts to check")->required();
     }
 
     void addGenerated() {
-        CLI::App& docs = command("docs", "Write the reference of all methods, methods.md",
+        CLI::App& docs = command("docs", "Write the method reference, methods.md",
                                  [this] { return writeDocs(docs_, terminal_); });
-        path(docs, "-o,--output", docs_.folder, "DIR", "Where it goes")->required();
+        path(docs, "-o,--output", docs_.folder, "DIR", "Folder for methods.md")->required();
 
-        CLI::App& completions = command("completions", "Print completion for a shell", [this] {
+        CLI::App& completions = command("completions", "Print a completion script for a shell", [this] {
             terminal_.out << completionScript(described(), shell_);
             return 0;
         });
-        choice(completions, "SHELL", shell_, "bash|zsh", "Which shell")->required();
+        choice(completions, "SHELL", shell_, "bash|zsh", "The shell to complete for")->required();
 
         command("man", "Print the manual page", [this] {
             terminal_.out << manualPage(described());

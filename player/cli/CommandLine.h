@@ -7,8 +7,8 @@
 
 namespace krl::player {
 
-/// Does what the words after the program's name ask for and returns the exit code: 0, 1 for what
-/// failed, 2 for a command line that makes no sense.
+/// Runs the command given by the words after the program's name and returns the exit code: 0 for success,
+/// 1 for a failure, 2 for invalid usage.
 int runCommandLine(const std::vector<std::string>& words, const Terminal& terminal);
 
 }  // namespace krl::player

@@ -3,20 +3,20 @@
 #include <string>
 #include <vector>
 
-/// The command line described by itself, for what is generated from it.
+/// A description of the command line, from which the completions and the manual page are generated.
 namespace krl::player {
 
-/// An option or a word in its place.
+/// An option or a positional argument.
 struct OptionDescription {
-    std::vector<std::string> names;  ///< `-o`, `--output`; of a word in its place its one name
-    /// What follows the name: in capitals what it stands for, `DIR`; in small letters the words
-    /// themselves, `mt|st`; empty for a switch.
+    std::vector<std::string> names;  ///< `-o`, `--output`; a positional argument has one name
+    /// The option's value: a placeholder in capitals, `DIR`, or the choices in lower case, `mt|st`; empty
+    /// for a flag.
     std::string value;
     std::string meaning;
     bool required = false;
-    bool several = false;  ///< of a word in its place: more may follow
+    bool several = false;  ///< a positional argument that can be repeated
 
-    /// The words that can follow, where it is given words: `mt`, `st`.
+    /// The allowed values, `mt` and `st`; empty unless `value` lists choices.
     std::vector<std::string> choices() const;
 };
 
@@ -29,10 +29,10 @@ struct CommandDescription {
 
 using CommandList = std::vector<CommandDescription>;
 
-/// Completion for `bash` or `zsh`, to be read by the shell.
+/// A completion script for `bash` or `zsh`.
 std::string completionScript(const CommandList& commands, const std::string& shell);
 
-/// The manual page, as `man` reads it.
+/// The manual page in roff.
 std::string manualPage(const CommandList& commands);
 
 }  // namespace krl::player

@@ -9,15 +9,15 @@
 
 #include "player/lingo/Session.h"
 
-/// The commands of `krlimage`, one function for each, free of how the command line is parsed.
-/// Each returns the exit code: 0, or 1 when something failed that it has told on `err`.
+/// The commands of `krlimage`, one function each, independent of how the command line is parsed.
+/// Each returns the exit code: 0, or 1 after a failure that it has reported on `err`.
 namespace krl::player {
 
-/// Where a command speaks.
+/// The output streams of a command.
 struct Terminal {
     std::ostream& out;
     std::ostream& err;
-    /// Whether `err` is a terminal, on which a line can be drawn again.
+    /// Whether `err` is a terminal, where a line can be redrawn.
     bool live = false;
 };
 
@@ -27,7 +27,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// A command line that makes no sense: the usage is told too, and the exit code is 2.
+/// Invalid usage: the help is printed as well, and the exit code is 2.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -45,10 +45,10 @@ struct ApplyOptions {
     /// Pictures, folders of pictures, and calls, in any order.
     std::vector<std::string> words;
     std::string output;
-    /// Extension of what is written, without the dot; empty to keep each picture's own.
+    /// Extension of the output format, without the dot; empty to keep each picture's own.
     std::string format;
     int quality = 90;
-    /// Pictures worked on side by side; 0 for one on each processor.
+    /// Pictures processed in parallel; 0 for one per processor.
     unsigned jobs = 0;
     bool json = false;
     /// Prints the chain as a script instead of running it.
@@ -62,14 +62,14 @@ struct ListOptions {
     std::string word;
     bool json = false;
 };
-/// Lists the methods, or those that a word is found in.
+/// Lists all methods, or those that match a word.
 int listMethods(const ListOptions& options, const Terminal& terminal);
 
 struct HelpOptions {
     std::string method;
     bool json = false;
 };
-/// Tells all about a method.
+/// Prints the help of a method.
 int helpOnMethod(const HelpOptions& options, const Terminal& terminal);
 
 struct GalleryOptions {
@@ -78,19 +78,19 @@ struct GalleryOptions {
     unsigned jobs = 0;
     SessionOptions session;
 };
-/// Makes a contact sheet of every effect.
+/// Makes a contact sheet that shows every effect.
 int makeGallery(const GalleryOptions& options, const Terminal& terminal);
 
 struct CheckOptions {
     std::vector<std::filesystem::path> scripts;
 };
-/// Looks for mistakes in scripts without running them.
+/// Checks scripts for mistakes without running them.
 int checkScripts(const CheckOptions& options, const Terminal& terminal);
 
 struct DocsOptions {
     std::filesystem::path folder;
 };
-/// Writes the reference of all methods.
+/// Writes the method reference.
 int writeDocs(const DocsOptions& options, const Terminal& terminal);
 
 }  // namespace krl::player

@@ -13,14 +13,14 @@ std::string joined(const std::vector<std::string>& words, const std::string& bet
     return text;
 }
 
-/// Inside single quotes of a shell.
+/// Escapes text for use inside single quotes in a shell.
 std::string quotable(const std::string& text) {
     std::string safe;
     for (const char letter : text) safe += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
     return safe;
 }
 
-/// What a command's words are completed with.
+/// The words that complete a command's positional arguments.
 std::string bashWords(const CommandDescription& command) {
     if (command.name == "help" || command.name == "list") return "$methods";
     for (const OptionDescription& word : command.words)
@@ -56,7 +56,7 @@ std::string bashScript(const CommandList& commands) {
         names += (names.empty() ? "" : " ") + command.name;
         cases += bashCase(command);
     }
-    return "# Completion of krlimage for bash: eval \"$(krlimage completions bash)\"\n"
+    return "# bash completion for krlimage: eval \"$(krlimage completions bash)\"\n"
            "_krlimage() {\n"
            "    local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} words=\n"
            "    local methods='" +
@@ -108,7 +108,7 @@ std::string zshScript(const CommandList& commands) {
         cases += zshCase(command);
     }
     return "#compdef krlimage\n"
-           "# Completion of krlimage for zsh: source <(krlimage completions zsh)\n"
+           "# zsh completion for krlimage: source <(krlimage completions zsh)\n"
            "_krlimage() {\n"
            "    local -a commands=(\n" +
            names +

@@ -24,7 +24,7 @@ namespace {
 constexpr const char* kVariable = "KRLIMAGE_JOURNAL";
 constexpr const char* kFileName = "krlimage-journal";
 
-/// How a note begins.
+/// The header of a note.
 struct Head {
     uint32_t mark;
     uint32_t kind;
@@ -41,11 +41,11 @@ void append(Head head, const char* text) noexcept {
     if (file < 0) return;
     iovec parts[] = {{&head, sizeof(head)}, {const_cast<char*>(text), head.bytes}};
     const auto whole = static_cast<ssize_t>(sizeof(head) + head.bytes);
-    // With a note missing, a restart would do things twice: then rather none.
+    // A restart without this note would repeat work, so give up on restarting.
     if (::writev(file, parts, 2) != whole) journal = -1;
 }
 
-/// Nothing but system calls: the memory may be broken.
+/// Makes only system calls, since memory may be corrupt.
 void endByCrash(int signal) {
     removeUnfinishedFiles();
     append({kMark, static_cast<uint32_t>(JournalEntry::Kind::Crash), static_cast<uint32_t>(signal), 0}, "");
@@ -64,7 +64,7 @@ void endByCrash(int signal) {
     ::raise(signal);
 }
 
-/// The journal that the variable names, if it is one; else -1.
+/// The file descriptor of the journal named by the environment variable, or -1.
 int inheritedJournal() {
     const char* number = std::getenv(kVariable);
     if (!number) return -1;
@@ -120,7 +120,7 @@ void CrashJournal::note(JournalEntry::Kind kind, size_t item, const std::string&
         text.data());
 }
 
-/// Up to the first note that is not whole: whoever wrote it was ended meanwhile.
+/// Reads up to the first incomplete note, which the crash interrupted.
 void CrashJournal::readPast() {
     const int file = journal;
     off_t place = 0;

@@ -6,41 +6,41 @@
 #include <string>
 #include <vector>
 
-/// Libraries for pictures end the program where they run out of memory or a file leads them astray. A
-/// batch outlives that: the program starts itself anew in its own place, reads in a journal how far it
-/// was, fails the picture that it crashed on and goes on with the rest. Where pictures were worked on
-/// side by side, each of them is tried alone first.
+/// Image libraries may abort the program when they run out of memory or hit a malformed file. A batch
+/// survives that: the program re-executes itself, reads its progress from a journal, marks the picture
+/// that it crashed on as failed and continues with the rest. If several pictures were in progress, each
+/// of them is retried alone first.
 namespace krl::player {
 
 /// From now on a crash leaves no half-written file, and restarts a program that keeps a journal.
-/// `words` are those of `main`, and stay.
+/// `words` are the arguments of `main` and must stay valid.
 void surviveCrashes(char** words);
 
-/// What a signal is called: `Aborted`.
+/// The name of a signal: `Aborted`.
 std::string crashName(int signal);
 
-/// What a program that crashed told of its work, in the order in which it was told.
+/// A note about the progress of a program that crashed, in the order of writing.
 struct JournalEntry {
     enum class Kind : uint32_t { Plan, Begun, Report, Failed, Written, Crash, Restart };
     Kind kind;
-    size_t item = 0;  ///< of a crash, the signal
+    size_t item = 0;  ///< for a crash, the signal
     std::string text;
 };
 
-/// Lives as long as the work; keeps nothing where crashes are not survived.
+/// Lives as long as the batch; does nothing on platforms without crash recovery.
 class CrashJournal {
 public:
-    /// Goes on with the journal of the crashed program that this one replaces, if any.
+    /// Continues the journal of the crashed program that this one replaces, if any.
     CrashJournal();
     ~CrashJournal();
     CrashJournal(const CrashJournal&) = delete;
     CrashJournal& operator=(const CrashJournal&) = delete;
 
-    /// Empty unless the program is a restarted one.
+    /// Empty unless the program was restarted.
     std::span<const JournalEntry> past() const { return past_; }
-    /// Whether notes are kept at all.
+    /// Whether notes are recorded at all.
     bool kept() const;
-    /// From any thread; takes no memory.
+    /// Can be called from any thread; allocates nothing.
     void note(JournalEntry::Kind kind, size_t item, const std::string& text = "") const noexcept;
 
 private:

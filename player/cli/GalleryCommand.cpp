@@ -17,10 +17,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Examples are chosen for pictures of about this size, and a screen shows no more.
+/// The examples are chosen for pictures of about this size, and most screens show no more.
 constexpr int32_t kWidest = 1280, kThumbnail = 480;
 
-/// Effects and what only answers; engine and stop-watch have nothing to show.
+/// All methods except those that manage the engine and the timer, which have nothing to show.
 std::vector<const Method*> shownMethods() {
     std::vector<const Method*> shown;
     for (const Family& group : catalogue().families())
@@ -35,7 +35,7 @@ Bitmap mirrored(const Bitmap& picture) {
     return turned;
 }
 
-/// The sheet while it is made.
+/// Builds the contact sheet.
 class Gallery {
 public:
     Gallery(const GalleryOptions& options)
@@ -49,7 +49,7 @@ public:
         save(picture_, "before");
     }
 
-    /// Second pictures of the examples, as large as the picture, since most methods ask for that.
+    /// Scales the second pictures of the examples to the size of the picture, as most methods require.
     void prepareSamples(const std::vector<const Method*>& methods) {
         for (const Method* method : methods)
             for (const Argument& argument : method->arguments())
@@ -102,8 +102,8 @@ private:
         return path.string();
     }
 
-    /// The example call for a picture of this size; `paths` puts the samples' files in the place of
-    /// their names.
+    /// The example call for a picture of this size; `paths` maps the names of sample pictures
+    /// to their files.
     std::string shortCall(const Method& method, const std::map<std::string, std::string>& paths) const {
         ExampleSetting setting;
         setting.width = picture_.width;
@@ -128,7 +128,7 @@ private:
 
 int makeGallery(const GalleryOptions& options, const Terminal& terminal) {
     if (!isPictureName("x.webp"))
-        throw CommandError("a gallery is of WebP pictures, which this build cannot write");
+        throw CommandError("a gallery needs WebP, which this build does not support");
     Gallery gallery(options);
     const std::vector<const Method*> methods = shownMethods();
     gallery.prepareSamples(methods);

@@ -7,7 +7,7 @@ namespace krl::player {
 
 namespace {
 
-/// Surroundings are a neutral grey, so that they do not tint what is judged before them.
+/// The page is neutral grey, so that it does not distort how colours are perceived.
 constexpr const char* kStyle = R"css(
 :root { color-scheme: dark; --ground: #1d1d1f; --card: #29292c; --line: #3b3b40; --text: #e9e9ec;
   --quiet: #a3a3ab; --accent: #f0b35a; }
@@ -137,7 +137,8 @@ std::string anchorOf(std::string heading) {
 std::string viewOf(const GalleryOriginal& original, const GalleryCard& card) {
     const std::string shape = std::to_string(original.width) + " / " + std::to_string(original.height);
     return "<button class=\"view\" style=\"aspect-ratio: " + shape + "\" data-picture=\"" +
-           safe(card.picture) + "\" title=\"Before and after\"><img class=\"after\" loading=\"lazy\" alt=\"" +
+           safe(card.picture) +
+           "\" title=\"Compare before and after\"><img class=\"after\" loading=\"lazy\" alt=\"" +
            safe(card.name) + "\" src=\"" + safe(card.thumbnail) +
            "\"><img class=\"before\" loading=\"lazy\" alt=\"\" src=\"" + safe(original.thumbnail) +
            "\"></button>\n";
@@ -153,12 +154,12 @@ std::string cardOf(const GalleryOriginal& original, const GalleryCard& card) {
     std::string text =
         plain ? "<article class=\"card plain\">\n" : "<article class=\"card\">\n" + viewOf(original, card);
     text += "<div class=\"words\"><h3>" + safe(card.name) + "</h3><p>" + safe(card.summary) + "</p>\n";
-    if (plain && card.answer.empty()) text += "<p>This picture stays as it is.</p>\n";
+    if (plain && card.answer.empty()) text += "<p>This picture is unchanged.</p>\n";
     if (!card.answer.empty()) text += "<p class=\"answer\">" + safe(card.answer) + "</p>\n";
     return text + callRow(card.call) + "</div>\n</article>\n";
 }
 
-/// The cards of each heading, and the headings as they first come.
+/// The cards grouped by heading, in the order in which the headings first appear.
 std::vector<std::pair<std::string, std::vector<const GalleryCard*>>> grouped(
     const std::vector<GalleryCard>& cards) {
     std::vector<std::pair<std::string, std::vector<const GalleryCard*>>> groups;

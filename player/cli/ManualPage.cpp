@@ -5,7 +5,7 @@ namespace krl::player {
 
 namespace {
 
-/// Text as the formatter takes it literally.
+/// Escapes text so that the formatter prints it literally.
 std::string plain(const std::string& text) {
     std::string safe;
     for (const char letter : text) {
@@ -36,7 +36,7 @@ std::string synopsis(const CommandDescription& command) {
     return text;
 }
 
-/// A text with one full stop at its end.
+/// The text with exactly one full stop at its end.
 std::string sentence(const std::string& text) { return plain(text) + (text.ends_with('.') ? "\n" : ".\n"); }
 
 std::string item(const OptionDescription& option) {
@@ -51,16 +51,16 @@ std::string item(const OptionDescription& option) {
 std::string manualPage(const CommandList& commands) {
     std::string page = ".TH KRLIMAGE 1 \"\" \"krlimage " KRL_VERSION
                        "\" \"User Commands\"\n"
-                       ".SH NAME\nkrlimage \\- grade, key, warp and compose pictures\n.SH SYNOPSIS\n";
+                       ".SH NAME\nkrlimage \\- grade, key, warp and composite pictures\n.SH SYNOPSIS\n";
     for (const CommandDescription& command : commands) page += synopsis(command) + "\n.br\n";
     page +=
         ".SH DESCRIPTION\n"
-        "Runs the effects of KRLImageXtra on pictures, by single calls or by Lingo scripts. A call is a "
+        "Runs the effects of KRLImageXtra on pictures, using single calls or Lingo scripts. A call is a "
         "method's name and its arguments, quoted for the shell:\n.PP\n.RS\n.nf\n"
         "krlimage apply photo.jpg \\-o out.jpg 'brightness(40, #RGB)' 'vignette(blur: 40)'\n"
         ".fi\n.RE\n.PP\n"
         "Pictures are read and written as PNG, JPEG, TIFF, WebP and PAM. "
-        "A picture is written whole or not at all.\n.SH COMMANDS\n";
+        "Output files are written atomically: completely or not at all.\n.SH COMMANDS\n";
     for (const CommandDescription& command : commands) {
         page += ".SS " + synopsis(command) + "\n" + sentence(command.summary);
         for (const OptionDescription& word : command.words) page += item(word);
@@ -73,8 +73,8 @@ std::string manualPage(const CommandList& commands) {
             page += plain(method->shortName()) + (method == group.methods.back() ? ".\n" : ",\n");
     }
     return page +
-           ".SH EXIT STATUS\n0 when all went well, 1 when a script, a call or a picture failed, 2 for a "
-           "command line that makes no sense.\n";
+           ".SH EXIT STATUS\n0 on success, 1 if a script, a call or a picture failed, 2 for invalid "
+           "usage.\n";
 }
 
 }  // namespace krl::player

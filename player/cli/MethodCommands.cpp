@@ -8,12 +8,12 @@
 #include "player/cli/MethodHelp.h"
 #include "player/cli/TextFile.h"
 
-/// The commands that tell of methods and run none.
+/// The commands that describe methods without running them.
 namespace krl::player {
 
 int listMethods(const ListOptions& options, const Terminal& terminal) {
     const std::string text = options.json ? listJson(options.word) : listText(options.word);
-    if (text.empty()) throw CommandError("no method is about " + options.word);
+    if (text.empty()) throw CommandError("no method matches " + options.word);
     terminal.out << text;
     return 0;
 }

@@ -29,7 +29,7 @@ std::string lowerCase(std::string_view text) {
 }  // namespace
 
 std::string methodMeantBy(std::string_view name) {
-    // Whoever wrote the prefix should not have its eight letters counted as right ones.
+    // The eight letters of the prefix must not count as matching letters.
     constexpr std::string_view prefix = "krlimage";
     const bool prefixed = lowerCase(name.substr(0, prefix.size())) == prefix;
     const std::string_view bare = prefixed ? name.substr(prefix.size()) : name;
@@ -81,7 +81,7 @@ std::string expectedText(const Argument& argument) {
         case ArgumentKind::Point:
             return "point";
         case ArgumentKind::ColourList:
-            return "list of colours under numbers";
+            return "property list of colours by position";
         case ArgumentKind::SecondImage:
             return "image";
         case ArgumentKind::Value:
@@ -125,18 +125,18 @@ std::vector<MethodFailure> failuresOf(const Method& method) {
     tell(method.engineFailureText(), "krlImageCreateLookupTables was not called");
     for (const Argument& argument : method.arguments())
         if (argument.inputFailure)
-            tell(argument.inputFailure, std::string(argument.name) + " is missing or of another kind");
+            tell(argument.inputFailure, std::string(argument.name) + " is missing or of the wrong type");
     if (!method.arguments().empty())
-        tell(method.inputFailureText(), "an argument is missing or of another kind");
+        tell(method.inputFailureText(), "an argument is missing or of the wrong type");
     for (const Argument& argument : method.arguments()) {
         const std::string name = argument.name;
         if (argument.kind == ArgumentKind::Symbol)
-            tell(argument.unknown.message, name + " is another symbol");
-        tell(argument.checkFailure, name + " is out of its limits");
-        tell(argument.imageTests.heightFailure, name + " is of another height than the picture");
-        tell(argument.imageTests.widthFailure, name + " is of another width than the picture");
+            tell(argument.unknown.message, name + " is an unknown symbol");
+        tell(argument.checkFailure, name + " is out of range");
+        tell(argument.imageTests.heightFailure, name + " differs in height from the picture");
+        tell(argument.imageTests.widthFailure, name + " differs in width from the picture");
     }
-    tell(method.failedText(), "there is no picture to work on, or no memory");
+    tell(method.failedText(), "no picture is loaded, or memory ran out");
     return failures;
 }
 

@@ -5,19 +5,19 @@
 
 #include "catalogue/Catalogue.h"
 
-/// What help, reference page, completions and messages say of methods, each fact worded once.
+/// Texts about methods, shared by help, reference page, completions and error messages.
 namespace krl::player {
 
-/// Every method's name as the command line takes it, without `krlImage`.
+/// The names of all methods without the prefix `krlImage`, as used on the command line.
 std::vector<std::string> shortMethodNames();
 
-/// `, did you mean brightness?` for a name that is near a method's, or nothing.
+/// `, did you mean brightness?` for a name similar to a method's, otherwise empty.
 std::string methodMeantBy(std::string_view name);
 
-/// The method of that name; throws `CommandError` that names the nearest one.
+/// The method of that name; throws a `CommandError` that suggests the nearest one.
 const Method& requireMethod(std::string_view name);
 
-/// Whether `word` is found in the method's name, heading or summary, letter case aside.
+/// Whether the method's name, heading or summary contains `word`, ignoring case.
 bool isFound(const Method& method, const std::string& word);
 
 /// What an argument takes: `integer, -255 to 255`, `#RGB or #Alpha`, `colour`.
@@ -26,14 +26,14 @@ std::string expectedText(const Argument& argument);
 /// `brightness(brightnessInt, colourOrAlpha)`.
 std::string outlineOf(const Method& method);
 
-/// `brightness(brightnessInt, colourOrAlpha) takes 2 arguments, 3 were given`; empty when that many
-/// are right.
+/// `brightness(brightnessInt, colourOrAlpha) takes 2 arguments, 3 were given`; empty if the count is
+/// right.
 std::string countComplaint(const Method& method, size_t given);
 
-/// The call to show the method with: `brightness(40, #RGB)`.
+/// The example call of the method: `brightness(40, #RGB)`.
 std::string shortExample(const Method& method);
 
-/// A message that a method gives, and when.
+/// An error message of a method and its cause.
 struct MethodFailure {
     std::string message;
     std::string when;

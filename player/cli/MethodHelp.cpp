@@ -10,8 +10,8 @@ namespace {
 
 using Rows = std::vector<std::vector<std::string>>;
 
-/// Sets texts in columns as wide as their widest. A text that is wider than `widest` does not widen
-/// its column: what follows it goes to the next line.
+/// Aligns cells in columns as wide as their widest cell. A cell wider than `widest` does not widen its
+/// column: the row continues on the next line.
 std::string columns(const Rows& rows, size_t widest = 34) {
     std::vector<size_t> widths;
     for (const auto& row : rows)
@@ -47,7 +47,7 @@ std::string helpText(const Method& method) {
     Rows arguments, results, failures;
     for (const Argument& argument : method.arguments())
         arguments.push_back({argument.name, expectedText(argument), argument.meaning});
-    if (!method.isSilent()) results.push_back({"error", "0, or what went wrong"});
+    if (!method.isSilent()) results.push_back({"error", "0 on success, otherwise the error message"});
     for (const ResultEntry& entry : method.resultEntries()) results.push_back({entry.key, entry.meaning});
     for (const MethodFailure& failure : failuresOf(method))
         failures.push_back({failure.message, failure.when});

@@ -4,20 +4,20 @@
 
 #include "catalogue/Method.h"
 
-/// The methods as text for a terminal, as data and as a reference page.
+/// Method documentation as text for a terminal, as JSON and as a reference page.
 namespace krl::player {
 
-/// All about one method.
+/// The help of a method.
 std::string helpText(const Method& method);
 
-/// All about one method as a JSON object.
+/// The help of a method as a JSON object.
 std::string helpJson(const Method& method);
 
-/// The methods with `word` in name, heading or summary, letter case aside; all when it is empty.
+/// The methods whose name, heading or summary contains `word`, ignoring case; all if it is empty.
 std::string listText(const std::string& word);
 std::string listJson(const std::string& word);
 
-/// The reference of all methods, in Markdown.
+/// The method reference in Markdown.
 std::string referencePage();
 
 }  // namespace krl::player

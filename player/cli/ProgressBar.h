@@ -9,7 +9,7 @@
 
 namespace krl::player {
 
-/// One line on a terminal that tells how far a job is; on anything else it says nothing.
+/// A progress line on a terminal; silent on any other stream.
 class ProgressBar {
 public:
     ProgressBar(const Terminal& terminal, size_t total, std::string unit);
@@ -17,10 +17,10 @@ public:
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
-    /// Tells that one more is done; from any thread.
+    /// Counts one more item as done; can be called from any thread.
     void step();
 
-    /// The line for `done` of `total` after so many seconds.
+    /// The line for `done` of `total` items after `seconds`.
     static std::string lineFor(size_t done, size_t total, double seconds, const std::string& unit);
 
 private:

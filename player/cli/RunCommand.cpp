@@ -7,7 +7,7 @@ int runScript(const RunOptions& options, const Terminal& terminal) {
     SessionOptions settings = options.session;
     settings.output = &terminal.out;
     settings.alerts = &terminal.err;
-    // Before the work, not after it: a folder that cannot be made would lose all of it.
+    // Create the folder first: failing after the script has run would lose its results.
     if (!settings.outputFolder.empty()) makeFolder(settings.outputFolder);
     Session session(settings);
     session.run(options.script, options.arguments);

@@ -30,7 +30,7 @@ void workSideBySide(size_t count, unsigned jobs, const std::function<Worker()>& 
     };
     {
         std::vector<std::jthread> others;
-        // Where the system gives no more threads, those that there are do all the work.
+        // If the system grants no more threads, the existing ones do all the work.
         try {
             for (size_t i = 1; i < threads && Faults::grant(faults().threads); ++i) others.emplace_back(work);
         } catch (const std::system_error&) {

@@ -11,7 +11,7 @@ namespace krl::player {
 void makeFolder(const std::filesystem::path& folder) {
     std::error_code failure;
     std::filesystem::create_directories(folder, failure);
-    if (failure) throw CommandError("cannot make the folder " + folder.string() + ": " + failure.message());
+    if (failure) throw CommandError("cannot create the folder " + folder.string() + ": " + failure.message());
 }
 
 void writeText(const std::filesystem::path& path, const std::string& text) {

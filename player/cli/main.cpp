@@ -24,10 +24,10 @@ bool isTerminal(std::FILE* stream) {
 #endif
 }
 
-/// Whether a progress bar may stand where the cursor is.
+/// Whether the cursor may be at the end of a progress bar.
 volatile std::sig_atomic_t barMayStand = 0;
 
-/// Ends the program as the signal would have, with no half-written file left behind.
+/// Ends the program as the signal would, but removes half-written files first.
 void endBySignal(int signal) {
     krl::player::removeUnfinishedFiles();
 #if !defined(_WIN32)
@@ -48,10 +48,10 @@ void endCleanlyBySignals() {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
         struct sigaction before {};
         sigaction(signal, nullptr, &before);
-        // Whoever started the program, such as nohup, may have told it to ignore some.
+        // The parent process, such as nohup, may have set some to be ignored.
         if (before.sa_handler != SIG_IGN) sigaction(signal, &ending, nullptr);
     }
-    // A file that grows past the limit is one that cannot be written, and told as such.
+    // Exceeding the file size limit is then reported as a write error.
     std::signal(SIGXFSZ, SIG_IGN);
 }
 #endif

@@ -14,7 +14,7 @@ char lower(char letter) {
 
 int sign(double a, double b) { return a < b ? -1 : a > b ? 1 : 0; }
 
-/// Where a kind stands in a sorted list of mixed content.
+/// The rank of a type in a sorted list of mixed content.
 int rank(Kind kind) {
     switch (kind) {
         case Kind::Void:
@@ -33,7 +33,7 @@ std::string_view textOf(const SymbolTable& symbols, const Value& value) {
     return value.is(Kind::Symbol) ? symbols.spelling(value.symbol()) : value.as<StringObject>()->text;
 }
 
-/// One walk for equality and order, with a bound on its depth.
+/// One traversal for equality and order, up to a limited depth.
 class Comparison {
 public:
     explicit Comparison(const SymbolTable& symbols) : symbols_(symbols) {}
@@ -49,7 +49,7 @@ public:
     }
 
 private:
-    /// A number, VOID as 0, and beside a number a string that holds one.
+    /// A number; VOID as 0; compared with a number, also a string that holds one.
     static bool comparesAsNumber(const Value& value, const Value& other, double& number) {
         if (value.isNumber() || value.isVoid()) {
             number = value.isVoid() ? 0 : value.number();
@@ -112,7 +112,7 @@ bool readNumber(std::string_view text, double& number) {
     while (!text.empty() && blank(text.front())) text.remove_prefix(1);
     while (!text.empty() && blank(text.back())) text.remove_suffix(1);
     if (!text.empty() && text.front() == '+') text.remove_prefix(1);
-    // Digits alone make a number: no names for infinity and the like.
+    // Only digits make a number, not names such as "inf".
     const size_t first = text.substr(0, 1) == "-" ? 1 : 0;
     if (first >= text.size() || !(text[first] == '.' || (text[first] >= '0' && text[first] <= '9')))
         return false;
@@ -124,7 +124,7 @@ bool equal(const SymbolTable& symbols, const Value& a, const Value& b) {
     if (a.isInteger() && b.isInteger()) return a.integer() == b.integer();
     if (a.is(Kind::Float) || b.is(Kind::Float)) {
         const Value& real = a.is(Kind::Float) ? a : b;
-        if (real.number() != real.number()) return false;  // NaN is nothing's equal
+        if (real.number() != real.number()) return false;  // NaN equals nothing
     }
     return Comparison(symbols).of(a, b) == 0;
 }

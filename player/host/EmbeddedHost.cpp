@@ -26,7 +26,7 @@ uint32_t KRL_HOST_CALL release(HostInterface* self) {
     return static_cast<uint32_t>(--Service::of(self).references);
 }
 
-/// The one class that the host makes instances of for the plug-in is a service like the others.
+/// The only class that the host instantiates for the plug-in is served like the other services.
 HostStatus KRL_HOST_CALL createInstance(HostInterface* self, const Identifier* classId,
                                         const Identifier* interfaceId, void** out) {
     *out = nullptr;
@@ -48,7 +48,7 @@ HostStatus KRL_HOST_CALL givePlayerSub(HostInterface* self, HostInterface** out)
     return kHostOk;
 }
 
-/// Whoever asks never gives the answer back, so there is none to give.
+/// Plug-ins never release the result, so there is none.
 HostStatus KRL_HOST_CALL givePlayerItem(HostInterface*, int32_t, HostInterface** out) {
     *out = nullptr;
     return kHostNoInterface;
@@ -85,7 +85,7 @@ EmbeddedHost::EmbeddedHost(uint64_t memoryLimitBytes) : heap(memoryLimitBytes) {
     fillImageOperations(offer(ids::kImages));
 }
 
-/// Gives a service what every interface has.
+/// Adds the operations that every interface has.
 void EmbeddedHost::found(Service& service) {
     service.host = this;
     service.face.operations = service.operations.data();

@@ -14,14 +14,14 @@
 
 namespace krl::player {
 
-/// What operations answer besides success.
+/// Status codes of operations, besides success.
 inline constexpr host::HostStatus kWrongKind = static_cast<host::HostStatus>(0x80041001u);
 inline constexpr host::HostStatus kStaleValue = static_cast<host::HostStatus>(0x80041002u);
 inline constexpr host::HostStatus kNoSuchElement = static_cast<host::HostStatus>(0x80041003u);
 inline constexpr host::HostStatus kNotLocked = static_cast<host::HostStatus>(0x80041004u);
 
-/// What registration put under one class and interface: an interface of its own, given out without
-/// a reference.
+/// What a plug-in registered for one class and interface. It is an interface itself, handed out without a
+/// reference.
 struct RegistryDictionary : Service {
     host::Identifier classId{}, interfaceId{};
     std::map<std::string, std::string> texts;
@@ -29,8 +29,8 @@ struct RegistryDictionary : Service {
 };
 
 /// A host for the plug-in, in memory: symbols, values, lists, colours, images, messages, a counting
-/// allocator, a registry, and the services that the plug-in only asks to be there. It counts what
-/// it gives out and tells what did not come back.
+/// allocator, a registry, and the services whose presence the plug-in checks. It counts what
+/// it hands out and reports what was not released.
 class EmbeddedHost {
 public:
     explicit EmbeddedHost(uint64_t memoryLimitBytes);
@@ -39,17 +39,17 @@ public:
 
     SymbolTable symbols;
     Heap heap;
-    /// Where message output goes.
+    /// Receives the message output.
     std::function<void(std::string_view)> onMessage;
 
-    /// What `appInfo` tells.
+    /// Returned by `appInfo`.
     std::string applicationName = "Director";
     std::string applicationVersion = "10.1";
 
     host::HostInterface* provider() { return &provider_.face; }
     host::HostInterface* allocator() { return &allocator_.face; }
     host::HostInterface* registryCache() { return &cache_.face; }
-    /// The service of that identifier with a reference added, or null.
+    /// The service with that identifier and an added reference, or null.
     host::HostInterface* service(const host::Identifier& id);
 
     RegistryDictionary& addDictionary(const host::Identifier& classId, const host::Identifier& interfaceId);
@@ -57,20 +57,20 @@ public:
     const RegistryDictionary* dictionary(const host::Identifier& classId,
                                          const host::Identifier& interfaceId) const;
 
-    /// Throws what went wrong in an operation that answers are made with, once.
+    /// Rethrows the exception of an operation that builds results, once.
     void rethrowFailure();
 
-    /// A zeroed block that counts until it is freed, or null.
+    /// A zeroed block, counted until it is freed, or null.
     void* allocate(uint32_t bytes);
     void free(void* block);
 
-    // What is still out.
+    // Objects not yet released.
     int64_t blocks() const { return blocks_; }
     int64_t locks() const { return locks_; }
     int64_t references() const;
     void countLock(int change) { locks_ += change; }
 
-    // The objects that `playerSource` and `player` give for the length of one call.
+    // The objects that `playerSource` and `player` provide during one call.
     Service player, playerSub;
 
 private:

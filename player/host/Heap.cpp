@@ -7,7 +7,7 @@
 
 namespace krl::player {
 
-/// Nothing is freed while this lives, only noted: what is at work on an object can finish with it.
+/// Defers freeing during its lifetime, so that code that uses an object can finish.
 class Heap::FreeLater {
 public:
     explicit FreeLater(Heap& heap) : heap_(heap), outer_(std::exchange(heap.freeing_, true)) {}
@@ -24,7 +24,7 @@ private:
 };
 
 void Heap::clear() noexcept {
-    // Objects hold values of this heap: they let go of those first, each in its own time.
+    // Objects hold values of this heap and must release those first.
     const FreeLater later(*this);
     for (Slot& slot : slots_)
         if (slot.kind != Kind::Void && slot.object) slot.object->dropChildren();
@@ -45,7 +45,7 @@ Value Heap::adopt(Kind kind, std::unique_ptr<Object> object) {
     return fill(kind, object.release(), 0);
 }
 
-/// Makes sure of a free slot, so that `fill` cannot fail.
+/// Ensures a free slot, so that `fill` cannot fail.
 void Heap::needSlot() {
     if (firstFree_ != kNoSlot) return;
     if (slots_.size() == slots_.capacity()) mustHold(sizeof(Slot) * (slots_.size() + 1));
@@ -100,7 +100,7 @@ bool Heap::release(const ScriptValue& words) noexcept {
     return true;
 }
 
-/// What is freed is linked through its own slot: to free takes no memory.
+/// Links freed objects through their own slots, so freeing needs no memory.
 void Heap::vacate(uint32_t index) noexcept {
     Slot& slot = slots_[index];
     slot.kind = Kind::Void;
@@ -110,7 +110,7 @@ void Heap::vacate(uint32_t index) noexcept {
     if (!freeing_) freeDoomed();
 }
 
-/// In a loop, not by recursion: a list may be nested deeper than the stack is.
+/// Iterative, since a list may be nested deeper than the stack allows.
 void Heap::freeDoomed() noexcept {
     freeing_ = true;
     while (firstDoomed_ != kNoSlot) {
@@ -119,7 +119,7 @@ void Heap::freeDoomed() noexcept {
         firstDoomed_ = slot.nextFree;
         const std::unique_ptr<Object> object(std::exchange(slot.object, nullptr));
         if (object) bytes_ -= object->charged_;
-        // A slot whose generations have run out is never used again, so no old handle can fit it.
+        // A slot whose generations are used up is never reused, so no stale handle can match it.
         if (slot.generation == kLastGeneration) continue;
         ++slot.generation;
         slot.nextFree = firstFree_;
@@ -145,16 +145,16 @@ void Heap::recount(Object& object) {
     if (object.bytes() != object.charged_) charge(object);
 }
 
-/// Shows every value that an object of this heap holds and that lives on the heap too.
+/// Visits every value that an object holds and that is on this heap.
 template <class Visit>
 void Heap::eachInnerSlot(const Slot& holder, const Visit& visit) {
     if (holder.kind == Kind::Void || !holder.object) return;
-    // One reference to capture, which `std::function` holds within itself.
+    // A single captured reference fits into `std::function` without an allocation.
     holder.object->eachChild([&visit](const Value& child) { visit(child.words()); });
 }
 
-/// Marks what a reference from outside the heap leads to. What is still to be looked into is linked
-/// through the slots.
+/// Marks everything reachable from references outside the heap. Pending objects are linked through their
+/// slots.
 void Heap::markHeldFromOutside() noexcept {
     const auto count = [this](uint32_t change) {
         for (const Slot& slot : slots_)
@@ -162,7 +162,7 @@ void Heap::markHeldFromOutside() noexcept {
                 if (at(words)) slots_[slotOf(words)].references += change;
             });
     };
-    // Without the references from within, whoever still has some is held from outside.
+    // After subtracting the internal references, objects with some left are held from outside.
     count(UINT32_MAX);
     uint32_t toVisit = kNoSlot;
     const auto mark = [&](uint32_t index) {
@@ -199,13 +199,13 @@ Value Value::sharing(Heap& heap, ScriptValue words) {
 double Value::number() const {
     double real = integer();
     if (is(Kind::Float) && !heap_->findNumber(words_, real))
-        throw HostError("a value was given back while it was still in use");
+        throw HostError("a value was released while it was still in use");
     return real;
 }
 
 Object* Value::object() const {
     if (Object* found = heap_->find(words_)) return found;
-    throw HostError("a value was given back while it was still in use");
+    throw HostError("a value was released while it was still in use");
 }
 
 void Value::retain() const { heap_->retain(words_); }

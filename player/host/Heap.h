@@ -9,15 +9,15 @@
 
 namespace krl::player {
 
-/// Something that values hold by a handle.
+/// An object that values refer to by a handle.
 class Object {
 public:
     virtual ~Object() = default;
-    /// Bytes it takes, for the memory limit.
+    /// Its size in bytes, for the memory limit.
     virtual size_t bytes() const = 0;
-    /// Shows every value that it holds.
+    /// Visits every value that it holds.
     virtual void eachChild(const std::function<void(const Value&)>&) const {}
-    /// Lets go of them.
+    /// Releases them.
     virtual void dropChildren() {}
 
 private:
@@ -25,8 +25,8 @@ private:
     size_t charged_ = 0;
 };
 
-/// Everything that values denote: counted by reference behind numbered slots, with a limit on the
-/// bytes of all together. Floats live in their slots; the rest are objects.
+/// The objects that values refer to, reference-counted in numbered slots, with a limit on their total size.
+/// Floats are stored in their slots; everything else is an object.
 class Heap {
 public:
     explicit Heap(uint64_t limitBytes) : limitBytes_(limitBytes) {}
@@ -40,29 +40,29 @@ public:
     Value make(Arguments&&... arguments) {
         return keep(std::make_unique<ObjectType>(std::forward<Arguments>(arguments)...));
     }
-    /// The value of an object that was made elsewhere.
+    /// Takes over an object and returns its value.
     template <class ObjectType>
     Value keep(std::unique_ptr<ObjectType> object) {
         return adopt(ObjectType::kKind, std::move(object));
     }
 
-    /// A slot with its kind taken from `words`, or nothing for a stale or made-up handle.
+    /// The slot that `words` refer to, or null for a stale or invalid handle.
     Object* find(const ScriptValue& words) const;
     bool findNumber(const ScriptValue& words, double& number) const;
-    /// False for a stale handle; values without one are always kept and dropped well.
+    /// False for a stale handle; always true for values without a handle.
     bool retain(const ScriptValue& words);
     bool release(const ScriptValue& words) noexcept;
 
-    /// Refuses, before it is taken, what would go beyond the limit.
+    /// Throws before an allocation that would exceed the limit.
     void mustHold(uint64_t moreBytes) const;
-    /// Counts an object anew after it has grown.
+    /// Updates the size of an object after it has grown.
     void recount(Object& object);
 
-    /// Frees what is only held by itself: lists in themselves, objects that know each other.
+    /// Frees unreachable cycles: lists that contain themselves, objects that refer to each other.
     void freeCycles() noexcept;
-    /// Frees everything, whoever still holds it.
+    /// Frees everything, even if it is still held.
     void clear() noexcept;
-    /// Objects and floats that are alive.
+    /// The number of live objects and floats.
     int64_t living() const { return living_; }
 
 private:
@@ -72,9 +72,9 @@ private:
         double number = 0;
         uint32_t generation = 0;
         uint32_t references = 0;
-        Kind kind = Kind::Void;  ///< VOID in a free slot, and in one that is about to be freed
-        bool held = false;       ///< by a reference from outside, while cycles are looked for
-        uint32_t nextFree = 0;   ///< next of the list that the slot is in
+        Kind kind = Kind::Void;  ///< VOID in a slot that is free or about to be freed
+        bool held = false;       ///< reachable from outside, during cycle collection
+        uint32_t nextFree = 0;   ///< next slot in the list that contains this one
     };
 
     Value adopt(Kind kind, std::unique_ptr<Object> object);

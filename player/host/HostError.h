@@ -5,8 +5,8 @@
 
 namespace krl::player {
 
-/// What the embedded host cannot do: a plug-in that cannot be used, values beyond the memory limit,
-/// a value that was given back while still in use. One line.
+/// An error of the embedded host in one line: an unusable plug-in, an exceeded memory limit, a value
+/// released while still in use.
 class HostError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

@@ -2,7 +2,7 @@
 #include "player/host/HostError.h"
 #include "player/host/Objects.h"
 
-/// Images as the plug-in sees them: described, locked while their address is in use, made anew.
+/// The plug-in's image operations: query, lock and unlock, create.
 namespace krl::player {
 
 using namespace host;
@@ -59,8 +59,8 @@ HostStatus KRL_HOST_CALL queryImage(HostInterface* self, const ScriptValue* valu
 
 Value makeImage(Heap& heap, int64_t width, int64_t height, int32_t depth) {
     if (width < 1 || height < 1)
-        throw HostError("an image is at least 1 pixel wide and high, not " + std::to_string(width) + " by " +
-                        std::to_string(height));
+        throw HostError("an image must be at least 1 pixel wide and high, not " + std::to_string(width) +
+                        " by " + std::to_string(height));
     if (width > kPictureByteLimit / kBytesPerPixel / height)
         throw HostError("an image of " + std::to_string(width) + " by " + std::to_string(height) +
                         " pixels is larger than 2 GB");

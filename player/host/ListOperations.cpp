@@ -2,8 +2,7 @@
 #include "player/host/EmbeddedHost.h"
 #include "player/host/Objects.h"
 
-/// Lists as the plug-in makes and reads them. An element is given with a reference of its own, a
-/// property key is borrowed.
+/// The plug-in's list operations. An element is returned with a reference, a property key without.
 namespace krl::player {
 
 using namespace host;
@@ -22,7 +21,7 @@ HostStatus refused(HostInterface* self, const ScriptValue* value) {
     return list && !hostOf(self).heap.find(*value) ? kStaleValue : kWrongKind;
 }
 
-/// A reference of the list's own on what it is given; false for a stale handle.
+/// Adds the list's own reference to a value; false for a stale handle.
 bool share(HostInterface* self, const ScriptValue& words, Value& shared) {
     shared = Value::sharing(hostOf(self).heap, words);
     return !onHeap(words) || !shared.isVoid();

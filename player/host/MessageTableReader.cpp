@@ -8,7 +8,7 @@ namespace {
 
 bool blank(char letter) { return letter == ' ' || letter == '\t' || letter == '\r'; }
 
-/// The next word of `text`, which is shortened by it.
+/// Removes the first word of `text` and returns it.
 std::string takeWord(std::string_view& text) {
     while (!text.empty() && blank(text.front())) text.remove_prefix(1);
     size_t length = 0;
@@ -18,7 +18,7 @@ std::string takeWord(std::string_view& text) {
     return word;
 }
 
-/// Up to `mark`, which is dropped with it.
+/// Removes the text up to and including `mark` and returns the part before it.
 std::string_view takeUntil(std::string_view& text, std::string_view mark) {
     const size_t end = text.find(mark);
     const std::string_view part = text.substr(0, end);

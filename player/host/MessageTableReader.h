@@ -6,7 +6,7 @@
 
 namespace krl::player {
 
-/// One method as a registered message table tells it.
+/// One method as described by a registered message table.
 struct MethodSignature {
     struct Argument {
         std::string kind;  ///< `integer`, `symbol`, ...
@@ -16,14 +16,14 @@ struct MethodSignature {
     std::vector<Argument> arguments;  ///< without `object me`
 };
 
-/// What a message table says: the xtra's name, and its methods, each at the place of its selector.
+/// A parsed message table: the xtra's name and its methods, indexed by selector.
 struct MessageTable {
     std::string xtraName;
     std::vector<MethodSignature> methods;
 };
 
 /// Reads a table: `xtra NAME` on the first line, then `name object me, kind name, ... -- comment`.
-/// Throws `HostError` where the text is none.
+/// Throws `HostError` if the text is invalid.
 MessageTable readMessageTable(std::string_view text);
 
 }  // namespace krl::player

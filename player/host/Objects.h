@@ -7,7 +7,7 @@
 #include "player/host/Heap.h"
 #include "player/pictures/Picture.h"
 
-/// The objects behind handles that the plug-in and scripts share.
+/// The heap objects shared by the plug-in and scripts.
 namespace krl::player {
 
 struct StringObject : Object {
@@ -65,8 +65,7 @@ struct CoordinatesObject : Object {
 using PointObject = CoordinatesObject<Kind::Point, 2>;
 using RectObject = CoordinatesObject<Kind::Rect, 4>;
 
-/// An image. Pixels never move while it lives. A locked image is kept alive by its lock, since who
-/// locked it may hold nothing but the address.
+/// An image. Its pixels never move. A lock keeps it alive, since the plug-in may hold only the address.
 struct ImageObject : Object {
     static constexpr Kind kKind = Kind::Image;
     explicit ImageObject(Bitmap pixels, int32_t bitsPerPixel = 32)
@@ -77,13 +76,12 @@ struct ImageObject : Object {
     bool holds(int64_t x, int64_t y) const { return x >= 0 && y >= 0 && x < width() && y < height(); }
 
     Bitmap bitmap;
-    int32_t depth;  ///< 32, or 8 for a mask: then the three colour bytes of a pixel are equal
+    int32_t depth;  ///< 32, or 8 for a mask, whose pixels have three equal colour bytes
     bool useAlpha = true;
     int32_t locks = 0;
 };
 
-/// A white, opaque image. Throws `HostError` for a side below 1, more than 2^31 bytes or too little
-/// memory.
+/// A white, opaque image. Throws `HostError` for a side below 1, more than 2 GiB or too little memory.
 Value makeImage(Heap& heap, int64_t width, int64_t height, int32_t depth = 32);
 
 }  // namespace krl::player

@@ -12,7 +12,7 @@ namespace krl::player {
 
 namespace {
 
-// The platform's loader: a handle that closes itself, a function by its name, what went wrong.
+// The platform's loader: a handle that closes itself, function lookup, error text.
 #if defined(_WIN32)
 std::shared_ptr<void> openLibrary(const std::filesystem::path& file) {
     HMODULE handle = LoadLibraryW(file.wstring().c_str());
@@ -25,7 +25,7 @@ void* findSymbol(void* handle, const char* name) {
 std::string loaderMessage() { return "error " + std::to_string(GetLastError()); }
 #else
 std::shared_ptr<void> openLibrary(const std::filesystem::path& file) {
-    // A bare name would be searched for along the system's folders.
+    // A bare name would be searched for in the system's folders.
     void* handle = dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!handle) return nullptr;
     return {handle, [](void* opened) { dlclose(opened); }};
@@ -41,7 +41,7 @@ template <class Function>
 void find(const PlugInLibrary& library, const std::filesystem::path& file, const char* name,
           Function& function) {
     function = reinterpret_cast<Function>(findSymbol(library.file.get(), name));
-    if (!function) throw HostError(file.string() + " is no xtra: it has no function " + name);
+    if (!function) throw HostError(file.string() + " is not an xtra: it does not export " + name);
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 
 namespace krl::player {
 
-/// The exports of a plug-in that the host uses, and what keeps them callable.
+/// The exports of a plug-in, and the library handle that keeps them callable.
 struct PlugInLibrary {
     host::GetClassFormFunction getClassForm = nullptr;
     host::GetClassInfoFunction getClassInfo = nullptr;
@@ -16,9 +16,9 @@ struct PlugInLibrary {
     std::shared_ptr<void> file;  ///< unloads with the last copy
 };
 
-/// The plug-in that is linked into this program.
+/// The plug-in linked into this program.
 PlugInLibrary builtInPlugIn();
-/// A plug-in from a file; throws `HostError` where it cannot be loaded or is none.
+/// A plug-in from a file; throws `HostError` if it cannot be loaded or is not a plug-in.
 PlugInLibrary loadPlugIn(const std::filesystem::path& file);
 
 }  // namespace krl::player

@@ -3,7 +3,7 @@
 #include "host/Door.h"
 #include "player/host/EmbeddedHost.h"
 
-/// What a plug-in registers with: the application's name and version, a cache of entries, and their
+/// The registration services: the application's name and version, a cache of entries, and their
 /// dictionaries.
 namespace krl::player {
 

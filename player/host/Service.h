@@ -8,15 +8,14 @@ namespace krl::player {
 
 class EmbeddedHost;
 
-/// One interface of the embedded host: a table of operations as the door wants it, the host it
-/// belongs to, and how many references are out.
+/// One interface of the embedded host: its table of operations, the host, and a reference count.
 struct Service {
     host::HostInterface face{};
     EmbeddedHost* host = nullptr;
     int64_t references = 0;
     std::array<void*, host::slots::kTableSize> operations{};
 
-    /// Puts `function` in the place that `Op` has: `service.set<values::InternSymbol>(internSymbol)`.
+    /// Puts `function` into the slot of `Op`: `service.set<values::InternSymbol>(internSymbol)`.
     template <class Op>
     Service& set(typename Op::Function function) {
         static_assert(Op::slot >= 0 && Op::slot < host::slots::kTableSize);
@@ -27,10 +26,10 @@ struct Service {
     static Service& of(host::HostInterface* self) { return *reinterpret_cast<Service*>(self); }
 };
 
-/// The host behind an interface that the plug-in calls.
+/// The host that an interface belongs to.
 inline EmbeddedHost& hostOf(host::HostInterface* self) { return *Service::of(self).host; }
 
-/// No exception crosses the door: it becomes the status for exhausted memory.
+/// Exceptions do not cross the plug-in interface: they become the out-of-memory status.
 template <class Work>
 host::HostStatus guarded(Work&& work) {
     try {
@@ -40,11 +39,11 @@ host::HostStatus guarded(Work&& work) {
     }
 }
 
-/// Keeps the exception at hand for the call that the plug-in is in.
+/// Stores the current exception for the plug-in call in progress.
 void keepFailure(EmbeddedHost& host) noexcept;
 
-/// For what an answer is made of. The plug-in may answer without what it did not get, so the call as a
-/// whole fails.
+/// For operations that build results. The plug-in may return a result that lacks the failed part, so the
+/// whole call fails.
 template <class Work>
 host::HostStatus guardedAnswer(host::HostInterface* self, Work&& work) {
     try {
@@ -55,7 +54,7 @@ host::HostStatus guardedAnswer(host::HostInterface* self, Work&& work) {
     }
 }
 
-// The services' operations, each family in a file of its own.
+// The services' operations, each family in its own file.
 void fillValueOperations(Service& values, Service& colours);
 void fillListOperations(Service& lists);
 void fillImageOperations(Service& images);

@@ -11,16 +11,16 @@ namespace krl::player {
 
 using host::SymbolId;
 
-/// `text` with ASCII letters in lower case: how names and strings are compared.
+/// `text` with ASCII letters in lower case, for comparing names and strings.
 std::string folded(std::string_view text);
 
-/// Names by number. Letter case is folded; a symbol keeps the spelling of its first use as a
-/// symbol, and until then that of the first identifier.
+/// Interned names, ignoring case. A symbol is spelled as in its first use as a symbol, or until then as in
+/// the first identifier.
 class SymbolTable {
 public:
     SymbolId symbol(std::string_view spelling) { return intern(spelling, true); }
     SymbolId identifier(std::string_view spelling) { return intern(spelling, false); }
-    /// The name without its `#`; `?` for a number that is no symbol.
+    /// The name without its `#`; `?` for an unknown number.
     const std::string& spelling(SymbolId id) const;
     bool contains(SymbolId id) const { return id >= 0 && static_cast<size_t>(id) < entries_.size(); }
 

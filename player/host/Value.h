@@ -13,8 +13,8 @@ using host::SymbolId;
 
 class Heap;
 
-/// What a value is. The first ones are whole in their two words; the others are a handle to
-/// something on the heap.
+/// The type of a value. The first ones are stored in the two words; the others are handles to heap
+/// objects.
 enum class Kind : uint8_t {
     Void,
     Integer,
@@ -36,7 +36,7 @@ enum class Kind : uint8_t {
 
 /// The two words of a value: the kind in the low byte of the first with, above it, the generation
 /// of the heap slot; the payload or the slot's number in the second. A slot's generation goes up
-/// when it is freed, so a stale handle is recognised and refused.
+/// when it is freed, so stale handles are detected.
 constexpr Kind kindOf(const ScriptValue& words) { return static_cast<Kind>(words.words[0] & 0xFF); }
 constexpr bool onHeap(const ScriptValue& words) { return kindOf(words) >= Kind::Float; }
 constexpr uint32_t generationOf(const ScriptValue& words) {
@@ -48,7 +48,7 @@ constexpr ScriptValue wordsOf(Kind kind, uint32_t generation, uint32_t payload) 
         {static_cast<int32_t>(generation << 8 | static_cast<uint32_t>(kind)), static_cast<int32_t>(payload)}};
 }
 
-/// A value that holds one reference on what it denotes.
+/// A value that owns one reference to its object.
 class Value {
 public:
     Value() = default;
@@ -58,15 +58,15 @@ public:
     static Value truth(bool holds) { return integer(holds ? 1 : 0); }
     static Value symbol(SymbolId id) { return Value(wordsOf(Kind::Symbol, 0, static_cast<uint32_t>(id))); }
     static Value colour(Colour colour) { return Value(wordsOf(Kind::Colour, 0, colour.word & 0xFFFFFFu)); }
-    /// VOID as it stands in a variable that was never assigned.
+    /// VOID as in a variable that was never assigned.
     static Value unassigned() { return Value(wordsOf(Kind::Void, 0, 1)); }
-    /// Takes over the one reference that `words` stands for.
+    /// Takes over the reference of `words`.
     static Value adopting(Heap& heap, ScriptValue words) {
         Value made(words);
         made.heap_ = &heap;
         return made;
     }
-    /// Adds a reference of its own; VOID for a stale handle.
+    /// Adds a reference; VOID for a stale handle.
     static Value sharing(Heap& heap, ScriptValue words);
 
     Value(const Value& other) : words_(other.words_), heap_(other.heap_) {
@@ -93,23 +93,23 @@ public:
     bool isInteger() const { return is(Kind::Integer); }
     bool isNumber() const { return isInteger() || is(Kind::Float); }
 
-    // What the words hold; meaningful for a value of that kind alone.
+    // The stored value; meaningful only for that type.
     int32_t integer() const { return words_.words[1]; }
     SymbolId symbol() const { return words_.words[1]; }
     Colour colour() const { return Colour(static_cast<uint32_t>(words_.words[1])); }
     /// An integer or a float as a real.
     double number() const;
 
-    /// The object behind the handle, or null where the value is of another kind.
+    /// The object behind the handle, or null if the value has another type.
     template <class ObjectType>
     ObjectType* as() const {
         return is(ObjectType::kKind) ? static_cast<ObjectType*>(object()) : nullptr;
     }
 
     const ScriptValue& words() const { return words_; }
-    /// Gives the reference up to whoever takes the words.
+    /// Releases ownership of the reference to the caller.
     ScriptValue release() { return std::exchange(words_, {}); }
-    /// Whether both are the very same two words: the same number, symbol, colour or object.
+    /// Whether both have the same two words: the same number, symbol, colour or object.
     bool sameWords(const Value& other) const {
         return words_.words[0] == other.words_.words[0] && words_.words[1] == other.words_.words[1];
     }

@@ -1,15 +1,15 @@
 #include "player/host/EmbeddedHost.h"
 #include "player/host/Objects.h"
 
-/// Conversions between values and plain numbers. An integer is taken where a float is wanted;
-/// beyond that every value is taken for what it is and nothing else.
+/// Conversions between values and plain numbers. An integer converts to a float; otherwise the
+/// types must match.
 namespace krl::player {
 
 using namespace host;
 
 namespace {
 
-/// The status of a value that is not of the wanted kind.
+/// The status for a value of the wrong type.
 HostStatus mismatch(HostInterface* self, const ScriptValue* value) {
     const bool stale = onHeap(*value) && kindOf(*value) != Kind::Float && !hostOf(self).heap.find(*value);
     return stale ? kStaleValue : kWrongKind;
@@ -49,7 +49,7 @@ HostStatus KRL_HOST_CALL valueToFloat(HostInterface* self, const ScriptValue* va
     return hostOf(self).heap.findNumber(*value, *number) ? kHostOk : kStaleValue;
 }
 
-/// Lingo's `point(h, v)` has whole numbers here, row word first.
+/// Lingo's `point(h, v)` as integers, row first.
 HostStatus KRL_HOST_CALL valueToPoint(HostInterface* self, const ScriptValue* value, Point* point) {
     const Object* object = kindOf(*value) == Kind::Point ? hostOf(self).heap.find(*value) : nullptr;
     if (!object) return mismatch(self, value);

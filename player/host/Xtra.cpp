@@ -19,7 +19,7 @@ std::mutex& objectMutex() {
     return mutex;
 }
 
-/// What the three words of an instance's head hold that are the host's own.
+/// The content of the host's three words in an instance's head.
 enum HostWord { kMaker, kReferences, kDestroy };
 
 void*& word(HostInterface* instance, HostWord which) {
@@ -63,7 +63,7 @@ int32_t Xtra::selector(SymbolId name) const {
 void Xtra::findClasses() {
     ClassInfoRecord* records = nullptr;
     if (const HostStatus status = library_.getClassInfo(host_.allocator(), &records))
-        throw HostError("the xtra does not tell its classes: " + hexadecimal(status));
+        throw HostError("the xtra did not report its classes: " + hexadecimal(status));
     const ClassInfoRecord* record = records;
     for (; !(record->classId == ids::kNone && record->interfaceId == ids::kNone); ++record) {
         if (record->interfaceId == ids::kIMoaRegister) registrationClass_ = record->classId;
@@ -80,11 +80,11 @@ void Xtra::registerClass() {
     unknown::Release::call(object);
     --instances_;
     if (status == kHostTooOld)
-        throw HostError("the xtra wants a host newer than version " + host_.applicationVersion);
+        throw HostError("the xtra needs a host newer than version " + host_.applicationVersion);
     if (status != kHostOk) throw HostError("the xtra cannot be registered: " + hexadecimal(status));
 }
 
-/// A zeroed record with its head filled and one reference, which is the maker's.
+/// A zeroed record with its head filled and one reference, owned by the caller.
 InstanceHead* Xtra::makeRecord(const Identifier& classId) {
     int32_t bytes = 0;
     CreateInstanceFunction create = nullptr;
@@ -117,7 +117,7 @@ HostInterface* Xtra::makeInterface(const Identifier& classId, const Identifier& 
     const HostStatus status = library_.getInterface(record, &classId, &interfaceId, &object);
     releaseInstance(reinterpret_cast<HostInterface*>(record));
     if (status != kHostOk || !object)
-        throw HostError("the xtra does not give its interface: " + hexadecimal(status));
+        throw HostError("the xtra did not provide its interface: " + hexadecimal(status));
     ++instances_;
     return static_cast<HostInterface*>(object);
 }
@@ -135,7 +135,7 @@ Value Xtra::newInstance() {
         instance->script = makeInterface(scriptClass_, ids::kIMoaMmXScript);
         host_.rethrowFailure();
     }
-    // Outside the lock: where the heap is full, the instance goes again, and takes the lock for it.
+    // Outside the lock: if the heap is full, the instance is destroyed again, which takes the lock.
     return host_.heap.keep(std::move(instance));
 }
 
@@ -147,7 +147,7 @@ Value Xtra::call(const Value& instance, int32_t selector, std::span<const Value>
     CallInfo info;
     info.selector = selector;
     info.arguments = words.data();
-    // The status repeats what the result says, or says of a result that there is none.
+    // The status only repeats the result, or signals that there is none.
     CallOperation::call(instance.as<XtraInstanceObject>()->script, &info);
     Value answer = Value::adopting(host_.heap, info.result);
     host_.rethrowFailure();

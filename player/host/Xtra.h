@@ -11,9 +11,9 @@
 
 namespace krl::player {
 
-/// A plug-in as the host knows it: its classes are read from the exports, it is registered, and its
-/// message table tells the methods. Plug-ins count their objects without locks, so everything that
-/// makes or frees one is done by one thread of the program at a time.
+/// A loaded plug-in: its classes are read from the exports, it is registered, and its message table
+/// lists the methods. Plug-ins count their objects without locks, so only one thread at a time creates or
+/// frees them.
 class Xtra {
 public:
     /// Reads the classes and registers. Throws `HostError` for a plug-in that refuses.
@@ -23,16 +23,16 @@ public:
 
     const std::string& name() const { return table_.xtraName; }
     const std::vector<MethodSignature>& methods() const { return table_.methods; }
-    /// Selector of a method by name, letter case aside; negative when there is none.
+    /// Selector of a method by name, ignoring case; negative if there is none.
     int32_t selector(SymbolId name) const;
 
-    /// An instance of the scripting class, as `new` makes it.
+    /// Creates an instance of the scripting class, as `new` does.
     Value newInstance();
-    /// Sends a message. Arguments are padded with VOID up to the method's count; the answer is VOID
-    /// where the method writes none.
+    /// Sends a message. Arguments are padded with VOID up to the method's count; the result is VOID
+    /// if the method writes none.
     Value call(const Value& instance, int32_t selector, std::span<const Value> arguments);
 
-    /// Interfaces of the plug-in that live.
+    /// The number of live interfaces of the plug-in.
     int64_t instances() const { return instances_; }
 
 private:
@@ -56,7 +56,7 @@ private:
     int64_t instances_ = 0;
 };
 
-/// `xtra "Name"`: what instances are made of.
+/// `xtra "Name"`, the class of instances.
 struct XtraObject : Object {
     static constexpr Kind kKind = Kind::Xtra;
     explicit XtraObject(Xtra& library) : xtra(library) {}
@@ -65,7 +65,7 @@ struct XtraObject : Object {
     Xtra& xtra;
 };
 
-/// An instance that a script holds; the plug-in's object goes with it.
+/// An instance held by a script; it owns the plug-in's object.
 struct XtraInstanceObject : Object {
     static constexpr Kind kKind = Kind::XtraInstance;
     explicit XtraInstanceObject(Xtra& maker) : xtra(maker) {}
@@ -75,7 +75,7 @@ struct XtraInstanceObject : Object {
     size_t bytes() const override { return sizeof(*this); }
 
     Xtra& xtra;
-    host::HostInterface* script = nullptr;  ///< null until it is made
+    host::HostInterface* script = nullptr;  ///< null until created
 };
 
 }  // namespace krl::player

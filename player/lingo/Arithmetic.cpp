@@ -20,7 +20,7 @@ Value integers(Operator operation, int32_t a, int32_t b) {
     Value result;
     if (operateOnIntegers(operation, a, b, result)) return result;
     if (b == 0) throw HostError("an integer cannot be divided by zero");
-    // The one quotient that does not fit wraps like everything else.
+    // The only quotient that overflows wraps, like all integer arithmetic.
     const bool divide = operation == Operator::Divide;
     if (b == -1) return Value::integer(divide ? wrapSubtract(0, a) : 0);
     return Value::integer(divide ? a / b : a % b);
@@ -56,7 +56,7 @@ bool isSequence(const Value& value) {
     return value.is(Kind::List) || value.is(Kind::Point) || value.is(Kind::Rect);
 }
 
-/// The elements of a list, point or rect; anything else is one element that goes with all.
+/// The elements of a list, point or rect; any other value is one element, combined with all of the others.
 std::span<const Value> elements(const Value& value) {
     if (const auto* list = value.as<ListObject>()) return list->items;
     if (const auto* point = value.as<PointObject>()) return point->values;
@@ -69,7 +69,7 @@ public:
     Calculation(Runtime& runtime, Operator operation) : runtime_(runtime), operation_(operation) {}
 
     Value of(const Value& a, const Value& b, int depth = 0) const {
-        if (depth > kDeepestNesting) throw HostError("the lists to calculate with are nested too deeply");
+        if (depth > kDeepestNesting) throw HostError("the lists in this calculation are nested too deeply");
         if (isSequence(a) || isSequence(b)) return ofSequences(a, b, depth);
         if (a.is(Kind::Colour) && (b.is(Kind::Colour) || b.isInteger()) && operation_ <= Operator::Multiply)
             return ofColours(a.colour(), b);
@@ -94,7 +94,7 @@ private:
                                     channel(operation_, a.blue(), b.blue())));
     }
 
-    /// As long as the shorter of two; the shape is the left one's where that is a sequence.
+    /// As long as the shorter operand; the left one determines the type if it is a sequence.
     Value ofSequences(const Value& a, const Value& b, int depth) const {
         if (a.is(Kind::PropertyList) || b.is(Kind::PropertyList)) refuse(a, b);
         const std::span<const Value> first = elements(a), second = elements(b);
@@ -108,7 +108,7 @@ private:
         return shaped(isSequence(a) ? a : b, std::move(results));
     }
 
-    /// A point or rect has nothing but numbers: what else comes of one is a list.
+    /// Points and rects hold only numbers: with any other element, the result is a list.
     Value shaped(const Value& like, std::vector<Value> results) const {
         const bool numbers =
             std::all_of(results.begin(), results.end(), [](const Value& one) { return one.isNumber(); });

@@ -9,7 +9,7 @@ namespace krl::player {
 /// Whether a value counts as true: any number that is not 0.
 bool truthOf(const Value& value);
 
-/// The short way for two integers; false for an operator that needs `operate`.
+/// The fast path for two integers; false for an operator that needs `operate`.
 inline bool operateOnIntegers(Operator operation, int32_t a, int32_t b, Value& result) {
     switch (operation) {
         case Operator::Add:
@@ -44,16 +44,15 @@ inline bool operateOnIntegers(Operator operation, int32_t a, int32_t b, Value& r
     }
 }
 
-/// What an operator makes of two values. Integers stay integers and wrap; a float makes a float;
-/// lists, points, rects and colours are taken element by element. Throws `HostError` for values
-/// that the operator does not know.
+/// Applies an operator to two values. Integers stay integers and wrap; a float makes a float; lists,
+/// points, rects and colours are combined element by element. Throws `HostError` for unsupported types.
 Value operate(Runtime& runtime, Operator operation, const Value& left, const Value& right);
 
 Value negated(Runtime& runtime, const Value& value);
 
-/// The number in a value, or the number that its text holds; VOID is 0.
+/// A number, or the number that a string holds; VOID is 0.
 bool numberIn(const Value& value, Value& number, Heap& heap);
-/// A float as `integer` rounds it, to the nearest and halves away from 0.
+/// Rounds to the nearest integer, halves away from 0, as `integer` does.
 int32_t rounded(double number);
 
 }  // namespace krl::player

@@ -14,8 +14,8 @@ public:
     ChunkWalk(std::string_view text, ChunkKind kind, char itemDelimiter)
         : text_(text), kind_(kind), itemDelimiter_(itemDelimiter) {}
 
-    /// The next chunk; false when there is none. An empty text has none, and a delimiter at the end
-    /// is followed by an empty one.
+    /// Moves to the next chunk; false at the end. An empty text has no chunks, and a trailing delimiter
+    /// is followed by an empty chunk.
     bool next(Stretch& chunk) {
         if (kind_ == ChunkKind::Word) return nextWord(chunk);
         if (kind_ == ChunkKind::Char) return nextChar(chunk);
@@ -28,7 +28,7 @@ public:
         return true;
     }
 
-    /// Bytes of the delimiter at `place`, 0 where there is none.
+    /// Length of the delimiter at `place` in bytes, 0 if there is none.
     size_t delimiterAt(size_t place) const {
         if (place >= text_.size()) return 0;
         const char letter = text_[place];
@@ -98,7 +98,7 @@ std::string withChunk(std::string_view text, ChunkKind kind, int32_t first, int3
                       std::string_view replacement) {
     std::string whole(text);
     if (kind == ChunkKind::Item || kind == ChunkKind::Line) {
-        // One more chunk than there are delimiters, also in an empty text.
+        // One more chunk than delimiters, even in an empty text.
         const int32_t missing = first - std::max(countChunks(text, kind, itemDelimiter), 1);
         if (missing > 0)
             whole.append(static_cast<size_t>(missing), kind == ChunkKind::Item ? itemDelimiter : '\r');

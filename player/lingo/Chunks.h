@@ -5,10 +5,10 @@
 
 #include "player/lingo/Syntax.h"
 
-/// Chars, words, items and lines of texts, counted from 1. A char is one character of UTF-8.
+/// Chars, words, items and lines of a text, counted from 1. A char is one UTF-8 character.
 namespace krl::player {
 
-/// A stretch of a text, in bytes.
+/// A range of a text in bytes.
 struct Stretch {
     size_t begin = 0, end = 0;
 
@@ -18,14 +18,14 @@ struct Stretch {
 
 int32_t countChunks(std::string_view text, ChunkKind kind, char itemDelimiter);
 
-/// Chunk `first` to `last`; empty at the end of the text where there are fewer.
+/// Chunk `first` to `last`; empty at the end of the text if there are fewer.
 Stretch findChunk(std::string_view text, ChunkKind kind, int32_t first, int32_t last, char itemDelimiter);
 
-/// `text` with that chunk replaced. Items and lines that are not there yet are added, empty, before.
+/// `text` with that chunk replaced. Missing items and lines before it are added empty.
 std::string withChunk(std::string_view text, ChunkKind kind, int32_t first, int32_t last, char itemDelimiter,
                       std::string_view replacement);
 
-/// `text` without that chunk and one of the delimiters beside it.
+/// `text` without that chunk and one adjacent delimiter.
 std::string withoutChunk(std::string_view text, ChunkKind kind, int32_t first, int32_t last,
                          char itemDelimiter);
 

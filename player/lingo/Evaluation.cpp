@@ -67,7 +67,7 @@ Value Interpreter::evaluateVariable(const VariableExpression& expression) {
     unknownVariable(expression);
 }
 
-/// Both sides are always evaluated, also of `and` and `or`. Two integers take the short way.
+/// Both sides are always evaluated, even for `and` and `or`. Two integers take the fast path.
 Value Interpreter::evaluateBinary(const BinaryExpression& expression) {
     const Value left = evaluate(*expression.left);
     const Value right = evaluate(*expression.right);
@@ -116,7 +116,7 @@ Value Interpreter::property(const Value& object, SymbolId name, Place place) {
     unknownProperty(object, name);
 }
 
-/// A function of one number, text or symbol may be written as its property: `"12".integer`.
+/// A function of one number, string or symbol can be written as a property: `"12".integer`.
 const Builtin* Interpreter::functionAsProperty(Kind kind, SymbolId name) const {
     const Builtin* known = builtin(name);
     const bool plain =
@@ -155,7 +155,7 @@ Value Interpreter::evaluateIndex(const IndexExpression& expression) {
 Value Interpreter::evaluateChunk(const ChunkExpression& expression) {
     static constexpr const char* names[] = {"char", "word", "item", "line"};
     const Value source = evaluate(*expression.source);
-    // `list.item[2]` looks like a chunk and is the property of that name.
+    // `list.item[2]` looks like a chunk but is the property of that name.
     if (source.is(Kind::PropertyList) || source.is(Kind::ScriptInstance)) {
         const SymbolId name = symbols.identifier(names[static_cast<size_t>(expression.chunk)]);
         const Value inner = property(source, name, expression.place);
@@ -178,7 +178,7 @@ std::pair<int32_t, int32_t> Interpreter::chunkRange(const ChunkExpression& expre
         place_ = part.place;
         Value found;
         if (!numberIn(value, found, heap))
-            throw HostError("expected a number for the place of the chunk, not " + kindName(value.kind()));
+            throw HostError("expected a number for the position of the chunk, not " + kindName(value.kind()));
         return found.isInteger() ? found.integer() : rounded(found.number());
     };
     const int32_t first = number(*expression.first);

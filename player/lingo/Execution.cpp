@@ -91,7 +91,7 @@ Interpreter::Flow Interpreter::repeatWhile(const RepeatStatement& statement) {
     return flow;
 }
 
-/// The end is looked at anew each time, and the body may change the variable: both count.
+/// The end is evaluated again for every turn, and the body may change the variable.
 Interpreter::Flow Interpreter::repeatWith(const RepeatStatement& statement) {
     const auto whole = [&](const Value& value) {
         Value number;
@@ -123,7 +123,7 @@ Interpreter::Flow Interpreter::repeatIn(const RepeatStatement& statement) {
     if (!linear && !properties)
         throw HostError("expected a list to repeat over, not " + kindName(list.kind()));
     Flow flow = Flow::Onward;
-    // The body may change the list: its length is looked at anew each time.
+    // The body may change the list, so its length is read for every turn.
     for (size_t i = 0; i < (linear ? linear->items.size() : properties->entries.size()); ++i) {
         assignVariable(*statement.variable, linear ? linear->items[i] : properties->entries[i].value);
         if (!goOn(statement, flow)) break;
@@ -141,7 +141,7 @@ void Interpreter::put(const PutStatement& statement) {
 void Interpreter::putInto(const AssignStatement& statement) {
     Value value = evaluate(*statement.value);
     if (statement.mode == PutMode::Into) return assign(*statement.target, std::move(value));
-    // A variable that holds nothing yet is an empty text here.
+    // An unassigned variable counts as an empty string here.
     std::string present;
     const bool named = statement.target->kind == ExpressionKind::Variable;
     const Value* known =
@@ -163,7 +163,7 @@ void Interpreter::assign(const Expression& target, Value value) {
             const PropertyEntry* entry = propertyOf(Kind::Void, property.name);
             place_ = target.place;
             if (!entry || !entry->write)
-                throw HostError("\"the " + symbols.spelling(property.name) + "\" is nothing that can be set");
+                throw HostError("\"the " + symbols.spelling(property.name) + "\" cannot be set");
             return entry->write(*this, Value(), value);
         }
         case ExpressionKind::Index: {
@@ -175,9 +175,9 @@ void Interpreter::assign(const Expression& target, Value value) {
         case ExpressionKind::Chunk:
             return assignChunk(static_cast<const ChunkExpression&>(target), plain(value));
         default:
-            // `put x into member("name").image[1]` and the like end here when nested in a chunk.
+            // `put x into member("name").image[1]` and the like end up here when nested in a chunk.
             place_ = target.place;
-            throw HostError("this is nothing to assign to");
+            throw HostError("cannot assign to this");
     }
 }
 
@@ -232,7 +232,7 @@ void Interpreter::assignProperty(const PropertyExpression& target, const Value& 
     entry->write(*this, object, value);
 }
 
-/// A colour is its value: a changed one takes its place.
+/// Colours are immutable: the variable gets a changed copy.
 Value Interpreter::withChannel(const Value& colour, SymbolId name, const Value& level) {
     static constexpr const char* channels[] = {"red", "green", "blue"};
     uint32_t word = colour.colour().word;

@@ -4,10 +4,10 @@
 
 #include "player/lingo/Parser.h"
 
-/// Tokens, operators and what gives access to a part: expressions down to what stands between them.
+/// Tokens, operators and access to parts: expressions down to their primaries.
 namespace krl::player {
 
-/// A level of operators that bind equally and from the left.
+/// Left-associative operators of equal precedence.
 struct ExpressionParser::Level {
     struct Entry {
         const char* text;
@@ -78,7 +78,7 @@ bool ExpressionParser::beginsExpression() const {
 }
 
 ExpressionPointer ExpressionParser::expression() {
-    // Brackets within brackets are calls within calls here, so they are bounded as they are read.
+    // Nested brackets are nested calls of the parser, so the depth is checked while parsing.
     if (++nesting_ > kDeepestExpression) failAt(here().place, "the expression is nested too deeply");
     ExpressionPointer whole = binary(0);
     --nesting_;
@@ -185,7 +185,7 @@ ExpressionPointer ExpressionParser::chunkByDot(ChunkKind kind, ExpressionPointer
         made->last = expression();
         contain(*made, made->last);
     }
-    expectMark("]", "the place of the chunk");
+    expectMark("]", "the position of the chunk");
     return made;
 }
 

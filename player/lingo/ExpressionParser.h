@@ -4,12 +4,12 @@
 
 namespace krl::player {
 
-/// The half of the parser that reads expressions; statements stand on it.
+/// The part of the parser that reads expressions; the statement parser builds on it.
 class ExpressionParser {
 protected:
     ExpressionParser(std::shared_ptr<const Source> source, SymbolTable& symbols);
 
-    // The token at hand.
+    // The current token.
     const Token& here() const { return tokens_[at_]; }
     const Token& ahead(size_t count = 1) const { return tokens_[std::min(at_ + count, tokens_.size() - 1)]; }
     Token take() { return here().kind == TokenKind::End ? here() : tokens_[at_++]; }
@@ -17,14 +17,14 @@ protected:
     bool takeWord(const char* word);
     void expectMark(const char* mark, const char* after);
     void expectWord(const char* word, const char* after);
-    /// A name for something new, `what` as a message tells it.
+    /// Takes a name for a new entity; `what` describes it in messages.
     Token expectName(const char* what);
-    /// `hint` ends the message, such as with what was meant.
+    /// `hint` ends the message, for example with a suggestion.
     [[noreturn]] void fail(const std::string& expected, const std::string& hint = "") const;
     [[noreturn]] void failAt(Place place, const std::string& message) const;
 
     ExpressionPointer expression();
-    /// What may stand left of `=`: no operators but those of access.
+    /// What is allowed left of `=`: no operators except access.
     ExpressionPointer accessPath();
     std::vector<ExpressionPointer> expressionsUpTo(const char* mark);
     std::unique_ptr<VariableExpression> variable(const Token& name);
@@ -33,18 +33,18 @@ protected:
     std::unique_ptr<Node> node(ExpressionKind kind, Place place) {
         return std::make_unique<Node>(kind, place);
     }
-    /// Counts `part` into the depth of `whole`, which is bounded.
+    /// Updates the depth of `whole` for `part`, and checks the limit.
     void contain(Expression& whole, const ExpressionPointer& part) const;
-    /// Whether a word ends an expression, and so begins none.
+    /// Whether a word ends an expression, and so cannot begin one.
     static bool isJoiningWord(const Token& token);
-    /// Whether the token at hand can begin an expression.
+    /// Whether the current token can begin an expression.
     bool beginsExpression() const;
     static bool isChunkName(const Token& token, ChunkKind& kind);
 
     SymbolTable& symbols_;
     std::shared_ptr<const Source> source_;
     std::unique_ptr<Script> script_;
-    /// Every variable of the handler at hand, to be told its scope at the end.
+    /// All variables of the current handler, to be resolved at the end.
     std::vector<VariableExpression*> variables_;
 
 private:

@@ -18,7 +18,7 @@ Value imageFromFile(Runtime& runtime, const std::string& name) {
     return runtime.heap.make<ImageObject>(std::move(bitmap));
 }
 
-/// `image("file")` reads one, `image(width, height, depth)` makes a white one.
+/// `image("file")` reads one, `image(width, height, depth)` creates a white one.
 Value image(Runtime& runtime, const Arguments& arguments) {
     if (arguments.count() == 1) return imageFromFile(runtime, arguments.text(0));
     const int32_t depth = arguments.has(2) ? arguments.integer(2) : 32;
@@ -33,8 +33,8 @@ Value save(Runtime& runtime, const Arguments& arguments) {
     return Value();
 }
 
-/// A place in the image, from a point or two numbers; `next` is the argument after it. Null beyond
-/// the border.
+/// The pixel at a point or two numbers; `next` is the index of the following argument. Null outside the
+/// image.
 Pixel* pixelAt(const Arguments& arguments, ImageObject& picture, size_t& next) {
     int32_t x, y;
     if (const auto* point = arguments[1].as<PointObject>()) {
@@ -49,7 +49,7 @@ Pixel* pixelAt(const Arguments& arguments, ImageObject& picture, size_t& next) {
     return picture.holds(x, y) ? picture.bitmap.row(y) + x : nullptr;
 }
 
-/// One word, alpha highest, as `#integer` asks for it.
+/// The pixel as one word with alpha in the highest byte, for `#integer`.
 int32_t packed(const Pixel& pixel) {
     return static_cast<int32_t>(uint32_t(pixel.alpha) << 24 | uint32_t(pixel.red) << 16 |
                                 uint32_t(pixel.green) << 8 | pixel.blue);
@@ -66,7 +66,7 @@ Value getPixel(Runtime& runtime, const Arguments& arguments) {
     return Value::colour(Colour(pixel->red, pixel->green, pixel->blue));
 }
 
-/// A colour leaves alpha as it is, an integer sets all four bytes; in a mask both become grey.
+/// A colour leaves alpha unchanged, an integer sets all four bytes; in a mask both become grey.
 Value setPixel(Runtime&, const Arguments& arguments) {
     auto& picture = arguments.object<ImageObject>(0);
     size_t next;
@@ -96,8 +96,8 @@ Value* entryOf(Runtime& runtime, const Value& list, const char* name) {
     return entry ? const_cast<Value*>(&entry->value) : nullptr;
 }
 
-/// `fill(rect, colour)`, `fill(left, top, right, bottom, colour)`; a list may stand for the colour, and
-/// name the one shape that there is.
+/// `fill(rect, colour)`, `fill(left, top, right, bottom, colour)`; the colour can be a
+/// list that also names the only supported shape.
 Value fill(Runtime& runtime, const Arguments& arguments) {
     auto& picture = arguments.object<ImageObject>(0);
     const bool byRect = arguments[1].is(Kind::Rect);
@@ -181,7 +181,7 @@ Value extractAlpha(Runtime& runtime, const Arguments& arguments) {
     return made;
 }
 
-/// From a mask of the same size or one level for all; false where neither fits.
+/// Sets alpha from a mask of the same size or to one level; false if the mask has another size.
 Value setAlpha(Runtime&, const Arguments& arguments) {
     auto& picture = arguments.object<ImageObject>(0);
     std::vector<Pixel>& pixels = picture.bitmap.pixels;

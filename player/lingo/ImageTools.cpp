@@ -16,7 +16,7 @@ int32_t scaled(int32_t a, int32_t b) { return (a * b + 127) / 255; }
 
 bool isWhite(const Pixel& pixel) { return pixel.blue == 255 && pixel.green == 255 && pixel.red == 255; }
 
-/// `upper` over `lower` with straight alpha, `strength` being the upper one's alpha and blend.
+/// `upper` over `lower` with straight alpha; `strength` combines the upper alpha with the blend level.
 void layOver(Pixel& lower, const Pixel& upper, int32_t strength, bool lowerUsesAlpha) {
     if (strength == 0) return;
     const int32_t below = scaled(lowerUsesAlpha ? lower.alpha : kFull, kFull - strength);
@@ -27,7 +27,7 @@ void layOver(Pixel& lower, const Pixel& upper, int32_t strength, bool lowerUsesA
     if (lowerUsesAlpha) lower.alpha = static_cast<uint8_t>(std::min(whole, kFull));
 }
 
-/// For each place of the target's stretch the source's that is shown there: the nearest.
+/// For each target coordinate, the nearest source coordinate.
 std::vector<int32_t> sourcePlaces(int64_t to, int64_t toLength, int64_t from, int64_t fromLength,
                                   int64_t first, int64_t last) {
     std::vector<int32_t> places;
@@ -37,7 +37,7 @@ std::vector<int32_t> sourcePlaces(int64_t to, int64_t toLength, int64_t from, in
     return places;
 }
 
-/// How much of the source's pixel at this place the mask lets through.
+/// The mask's level for the source pixel at this place.
 int32_t maskLevel(const CopyOptions& options, int32_t x, int32_t y) {
     const int64_t maskX = int64_t{x} - options.maskX, maskY = int64_t{y} - options.maskY;
     if (!options.mask->holds(maskX, maskY)) return 0;
@@ -86,7 +86,7 @@ void copyPixels(ImageObject& target, const ImageObject& source, const PixelRect&
         sourcePlaces(to.left, to.width(), from.left, from.width(), seen.left, seen.right);
     const std::vector<int32_t> rows =
         sourcePlaces(to.top, to.height(), from.top, from.height(), seen.top, seen.bottom);
-    // Over itself an image is read as it was before.
+    // If an image is copied onto itself, read from a copy.
     const Bitmap before = &target == &source ? source.bitmap : Bitmap();
     const Bitmap& pixels = &target == &source ? before : source.bitmap;
     const bool sourceAlpha = source.useAlpha && source.depth == 32;

@@ -2,10 +2,10 @@
 
 #include "player/lingo/Runtime.h"
 
-/// What scripts do with images beyond the plug-in.
+/// Image operations for scripts that are independent of the plug-in.
 namespace krl::player {
 
-/// Four numbers in pixels: right and bottom are one past the last.
+/// A rectangle in pixels; right and bottom are exclusive.
 struct PixelRect {
     int64_t left = 0, top = 0, right = 0, bottom = 0;
 
@@ -20,18 +20,18 @@ inline PixelRect boundsOf(const ImageObject& image) { return {0, 0, image.width(
 
 /// A copy of an image.
 Value duplicateImage(Runtime& runtime, const ImageObject& image);
-/// A part as an image of its own, white where it reaches beyond.
+/// Copies a part of an image; white where the part extends beyond the image.
 Value cropImage(Runtime& runtime, const ImageObject& image, const PixelRect& part);
 
-/// How `copyPixels` lays one image over another.
+/// Options of `copyPixels`.
 struct CopyOptions {
     int32_t blendLevel = 255;
     bool leaveOutWhite = false;         ///< ink 36
-    const ImageObject* mask = nullptr;  ///< its bytes scale the blend
-    int32_t maskX = 0, maskY = 0;       ///< where it lies over the source
+    const ImageObject* mask = nullptr;  ///< scales the blend
+    int32_t maskX = 0, maskY = 0;       ///< position over the source
 };
-/// Copies a part of `source`, stretched to fit, over a part of `target`; alpha counts where the
-/// source uses it.
+/// Copies a part of `source`, stretched to fit, over a part of `target`, through the source's alpha if it
+/// uses alpha.
 void copyPixels(ImageObject& target, const ImageObject& source, const PixelRect& to, const PixelRect& from,
                 const CopyOptions& options);
 

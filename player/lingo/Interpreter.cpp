@@ -16,7 +16,7 @@ namespace krl::player {
 
 namespace {
 
-/// The values of a call's arguments; the usual few need no block of their own.
+/// The values of a call's arguments; a few fit without an allocation.
 class ArgumentValues {
 public:
     explicit ArgumentValues(size_t count) : count_(count) {
@@ -55,7 +55,7 @@ void writeLines(std::ostream& out, std::string_view text) {
         if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
         lines += text[i] == '\r' ? '\n' : text[i];
     }
-    out << lines;  // at once: a terminal is told after each output
+    out << lines;  // in one write, since a terminal flushes after each
 }
 
 Interpreter::Interpreter(EmbeddedHost& embedded, Xtra& plugIn, const SessionOptions& options)
@@ -122,7 +122,7 @@ Value Interpreter::callOn(const Value& instance, std::string name, std::string_v
     const std::string& spelled = symbols.spelling(call->name);
     const bool known = xtra.selector(call->name) > 0 || folded(spelled).rfind(folded(prefix), 0) == 0;
     if (!known) call->name = symbols.identifier(prefix + spelled);
-    // A name that no script can write holds the instance for the length of the call.
+    // Holds the instance during the call, under a name that no script can write.
     auto receiver = std::make_unique<VariableExpression>(ExpressionKind::Variable, written.place);
     receiver->name = symbols.identifier("the instance");
     receiver->scope = VariableScope::Global;
@@ -178,12 +178,12 @@ Value Interpreter::evaluateCall(const CallExpression& expression) {
     return callByName(expression.name, arguments.all(), asMethod);
 }
 
-/// An object's own method comes first; then, but for a method call, the handlers of this script and
-/// of the movie; then the language's functions.
+/// Looks up an object's own method first; then, unless it is a method call, the handlers of this script and
+/// of the movie; then the built-in functions.
 Value Interpreter::callByName(SymbolId name, std::span<const Value> arguments, bool asMethod) {
     Value answer;
     if (!arguments.empty() && callOnObject(name, arguments, answer)) return answer;
-    // A parent script's own handler `new` is not what makes instances of others.
+    // A parent script's own `new` handler does not create instances of other scripts.
     const bool making = name == newName_ && !arguments.empty() &&
                         (arguments.front().is(Kind::Script) || arguments.front().is(Kind::Xtra));
     if (!asMethod && !making)

@@ -12,26 +12,26 @@ namespace krl::player {
 
 /// A script file's text; throws `HostError`.
 std::shared_ptr<const Source> scriptSource(const std::filesystem::path& file);
-/// Writes Lingo's text, whose lines end with a return, with the line ends of terminals.
+/// Writes Lingo text with its carriage returns converted to line feeds.
 void writeLines(std::ostream& out, std::string_view text);
 
-/// Runs scripts by walking their syntax.
+/// Runs scripts by walking their syntax trees.
 class Interpreter : public Runtime {
 public:
     Interpreter(EmbeddedHost& embedded, Xtra& plugIn, const SessionOptions& options);
 
-    /// Parses and keeps a script under its name.
+    /// Parses a script and stores it under its name.
     const LoadedScript& load(std::shared_ptr<const Source> source, const std::string& name);
     /// Calls a handler of a script from outside.
     Value run(const LoadedScript& script, const Handler& handler, std::span<const Value> arguments);
-    /// The value of a text of one expression.
+    /// Evaluates a text with one expression.
     Value evaluateText(std::string name, std::string_view text);
     /// Sends the call in a text, such as `brightness(40, #RGB)`, to an instance of the plug-in; the
-    /// name may lack the plug-in's prefix.
+    /// prefix of the method name is optional.
     Value callOn(const Value& instance, std::string name, std::string_view text);
-    /// Makes `script` the one whose handlers every script may call.
+    /// Lets every script call the handlers of `script`.
     void setMovieScript(const LoadedScript& script) { movie_ = &script; }
-    /// Lets go of everything that scripts hold.
+    /// Releases everything that scripts hold.
     void close();
 
     Value send(SymbolId name, std::span<const Value> arguments) override;
@@ -46,12 +46,12 @@ private:
     /// How a statement ended.
     enum class Flow { Onward, ExitRepeat, NextRepeat, Return };
 
-    /// A handler at work.
+    /// The frame of a running handler.
     struct Frame {
         const LoadedScript& script;
         const Handler& handler;
         std::span<const Value> arguments;
-        Value owner;  ///< the instance or script whose properties are at hand, or VOID
+        Value owner;  ///< the instance or script whose properties are in scope, or VOID
         std::vector<Value> locals;
         Value answer;
     };
@@ -93,15 +93,15 @@ private:
     std::pair<int32_t, int32_t> chunkRange(const ChunkExpression& expression, const std::string& text);
     Value property(const Value& object, SymbolId name, Place place);
     void setProperty(const Value& object, SymbolId name, const Value& value);
-    /// The place of a property in a script, an instance or its ancestors, or null.
+    /// Finds a property in a script, an instance or its ancestors; null if there is none.
     Value* instanceProperty(const Value& object, SymbolId name);
-    /// Shows a script or an instance and then its ancestors, until `visit` is content.
+    /// Visits a script or an instance and then its ancestors until `visit` returns true.
     bool alongAncestors(const Value& object, const std::function<bool(PropertyHolder&, const Value&)>& visit);
 
     // Calls.
     Value evaluateCall(const CallExpression& expression);
     Value callByName(SymbolId name, std::span<const Value> arguments, bool asMethod);
-    /// Sends to an instance or the plug-in; false where the object has no such method.
+    /// Sends to an instance or the plug-in; false if the object has no such method.
     bool callOnObject(SymbolId name, std::span<const Value> arguments, Value& answer);
     Value callXtra(int32_t selector, std::span<const Value> arguments);
     Value callHandler(const LoadedScript& script, const Handler& handler, std::span<const Value> arguments,
@@ -133,7 +133,7 @@ private:
     Place place_;
     int handlers_ = 0;
     int depth_ = 0;
-    uintptr_t stackBase_ = 0;  ///< where the first level began
+    uintptr_t stackBase_ = 0;  ///< stack address at the first level
 };
 
 }  // namespace krl::player

@@ -5,25 +5,24 @@
 
 namespace krl::player {
 
-/// Levels of statements and expressions at work, all handlers together.
+/// Limit of nested statements and expressions, counted over all running handlers.
 inline constexpr int kDeepestEvaluation = 8000;
-/// And the stack that they may take, about half of what a thread has: checked builds need more for
-/// each level.
+/// Limit of the stack they use, about half of a thread's stack: sanitizer builds need more per level.
 #if defined(_WIN32)
 inline constexpr intptr_t kMostStackBytes = intptr_t(1) << 20;
 #else
 inline constexpr intptr_t kMostStackBytes = intptr_t(4) << 20;
 #endif
 
-/// Where the stack stands now, give or take a frame.
+/// The approximate current stack address.
 inline uintptr_t stackPlace() { return reinterpret_cast<uintptr_t>(__builtin_frame_address(0)); }
 
-/// One level more while it lives.
+/// Adds one level during its lifetime.
 class Interpreter::DepthGuard {
 public:
     explicit DepthGuard(Interpreter& interpreter) : depth_(interpreter.depth_) {
         if (depth_ == 0) interpreter.stackBase_ = stackPlace();
-        // The stack grows downward wherever this runs.
+        // The stack grows downwards on all supported platforms.
         const bool full = static_cast<intptr_t>(interpreter.stackBase_ - stackPlace()) > kMostStackBytes;
         if (depth_ >= kDeepestEvaluation || full)
             throw HostError("the calls and expressions are nested too deeply");
@@ -37,7 +36,7 @@ private:
     int& depth_;
 };
 
-/// Makes a frame the one at work while it lives.
+/// Makes a frame the current one during its lifetime.
 class Interpreter::FrameScope {
 public:
     FrameScope(Interpreter& interpreter, Frame& frame)

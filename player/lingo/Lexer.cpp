@@ -14,7 +14,7 @@ bool isNameStart(char letter) {
 }
 bool isNamePart(char letter) { return isNameStart(letter) || isDigit(letter); }
 
-/// Second byte of the blank that does not break, which texts from the web are full of, in UTF-8.
+/// Second byte of the no-break space in UTF-8, which is common in text from the web.
 constexpr char kNoBreak = '\xA0';
 
 class Lexer {
@@ -22,7 +22,7 @@ public:
     explicit Lexer(const Source& source) : source_(source), text_(source.text) {}
 
     std::vector<Token> run() {
-        if (text_.substr(0, 3) == "\xEF\xBB\xBF") at_ = 3;  // the mark that some editors begin UTF-8 with
+        if (text_.substr(0, 3) == "\xEF\xBB\xBF") at_ = 3;  // UTF-8 byte order mark
         lineStart_ = at_;
         while (at_ < text_.size()) step();
         if (!tokens_.empty() && tokens_.back().kind != TokenKind::LineEnd) add(TokenKind::LineEnd, at_);
@@ -73,7 +73,7 @@ private:
         while (at_ < text_.size() && peek() != '\n' && peek() != '\r') ++at_;
     }
 
-    /// One line end of any of the three kinds.
+    /// Takes one line end of any of the three kinds.
     void passLineEnd() {
         at_ += peek() == '\r' && peek(1) == '\n' ? 2 : 1;
         ++line_;
@@ -85,8 +85,8 @@ private:
         passLineEnd();
     }
 
-    /// Length of a mark that continues a line, 0 for none: a backslash, or the sign for "not" of
-    /// older scripts, as UTF-8 and as the editors of either system stored it.
+    /// Length of a line continuation mark, 0 if there is none: a backslash, or the not sign of older scripts
+    /// in UTF-8, Mac Roman or Latin-1.
     size_t continuationBytes() const {
         if (peek() == '\\' || peek() == '\xAC') return 1;
         if (peek() != '\xC2') return 0;
@@ -146,13 +146,13 @@ private:
             throw source_.error(placeOf(at_),
                                 "expected the number to end before \"" + std::string(1, peek()) + '"');
         Token& token = add(real ? TokenKind::Float : TokenKind::Integer, begin);
-        // Whole numbers wrap to 32 bits as all of Lingo's arithmetic does.
+        // Integers wrap to 32 bits, like all of Lingo's arithmetic.
         if (!real)
             for (char digit : token.text)
                 token.integer = static_cast<int32_t>(static_cast<uint32_t>(token.integer) * 10u +
                                                      static_cast<uint32_t>(digit - '0'));
         else if (!readNumber(token.text, token.real))
-            throw source_.error(token.place, "expected a number that a float can hold");
+            throw source_.error(token.place, "the number is out of range for a float");
     }
 
     void takeMark() {

@@ -8,9 +8,9 @@
 
 namespace krl::player {
 
-/// A script's text, kept for the messages about it.
+/// A script's text, kept for error messages.
 struct Source {
-    std::string name;  ///< as messages name it; may be empty
+    std::string name;  ///< for messages; may be empty
     std::string text;
 
     /// Line `number`, from 1, without its end.
@@ -25,7 +25,7 @@ enum class TokenKind {
     Float,
     String,
     Symbol,
-    Name,  ///< keywords too: Lingo reserves next to none
+    Name,  ///< including keywords: Lingo reserves hardly any
     Mark,  ///< an operator or bracket, in `text`
 };
 
@@ -38,15 +38,15 @@ struct Token {
     size_t begin = 0, end = 0;  ///< in the source's text
 
     bool isMark(const char* mark) const { return kind == TokenKind::Mark && text == mark; }
-    /// Whether it is this word, told in lower case.
+    /// Whether it is this word, given in lower case.
     bool isWord(const char* word) const;
     bool endsLine() const { return kind == TokenKind::End || kind == TokenKind::LineEnd; }
-    /// As a message names it: `"then"`, `the end of the line`.
+    /// The token for messages: `"then"`, `the end of the line`.
     std::string described() const;
 };
 
-/// Cuts a script into tokens; comments and continued line ends are gone, runs of line ends are one,
-/// and the last token is `End`. Throws `ScriptError`.
+/// Splits a script into tokens: comments and continued line ends are dropped, consecutive line ends are
+/// merged, and the last token is `End`. Throws `ScriptError`.
 std::vector<Token> tokensOf(const Source& source);
 
 }  // namespace krl::player

@@ -20,7 +20,7 @@ size_t countOf(const Value& value) {
     return value.is(Kind::Rect) ? RectObject::kCount : 0;
 }
 
-/// Place of a number from 1 in a sequence; throws for one outside.
+/// Converts an index from 1 to an offset; throws if it is out of range.
 size_t placeIn(size_t count, int32_t index, const char* function) {
     if (index >= 1 && static_cast<size_t>(index) <= count) return static_cast<size_t>(index - 1);
     throw HostError(std::string(function) + ": expected an index from 1 to " + std::to_string(count) +
@@ -41,7 +41,7 @@ Entry* entryUnder(Runtime& runtime, PropertyListObject& list, const Value& key) 
     return const_cast<Entry*>(findEntry(runtime.symbols, list, key));
 }
 
-/// Where a sorted sequence takes `wanted`: before the first that comes after it.
+/// The position for `wanted` in a sorted sequence: before the first greater element.
 template <class Sequence, class Key>
 auto sortedPlace(const Runtime& runtime, Sequence& sequence, const Value& wanted, Key key) {
     return std::find_if(sequence.begin(), sequence.end(),
@@ -80,7 +80,7 @@ Value append(Runtime& runtime, const Arguments& arguments) {
     return Value();
 }
 
-/// Makes a list long enough for `place`, with zeros.
+/// Pads a list with zeros so that `place` exists.
 void lengthen(Runtime& runtime, ListObject& list, size_t place) {
     if (place <= list.items.size()) return;
     runtime.heap.mustHold((place - list.items.size()) * sizeof(Value));
@@ -124,7 +124,7 @@ Value setAt(Runtime& runtime, const Arguments& arguments) {
     return Value();
 }
 
-/// The value under a property, VOID where there is none; of a linear list, at an index.
+/// The value of a property, or at an index of a linear list; VOID if there is none.
 Value getaProp(Runtime& runtime, const Arguments& arguments) {
     if (arguments[0].is(Kind::List)) return getAt(runtime, arguments);
     const Entry* entry = entryUnder(runtime, arguments.object<PropertyListObject>(0), arguments[1]);
@@ -164,7 +164,7 @@ Value getLast(Runtime&, const Arguments& arguments) {
     return list.items.empty() ? Value() : list.items.back();
 }
 
-/// Place of a value, from 1; 0 where it is not.
+/// The index of a value, from 1; 0 if it is not in the list.
 size_t placeOf(const Runtime& runtime, const Value& list, const Value& wanted) {
     const auto same = [&](const Value& value) { return equal(runtime.symbols, value, wanted); };
     if (const auto* properties = list.as<PropertyListObject>()) {
@@ -174,7 +174,7 @@ size_t placeOf(const Runtime& runtime, const Value& list, const Value& wanted) {
         return found == entries.end() ? 0 : static_cast<size_t>(found - entries.begin()) + 1;
     }
     const auto* linear = list.as<ListObject>();
-    if (!linear) throw HostError("expected a list to look in, not " + kindName(list.kind()));
+    if (!linear) throw HostError("expected a list to search, not " + kindName(list.kind()));
     const auto found = std::find_if(linear->items.begin(), linear->items.end(), same);
     return found == linear->items.end() ? 0 : static_cast<size_t>(found - linear->items.begin()) + 1;
 }
@@ -183,7 +183,7 @@ Value getPos(Runtime& runtime, const Arguments& arguments) {
     return Value::integer(static_cast<int32_t>(placeOf(runtime, arguments[0], arguments[1])));
 }
 
-/// In a property list the property under which the value is found.
+/// In a property list, the property that has the value.
 Value getOne(Runtime& runtime, const Arguments& arguments) {
     const size_t place = placeOf(runtime, arguments[0], arguments[1]);
     const auto* properties = arguments[0].as<PropertyListObject>();
@@ -198,7 +198,7 @@ Value findPos(Runtime& runtime, const Arguments& arguments) {
     return entry ? Value::integer(static_cast<int32_t>(entry - list.entries.data()) + 1) : Value();
 }
 
-/// Where a sorted list has the value, or would take it.
+/// The position of the value in a sorted list, or where it would be inserted.
 Value findPosNear(Runtime& runtime, const Arguments& arguments) {
     const auto reached = [&](const auto& sequence, auto key) {
         const auto found = std::find_if(sequence.begin(), sequence.end(), [&](const auto& item) {
@@ -213,7 +213,7 @@ Value findPosNear(Runtime& runtime, const Arguments& arguments) {
 
 template <class Sequence>
 void eraseAt(Sequence& sequence, size_t place) {
-    // Moved out first: what goes may hold the last reference on something that looks back.
+    // Moved out first: its destructor may access this list.
     const auto gone = std::move(sequence[place]);
     sequence.erase(sequence.begin() + static_cast<ptrdiff_t>(place));
 }
@@ -267,7 +267,7 @@ Value sort(Runtime& runtime, const Arguments& arguments) {
     return Value();
 }
 
-/// A copy of its own all the way down; images and the other objects in a list stay what they are.
+/// A deep copy of lists; images and other objects in them are shared.
 Value copyOf(Runtime& runtime, const Value& value, int depth = 0) {
     if (depth > kDeepestNesting) throw HostError("duplicate: the list is nested too deeply");
     if (const auto* list = value.as<ListObject>()) {

@@ -5,7 +5,7 @@
 #include "player/host/HostError.h"
 #include "player/lingo/Arithmetic.h"
 
-/// Numbers: `abs`, `sqrt`, `random` and their like, and what turns values into numbers.
+/// Numeric functions such as `abs`, `sqrt` and `random`, and conversions to numbers.
 namespace krl::player {
 
 namespace {
@@ -21,7 +21,7 @@ Value absolute(Runtime& runtime, const Arguments& arguments) {
     return runtime.heap.number(std::fabs(arguments.number(0)));
 }
 
-/// The root of an integer is rounded to one, if it has a root.
+/// The root of a non-negative integer is rounded to an integer.
 Value squareRoot(Runtime& runtime, const Arguments& arguments) {
     const double root = std::sqrt(arguments.number(0));
     const bool whole = arguments[0].isInteger() && !std::isnan(root);
@@ -55,7 +55,7 @@ Value random(Runtime& runtime, const Arguments& arguments) {
     return Value::integer(1 + static_cast<int32_t>(runtime.nextRandom() % static_cast<uint32_t>(most)));
 }
 
-/// The first of the arguments, or of the one list that they are, before all others in `Order`.
+/// The extreme of the arguments, or of the elements of a single list, by `Order`.
 template <int Order>
 Value extreme(Runtime& runtime, const Arguments& arguments) {
     std::span<const Value> values = arguments.from(0);

@@ -9,7 +9,7 @@ namespace {
 
 char lower(char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter | 0x20) : letter; }
 
-/// Letters to add, drop, change or swap with their neighbour to make one name of the other.
+/// The edit distance: letters to add, drop, change or swap with a neighbour.
 size_t editsBetween(std::string_view a, std::string_view b) {
     std::vector<size_t> before(b.size() + 1), above(b.size() + 1), row(b.size() + 1);
     std::iota(above.begin(), above.end(), size_t{0});
@@ -32,7 +32,7 @@ size_t editsBetween(std::string_view a, std::string_view b) {
 
 std::string nearestName(std::string_view wanted, const std::vector<std::string>& names) {
     const std::string* nearest = nullptr;
-    // A third of the letters may be wrong: beyond that a suggestion puzzles more than it helps.
+    // Up to a third of the letters may be wrong; beyond that, a suggestion confuses more than it helps.
     size_t fewest = std::max<size_t>(wanted.size() / 3, 1) + 1;
     for (const std::string& name : names) {
         const size_t edits = editsBetween(wanted, name);

@@ -6,10 +6,10 @@
 
 namespace krl::player {
 
-/// The name that `wanted` was most likely meant to be, letter case aside; empty when none is near.
+/// The name most similar to `wanted`, ignoring case; empty if none is similar enough.
 std::string nearestName(std::string_view wanted, const std::vector<std::string>& names);
 
-/// `, did you mean brightness?`, or nothing when no name is near; to end a message with.
+/// `, did you mean brightness?`, or empty if no name is similar; appended to messages.
 std::string didYouMean(std::string_view wanted, const std::vector<std::string>& names);
 
 }  // namespace krl::player

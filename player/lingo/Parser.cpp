@@ -6,7 +6,7 @@
 #include "player/lingo/NearestName.h"
 #include "player/lingo/StatementParser.h"
 
-/// Scripts: their declarations and handlers, and whose each variable is.
+/// Scripts: declarations, handlers and the scope of each variable.
 namespace krl::player {
 
 namespace {
@@ -47,7 +47,7 @@ public:
     }
 
 private:
-    /// What is needed of a handler until the whole script is known.
+    /// State of a handler until the whole script has been parsed.
     struct Unresolved {
         Handler* handler;
         std::vector<VariableExpression*> variables;
@@ -60,7 +60,8 @@ private:
         auto made = std::make_unique<Handler>();
         made->place = name.place;
         made->name = symbols_.identifier(name.text);
-        if (script_->handler(made->name)) failAt(name.place, "there is another handler \"" + name.text + '"');
+        if (script_->handler(made->name))
+            failAt(name.place, "the handler \"" + name.text + "\" is already defined");
         parameters(*made);
         passLineEnds();
         variables_.clear();
@@ -86,7 +87,7 @@ private:
         made.parameters = made.locals.size();
     }
 
-    /// Tells every variable whose it is, once all declarations of the script are known.
+    /// Resolves the scope of every variable, once all declarations of the script are known.
     void resolveScopes() {
         const auto declared = [](const std::vector<SymbolId>& names, SymbolId name) {
             return std::find(names.begin(), names.end(), name) != names.end();

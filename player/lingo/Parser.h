@@ -4,15 +4,15 @@
 
 namespace krl::player {
 
-/// Levels of expressions and of statements that a script may nest.
+/// Limits of nesting for expressions and statements.
 inline constexpr int kDeepestExpression = 250;
 inline constexpr int kDeepestStatement = 100;
 
-/// Parses a script file; throws `ScriptError` at the first text that is no Lingo.
+/// Parses a script file; throws `ScriptError` at the first syntax error.
 std::unique_ptr<Script> parseScript(std::shared_ptr<const Source> source, SymbolTable& symbols);
 
-/// Parses one expression into the handler of a script of its own, as `value` and single calls need.
-/// The expression is what the handler returns; its names are global variables.
+/// Parses one expression into a script with one handler that returns it, for `value` and single calls. Its
+/// names are global variables.
 std::unique_ptr<Script> parseExpression(std::shared_ptr<const Source> source, SymbolTable& symbols);
 
 }  // namespace krl::player

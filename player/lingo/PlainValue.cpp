@@ -15,7 +15,7 @@ krl::Picture pictureOf(const Bitmap& bitmap) {
     return picture;
 }
 
-/// Methods take places of whole numbers alone.
+/// Methods accept only points with integer coordinates.
 krl::Value placeOf(const PointObject& point) {
     const auto& [across, down] = point.values;
     if (!across.isInteger() || !down.isInteger()) return {};

@@ -6,8 +6,8 @@
 
 namespace krl::player {
 
-/// A script's value as the catalogue takes it; an image becomes a picture of its own. A rect, a script and
-/// the like, which no method takes, become nothing.
+/// Converts a script's value for the catalogue; an image is copied into a picture. Types that no method
+/// takes, such as rects and scripts, become VOID.
 krl::Value plainValue(const SymbolTable& symbols, const Value& value);
 
 }  // namespace krl::player

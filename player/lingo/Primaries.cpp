@@ -3,7 +3,7 @@
 #include "player/lingo/ExpressionParser.h"
 #include "player/lingo/Parser.h"
 
-/// What operators stand between: literals, names, calls, lists, chunks and `the`.
+/// The operands of operators: literals, names, calls, lists, chunks and `the`.
 namespace krl::player {
 
 ExpressionPointer ExpressionParser::primary() {
@@ -56,7 +56,7 @@ ExpressionPointer ExpressionParser::text(std::string characters, Place place) {
     return made;
 }
 
-/// A word that stands for a value, or null.
+/// The value of a constant such as `empty` or `true`, or null.
 ExpressionPointer ExpressionParser::constant() {
     struct Entry {
         const char* name;
@@ -97,14 +97,14 @@ ExpressionPointer ExpressionParser::named() {
     return variable(name);
 }
 
-/// What may follow `member` and its like without brackets.
+/// Whether a reference follows `member` and the like without parentheses.
 bool ExpressionParser::beginsReference() const {
     const Token& next = here();
     return next.kind == TokenKind::String || next.kind == TokenKind::Integer ||
            (next.kind == TokenKind::Name && !isJoiningWord(next));
 }
 
-/// `xtra "Name"`, `member name of castLib 2`: calls that need no brackets.
+/// `xtra "Name"`, `member name of castLib 2`: calls without parentheses.
 ExpressionPointer ExpressionParser::reference(const Token& name) {
     auto made = node<CallExpression>(ExpressionKind::Call, name.place);
     made->name = symbols_.identifier(name.text);
@@ -181,7 +181,7 @@ ExpressionPointer ExpressionParser::propertyList(Place, std::unique_ptr<ListExpr
     return made;
 }
 
-/// A name before a colon is a symbol.
+/// A name before a colon counts as a symbol.
 ExpressionPointer ExpressionParser::propertyKey() {
     if (here().kind != TokenKind::Name || !ahead().isMark(":")) return expression();
     const Token name = take();
@@ -201,7 +201,7 @@ bool ExpressionParser::isChunkName(const Token& token, ChunkKind& kind) {
     return false;
 }
 
-/// These are names of variables too: a chunk goes on with a number, a name or a bracket.
+/// These words can be variables too; in a chunk, a number, a name or a bracket follows.
 bool ExpressionParser::beginsChunk(ChunkKind& kind) const {
     if (!isChunkName(here(), kind)) return false;
     const Token& next = ahead();

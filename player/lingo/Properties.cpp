@@ -5,7 +5,7 @@
 #include "player/lingo/NearestName.h"
 #include "player/lingo/Runtime.h"
 
-/// `object.name`, kind by kind.
+/// `object.name` for each type.
 namespace krl::player {
 
 namespace {
@@ -63,7 +63,7 @@ const std::vector<std::string>& pictureExtensions() {
     return extensions;
 }
 
-/// Read from its file when it is first asked for.
+/// Read from its file on first use.
 Value memberImage(Runtime& runtime, const Value& object) {
     auto& member = *object.as<MemberObject>();
     if (!member.image.isVoid()) return member.image;

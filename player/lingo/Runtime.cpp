@@ -5,7 +5,7 @@
 
 namespace krl::player {
 
-/// Sixteen bits of two steps each: the low bits of the generator alone are poor.
+/// Combines the high halves of two steps, since the generator's low bits are weak.
 uint32_t Runtime::nextRandom() {
     uint32_t bits = 0;
     auto state = static_cast<uint32_t>(settings.randomSeed);

@@ -14,7 +14,7 @@
 
 namespace krl::player {
 
-/// What a script can set of the language itself.
+/// Language settings that a script can change.
 struct Settings {
     int floatPrecision = 4;
     char itemDelimiter = ',';
@@ -22,8 +22,7 @@ struct Settings {
     int64_t timerStart = 0;  ///< in milliseconds
 };
 
-/// What built-in functions work with: the host, the settings, the files, and a way back into
-/// scripts.
+/// The environment of built-in functions: the host, the settings, the files, and callbacks into scripts.
 class Runtime {
 public:
     Runtime(EmbeddedHost& embedded, Xtra& plugIn, Sandbox files, std::ostream& out, std::ostream& alertOut)
@@ -36,15 +35,15 @@ public:
           alerts(alertOut) {}
     virtual ~Runtime() = default;
 
-    /// Sends a message to an object, or calls a handler or function where there is none.
+    /// Sends a message to an object, or calls a handler or function if the object has no such method.
     virtual Value send(SymbolId name, std::span<const Value> arguments) = 0;
-    /// The value of an expression in a text; VOID where it has none.
+    /// Evaluates an expression in a text; VOID if it has no value.
     virtual Value valueOf(const std::string& text) = 0;
     /// `script "Name"`
     virtual Value scriptNamed(const std::string& name) = 0;
     virtual Value memberNamed(const std::string& name) = 0;
     virtual Value newInstance(const Value& script, std::span<const Value> arguments) = 0;
-    /// The arguments of the handler that runs.
+    /// The arguments of the running handler.
     virtual std::span<const Value> handlerArguments() const = 0;
     virtual void clearGlobals() = 0;
 
@@ -52,7 +51,7 @@ public:
     std::string plain(const Value& value) const { return plainText(style(), value); }
     Value text(std::string characters) { return heap.string(std::move(characters)); }
     Value symbol(std::string_view name) { return Value::symbol(symbols.symbol(name)); }
-    /// Next of the random numbers, 32 bits that follow from `the randomSeed`.
+    /// The next 32-bit random number; the sequence follows from `the randomSeed`.
     uint32_t nextRandom();
 
     EmbeddedHost& host;
@@ -65,14 +64,14 @@ public:
     std::ostream& alerts;
 };
 
-/// The arguments of a built-in function, each taken for what the function wants of it.
+/// The arguments of a built-in function, read with type checks.
 class Arguments {
 public:
     Arguments(const char* function, std::span<const Value> values) : function_(function), values_(values) {}
 
     size_t count() const { return values_.size(); }
     bool has(size_t index) const { return index < values_.size() && !values_[index].isVoid(); }
-    /// VOID where there is none.
+    /// VOID if there is none.
     const Value& operator[](size_t index) const;
     std::span<const Value> from(size_t first) const {
         return values_.subspan(std::min(first, values_.size()));
@@ -88,7 +87,7 @@ public:
         if (ObjectType* found = (*this)[index].template as<ObjectType>()) return *found;
         mismatch(index, kindName(ObjectType::kKind));
     }
-    /// Ends the script: argument `index` is not what was wanted.
+    /// Throws the error that argument `index` has the wrong type.
     [[noreturn]] void mismatch(size_t index, const std::string& wanted) const;
     const char* function() const { return function_; }
 
@@ -97,16 +96,16 @@ private:
     std::span<const Value> values_;
 };
 
-/// A function of the language; on an object it is a method: `list.add(5)` is `add(list, 5)`.
+/// A built-in function; it is also a method of its first argument: `list.add(5)` is `add(list, 5)`.
 struct Builtin {
     const char* name;
-    size_t least, most;  ///< arguments
+    size_t least, most;  ///< number of arguments
     Value (*run)(Runtime&, const Arguments&);
 };
 
 inline constexpr size_t kAnyNumber = SIZE_MAX;
 
-// The functions, family by family.
+// The functions by family.
 std::span<const Builtin> mathBuiltins();
 std::span<const Builtin> textBuiltins();
 std::span<const Builtin> listBuiltins();
@@ -114,12 +113,12 @@ std::span<const Builtin> shapeBuiltins();
 std::span<const Builtin> imageBuiltins();
 std::span<const Builtin> systemBuiltins();
 
-/// A property of one kind of values, or of the system: then no object goes with it.
+/// A property of one type of values, or a system property, which has no object.
 struct PropertyEntry {
-    Kind kind;  ///< VOID for the system's
+    Kind kind;  ///< VOID for system properties
     const char* name;
     Value (*read)(Runtime&, const Value& object);
-    void (*write)(Runtime&, const Value& object, const Value& value);  ///< null for one that is only read
+    void (*write)(Runtime&, const Value& object, const Value& value);  ///< null if read-only
 };
 
 std::span<const PropertyEntry> objectProperties();
@@ -128,10 +127,10 @@ std::span<const PropertyEntry> systemProperties();
 /// `object[index]`
 Value elementOf(Runtime& runtime, const Value& object, const Value& index);
 void setElement(Runtime& runtime, const Value& object, const Value& index, const Value& value);
-/// Adds an entry under `key`, or replaces the value of the one that is there.
+/// Adds an entry for `key`, or replaces the value of an existing one.
 void setEntry(Runtime& runtime, PropertyListObject& list, const Value& key, const Value& value);
 
-/// Ends a script from within, like its last line.
+/// Thrown to end a script normally.
 struct Halt {};
 
 }  // namespace krl::player

@@ -11,7 +11,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Without links and dots, so that no road leads out of a folder unseen.
+/// Resolves links and dots, so that no path escapes a folder unnoticed.
 fs::path resolved(const fs::path& path) {
     std::error_code failed;
     fs::path real = fs::weakly_canonical(fs::absolute(path), failed);
@@ -24,12 +24,12 @@ bool isThere(const fs::path& file) {
     return fs::exists(file, failed);
 }
 
-/// The system ends a name at a zero byte, and a terminal obeys control characters: such names are refused.
+/// Rejects control characters: the system ends names at a zero byte, and terminals interpret the others.
 void requirePlainName(const std::string& name) {
     const auto control = std::find_if(name.begin(), name.end(),
                                       [](unsigned char letter) { return letter < ' ' || letter == 0x7F; });
     if (control != name.end())
-        throw HostError("the name of a file has a control character, code " +
+        throw HostError("the file name contains a control character, code " +
                         std::to_string(static_cast<unsigned char>(*control)) + ", after \"" +
                         std::string(name.begin(), control) + '"');
 }
@@ -65,7 +65,8 @@ bool Sandbox::allows(const fs::path& file) const {
 }
 
 void Sandbox::refuse(const fs::path& file) const {
-    throw HostError(file.string() + " is outside the folders that this script may touch (--allow adds one)");
+    throw HostError(file.string() +
+                    " is outside the folders that this script may access (--allow DIR adds one)");
 }
 
 fs::path Sandbox::toRead(const std::string& name) const {
@@ -121,7 +122,7 @@ fs::path Sandbox::member(const std::string& name, const std::vector<std::string>
                 std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
             if (wanted && allows(entry.path())) found.push_back(entry.path());
         }
-        // Folders list their files in no order: take the same one everywhere.
+        // Directory order varies between systems: choose the same file everywhere.
         if (!found.empty()) return *std::min_element(found.begin(), found.end());
     }
     return {};

@@ -6,7 +6,7 @@
 
 namespace krl::player {
 
-/// The folders that a script may touch, and where in them its files are looked for.
+/// The folders that a script may access, and the order in which they are searched.
 class Sandbox {
 public:
     Sandbox() = default;
@@ -14,19 +14,19 @@ public:
     Sandbox(std::filesystem::path castFolder, std::filesystem::path outputFolder,
             const std::vector<std::filesystem::path>& allowed);
 
-    /// The folder of the script, the first place to look and allowed itself.
+    /// The script's folder, which is allowed and searched first.
     void setScriptFolder(const std::filesystem::path& folder);
     const std::filesystem::path& scriptFolder() const { return scriptFolder_; }
 
     /// The file to read: in the script's folder, the cast, the output folder, the current folder if
-    /// that is allowed, or another folder given. Throws `HostError` for what is elsewhere or nowhere.
+    /// that is allowed, or another allowed folder. Throws `HostError` for files elsewhere or missing.
     std::filesystem::path toRead(const std::string& name) const;
-    /// The file to write: in the output folder, or in the script's. Throws `HostError`.
+    /// The file to write: in the output folder, or in the script's folder. Throws `HostError`.
     std::filesystem::path toWrite(const std::string& name) const;
     /// The first file in the script's folder and the cast whose name without extension is `name`,
-    /// letter case aside, and whose extension is among `extensions`; empty when there is none.
+    /// ignoring case, and whose extension is among `extensions`; empty if there is none.
     std::filesystem::path member(const std::string& name, const std::vector<std::string>& extensions) const;
-    /// Names without extension that `member` would find, for messages.
+    /// The names that `member` would find, without extensions, for messages.
     std::vector<std::string> memberNames(const std::vector<std::string>& extensions) const;
 
 private:

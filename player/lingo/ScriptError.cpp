@@ -16,7 +16,7 @@ std::string oneLine(const std::string& file, Place place, const std::string& mes
 
 constexpr size_t kLongestExcerpt = 160;
 
-/// The next place in UTF-8 at which a letter begins.
+/// The next position where a UTF-8 character begins.
 size_t wholeLetter(const std::string& text, size_t place) {
     while (place < text.size() && (static_cast<unsigned char>(text[place]) & 0xC0) == 0x80) ++place;
     return place;
@@ -34,7 +34,7 @@ ScriptError::ScriptError(std::string file, Place place, std::string message, std
 std::string ScriptError::excerpt() const {
     if (place_.line == 0) return "";
     const auto column = static_cast<size_t>(std::max(place_.column, 1)) - 1;
-    // Of a line that is too long to look through, what is around the place.
+    // Of a very long line, show only the part around the column.
     const size_t first = column > kLongestExcerpt / 2 && sourceLine_.size() > kLongestExcerpt
                              ? wholeLetter(sourceLine_, column - kLongestExcerpt / 2)
                              : 0;
@@ -43,7 +43,7 @@ std::string ScriptError::excerpt() const {
                             : sourceLine_.size();
     const std::string shown = sourceLine_.substr(first, last - first);
     const std::string before = first > 0 ? "..." : "", after = last < sourceLine_.size() ? "..." : "";
-    // Tabs stay tabs, so that the caret stays under its letter however wide they are shown.
+    // Keep tabs, so that the caret is under its letter for any tab width.
     std::string caret(before.size(), ' ');
     for (size_t i = 0; i < column - first; ++i) caret += i < shown.size() && shown[i] == '\t' ? '\t' : ' ';
     return before + shown + after + '\n' + caret + '^';

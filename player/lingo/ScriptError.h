@@ -5,14 +5,14 @@
 
 namespace krl::player {
 
-/// A place in a script, both numbers from 1; line 0 where there is none.
+/// A position in a script, both numbers from 1; line 0 if there is none.
 struct Place {
     int line = 0;
     int column = 0;
 };
 
-/// Whatever ends a script: text that cannot be parsed, an unknown name, a wrong kind of value, a
-/// file that cannot be had, a limit that was reached. `what()` is one line:
+/// Any error that ends a script: a syntax error, an unknown name, a value of the wrong type, an
+/// inaccessible file, an exceeded limit. `what()` is one line:
 /// `grade.ls:3:9: expected "then" after the condition`.
 class ScriptError : public std::runtime_error {
 public:
@@ -21,9 +21,9 @@ public:
 
     const std::string& file() const { return file_; }
     Place place() const { return place_; }
-    /// The message without the place.
+    /// The message without the position.
     const std::string& message() const { return message_; }
-    /// The line of the script and below it a caret under the column, or empty.
+    /// The source line with a caret under the column, or empty.
     std::string excerpt() const;
 
 private:

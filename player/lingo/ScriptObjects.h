@@ -8,10 +8,10 @@
 #include "player/host/Objects.h"
 #include "player/lingo/Syntax.h"
 
-/// What scripts are as values.
+/// Scripts as values.
 namespace krl::player {
 
-/// A script that can run: its syntax, and each float and string written in it as a value.
+/// A loaded script: its syntax, and its float and string literals as values.
 struct LoadedScript {
     std::string name;
     std::unique_ptr<Script> syntax;
@@ -24,7 +24,7 @@ struct LoadedScript {
     }
 };
 
-/// Something with a script and values for its properties: the script itself, or an instance.
+/// A script with the values of its properties: the script itself, or an instance.
 struct PropertyHolder : Object {
     explicit PropertyHolder(const LoadedScript& loaded)
         : script(loaded), properties(loaded.syntax->properties.size()) {}
@@ -35,7 +35,7 @@ struct PropertyHolder : Object {
     void dropChildren() override { properties.clear(); }
 
     const std::string& name() const { return script.name; }
-    /// The value of a property, or null for a name that is none.
+    /// The value of a property, or null for an unknown name.
     Value* property(SymbolId wanted) {
         const std::vector<SymbolId>& names = script.syntax->properties;
         for (size_t i = 0; i < names.size() && i < properties.size(); ++i)
@@ -53,13 +53,13 @@ struct ScriptObject : PropertyHolder {
     using PropertyHolder::PropertyHolder;
 };
 
-/// What `new(script "Name")` makes.
+/// An instance made by `new(script "Name")`.
 struct InstanceObject : PropertyHolder {
     static constexpr Kind kKind = Kind::ScriptInstance;
     using PropertyHolder::PropertyHolder;
 };
 
-/// A member of the cast: a picture file by its name without the extension.
+/// A cast member: a picture file, named without its extension.
 struct MemberObject : Object {
     static constexpr Kind kKind = Kind::Member;
     explicit MemberObject(std::string called) : name(std::move(called)) {}
@@ -68,7 +68,7 @@ struct MemberObject : Object {
     void dropChildren() override { image = Value(); }
 
     std::string name;
-    Value image;  ///< read when it is first asked for
+    Value image;  ///< read on first use
 };
 
 }  // namespace krl::player

@@ -13,7 +13,7 @@ namespace krl::player {
 
 namespace {
 
-/// Does the work; whatever goes wrong becomes a `ScriptError`.
+/// Runs `work` and turns every error into a `ScriptError`.
 template <class Work>
 auto asScriptError(Work&& work) {
     try {
@@ -27,7 +27,7 @@ auto asScriptError(Work&& work) {
     }
 }
 
-/// The image in a result: itself, the first of a list, or one under a property. Null for none.
+/// The image in a result: the value itself, the first of a list, or one under a property. Null if none.
 const Value* imageIn(const Value& result) {
     if (result.is(Kind::Image)) return &result;
     if (const auto* list = result.as<ListObject>())
@@ -61,7 +61,7 @@ struct Session::Parts {
           interpreter(host, xtra, options) {}
     ~Parts() {
         letGo();
-        // Instances that are still held need their plug-in to go.
+        // Instances must be released before their plug-in.
         host.heap.clear();
     }
 
@@ -70,7 +70,7 @@ struct Session::Parts {
         interpreter.close();
     }
 
-    /// The instance that single calls go to, with its tables made.
+    /// The instance for single calls, with its tables created.
     const Value& readyInstance() {
         if (!instance.isVoid()) return instance;
         instance = xtra.newInstance();
@@ -79,7 +79,7 @@ struct Session::Parts {
         return instance;
     }
 
-    /// Throws the method's own message where it fails.
+    /// Throws the method's own message if it fails.
     void send(const char* method, const Value& argument) {
         const Value result =
             xtra.call(instance, xtra.selector(host.symbols.identifier(method)), {&argument, 1});
@@ -128,7 +128,7 @@ void Session::run(const std::filesystem::path& script, const std::vector<std::st
 
 namespace {
 
-/// A picture that lives on the heap while it is worked on, and comes back whatever happens.
+/// Moves a picture to the heap while it is processed, and back in any case.
 class BorrowedPicture {
 public:
     BorrowedPicture(Heap& heap, Bitmap& picture) : picture_(picture) {
@@ -140,7 +140,7 @@ public:
     BorrowedPicture& operator=(const BorrowedPicture&) = delete;
 
     const Value& value() const { return value_; }
-    /// Another image takes its place.
+    /// Replaces it with another image.
     void replaceBy(const Value& image) {
         Bitmap& pixels = value_.as<ImageObject>()->bitmap;
         auto metadata = std::move(pixels.metadata);

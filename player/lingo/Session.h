@@ -12,41 +12,40 @@
 #include "player/lingo/ScriptError.h"
 #include "player/pictures/Picture.h"
 
-/// The one thing that the command line knows of the player: a host with the plug-in in it, on which
-/// scripts and single calls run.
+/// The command line's interface to the player: a host with the plug-in, which runs scripts and single calls.
 namespace krl::player {
 
-/// What `krlImageCreateLookupTables` is given, whatever the script says.
+/// Overrides the argument of `krlImageCreateLookupTables` in scripts.
 enum class ThreadChoice { AsScripted, Many, One };
 
 struct SessionOptions {
-    /// The plug-in's file; empty for the one that is built in.
+    /// The plug-in's file; empty for the built-in one.
     std::filesystem::path xtraFile;
-    /// Where members are looked for, beside the script's own folder.
+    /// Folder that is searched for members, besides the script's own.
     std::filesystem::path castFolder;
-    /// Where pictures with relative names are saved; empty for the script's own folder.
+    /// Folder for saved pictures with relative names; empty for the script's own.
     std::filesystem::path outputFolder;
-    /// Further folders that scripts may read and write.
+    /// Additional folders that scripts may read and write.
     std::vector<std::filesystem::path> allowedFolders;
     ThreadChoice threads = ThreadChoice::AsScripted;
-    /// Bytes that all values and images of a script may take together.
+    /// Memory limit for all values and images of a script, in bytes.
     uint64_t memoryLimit = uint64_t(4) << 30;
-    /// Handlers within handlers.
+    /// Limit of nested handler calls.
     int recursionLimit = 400;
     std::ostream* output = nullptr;  ///< for `put`; standard output when null
     std::ostream* alerts = nullptr;  ///< for `alert`; standard error when null
 };
 
-/// What a call on a picture came to.
+/// The outcome of a call on a picture.
 struct CallOutcome {
-    /// The method's own message, from the `error` entry of its result; empty for a success.
+    /// The method's own message, from the `error` entry of its result; empty on success.
     std::string error;
-    /// The result as the message window shows it, such as `[#error: 0]`; empty for a method without.
+    /// The result as the message window shows it, such as `[#error: 0]`; empty for a method without a result.
     std::string shown;
     bool ok() const { return error.empty(); }
 };
 
-/// What is counted and still held; all zero when everything was given back.
+/// Counts of objects still held; all zero when everything was released.
 struct LeakReport {
     int64_t values = 0;
     int64_t locks = 0;
@@ -58,8 +57,8 @@ struct LeakReport {
     std::string text() const;
 };
 
-/// A host, the plug-in and the scripts that run on them. Everything that goes wrong is thrown as
-/// `ScriptError`. One session belongs to one thread; several sessions run side by side.
+/// A host, the plug-in and the scripts that run on them. Every failure is thrown as `ScriptError`. A session
+/// belongs to one thread; several sessions can run in parallel.
 class Session {
 public:
     explicit Session(SessionOptions options);
@@ -72,14 +71,14 @@ public:
     void run(const std::filesystem::path& script, const std::vector<std::string>& arguments);
 
     /// Runs one plug-in call, such as `krlImageBrightness(40, #RGB)` or `brightness(40, #RGB)`, on
-    /// `picture`, which is loaded before and let go after. An image in the result, or the first of
-    /// a list of them, takes the picture's place.
+    /// `picture`, which is loaded before and released after. An image in the result, or the first of
+    /// a list of them, replaces the picture.
     CallOutcome apply(Bitmap& picture, std::string_view call);
 
-    /// The value of a text of one expression, as the catalogue takes it; nothing for what no method takes.
+    /// Evaluates a text with one expression for the catalogue; VOID for types that no method takes.
     krl::Value evaluate(std::string_view expression);
 
-    /// Ends scripts and instances and tells what was not given back.
+    /// Ends scripts and instances and reports what was not released.
     LeakReport close();
 
 private:
@@ -87,18 +86,18 @@ private:
     std::unique_ptr<Parts> parts_;
 };
 
-/// A call as someone wrote it: `vignette(shape: #ellipse, blur: 40)`.
+/// A call as written by the user: `vignette(shape: #ellipse, blur: 40)`.
 struct WrittenCall {
     struct Argument {
-        std::string name;   ///< empty for an argument in its place
-        std::string value;  ///< its Lingo text
+        std::string name;   ///< empty for a positional argument
+        std::string value;  ///< its Lingo source
         Place place;
     };
     std::string name;
     std::vector<Argument> arguments;
 };
 
-/// Takes a call apart; throws `ScriptError` where it cannot be parsed.
+/// Parses a call; throws `ScriptError` for a syntax error.
 WrittenCall readCall(std::string_view text);
 
 }  // namespace krl::player

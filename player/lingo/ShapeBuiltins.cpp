@@ -24,7 +24,7 @@ Value makeRect(Runtime& runtime, const Value& left, const Value& top, const Valu
     return runtime.heap.make<RectObject>(std::array<Value, 4>{left, top, right, bottom});
 }
 
-/// Of four sides, or of two corners.
+/// From four sides or two corners.
 Value rect(Runtime& runtime, const Arguments& arguments) {
     if (arguments.count() == 2) {
         const auto &first = arguments.object<PointObject>(0), &second = arguments.object<PointObject>(1);
@@ -43,7 +43,7 @@ Value unionOf(Runtime& runtime, const Arguments& arguments) {
                     larger(a[3], b[3]));
 }
 
-/// All zeros where two rects do not meet.
+/// All zeros if the rects do not overlap.
 Value intersect(Runtime& runtime, const Arguments& arguments) {
     const auto &a = arguments.object<RectObject>(0).values, &b = arguments.object<RectObject>(1).values;
     const Value &left = larger(a[0], b[0]), &top = larger(a[1], b[1]);
@@ -61,7 +61,7 @@ Value inside(Runtime&, const Arguments& arguments) {
                         at[1].number() >= sides[1].number() && at[1].number() < sides[3].number());
 }
 
-/// Sides moved by so much each: left and top by the first two, right and bottom by the last two.
+/// The rect with left and top moved by `x1` and `y1`, right and bottom by `x2` and `y2`.
 Value moved(Runtime& runtime, const RectObject& sides, const Value& x1, const Value& y1, const Value& x2,
             const Value& y2) {
     const auto sum = [&](size_t side, const Value& by) {
@@ -75,7 +75,7 @@ Value inflate(Runtime& runtime, const Arguments& arguments) {
     return moved(runtime, arguments.object<RectObject>(0), negated(runtime, x), negated(runtime, y), x, y);
 }
 
-/// Of a rect: it moved. Of two texts: where the first is in the second, letter case aside.
+/// A rect moved by an offset; or the position of one string in another, ignoring case.
 Value offset(Runtime& runtime, const Arguments& arguments) {
     if (arguments[0].is(Kind::Rect)) {
         const Value &x = numeric(arguments, 1), &y = numeric(arguments, 2);
@@ -89,7 +89,7 @@ Value offset(Runtime& runtime, const Arguments& arguments) {
 
 uint8_t byteOf(const Arguments& arguments, size_t index) { return clampByte(arguments.integer(index)); }
 
-/// Of three numbers, or of a text `#RRGGBB`, or of one number that holds the three.
+/// From three numbers, a string `#RRGGBB`, or one number that packs all three.
 Value rgb(Runtime&, const Arguments& arguments) {
     if (arguments.count() == 1) {
         Colour colour;

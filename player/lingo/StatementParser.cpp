@@ -91,7 +91,7 @@ StatementPointer StatementParser::put() {
     return made;
 }
 
-/// Whether a bracket here closes at the end of the statement and has a comma of its own inside.
+/// Whether a bracket here closes at the end of the statement and contains a top-level comma.
 bool StatementParser::bracketedArguments() const {
     if (!here().isMark("(")) return false;
     int open = 0;
@@ -129,7 +129,7 @@ void StatementParser::requireTarget(const Expression& made, Place place) const {
 StatementPointer StatementParser::set() {
     auto made = std::make_unique<AssignStatement>(StatementKind::Assign, take().place);
     made->target = target();
-    if (!takeMark("=") && !takeWord("to")) fail("\"to\" or \"=\" after what is set");
+    if (!takeMark("=") && !takeWord("to")) fail("\"to\" or \"=\" after the target");
     made->value = expression();
     return made;
 }
@@ -146,7 +146,7 @@ StatementPointer StatementParser::assignmentOrCall() {
         return made;
     }
     auto made = std::make_unique<ExpressionStatement>(StatementKind::Evaluate, first.place);
-    // A name alone is a call.
+    // A lone name is a call.
     if (path->kind == ExpressionKind::Variable) {
         variables_.pop_back();
         auto alone = std::make_unique<CallExpression>(ExpressionKind::Call, first.place);
@@ -224,7 +224,7 @@ void StatementParser::passBlock(Block& body) {
 }
 
 /// An `else` on the same line, or at the start of the next one. There it belongs to the
-/// innermost `if` that it is not indented less than.
+/// innermost `if` whose indentation is not greater.
 bool StatementParser::takeElse(Place start, bool inBlock) {
     if (inBlock || here().isWord("else")) return takeWord("else");
     if (here().kind != TokenKind::LineEnd || !ahead().isWord("else")) return false;
@@ -233,7 +233,7 @@ bool StatementParser::takeElse(Place start, bool inBlock) {
     return takeWord("else");
 }
 
-/// Column of the first letter of the line on which `place` is.
+/// Column of the first character in the line of `place`.
 int StatementParser::lineColumn(Place place) const {
     const std::string line = source_->line(place.line);
     return static_cast<int>(std::min(line.find_first_not_of(" \t"), line.size())) + 1;
@@ -290,7 +290,7 @@ std::unique_ptr<RepeatStatement> StatementParser::repeatWith(Place place) {
 StatementPointer StatementParser::choice() {
     auto made = std::make_unique<CaseStatement>(StatementKind::Case, take().place);
     made->subject = expression();
-    expectWord("of", "what is compared");
+    expectWord("of", "the value to compare");
     passLineEnds();
     const int outer = std::exchange(inCase_, 1);
     while (!here().isWord("end") && !here().isWord("otherwise")) {
@@ -319,7 +319,7 @@ Block StatementParser::caseBody() {
     return body;
 }
 
-/// Whether a line of a `case` is a label: it has a colon outside brackets, or is `otherwise`.
+/// Whether a line of a `case` is a label: it has a colon outside brackets, or it is `otherwise`.
 bool StatementParser::atLabel() const {
     if (here().isWord("otherwise")) return true;
     int open = 0;

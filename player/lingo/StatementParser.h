@@ -4,18 +4,18 @@
 
 namespace krl::player {
 
-/// The part of the parser that reads statements; handlers stand on it.
+/// The part of the parser that reads statements; the handler parser builds on it.
 class StatementParser : protected ExpressionParser {
 protected:
     using ExpressionParser::ExpressionParser;
 
-    /// Statements up to a word that ends or divides a block.
+    /// Parses statements up to a word that ends or divides a block.
     Block block();
     void passLineEnds();
-    /// The names after `global` or `property`.
+    /// Parses the names after `global` or `property`.
     void declare(std::vector<SymbolId>& names);
 
-    /// What the handler at hand declares as `global`.
+    /// The `global` declarations of the current handler.
     std::vector<SymbolId> handlerGlobals_;
 
 private:
@@ -44,19 +44,19 @@ private:
     Block caseBody();
     bool atLabel() const;
 
-    // Loops, and what leaves them.
+    // Loops and jumps.
     StatementPointer repeat();
     std::unique_ptr<RepeatStatement> repeatWith(Place place);
     StatementPointer giveBack();
     StatementPointer exit();
     StatementPointer nextRepeat();
 
-    // The lines between a statement's first and its `end`.
+    // The block between a statement's first line and its `end`.
     void passBlock(Block& body);
     bool endFollows(const char* word) const;
     void endOf(const char* word, Place start);
 
-    int statements_ = 0;  ///< within each other, on lines of their own or on one
+    int statements_ = 0;  ///< current depth, on one line or several
     int inCase_ = 0;
 };
 

@@ -37,7 +37,7 @@ struct Expression {
 
     const ExpressionKind kind;
     Place place;
-    int depth = 1;  ///< levels of expressions within, itself counted
+    int depth = 1;  ///< levels of nested expressions, including this one
 };
 using ExpressionPointer = std::unique_ptr<Expression>;
 
@@ -48,23 +48,23 @@ struct LiteralExpression : Expression {
     double real = 0;
     std::string text;
     SymbolId symbol = -1;
-    int index = -1;  ///< place among the script's floats and strings
+    int index = -1;  ///< index among the script's float and string literals
 };
 
 struct ListExpression : Expression {
     using Expression::Expression;
-    std::vector<ExpressionPointer> keys;  ///< of a property list, one for each item
+    std::vector<ExpressionPointer> keys;  ///< in a property list, one per item
     std::vector<ExpressionPointer> items;
 };
 
-/// Whose variable a name is; told once the whole script is known.
+/// The scope of a variable; resolved after the whole script has been parsed.
 enum class VariableScope { Local, Global, Property };
 
 struct VariableExpression : Expression {
     using Expression::Expression;
     SymbolId name = -1;
     VariableScope scope = VariableScope::Local;
-    int slot = -1;  ///< of a local
+    int slot = -1;  ///< of a local variable
 };
 
 /// Negation and `not`.
@@ -102,12 +102,12 @@ struct BinaryExpression : Expression {
 /// `name(arguments)`, `object.name(arguments)`, or the command form `name arguments`.
 struct CallExpression : Expression {
     using Expression::Expression;
-    ExpressionPointer object;  ///< of a method call
+    ExpressionPointer object;  ///< in a method call
     SymbolId name = -1;
     std::vector<ExpressionPointer> arguments;
 };
 
-/// `object.name`, `the name of object`, and with no object `the name`.
+/// `object.name`, `the name of object`, and without an object `the name`.
 struct PropertyExpression : Expression {
     using Expression::Expression;
     ExpressionPointer object;
@@ -122,7 +122,7 @@ struct IndexExpression : Expression {
 
 enum class ChunkKind { Char, Word, Item, Line };
 
-/// `char first to last of source`; no `first` is the last chunk. As a count, `the number of chars in`.
+/// `char first to last of source`; without `first`, the last chunk. As a count, `the number of chars in`.
 struct ChunkExpression : Expression {
     using Expression::Expression;
     ChunkKind chunk = ChunkKind::Char;
@@ -187,7 +187,7 @@ struct IfStatement : Statement {
     Block otherwise;
 };
 
-/// All forms of `repeat`: a condition, a variable from one number to another, a variable over a list.
+/// All forms of `repeat`: with a condition, with a counter, over a list.
 struct RepeatStatement : Statement {
     using Statement::Statement;
     ExpressionPointer condition;
@@ -212,17 +212,17 @@ struct Handler {
     SymbolId name = -1;
     Place place;
     size_t parameters = 0;
-    std::vector<SymbolId> locals;  ///< the parameters first
+    std::vector<SymbolId> locals;  ///< parameters first
     Block body;
 };
 
-/// A script file as parsed.
+/// A parsed script file.
 struct Script {
     std::shared_ptr<const Source> source;
     std::vector<std::unique_ptr<Handler>> handlers;
     std::vector<SymbolId> properties;
     std::vector<SymbolId> globals;
-    /// The floats and strings that are written in it, so that each is made a value once.
+    /// Its float and string literals, so that each becomes a value only once.
     std::vector<const LiteralExpression*> literals;
 
     const Handler* handler(SymbolId name) const;

@@ -7,7 +7,7 @@
 #include "player/lingo/Interpreter.h"
 #include "player/lingo/NearestName.h"
 
-/// The player itself: messages, objects, the cast, and what `the` tells.
+/// The player itself: messages, objects, the cast, and system properties.
 namespace krl::player {
 
 namespace {
@@ -39,7 +39,7 @@ Value makeNew(Runtime& runtime, const Arguments& arguments) {
     return runtime.newInstance(arguments[0], arguments.from(1));
 }
 
-/// `call(#name, object, ...)`, or to each object of a list; the answer is the last one's.
+/// `call(#name, object, ...)`, or for each object of a list; returns the last result.
 Value call(Runtime& runtime, const Arguments& arguments) {
     const SymbolId name = arguments.symbol(0);
     const auto* list = arguments[1].as<ListObject>();
@@ -66,7 +66,7 @@ Value clearGlobals(Runtime& runtime, const Arguments&) {
     return Value();
 }
 
-/// Since the program's first question for it: the numbers stay small.
+/// Counted from the first use, to keep the numbers small.
 int64_t milliseconds() {
     using namespace std::chrono;
     static const auto start = steady_clock::now();

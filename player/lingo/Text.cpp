@@ -31,7 +31,7 @@ std::string address(const Value& value) {
     return text;
 }
 
-/// Writes values one into the other, with a bound on how deep.
+/// Formats nested values, up to a limited depth.
 class Writer {
 public:
     explicit Writer(const TextStyle& style) : style_(style) {}
@@ -96,7 +96,7 @@ private:
         return '[' + all + ']';
     }
 
-    /// A list that holds another many times over can be small and its text endless.
+    /// A small list that contains another many times can have a huge text.
     static void bound(const std::string& text) {
         if (text.size() > kLongestText) throw HostError("the list to show is longer than 256 MB");
     }

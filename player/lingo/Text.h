@@ -5,7 +5,7 @@
 #include "player/host/Objects.h"
 #include "player/host/SymbolTable.h"
 
-/// How values read.
+/// Values as text.
 namespace krl::player {
 
 struct TextStyle {
@@ -13,17 +13,17 @@ struct TextStyle {
     int floatPrecision = 4;
 };
 
-/// As `string` and `&` make it: text without quotes, VOID as nothing.
+/// For `string` and `&`: strings without quotes, VOID as the empty string.
 std::string plainText(const TextStyle& style, const Value& value);
-/// As the message window shows it: text in quotes, `<Void>`.
+/// For the message window: strings in quotes, `<Void>`.
 std::string shownText(const TextStyle& style, const Value& value);
 
-/// With its article, as messages name a kind: `an integer`, `VOID`.
+/// The type with its article, for messages: `an integer`, `VOID`.
 std::string kindName(Kind kind);
-/// As `ilk` names it: `integer`, `propList`.
+/// The result of `ilk`: `integer`, `propList`.
 const char* ilkName(Kind kind);
 
-/// `#rrggbb`, with or without the sign; false for any other text.
+/// `#rrggbb`, with or without the `#`; false for any other text.
 bool readHexColour(std::string_view text, Colour& colour);
 std::string hexColour(Colour colour);
 

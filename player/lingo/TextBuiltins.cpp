@@ -2,7 +2,7 @@
 #include "player/lingo/Chunks.h"
 #include "player/lingo/Runtime.h"
 
-/// Texts and symbols, and the tests of what a value is.
+/// Strings, symbols and type tests.
 namespace krl::player {
 
 namespace {
@@ -17,7 +17,7 @@ Value chars(Runtime& runtime, const Arguments& arguments) {
     return runtime.text(std::string(part.of(whole)));
 }
 
-/// The number of the first character, as UTF-8 has it.
+/// The code point of the first character.
 Value charToNum(Runtime&, const Arguments& arguments) {
     const std::string& whole = arguments.text(0);
     const Stretch first = findChunk(whole, ChunkKind::Char, 1, 1, ',');

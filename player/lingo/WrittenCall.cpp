@@ -1,7 +1,7 @@
 #include "player/lingo/Parser.h"
 #include "player/lingo/Session.h"
 
-/// Calls as people write them on a command line, taken apart without running them.
+/// Parses calls from the command line without running them.
 namespace krl::player {
 
 namespace {
@@ -52,7 +52,7 @@ private:
         made.place = here().place;
         const size_t begin = here().begin;
         size_t end = begin;
-        // Up to a comma or bracket outside all brackets.
+        // Read up to a comma or closing bracket at the top level.
         for (int open = 0; !here().endsLine(); ++at_) {
             const bool closes = here().isMark(")") || here().isMark("]");
             if (open == 0 && (closes || here().isMark(","))) break;
@@ -65,7 +65,7 @@ private:
         return made;
     }
 
-    /// Parses the argument where it stands, so that what is wrong is told by its own place.
+    /// Parses the argument in place, so that errors have the right column.
     void requireExpression(const WrittenCall::Argument& argument) const {
         SymbolTable symbols;
         try {

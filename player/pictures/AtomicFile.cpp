@@ -33,7 +33,7 @@ void passGate() noexcept {
     while (gate.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
 }
 
-/// Files appear and go by one thread at a time. No signal comes meanwhile: its handler passes the gate too.
+/// Lets one thread at a time create or remove files, with signals blocked: their handler takes the gate too.
 class GateGuard {
 public:
     GateGuard() {
@@ -59,8 +59,8 @@ private:
 #endif
 };
 
-/// A name beside `target` that no other writer has: hidden, with the same extension, and short, since
-/// the target's own may be as long as a name can be.
+/// A unique name beside `target`: hidden, with the same extension, and short, since the target's name
+/// may already have the maximum length.
 fs::path temporaryName(const fs::path& target) {
     static std::atomic<uint32_t> count = 0;
     const auto ticks = std::chrono::steady_clock::now().time_since_epoch().count();
@@ -88,7 +88,7 @@ void removeFile(const fs::path& file) noexcept {
 bool isPouredInto(const fs::path&) { return false; }
 int openToPour(const fs::path&) { return -1; }
 #else
-/// The descriptor that a name is for, such as 1 for `/dev/stdout`, or none: -1.
+/// The file descriptor that a name denotes, such as 1 for `/dev/stdout`, or -1.
 int namedDescriptor(const std::string& name) {
     if (name == "/dev/stdout") return STDOUT_FILENO;
     if (name == "/dev/stderr") return STDERR_FILENO;
@@ -146,7 +146,7 @@ void AtomicFile::fail(int error) const {
     throw PictureError("cannot write " + target_.string() + ": " + std::strerror(error));
 }
 
-/// Behind the gate.
+/// Call with the gate held.
 void AtomicFile::forget() noexcept {
     for (AtomicFile** link = &unfinished; *link; link = &(*link)->next_)
         if (*link == this) {
@@ -172,7 +172,7 @@ void AtomicFile::restart() {
 }
 
 void AtomicFile::commit(const std::function<void()>& whenInPlace) {
-    // The last bytes go out here, and a file server may refuse them only now.
+    // Closing writes the last bytes, so a file server may report an error only now.
     if (poured_ >= 0)
         pour();
     else if (std::fclose(std::exchange(stream_, nullptr)) != 0)
@@ -205,7 +205,7 @@ void AtomicFile::pour() {
 }
 
 void removeUnfinishedFiles() noexcept {
-    passGate();  // and never lets another through
+    passGate();  // and never release it
     for (const AtomicFile* file = unfinished; file; file = file->next_) removeFile(file->temporary_);
 }
 

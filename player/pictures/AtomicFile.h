@@ -7,28 +7,26 @@
 
 namespace krl::player {
 
-/// A file that appears whole or not at all: it is written beside its place under another name, and
-/// `commit` renames it. Without `commit`, and when the program is interrupted, nothing is left.
-/// Where the name is that of a pipe, a device or an open file, such as `/dev/stdout`, `commit` pours
-/// all into it.
+/// A file that is written completely or not at all: under a temporary name beside its target, until
+/// `commit` renames it. Without `commit`, or if the program is interrupted, nothing is left behind. If
+/// the target is a pipe, a device or an open file, such as `/dev/stdout`, `commit` copies the content to
+/// it instead.
 class AtomicFile {
 public:
-    /// Creates the file beside `target`; throws `PictureError` where that cannot be.
+    /// Creates the file beside `target`; throws `PictureError` on failure.
     explicit AtomicFile(const std::filesystem::path& target);
     ~AtomicFile();
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
 
-    /// Where it goes, as messages name it.
+    /// The target, for messages.
     const std::filesystem::path& target() const { return target_; }
     void write(std::string_view bytes);
-    /// For a writer of its own, instead of `write`: the descriptor of the file, which can be read and
-    /// sought in as well.
+    /// The file descriptor, for code that writes directly; it can be read and seeked as well.
     int descriptor() const;
-    /// Empties the file again.
+    /// Truncates the file.
     void restart();
-    /// `whenInPlace` is called before anything can interrupt the program, and does no more than a signal's
-    /// handler may.
+    /// `whenInPlace` is called while signals are still blocked, and must be async-signal-safe.
     void commit(const std::function<void()>& whenInPlace = {});
 
 private:
@@ -39,14 +37,14 @@ private:
     [[noreturn]] void fail(int error) const;
 
     std::filesystem::path target_;
-    std::filesystem::path temporary_;  ///< empty where there is nothing to remove
+    std::filesystem::path temporary_;  ///< empty if there is nothing to remove
     std::FILE* stream_ = nullptr;
-    int poured_ = -1;             ///< descriptor to pour into, or none
-    AtomicFile* next_ = nullptr;  ///< of all that are being written
+    int poured_ = -1;             ///< descriptor to copy the content to, or -1
+    AtomicFile* next_ = nullptr;  ///< in the list of unfinished files
 };
 
-/// Removes what is being written, for a program that a signal is about to end. From then on whoever
-/// begins or finishes a file waits for that end.
+/// Removes all unfinished files, for a program that a signal is about to end. From then on, threads that
+/// begin or finish a file block until the program ends.
 void removeUnfinishedFiles() noexcept;
 
 }  // namespace krl::player

@@ -6,7 +6,7 @@
 /// The formats behind `readPicture` and `writePicture`.
 namespace krl::player {
 
-/// Throws `PictureError` for a size that is empty or past the limit, before anything is allocated.
+/// Throws `PictureError` for a size that is empty or beyond the limit, before anything is allocated.
 void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_t height);
 
 /// Portable arbitrary map, `P7` with `RGB_ALPHA`: read and written without any library.

@@ -14,7 +14,7 @@ namespace {
     throw PictureError("cannot read " + path.string() + ": " + why);
 }
 
-/// A file that is read to its end, or to what keeps it from being read.
+/// A file that is read up to its end or the first error.
 class PamFile {
 public:
     explicit PamFile(const std::filesystem::path& path)
@@ -25,20 +25,20 @@ public:
     PamFile(const PamFile&) = delete;
     PamFile& operator=(const PamFile&) = delete;
 
-    /// How many of the bytes were there.
+    /// Returns the number of bytes read.
     size_t read(char* bytes, size_t count) {
         const size_t done = std::fread(bytes, 1, count, stream_);
         if (std::ferror(stream_)) refuse(path_, std::strerror(errno));
         return done;
     }
 
-    /// The next line without its end; false where there is none.
+    /// Reads the next line without its end; false at the end of the file.
     bool readLine(std::string& line) {
         line.clear();
         char letter = 0;
         while (read(&letter, 1) == 1) {
             if (letter == '\n') return true;
-            if (line.size() == kLongestLine) refuse(path_, "a line of its header is too long");
+            if (line.size() == kLongestLine) refuse(path_, "a header line is too long");
             line += letter;
         }
         return !line.empty();
@@ -59,7 +59,7 @@ int64_t number(const std::filesystem::path& path, const std::string& line, size_
     int64_t value = -1;
     const char* first = line.data() + std::min(line.find_first_not_of(' ', from), line.size());
     if (std::from_chars(first, line.data() + line.size(), value).ec != std::errc())
-        refuse(path, "a number is wanted in the header line '" + line + "'");
+        refuse(path, "expected a number in the header line '" + line + "'");
     return value;
 }
 
@@ -81,9 +81,9 @@ PamHeader readHeader(const std::filesystem::path& path, PamFile& file) {
         else if (begins("TUPLTYPE "))
             header.tupleType = line.substr(9);
         else
-            refuse(path, "the header line '" + line + "' is unknown");
+            refuse(path, "unknown header line '" + line + "'");
     }
-    if (line != "ENDHDR") refuse(path, "its header has no end");
+    if (line != "ENDHDR") refuse(path, "the header has no end");
     return header;
 }
 
@@ -93,7 +93,7 @@ Bitmap readPam(const std::filesystem::path& path) {
     PamFile file(path);
     const PamHeader header = readHeader(path, file);
     if (header.depth != 4 || header.maximum != 255 || header.tupleType != "RGB_ALPHA")
-        refuse(path, "a PAM picture must be of DEPTH 4, MAXVAL 255 and TUPLTYPE RGB_ALPHA");
+        refuse(path, "a PAM picture must have DEPTH 4, MAXVAL 255 and TUPLTYPE RGB_ALPHA");
     requirePictureSize(path, header.width, header.height);
     Bitmap picture{static_cast<int32_t>(header.width), static_cast<int32_t>(header.height), {}, nullptr};
     picture.pixels.resize(size_t(header.width) * size_t(header.height));

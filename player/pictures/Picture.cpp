@@ -41,10 +41,10 @@ bool beginsAsPam(const std::filesystem::path& path) {
     };
     std::error_code failed;
     const std::filesystem::file_status status = std::filesystem::status(path, failed);
-    if (std::filesystem::is_directory(status)) refuse("it is a folder");
-    // A second look, as formats want it, would find a pipe empty.
+    if (std::filesystem::is_directory(status)) refuse("is a folder");
+    // Formats are detected by reading a file twice, which a pipe does not allow.
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
-        refuse("a picture is read from a file, not from a pipe or device");
+        refuse("pictures can be read from files only, not from a pipe or device");
     std::FILE* file = std::fopen(path.string().c_str(), "rb");
     if (!file) refuse(std::strerror(errno));
     char start[2] = {};
@@ -61,7 +61,7 @@ void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_
     const std::string size = std::to_string(width) + " by " + std::to_string(height) + " pixels";
     if (width < 1 || height < 1) throw PictureError(path.string() + " has no pixels: " + size);
     if (width > kPictureByteLimit / 4 / height)
-        throw PictureError(path.string() + " is too large: " + size + ", and a picture may take 2^31 bytes");
+        throw PictureError(path.string() + " is too large: " + size + ", and pictures are limited to 2 GiB");
 }
 
 Bitmap readPicture(const std::filesystem::path& path) {
@@ -69,7 +69,7 @@ Bitmap readPicture(const std::filesystem::path& path) {
 #if defined(KRL_WITH_VIPS)
     return readWithVips(path);
 #else
-    throw PictureError(path.string() + " is no PAM picture, the one format that this build reads");
+    throw PictureError(path.string() + " is not a PAM picture, the only format that this build reads");
 #endif
 }
 

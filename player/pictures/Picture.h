@@ -14,14 +14,14 @@
 /// Pictures in memory and in files.
 namespace krl::player {
 
-/// What came with a picture beside its pixels, to go out with it again.
+/// Metadata of a picture, preserved when it is written.
 struct PictureMetadata {
     std::vector<uint8_t> colourProfile;  ///< ICC
     std::vector<uint8_t> exif, xmp, iptc;
     double pixelsPerMillimetreX = 0, pixelsPerMillimetreY = 0;  ///< 0 when unknown
 };
 
-/// A picture of 32-bit pixels with straight alpha, rows without gaps.
+/// A picture of 32-bit pixels with straight alpha and unpadded rows.
 struct Bitmap {
     int32_t width = 0;
     int32_t height = 0;
@@ -32,40 +32,39 @@ struct Bitmap {
     const Pixel* row(int32_t y) const { return pixels.data() + size_t(y) * size_t(width); }
 };
 
-/// A picture that cannot be read or written: one line that names the file and says why.
+/// Failure to read or write a picture: one line that names the file and the reason.
 class PictureError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// No picture takes more memory than this.
+/// The largest size of a picture in memory.
 inline constexpr int64_t kPictureByteLimit = int64_t{1} << 31;
 
-/// Reads a picture file. Its format is told by its content; grey, palette and 16-bit pictures are
+/// Reads a picture file. Its format is detected from its content; grey, palette and 16-bit pictures are
 /// converted, EXIF orientation is applied. Throws `PictureError`.
 Bitmap readPicture(const std::filesystem::path& path);
 
 enum class PictureFormat { Png, Jpeg, Tiff, Webp, Pam };
 
-/// The format of a name's extension, if this build writes it.
+/// The format for a name's extension, if this build can write it.
 std::optional<PictureFormat> formatOf(const std::filesystem::path& path);
 
 struct WriteOptions {
-    int quality = 90;                     ///< of formats that lose something, 1 to 100
-    std::optional<PictureFormat> format;  ///< whatever the name says
-    /// Called when the file is in its place, before anything can interrupt the program. Does no more than
-    /// a signal's handler may.
+    int quality = 90;                     ///< of lossy formats, 1 to 100
+    std::optional<PictureFormat> format;  ///< overrides the name's extension
+    /// Called when the file is in place, while signals are still blocked; must be async-signal-safe.
     std::function<void()> whenWritten;
 };
 
-/// Writes a picture, in the format of the name's extension unless another is given. The file appears
-/// whole or not at all, and an existing one is replaced only by a whole one. Throws `PictureError`.
+/// Writes a picture, in the format of the name's extension unless another is given. The file is
+/// written atomically: an existing one is replaced only by a complete one. Throws `PictureError`.
 void writePicture(const std::filesystem::path& path, const Bitmap& picture, const WriteOptions& options = {});
 
 /// Whether a name's extension is one that `writePicture` knows.
 bool isPictureName(const std::filesystem::path& path);
 
-/// The extensions that this build writes, as a reader is told: `.png, .jpg, .tif, .webp, .pam`.
+/// The extensions that this build can write, for messages: `.png, .jpg, .tif, .webp, .pam`.
 std::string writableFormats();
 
 }  // namespace krl::player

@@ -7,7 +7,7 @@ namespace krl::player {
 
 namespace {
 
-/// The source pixels under one target pixel along a line: the first, and how much of each counts.
+/// The source pixels that one target pixel covers along a line: the first, and the weight of each.
 struct Cover {
     int32_t first = 0;
     std::vector<float> shares;

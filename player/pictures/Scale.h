@@ -4,11 +4,11 @@
 
 namespace krl::player {
 
-/// A picture of another size, each pixel the mean of what it covers; colours weigh as much as they
-/// are opaque. Metadata goes along.
+/// The picture in another size: each pixel is the mean of the pixels it covers, with colours weighted
+/// by alpha. Metadata is preserved.
 Bitmap scaled(const Bitmap& picture, int32_t width, int32_t height);
 
-/// A picture of the same proportions that is no wider than `width`; one that is not stays as it is.
+/// The picture scaled down to `width` with its proportions kept; unchanged if it is not wider.
 Bitmap noWiderThan(const Bitmap& picture, int32_t width);
 
 }  // namespace krl::player

@@ -17,13 +17,14 @@ void startVips() {
     static std::once_flag started;
     std::call_once(started, [] {
         g_setenv("VIPS_WARNING", "0", TRUE);
-        if (VIPS_INIT("krlimage")) throw PictureError("libvips does not start");
-        vips_concurrency_set(1);  // pictures are worked on side by side, not within
+        if (VIPS_INIT("krlimage")) throw PictureError("cannot initialise libvips");
+        vips_concurrency_set(1);  // parallelism is across pictures, not within one
         vips_cache_set_max(0);
     });
 }
 
-/// What libvips says of its last failure: the system's own words where it has them, else its first line.
+/// The reason for the last libvips failure: the system's error text if there is one, otherwise the first
+/// line.
 std::string vipsReason() {
     std::string reason = vips_error_buffer();
     vips_error_clear();
@@ -31,11 +32,11 @@ std::string vipsReason() {
     const size_t system = reason.find(mark);
     if (system != std::string::npos) reason.erase(0, system + mark.size());
     reason = reason.substr(0, reason.find('\n'));
-    return reason.empty() ? "unknown failure" : reason;
+    return reason.empty() ? "unknown error" : reason;
 }
 
-/// libvips keeps one log of failures for all threads: what fails beside others is tried once more alone,
-/// so that the reason told is its own.
+/// libvips keeps one error log for all threads, so an operation that fails in parallel with others is
+/// retried alone to get its own error text.
 template <class Work>
 auto tellingItsOwnReason(const Work& work) {
     static std::shared_mutex together;
@@ -59,7 +60,7 @@ public:
 
     VipsImage* get() const { return image_; }
 
-    /// Runs a libvips operation that writes its result to the pointer that it is given.
+    /// Runs a libvips operation that stores its result through the given pointer.
     template <class Operation>
     void then(const std::string& doing, Operation&& operation) {
         VipsImage* next = nullptr;
@@ -105,10 +106,10 @@ bool isFloat(VipsImage* image) {
     return format == VIPS_FORMAT_FLOAT || format == VIPS_FORMAT_DOUBLE;
 }
 
-/// Floats of compositing programs, to bytes: light is linear, and 1 is white and opaque.
+/// Converts floats to bytes: light is linear, and 1 is white and opaque.
 int bytesOfFloats(VipsImage* in, VipsImage** out) {
     const int bands = vips_image_get_bands(in), colours = bands < 3 ? 1 : 3;
-    auto* steps = VIPS_OBJECT(vips_image_new());  // holds what comes in between
+    auto* steps = VIPS_OBJECT(vips_image_new());  // owns the intermediate images
     auto** step = reinterpret_cast<VipsImage**>(vips_object_local_array(steps, 6));
     const auto made = [&]() -> int {
         if (vips_extract_band(in, &step[0], 0, "n", colours, nullptr)) return -1;
@@ -120,7 +121,7 @@ int bytesOfFloats(VipsImage* in, VipsImage** out) {
         if (vips_colourspace(step[2], opaque ? out : &step[3], VIPS_INTERPRETATION_sRGB, nullptr)) return -1;
         if (opaque) return 0;
         if (vips_extract_band(in, &step[4], colours, nullptr)) return -1;
-        // A half more, since what follows truncates.
+        // Add a half, since the cast truncates.
         if (vips_linear1(step[4], &step[5], 255.0, 0.5, "uchar", TRUE, nullptr)) return -1;
         return vips_bandjoin2(step[3], step[5], out, nullptr);
     };
@@ -129,7 +130,7 @@ int bytesOfFloats(VipsImage* in, VipsImage** out) {
     return status;
 }
 
-/// Brings any image to bytes of red, green, blue and alpha. 16-bit samples keep their high byte.
+/// Converts any image to bytes of red, green, blue and alpha. 16-bit samples keep their high byte.
 void convertToBytes(Chain& chain, const std::string& doing) {
     const VipsInterpretation read = vips_image_guess_interpretation(chain.get());
     const bool light = isGrey(read) || isColour(read) || read == VIPS_INTERPRETATION_scRGB;
@@ -157,7 +158,7 @@ void convertToBytes(Chain& chain, const std::string& doing) {
             g_object_unref(grey);
             return status;
         });
-    // Grey with alpha is now grey, grey, grey, alpha: the second part brought its own grey along.
+    // For two bands the last part is grey with its alpha, so the result has four.
     if (vips_image_get_bands(chain.get()) == 3)
         chain.then(doing, [](VipsImage* in, VipsImage** out) {
             return vips_bandjoin_const1(in, out, 255, nullptr);
@@ -196,7 +197,7 @@ int save(VipsImage* image, VipsTarget* target, PictureFormat format, int quality
     return vips_pngsave_target(image, target, nullptr);
 }
 
-/// Into the file that is open, never by its name: an interruption may have taken that away.
+/// Writes to the open file, never by name: an interruption may have removed the name.
 int save(VipsImage* image, AtomicFile& file, PictureFormat format, int quality) {
     file.restart();
     VipsTarget* target = vips_target_new_to_descriptor(file.descriptor());
@@ -212,14 +213,14 @@ Bitmap read(const std::filesystem::path& path) {
                                                  "fail_on", VIPS_FAIL_ON_ERROR, nullptr);
     if (!opened) {
         vips_error_clear();
-        throw PictureError("cannot " + doing + ": it is no picture of a known format");
+        throw PictureError("cannot " + doing + ": unrecognised picture format");
     }
     Chain chain(opened);
     requirePictureSize(path, vips_image_get_width(opened), vips_image_get_height(opened));
     const bool profileFits = isColour(vips_image_guess_interpretation(opened));
     auto metadata = metadataOf(opened, profileFits);
     if (vips_image_get_orientation(opened) != 1) {
-        // Turning reads in another order than the file's.
+        // Rotation does not read in file order.
         chain.then(doing, [](VipsImage* in, VipsImage** out) {
             *out = vips_image_copy_memory(in);
             return *out ? 0 : -1;
@@ -261,7 +262,7 @@ void write(AtomicFile& file, const Bitmap& picture, PictureFormat format, int qu
         chain.then(doing, [](VipsImage* in, VipsImage** out) {
             return vips_extract_band(in, out, 0, "n", 3, nullptr);
         });
-    else if (format == PictureFormat::Jpeg)  // which has no transparency
+    else if (format == PictureFormat::Jpeg)  // JPEG has no transparency
         chain.then(doing, [](VipsImage* in, VipsImage** out) {
             VipsArrayDouble* white = vips_array_double_newv(1, 255.0);
             const int status = vips_flatten(in, out, "background", white, nullptr);

@@ -9,13 +9,13 @@
 #include "tests/player/CliRun.h"
 #include "tests/player/Refusals.h"
 
-/// Every allocation of a command fails once: it does all of its work, or says what it did not do.
+/// Fails every allocation of a command in turn: it must complete its work or report the failure.
 namespace krl::player {
 namespace {
 
 namespace fs = std::filesystem;
 
-/// A stream's target that takes no memory.
+/// A stream buffer that allocates nothing.
 class FixedBuffer : public std::streambuf {
 public:
     FixedBuffer() { setp(bytes_.data(), bytes_.data() + bytes_.size()); }
@@ -65,7 +65,7 @@ protected:
     }
     size_t files() const { return filesIn(folder.path()); }
 
-    /// Runs a command until no allocation of it is left to fail; `written` is what it writes, if anything.
+    /// Repeats a command until each of its allocations has failed once; `written` is its output file, if any.
     void everyAllocation(const std::vector<std::string>& words, const std::string& written = "") {
         const Outcome whole = outcomeOf(words, -1);
         ASSERT_EQ(whole.code, 0) << whole.err;
@@ -78,17 +78,17 @@ protected:
             const Outcome outcome = outcomeOf(words, count);
             more = outcome.refused;
             const bool answered = outcome.out.find("[#error: \"") != std::string::npos;
-            const bool told = answered || (outcome.code != 0 && !outcome.err.empty());
+            const bool reported = answered || (outcome.code != 0 && !outcome.err.empty());
             const bool there = !written.empty() && fs::exists(written);
             SCOPED_TRACE("allocation " + std::to_string(count));
-            EXPECT_TRUE(told || outcome == whole) << outcome.code << outcome.out << outcome.err;
+            EXPECT_TRUE(reported || outcome == whole) << outcome.code << outcome.out << outcome.err;
             if (there) {
                 EXPECT_EQ(readPicture(written).pixels, pixels);
-                if (told) {
+                if (reported) {
                     EXPECT_TELLS(outcome.err, "written");
                 }
             } else if (!written.empty()) {
-                EXPECT_TRUE(told);
+                EXPECT_TRUE(reported);
             }
             ASSERT_EQ(files(), filesOfAll - (written.empty() || there ? 0 : 1));
         }
@@ -99,13 +99,13 @@ protected:
     test::ScratchFolder folder;
 };
 
-TEST_F(AllocationFaults, OfApplyLeaveAPictureOrTellWhyNot) {
+TEST_F(AllocationFaults, OfApplyLeaveAPictureOrReportWhyNot) {
     everyAllocation(
         {"apply", picture("in.pam"), "-o", at("out.pam"), "-j", "1", "--threads", "st", "invert(#RGB)"},
         at("out.pam"));
 }
 
-TEST_F(AllocationFaults, OfABatchAreTold) {
+TEST_F(AllocationFaults, OfABatchAreReported) {
     const std::vector<std::string> words = {
         "apply", picture("a.pam"), picture("b.pam"), picture("c.pam"), "-o", at("out"), "-j",
         "2",     "invert(#RGB)"};
@@ -122,7 +122,7 @@ TEST_F(AllocationFaults, OfABatchAreTold) {
     }
 }
 
-TEST_F(AllocationFaults, OfAScriptAreTold) {
+TEST_F(AllocationFaults, OfAScriptAreReported) {
     everyAllocation({"run", "--threads", "st",
                      text("script.ls",
                           "on main\n  x = new(xtra \"KRLImageXtra\")\n"
@@ -131,14 +131,14 @@ TEST_F(AllocationFaults, OfAScriptAreTold) {
                           "  put x.krlImageQuit()\n  a = [1, [#b: \"c\"], 2.5]\n  put a, a[2].b\nend\n")});
 }
 
-TEST_F(AllocationFaults, OfCommandsThatOnlyAnswerAreTold) {
+TEST_F(AllocationFaults, OfCommandsThatOnlyPrintAreReported) {
     everyAllocation({"list", "blur"});
     everyAllocation({"help", "vignette"});
     everyAllocation({"check", text("good.ls", "on main\n  put 1 + 2\nend\n")});
 }
 
-/// The heap frees in destructors, where nothing may fail.
-TEST(HeapFaults, ToFreeTakesNoMemory) {
+/// The heap frees objects in destructors, which must not fail.
+TEST(HeapFaults, FreeingNeedsNoMemory) {
     Heap heap(1 << 20);
     Value ring = heap.make<ListObject>();
     for (int i = 0; i < 100; ++i) {
@@ -162,7 +162,7 @@ TEST(HeapFaults, ToFreeTakesNoMemory) {
     EXPECT_EQ(heap.living(), 0);
 }
 
-TEST(HeapFaults, AListThatHoldsItselfGoesWithTheHeap) {
+TEST(HeapFaults, AListThatContainsItselfIsFreedWithTheHeap) {
     Heap heap(1 << 20);
     Value list = heap.make<ListObject>();
     for (int i = 0; i < 3; ++i) list.as<ListObject>()->items.push_back(list);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int32_t kWidth = 23, kHeight = 17;
 
-/// A picture in which every byte differs from its neighbours, with transparent places.
+/// A picture whose neighbouring bytes all differ, with some transparent pixels.
 Bitmap colourful(uint32_t seed) {
     Bitmap picture{kWidth, kHeight, {}, nullptr};
     for (int32_t i = 0; i < kWidth * kHeight; ++i) {
@@ -21,7 +21,7 @@ Bitmap colourful(uint32_t seed) {
     return picture;
 }
 
-/// Every method's example, straight from the catalogue and through the plug-in's door.
+/// Runs every method's example both directly through the catalogue and through the plug-in.
 class EitherWay : public testing::TestWithParam<const Method*> {
 protected:
     EitherWay() {

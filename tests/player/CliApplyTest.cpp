@@ -32,7 +32,7 @@ TEST_F(Apply, ChainsCallsInTheirOrder) {
     EXPECT_NE(readPicture(at("a.pam")).pixels, readPicture(at("b.pam")).pixels);
 }
 
-TEST_F(Apply, TakesArgumentsByNameAndFillsInWhatIsLeftOut) {
+TEST_F(Apply, AcceptsNamedArgumentsAndFillsInOmittedOnes) {
     const std::string in = picture("in.pam");
     const std::vector<std::string> ways = {"brightness(40, #RGB)",
                                            "brightness(40)",
@@ -57,7 +57,7 @@ TEST_F(Apply, PassesANewPictureOnToTheNextCall) {
     EXPECT_EQ(readPicture(at("out.pam")).height, 3);
 }
 
-TEST_F(Apply, LetsACallReadAnyPictureThatItNames) {
+TEST_F(Apply, LetsACallReadAnyPicture) {
     const std::string in = picture("in.pam"), over = at("over.pam");
     writePicture(over, noise(8, 6, 9));
     const CliResult done =
@@ -84,23 +84,23 @@ TEST_F(Apply, ReportsAWrongArgumentBeforeItReadsAPicture) {
         return done.err;
     };
     EXPECT_EQ(errorOf("krlImageBrightness(\"x\", #RGB)"),
-              "krlimage: brightness: brightnessInt: expected integer, -255 to 255, got \"x\"\n");
+              "krlimage: brightness: brightnessInt: expected an integer, got \"x\"\n");
     EXPECT_TELLS(errorOf("brightness(40, #Alhpa)"),
                  "colourOrAlpha: expected #RGB or #Alpha, got #Alhpa, did you mean #Alpha?");
     EXPECT_TELLS(errorOf("brightness(40, 5)"), "colourOrAlpha: expected #RGB or #Alpha, got 5");
     EXPECT_TELLS(errorOf("multiColourise([0: 5], 1.0)"),
-                 "colourValues: expected list of colours under numbers");
+                 "colourValues: expected a property list of colours by position");
     EXPECT_TELLS(errorOf("composite(3)"), "foreground: expected image, got 3");
 }
 
-TEST_F(Apply, WorksOutExpressionsOnce) {
+TEST_F(Apply, EvaluatesExpressionsOnce) {
     const std::string in = picture("in.pam");
     EXPECT_EQ(krlimage({"apply", in, "-o", at("a.pam"), "brightness(max(10, 2) * 4, #RGB)"}).code, 0);
     EXPECT_EQ(krlimage({"apply", in, "-o", at("b.pam"), "brightness(40, #RGB)"}).code, 0);
     EXPECT_EQ(readPicture(at("a.pam")).pixels, readPicture(at("b.pam")).pixels);
 }
 
-TEST_F(Apply, RefusesCallsThatCannotBeMeantBeforeItReadsAnything) {
+TEST_F(Apply, RejectsInvalidCallsBeforeReadingAnything) {
     const auto errorOf = [&](const std::string& call) {
         const CliResult done = krlimage({"apply", at("none.pam"), "-o", at("out.pam"), call});
         EXPECT_EQ(done.code, 1) << call;
@@ -110,14 +110,14 @@ TEST_F(Apply, RefusesCallsThatCannotBeMeantBeforeItReadsAnything) {
                  "there is no method krlImageBrigtness, did you mean brightness?");
     EXPECT_TELLS(errorOf("brightness(amount: 3)"), "brightness has no argument amount");
     EXPECT_TELLS(errorOf("brightness(brightnesInt: 3)"), "did you mean brightnessInt?");
-    EXPECT_TELLS(errorOf("brightness(40, brightnessInt: 3)"), "brightness is given brightnessInt twice");
+    EXPECT_TELLS(errorOf("brightness(40, brightnessInt: 3)"), "brightness: brightnessInt is given twice");
     EXPECT_TELLS(errorOf("brightness(40, #RGB, 5)"), "takes 2 arguments, 3 were given");
     EXPECT_TELLS(errorOf("quit()"), "quit cannot be used here: apply manages the engine and the picture");
     EXPECT_TELLS(errorOf("reinterlace()"), "reinterlace needs imageOne");
     EXPECT_TELLS(errorOf("brightness(40"), "brightness(40");
 }
 
-/// Longer than a file's name can be, and than a whole path.
+/// Calls longer than a file name, and longer than a path.
 TEST_F(Apply, RunsCallsOfAnyLength) {
     const std::string in = picture("in.pam");
     const auto facts = nlohmann::json::parse(krlimage({"help", "lensFlare", "--json"}).out);
@@ -131,7 +131,7 @@ TEST_F(Apply, RunsCallsOfAnyLength) {
     EXPECT_NE(readPicture(at("out.pam")).pixels, readPicture(in).pixels);
 }
 
-TEST_F(Apply, SaysInOneLineThatANameIsTooLong) {
+TEST_F(Apply, ReportsATooLongNameInOneLine) {
     const std::string in = picture("in.pam"), name(300, 'n');
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"apply", name + ".pam", "-o", at("out.pam"), "invert(#RGB)"},
@@ -146,7 +146,7 @@ TEST_F(Apply, SaysInOneLineThatANameIsTooLong) {
     EXPECT_TELLS(krlimage({"apply", name, "-o", at("out.pam")}).err, "there is no picture, folder or method");
 }
 
-TEST_F(Apply, TakesAMethodWithBracketsForACallWhateverFilesThereAre) {
+TEST_F(Apply, TreatsAMethodWithParenthesesAsACallWhateverFilesExist) {
     const std::string in = picture("in.pam");
     const std::filesystem::path before = std::filesystem::current_path();
     std::filesystem::current_path(folder);
@@ -156,7 +156,7 @@ TEST_F(Apply, TakesAMethodWithBracketsForACallWhateverFilesThereAre) {
     EXPECT_EQ(done.code, 0) << done.err;
 }
 
-TEST_F(Apply, ReadsAFolderIntoAnother) {
+TEST_F(Apply, ProcessesAFolderIntoAnother) {
     std::filesystem::create_directories(folder / "in");
     for (const char* name : {"in/a.pam", "in/b.pam", "in/c.pam"}) picture(name);
     text("in/notes.txt", "no picture");
@@ -168,7 +168,7 @@ TEST_F(Apply, ReadsAFolderIntoAnother) {
     EXPECT_EQ(files(), 7u);
 }
 
-TEST_F(Apply, GoesOnPastABrokenPictureAndNamesItAtTheEnd) {
+TEST_F(Apply, ContinuesAfterABrokenPictureAndListsItAtTheEnd) {
     std::vector<std::string> words = {"apply"};
     for (int i = 0; i < 200; ++i) words.push_back(picture("p" + std::to_string(i) + ".pam", 4, 3));
     text("p77.pam", "P7\nWIDTH 4\n");
@@ -194,7 +194,7 @@ TEST_F(Apply, GivesTheSameBytesForAnyNumberOfJobs) {
     }
 }
 
-TEST_F(Apply, RefusesTwoPicturesForOnePlace) {
+TEST_F(Apply, RejectsTwoPicturesForOneOutput) {
     std::filesystem::create_directories(folder / "x");
     const CliResult done =
         krlimage({"apply", picture("a.pam"), picture("x/a.pam"), "-o", at("out"), "invert(#RGB)"});
@@ -202,7 +202,7 @@ TEST_F(Apply, RefusesTwoPicturesForOnePlace) {
     EXPECT_TELLS(done.err, "would both be written to");
 }
 
-TEST_F(Apply, LeavesAnOlderPictureWholeWhenACallFails) {
+TEST_F(Apply, LeavesAnExistingPictureIntactWhenACallFails) {
     const std::string in = picture("in.pam"), out = picture("out.pam", 3, 3);
     const std::string before = contentOf(out);
     EXPECT_EQ(krlimage({"apply", in, "-o", out, "brightness(\"x\")"}).code, 1);
@@ -211,37 +211,36 @@ TEST_F(Apply, LeavesAnOlderPictureWholeWhenACallFails) {
     EXPECT_EQ(files(), 2u);
 }
 
-TEST_F(Apply, TellsMissingPicturesInOneLine) {
+TEST_F(Apply, ReportsMissingPicturesInOneLine) {
     const CliResult done = krlimage({"apply", at("none.pam"), "-o", at("out.pam"), "invert(#RGB)"});
     EXPECT_EQ(done.code, 1);
     EXPECT_EQ(countOf(done.err, "\n"), 1u) << done.err;
     EXPECT_TELLS(done.err, "none.pam: No such file");
 }
 
-TEST_F(Apply, TakesALoneNameThatNothingHasForAMethodMisspelled) {
+TEST_F(Apply, SuggestsAMethodForAnUnknownSingleWord) {
     const CliResult done = krlimage({"apply", picture("in.pam"), "-o", at("out.pam"), "sepai"});
     EXPECT_EQ(done.code, 1);
     EXPECT_EQ(done.err, "krlimage: there is no picture, folder or method \"sepai\", did you mean sepia?\n");
     EXPECT_EQ(files(), 1u);
 }
 
-TEST_F(Apply, TellsOfASymbolThatLacksItsMark) {
+TEST_F(Apply, SuggestsTheSymbolForANameWithoutItsMark) {
     const CliResult done = krlimage({"apply", picture("in.pam"), "-o", at("out.pam"), "brightness(4, RGB)"});
     EXPECT_EQ(done.code, 1);
-    EXPECT_TELLS(
-        done.err,
-        "colourOrAlpha: expected #RGB or #Alpha, got RGB, a name without a value, did you mean #RGB?");
+    EXPECT_TELLS(done.err,
+                 "colourOrAlpha: expected #RGB or #Alpha, got the undefined name RGB, did you mean #RGB?");
 }
 
-TEST_F(Apply, MakesNoFolderThatIsNamedAsAPicture) {
+TEST_F(Apply, CreatesNoFolderNamedLikeAPicture) {
     const CliResult done =
         krlimage({"apply", picture("a.pam"), picture("b.pam"), "-o", at("out.pam"), "invert(#RGB)"});
     EXPECT_EQ(done.code, 2);
-    EXPECT_TELLS(done.err, "out.pam names a picture, and several pictures need a folder");
+    EXPECT_TELLS(done.err, "out.pam names a picture, but several pictures need a folder");
     EXPECT_FALSE(std::filesystem::exists(at("out.pam")));
 }
 
-TEST_F(Apply, TellsResultsAsJson) {
+TEST_F(Apply, PrintsResultsAsJson) {
     const CliResult done = krlimage({"apply", picture("in.pam"), "-o", at("out.pam"), "--json",
                                      "brightness(40)", "composite(image(1, 1, 32), #normal)"});
     EXPECT_EQ(done.code, 1);
@@ -255,7 +254,7 @@ TEST_F(Apply, TellsResultsAsJson) {
     EXPECT_NE(json[0]["calls"][1]["error"], "");
 }
 
-TEST_F(Apply, TellsNamesThatAreNoUtf8AsJsonToo) {
+TEST_F(Apply, PrintsNamesThatAreNotUtf8AsJson) {
     const CliResult done =
         krlimage({"apply", picture("caf\xE9.pam"), "-o", at("out.pam"), "--json", "invert(#RGB)"});
     EXPECT_EQ(done.code, 0) << done.err;
@@ -279,16 +278,16 @@ TEST_F(Apply, PrintsAChainAsAScriptThatDoesTheSame) {
     EXPECT_EQ(contentOf(at("script.pam")), contentOf(at("apply.pam")));
 }
 
-TEST_F(Apply, ChangesTheFormatOfWhatItWrites) {
-    if (!isPictureName("x.png")) GTEST_SKIP() << "a build of PAM alone";
+TEST_F(Apply, ConvertsToAnotherFormat) {
+    if (!isPictureName("x.png")) GTEST_SKIP() << "this build supports only PAM";
     const std::string in = picture("in.pam");
     ASSERT_EQ(krlimage({"apply", in, "-o", at("out") + "/", "--format", "png", "invert(#RGB)"}).code, 0);
     EXPECT_EQ(readPicture(at("out/in.png")).width, 8);
     EXPECT_EQ(krlimage({"apply", in, "-o", at("x.gif"), "invert(#RGB)"}).code, 1);
 }
 
-/// What was asked for is what is written; a format changes the names that a folder's pictures get.
-TEST_F(Apply, WritesTheVeryNameThatItIsGiven) {
+/// A given output name is used as it is; a format changes the names of pictures written to a folder.
+TEST_F(Apply, WritesToExactlyTheGivenName) {
     const std::string in = picture("in.pam");
     for (const char* name : {"v1.2", "plain", "out.txt"}) {
         const CliResult done = krlimage({"apply", in, "-o", at(name), "--format", "pam", "invert(#RGB)"});
@@ -304,7 +303,7 @@ TEST_F(Apply, WritesTheVeryNameThatItIsGiven) {
     EXPECT_EQ(files(), 6u);
 }
 
-TEST_F(Apply, EndsTheNamesInAFolderByTheFormat) {
+TEST_F(Apply, NamesPicturesInAFolderByTheFormat) {
     for (const char* name : {"v1.2", "a.gif", "b.PAM", "c"}) {
         picture("in.pam");
         std::filesystem::rename(at("in.pam"), at(name));
@@ -317,7 +316,7 @@ TEST_F(Apply, EndsTheNamesInAFolderByTheFormat) {
 }
 
 #if !defined(_WIN32)
-/// As `-o /dev/stdout` in a shell, which may have named any file for it.
+/// For example `-o /dev/stdout`, which the shell may have redirected to any file.
 TEST_F(Apply, WritesIntoAnOpenFileOrADevice) {
     const std::string in = picture("in.pam");
     ASSERT_EQ(krlimage({"apply", in, "-o", at("whole.pam"), "invert(#RGB)"}).code, 0);
@@ -346,12 +345,13 @@ TEST_F(Apply, WritesIntoAnOpenFileOrADevice) {
     const CliResult full = krlimage({"apply", in, "-o", "/dev/full", "--format", "pam", "invert(#RGB)"});
     EXPECT_EQ(full.code, 1);
     EXPECT_TELLS(full.err, "cannot write /dev/full: No space left on device");
-    EXPECT_TRUE(std::filesystem::is_character_file("/dev/full")) << "it is written into, not replaced";
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"))
+        << "the device must be written to, not replaced";
     EXPECT_EQ(files(), 4u);
 }
 #endif
 
-TEST_F(Apply, DrawsItsProgressOnATerminalAlone) {
+TEST_F(Apply, DrawsItsProgressOnlyOnATerminal) {
     std::filesystem::create_directories(folder / "in");
     picture("in/a.pam");
     picture("in/b.pam");

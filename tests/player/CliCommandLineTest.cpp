@@ -12,7 +12,7 @@
 namespace krl::player {
 namespace {
 
-TEST(CommandLine, AnswersNonsenseWithItsUsageAndTwo) {
+TEST(CommandLine, PrintsUsageAndReturnsTwoForInvalidUsage) {
     using Words = std::vector<std::string>;
     for (const Words& words :
          {Words{}, Words{"grade"}, Words{"--louder"}, Words{"run"}, Words{"apply"},
@@ -33,7 +33,7 @@ TEST(CommandLine, NamesTheNearestCommand) {
     EXPECT_TELLS(krlimage({"galery", "a.png"}).err, "there is no command galery, did you mean gallery?");
 }
 
-TEST(CommandLine, TellsItsVersionAndHelp) {
+TEST(CommandLine, PrintsItsVersionAndHelp) {
     EXPECT_EQ(krlimage({"--version"}).out, "krlimage 2.0.24\n");
     for (const char* command :
          {"run", "apply", "list", "help", "gallery", "check", "docs", "completions", "man"}) {
@@ -55,7 +55,7 @@ TEST_F(Scripts, GetTheirArgumentsAndPrintToStandardOutput) {
     EXPECT_EQ(done.out, "-- [\"one\", \"two\"]\n-- \"two!\"\n");
 }
 
-TEST_F(Scripts, TellTheirErrorsWithPlaceLineAndCaret) {
+TEST_F(Scripts, ReportErrorsWithPositionLineAndCaret) {
     const CliResult done = krlimage({"run", text("bad.ls", "on main\n  if 1 put 2\nend\n")});
     EXPECT_EQ(done.code, 1);
     EXPECT_EQ(done.out, "");
@@ -65,27 +65,27 @@ TEST_F(Scripts, TellTheirErrorsWithPlaceLineAndCaret) {
     EXPECT_EQ(krlimage({"run", at("none.ls")}).code, 1);
 }
 
-TEST_F(Scripts, FindTheFolderThatTheySaveInMadeForThem) {
+TEST_F(Scripts, SaveInAFolderThatIsCreatedForThem) {
     const std::string script = text("a.ls", "on main\n put 1\n image(2, 2, 32).save(\"a.pam\")\nend\n");
     const CliResult done = krlimage({"run", script, "-o", at("new/out")});
     EXPECT_EQ(done.code, 0) << done.err;
     EXPECT_EQ(readPicture(at("new/out/a.pam")).width, 2);
     const CliResult refused = krlimage({"run", script, "-o", at("a.ls/out")});
     EXPECT_EQ(refused.code, 1);
-    EXPECT_EQ(refused.out, "") << "told before the work";
-    EXPECT_EQ(refused.err, "krlimage: cannot make the folder " + at("a.ls/out") + ": Not a directory\n");
+    EXPECT_EQ(refused.out, "") << "must fail before the script runs";
+    EXPECT_EQ(refused.err, "krlimage: cannot create the folder " + at("a.ls/out") + ": Not a directory\n");
 }
 
-TEST(Jobs, WorkOnEveryItemOnce) {
+TEST(Jobs, ProcessEveryItemOnce) {
     for (const unsigned jobs : {0u, 1u, 2u, 7u}) {
         std::vector<int> worked(50);
         workSideBySide(worked.size(), jobs, [&]() -> Worker { return [&](size_t i) { ++worked[i]; }; });
         EXPECT_EQ(std::count(worked.begin(), worked.end(), 1), 50);
     }
-    workSideBySide(0, 4, []() -> Worker { throw std::runtime_error("no worker is wanted"); });
+    workSideBySide(0, 4, []() -> Worker { throw std::runtime_error("no worker must be created"); });
 }
 
-TEST(Jobs, AreDoneByAsManyThreadsAsThereAre) {
+TEST(Jobs, RunOnAsManyThreadsAsTheSystemGrants) {
     faults().threads = 1;
     std::atomic<int> workers = 0;
     std::vector<std::atomic<int>> worked(50);
@@ -98,7 +98,7 @@ TEST(Jobs, AreDoneByAsManyThreadsAsThereAre) {
     EXPECT_LE(workers, 2);
 }
 
-TEST(Jobs, EndWithWhatAWorkerThrows) {
+TEST(Jobs, RethrowTheExceptionOfAWorker) {
     EXPECT_THROW(workSideBySide(20, 3,
                                 []() -> Worker {
                                     return [](size_t i) {
@@ -108,7 +108,7 @@ TEST(Jobs, EndWithWhatAWorkerThrows) {
                  CommandError);
 }
 
-TEST(Progress, TellsHowFarAndHowLong) {
+TEST(Progress, ShowsCountRateAndRemainingTime) {
     const std::string half = ProgressBar::lineFor(50, 100, 10, "pictures");
     EXPECT_TELLS(half, "50 of 100 pictures, 5.0/s, 0:10 left");
     EXPECT_EQ(countOf(half, "█"), 15u);
@@ -117,7 +117,7 @@ TEST(Progress, TellsHowFarAndHowLong) {
     EXPECT_EQ(ProgressBar::lineFor(0, 10, 0, "effects").find("left"), std::string::npos);
 }
 
-TEST(Names, NearTheWantedOneAreSuggested) {
+TEST(Names, SimilarToTheGivenOneAreSuggested) {
     const std::vector<std::string> names = {"brightness", "contrast", "invert"};
     EXPECT_EQ(nearestName("brigthness", names), "brightness");
     EXPECT_EQ(nearestName("CONTRST", names), "contrast");
@@ -128,7 +128,7 @@ TEST(Names, NearTheWantedOneAreSuggested) {
     EXPECT_EQ(didYouMean("zzz", names), "");
 }
 
-TEST(Words, AreTakenForCallsOrPictures) {
+TEST(Words, AreRecognisedAsCallsOrPictures) {
     for (const char* call :
          {"brightness(40)", "brightness (40)", "Invert", "krlImageInvert", "unknown(1)", "f()"})
         EXPECT_TRUE(looksLikeCall(call)) << call;
@@ -169,14 +169,14 @@ TEST_F(Shells, CompleteCommandsOptionsMethodsAndValues) {
     EXPECT_EQ(completed("completions z", 2), "zsh\n");
 }
 
-TEST_F(Shells, CompleteForZshToo) {
+TEST_F(Shells, AlsoCompleteInZsh) {
     const std::string script = krlimage({"completions", "zsh"}).out;
     EXPECT_EQ(script.rfind("#compdef krlimage\n", 0), 0u);
     for (const char* part : {"'apply:", "'--quality[", ":mt|st:(mt st)", "brightness"})
         EXPECT_TELLS(script, part);
 }
 
-TEST(Manual, TellsEveryCommandAndEscapesWhatTheFormatterTakes) {
+TEST(Manual, DescribesEveryCommandAndEscapesRoff) {
     const std::string page = krlimage({"man"}).out;
     for (const char* command : {"run", "apply", "list", "help", "gallery", "check", "docs", "completions"})
         EXPECT_TELLS(page, std::string("krlimage ") + command);

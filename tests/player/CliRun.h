@@ -12,7 +12,7 @@
 
 namespace krl::player {
 
-/// What a command line came to.
+/// The outcome of a command line.
 struct CliResult {
     int code = 0;
     std::string out, err;
@@ -24,7 +24,7 @@ inline CliResult krlimage(const std::vector<std::string>& words, bool live = fal
     return {code, out.str(), err.str()};
 }
 
-/// A folder of the test's own with what the command line works on; gone at the end.
+/// A temporary folder with the files of a test, removed at the end.
 class CliTest : public testing::Test {
 protected:
     CliTest() {
@@ -38,7 +38,7 @@ protected:
 
     std::string at(const std::string& name) const { return (folder / name).string(); }
 
-    /// A picture of noise with changing alpha.
+    /// A picture of noise with varying alpha.
     static Bitmap noise(int32_t width, int32_t height, uint32_t seed = 5) {
         Bitmap picture{width, height, std::vector<Pixel>(size_t(width) * size_t(height)), nullptr};
         Random random(seed);

@@ -11,7 +11,7 @@ namespace {
 
 using namespace host;
 
-/// A host and its services, asked for as a plug-in asks.
+/// A host and its services, obtained as a plug-in obtains them.
 class EmbeddedHostTest : public testing::Test {
 protected:
     HostInterface* service(const Identifier& id) {
@@ -53,7 +53,7 @@ TEST_F(EmbeddedHostTest, SymbolsFoldCaseAndKeepTheFirstSpelling) {
     EXPECT_NE(values::SymbolToValue::call(conversions, 12345, &value), kHostOk);
 }
 
-TEST_F(EmbeddedHostTest, TakesAnIntegerForAFloatAndNothingElse) {
+TEST_F(EmbeddedHostTest, ConvertsAnIntegerToAFloatAndNothingElse) {
     HostInterface* conversions = service(ids::kValues);
     const Value whole = Value::integer(7), real = embedded.heap.number(2.5), text = embedded.heap.string("7");
     double number = 0;
@@ -86,7 +86,7 @@ TEST_F(EmbeddedHostTest, PointsHaveTheirRowFirst) {
     EXPECT_NE(values::ValueToPoint::call(conversions, &broken.words(), &read), kHostOk);
 }
 
-TEST_F(EmbeddedHostTest, ColoursGoBothWays) {
+TEST_F(EmbeddedHostTest, ColoursConvertBothWays) {
     HostInterface* conversions = service(ids::kColours);
     const ColourRecord written{10, 20, 30, 1};
     ScriptValue value;
@@ -113,10 +113,10 @@ TEST_F(EmbeddedHostTest, AStaleHandleIsRefusedEverywhere) {
         ScriptValue given = gone;
         EXPECT_EQ(values::ReleaseValue::call(conversions, &given), kHostOk);
         given = gone;
-        EXPECT_NE(values::ReleaseValue::call(conversions, &given), kHostOk) << "given back twice";
+        EXPECT_NE(values::ReleaseValue::call(conversions, &given), kHostOk) << "released twice";
     }
     EXPECT_EQ(embedded.heap.living(), 0);
-    // Whatever takes their slots now is something else.
+    // Other values now use their slots.
     const Value successors[] = {embedded.heap.string("a"), embedded.heap.number(1),
                                 embedded.heap.make<ListObject>()};
     const ScriptValue key = Value::integer(1).release();
@@ -136,7 +136,7 @@ TEST_F(EmbeddedHostTest, AStaleHandleIsRefusedEverywhere) {
     EXPECT_NE(lists::AppendToList::call(listService, &holder.words(), &text), kHostOk);
 }
 
-TEST_F(EmbeddedHostTest, MadeUpHandlesAreRefused) {
+TEST_F(EmbeddedHostTest, InvalidHandlesAreRefused) {
     HostInterface* conversions = service(ids::kValues);
     double number = 0;
     for (int32_t kind = 0; kind < 256; ++kind)
@@ -204,21 +204,21 @@ TEST_F(EmbeddedHostTest, ALockKeepsAnImageAlive) {
     ScriptValue given = image;
     values::ReleaseValue::call(conversions, &given);
     EXPECT_EQ(embedded.heap.living(), 1);
-    lock.pixels[23] = 9;  // the last byte is still there
+    lock.pixels[23] = 9;  // the last byte is still valid
     EXPECT_EQ(images::UnlockImage::call(imageService, &image), kHostOk);
     EXPECT_EQ(embedded.heap.living(), 0);
     EXPECT_EQ(embedded.locks(), 0);
     EXPECT_NE(images::UnlockImage::call(imageService, &image), kHostOk);
 }
 
-TEST_F(EmbeddedHostTest, UnlockingWhatIsNotLockedTakesNoReference) {
+TEST_F(EmbeddedHostTest, UnlockingAnUnlockedImageReleasesNoReference) {
     HostInterface* imageService = service(ids::kImages);
     const Value image = makeImage(embedded.heap, 1, 1);
     EXPECT_NE(images::UnlockImage::call(imageService, &image.words()), kHostOk);
     EXPECT_EQ(embedded.heap.living(), 1);
 }
 
-TEST_F(EmbeddedHostTest, ImagesThatCannotBeAreRefused) {
+TEST_F(EmbeddedHostTest, ImagesOfInvalidSizeAreRefused) {
     HostInterface* imageService = service(ids::kImages);
     const std::pair<int32_t, int32_t> sizes[] = {
         {0, 5}, {5, 0}, {-1, -1}, {INT32_MAX, INT32_MAX}, {1 << 15, (1 << 14) + 1}, {5000, 5000}};
@@ -231,10 +231,10 @@ TEST_F(EmbeddedHostTest, ImagesThatCannotBeAreRefused) {
 }
 
 TEST_F(EmbeddedHostTest, PrintsFormattedMessages) {
-    std::string told;
-    embedded.onMessage = [&](std::string_view text) { told += text; };
+    std::string printed;
+    embedded.onMessage = [&](std::string_view text) { printed += text; };
     utils::PrintMessage::call(service(ids::kUtils), "Time taken (ms) = %d\n", 42);
-    EXPECT_EQ(told, "Time taken (ms) = 42\n");
+    EXPECT_EQ(printed, "Time taken (ms) = 42\n");
 }
 
 TEST_F(EmbeddedHostTest, CountsBlocks) {
@@ -246,7 +246,7 @@ TEST_F(EmbeddedHostTest, CountsBlocks) {
     EXPECT_EQ(embedded.blocks(), 0);
 }
 
-TEST(Heap, FreesWhatOnlyHoldsItself) {
+TEST(Heap, FreesUnreachableCycles) {
     Heap heap(1 << 20);
     {
         const Value a = heap.make<ListObject>(), b = heap.make<ListObject>();
@@ -302,7 +302,7 @@ TEST(Xtra, ReadsItsMethodsFromTheRegisteredTable) {
     EXPECT_EQ(host.references(), 0);
 }
 
-TEST(Xtra, IsRefusedByAHostThatItDoesNotKnow) {
+TEST(Xtra, RefusesAnUnknownHost) {
     for (const auto& [name, version] : {std::pair("Director", "5.5"), std::pair("Conductor", "10.1")}) {
         EmbeddedHost host(1 << 20);
         host.applicationName = name;
@@ -313,7 +313,7 @@ TEST(Xtra, IsRefusedByAHostThatItDoesNotKnow) {
     }
 }
 
-TEST(Xtra, InstancesComeAndGoWithTheirValues) {
+TEST(Xtra, InstancesLiveAsLongAsTheirValues) {
     EmbeddedHost host(1 << 20);
     Xtra xtra(host, builtInPlugIn());
     {
@@ -331,8 +331,8 @@ TEST(Xtra, InstancesComeAndGoWithTheirValues) {
     EXPECT_EQ(host.heap.living(), 0);
 }
 
-/// The instance that found no room goes again, which takes the lock that it was made under.
-TEST(Xtra, AnInstanceThatTheHeapHasNoRoomForIsRefused) {
+/// The instance is destroyed again, which takes the same lock as creating it.
+TEST(Xtra, AnInstanceBeyondTheHeapLimitIsRefused) {
     EmbeddedHost host(1 << 20);
     Xtra xtra(host, builtInPlugIn());
     {
@@ -365,7 +365,7 @@ TEST(Xtra, MissingArgumentsAreVoid) {
     EmbeddedHost host(1 << 20);
     Xtra xtra(host, builtInPlugIn());
     const Value instance = xtra.newInstance();
-    // Every method but the host's own `new`, with no argument at all.
+    // Every method except the host's `new`, without arguments.
     for (int32_t selector = 1; selector <= 112; ++selector) {
         const Value answer = xtra.call(instance, selector, {});
         EXPECT_TRUE(answer.is(Kind::PropertyList) || answer.is(Kind::Void) || answer.is(Kind::List))
@@ -373,7 +373,7 @@ TEST(Xtra, MissingArgumentsAreVoid) {
     }
 }
 
-TEST(PlugInLibrary, TellsWhatCannotBeLoaded) {
+TEST(PlugInLibrary, ReportsFilesThatCannotBeLoaded) {
     EXPECT_THROW(loadPlugIn("no such file.so"), HostError);
     EXPECT_THROW(loadPlugIn(std::filesystem::path(KRL_SOURCE_DIR) / "CMakeLists.txt"), HostError);
 }

@@ -6,11 +6,11 @@
 #include "player/lingo/Session.h"
 #include "support/ScratchFolder.h"
 
-/// What scripts are told when something is wrong: where, what was expected, what was meant.
+/// Script errors: the position, what was expected and suggestions.
 namespace krl::player {
 namespace {
 
-/// Runs a script of these lines and gives what it printed; failures are thrown.
+/// Runs a script of these lines and returns its output; errors are thrown.
 class Script {
 public:
     explicit Script(const std::string& text) {
@@ -23,7 +23,7 @@ public:
         session.run(folder_.path() / "script.ls", {});
         return printed.str();
     }
-    /// Line, column and message of the failure.
+    /// Line, column and message of the error.
     std::string failure() {
         try {
             run();
@@ -43,10 +43,10 @@ private:
     test::ScratchFolder folder_;
 };
 
-/// The failure of a `main` with these lines, the first being line 2.
+/// The error of a `main` with these lines, which start at line 2.
 std::string failureOf(const std::string& lines) { return Script("on main\n" + lines + "\nend\n").failure(); }
 
-TEST(LingoErrors, TextThatCannotBeParsed) {
+TEST(LingoErrors, SyntaxErrors) {
     EXPECT_EQ(failureOf("  if x = 1 put 2"), "2:12 expected \"then\" after the condition, not \"put\"");
     EXPECT_EQ(failureOf("  put (1 + 2"), "2:13 expected \")\" after the expression, not the end of the line");
     EXPECT_EQ(failureOf("  x = "), "2:7 expected an expression, not the end of the line");
@@ -68,20 +68,20 @@ TEST(LingoErrors, TextThatCannotBeParsed) {
     EXPECT_EQ(failureOf("  put 1 \\ 2"), "2:9 expected the end of the line after \"\\\", which continues it");
 }
 
-TEST(LingoErrors, StatementsThatWereMeant) {
+TEST(LingoErrors, MisspelledStatements) {
     EXPECT_EQ(failureOf("  retrun x y"),
               "2:12 expected \",\" or the end of the line, not \"y\", did you mean return?");
     EXPECT_EQ(Script("no main\nend\n").failure(),
               "1:1 expected a handler, which begins with \"on\", not \"no\", did you mean on?");
 }
 
-TEST(LingoErrors, TheCaretStandsUnderTheColumn) {
+TEST(LingoErrors, TheCaretIsUnderTheColumn) {
     Script script("on main\n\tput 1 +\nend\n");
     EXPECT_EQ(script.failure(), "2:9 expected an expression, not the end of the line");
     EXPECT_EQ(script.excerpt, "\tput 1 +\n\t       ^");
 }
 
-TEST(LingoErrors, OfAVeryLongLineTheExcerptShowsWhatIsAroundTheColumn) {
+TEST(LingoErrors, TheExcerptOfAVeryLongLineShowsThePartAroundTheColumn) {
     const std::string sum = "1 + ";
     std::string line = "put ";
     while (line.size() < 3000) line += sum;
@@ -96,7 +96,7 @@ TEST(LingoErrors, OfAVeryLongLineTheExcerptShowsWhatIsAroundTheColumn) {
     const ScriptError first("a.ls", {1, 1}, "wrong", whole);
     EXPECT_EQ(first.excerpt().substr(0, 7), "put 1 +");
     EXPECT_EQ(first.excerpt().substr(first.excerpt().size() - 2), "\n^");
-    // No letter is cut in two.
+    // No character is split.
     std::string umlauts;
     for (int i = 0; i < 400; ++i) umlauts += "\xC3\xA4";
     for (int column = 200; column < 204; ++column) {
@@ -123,7 +123,7 @@ TEST(LingoErrors, TheLineStartsWithFileLineAndColumn) {
     EXPECT_EQ(out.str(), "--\n");
 }
 
-TEST(LingoErrors, NamesThatWereMeant) {
+TEST(LingoErrors, MisspelledNames) {
     EXPECT_EQ(failureOf("  total = 1\n  put totl"),
               "3:7 the variable \"totl\" has no value yet, did you mean total?");
     EXPECT_EQ(failureOf("  put lenght(\"x\")"),
@@ -141,7 +141,7 @@ TEST(LingoErrors, NamesThatWereMeant) {
               "2:3 there is no handler or function \"helo\", did you mean hello?");
 }
 
-TEST(LingoErrors, WrongKindsOfValues) {
+TEST(LingoErrors, WrongTypesOfValues) {
     EXPECT_EQ(failureOf("  put 1 / 0"), "2:9 an integer cannot be divided by zero");
     EXPECT_EQ(failureOf("  put 1 mod 0"), "2:9 an integer cannot be divided by zero");
     EXPECT_EQ(failureOf("  put 1 + #a"),
@@ -192,7 +192,7 @@ TEST(LingoErrors, RecursionIsBounded) {
     EXPECT_NE(Script(deep).failure().find("nested too deeply"), std::string::npos);
 }
 
-/// Handlers, expressions and blocks that are each within bounds and together are not.
+/// Handlers, expressions and blocks that are each within their limits but not together.
 TEST(LingoErrors, TheStackIsBounded) {
     const auto repeated = [](int times, const std::string& text) {
         std::string all;
@@ -205,30 +205,31 @@ TEST(LingoErrors, TheStackIsBounded) {
         repeated(90, "if 1 then\n") + "return deep(n - 1)\n" + repeated(90, "end if\n"),
     };
     for (const std::string& body : bodies) {
-        const std::string told =
+        const std::string message =
             Script("on main\n  deep(1000)\nend\non deep n\n" + body + "\nend\n").failure();
-        EXPECT_NE(told.find("the calls and expressions are nested too deeply"), std::string::npos) << told;
+        EXPECT_NE(message.find("the calls and expressions are nested too deeply"), std::string::npos)
+            << message;
     }
 }
 
 TEST(LingoErrors, DeepButAllowedScriptsRun) {
     std::string inner = "1";
     for (int i = 0; i < 200; ++i) inner = "(" + inner + ")";
-    // Each of the allowed handlers evaluates as deep as there is room for.
+    // Each of the allowed handlers evaluates an expression of the greatest allowed depth.
     Script script("on main\n  put deep(390)\nend\non deep n\n  if n = 0 then return " + inner +
                   "\n  return deep(n - 1) + 1\nend\n");
     EXPECT_EQ(script.failure(), "no failure");
     EXPECT_EQ(script.printed.str(), "-- 391\n");
 }
 
-TEST(LingoErrors, ListsThatHoldThemselvesEndInAMessage) {
+TEST(LingoErrors, ListsThatContainThemselvesEndInAMessage) {
     EXPECT_EQ(failureOf("  l = []\n  l.add(l)\n  put l"), "4:3 the list to show is nested too deeply");
     EXPECT_EQ(failureOf("  l = []\n  l.add(l)\n  m = []\n  m.add(m)\n  put l = m"),
               "6:9 the lists to compare are nested too deeply");
     EXPECT_EQ(failureOf("  l = []\n  l.add(l)\n  m = l.duplicate()"),
               "4:9 duplicate: the list is nested too deeply");
     EXPECT_EQ(failureOf("  l = [1]\n  l.add(l)\n  l = l + 1"),
-              "4:9 the lists to calculate with are nested too deeply");
+              "4:9 the lists in this calculation are nested too deeply");
 }
 
 TEST(LingoErrors, MemoryIsBounded) {
@@ -260,7 +261,7 @@ TEST(LingoErrors, AFailedScriptLeavesNothingBehind) {
     EXPECT_EQ(session.close().text(), "nothing");
 }
 
-TEST(LingoErrors, ScriptsThatAreNotThere) {
+TEST(LingoErrors, MissingScripts) {
     Session session({});
     EXPECT_THROW(session.run("no such script.ls", {}), ScriptError);
     EXPECT_EQ(Script("").failure().substr(0, 4), "0:0 ");

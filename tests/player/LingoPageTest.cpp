@@ -7,7 +7,7 @@
 
 #include "player/lingo/Runtime.h"
 
-/// The page about the language tells all that there is.
+/// The page about the language is complete.
 namespace krl::player {
 namespace {
 
@@ -24,12 +24,12 @@ std::set<std::string> wordsOf(const char* file) {
 }
 
 TEST(LingoPage, NamesEveryFunctionAndProperty) {
-    const std::set<std::string> told = wordsOf(KRL_SOURCE_DIR "/docs/lingo.md");
+    const std::set<std::string> documented = wordsOf(KRL_SOURCE_DIR "/docs/lingo.md");
     for (const auto& family :
          {mathBuiltins(), textBuiltins(), listBuiltins(), shapeBuiltins(), imageBuiltins(), systemBuiltins()})
-        for (const Builtin& entry : family) EXPECT_EQ(told.count(entry.name), 1u) << entry.name;
+        for (const Builtin& entry : family) EXPECT_EQ(documented.count(entry.name), 1u) << entry.name;
     for (const auto& family : {objectProperties(), systemProperties()})
-        for (const PropertyEntry& entry : family) EXPECT_EQ(told.count(entry.name), 1u) << entry.name;
+        for (const PropertyEntry& entry : family) EXPECT_EQ(documented.count(entry.name), 1u) << entry.name;
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ std::unique_ptr<Script> parsed(const std::string& text, SymbolTable& symbols) {
     return parseScript(std::make_shared<Source>(Source{"test.ls", text}), symbols);
 }
 
-/// The one handler of a script of these lines.
+/// The only handler of a script of these lines.
 class Parsing : public testing::Test {
 protected:
     const Handler& handler(const std::string& lines) {
@@ -27,7 +27,7 @@ protected:
     std::unique_ptr<Script> script;
 };
 
-TEST_F(Parsing, AnElseBelongsToTheIfThatItIsNotIndentedLessThan) {
+TEST_F(Parsing, AnElseBelongsToTheIfByIndentation) {
     const Handler& outer = handler("  if a then\n    if b then c()\n  else\n    d()\n  end if");
     const auto& first = static_cast<const IfStatement&>(*outer.body.front());
     EXPECT_EQ(first.otherwise.size(), 1u);
@@ -37,7 +37,7 @@ TEST_F(Parsing, AnElseBelongsToTheIfThatItIsNotIndentedLessThan) {
     EXPECT_EQ(static_cast<const IfStatement&>(*second.branches[0].body[0]).otherwise.size(), 1u);
 }
 
-TEST_F(Parsing, WordsOfTheLanguageAreNamesOfVariablesToo) {
+TEST_F(Parsing, KeywordsCanNameVariables) {
     const Handler& made =
         handler("  line = 1\n  word = line + 2\n  put item\n  char.x = 5\n  to2 = word - 1");
     EXPECT_EQ(made.locals.size(), 5u);
@@ -45,7 +45,7 @@ TEST_F(Parsing, WordsOfTheLanguageAreNamesOfVariablesToo) {
         EXPECT_TRUE(statement->kind == StatementKind::Assign || statement->kind == StatementKind::Put);
 }
 
-TEST_F(Parsing, VariablesKnowWhoseTheyAre) {
+TEST_F(Parsing, VariablesHaveTheRightScope) {
     script = parsed(
         "global g\nproperty p\non main g2, p\n  global later\n  g = p + q + later\nend\non other\n  p = 1\n  "
         "later = 2\nend\n",
@@ -64,8 +64,8 @@ TEST_F(Parsing, VariablesKnowWhoseTheyAre) {
         << "declared in another handler alone";
 }
 
-/// As each editor of its time stored it.
-TEST_F(Parsing, OlderScriptsContinueALineWithTheSignForNot) {
+/// In every encoding used by older editors.
+TEST_F(Parsing, OlderScriptsContinueALineWithTheNotSign) {
     for (const char* mark : {"\\", "\xC2\xAC", "\xAC", "\xC2"})
         for (const char* end : {"\n", "\r\n", "  \r", " -- why\n"}) {
             const Handler& made = handler(std::string("  x = 1 + ") + mark + end + "  2");
@@ -74,7 +74,7 @@ TEST_F(Parsing, OlderScriptsContinueALineWithTheSignForNot) {
     EXPECT_THROW(handler("  x = 1 \xC2\xAC + 2"), ScriptError);
 }
 
-TEST_F(Parsing, BlanksThatDoNotBreakAreBlanks) {
+TEST_F(Parsing, NoBreakSpacesAreSpaces) {
     EXPECT_EQ(handler("\xC2\xA0 x\xC2\xA0= 1\xC2\xA0").body.size(), 1u);
 }
 
@@ -93,8 +93,8 @@ TEST_F(Parsing, LineEndsOfEveryKindCountOnce) {
     }
 }
 
-/// On lines of their own and on one line alike: the stack has an end.
-TEST_F(Parsing, StatementsWithinEachOtherAreLimited) {
+/// On separate lines and on a single line alike, since the stack is limited.
+TEST_F(Parsing, NestingOfStatementsIsLimited) {
     const auto nested = [](int times, const std::string& open, const std::string& close) {
         std::string lines;
         for (int i = 0; i < times; ++i) lines += open;
@@ -121,15 +121,15 @@ TEST_F(Parsing, StatementsWithinEachOtherAreLimited) {
             EXPECT_LT(error.excerpt().size(), 500u) << open;
         }
     }
-    EXPECT_NO_THROW(handler(nested(20000, "if a then b() else ", ""))) << "one after another, not within";
+    EXPECT_NO_THROW(handler(nested(20000, "if a then b() else ", ""))) << "consecutive, not nested";
 }
 
-TEST_F(Parsing, AMarkThatBeginsUtf8IsPassedOver) {
+TEST_F(Parsing, AByteOrderMarkIsSkipped) {
     EXPECT_EQ(parsed("\xEF\xBB\xBFon main\nend", symbols)->handlers.size(), 1u);
 }
 
-/// Cut off anywhere, a script is parsed or told what is missing.
-TEST_F(Parsing, EveryBeginningOfAScriptIsAnswered) {
+/// A script truncated anywhere is parsed or ends in a syntax error.
+TEST_F(Parsing, EveryPrefixOfAScriptIsHandled) {
     int refused = 0, scripts = 0;
     for (const auto& entry : fs::directory_iterator(fs::path(KRL_SOURCE_DIR) / "tests" / "scripts")) {
         if (entry.path().extension() != ".ls") continue;

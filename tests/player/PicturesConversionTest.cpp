@@ -43,7 +43,7 @@ std::string floatTiff(int channels, const std::vector<float>& samples) {
     const bool alpha = channels % 2 == 0;
     const int entries = 11 + alpha, size = static_cast<int>(samples.size()) * 4;
     const int formatsAt = 8 + 2 + entries * 12 + 4, bitsAt = formatsAt + 2 * 4, pixelsAt = bitsAt + 2 * 4;
-    // Up to two short values stand in the entry itself: all are the same, so one word holds them.
+    // Up to two short values are stored in the entry itself: all are equal, so one word holds them.
     const auto each = [&](int tag, int value, int place) {
         if (channels > 2) return entry(tag, 3, channels, place);
         return bytes({tag & 255, tag >> 8, 3, 0, channels, 0, 0, 0, value, 0, value, 0});
@@ -58,8 +58,8 @@ std::string floatTiff(int channels, const std::vector<float>& samples) {
     return file.append(reinterpret_cast<const char*>(samples.data()), size_t(size));
 }
 
-/// Linear 0.2158605 is the level 128 of a screen.
-TEST_F(Conversion, TakesFloatsForLinearLightAndOneForOpaque) {
+/// Linear 0.2158605 is level 128 in sRGB.
+TEST_F(Conversion, TreatsFloatsAsLinearLightAndOneAsOpaque) {
     EXPECT_EQ(pixelsOf("rgb.tif", floatTiff(3, {0, 1, 0.2158605F, 2, -1, 1})),
               (std::vector<Pixel>{opaque(0, 255, 128), opaque(255, 0, 255)}));
     EXPECT_EQ(pixelsOf("rgba.tif", floatTiff(4, {1, 0, 0, 0.5F, 0, 0, 1, 1, 0, 1, 0, 0})),
@@ -70,7 +70,7 @@ TEST_F(Conversion, TakesFloatsForLinearLightAndOneForOpaque) {
               (std::vector<Pixel>{{255, 255, 255, 128}, {0, 0, 0, 255}}));
 }
 
-/// A TIFF of 3 by 1 pixels, red, green and blue, that is to be turned as EXIF orientation says.
+/// A TIFF of 3 by 1 pixels, red, green and blue, with an EXIF orientation.
 std::string turnedTiff(int orientation) {
     const auto entry = [](int tag, int type, int count, int value) {
         return bytes({tag & 255, tag >> 8, type, 0, count, 0, 0, 0, value & 255, value >> 8, 0, 0});
@@ -82,7 +82,7 @@ std::string turnedTiff(int orientation) {
            bytes({0, 0, 0, 0, 255, 0, 0, 0, 255, 0, 0, 0, 255, 0, 8, 0, 8, 0, 8, 0});
 }
 
-TEST_F(Conversion, TurnsAPictureAsItsOrientationSays) {
+TEST_F(Conversion, RotatesAPictureByItsOrientation) {
     const Pixel red = opaque(255, 0, 0), green = opaque(0, 255, 0), blue = opaque(0, 0, 255);
     EXPECT_EQ(pixelsOf("upright.tif", turnedTiff(1)), (std::vector<Pixel>{red, green, blue}));
     EXPECT_EQ(pixelsOf("mirrored.tif", turnedTiff(2)), (std::vector<Pixel>{blue, green, red}));
@@ -93,12 +93,12 @@ TEST_F(Conversion, TurnsAPictureAsItsOrientationSays) {
     EXPECT_EQ(readPicture(text("other.tif", turnedTiff(8))).pixels, (std::vector<Pixel>{blue, green, red}));
 }
 
-TEST_F(Conversion, DoesNotTurnAPictureTwice) {
+TEST_F(Conversion, DoesNotRotateAPictureTwice) {
     writePicture(at("again.tif"), readPicture(text("turned.tif", turnedTiff(6))));
     EXPECT_EQ(readPicture(at("again.tif")).height, 3);
 }
 
-TEST_F(Conversion, CarriesProfileAndResolutionThroughAChain) {
+TEST_F(Conversion, PreservesProfileAndResolutionThroughAChain) {
     auto metadata = std::make_shared<PictureMetadata>();
     for (int i = 0; i < 400; ++i) metadata->colourProfile.push_back(uint8_t(i * 7));
     metadata->pixelsPerMillimetreX = metadata->pixelsPerMillimetreY = 11.811;
@@ -113,7 +113,7 @@ TEST_F(Conversion, CarriesProfileAndResolutionThroughAChain) {
     EXPECT_EQ(out.pixels[5].alpha, in.pixels[5].alpha);
 }
 
-TEST_F(Conversion, TellsABrokenPictureInOneLine) {
+TEST_F(Conversion, ReportsABrokenPictureInOneLine) {
     writePicture(at("whole.png"), noise(64, 64));
     const std::string whole = contentOf(at("whole.png"));
     for (const size_t kept : {size_t{20}, whole.size() / 2}) {
@@ -126,7 +126,7 @@ TEST_F(Conversion, TellsABrokenPictureInOneLine) {
     }
 }
 
-TEST_F(Conversion, TellsOfEachBrokenPictureItsOwnReason) {
+TEST_F(Conversion, ReportsTheRightReasonForEachBrokenPicture) {
     std::filesystem::create_directories(folder / "in");
     for (const std::string extension : {".png", ".jpg"}) {
         writePicture(at("whole" + extension), noise(64, 64));

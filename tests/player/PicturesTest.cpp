@@ -23,7 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A folder of the test's own, gone at its end.
+/// A temporary folder, removed at the end of the test.
 class Pictures : public testing::Test {
 protected:
     Pictures() {
@@ -48,7 +48,7 @@ protected:
         std::ofstream(path, std::ios::binary) << text;
     }
 
-    /// What reading `path` fails with.
+    /// The error of reading `path`.
     std::string failureOf(const fs::path& path) {
         try {
             readPicture(path);
@@ -82,7 +82,7 @@ TEST_F(Pictures, KeepEveryByteThroughPngEvenUnderFullTransparency) {
     EXPECT_EQ(readPicture(folder / "a.png").pixels, picture.pixels);
 }
 
-TEST_F(Pictures, GoThroughEveryFormatWithTheirSize) {
+TEST_F(Pictures, KeepTheirSizeInEveryFormat) {
     for (const char* name : {"a.jpg", "b.tif", "c.webp", "d.png", "e.JPEG", "f[1].png"}) {
         Bitmap picture = noise(16, 9);
         for (Pixel& p : picture.pixels) p = {60, 120, 180, 255};
@@ -95,7 +95,7 @@ TEST_F(Pictures, GoThroughEveryFormatWithTheirSize) {
     }
 }
 
-TEST_F(Pictures, CarryTheColourProfileAlong) {
+TEST_F(Pictures, KeepTheirColourProfile) {
     auto metadata = std::make_shared<PictureMetadata>();
     metadata->pixelsPerMillimetreX = metadata->pixelsPerMillimetreY = 3.0;
     metadata->xmp = {'<', 'x', '/', '>'};
@@ -109,13 +109,13 @@ TEST_F(Pictures, CarryTheColourProfileAlong) {
 }
 #endif
 
-TEST_F(Pictures, AreToldByTheirContentNotTheirName) {
+TEST_F(Pictures, AreRecognisedByContentNotByName) {
     writePicture(folder / "a.pam", noise(3, 2));
     fs::rename(folder / "a.pam", folder / "a.png");
     EXPECT_EQ(readPicture(folder / "a.png").width, 3);
 }
 
-TEST_F(Pictures, SayWhyTheyCannotBeRead) {
+TEST_F(Pictures, ReportWhyTheyCannotBeRead) {
     EXPECT_NE(failureOf(folder / "none.png").find("No such file"), std::string::npos);
     EXPECT_NE(failureOf(folder).find("cannot read"), std::string::npos);
     writeText(folder / "words.png", "these are words and no picture at all");
@@ -131,7 +131,7 @@ TEST_F(Pictures, SayWhyTheyCannotBeRead) {
     EXPECT_NE(failureOf(folder / "odd.pam").find("WIDTH x"), std::string::npos);
 }
 
-TEST_F(Pictures, TooLargeForMemoryAreRefusedBeforeTheyTakeAny) {
+TEST_F(Pictures, TooLargeForMemoryAreRefusedBeforeAllocating) {
     writeText(folder / "huge.pam",
               "P7\nWIDTH 65536\nHEIGHT 65536\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n");
     EXPECT_NE(failureOf(folder / "huge.pam").find("too large"), std::string::npos);
@@ -140,7 +140,7 @@ TEST_F(Pictures, TooLargeForMemoryAreRefusedBeforeTheyTakeAny) {
     EXPECT_THROW(requirePictureSize("x", 0, 4), PictureError);
 }
 
-TEST_F(Pictures, LeaveAnOlderFileWholeWhenWritingFails) {
+TEST_F(Pictures, LeaveAnExistingFileIntactWhenWritingFails) {
     writeText(folder / "kept.txt", "old");
     EXPECT_THROW(writePicture(folder / "kept.txt", noise(2, 2)), PictureError);
     EXPECT_THROW(writePicture(folder / "no" / "such" / "folder.pam", noise(2, 2)), PictureError);
@@ -150,14 +150,14 @@ TEST_F(Pictures, LeaveAnOlderFileWholeWhenWritingFails) {
     EXPECT_EQ(filesInFolder(), 1u);
 }
 
-TEST_F(Pictures, MayHaveTheLongestNamesThatThereAre) {
+TEST_F(Pictures, CanHaveTheLongestPossibleNames) {
     const std::string name = std::string(251, 'n') + ".pam";
     writePicture(folder / name, noise(2, 2));
     EXPECT_EQ(readPicture(folder / name).width, 2);
 }
 
 #if !defined(_WIN32)
-/// No file may grow beyond so many bytes while this lives, as on a full disk.
+/// Limits the size of files during its lifetime, like a full disk.
 class FullDisk {
 public:
     explicit FullDisk(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -175,23 +175,23 @@ private:
     void (*handler_)(int);
 };
 
-TEST_F(Pictures, TellByTheirOwnNamesWhyTheyCannotBeWritten) {
+TEST_F(Pictures, ReportWhyTheyCannotBeWrittenByTheirOwnNames) {
     for (const char* name : {"a.pam", "b.png", "c.jpg", "d.tif", "e.webp"}) {
         if (!isPictureName(name)) continue;
-        std::string told;
+        std::string message;
         try {
             const FullDisk disk(4096);
             writePicture(folder / name, noise(200, 200));
         } catch (const PictureError& error) {
-            told = error.what();
+            message = error.what();
         }
-        EXPECT_EQ(told, "cannot write " + (folder / name).string() + ": File too large");
+        EXPECT_EQ(message, "cannot write " + (folder / name).string() + ": File too large");
     }
     EXPECT_EQ(filesInFolder(), 0u);
 }
 
-/// A file that is there and opens, and then gives nothing.
-TEST_F(Pictures, SayWhyReadingThemFails) {
+/// A file that exists and opens, but cannot be read.
+TEST_F(Pictures, ReportWhyReadingFails) {
     const auto failureOfPam = [](const fs::path& path) -> std::string {
         try {
             readPam(path);
@@ -205,40 +205,40 @@ TEST_F(Pictures, SayWhyReadingThemFails) {
     EXPECT_EQ(failureOfPam("/none.pam"), "cannot read /none.pam: No such file or directory");
 }
 
-TEST_F(Pictures, WithEndlessHeadersAreRefused) {
+TEST_F(Pictures, WithEndlessHeadersAreRejected) {
     writeText(folder / "endless.pam", "P7\n#" + std::string(100000, 'x'));
-    EXPECT_NE(failureOf(folder / "endless.pam").find("a line of its header is too long"), std::string::npos);
+    EXPECT_NE(failureOf(folder / "endless.pam").find("a header line is too long"), std::string::npos);
 }
 
 TEST_F(Pictures, AreNotWrittenWhereClosingThemFails) {
     for (const char* name : {"a.pam", "b.png", "c.tif"}) {
         if (!isPictureName(name)) continue;
-        std::string told;
+        std::string message;
         try {
             const FailingClose failing;
             writePicture(folder / name, noise(20, 20));
         } catch (const PictureError& error) {
-            told = error.what();
+            message = error.what();
         }
-        EXPECT_EQ(told, "cannot write " + (folder / name).string() + ": Input/output error");
+        EXPECT_EQ(message, "cannot write " + (folder / name).string() + ": Input/output error");
     }
     EXPECT_EQ(filesInFolder(), 0u);
 }
 
-TEST_F(Pictures, AreReadFromFilesAlone) {
+TEST_F(Pictures, AreReadOnlyFromFiles) {
     EXPECT_EQ(failureOf("/dev/null"),
               "cannot read /dev/null: a picture is read from a file, not from a pipe or device");
-    EXPECT_EQ(failureOf(folder), "cannot read " + folder.string() + ": it is a folder");
+    EXPECT_EQ(failureOf(folder), "cannot read " + folder.string() + ": is a folder");
 }
 #endif
 
-TEST_F(Pictures, LeaveNothingWhenWritingIsGivenUp) {
+TEST_F(Pictures, LeaveNothingWhenWritingIsAbandoned) {
     { AtomicFile(folder / "given.pam").write("P7"); }
     EXPECT_EQ(filesInFolder(), 0u);
 }
 
 #if !defined(_WIN32)
-/// An interrupted program takes a moment to end, in which its other threads run on.
+/// An interrupted program takes a moment to end, while its other threads keep running.
 TEST_F(Pictures, LeaveNothingWhenTheProgramIsInterrupted) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto interrupted = [this] {
@@ -256,12 +256,12 @@ TEST_F(Pictures, LeaveNothingWhenTheProgramIsInterrupted) {
     EXPECT_GT(filesInFolder(), 0u);
     for (const auto& entry : fs::directory_iterator(folder)) {
         EXPECT_NE(entry.path().filename().string().front(), '.') << entry.path();
-        EXPECT_EQ(readPicture(entry.path()).width, 100) << "each is whole";
+        EXPECT_EQ(readPicture(entry.path()).width, 100) << "every picture must be complete";
     }
 }
 
 #if defined(KRL_WITH_VIPS)
-TEST_F(Pictures, AreNotMadeAnewByALibraryThatWritesThemWhenTheProgramIsInterrupted) {
+TEST_F(Pictures, AreNotRecreatedByTheLibraryWhenTheProgramIsInterrupted) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto interrupted = [this] {
         std::thread writer([this] { writePicture(folder / "a.png", noise(1500, 1500)); });

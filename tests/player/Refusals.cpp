@@ -10,7 +10,7 @@
 
 namespace {
 
-/// How many allocations are granted before one fails; negative for all.
+/// The number of allocations granted before one fails; negative for no limit.
 std::atomic<int64_t> granted{-1};
 std::atomic<bool> refused{false};
 std::atomic<bool> closesFail{false};

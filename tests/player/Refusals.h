@@ -4,7 +4,7 @@
 
 namespace krl::player {
 
-/// Grants so many allocations and refuses the next one, while it lives.
+/// During its lifetime, grants a number of allocations and fails the next one.
 class OneRefusal {
 public:
     explicit OneRefusal(int64_t before);
@@ -12,12 +12,11 @@ public:
     OneRefusal(const OneRefusal&) = delete;
     OneRefusal& operator=(const OneRefusal&) = delete;
 
-    /// Whether it came to that.
+    /// Whether an allocation was failed.
     static bool happened();
 };
 
-/// Files that are closed tell an error of input or output while this lives, as a file server may that
-/// writes late.
+/// During its lifetime, closing a file fails with an I/O error, as on a file server with delayed writes.
 class FailingClose {
 public:
     FailingClose();

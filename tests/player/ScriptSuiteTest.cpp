@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 const fs::path kScripts = fs::path(KRL_SOURCE_DIR) / "tests" / "scripts";
 
-/// The scripts that have something to print; the others are parent scripts of these.
+/// The scripts with expected output; the others are their parent scripts.
 std::vector<std::string> scriptNames() {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(kScripts))
@@ -34,7 +34,7 @@ std::string textOf(const fs::path& file) {
     return text.str();
 }
 
-/// A picture in one number: FNV-1a over its sides and bytes.
+/// The FNV-1a hash of a picture's size and bytes.
 std::string hashOf(const Bitmap& picture) {
     uint64_t hash = 14695981039346656037u;
     const auto add = [&](uint64_t byte) { hash = (hash ^ byte) * 1099511628211u; };
@@ -47,36 +47,36 @@ std::string hashOf(const Bitmap& picture) {
     return text;
 }
 
-/// What a run prints, how it fails, what it saves and what it leaves behind.
+/// The output of a run, with its error, saved pictures and unreleased objects.
 std::string transcriptOf(const std::string& name, const fs::path& outputFolder) {
-    std::ostringstream told;
+    std::ostringstream output;
     SessionOptions options;
-    options.output = &told;
-    options.alerts = &told;
+    options.output = &output;
+    options.alerts = &output;
     options.outputFolder = outputFolder;
-    // The same suite drives the plug-in as a file, where the environment names one.
+    // The same suite tests a plug-in file if the environment names one.
     if (const char* xtra = std::getenv("KRL_XTRA")) options.xtraFile = xtra;
     Session session(options);
     try {
         session.run(kScripts / (name + ".ls"), {"first", "second"});
     } catch (const ScriptError& error) {
-        told << "error: " << fs::path(error.file()).filename().string() << ':' << error.place().line << ':'
-             << error.place().column << ": " << error.message() << '\n'
-             << error.excerpt() << '\n';
+        output << "error: " << fs::path(error.file()).filename().string() << ':' << error.place().line << ':'
+               << error.place().column << ": " << error.message() << '\n'
+               << error.excerpt() << '\n';
     }
     std::vector<fs::path> saved;
     for (const auto& entry : fs::directory_iterator(outputFolder)) saved.push_back(entry.path());
     std::sort(saved.begin(), saved.end());
     for (const fs::path& file : saved)
-        told << "saved " << file.filename().string() << ": " << hashOf(readPicture(file)) << '\n';
+        output << "saved " << file.filename().string() << ": " << hashOf(readPicture(file)) << '\n';
     const LeakReport left = session.close();
-    if (!left.none()) told << "left behind: " << left.text() << '\n';
-    return told.str();
+    if (!left.none()) output << "left behind: " << left.text() << '\n';
+    return output.str();
 }
 
 class ScriptSuite : public testing::TestWithParam<std::string> {};
 
-TEST_P(ScriptSuite, PrintsWhatIsExpected) {
+TEST_P(ScriptSuite, PrintsTheExpectedOutput) {
     const test::ScratchFolder output;
     EXPECT_EQ(transcriptOf(GetParam(), output.path()), textOf(kScripts / (GetParam() + ".expected")));
 }
@@ -84,7 +84,7 @@ TEST_P(ScriptSuite, PrintsWhatIsExpected) {
 INSTANTIATE_TEST_SUITE_P(Scripts, ScriptSuite, testing::ValuesIn(scriptNames()),
                          [](const auto& name) { return name.param; });
 
-TEST(ScriptSuiteFolder, IsThere) { EXPECT_GE(scriptNames().size(), 10u); }
+TEST(ScriptSuiteFolder, Exists) { EXPECT_GE(scriptNames().size(), 10u); }
 
 }  // namespace
 }  // namespace krl::player

@@ -44,7 +44,7 @@ TEST(SessionApply, RunsACallOnAPicture) {
     EXPECT_TRUE(session.close().none());
 }
 
-TEST(SessionApply, TellsTheMethodsOwnMessage) {
+TEST(SessionApply, ReportsTheMethodsOwnMessage) {
     Session session({});
     Bitmap picture = greyPicture(1, 1, 40);
     const CallOutcome outcome = session.apply(picture, "krlImageBrightness(\"x\", #RGB)");
@@ -53,7 +53,7 @@ TEST(SessionApply, TellsTheMethodsOwnMessage) {
     EXPECT_EQ(picture.pixels.front(), (Pixel{40, 40, 40, 200}));
 }
 
-TEST(SessionApply, GivesThePictureBackWhateverHappens) {
+TEST(SessionApply, ReturnsThePictureInEveryCase) {
     Session session({});
     for (const char* call : {"nonsense(1)", "brightness(", "brightness(undefined(), #RGB)", "1 + 2", ""}) {
         Bitmap picture = greyPicture(2, 2, 40);
@@ -63,7 +63,7 @@ TEST(SessionApply, GivesThePictureBackWhateverHappens) {
     EXPECT_TRUE(session.close().none());
 }
 
-TEST(SessionApply, SuggestsTheMethodThatWasMeant) {
+TEST(SessionApply, SuggestsTheNearestMethod) {
     Session session({});
     Bitmap picture = greyPicture(1, 1, 40);
     try {
@@ -75,7 +75,7 @@ TEST(SessionApply, SuggestsTheMethodThatWasMeant) {
     }
 }
 
-TEST(SessionApply, SessionsRunSideBySide) {
+TEST(SessionApply, SessionsRunInParallel) {
     std::vector<std::thread> threads;
     std::vector<LeakReport> left(4);
     for (size_t i = 0; i < left.size(); ++i)
@@ -92,7 +92,7 @@ TEST(SessionApply, SessionsRunSideBySide) {
     for (const LeakReport& report : left) EXPECT_TRUE(report.none()) << report.text();
 }
 
-TEST(SessionRun, TakesMainOrTheFirstHandlerAndArgumentsAsAList) {
+TEST(SessionRun, CallsMainOrTheFirstHandlerWithAListOfArguments) {
     const test::ScratchFolder folder;
     EXPECT_EQ(run({}, folder.path(), "put args"), "-- [\"one\", \"two\"]\n");
     std::ofstream(folder.path() / "first.ls")
@@ -150,14 +150,14 @@ TEST(Sandbox, NothingOutsideTheFoldersIsReadOrWritten) {
     const std::string up = "../" + elsewhere.path().filename().string() + "/";
     for (const std::string& name : {secret.string(), up + "secret.pam", std::string("link.pam"),
                                     std::string("door/secret.pam"), "door/../" + up + "secret.pam"}) {
-        const std::string told = run({}, folder.path(), "put image(\"" + name + "\").width");
-        EXPECT_NE(told.find("outside the folders that this script may touch"), std::string::npos)
-            << name << told;
+        const std::string message = run({}, folder.path(), "put image(\"" + name + "\").width");
+        EXPECT_NE(message.find("outside the folders that this script may access"), std::string::npos)
+            << name << message;
     }
     for (const std::string& name :
          {(elsewhere.path() / "new.pam").string(), up + "new.pam", std::string("door/new.pam")}) {
-        const std::string told = run({}, folder.path(), "image(1, 1, 32).save(\"" + name + "\")");
-        EXPECT_NE(told.find("outside the folders"), std::string::npos) << name << told;
+        const std::string message = run({}, folder.path(), "image(1, 1, 32).save(\"" + name + "\")");
+        EXPECT_NE(message.find("outside the folders"), std::string::npos) << name << message;
         EXPECT_FALSE(fs::exists(elsewhere.path() / "new.pam"));
     }
     EXPECT_EQ(run({}, folder.path(), "put member(\"secret\").image").find("there is no picture"), 0u);
@@ -165,7 +165,7 @@ TEST(Sandbox, NothingOutsideTheFoldersIsReadOrWritten) {
     EXPECT_EQ(run({}, folder.path(), "put script(\"" + up + "other\")").find("there is no script"), 0u);
 }
 
-/// The system ends a name at a zero byte: what was looked at would not be what is opened.
+/// The system ends a name at a zero byte, so the file checked would not be the file opened.
 TEST(Sandbox, NamesWithControlCharactersAreRefused) {
     const test::ScratchFolder folder, elsewhere;
     writePicture(elsewhere.path() / "secret.pam", greyPicture(1, 1, 7));
@@ -175,7 +175,7 @@ TEST(Sandbox, NamesWithControlCharactersAreRefused) {
         const auto name = [&](const std::string& file) {
             return "\"" + up + file + "\" & numToChar(" + code + ") & \"" + here + "x.pam\"";
         };
-        const std::string refusal = "the name of a file has a control character, code " + code + ", after \"";
+        const std::string refusal = "the file name contains a control character, code " + code + ", after \"";
         EXPECT_EQ(run({}, folder.path(), "image(1, 1, 32).save(" + name("new.pam") + ")"),
                   refusal + up + "new.pam\"");
         EXPECT_EQ(run({}, folder.path(), "put image(" + name("secret.pam") + ").width"),
@@ -201,7 +201,7 @@ TEST(Sandbox, FoldersCanBeAdded) {
     EXPECT_EQ(run(options, folder.path(), "put image(\"none.pam\")"), "there is no file none.pam");
 }
 
-TEST(WrittenCall, IsTakenApart) {
+TEST(WrittenCall, IsParsed) {
     const WrittenCall call = readCall("vignette(shape: #ellipse, [1, (2)], theColor: rgb(0, 0, 0))");
     EXPECT_EQ(call.name, "vignette");
     ASSERT_EQ(call.arguments.size(), 3u);
@@ -215,7 +215,7 @@ TEST(WrittenCall, IsTakenApart) {
     EXPECT_TRUE(readCall("sepia()").arguments.empty());
 }
 
-TEST(WrittenCall, TellsWhatIsWrong) {
+TEST(WrittenCall, ReportsSyntaxErrors) {
     for (const char* text :
          {"", "(1)", "a(", "a(1", "a(1,", "a(1,)", "a() b", "a(x:)", "a(1 2)", "a([1)", "\"a\"(1)"})
         EXPECT_THROW(readCall(text), ScriptError) << text;
@@ -227,7 +227,7 @@ TEST(WrittenCall, TellsWhatIsWrong) {
     }
 }
 
-TEST(LeakReport, NamesWhatIsLeft) {
+TEST(LeakReport, ListsUnreleasedObjects) {
     EXPECT_EQ((LeakReport{2, 1, 0, 0}.text()), "2 values, 1 lock");
     EXPECT_EQ(LeakReport{}.text(), "nothing");
 }
