@@ -1,10 +1,10 @@
-# Shared by ./run and ./test: installs what is missing, configures a preset and builds it.
-# Speaks only when something takes long or fails.
+# Shared by ./run and ./test: installs missing packages, configures a preset and builds it.
+# Silent unless something takes long or fails.
 
 build_packages=(cmake ninja-build g++ pkg-config libvips-dev libcli11-dev nlohmann-json3-dev)
 test_packages=(libgtest-dev)
 
-# Installs the Debian packages among its arguments that are not there yet.
+# Installs those of the given Debian packages that are missing.
 install_missing() {
     local missing=() package
     for package in "$@"; do
@@ -25,7 +25,7 @@ install_missing() {
     rm -f "$log"
 }
 
-# Configures preset $1 and builds the targets that follow (all of them when none does).
+# Configures preset $1 and builds the given targets, or all if none is given.
 build_preset() {
     local preset=$1 log=build/$1.log options=()
     shift
@@ -34,7 +34,7 @@ build_preset() {
     [ -e "build/$preset/build.ninja" ] || echo "building $preset ..." >&2
     if ! { cmake --preset "$preset" "${options[@]}" && cmake --build "build/$preset" ${1:+--target "$@"}; } >"$log" 2>&1; then
         tail -n 40 "$log" >&2
-        echo "the build of $preset failed; all of it is in $log" >&2
+        echo "the build of $preset failed; the full log is $log" >&2
         exit 1
     fi
 }

@@ -1,4 +1,4 @@
--- Puts a figure before another place in six ways, one for each kind of key, on one sheet:
+-- Composites a figure over a new background with each of six keyers, all on one sheet:
 -- krlimage run -o out examples/greenscreen.ls FIGURE BACKGROUND SHEET
 
 on main args
@@ -22,7 +22,7 @@ on main args
   sheet.save(args[3])
 end
 
--- The figure keyed, freed of the backing's tint and laid over the place.
+-- Keys the figure, removes the spill of the green screen and composites it over the background.
 on composed grader, figure, place, key
   cutout = figure.duplicate()
   grader.krlImageLoad(cutout)
@@ -42,8 +42,8 @@ on keyed grader, key
   if key = #chroma then
     return grader.krlImageChromaKey(120, 25, 20, 0.8, 35, 25, 0.7, 30, 15, #keep, #true)
   else if key = #hue then
-    -- Hue alone would clear all that is greenish: what is far less saturated than the backing comes
-    -- back, and so does what is far darker.
+    -- Hue alone would remove everything greenish, so restore what is much less saturated or much
+    -- darker than the green screen.
     grader.krlImageHueKey(backing, 0.2, 60, 200, #keep, #true)
     grader.krlImageSaturationKey(backing, 0.5, 80, 200, #remove, #false)
     return grader.krlImageValueKey(backing, 0.6, 160, 220, #remove, #false)

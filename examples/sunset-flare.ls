@@ -1,8 +1,8 @@
--- Lays a lens flare over the low sun of a picture: krlimage run sunset-flare.ls IN OUT
+-- Adds a lens flare to the low sun in a picture: krlimage run sunset-flare.ls IN OUT
 --
--- A flare is a list of elements, painted in order. Around the sun lie glow, rays and streaks; the
--- ghosts of the lens follow one another along a line from the sun through the picture. Move `sun` and
--- `far` to fit another picture; everything else goes along.
+-- A flare is a list of elements, painted in order. Glow, rays and streaks surround the sun; the ghosts
+-- of the lens line up from the sun through the picture. For another picture, move `sun` and `far`;
+-- everything else follows.
 
 on main names
   picture = image(names[1])
@@ -25,7 +25,7 @@ on main names
   picture.save(names[2])
 end
 
--- The sun itself: a wide warm bloom, a tight white core, and fine rays out of it.
+-- The sun itself: a wide warm bloom, a tight white core, and fine rays.
 on addLight flare, sun
   bloom = [0: rgb(70, 8, 0), 30: rgb(200, 70, 20), 70: rgb(255, 170, 80), 100: rgb(255, 240, 215)]
   flare.addProp(#gradientCircle, [#origin: sun, #radius: 420.0, #brightness: 135.0, \
@@ -40,7 +40,7 @@ on addLight flare, sun
     #origin: sun, #transparency: 0, #colourList: [0: rgb(255, 214, 160)], #blendMethod: #screen])
 end
 
--- Streaks across the frame, as an anamorphic lens draws them: a broad warm one, a thin blue one in it.
+-- Streaks across the frame, as an anamorphic lens draws them: a broad warm one with a thin blue one inside.
 on addStreaks flare, sun
   flare.addProp(#starCaustic, [#length: 1700.0, #thickness: 90.0, #angle: 0.0, #origin: sun, \
     #brightness: 200.0, #transparency: 0, #colourList: [0: rgb(255, 120, 50)], #blendMethod: #screen])
@@ -48,7 +48,7 @@ on addStreaks flare, sun
     #brightness: 225, #transparency: 0, #colourList: [0: rgb(170, 205, 255)], #blendMethod: #screen])
 end
 
--- Haloes: a thin rainbow close to the sun, a wide one that pales toward the edge of the frame, and an
+-- Haloes: a thin rainbow close to the sun, a wide one that fades towards the edge of the frame, and an
 -- arc of colour on the far side.
 on addRings flare, sun, far
   halo = [0: rgb(30, 60, 255), 35: rgb(40, 200, 160), 65: rgb(255, 210, 80), 100: rgb(255, 90, 40)]
@@ -64,7 +64,7 @@ on addRings flare, sun, far
     #colourList: [0: rgb(255, 60, 30), 45: rgb(80, 200, 90), 100: rgb(40, 60, 255)], #blendMethod: #screen])
 end
 
--- The ghosts: images of the iris, six-sided as the iris is, each with the tint of its coating.
+-- The ghosts: six-sided images of the iris, each tinted by its lens coating.
 on addGhosts flare, sun, far
   addGhost(flare, along(sun, far, 0.30), 17.0, 84.0, 3, rgb(255, 190, 110))
   addGhost(flare, along(sun, far, 0.37), 8.0, 140.0, 2, rgb(255, 235, 200))
@@ -74,7 +74,7 @@ on addGhosts flare, sun, far
   addGhost(flare, along(sun, far, 1.12), 34.0, 76.0, 4, rgb(200, 110, 255))
   addGhost(flare, along(sun, far, -0.42), 58.0, 46.0, 5, rgb(120, 220, 200))
   addGhost(flare, along(sun, far, -0.56), 26.0, 62.0, 3, rgb(255, 160, 90))
-  -- One round ghost, as a second reflection gives it.
+  -- One round ghost from a second reflection.
   flare.addProp(#filledCircle, [#origin: along(sun, far, 0.70), #radius: 9.0, #outerFeather: 7.0, \
     #brightness: 90.0, #transparency: 0, #colourList: [0: rgb(190, 255, 200)], #blendMethod: #screen])
 end
@@ -85,7 +85,7 @@ on addGhost flare, place, size, light, softness, tint
     #colourList: [0: tint], #blendMethod: #screen])
 end
 
--- The place `part` of the way from one point to another.
+-- The point at `part` of the way from `a` to `b`.
 on along a, b, part
   return point(integer(a.locH + (b.locH - a.locH) * part), integer(a.locV + (b.locV - a.locV) * part))
 end
