@@ -9,29 +9,28 @@
 #include "core/Numbers.h"
 #include "krlimage/engine.h"
 
-/// How an effect's work is spread: the image is cut into `threadCount` bands, every band but the
-/// last gets a thread of its own, the last runs on the caller, and the call returns when all have
-/// ended. The end of a pass is the barrier before the next. An effect gives only what one pixel,
-/// row or column needs.
+/// Distribution of an effect's work over threads: the image is divided into `threadCount` bands. The last
+/// band runs on the calling thread and every other one on its own thread. The call returns when all have
+/// finished, so the end of a pass is a barrier. An effect supplies only the work for a pixel, row or column.
 namespace krl {
 
-/// A half-open run of pixel, row or column numbers; empty where `last <= first`.
+/// A half-open range of pixel, row or column numbers; empty if `last <= first`.
 struct IndexRange {
     int32_t first = 0;
     int32_t last = 0;
 };
 
-/// Runs `work(0)` to `work(bandCount - 1)` at once. `kStatusNoTaskMemory` or `kStatusThreadFailed`
-/// when a band cannot be had: bands before it have then run to their end, those after it have not
-/// run. What a band throws is thrown on to the caller once all have ended.
+/// Runs `work(0)` to `work(bandCount - 1)` in parallel. Returns `kStatusNoTaskMemory` or
+/// `kStatusThreadFailed` if a task or thread cannot be created: the bands before it have then finished, the
+/// bands after it have not run. An exception from a band is rethrown once all have finished.
 Status runBands(int32_t bandCount, const std::function<void(int32_t)>& work);
 
-/// The pixels of band `band`, numbered through the block without regard to rows.
+/// The pixels of band `band`, numbered through the whole block regardless of rows.
 IndexRange pixelBand(const ImageBuffer& image, int32_t threadCount, int32_t band);
 /// The rows, or columns, of band `band` out of `lineCount`.
 IndexRange lineBand(int32_t lineCount, int32_t threadCount, int32_t band);
 
-/// Calls `work(first, last)` with the two ends of each band's run of pixels, after the state tests.
+/// Calls `work(first, last)` with the bounds of each band's pixels, after the state tests.
 template <class Work>
 Status forEachSpan(const ImageEngine& engine, Work&& work) {
     if (Status state = engine.imageStatus()) return state;
@@ -51,10 +50,9 @@ Status forEachPixel(const ImageEngine& engine, PerPixel&& perPixel) {
     });
 }
 
-/// Calls `work(Pixel* first, size_t count, const Pixel* beside)` for each band's run of pixels and those at
-/// the same places of `other`, which is walked as one contiguous run and never past its end: where the
-/// loaded rows alone are padded, the last bands would reach a little further. The sizes are the caller's to
-/// test.
+/// Calls `work(Pixel* first, size_t count, const Pixel* beside)` for each band's pixels and those at the same
+/// positions in `other`. `other` is one contiguous span and never read past its end, which the last bands
+/// would exceed if only the loaded rows are padded. The caller checks the sizes.
 template <class Work>
 Status forEachSpanBeside(const ImageEngine& engine, const SecondImage& other, Work&& work) {
     const std::span<const Pixel> block = other.block();
@@ -65,8 +63,8 @@ Status forEachSpanBeside(const ImageEngine& engine, const SecondImage& other, Wo
     });
 }
 
-/// Calls `perPair(Pixel&, const Pixel&)` for every pixel beside the one at the same place of `other`, as
-/// far as there is one.
+/// Calls `perPair(Pixel&, const Pixel&)` for every pixel that has a counterpart at the same position in
+/// `other`.
 template <class PerPair>
 Status forEachPixelPair(const ImageEngine& engine, const SecondImage& other, PerPair&& perPair) {
     return forEachSpanBeside(engine, other, [&](Pixel* first, size_t count, const Pixel* beside) {
@@ -105,8 +103,8 @@ Status forEachRow(const ImageEngine& engine, PerRow&& perRow) {
     });
 }
 
-/// Columns of a tile: adjacent columns are walked together down the rows, so that a pass along
-/// columns still reads memory in rows and its running sums sit in small arrays.
+/// Width of a tile of columns: adjacent columns are processed together row by row, so that a pass along
+/// columns still reads memory in rows and keeps its running sums in small arrays.
 inline constexpr int32_t kTileColumns = 16;
 
 /// Calls `perTile(IndexRange columns)` for tiles of at most `kTileColumns` columns, banded by

@@ -5,8 +5,8 @@
 
 namespace krl {
 
-/// Pixels that a loop works on together where several steps pass over them, so that what goes from step to
-/// step stays in the nearest cache.
+/// Pixels that a loop with several steps processes together, so that intermediate results stay in the
+/// nearest cache.
 inline constexpr size_t kBatchPixels = 256;
 
 /// Calls `work(start, count)` for the batches of a span of `count` pixels; the last may be shorter.

@@ -2,11 +2,10 @@
 
 #include <cstdint>
 
-/// What some of the shared tables hold, worked out: for loops that are to become vectors, which compute
-/// faster than they look up.
+/// Closed forms of some lookup tables, for vectorised loops, where computing is faster than looking up.
 namespace krl {
 
-/// `x / 255` for an `x` from 0 up to 65279, in lanes as short as the type is.
+/// `x / 255` for an `x` from 0 up to 65279, in the width of the type.
 template <class Integer>
 constexpr Integer dividedBy255(Integer x) {
     return static_cast<Integer>(static_cast<Integer>(x + 1 + (x >> 8)) >> 8);

@@ -6,8 +6,8 @@
 
 namespace krl {
 
-/// The bytes of a pixel that an effect writes. Loops compute all four bytes of a pixel at once, which
-/// costs a vector nothing, and keep those that were asked for.
+/// The bytes of a pixel that an effect writes. Vectorised loops compute all four bytes of a pixel at no extra
+/// cost and keep the selected ones.
 class ChannelMask {
 public:
     /// Four bytes for `RGBA`, the colour bytes for `RGB`, alpha for anything else.
@@ -20,18 +20,18 @@ public:
 
     constexpr bool isWhole() const { return word_ == 0xFFFFFFFFu; }
 
-    /// The chosen bytes of `fresh`, the others of `old`.
+    /// The selected bytes of `fresh` and the other bytes of `old`.
     constexpr uint32_t merge(uint32_t old, uint32_t fresh) const { return (old & ~word_) | (fresh & word_); }
     Pixel merge(Pixel old, Pixel fresh) const {
         storeWord(old, merge(wordOf(old), wordOf(fresh)));
         return old;
     }
 
-    /// Merges runs of pixels into `target`, which may be either.
+    /// Merges two spans into `target`, which may be either of them.
     void combine(const Pixel* old, const Pixel* fresh, int32_t count, Pixel* target) const {
         for (int32_t i = 0; i < count; ++i) storeWord(target[i], merge(wordOf(old[i]), wordOf(fresh[i])));
     }
-    /// Merges a run of pixels into `target`, which does not overlap it.
+    /// Merges a span into `target`, which must not overlap it.
     void write(Pixel* target, const Pixel* fresh, int32_t count) const {
         if (isWhole())
             std::memcpy(target, fresh, static_cast<size_t>(count) * sizeof(Pixel));

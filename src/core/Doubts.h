@@ -4,9 +4,9 @@
 
 namespace krl {
 
-/// The end of "fast guess, doubt, exact referee": a loop that becomes vectors has guessed `count` results and
-/// marked those that its error could have changed. Calls `referee(i)` for each marked one, to decide it by
-/// the exact definition. `any` says whether there is one at all.
+/// The last step of "fast guess, doubt, exact referee": a vectorised loop has guessed `count` results and
+/// marked those that its error could affect. Calls `referee(i)` for each marked one to compute it by the
+/// exact definition. `any` says whether any is marked.
 template <class Doubt, class Referee>
 void settleDoubts(bool any, const Doubt* doubts, int32_t count, Referee&& referee) {
     if (!any) return;

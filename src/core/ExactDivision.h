@@ -3,8 +3,8 @@
 #include <bit>
 #include <cstdint>
 
-/// Division by a number that is known before the loop, as a multiplication: exact over the range that each
-/// says. Division by 255 is in `ByteArithmetic.h`.
+/// Division by a loop-invariant number as a multiplication, each exact over its documented range. Division by
+/// 255 is in `ByteArithmetic.h`.
 namespace krl {
 
 /// Division of a sum of bytes by the sum of their weights, as one multiplication and a shift.
@@ -30,8 +30,8 @@ private:
     uint32_t multiplier_;
 };
 
-/// The same for weights from 2 whose sums fit 16 bits. One multiplier of that size, the next above or the
-/// next below, is near enough for every sum; below, it takes the sum for one more.
+/// The same for weights from 2 whose sums fit 16 bits. One 16-bit multiplier, rounded up or down, is
+/// accurate enough for every sum; a rounded-down one uses the sum plus one.
 class ShortByteQuotient {
 public:
     using Sum = uint16_t;
@@ -53,8 +53,8 @@ private:
     uint16_t multiplier_, addend_;
 };
 
-/// The same in single precision. Half a sum more stands half a weight's part off every whole number, and the
-/// two roundings err by less than 2^-15 at 256.
+/// The same in single precision. Adding one half to the sum keeps the quotient at least `0.5 / weight` away
+/// from every integer, and the two roundings err by less than 2^-15 at 256.
 class MiddleByteQuotient {
 public:
     using Sum = uint32_t;
@@ -96,9 +96,9 @@ private:
     uint64_t multiplier_;
 };
 
-/// `n / 1000`, truncated, in a form that the compiler makes vectors of. `float` holds `n` exactly below 2^24
-/// in size and 0.001f is the least bit above a thousandth, so the product never falls short of a whole
-/// number, and below 2^18 never comes near the next.
+/// `n / 1000`, truncated, in a form that the compiler vectorises. `float` holds `n` exactly below 2^24
+/// in size and 0.001f is the least bit above a thousandth, so the product is never below an exact
+/// quotient, and below 2^18 it never reaches the next integer.
 inline int32_t thousandth(int32_t n) { return static_cast<int32_t>(static_cast<float>(n) * 0.001f); }
 
 }  // namespace krl

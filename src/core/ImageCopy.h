@@ -7,7 +7,7 @@
 
 namespace krl {
 
-/// A block in scratch of an image's geometry, uninitialised: what one pass fills and another reads.
+/// An uninitialised scratch block with an image's geometry, for passing pixels from one pass to the next.
 class ScratchImage {
 public:
     explicit ScratchImage(const ImageBuffer& image) : block_(image.bytes()), view_(image) {
@@ -23,7 +23,7 @@ private:
     ImageBuffer view_;
 };
 
-/// A copy of a whole image block: what an effect reads while it writes the image.
+/// A copy of a whole image block, which an effect reads while it writes the image.
 class ImageCopy : public ScratchImage {
 public:
     explicit ImageCopy(const ImageBuffer& source) : ScratchImage(source) { refresh(source); }

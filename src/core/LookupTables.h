@@ -9,8 +9,8 @@ namespace krl {
 template <class Element>
 using ByteSquare = Element[256][256];
 
-/// The shared block of tables that stands in for per-pixel arithmetic: 2,513,920 bytes, filled once
-/// and read-only afterwards. The order and the offsets of its members are fixed.
+/// The shared tables that replace per-pixel arithmetic: 2,513,920 bytes, filled once and read-only
+/// afterwards. The order and the offsets of its members are fixed.
 struct LookupTables {
     int32_t meanOf3[768];     ///< mean of three bytes by their sum
     int32_t meanOf4[1024];    ///< mean of four bytes by their sum
@@ -21,7 +21,7 @@ struct LookupTables {
     int32_t sepiaBlue[256];
     int32_t sepiaGreen[256];
     int32_t sepiaRed[256];
-    int32_t solariseCurve[256];    ///< up to 128 and down again
+    int32_t solariseCurve[256];    ///< rises to 128 and falls again
     int32_t distanceFrom255[256];  ///< 255 - i
     ByteSquare<int32_t> yuvU;      ///< 565 (a - b) / 1000 + 128
     ByteSquare<int32_t> yuvV;      ///< 713 (a - b) / 1000 + 128
@@ -50,7 +50,7 @@ struct LookupTables {
     ByteSquare<uint8_t> scaleByte;  ///< b scaled by a / 255
     float reciprocal[256];          ///< 1 / i, infinite at 0
 
-    /// Fills every table; the content depends on nothing but constants.
+    /// Fills every table; the content depends only on constants.
     void build();
 };
 static_assert(sizeof(LookupTables) == 2513920);

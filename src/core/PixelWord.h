@@ -4,8 +4,8 @@
 
 #include "krlimage/pixel.h"
 
-/// A pixel as one 32-bit word: blue in the low byte, alpha in the high one. Loops that read and
-/// write pixels so become vectors.
+/// A pixel as one 32-bit word: blue in the low byte, alpha in the high one. Loops that
+/// access pixels this way can be vectorised.
 namespace krl {
 
 inline uint32_t wordOf(const Pixel& p) {
@@ -16,7 +16,7 @@ inline uint32_t wordOf(const Pixel& p) {
 
 inline void storeWord(Pixel& p, uint32_t word) { std::memcpy(&p, &word, sizeof word); }
 
-/// The byte of `word` that stands `shift` bits up.
+/// The byte of `word` at bit `shift`.
 constexpr int32_t byteAt(uint32_t word, uint32_t shift) { return static_cast<int32_t>(word >> shift & 255); }
 
 }  // namespace krl

@@ -18,7 +18,7 @@ public:
         return static_cast<int32_t>(state_ >> 16 & 0x7FFFu);
     }
 
-    /// Passes over `count` draws at once, by repeated squaring of the step.
+    /// Skips `count` draws, by repeated squaring of the step.
     void skip(uint64_t count) {
         uint32_t factor = 214013u, term = 2531011u;
         for (; count != 0; count >>= 1) {
@@ -34,7 +34,8 @@ private:
     uint32_t state_;
 };
 
-/// The draws of a generator many at a time: by as many side by side, each of which passes over the others'.
+/// Draws many numbers of a generator at a time, with one generator per lane that skips the draws of the
+/// others.
 class RandomRun {
 public:
     static constexpr size_t kLanes = 16;
@@ -48,7 +49,7 @@ public:
         }
     }
 
-    /// Writes the next draws, as many as there are lanes.
+    /// Writes the next draws, one per lane.
     void next(int32_t* draws) {
         for (size_t i = 0; i < kLanes; ++i) {
             draws[i] = static_cast<int32_t>(states_[i] >> 16 & 0x7FFFu);
@@ -58,12 +59,12 @@ public:
 
 private:
     uint32_t states_[kLanes];
-    uint32_t factor_ = 1, term_ = 0;  ///< of as many steps at once
+    uint32_t factor_ = 1, term_ = 0;  ///< of one step per lane
 };
 
-/// Remainders of draws by a divisor of 1 and up, without a division: as many bits of the reciprocal as a
-/// draw and the divisor have, rounded up, are exact for every draw and fit 32 bits. Above all draws the
-/// quotient is 0.
+/// Remainders of draws by a divisor of at least 1, without a division: a reciprocal with as many bits as a
+/// draw and the divisor together, rounded up, is exact for every draw and fits 32 bits. For divisors above
+/// every draw the quotient is 0.
 class DrawRemainder {
 public:
     explicit DrawRemainder(int32_t divisor) : divisor_(divisor) {

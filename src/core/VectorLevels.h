@@ -1,17 +1,17 @@
 #pragma once
 
-/// What a compiler has to be told to make vectors of a loop: the one place for it.
+/// The compiler attributes and pragmas for vectorised loops, in one place.
 ///
-/// `KRL_VECTOR_LEVELS` marks a function whose loops gain from wide vectors: it is compiled again for
-/// processors with AVX2 and for those with AVX-512, and the loader takes the one that fits. All give the same
-/// bytes. Where the loader cannot choose, or a sanitizer is not yet set up when it does, there is only the
-/// plain one.
+/// `KRL_VECTOR_LEVELS` marks a function whose loops gain from wide vectors: it is also compiled
+/// for AVX2 and for AVX-512, and the loader selects the best version for the processor. All give the same
+/// bytes. Where the loader cannot select, or would do so before a sanitizer is initialised, only the plain
+/// version exists.
 ///
-/// `KRL_STREAM_LEVELS` marks memory-bound loops: they stop at AVX2, since wider words that cross cache lines
-/// take twice the time.
+/// `KRL_STREAM_LEVELS` marks memory-bound loops: they stop at AVX2, since 64-byte accesses across cache
+/// lines take twice the time.
 ///
-/// `KRL_ONLY_PLAIN` and `KRL_ONLY_AVX2` fix the level, so that each can be tested on a processor that
-/// would take another.
+/// `KRL_ONLY_PLAIN` and `KRL_ONLY_AVX2` fix the level, so that each can be tested on any processor that
+/// supports it.
 #if defined(KRL_ONLY_PLAIN)
 #define KRL_VECTOR_LEVELS
 #define KRL_STREAM_LEVELS

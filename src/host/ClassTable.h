@@ -8,7 +8,7 @@ namespace krl::host {
 
 using CreateInterfaceFunction = HostStatus (*)(InstanceHead* owner, void** out);
 
-/// What the host knows of a class and its one interface.
+/// A class and its single interface.
 struct ClassEntry {
     Identifier classId;
     uint32_t classVersion;
@@ -22,9 +22,8 @@ struct ClassEntry {
 
 using EntryCallback = std::function<HostStatus(const ClassEntry&)>;
 
-/// Walks the classes in table order: for each that matches `classId` (null for all) first
-/// `onClass`, then `onInterface`, either of which may be empty. The first status that is not 0 stops
-/// the walk and is its result; 0 when it ran through.
+/// Calls `onClass`, then `onInterface`, for each class that matches `classId` (null for all), in table
+/// order. Either may be empty. Stops at the first status that is not 0 and returns it; otherwise returns 0.
 HostStatus walkClasses(const Identifier* classId, const EntryCallback& onClass,
                        const EntryCallback& onInterface);
 

@@ -8,11 +8,11 @@
 #define KRL_EXPORT extern "C" __attribute__((visibility("default")))
 #endif
 
-/// The one way in: what the library exports, and the records that pass through those exports.
+/// The exports of the library and the records that pass through them.
 namespace krl::host {
 
 /// The head of every instance record, filled by the host's class machinery. An instance is itself
-/// an interface of the host's: `operations` begins with `QueryInterface`, `AddRef`, `Release`.
+/// a host interface: `operations` begins with `QueryInterface`, `AddRef`, `Release`.
 struct InstanceHead {
     void* const* operations = nullptr;
     void* hostWords[3] = {};
@@ -32,8 +32,8 @@ struct ClassInfoRecord {
 };
 static_assert(sizeof(ClassInfoRecord) == 40);
 
-/// The interface object that a host gets from `DllGetInterface`: its table of operations, the
-/// instance that owns it, and a count.
+/// The interface object returned by `DllGetInterface`: its table of operations, the instance that owns
+/// it, and a reference count.
 struct InterfaceObject {
     void* const* operations = nullptr;
     InstanceHead* owner = nullptr;
@@ -42,12 +42,12 @@ struct InterfaceObject {
     HostInterface* asInterface() { return reinterpret_cast<HostInterface*>(this); }
 };
 
-/// The operations of the two interfaces beyond the first three.
+/// The operations of the two interfaces after the first three.
 using RegisterOperation = Operation<3, HostStatus(HostInterface* cache, HostInterface* entry)>;
 using CallOperation = Operation<3, HostStatus(CallInfo*)>;
 
 inline constexpr uint32_t kClassVersion = 0x1000040;
-/// Types of what registration puts into a dictionary.
+/// Types of dictionary entries in registration.
 inline constexpr int32_t kEntryInteger = 3;
 inline constexpr int32_t kEntryText = 9;
 
@@ -62,14 +62,14 @@ using GetInterfaceFunction = HostStatus(KRL_HOST_CALL*)(InstanceHead*, const Ide
 
 }  // namespace krl::host
 
-/// 0 when no interface object lives, else `0x80040003`.
+/// 0 if no interface object is alive, otherwise `0x80040003`.
 KRL_EXPORT krl::host::HostStatus KRL_HOST_CALL DllCanUnloadNow();
 /// Size, creation and destruction of a class's instances; `0x80040005` for no such class.
 KRL_EXPORT krl::host::HostStatus KRL_HOST_CALL DllGetClassForm(const krl::host::Identifier* classId,
                                                                int32_t* instanceBytes,
                                                                krl::host::CreateInstanceFunction* create,
                                                                krl::host::DestroyInstanceFunction* destroy);
-/// An array of class information records from the host's allocator, ended by one of zeroes.
+/// An array of class information records from the host's allocator, terminated by a zeroed record.
 KRL_EXPORT krl::host::HostStatus KRL_HOST_CALL DllGetClassInfo(krl::host::HostInterface* allocator,
                                                                krl::host::ClassInfoRecord** records);
 /// Always `0x80040005`: hosts do not obtain objects this way.

@@ -8,20 +8,20 @@
 
 namespace krl::host {
 
-/// One call of a method by a script: lends the catalogue the host's values, pictures and symbols, and builds
-/// the result that the script gets. Reference counts and locks are this adapter's alone.
+/// One call of a method by a script: gives the catalogue access to the host's values, pictures and symbols,
+/// and builds the script's result. Only this adapter handles reference counts and locks.
 class HostCall : public Caller {
 public:
     HostCall(ScriptInstance& instance, CallInfo& info, const Method& method)
         : instance_(instance), info_(info), method_(method) {}
 
-    /// Runs the method from the set-up of the result to the stored result; what the host gets back.
+    /// Runs the method, stores its result and returns the status for the host.
     HostStatus run();
 
     ScriptInstance& instance() const { return instance_; }
     ImageEngine* engine() const { return instance_.engine; }
     const Method& method() const { return method_; }
-    /// The words that the script passed for argument `index`, from 0.
+    /// The script's value for argument `index`, from 0.
     ScriptValue raw(size_t index) const {
         return info_.arguments ? info_.arguments[index + 1] : ScriptValue{};
     }
@@ -63,7 +63,7 @@ private:
     void appendError(const Outcome& outcome);
     void addEntry(const char* key, const ScriptValue& value);
     void append(const ScriptValue& list, const char* key, const ScriptValue& value);
-    /// Puts `value` in the place of the result list; the script gets the reference.
+    /// Replaces the result list by `value` and passes its reference to the script.
     void answerWith(const ScriptValue& value);
 
     ScriptInstance& instance_;
@@ -74,7 +74,7 @@ private:
         const char* key;
         ScriptValue value;
     };
-    /// No method gives more, and a value that was made must find room.
+    /// The most that any method returns; storing a created value must not fail.
     static constexpr size_t kMostEntries = 4;
     std::array<Entry, kMostEntries> entries_;
     size_t entryCount_ = 0;
@@ -83,7 +83,7 @@ private:
     bool replaced_ = false;
 };
 
-/// What a method that manages the engine does, by its name; the plug-in's side of those entries.
+/// The implementation of a method that manages the engine, by its name.
 using EngineBody = Outcome (*)(HostCall&);
 EngineBody engineBody(const Method& method);
 

@@ -5,8 +5,8 @@
 #include "host/HostSlots.h"
 #include "host/HostTypes.h"
 
-/// What the frame asks of a host, interface by interface. Each operation is a type that knows its
-/// slot and its signature, so the frame calls and a host fills the very same thing:
+/// The host interfaces that the plug-in uses. Each operation is a type with its slot and signature, so the
+/// plug-in calls and a host implements the same declaration:
 /// `values::InternSymbol::call(values, "error", &symbol)`.
 namespace krl::host {
 
@@ -18,8 +18,7 @@ struct Operation<Slot, Result(Arguments...)> {
     using Function = Result(KRL_HOST_CALL*)(HostInterface*, Arguments...);
     static constexpr int slot = Slot;
 
-    /// Calls it on `target`; a host that left the interface or the operation null is answered as
-    /// one without it.
+    /// Calls it on `target`; a null interface or operation counts as one that the host does not have.
     static Result call(HostInterface* target, Arguments... arguments) {
         if (!target || !target->operations || !target->operations[Slot]) return absent();
         return reinterpret_cast<Function>(target->operations[Slot])(target, arguments...);
@@ -32,14 +31,14 @@ private:
     }
 };
 
-/// Every interface.
+/// Operations of every interface.
 namespace unknown {
 using QueryInterface = Operation<0, HostStatus(const Identifier*, void**)>;
 using AddRef = Operation<1, uint32_t()>;
 using Release = Operation<2, uint32_t()>;
 }  // namespace unknown
 
-/// The host's service provider: services are asked for with `QueryInterface`.
+/// The host's service provider: services are obtained with `QueryInterface`.
 namespace callback {
 using CreateInstance = Operation<slots::kCreateInstance, HostStatus(const Identifier* classId,
                                                                     const Identifier* interfaceId, void**)>;
@@ -50,8 +49,8 @@ using Allocate = Operation<slots::kAllocate, void*(uint32_t bytes)>;
 using Free = Operation<slots::kFree, void(void* block)>;
 }  // namespace allocator
 
-/// Conversions between script values and plain ones. A value that is given out belongs to the
-/// caller, who ends with `ReleaseValue`.
+/// Conversions between script values and C++ values. The caller owns a returned value and releases it with
+/// `ReleaseValue`.
 namespace values {
 using InternSymbol = Operation<slots::kInternSymbol, HostStatus(const char*, SymbolId*)>;
 using ReleaseValue = Operation<slots::kReleaseValue, HostStatus(ScriptValue*)>;
@@ -70,12 +69,12 @@ using ValueToColor = Operation<slots::kValueToColor, HostStatus(const ScriptValu
 using ColorToValue = Operation<slots::kColorToValue, HostStatus(const ColourRecord*, ScriptValue*)>;
 }  // namespace colours
 
-/// Linear and property lists; indices count from 1. Appending takes a reference of the list's own
-/// on what it is given. An element comes with a reference for the caller, a property key without.
+/// Linear and property lists; indices count from 1. Appending adds a reference for the list.
+/// An element is returned with a reference for the caller, a property key without.
 namespace lists {
 using NewList = Operation<slots::kNewList, HostStatus(ScriptValue*)>;
 using AppendToList = Operation<slots::kAppendToList, HostStatus(const ScriptValue* list, const ScriptValue*)>;
-/// The count itself, negative for a value that is no list.
+/// Returns the count, negative for a value that is not a list.
 using CountElements = Operation<slots::kCountElements, int32_t(const ScriptValue* list)>;
 using GetElementByIndex =
     Operation<slots::kGetElementByIndex, HostStatus(const ScriptValue* list, int32_t, ScriptValue*)>;
@@ -99,7 +98,7 @@ using QueryImage = Operation<slots::kQueryImage, HostStatus(const ScriptValue*, 
 }  // namespace images
 
 namespace utils {
-/// A format with its arguments, to the host's message window.
+/// Prints a format with arguments to the host's message window.
 struct PrintMessage {
     using Function = HostStatus(KRL_HOST_CALL_VARIADIC*)(HostInterface*, const char* format, ...);
     static constexpr int slot = slots::kPrintMessage;
@@ -112,14 +111,14 @@ struct PrintMessage {
 };
 }  // namespace utils
 
-/// The objects that are had for the length of one call.
+/// The objects acquired for one call.
 namespace players {
 using GetPlayer = Operation<slots::kGetPlayer, HostStatus(HostInterface** player)>;
 using GetSub = Operation<slots::kGetPlayerSub, HostStatus(HostInterface** sub)>;
 using GetItem = Operation<slots::kGetPlayerItem, HostStatus(int32_t item, HostInterface** answer)>;
 }  // namespace players
 
-/// What registration works with.
+/// The services for registration.
 namespace registry {
 /// Item 5 is the application's name, item 6 its version, as text.
 using GetApplicationItem =

@@ -1,7 +1,7 @@
 #pragma once
 
-/// Where in its interface's table each host operation stands. A host whose interfaces hold further
-/// operations in between is met by editing this table alone.
+/// The slot of each host operation in its interface's table. To support a host whose interfaces have
+/// additional operations, edit only this table.
 #ifdef KRL_HOST_SLOTS
 #include KRL_HOST_SLOTS
 #else
@@ -59,7 +59,7 @@ inline constexpr int kGetApplicationItem = 3;
 inline constexpr int kAddRegistryEntry = 3;
 inline constexpr int kPutEntry = 3;
 
-/// Room for every table of operations above.
+/// Large enough for every table of operations above.
 inline constexpr int kTableSize = 16;
 
 }  // namespace krl::host::slots

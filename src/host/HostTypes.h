@@ -12,10 +12,10 @@
 #define KRL_HOST_CALL_VARIADIC
 #endif
 
-/// The plain records that pass through the host's door.
+/// The records passed between the host and the plug-in.
 namespace krl::host {
 
-/// What every operation answers: 0 for success.
+/// The status that every operation returns: 0 for success.
 using HostStatus = int32_t;
 
 inline constexpr HostStatus kHostOk = 0;
@@ -35,7 +35,7 @@ struct Identifier {
 };
 static_assert(sizeof(Identifier) == 16);
 
-/// The host's value: two words that the frame copies and never looks into.
+/// The host's value: two words that the plug-in copies and never interprets.
 struct ScriptValue {
     int32_t words[2] = {0, 0};
 };
@@ -53,7 +53,7 @@ struct ColourRecord {
 };
 static_assert(sizeof(ColourRecord) == 4);
 
-/// What locking an image gives. The last word is the host's own.
+/// The result of locking an image. The last word is private to the host.
 struct ImageLock {
     uint8_t* pixels = nullptr;
     void* host = nullptr;
@@ -61,12 +61,12 @@ struct ImageLock {
 
 /// The host's record for one call of a method.
 struct CallInfo {
-    int32_t selector = 0;                    ///< place of the method in the message table, 0 for `new`
-    ScriptValue result;                      ///< what the script gets
+    int32_t selector = 0;                    ///< index of the method in the message table, 0 for `new`
+    ScriptValue result;                      ///< returned to the script
     const ScriptValue* arguments = nullptr;  ///< element 0 is `me`, element 1 the first argument
 };
 
-/// Any interface of the host: a table of operations, the first three of which are
+/// Any interface of the host: a table of operations whose first three are
 /// `QueryInterface`, `AddRef` and `Release`.
 struct HostInterface {
     void* const* operations;

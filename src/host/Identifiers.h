@@ -2,7 +2,7 @@
 
 #include "host/HostTypes.h"
 
-/// Every class and interface identifier that passes through the door.
+/// The class and interface identifiers shared with the host.
 namespace krl::host::ids {
 
 inline constexpr Identifier kNone = {0, 0, 0, {0, 0, 0, 0, 0, 0, 0, 0}};
@@ -17,7 +17,7 @@ inline constexpr Identifier kIMoaRegister = {
     0xAC3E7803, 0x0002, 0x8FE5, {0x00, 0x00, 0x08, 0x00, 0x07, 0x16, 0x0D, 0xC3}};
 inline constexpr Identifier kIMoaMmXScript = {
     0xAC401FB6, 0x0001, 0xF9B0, {0x00, 0x00, 0x08, 0x00, 0x07, 0x2C, 0x63, 0x26}};
-/// Under which "XtraLoadControlOptions" is registered.
+/// Class under which "XtraLoadControlOptions" is registered.
 inline constexpr Identifier kLoadControl = {
     0x70D7CCF4, 0x615F, 0x11CF, {0xB4, 0x8D, 0x08, 0x00, 0x07, 0x16, 0x0D, 0xC3}};
 

@@ -4,11 +4,11 @@
 
 namespace krl::host {
 
-/// Makes an interface object of `owner` with the given operations and a count of 1, in memory of
-/// the host's; null and `0x80040002` when there is none.
+/// Creates an interface object of `owner` with the given operations and a count of 1, in the host's memory;
+/// null and `0x80040002` if memory runs out.
 HostStatus createInterfaceObject(InstanceHead* owner, void* const* operations, void** out);
 
-/// Interface objects alive in this process.
+/// The number of live interface objects in this process.
 uint32_t liveObjects();
 
 // The first three operations of every interface of this library.

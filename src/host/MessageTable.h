@@ -9,14 +9,14 @@
 
 namespace krl::host {
 
-/// The text by which a host learns the methods: a line for the xtra, then one for each selector from `new`
-/// (0) on, each ended by a line feed. Registered as one string, kept in two pieces: the first two lines, and
-/// the methods. Methods that the catalogue has beyond the fixed lines follow them.
+/// The text that describes the methods to a host: a line for the xtra, then one for each selector from `new`
+/// (0) on, each ended by a line feed. Registered as one string, stored in two pieces: the first two lines,
+/// and the methods. Catalogue methods without a fixed line are appended.
 class MessageTable {
 public:
     explicit MessageTable(const Catalogue& catalogue);
 
-    /// Bytes asked of the host's allocator for the whole text: it, its end, and one to spare.
+    /// Bytes to allocate for the whole text: the text, its terminator and one spare byte.
     uint32_t bytes() const { return static_cast<uint32_t>(head_.size() + body_.size() + 2); }
     std::string_view head() const { return head_; }
     const std::string& body() const { return body_; }

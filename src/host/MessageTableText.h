@@ -170,8 +170,8 @@ constexpr int32_t countLines(std::string_view text) {
 }
 static_assert(countLines(kMessageTableHead) == 2);
 
-/// Methods of the fixed lines; they have operations of their own in the interface, in this order. What the
-/// catalogue has beyond them goes by `Call` alone.
+/// Methods with a fixed line; each has its own operation in the interface, in this order. Other methods of
+/// the catalogue are reached only through `Call`.
 inline constexpr int32_t kMethodCount = countLines(kMessageTableBody);
 
 }  // namespace krl::host

@@ -33,7 +33,7 @@ static_assert(sizeof(ScriptInstance) == 120);
 static_assert(sizeof(InterfaceObject) == 12);
 #endif
 
-/// Acquires the host's services; `0x80040004` when a required one is missing.
+/// Acquires the host's services; `0x80040004` if a required one is missing.
 HostStatus KRL_HOST_CALL createScriptInstance(InstanceHead* head);
 /// Releases the services and frees the engine. An image that is still loaded stays locked.
 void KRL_HOST_CALL destroyScriptInstance(InstanceHead* head);
