@@ -12,13 +12,12 @@
 #include "player/host/Xtra.h"
 #include "player/lingo/Interpreter.h"
 
-/// Times every method of the registry by its example arguments, sent through the door of the
-/// embedded host. Of each it tells, from its best run:
+/// Times every method of the registry with its example arguments, called through the embedded host.
+/// Reports for the best run of each:
 ///
-/// - `ms`, and `ns` for one pixel;
-/// - `GB/s` of picture;
-/// - `passes`: how many read-and-write passes over the same picture the time would allow, by
-///   passes timed between the runs.
+/// - `ms`, and `ns` per pixel;
+/// - `GB/s` of picture data;
+/// - `passes`: the time in units of one read and write of the whole picture, timed between the runs.
 namespace krl::bench {
 namespace {
 
@@ -63,7 +62,7 @@ public:
         return values;
     }
 
-    /// Milliseconds of a call on the picture as it was loaded.
+    /// Milliseconds of a call on the original picture.
     double timed(const Method& method, const std::vector<Value>& arguments) {
         std::memcpy(bytes(), clean_.pixels.data(), size_t(pixelCount()) * sizeof(Pixel));
         return milliseconds(bands(), [&] { xtra_.call(instance_, host::selectorOf(method), arguments); });
@@ -88,10 +87,10 @@ private:
     player::Interpreter interpreter_;
     player::Bitmap clean_;
     Value picture_, instance_;
-    ImageEngine beside_;  ///< on the same pixels, for the pass
+    ImageEngine beside_;  ///< works on the same pixels, to time a pass
 };
 
-/// One stage lives at a time; benchmarks are registered so that it changes seldom.
+/// Only one stage exists at a time; benchmarks are registered in an order that rarely changes it.
 Stage& stageFor(Size size, bool oneBand) {
     static std::unique_ptr<Stage> stage;
     static std::pair<int32_t, bool> kind;

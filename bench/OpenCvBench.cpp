@@ -25,24 +25,24 @@
 #include "krlimage/tone.h"
 #include "krlimage/warp.h"
 
-/// Times effects beside OpenCV's nearest operations, in turns in one process, at one thread and at
-/// two, and writes a table. Where OpenCV has no such operation the row names what stands in.
+/// Times effects against OpenCV's nearest operations, alternating in one process, on one and two threads,
+/// and prints a table. If OpenCV has no such operation, the row names the substitute.
 namespace krl::bench {
 namespace {
 
 constexpr int32_t kWidth = 4000, kHeight = 3000;
 constexpr int kRuns = 7;
 
-/// Two operations that are set side by side. Neither's result is looked at: they need not agree.
+/// Two operations to compare. Their results are not checked and need not agree.
 struct Row {
     const char* work;
     const char* theirs;
-    double goal;  ///< ours as a share of theirs
+    double goal;  ///< our time relative to theirs
     std::function<void(ImageEngine&)> runOurs;
     std::function<void()> runTheirs;
 };
 
-/// The pictures that OpenCV's operations read and write; scratch is kept from run to run.
+/// The pictures that OpenCV's operations read and write; scratch memory is reused between runs.
 struct Pictures {
     explicit Pictures(player::Bitmap& landscape)
         : source(landscape.height, landscape.width, CV_8UC4, landscape.pixels.data()),
@@ -63,7 +63,7 @@ cv::Mat curveOf() {
     return table;
 }
 
-/// A line of 31 samples at 20 degrees as a filter kernel.
+/// A filter kernel with a line of 31 samples at 20 degrees.
 cv::Mat motionKernel() {
     constexpr int kSamples = 31;
     cv::Mat kernel = cv::Mat::zeros(kSamples, 2 * kSamples, CV_32F);
@@ -195,7 +195,7 @@ struct Times {
     double ours = 1e30, theirs = 1e30;
 };
 
-/// The best of a few runs of each, in turns, so that what else the machine does falls on both.
+/// The best of a few runs of each, alternating, so that other load affects both equally.
 Times measure(const Row& row, ImageEngine& engine, const player::Bitmap& clean, player::Bitmap& picture) {
     const int32_t threads = engine.getThreadCount();
     Times times;
@@ -247,5 +247,5 @@ int run(const char* wanted) {
 }  // namespace
 }  // namespace krl::bench
 
-/// Rows whose name holds the argument; all without one.
+/// Runs the rows whose name contains the argument, or all without one.
 int main(int argc, char** argv) { return krl::bench::run(argc > 1 ? argv[1] : ""); }

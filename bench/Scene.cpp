@@ -11,7 +11,7 @@ namespace krl::bench {
 
 namespace {
 
-/// Where a sample of the enlarged picture lies between two of the small one.
+/// The position of a sample of the enlarged picture between two samples of the small one.
 struct Between {
     Between(int32_t index, int32_t count, int32_t smallCount) {
         const double place = std::max(0.0, (index + 0.5) * smallCount / count - 0.5);

@@ -6,21 +6,21 @@
 #include "krlimage/engine.h"
 #include "player/pictures/Picture.h"
 
-/// What benchmarks are run on, and against what they are held.
+/// Input of the benchmarks, and the reference that they are compared with.
 namespace krl::bench {
 
-/// The sample landscape in any size, with the fine grain of a photograph: flat or random pictures
-/// would flatter some effects and wrong others.
+/// The sample landscape in any size, with the fine grain of a photograph: flat or random pictures would
+/// favour some effects and penalise others.
 player::Bitmap landscape(int32_t width, int32_t height);
 
-/// A picture's description as a host gives it.
+/// A picture's description as provided by a host.
 ImageInfo infoOf(const player::Bitmap& picture);
 
-/// Reads and writes every byte of the engine's picture once, which no effect can undercut.
+/// Reads and writes every byte of the engine's picture once, a lower bound for any effect.
 void readAndWrite(const ImageEngine& engine);
 
-/// Milliseconds that `work` takes on `threads` threads. On one thread it is the processor's time, so
-/// that what else the machine does counts for nothing; on several, the clock's.
+/// Milliseconds that `work` takes on `threads` threads. On one thread, processor time, which
+/// excludes other load on the machine; on several, wall-clock time.
 template <class Work>
 double milliseconds(int32_t threads, Work&& work) {
     const auto start = std::chrono::steady_clock::now();

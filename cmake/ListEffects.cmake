@@ -1,7 +1,7 @@
-# Writes the source file OUT, which hands every effect's entry to the catalogue, family by family. An entry is
-# a function `void describeX(Catalogue& catalogue)` in a source file below TREE, whose folder there is its
-# family; files below EXTRA, if it is set, are effects from outside: those in no folder there are of the
-# family `extra`. Touches OUT only when something changed.
+# Writes the source file OUT, which registers every effect in the catalogue, family by family. An entry is a
+# function `void describeX(Catalogue& catalogue)` in a source file below TREE; its folder there is its family.
+# Files below EXTRA, if set, are external effects; those not in a folder belong to the family `extra`. Leaves
+# OUT untouched if nothing changed.
 set(declarations "")
 set(calls "")
 foreach(root IN ITEMS ${TREE} ${EXTRA})

@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
-/// Stands before the library for pictures and ends the program where it reads a picture whose name says so,
-/// as the library itself does when memory runs out.
+/// Preloaded over the image library: crashes the program when it reads a picture whose name asks for it, as
+/// the library itself does when it runs out of memory.
 extern "C" const char* vips_image_get_filename(void* image);
 
 extern "C" __attribute__((visibility("default"))) int vips_image_get_orientation(void* image) {

@@ -15,7 +15,7 @@ public:
     bool loaded() const { return handle_ != nullptr; }
     /// An export by name, or null.
     void* symbol(const char* name) const;
-    /// By ordinal number, as a host's loader may ask; null where the platform has none.
+    /// By ordinal number, as a host's loader may request it; null on platforms without ordinals.
     void* ordinal(int number) const;
 
     template <class Function>

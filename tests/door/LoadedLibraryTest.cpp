@@ -3,7 +3,7 @@
 #include "door/LoadedLibrary.h"
 #include "host/BareHost.h"
 
-/// The library as a file: loaded, asked, used and let go, by nothing but its exports.
+/// The library as a file: loaded, queried, used and unloaded through its exports only.
 namespace krl::host {
 namespace {
 
@@ -68,7 +68,7 @@ TEST_F(LoadedPlugIn, RegistersItself) {
     EXPECT_EQ(host.blocks, 0);
 }
 
-TEST_F(LoadedPlugIn, MakesAnInstanceCallsItAndLetsItGo) {
+TEST_F(LoadedPlugIn, CreatesAnInstanceCallsItAndReleasesIt) {
     BareHost host;
     int32_t bytes = 0;
     CreateInstanceFunction create = nullptr;

@@ -12,8 +12,8 @@
 
 namespace krl::host::test {
 
-/// The least of a host: it registers and makes instances, can lack any service or run out of
-/// memory, and writes down all that is asked of it. It has no values and no images.
+/// A minimal host: it registers the plug-in and creates instances, can lack any service or run out of
+/// memory, and records all requests. It has no values and no images.
 class BareHost {
 public:
     BareHost() {
@@ -30,17 +30,17 @@ public:
 
     std::string name = "Director";
     std::string version = "10.1";
-    /// Services that are not to be had.
+    /// Services that are unavailable.
     std::vector<Identifier> missing;
-    /// Blocks that are still granted; negative means no limit.
+    /// Allocations still granted; negative means no limit.
     int blocksLeft = -1;
     /// The entry whose addition fails.
     const Identifier* failingEntry = nullptr;
 
     int references = 0;                          ///< on all services and instances together
     int blocks = 0;                              ///< allocated and not yet freed
-    std::vector<std::string> asked;              ///< services in the order of asking
-    std::map<std::string, std::string> entries;  ///< what was put into dictionaries
+    std::vector<std::string> asked;              ///< requested services, in order
+    std::map<std::string, std::string> entries;  ///< dictionary entries
     int entriesAdded = 0;
 
     HostInterface* provider() { return face(provider_); }
@@ -68,7 +68,7 @@ private:
 
     HostInterface* face(Service& service) { return &service.door; }
 
-    // An instance's head begins like a service too: a table, then this host.
+    // An instance's head has the same layout as a service: a table, then this host.
     static BareHost& hostOf(HostInterface* self) { return *reinterpret_cast<Service*>(self)->host; }
 
     template <class Op>

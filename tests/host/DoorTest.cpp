@@ -12,7 +12,7 @@ namespace {
 
 using test::BareHost;
 
-TEST(Exports, TellBothClassesWithTheirBaseAndTheirInterface) {
+TEST(Exports, ReportBothClassesWithTheirBaseAndTheirInterface) {
     BareHost host;
     ClassInfoRecord* records = nullptr;
     ASSERT_EQ(DllGetClassInfo(host.memory(), &records), kHostOk);
@@ -32,7 +32,7 @@ TEST(Exports, TellBothClassesWithTheirBaseAndTheirInterface) {
     EXPECT_EQ(host.blocks, 0);
 }
 
-TEST(Exports, GiveNullAndOutOfMemoryWhenTheClassTableCannotBeHad) {
+TEST(Exports, ReturnNullAndOutOfMemoryIfTheClassTableCannotBeAllocated) {
     BareHost host;
     host.blocksLeft = 0;
     ClassInfoRecord* records = reinterpret_cast<ClassInfoRecord*>(&host);
@@ -40,7 +40,7 @@ TEST(Exports, GiveNullAndOutOfMemoryWhenTheClassTableCannotBeHad) {
     EXPECT_EQ(records, nullptr);
 }
 
-TEST(Exports, TellAnInstancesSizeAndMakers) {
+TEST(Exports, ReportTheSizeAndFunctionsOfAnInstance) {
     int32_t bytes = 0;
     CreateInstanceFunction create = nullptr;
     DestroyInstanceFunction destroy = nullptr;
@@ -54,7 +54,7 @@ TEST(Exports, TellAnInstancesSizeAndMakers) {
     EXPECT_EQ(DllGetClassForm(&ids::kValues, &bytes, &create, &destroy), kHostNoClass);
 }
 
-TEST(Exports, NeverGiveAClassObject) {
+TEST(Exports, NeverReturnAClassObject) {
     void* object = nullptr;
     EXPECT_EQ(DllGetClassObject(&ids::kScriptClass, &ids::kIMoaMmXScript, &object), kHostNoClass);
 }
@@ -68,7 +68,7 @@ TEST(Exports, RefuseAnInterfaceOfAnotherClass) {
     EXPECT_EQ(DllGetInterface(&instance, &ids::kScriptClass, &ids::kValues, &object), kHostNoInterface);
 }
 
-TEST(InterfaceObjects, HoldTheirOwnerOnceForLifeAndOnceForEachReference) {
+TEST(InterfaceObjects, HoldAReferenceToTheirOwnerForThemselvesAndForEachReference) {
     BareHost host;
     auto instance = host.record<InstanceHead>();
     void* made = nullptr;
@@ -170,7 +170,7 @@ HostStatus registerWith(BareHost& host) {
     return status;
 }
 
-TEST(Registration, AcceptsVersionsByTheFirstDigitOrASecond) {
+TEST(Registration, AcceptsVersionsByTheirFirstTwoCharacters) {
     const std::pair<const char*, HostStatus> cases[] = {
         {"5", kHostTooOld}, {"5.0", kHostTooOld}, {"5.5", kHostTooOld}, {"6.0", kHostOk},
         {"8.5", kHostOk},   {"10.1", kHostOk},    {"11.5", kHostOk},    {"", kHostTooOld},
@@ -193,7 +193,7 @@ TEST(Registration, RefusesAnyOtherHostWhateverItsVersion) {
     }
 }
 
-TEST(Registration, PutsTheLoadOptionsAndTheWholeMessageTable) {
+TEST(Registration, RegistersTheLoadOptionsAndTheWholeMessageTable) {
     BareHost host;
     ASSERT_EQ(registerWith(host), kHostOk);
     EXPECT_EQ(host.entries["XtraLoadControlOptions"], "3/0/3");
@@ -201,7 +201,7 @@ TEST(Registration, PutsTheLoadOptionsAndTheWholeMessageTable) {
     EXPECT_EQ(host.entries.size(), 2u);
 }
 
-TEST(Registration, GoesOnWhenTheLoadOptionsFindNoEntry) {
+TEST(Registration, ContinuesIfTheLoadOptionsHaveNoEntry) {
     BareHost host;
     host.failingEntry = &ids::kLoadControl;
     EXPECT_EQ(registerWith(host), kHostOk);
@@ -209,7 +209,7 @@ TEST(Registration, GoesOnWhenTheLoadOptionsFindNoEntry) {
     EXPECT_EQ(host.entries.count("msgTable"), 1u);
 }
 
-TEST(Registration, EndsWithTheFirstStatusThatFails) {
+TEST(Registration, StopsAtTheFirstFailure) {
     BareHost noEntry;
     noEntry.failingEntry = &ids::kIMoaMmXScript;
     EXPECT_EQ(registerWith(noEntry), kHostOutOfMemory);
@@ -240,14 +240,14 @@ TEST(ScriptInstances, AcquireTheirServicesInOrder) {
     EXPECT_EQ(host.asked, expected);
 }
 
-TEST(ScriptInstances, FailOnAMissingServiceDBeforeTheyAskOn) {
+TEST(ScriptInstances, FailOnAMissingServiceDBeforeAskingForOthers) {
     BareHost host;
     host.missing = {ids::kServiceD};
     EXPECT_EQ(createInstance(host), kHostNoInterface);
     EXPECT_EQ(host.asked.back(), "D9088161");
 }
 
-TEST(ScriptInstances, FailWithoutAnyServiceThatIsRequired) {
+TEST(ScriptInstances, FailWithoutARequiredService) {
     for (const Identifier& id : {ids::kServiceA, ids::kAppInfo, ids::kServiceB, ids::kValues, ids::kUtils,
                                  ids::kLists, ids::kPlayerSource, ids::kServiceE}) {
         BareHost host;
@@ -256,7 +256,7 @@ TEST(ScriptInstances, FailWithoutAnyServiceThatIsRequired) {
     }
 }
 
-TEST(ScriptInstances, LiveWithoutTheServicesThatAreNot) {
+TEST(ScriptInstances, WorkWithoutTheOptionalServices) {
     for (const Identifier& id : {ids::kServiceC, ids::kImages, ids::kColours}) {
         BareHost host;
         host.missing = {id};
@@ -264,7 +264,7 @@ TEST(ScriptInstances, LiveWithoutTheServicesThatAreNot) {
     }
 }
 
-TEST(MessageTable, HasALineForEverySelectorAndTheSizeThatIsAskedFor) {
+TEST(MessageTable, HasALineForEverySelectorAndTheAllocatedSize) {
     const MessageTable& table = messageTable();
     const std::string whole = std::string(table.head()) + table.body();
     EXPECT_EQ(std::count(whole.begin(), whole.end(), '\n'), std::ptrdiff_t(table.methods().size()) + 2);

@@ -16,7 +16,7 @@ struct SignatureArgument {
     std::string kind, name;
 };
 
-/// The arguments after `me`, as the message table has them.
+/// The arguments after `me` in the message table.
 std::vector<SignatureArgument> signatureArguments(const Method& method) {
     std::string text = signatureOf(method);
     const size_t comma = text.find(',');
@@ -69,7 +69,7 @@ TEST_P(EveryMethod, DeclaresTheArgumentsOfItsSignature) {
 
 TEST_P(EveryMethod, HasABodyThatTakesItsArguments) { EXPECT_TRUE(method().fitsEffect()); }
 
-TEST_P(EveryMethod, IsToldInWords) {
+TEST_P(EveryMethod, IsDescribedInWords) {
     EXPECT_STRNE(method().summaryText(), "");
     EXPECT_NE(method().heading(), "");
     for (const Argument& argument : method().arguments()) EXPECT_STRNE(argument.meaning, "") << argument.name;
@@ -120,7 +120,7 @@ TEST(Registry, FindsMethodsByEitherNameInAnyCase) {
     EXPECT_EQ(signatureOf(*load), "krlImageLoad object me, any srcCMem");
 }
 
-TEST(Examples, AreWrittenAsLingoHasThem) {
+TEST(Examples, AreWrittenAsLingo) {
     EXPECT_EQ(realNotation(0.5), "0.5");
     EXPECT_EQ(realNotation(-2), "-2.0");
     EXPECT_EQ(realNotation(1e9), "1000000000.0");

@@ -3,7 +3,7 @@
 #include "methods/Stage.h"
 #include "player/host/Objects.h"
 
-/// The two colour conversions and the methods without effect, as a script meets them.
+/// The two colour conversions and the methods without effect, as seen by scripts.
 namespace krl::test {
 namespace {
 
@@ -32,21 +32,21 @@ Colour convertedColour(Stage& stage, double hue, double saturation, double value
     return entries[0].value.colour();
 }
 
-TEST(HsvToRgb, AnswersWithOneColourAndNoError) {
+TEST(HsvToRgb, ReturnsOneColourAndNoError) {
     Stage stage(false);
     EXPECT_EQ(convertedColour(stage, 0, 0, 1).word, Colour(255, 255, 255).word);
     EXPECT_EQ(convertedColour(stage, 360, 1, 1).word, Colour(255, 0, 0).word);
     EXPECT_EQ(convertedColour(stage, 240, 1, 0.5).word, Colour(0, 0, 128).word);
 }
 
-TEST(HsvToRgb, LetsEveryNumberThrough) {
+TEST(HsvToRgb, AcceptsEveryNumber) {
     Stage stage(false);
     EXPECT_EQ(convertedColour(stage, 400, 1, 1).red(), 255);
     EXPECT_EQ(convertedColour(stage, -5, 0.5, 0.5).red(), 128);
     EXPECT_EQ(convertedColour(stage, 0, 0, 1.5).red(), 383 - 256);
 }
 
-TEST(HsvToRgb, ReportsWhatIsNoNumber) {
+TEST(HsvToRgb, ReportsNonNumbers) {
     Stage stage(false);
     const Answer answer = stage.call("krlImageHSVtoRGB", {stage.real(0), stage.symbol("RGB"), stage.real(1)});
     EXPECT_EQ(answer.error, "HSVtoRGB input failure (Image)");
@@ -69,14 +69,14 @@ std::vector<double> convertedNumbers(Stage& stage, Colour colour) {
     return numbers;
 }
 
-TEST(RgbToHsv, AnswersWithThreeNumbersAndNoError) {
+TEST(RgbToHsv, ReturnsThreeNumbersAndNoError) {
     Stage stage(false);
     EXPECT_EQ(convertedNumbers(stage, Colour(0, 0, 0)), (std::vector<double>{-1, 0, 0}));
     EXPECT_EQ(convertedNumbers(stage, Colour(0, 0, 255)), (std::vector<double>{240, 1, 1}));
     EXPECT_EQ(convertedNumbers(stage, Colour(255, 255, 0)), (std::vector<double>{60, 1, 1}));
 }
 
-TEST(RgbToHsv, ReportsWhatIsNoColour) {
+TEST(RgbToHsv, ReportsNonColours) {
     Stage stage(false);
     const Answer answer = stage.call("krlImageRGBtoHSV", {stage.integer(7)});
     EXPECT_EQ(answer.error, "RGBtoHSV input failure (Image)");
@@ -90,7 +90,7 @@ TEST(Conversions, LeaveNothingBehind) {
     EXPECT_TRUE(stage.leavesNothing());
 }
 
-TEST(DropShadow, AnswersWithANewPictureOfTheLoadedSize) {
+TEST(DropShadow, ReturnsANewPictureOfTheLoadedSize) {
     Stage stage;
     stage.load(7, 3);
     const std::vector<Pixel> before = stage.pixels();
@@ -111,7 +111,7 @@ TEST(DropShadow, AnswersWithANewPictureOfTheLoadedSize) {
     EXPECT_TRUE(stage.leavesNothing());
 }
 
-TEST(DropShadow, UsesTheLastSizeAfterThePictureIsLetGo) {
+TEST(DropShadow, UsesTheLastSizeAfterThePictureIsReleased) {
     Stage stage;
     stage.load(7, 3);
     stage.quit();
@@ -121,14 +121,14 @@ TEST(DropShadow, UsesTheLastSizeAfterThePictureIsLetGo) {
     EXPECT_EQ(entries[1].value.as<player::ImageObject>()->width(), 7);
 }
 
-TEST(DropShadow, FailsWhereNoPictureCanBeMade) {
-    Stage stage;  // nothing was ever loaded: a picture of no size
+TEST(DropShadow, FailsIfNoPictureCanBeCreated) {
+    Stage stage;  // no picture was loaded, so the size is 0
     const Answer answer = stage.call("krlImageDropShadow", {stage.integer(5), stage.integer(5)});
     EXPECT_EQ(answer.error, "Failed Drop Shadow function (Image)");
     EXPECT_EQ(answer.status, host::kHostOk);
 }
 
-TEST(MethodsWithoutEffect, SucceedWithAnEngineAlone) {
+TEST(MethodsWithoutEffect, SucceedWithOnlyAnEngine) {
     Stage stage;
     EXPECT_EQ(stage.call("krlImageStars").error, "");
     for (const char* name : {"krlImageFishEye", "krlImageGleamBlur", "krlImageGleamZoom",
@@ -136,7 +136,7 @@ TEST(MethodsWithoutEffect, SucceedWithAnEngineAlone) {
         EXPECT_EQ(stage.call(name, stage.examples(*host::findMethod(name))).error, "") << name;
 }
 
-TEST(MethodsWithoutEffect, NeedNoEngineButForAPicture) {
+TEST(MethodsWithoutEffect, NeedAnEngineOnlyForAPicture) {
     Stage stage(false);
     for (const char* name : {"krlImageStars", "krlImageDefinePattern", "krlImageFishEye", "krlImageGleamBlur",
                              "krlImageGleamZoom", "krlImageDiffuseExtended", "krlImageShadowHighlight"})
@@ -146,7 +146,7 @@ TEST(MethodsWithoutEffect, NeedNoEngineButForAPicture) {
     EXPECT_EQ(stage.call("krlImageDropShadow", sizes).error, "Failed Drop Shadow function (Image)");
 }
 
-TEST(MethodsWithoutEffect, LeaveThePicture) {
+TEST(MethodsWithoutEffect, LeaveThePictureUnchanged) {
     Stage stage;
     stage.load(6, 4);
     const std::vector<Pixel> before = stage.pixels();
@@ -157,7 +157,7 @@ TEST(MethodsWithoutEffect, LeaveThePicture) {
     EXPECT_EQ(stage.pixels(), before);
 }
 
-TEST(MethodsWithoutEffect, WantAPictureWhereTheySaySo) {
+TEST(MethodsWithoutEffect, NeedAPictureWhereDeclared) {
     Stage stage;
     const auto examples = stage.examples(*host::findMethod("krlImageTones"));
     EXPECT_EQ(stage.call("krlImageTones", examples).error, "Failed Tones function (Image)");
@@ -177,7 +177,7 @@ TEST(MethodsWithoutEffect, CheckTheirSymbols) {
               "Zoom Glow invalid input blendMethod (Image)");
 }
 
-TEST(MediumTonesMethod, FailsOnceThePictureIsLetGo) {
+TEST(MediumTonesMethod, FailsAfterThePictureIsReleased) {
     Stage stage;
     stage.load(6, 4);
     stage.quit();
@@ -185,7 +185,7 @@ TEST(MediumTonesMethod, FailsOnceThePictureIsLetGo) {
               "Failed Medium Tones function (Image)");
 }
 
-TEST(ThresholdMethod, MisspellsItsFailureForTheNumberAlone) {
+TEST(ThresholdMethod, MisspellsItsFailureOnlyForTheNumber) {
     Stage stage;
     EXPECT_EQ(stage.call("krlImageThreshold", {stage.string("x"), stage.symbol("RGB")}).error,
               "Theshold input failure (Image)");

@@ -3,7 +3,7 @@
 #include "core/Faults.h"
 #include "methods/Stage.h"
 
-/// The methods that manage the engine, and what happens when their order is not kept.
+/// The methods that manage the engine, and what happens if they are called out of order.
 namespace krl::host {
 namespace {
 
@@ -15,7 +15,7 @@ constexpr const char* kNotInitialised = "Image xtra not initialised (Image)";
 
 Value onePixel(Stage& stage) { return stage.image(1, 1, 1); }
 
-TEST(CreateLookupTables, TakesAModeThatIsNoSymbolAsOneBandAndTellsTheHostAlone) {
+TEST(CreateLookupTables, TreatsAModeThatIsNotASymbolAsOneBandAndReportsItOnlyToTheHost) {
     Stage stage(false);
     const Answer answer = stage.call("krlImageCreateLookupTables", {stage.integer(1)});
     EXPECT_EQ(answer.error, "");
@@ -24,7 +24,7 @@ TEST(CreateLookupTables, TakesAModeThatIsNoSymbolAsOneBandAndTellsTheHostAlone) 
     EXPECT_EQ(stage.call("krlImageLoad", {onePixel(stage)}).error, "");
 }
 
-TEST(CreateLookupTables, RefusesAnotherModeAndMakesNoEngine) {
+TEST(CreateLookupTables, RejectsAnUnknownModeAndCreatesNoEngine) {
     Stage stage(false);
     const Answer answer = stage.call("krlImageCreateLookupTables", {stage.symbol("other")});
     EXPECT_EQ(answer.error, "Create Lookup Tables invalid MT input (Image)");
@@ -32,7 +32,7 @@ TEST(CreateLookupTables, RefusesAnotherModeAndMakesNoEngine) {
     EXPECT_EQ(stage.call("krlImageLoad", {onePixel(stage)}).error, kNotInitialised);
 }
 
-TEST(CreateLookupTables, LeavesAnEngineAloneThatIsThereWhenItRefuses) {
+TEST(CreateLookupTables, KeepsTheExistingEngineWhenItFails) {
     Stage stage;
     stage.call("krlImageCreateLookupTables", {stage.symbol("other")});
     EXPECT_EQ(stage.call("krlImageLoad", {onePixel(stage)}).error, "");
@@ -61,13 +61,13 @@ TEST(DestroyLookupTables, LeavesALoadedPictureLocked) {
     EXPECT_EQ(stage.locks(), 1);
 }
 
-TEST(Load, WantsAnEngineFirstAndLocksNothingWithout) {
+TEST(Load, NeedsAnEngineAndLocksNothingWithoutOne) {
     Stage stage(false);
     EXPECT_EQ(stage.call("krlImageLoad", {onePixel(stage)}).error, kNotInitialised);
     EXPECT_EQ(stage.locks(), 0);
 }
 
-TEST(Load, TakesWhatIsNoImageAsOneWithoutRows) {
+TEST(Load, TreatsNonImagesAsAnImageWithoutRows) {
     Stage stage;
     for (const Value& value : {stage.integer(5), stage.string("x"), Value()})
         EXPECT_EQ(stage.call("krlImageLoad", {value}).error, "Invalid image height (Image)");
@@ -84,7 +84,7 @@ TEST(Load, LeavesTheFirstPictureLockedWhenASecondIsLoaded) {
     EXPECT_EQ(stage.locks(), 1);
 }
 
-TEST(Quit, LetsGoOfThePictureAndKeepsTheEngine) {
+TEST(Quit, ReleasesThePictureAndKeepsTheEngine) {
     Stage stage;
     const Value picture = onePixel(stage);
     EXPECT_EQ(stage.call("krlImageQuit").error, "") << "with nothing loaded";
@@ -107,18 +107,18 @@ TEST(Timers, WriteNoResultAndWorkBeforeAnythingElse) {
 
 TEST(Timers, PrintMillisecondsThatWrapAsIntegers) {
     Stage stage(false);
-    std::string told;
-    stage.embeddedHost().onMessage = [&](std::string_view text) { told += text; };
+    std::string printed;
+    stage.embeddedHost().onMessage = [&](std::string_view text) { printed += text; };
     stage.call("krlImageStartTimer");
     stage.call("krlImageStopTimer");
     int milliseconds = -1;
-    ASSERT_EQ(std::sscanf(told.c_str(), "Time taken (ms) = %d", &milliseconds), 1) << told;
-    EXPECT_EQ(told, "Time taken (ms) = " + std::to_string(milliseconds) + "\n");
+    ASSERT_EQ(std::sscanf(printed.c_str(), "Time taken (ms) = %d", &milliseconds), 1) << printed;
+    EXPECT_EQ(printed, "Time taken (ms) = " + std::to_string(milliseconds) + "\n");
     EXPECT_GE(milliseconds, 0);
     EXPECT_LT(milliseconds, 60000);
 }
 
-TEST(SecondImages, StayLockedAfterAFailedRunAndAreLetGoAfterAGoodOne) {
+TEST(SecondImages, StayLockedAfterAFailureAndAreUnlockedAfterSuccess) {
     Stage stage;
     stage.load(4, 3);
     const std::vector<Pixel> before = stage.pixels();
@@ -155,7 +155,7 @@ TEST(Memory, ThatRunsOutBecomesTheMethodsOwnMessage) {
     EXPECT_EQ(answer.status, kHostOutOfMemory);
 }
 
-TEST(Bands, ThatCannotBeHadBecomeTheMethodsOwnMessage) {
+TEST(Bands, ThatCannotBeCreatedBecomeTheMethodsOwnMessage) {
     Stage stage;
     stage.load(8, 8);
     stage.setBands(3);

@@ -8,7 +8,7 @@
 #include "host/MessageTableText.h"
 #include "methods/Stage.h"
 
-/// What holds for every method, generated from the registry and sent through the door.
+/// Tests for every method, generated from the registry and run through the plug-in interface.
 namespace krl::host {
 namespace {
 
@@ -26,7 +26,7 @@ protected:
             if (argument.kind == kind) return true;
         return false;
     }
-    /// Methods that read values or lists of their own have tests of their own.
+    /// Methods that read values or lists themselves have separate tests.
     bool isGeneric() const {
         return method().readsArguments() && !method().isSilent() && !hasKind(ArgumentKind::Value) &&
                !method().managesTheEngine();
@@ -36,7 +36,7 @@ protected:
     }
 };
 
-TEST_P(EveryMethod, ReportsAnArgumentOfAnotherKindAndLeavesThePicture) {
+TEST_P(EveryMethod, ReportsAnArgumentOfTheWrongTypeAndKeepsThePicture) {
     if (!isGeneric()) GTEST_SKIP() << "reads its arguments itself";
     Stage stage;
     stage.load(5, 4);
@@ -59,7 +59,7 @@ TEST_P(EveryMethod, ReportsAnArgumentOfAnotherKindAndLeavesThePicture) {
     EXPECT_EQ(stage.pixels(), before);
 }
 
-TEST_P(EveryMethod, ReportsASymbolThatItDoesNotKnowOrTakesItsBranch) {
+TEST_P(EveryMethod, ReportsAnUnknownSymbolOrUsesItsFallback) {
     if (!isGeneric()) GTEST_SKIP() << "reads its arguments itself";
     Stage stage;
     for (size_t i = 0; i < method().arguments().size(); ++i) {
@@ -74,7 +74,7 @@ TEST_P(EveryMethod, ReportsASymbolThatItDoesNotKnowOrTakesItsBranch) {
     }
 }
 
-TEST_P(EveryMethod, TakesEverySymbolThatItNames) {
+TEST_P(EveryMethod, AcceptsEverySymbolThatItNames) {
     if (!isGeneric()) GTEST_SKIP() << "reads its arguments itself";
     Stage stage;
     for (size_t i = 0; i < method().arguments().size(); ++i) {
@@ -112,14 +112,14 @@ TEST_P(EveryMethod, GivesTheSameBytesForAnyNumberOfBands) {
     }
 }
 
-TEST_P(EveryMethod, EndsWellForNumbersAtAndBeyondEveryEnd) {
+TEST_P(EveryMethod, HandlesNumbersAtAndBeyondEveryLimit) {
     if (!isGeneric()) GTEST_SKIP() << "reads its arguments itself";
     Stage stage;
     for (size_t i = 0; i < method().arguments().size(); ++i) {
         const Argument& argument = method().arguments()[i];
         std::vector<Value> values;
         if (argument.kind == ArgumentKind::Integer) {
-            // Sizes of new pictures are the host's to refuse; they are tested where they are made.
+            // The host limits the sizes of new pictures; that is tested with the methods that make them.
             const bool makesPicture = std::string(method().name()) == "krlImageRGBGradient";
             for (int32_t number : {INT_MIN, INT_MAX, -65537, -256, -1, 0, 1, 2, 255, 256, 360, 70000}) {
                 if (!makesPicture || number < 1000) values.push_back(stage.integer(number));
@@ -135,7 +135,7 @@ TEST_P(EveryMethod, EndsWellForNumbersAtAndBeyondEveryEnd) {
             std::vector<Value> arguments = stage.examples(method());
             arguments[i] = value;
             const Answer answer = stage.call(method(), arguments);
-            // What would not fit into memory may be refused; nothing else may be.
+            // Only what does not fit into memory may be refused.
             const bool refused = answer.status == kHostOutOfMemory && answer.error == method().failedText();
             EXPECT_TRUE(refused || answer.status == kHostOk) << argument.name << ' ' << answer.error;
         }
@@ -155,7 +155,7 @@ TEST_P(EveryMethod, FailsWithItsOwnTextWhenThereIsNoEngine) {
     }
 }
 
-TEST_P(EveryMethod, GivesBackEverythingThatItTook) {
+TEST_P(EveryMethod, ReleasesEverythingThatItAcquired) {
     if (!isGeneric()) GTEST_SKIP() << "reads its arguments itself";
     Stage stage;
     stage.load(6, 5);

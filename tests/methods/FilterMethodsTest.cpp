@@ -2,8 +2,8 @@
 
 #include "methods/Stage.h"
 
-/// What the filters make of symbols that they do not know and say nothing of, and a text that is
-/// misspelt for some arguments only.
+/// How the filters treat unknown symbols that they do not report, and a message that is misspelt for some
+/// arguments only.
 namespace krl::test {
 namespace {
 
@@ -11,7 +11,7 @@ using player::Value;
 
 constexpr int32_t kWidth = 9, kHeight = 7;
 
-/// The picture after a method with its example arguments, of which number `index` is `symbol`.
+/// The picture after a method with its example arguments, with argument `index` replaced by `symbol`.
 std::vector<Pixel> pixelsAfter(const char* name, size_t index, const char* symbol) {
     Stage stage;
     stage.load(kWidth, kHeight);
@@ -27,7 +27,7 @@ std::vector<Pixel> untouched() {
     return stage.pixels();
 }
 
-TEST(FilterMethods, TakeAlphaForATargetThatTheyDoNotKnow) {
+TEST(FilterMethods, UseAlphaForAnUnknownTarget) {
     const std::pair<const char*, size_t> methods[] = {
         {"krlImageSobel", 0}, {"krlImageEmboss", 3}, {"krlImageMotionBlur", 3}, {"krlImageMosaic", 1}};
     for (const auto& [name, index] : methods) {
@@ -37,19 +37,19 @@ TEST(FilterMethods, TakeAlphaForATargetThatTheyDoNotKnow) {
     }
 }
 
-TEST(FilterMethods, TurnAndZoomNothingForATargetThatTheyDoNotKnow) {
+TEST(FilterMethods, RotateAndZoomNothingForAnUnknownTarget) {
     EXPECT_EQ(pixelsAfter("krlImageRadialBlur", 2, "other"), untouched());
     EXPECT_EQ(pixelsAfter("krlImageZoomBlur", 3, "other"), untouched());
     EXPECT_NE(pixelsAfter("krlImageRadialBlur", 2, "Alpha"), untouched());
 }
 
-TEST(FilterMethods, CountEverySymbolButSingleAsDouble) {
+TEST(FilterMethods, TreatEverySymbolExceptSingleAsDouble) {
     const std::vector<Pixel> result = pixelsAfter("krlImageMotionBlur", 2, "other");
     EXPECT_EQ(result, pixelsAfter("krlImageMotionBlur", 2, "double"));
     EXPECT_NE(result, pixelsAfter("krlImageMotionBlur", 2, "single"));
 }
 
-TEST(FilterMethods, MisspellTheFailureOfAThresholdsNumbersAlone) {
+TEST(FilterMethods, MisspellTheFailureOnlyOfAThresholdsNumbers) {
     Stage stage;
     stage.load(kWidth, kHeight);
     for (size_t index = 0; index < 4; ++index) {

@@ -5,7 +5,7 @@
 #include "methods/Stage.h"
 #include "player/host/Objects.h"
 
-/// The two descriptions that scripts give as lists: flares and Bezier shapes.
+/// The two descriptions that scripts pass as lists: flares and Bezier shapes.
 namespace krl::test {
 namespace {
 
@@ -156,7 +156,7 @@ public:
                       [&](const auto& entry) { return entry.key.sameWords(symbol(key)); });
     }
 
-    /// Settings that all can be read; radius 8 and brightness 200 around (30, 20).
+    /// Valid settings; radius 8 and brightness 200 around (30, 20).
     Value settings(const FlareKind& kind) {
         Value made = list();
         for (const FlareProperty& property : kind.properties) {
@@ -198,7 +198,7 @@ TEST(LensFlareMethod, AcceptsEveryKind) {
     }
 }
 
-TEST(LensFlareMethod, NamesEveryPropertyThatIsMissingOrOfAnotherKind) {
+TEST(LensFlareMethod, NamesEveryPropertyThatIsMissingOrOfTheWrongType) {
     FlareStage stage;
     for (const FlareKind& kind : kKinds)
         for (const FlareProperty& property : kind.properties) {
@@ -215,7 +215,7 @@ TEST(LensFlareMethod, NamesEveryPropertyThatIsMissingOrOfAnotherKind) {
         }
 }
 
-TEST(LensFlareMethod, TakesIntegersForFloatsAndNeverFloatsForIntegers) {
+TEST(LensFlareMethod, AcceptsIntegersForFloatsButNotFloatsForIntegers) {
     FlareStage stage;
     for (const FlareKind& kind : kKinds)
         for (const FlareProperty& property : kind.properties) {
@@ -238,7 +238,7 @@ TEST(LensFlareMethod, ReadsPropertiesInTheirOrder) {
     }
 }
 
-TEST(LensFlareMethod, ReportsColoursAndBlendInTheColourListsWords) {
+TEST(LensFlareMethod, ReportsColoursAndBlendWithTheColourListsMessage) {
     FlareStage stage;
     for (const FlareKind& kind : kKinds) {
         Value noColours = stage.settings(kind), oddColours = stage.settings(kind),
@@ -258,7 +258,7 @@ TEST(LensFlareMethod, ReportsColoursAndBlendInTheColourListsWords) {
     }
 }
 
-TEST(LensFlareMethod, ReadsThePlaceOfAColourOnlyAmongSeveral) {
+TEST(LensFlareMethod, ReadsTheKeyOfAColourOnlyIfThereAreSeveral) {
     FlareStage stage;
     const FlareKind& kind = kindNamed("filledCircle");
     Value settings = stage.settings(kind), colours = stage.list();
@@ -286,7 +286,7 @@ TEST(LensFlareMethod, PutsTheOriginAtColumnAndRow) {
     EXPECT_EQ(stage.pixels()[33 * kWidth + 11], (Pixel{255, 255, 255, 255}));
 }
 
-TEST(LensFlareMethod, KeepsWhatStandsBeforeAFault) {
+TEST(LensFlareMethod, KeepsElementsBeforeAFault) {
     FlareStage stage, twoOnly;
     const Value first = stage.settings(kindNamed("filledCircle")), second = stage.settings(kindNamed("star"));
     const Answer answer =
@@ -298,7 +298,7 @@ TEST(LensFlareMethod, KeepsWhatStandsBeforeAFault) {
     EXPECT_EQ(stage.pixels(), twoOnly.pixels());
 }
 
-TEST(LensFlareMethod, OfNothingChangesNothing) {
+TEST(LensFlareMethod, ChangesNothingForAnEmptyList) {
     FlareStage stage;
     const std::vector<Pixel> before = stage.pixels();
     EXPECT_EQ(stage.flare({}).error, "");
@@ -331,7 +331,7 @@ TEST(LensFlareMethod, LeavesNothingBehind) {
     EXPECT_TRUE(stage.leavesNothing());
 }
 
-TEST(BezierMethod, TakesMissingPointsAsTheOrigin) {
+TEST(BezierMethod, TreatsMissingPointsAsTheOrigin) {
     FlareStage stage;
     Value shape = stage.list(), entry = stage.list();
     // A property list counts as a list of its values.

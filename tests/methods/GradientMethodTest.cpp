@@ -5,7 +5,7 @@
 #include "player/host/Objects.h"
 #include "player/host/Service.h"
 
-/// The gradient: it makes an image of the host's and tells which of the host's steps failed.
+/// The gradient creates a host image and reports which of the host's operations failed.
 namespace krl::test {
 namespace {
 
@@ -62,7 +62,7 @@ HostStatus KRL_HOST_CALL noImage(HostInterface*, int32_t, int32_t, int32_t, int3
 }
 HostStatus KRL_HOST_CALL noLock(HostInterface*, const ScriptValue*, host::ImageLock*) { return kRefused; }
 
-/// The host's own operation, which the ones below put their refusal behind.
+/// The host's original operation, called by the failing ones below.
 host::images::UnlockImage::Function gUnlock;
 host::values::ReleaseValue::Function gRelease;
 
@@ -98,7 +98,7 @@ typename Op::Function replace(Service& service, typename Op::Function with) {
 
 }  // namespace
 
-TEST_F(GradientMethod, AnswersWithANewPictureAndLeavesTheLoadedOne) {
+TEST_F(GradientMethod, ReturnsANewPictureAndKeepsTheLoadedOne) {
     stage_.load(7, 5);
     const std::vector<Pixel> loaded = stage_.pixels();
     const Answer answer = paint(5, 2, "linear", ramp());
@@ -113,8 +113,8 @@ TEST_F(GradientMethod, AnswersWithANewPictureAndLeavesTheLoadedOne) {
     EXPECT_EQ(stage_.pixels(), loaded);
 }
 
-// 33 percent of 10 columns is column 3.3, cut to 3.
-TEST_F(GradientMethod, TakesPlacesInWholeColumns) {
+// 33 percent of 10 columns is column 3.3, truncated to 3.
+TEST_F(GradientMethod, TruncatesPositionsToWholeColumns) {
     const Answer answer = paint(10, 1, "linear", colours({{33, Colour(9, 9, 9)}, {60, Colour(90, 90, 90)}}));
     const ImageObject* picture = pictureOf(answer);
     ASSERT_NE(picture, nullptr);
@@ -139,7 +139,7 @@ TEST_F(GradientMethod, ComparesItsTypeBeforeItReadsColours) {
     EXPECT_EQ(paint(3, 1, "linear", bad).error, "RGB Gradient input failure (Image)");
 }
 
-TEST_F(GradientMethod, TellsWhichStepOfTheHostFailed) {
+TEST_F(GradientMethod, ReportsWhichHostOperationFailed) {
     Service& images = service(host::ids::kImages);
     EXPECT_EQ(paint(-3, 1, "linear", ramp()).error, "Failed to create new image (Image)");
     gCreate = replace<host::images::CreateImage>(images, noImage);

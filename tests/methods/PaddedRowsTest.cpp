@@ -9,8 +9,8 @@
 #include "player/host/Objects.h"
 #include "player/host/Service.h"
 
-/// Pictures of a host whose rows are longer than they are wide. What lies before and after a picture's
-/// block is neither written nor read, in however many bands.
+/// Pictures of a host with padded rows. Memory before and after a picture's block is neither written nor
+/// read, for any number of bands.
 namespace krl::host {
 namespace {
 
@@ -20,11 +20,11 @@ using player::ImageObject;
 using player::Service;
 using player::Value;
 
-/// Rows of the host's own, before and after each block.
+/// The number of guard rows before and after each block.
 constexpr int32_t kGuardRows = 3;
-/// Pixels that the rows of padded pictures have beyond their width, and how many these have with them.
+/// The padding of rows in pixels, and the resulting row length.
 int32_t padding, paddedWidth;
-/// What the guard rows hold.
+/// The content of the guard rows.
 Pixel guardPixel;
 
 images::CreateImage::Function createTight;
@@ -54,7 +54,7 @@ HostStatus KRL_HOST_CALL queryInside(HostInterface* self, const ScriptValue* val
     return status;
 }
 
-/// A stage whose pictures all stand between guards.
+/// A stage whose pictures are all surrounded by guard rows.
 class GuardedStage : public Stage {
 public:
     GuardedStage() {
@@ -94,7 +94,7 @@ protected:
         return values;
     }
 
-    /// The method's picture, guards cut off, and what it told.
+    /// The method's picture without the guard rows, and its result.
     std::pair<std::vector<Pixel>, std::string> outcome(Stage& stage, int32_t width, int32_t height,
                                                        int32_t bands, bool tightSeconds) const {
         paddedWidth = width + padding;
@@ -124,12 +124,12 @@ protected:
                     guardPixel = {255, 255, 255, 255};
                     const auto light = outcome(stage, width, height, bands, tightSeconds);
                     EXPECT_EQ(dark.second, light.second);
-                    EXPECT_TRUE(dark.first == light.first) << "the picture depends on what lies around it";
+                    EXPECT_TRUE(dark.first == light.first) << "the picture depends on the memory around it";
                 }
     }
 };
 
-TEST_P(PaddedPictures, KeepEveryMethodToTheirBlocks) {
+TEST_P(PaddedPictures, AreNeverLeftByAnyMethod) {
     if (method().managesTheEngine()) GTEST_SKIP() << "rewrites no pixels";
     expectKeptToBlocks(false);
     if (has(ArgumentKind::SecondImage)) expectKeptToBlocks(true);

@@ -12,7 +12,7 @@ namespace krl::test {
 /// The name of the method behind a selector, 1 and up.
 std::string methodName(int32_t selector);
 
-/// What a method answered.
+/// The outcome of a method.
 struct Answer {
     host::HostStatus status = 0;
     player::Value result;
@@ -21,7 +21,7 @@ struct Answer {
 };
 
 /// The plug-in in the embedded host with an engine of `bands` bands and a picture: methods are
-/// called on it through the door, with values made from the registry.
+/// called through the plug-in interface, with values made from the registry.
 class Stage {
 public:
     explicit Stage(bool withEngine = true);
@@ -39,7 +39,7 @@ public:
     player::Value example(const Argument& argument);
     std::vector<player::Value> examples(const Method& method);
 
-    /// The value of a Lingo text.
+    /// The value of a Lingo expression.
     player::Value evaluate(const std::string& text);
 
     player::Value integer(int32_t number) { return player::Value::integer(number); }
@@ -49,15 +49,15 @@ public:
 
     Answer call(const Method& method, const std::vector<player::Value>& arguments);
     Answer call(const char* name, const std::vector<player::Value>& arguments = {});
-    /// The call as the host makes it.
+    /// Makes a call like the host.
     host::HostStatus send(host::CallInfo& info);
 
-    /// The host itself, for operations that are to fail.
+    /// The host itself, for replacing operations by failing ones.
     player::EmbeddedHost& embeddedHost() { return host_; }
 
     /// Locks held on all images.
     int64_t locks() const { return host_.locks(); }
-    /// Lets the instance go and tells whether everything came back.
+    /// Releases the instance and returns whether everything was released.
     bool leavesNothing();
 
 private:

@@ -7,7 +7,7 @@
 #include "host/MessageTableText.h"
 #include "methods/Stage.h"
 
-/// In what order methods read, compare, ask and lock, where a host or a script can tell.
+/// The order in which methods read, compare, query and lock, as far as a host or a script can observe it.
 namespace krl::host {
 namespace {
 
@@ -15,14 +15,14 @@ using krl::test::Answer;
 using krl::test::Stage;
 using player::Value;
 
-/// Two faults at once: a symbol that is not known and a later argument of another kind.
+/// Two faults at once: an unknown symbol and a later argument of the wrong type.
 struct TwoFaults {
     const char* method;
     size_t symbol, wrongKind;
-    const char* told;
+    const char* message;
 };
 
-/// Calls each method with both faults and expects what the first of them to be found is told as.
+/// Calls each method with both faults and expects the message of the one that is detected first.
 void expectTold(std::span<const TwoFaults> cases, bool callsSucceed) {
     Stage stage;
     stage.load(4, 3);
@@ -31,12 +31,12 @@ void expectTold(std::span<const TwoFaults> cases, bool callsSucceed) {
         arguments[faults.symbol] = stage.symbol("no_such_symbol_anywhere");
         arguments[faults.wrongKind] = stage.string("words");
         const Answer answer = stage.call(faults.method, arguments);
-        EXPECT_EQ(answer.error, faults.told);
+        EXPECT_EQ(answer.error, faults.message);
         EXPECT_EQ(answer.status == kHostOk, callsSucceed) << faults.method;
     }
 }
 
-TEST(Comparisons, ComeBeforeTheNextReadWhereTheyDo) {
+TEST(Comparisons, PrecedeTheNextReadInTheseMethods) {
     const TwoFaults cases[] = {
         {"krlImageComposite", 1, 2, "Composite invalid input blendMethod (Image)"},
         {"krlImageWaves", 6, 7, "Waves invalid edge type input (Image)"},
@@ -59,7 +59,7 @@ TEST(Comparisons, ComeBeforeTheNextReadWhereTheyDo) {
     expectTold(cases, true);
 }
 
-TEST(Comparisons, WaitForAllReadsEverywhereElse) {
+TEST(Comparisons, FollowAllReadsInAllOtherMethods) {
     const TwoFaults cases[] = {
         {"krlImageRGBChannelSwap", 0, 1, "RGB Channel Swap input failure (Image)"},
         {"krlImageYUVBlur", 0, 1, "YUVBlur input failure (Image)"},
@@ -74,7 +74,7 @@ TEST(Comparisons, WaitForAllReadsEverywhereElse) {
     expectTold(cases, false);
 }
 
-/// The items that a player was asked for.
+/// The items requested from the player.
 std::vector<int32_t> askedItems;
 
 HostStatus KRL_HOST_CALL tellItem(HostInterface*, int32_t item, HostInterface** answer) {
@@ -108,7 +108,7 @@ TEST(HostQuery, ComesBeforeEveryTest) {
     }
 }
 
-/// Locks that a call with second images of another size leaves behind.
+/// Locks left by a call with second images of another size.
 int64_t locksLeft(const char* name) {
     Stage stage;
     stage.load(4, 3);
@@ -126,12 +126,12 @@ TEST(SecondImages, StayLockedAfterAFailedCompositeMaskOrSpill) {
         EXPECT_EQ(locksLeft(name), 1) << name;
 }
 
-TEST(SecondImages, AreLetGoHoweverAMapOrAReinterlaceEnds) {
+TEST(SecondImages, AreUnlockedHoweverAMapOrAReinterlaceEnds) {
     for (const char* name : {"krlImageDisplacementMapComposite", "krlImageReinterlace"})
         EXPECT_EQ(locksLeft(name), 0) << name;
 }
 
-TEST(Calls, OfNoMethodLeaveTheResultAlone) {
+TEST(Calls, WithoutAMethodLeaveTheResultUnchanged) {
     Stage stage;
     for (const int32_t selector : {0, -1, 113, 1000}) {
         CallInfo info;
@@ -142,7 +142,7 @@ TEST(Calls, OfNoMethodLeaveTheResultAlone) {
     }
 }
 
-TEST(Calls, HoldThePlayerObjectsForTheirOwnLengthOnly) {
+TEST(Calls, HoldThePlayerObjectsOnlyWhileTheyRun) {
     Stage stage;
     const int64_t before = stage.embeddedHost().references();
     stage.call("krlImageSepia");
