@@ -35,6 +35,7 @@ constexpr uint32_t kMark = 0x6B726C6A;
 
 char** mainWords = nullptr;
 std::atomic<int> journal = -1;
+std::atomic<bool> crashing = false;
 
 void append(Head head, const char* text) noexcept {
     const int file = journal;
@@ -47,6 +48,7 @@ void append(Head head, const char* text) noexcept {
 
 /// Makes only system calls, since memory may be corrupt.
 void endByCrash(int signal) {
+    crashing = true;
     removeUnfinishedFiles();
     append({kMark, static_cast<uint32_t>(JournalEntry::Kind::Crash), static_cast<uint32_t>(signal), 0}, "");
     if (journal >= 0) {
@@ -115,6 +117,9 @@ CrashJournal::~CrashJournal() {
 bool CrashJournal::kept() const { return journal >= 0; }
 
 void CrashJournal::note(JournalEntry::Kind kind, size_t item, const std::string& text) const noexcept {
+    // A program that is being replaced can start no threads: what fails then is no fault of the picture,
+    // which the next program tries again.
+    while (kind == JournalEntry::Kind::Failed && crashing) ::pause();
     append(
         {kMark, static_cast<uint32_t>(kind), static_cast<uint32_t>(item), static_cast<uint32_t>(text.size())},
         text.data());

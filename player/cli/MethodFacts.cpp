@@ -1,6 +1,7 @@
 #include "player/cli/MethodFacts.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 #include "catalogue/ExampleCall.h"
@@ -88,6 +89,45 @@ std::string expectedText(const Argument& argument) {
             return "value";
     }
     return "";
+}
+
+namespace {
+
+std::string numberText(const Argument& argument, double value) {
+    return argument.kind == ArgumentKind::Real ? realNotation(value) : std::to_string(truncate(value));
+}
+
+/// `brightnessInt is limited to -255 to 255, and changes nothing at 0.`; empty for an argument without
+/// either.
+std::string limitsText(const Argument& argument) {
+    const NumberRange& range = argument.range;
+    const bool below = std::isfinite(range.least), above = std::isfinite(range.most);
+    std::string text;
+    if (below && above)
+        text =
+            " is limited to " + numberText(argument, range.least) + " to " + numberText(argument, range.most);
+    else if (below)
+        text = " is at least " + numberText(argument, range.least);
+    else if (above)
+        text = " is at most " + numberText(argument, range.most);
+    if (!std::isnan(range.neutral))
+        text += (text.empty() ? "" : " and") + std::string(" changes nothing at ") +
+                numberText(argument, range.neutral);
+    return text.empty() ? "" : argument.name + text + ".";
+}
+
+}  // namespace
+
+std::vector<std::string> notesOf(const Method& method) {
+    std::vector<std::string> notes;
+    for (const Argument& argument : method.arguments())
+        if (const std::string limits = limitsText(argument); !limits.empty()) notes.push_back(limits);
+    if (method.resultDependsOnBands())
+        notes.push_back(
+            "The result depends on the number of bands: with #mt it differs from machine to machine, with "
+            "#st and "
+            "in apply it does not.");
+    return notes;
 }
 
 std::string outlineOf(const Method& method) {

@@ -33,6 +33,10 @@ std::string countComplaint(const Method& method, size_t given);
 /// The example call of the method: `brightness(40, #RGB)`.
 std::string shortExample(const Method& method);
 
+/// What else is worth knowing of a method, a sentence each: arguments that it limits, values at which it
+/// changes nothing, and whether its result depends on the number of bands.
+std::vector<std::string> notesOf(const Method& method);
+
 /// An error message of a method and its cause.
 struct MethodFailure {
     std::string message;

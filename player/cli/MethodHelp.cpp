@@ -55,6 +55,9 @@ std::string helpText(const Method& method) {
     std::string text =
         heading + "\n  " + summary + "\n  " + method.heading() + "; " + name + " in scripts.\n";
     text += section("Arguments", arguments);
+    Rows notes;
+    for (const std::string& note : notesOf(method)) notes.push_back({note});
+    text += section("Notes", notes);
     text += section("Example", {{"krlimage apply in.png -o out.png '" + shortExample(method) + "'"}});
     text += section("Result", results);
     return text + section("Errors", failures);

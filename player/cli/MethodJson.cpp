@@ -55,6 +55,7 @@ std::string helpJson(const Method& method) {
     json["arguments"] = Json::array();
     for (const Argument& argument : method.arguments()) json["arguments"].push_back(argumentJson(argument));
     json["example"] = shortExample(method);
+    if (!notesOf(method).empty()) json["notes"] = notesOf(method);
     json["results"] = Json::object();
     for (const ResultEntry& entry : method.resultEntries()) json["results"][entry.key] = entry.meaning;
     json["errors"] = Json::object();

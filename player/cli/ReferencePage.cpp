@@ -33,6 +33,8 @@ std::string methodSection(const Method& method) {
                     argument.meaning + " |\n";
         text += '\n';
     }
+    for (const std::string& note : notesOf(method)) text += note + '\n';
+    if (!notesOf(method).empty()) text += '\n';
     for (const ResultEntry& entry : method.resultEntries())
         text += std::string("The result contains `") + entry.key + "`: " + entry.meaning + ".\n\n";
     const auto failures = failuresOf(method);

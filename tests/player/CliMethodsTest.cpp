@@ -18,6 +18,8 @@ TEST(Help, DescribesAMethodCompletely) {
               "\nArguments\n"
               "  brightnessInt  integer, -255 to 255  levels to add\n"
               "  colourOrAlpha  #RGB or #Alpha        the three colours, or transparency alone\n"
+              "\nNotes\n"
+              "  brightnessInt changes nothing at 0.\n"
               "\nExample\n"
               "  krlimage apply in.png -o out.png 'brightness(40, #RGB)'\n"
               "\nResult\n"

@@ -156,7 +156,7 @@ TEST(LingoErrors, WrongTypesOfValues) {
     EXPECT_EQ(failureOf("  put rgb(\"blue\")"),
               "2:7 rgb: expected a colour such as \"#FF8000\", not \"blue\"");
     EXPECT_EQ(failureOf("  put image(0, 5, 32)"),
-              "2:7 an image is at least 1 pixel wide and high, not 0 by 5");
+              "2:7 an image must be at least 1 pixel wide and high, not 0 by 5");
     EXPECT_EQ(failureOf("  put image(100000, 100000, 32)"),
               "2:7 an image of 100000 by 100000 pixels is larger than 2 GB");
     EXPECT_EQ(failureOf("  img = image(2, 2, 32)\n  img.width = 3"),

@@ -227,7 +227,7 @@ TEST_F(Pictures, AreNotWrittenWhereClosingThemFails) {
 
 TEST_F(Pictures, AreReadOnlyFromFiles) {
     EXPECT_EQ(failureOf("/dev/null"),
-              "cannot read /dev/null: a picture is read from a file, not from a pipe or device");
+              "cannot read /dev/null: pictures can be read from files only, not from a pipe or device");
     EXPECT_EQ(failureOf(folder), "cannot read " + folder.string() + ": is a folder");
 }
 #endif
