@@ -26,14 +26,15 @@ public:
 
     /// Begins a family; methods added from here on belong to it.
     void family(const char* name);
+    // Entries are made once: what calls these is compiled to be small.
     /// A method that is one effect of the engine; its parameters take the arguments in order.
     template <class... Parameters>
-    Method& add(const char* name, Status (*effect)(ImageEngine&, Parameters...)) {
+    [[gnu::cold]] Method& add(const char* name, Status (*effect)(ImageEngine&, Parameters...)) {
         return add(method(name, effect));
     }
     /// A method with a hand-written body, to be given with `does`.
-    Method& add(const char* name) { return add(Method(name)); }
-    Method& add(Method entry);
+    [[gnu::cold]] Method& add(const char* name) { return add(Method(name)); }
+    [[gnu::cold]] Method& add(Method entry);
 
     /// Families in reading order, from the most used on.
     const std::vector<Family>& families() const { return families_; }

@@ -180,7 +180,7 @@ public:
     explicit Method(const char* name) : name_(name) {}
 
     // What a reader is told.
-    Method& summary(const char* text);
+    [[gnu::cold]] Method& summary(const char* text);
     Method& gives(const char* key, const char* meaning);
 
     // Arguments, in signature order.
