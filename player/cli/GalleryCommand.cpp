@@ -134,6 +134,8 @@ int makeGallery(const GalleryOptions& options, const Terminal& terminal) {
     gallery.prepareSamples(methods);
     SessionOptions settings = options.session;
     settings.allowedFolders.push_back(fs::absolute(options.folder));
+    // The same pictures on every machine; effects run side by side instead.
+    settings.threads = ThreadChoice::One;
 
     std::vector<GalleryCard> cards(methods.size());
     {
