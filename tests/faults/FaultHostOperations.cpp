@@ -43,7 +43,7 @@ struct FaultHostOperations {
         *out = host.intern(name);
         return kHostOk;
     }
-    /// A value is gone even where this is told as a failure.
+    /// A value is gone even if this reports a failure.
     static HostStatus KRL_HOST_CALL releaseValue(HostInterface* self, ScriptValue* value) {
         const HostStatus status = FaultHost::of(self).enter("releaseValue");
         FaultHost::of(self).release(*value);
@@ -219,7 +219,7 @@ struct FaultHostOperations {
         *out = {host.locksWithoutPixels ? nullptr : node->picture->pixels(), nullptr};
         return kHostOk;
     }
-    /// A lock is gone even where this is told as a failure.
+    /// A lock is gone even if this reports a failure.
     static HostStatus KRL_HOST_CALL unlockImage(HostInterface* self, const ScriptValue* value) {
         FaultHost& host = FaultHost::of(self);
         const HostStatus status = host.enter("unlockImage");
