@@ -1,11 +1,11 @@
-# What every target is compiled with. The flags on floating point are part of the product: the same
-# bytes come out of every build.
+# Compiler flags for every target. The floating-point flags are essential: every build must produce the
+# same bytes.
 add_library(krl_compiler INTERFACE)
 target_compile_options(krl_compiler INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion $<$<BOOL:${KRL_WERROR}>:-Werror>
-  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>  # false of joined strings in this compiler
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>  # false positive for string concatenation
   -ffp-contract=off -fno-fast-math -fno-math-errno -fno-trapping-math
-  # This pass of some releases forgets to round a double to single precision and back.
+  # In some releases this pass drops the rounding of a double to single precision and back.
   $<$<CXX_COMPILER_ID:GNU>:-fno-tree-slp-vectorize>)
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   target_compile_options(krl_compiler INTERFACE -msse2 -mfpmath=sse)
@@ -20,7 +20,7 @@ endif()
 find_package(Threads REQUIRED)
 target_link_libraries(krl_compiler INTERFACE Threads::Threads)
 
-# Adding a source file to a subsystem is enough: nothing else lists it.
+# Collects sources by folder, so that a new source file needs no entry anywhere.
 function(krl_sources variable)
   set(found "")
   foreach(folder IN LISTS ARGN)
@@ -30,7 +30,7 @@ function(krl_sources variable)
   set(${variable} ${found} PARENT_SCOPE)
 endfunction()
 
-# The same for whole trees of folders, such as the families of effects.
+# The same for whole folder trees, such as the families of effects.
 function(krl_tree_sources variable)
   set(found "")
   foreach(tree IN LISTS ARGN)

@@ -1,5 +1,5 @@
-# What an installation holds: the command line with its manual page and completion, the plug-in as a
-# module, the C interface and the engine as libraries with their headers, found by CMake and by pkg-config.
+# Installs the command line with its manual page and completions, the plug-in as a module, and the C interface
+# and the engine as libraries with headers and with CMake and pkg-config files.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -26,7 +26,7 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/krlimageConfigVersi
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/krlimageConfig.cmake
   ${CMAKE_CURRENT_BINARY_DIR}/krlimageConfigVersion.cmake COMPONENT library
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/krlimage)
-# Relative, so that an installation can be moved.
+# Relative, so that an installation can be relocated.
 file(RELATIVE_PATH up_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 foreach(module krlimage krlimage-engine)
   configure_file(cmake/${module}.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${module}.pc @ONLY)
@@ -39,7 +39,7 @@ install(TARGETS krlimage COMPONENT program)
 install(DIRECTORY examples/pictures COMPONENT program DESTINATION ${CMAKE_INSTALL_DATADIR}/krlimage
   FILES_MATCHING PATTERN "*.png")
 
-# What the command line tells of itself.
+# Generated from the command line itself.
 function(krl_install_output file folder)
   set(made ${CMAKE_CURRENT_BINARY_DIR}/told/${file})
   add_custom_command(OUTPUT ${made} COMMAND krlimage ${ARGN} > ${made} DEPENDS krlimage VERBATIM)

@@ -1,5 +1,5 @@
-# 32-bit Windows from Linux: mingw-w64 with everything of its own linked in. The compiler with the
-# system's own threads brings no thread library along, whose imports old releases of Windows lack.
+# Cross-compiles for 32-bit Windows: mingw-w64 with its runtime linked statically. The compiler variant with
+# Win32 threads needs no thread library, whose imports old releases of Windows lack.
 if(NOT krl_mingw_threads)
   set(krl_mingw_threads win32)
 endif()

@@ -82,7 +82,7 @@ std::string expectedText(const Argument& argument) {
         case ArgumentKind::Point:
             return "point";
         case ArgumentKind::ColourList:
-            return "property list of colours by position";
+            return "property list of colours keyed by number";
         case ArgumentKind::SecondImage:
             return "image";
         case ArgumentKind::Value:

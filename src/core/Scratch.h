@@ -8,17 +8,17 @@
 
 namespace krl {
 
-/// Takes one block of `bytes`, uninitialised. Throws `std::bad_alloc`.
+/// Allocates an uninitialised block of `bytes`. Throws `std::bad_alloc`.
 void* takeScratch(size_t bytes);
-/// Gives a block back. Where it is allowed, a few large ones stay at hand for the effects that follow.
+/// Releases a block. Within the allowances, a few large ones are cached for later effects.
 void giveScratch(void* block) noexcept;
-/// Returns the blocks at hand to the system.
+/// Returns the cached blocks to the system.
 void releaseIdleScratch() noexcept;
-/// Bytes of the blocks at hand.
+/// The size of the cached blocks in bytes.
 size_t idleScratchBytes() noexcept;
 
-/// How many bytes may stay at hand between calls for the sake of its owner. What the whole process
-/// keeps is never more than the sum of all allowances, which is nothing at the start.
+/// How many bytes its owner allows to be cached between calls. The process never caches more than the sum of
+/// all allowances, which is 0 at the start.
 class ScratchAllowance {
 public:
     ScratchAllowance() = default;
@@ -26,21 +26,21 @@ public:
     ScratchAllowance(const ScratchAllowance&) = delete;
     ScratchAllowance& operator=(const ScratchAllowance&) = delete;
 
-    /// Returns to the system what is then too much.
+    /// Returns cached blocks beyond the new limit to the system.
     void set(size_t bytes) noexcept;
 
 private:
     size_t bytes_ = 0;
 };
 
-/// A picture-sized working block, uninitialised, owned for the length of one call.
+/// A picture-sized, uninitialised working block, owned for the duration of one call.
 template <class Element>
 class Scratch {
     static_assert(std::is_trivially_copyable_v<Element>);
 
 public:
     Scratch() = default;
-    /// Throws `std::bad_alloc`, also for a count whose bytes no address reaches.
+    /// Throws `std::bad_alloc`, also for a count whose size overflows.
     explicit Scratch(uint64_t count)
         : block_(static_cast<Element*>(takeScratch(bytesOf(count)))), count_(static_cast<size_t>(count)) {}
 

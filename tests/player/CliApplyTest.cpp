@@ -89,7 +89,7 @@ TEST_F(Apply, ReportsAWrongArgumentBeforeItReadsAPicture) {
                  "colourOrAlpha: expected #RGB or #Alpha, got #Alhpa, did you mean #Alpha?");
     EXPECT_TELLS(errorOf("brightness(40, 5)"), "colourOrAlpha: expected #RGB or #Alpha, got 5");
     EXPECT_TELLS(errorOf("multiColourise([0: 5], 1.0)"),
-                 "colourValues: expected a property list of colours by position");
+                 "colourValues: expected a property list of colours keyed by number");
     EXPECT_TELLS(errorOf("composite(3)"), "foreground: expected an image, got 3");
 }
 
