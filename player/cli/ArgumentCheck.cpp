@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <optional>
 
+#include "catalogue/Arguments.h"
 #include "catalogue/Letters.h"
+#include "catalogue/NearestName.h"
 #include "catalogue/Notation.h"
 #include "player/cli/MethodFacts.h"
-#include "player/lingo/NearestName.h"
 #include "player/lingo/Parser.h"
 
 namespace krl::player {
@@ -37,7 +38,7 @@ Literal literalOf(const Expression& expression, const SymbolTable& symbols) {
         case ExpressionKind::Integer:
             return {ValueKind::Integer, std::to_string(literal().integer)};
         case ExpressionKind::Float:
-            return {ValueKind::Real, "a float"};
+            return {ValueKind::Real, realNotation(literal().real)};
         case ExpressionKind::String:
             return {ValueKind::Text, '"' + literal().text + '"'};
         case ExpressionKind::Symbol:
@@ -50,8 +51,8 @@ Literal literalOf(const Expression& expression, const SymbolTable& symbols) {
             return {ValueKind::PropertyList, "a property list"};
         case ExpressionKind::Negation: {
             Literal inner = literalOf(*static_cast<const UnaryExpression&>(expression).operand, symbols);
-            if (inner.kind == ValueKind::Integer) inner.text = '-' + inner.text;
-            return inner.kind == ValueKind::Integer || inner.kind == ValueKind::Real ? inner : Literal{};
+            if (inner.kind != ValueKind::Integer && inner.kind != ValueKind::Real) return {};
+            return {inner.kind, '-' + inner.text};
         }
         case ExpressionKind::Call:
             return literalOfCall(static_cast<const CallExpression&>(expression), symbols);
@@ -60,119 +61,25 @@ Literal literalOf(const Expression& expression, const SymbolTable& symbols) {
     }
 }
 
-bool takes(ArgumentKind expected, ValueKind given) {
-    switch (expected) {
-        case ArgumentKind::Integer:
-            return given == ValueKind::Integer;
-        case ArgumentKind::Real:
-            return given == ValueKind::Integer || given == ValueKind::Real;
-        case ArgumentKind::Symbol:
-            return given == ValueKind::Symbol;
-        case ArgumentKind::Colour:
-            return given == ValueKind::Colour;
-        case ArgumentKind::Point:
-            return given == ValueKind::Point;
-        case ArgumentKind::ColourList:
-            return given == ValueKind::PropertyList || given == ValueKind::List;
-        case ArgumentKind::SecondImage:
-            return given == ValueKind::Picture || given == ValueKind::PictureReference;
-        case ArgumentKind::Value:
-            return true;
-    }
-    return true;
-}
-
-std::string suggestionFor(const Argument& argument, const std::string& symbol) {
-    std::vector<std::string> names;
-    for (const SymbolChoice& choice : argument.choices) names.push_back(std::string("#") + choice.name);
-    return didYouMean(symbol, names);
-}
-
-bool isChoice(const Argument& argument, const std::string& symbol) {
-    return std::any_of(argument.choices.begin(), argument.choices.end(), [&](const SymbolChoice& choice) {
-        return folded(choice.name) == folded(symbol.substr(1));
-    });
-}
-
-/// With an article, as messages name a type; for a symbol its choices.
-std::string expectedType(const Argument& argument) {
-    switch (argument.kind) {
-        case ArgumentKind::Integer:
-            return "an integer";
-        case ArgumentKind::Real:
-            return "a number";
-        case ArgumentKind::ColourList:
-            return "a " + expectedText(argument);
-        case ArgumentKind::Colour:
-            return "a colour";
-        case ArgumentKind::Point:
-            return "a point";
-        case ArgumentKind::SecondImage:
-            return "an image";
-        case ArgumentKind::Symbol:
-        case ArgumentKind::Value:
-            break;
-    }
-    return expectedText(argument);
-}
-
-std::string complaint(const Argument& argument, const std::string& got) {
-    return std::string(argument.name) + ": expected " + expectedType(argument) + ", got " + got;
-}
-
-/// Checks a value of known type.
-std::string complaintAbout(const Argument& argument, ValueKind kind, const std::string& text) {
-    if (!takes(argument.kind, kind)) return complaint(argument, text);
-    const bool refused = argument.kind == ArgumentKind::Symbol && argument.unknown.message;
-    if (!refused || isChoice(argument, text)) return "";
-    return complaint(argument, text) + suggestionFor(argument, text);
-}
-
 bool isName(const std::string& text) {
     return !text.empty() && std::isalpha(static_cast<unsigned char>(text[0])) &&
            std::all_of(text.begin(), text.end(),
                        [](unsigned char letter) { return std::isalnum(letter) || letter == '_'; });
 }
 
-bool isNumber(const krl::Value& value) {
-    return value.kind() == ValueKind::Integer || value.kind() == ValueKind::Real;
-}
-
-bool isColourList(const krl::Value& value) {
-    if (const auto* plain = value.as<ListValue>()) return plain->empty();
-    const auto* entries = value.as<PropertyListValue>();
-    return entries && std::all_of(entries->begin(), entries->end(), [](const auto& entry) {
-               return isNumber(entry.first) && entry.second.kind() == ValueKind::Colour;
-           });
-}
-
-std::string wordsFor(const krl::Value& value) {
-    switch (value.kind()) {
-        case ValueKind::Integer:
-        case ValueKind::Symbol:
-        case ValueKind::Text:
-            return writeNotation(value);
-        case ValueKind::Void:
-            return "nothing";
-        default:
-            return std::string("a ") + (value.kind() == ValueKind::Real ? "float" : kindName(value.kind()));
-    }
-}
-
 }  // namespace
 
 std::string complaintAbout(const Argument& argument, const Expression& given, const SymbolTable& symbols) {
     const Literal literal = literalOf(given, symbols);
-    return literal.kind ? complaintAbout(argument, *literal.kind, literal.text) : "";
+    return literal.kind ? krl::complaintAbout(argument, *literal.kind, literal.text) : "";
 }
 
 std::string complaintAbout(const Argument& argument, const krl::Value& given, const std::string& text) {
     // Names have no values on a command line: most likely the `#` of a symbol is missing.
     if (given.kind() == ValueKind::Void && isName(text) && !sameLetters(text, "VOID"))
-        return complaint(argument, "the undefined name " + text) + suggestionFor(argument, '#' + text);
-    if (argument.kind == ArgumentKind::ColourList && !isColourList(given))
-        return complaint(argument, wordsFor(given));
-    return complaintAbout(argument, given.kind(), wordsFor(given));
+        return wrongKindText(argument, "the undefined name " + text) +
+               didYouMean('#' + text, symbolsOf(argument));
+    return krl::complaintAbout(argument, given);
 }
 
 }  // namespace krl::player

@@ -13,7 +13,7 @@ namespace krl::player {
 /// unknown until the script runs.
 std::string complaintAbout(const Argument& argument, const Expression& given, const SymbolTable& symbols);
 
-/// The same for a value; `text` is its source.
+/// The same for a value that `text` is the source of.
 std::string complaintAbout(const Argument& argument, const krl::Value& given, const std::string& text);
 
 }  // namespace krl::player

@@ -3,38 +3,13 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "catalogue/ExampleCall.h"
+#include "catalogue/Arguments.h"
 #include "player/cli/ArgumentCheck.h"
 #include "player/cli/Commands.h"
 #include "player/cli/MethodFacts.h"
-#include "player/lingo/NearestName.h"
 #include "player/pictures/Picture.h"
 
 namespace krl::player {
-
-namespace {
-
-bool sameName(std::string_view a, std::string_view b) {
-    const auto lower = [](char letter) { return std::tolower(static_cast<unsigned char>(letter)); };
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [&](char x, char y) { return lower(x) == lower(y); });
-}
-
-size_t placeOf(const Method& method, const std::string& name) {
-    const auto& arguments = method.arguments();
-    for (size_t i = 0; i < arguments.size(); ++i)
-        if (sameName(arguments[i].name, name)) return i;
-    std::vector<std::string> names;
-    for (const Argument& argument : arguments) names.push_back(argument.name);
-    throw CommandError(method.shortName() + " has no argument " + name + didYouMean(name, names));
-}
-
-/// Pictures and values have no sensible default; every other argument can default to its example.
-bool hasStandIn(const Argument& argument) {
-    return argument.kind != ArgumentKind::SecondImage && argument.kind != ArgumentKind::Value;
-}
-
-}  // namespace
 
 ChainCall::ChainCall(std::string_view text) : written_(text) {
     const WrittenCall call = readCall(text);
@@ -42,30 +17,23 @@ ChainCall::ChainCall(std::string_view text) : written_(text) {
     const std::string name = method_->shortName();
     if (method_->managesTheEngine())
         throw CommandError(name + " cannot be used here: apply manages the engine and the picture");
-    const auto& wanted = method_->arguments();
-    given_.resize(wanted.size());
-    size_t next = 0;
-    for (const WrittenCall::Argument& argument : call.arguments) {
-        if (argument.name.empty() && next == wanted.size())
-            throw CommandError(countComplaint(*method_, call.arguments.size()));
-        const size_t place = argument.name.empty() ? next++ : placeOf(*method_, argument.name);
-        if (!given_[place].empty()) throw CommandError(name + ": " + wanted[place].name + " is given twice");
-        given_[place] = argument.value;
+    std::vector<std::string_view> names;
+    for (const WrittenCall::Argument& argument : call.arguments) names.push_back(argument.name);
+    try {
+        for (const std::optional<size_t>& place : placeArguments(*method_, names))
+            given_.push_back(place ? call.arguments[*place].value : "");
+        for (size_t i = 0; i < given_.size(); ++i)
+            if (given_[i].empty()) standInFor(*method_, method_->arguments()[i]);
+    } catch (const ArgumentError& error) {
+        throw CommandError(error.what());
     }
-    for (size_t i = 0; i < wanted.size(); ++i)
-        if (given_[i].empty() && !hasStandIn(wanted[i]))
-            throw CommandError(name + " needs " + wanted[i].name + ", such as " + wanted[i].name + ": " +
-                               exampleText(wanted[i]));
 }
 
 std::string ChainCall::lingo(int32_t width, int32_t height) const {
-    ExampleSetting setting;
-    setting.width = width;
-    setting.height = height;
     std::string text = std::string(method_->name()) + "(";
     for (size_t i = 0; i < given_.size(); ++i) {
         if (i > 0) text += ", ";
-        text += given_[i].empty() ? exampleText(method_->arguments()[i], setting) : given_[i];
+        text += given_[i].empty() ? exampleText(method_->arguments()[i], {width, height, {}}) : given_[i];
     }
     return text + ")";
 }
@@ -82,12 +50,9 @@ void ChainCall::evaluate(Session& session) {
 }
 
 std::vector<krl::Value> ChainCall::arguments(int32_t width, int32_t height) const {
-    ExampleSetting setting;
-    setting.width = width;
-    setting.height = height;
     std::vector<krl::Value> all = values_;
     for (size_t i = 0; i < all.size(); ++i)
-        if (given_[i].empty()) all[i] = exampleValue(method_->arguments()[i], setting);
+        if (given_[i].empty()) all[i] = standInFor(*method_, method_->arguments()[i], {width, height, {}});
     return all;
 }
 

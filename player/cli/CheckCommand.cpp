@@ -2,6 +2,7 @@
 #include <ostream>
 #include <sstream>
 
+#include "catalogue/Arguments.h"
 #include "player/cli/ArgumentCheck.h"
 #include "player/cli/CallWalk.h"
 #include "player/cli/Commands.h"

@@ -4,8 +4,8 @@
 #include <functional>
 #include <ostream>
 
+#include "catalogue/NearestName.h"
 #include "player/cli/CommandList.h"
-#include "player/lingo/NearestName.h"
 
 namespace krl::player {
 

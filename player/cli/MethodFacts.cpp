@@ -4,11 +4,12 @@
 #include <cmath>
 #include <cstring>
 
+#include "catalogue/Arguments.h"
 #include "catalogue/ExampleCall.h"
+#include "catalogue/NearestName.h"
 #include "catalogue/Notation.h"
 #include "core/Numbers.h"
 #include "player/cli/Commands.h"
-#include "player/lingo/NearestName.h"
 
 namespace krl::player {
 
@@ -55,16 +56,6 @@ std::string spanText(const NumberRange& range, bool real) {
         return real ? realNotation(value) : std::to_string(truncate(value));
     };
     return shown(range.from) + " to " + shown(range.to);
-}
-
-std::string choicesText(const Argument& argument) {
-    std::string text;
-    const size_t count = argument.choices.size();
-    for (size_t i = 0; i < count; ++i) {
-        if (i > 0) text += i + 1 == count ? " or " : ", ";
-        text += std::string("#") + argument.choices[i].name;
-    }
-    return text;
 }
 
 }  // namespace
@@ -128,23 +119,6 @@ std::vector<std::string> notesOf(const Method& method) {
             "#st and "
             "in apply it does not.");
     return notes;
-}
-
-std::string outlineOf(const Method& method) {
-    std::string text = method.shortName() + "(";
-    for (const Argument& argument : method.arguments()) {
-        if (text.back() != '(') text += ", ";
-        text += argument.name;
-    }
-    return text + ")";
-}
-
-std::string countComplaint(const Method& method, size_t given) {
-    const size_t wanted = method.arguments().size();
-    if (given == wanted) return "";
-    return outlineOf(method) + " takes " + std::to_string(wanted) +
-           (wanted == 1 ? " argument, " : " arguments, ") + std::to_string(given) +
-           (given == 1 ? " was given" : " were given");
 }
 
 std::string shortExample(const Method& method) {

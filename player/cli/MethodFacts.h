@@ -23,13 +23,6 @@ bool isFound(const Method& method, const std::string& word);
 /// What an argument takes: `integer, -255 to 255`, `#RGB or #Alpha`, `colour`.
 std::string expectedText(const Argument& argument);
 
-/// `brightness(brightnessInt, colourOrAlpha)`.
-std::string outlineOf(const Method& method);
-
-/// `brightness(brightnessInt, colourOrAlpha) takes 2 arguments, 3 were given`; empty if the count is
-/// right.
-std::string countComplaint(const Method& method, size_t given);
-
 /// The example call of the method: `brightness(40, #RGB)`.
 std::string shortExample(const Method& method);
 

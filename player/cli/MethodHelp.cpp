@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "catalogue/Arguments.h"
 #include "player/cli/MethodFacts.h"
 
 namespace krl::player {

@@ -1,8 +1,8 @@
+#include "catalogue/NearestName.h"
 #include "player/host/Compare.h"
 #include "player/lingo/Arithmetic.h"
 #include "player/lingo/Chunks.h"
 #include "player/lingo/InterpreterScopes.h"
-#include "player/lingo/NearestName.h"
 
 /// Expressions.
 namespace krl::player {

@@ -6,9 +6,9 @@
 #include <iostream>
 #include <sstream>
 
+#include "catalogue/NearestName.h"
 #include "player/host/Compare.h"
 #include "player/lingo/InterpreterScopes.h"
-#include "player/lingo/NearestName.h"
 #include "player/lingo/Parser.h"
 
 /// Scripts, handlers and calls.

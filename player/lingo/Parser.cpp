@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "player/lingo/NearestName.h"
+#include "catalogue/NearestName.h"
 #include "player/lingo/StatementParser.h"
 
 /// Scripts: declarations, handlers and the scope of each variable.

@@ -1,8 +1,8 @@
+#include "catalogue/NearestName.h"
 #include "core/Numbers.h"
 #include "player/host/HostError.h"
 #include "player/lingo/Arithmetic.h"
 #include "player/lingo/Chunks.h"
-#include "player/lingo/NearestName.h"
 #include "player/lingo/Runtime.h"
 
 /// `object.name` for each type.

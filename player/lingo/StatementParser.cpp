@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "player/lingo/NearestName.h"
+#include "catalogue/NearestName.h"
 #include "player/lingo/Parser.h"
 
 namespace krl::player {

@@ -1,11 +1,11 @@
 #include <chrono>
 #include <ctime>
 
+#include "catalogue/NearestName.h"
 #include "player/host/Compare.h"
 #include "player/host/HostError.h"
 #include "player/lingo/Arithmetic.h"
 #include "player/lingo/Interpreter.h"
-#include "player/lingo/NearestName.h"
 
 /// The player itself: messages, objects, the cast, and system properties.
 namespace krl::player {

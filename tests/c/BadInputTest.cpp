@@ -62,7 +62,7 @@ TEST_F(BadInput, OfNamesIsReported) {
     EXPECT_EQ(call("krlImage"), KRL_NO_SUCH_METHOD);
     EXPECT_EQ(call("quit"), KRL_NOT_CALLABLE);
     EXPECT_EQ(call("brightness", {{"amount", nullptr}}), KRL_NO_SUCH_ARGUMENT);
-    EXPECT_EQ(message(), "brightness: no argument is called amount");
+    EXPECT_EQ(message(), "brightness has no argument amount");
     EXPECT_EQ(error(), "");
     EXPECT_EQ(krl_find_method("brightnes"), nullptr);
     EXPECT_EQ(krl_example("brightness", 2, 1, 1), nullptr);

@@ -53,20 +53,22 @@ TEST(Arguments, PlaceExamplePointsInThePicture) {
 
 TEST(Arguments, WithoutAPlaceAreFaults) {
     EXPECT_EQ(complaint("brightness", "[#size: 4]", ArgumentFault::NoSuchArgument),
-              "brightness: no argument is called size");
+              "brightness has no argument size");
+    EXPECT_EQ(complaint("brightness", "[#colourOrAlfa: #RGB]", ArgumentFault::NoSuchArgument),
+              "brightness has no argument colourOrAlfa, did you mean colourOrAlpha?");
     EXPECT_EQ(complaint("brightness", "[1, #RGB, 3]", ArgumentFault::TooMany),
-              "brightness: expected 2 arguments, got more");
+              "brightness(brightnessInt, colourOrAlpha) takes 2 arguments, 3 were given");
     EXPECT_EQ(complaint("invert", "[#RGB, 2, 3]", ArgumentFault::TooMany),
-              "invert: expected 1 argument, got more");
+              "invert(colourOrAlpha) takes 1 argument, 3 were given");
     EXPECT_EQ(complaint("brightness", "[#brightnessInt: 1, #brightnessInt: 2]", ArgumentFault::GivenTwice),
               "brightness: brightnessInt is given twice");
 }
 
 TEST(Arguments, ThatArePicturesHaveNoStandIn) {
     EXPECT_EQ(complaint("inputMask", "[#invert: #true]", ArgumentFault::Missing),
-              "inputMask: dotImage: expected a value, got none");
-    EXPECT_EQ(complaint("broadcastCombine", "[]", ArgumentFault::Missing),
-              "broadcastCombine: imageList: expected a value, got none");
+              "inputMask needs dotImage, such as dotImage: image(\"logo.png\")");
+    EXPECT_EQ(complaint("broadcastCombine", "[]", ArgumentFault::Missing).substr(0, 43),
+              "broadcastCombine needs imageList, such as i");
 }
 
 TEST(Arguments, OfAnotherKindAreFaults) {
@@ -74,7 +76,7 @@ TEST(Arguments, OfAnotherKindAreFaults) {
               "brightness: brightnessInt: expected an integer, got 1.5");
     EXPECT_EQ(complaint("contrast", "[#a]", ArgumentFault::WrongKind).substr(0, 9), "contrast:");
     EXPECT_EQ(complaint("brightness", "[1, 2]", ArgumentFault::WrongKind),
-              "brightness: colourOrAlpha: expected a symbol, got 2");
+              "brightness: colourOrAlpha: expected #RGB or #Alpha, got 2");
     EXPECT_EQ(complaint("inputMask", "[image(\"logo.png\")]", ArgumentFault::WrongKind),
               "inputMask: dotImage: expected a picture, got image(\"logo.png\")");
     EXPECT_EQ(complaint("broadcastCombine", "[[image(2, 2, 32)]]", ArgumentFault::WrongKind),
@@ -83,7 +85,7 @@ TEST(Arguments, OfAnotherKindAreFaults) {
 
 TEST(Arguments, WithASymbolThatIsNoChoiceAreFaults) {
     EXPECT_EQ(complaint("brightness", "[1, #Grey]", ArgumentFault::NoSuchChoice),
-              "brightness: colourOrAlpha: expected #RGB, #Alpha, got #Grey");
+              "brightness: colourOrAlpha: expected #RGB or #Alpha, got #Grey");
     EXPECT_EQ(arranged("brightness", "[1, #rgb]"), "[1, #rgb]");
 }
 

@@ -90,7 +90,7 @@ TEST_F(Apply, ReportsAWrongArgumentBeforeItReadsAPicture) {
     EXPECT_TELLS(errorOf("brightness(40, 5)"), "colourOrAlpha: expected #RGB or #Alpha, got 5");
     EXPECT_TELLS(errorOf("multiColourise([0: 5], 1.0)"),
                  "colourValues: expected a property list of colours keyed by number");
-    EXPECT_TELLS(errorOf("composite(3)"), "foreground: expected an image, got 3");
+    EXPECT_TELLS(errorOf("composite(3)"), "foreground: expected a picture, got 3");
 }
 
 TEST_F(Apply, EvaluatesExpressionsOnce) {

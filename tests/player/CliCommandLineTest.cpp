@@ -1,12 +1,12 @@
 #include <atomic>
 #include <cstdlib>
 
+#include "catalogue/NearestName.h"
 #include "core/Faults.h"
 #include "player/cli/Batch.h"
 #include "player/cli/ChainCall.h"
 #include "player/cli/ProgressBar.h"
 #include "player/cli/SideBySide.h"
-#include "player/lingo/NearestName.h"
 #include "tests/player/CliRun.h"
 
 namespace krl::player {

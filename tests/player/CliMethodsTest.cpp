@@ -97,9 +97,9 @@ std::string complaint(size_t argument, const std::string& text) {
 TEST(Arguments, AreCheckedByTheirValues) {
     for (const char* fine : {"40", "-3", "2 + 1", "max(1, 2)"}) EXPECT_EQ(complaint(0, fine), "") << fine;
     EXPECT_EQ(complaint(0, "\"x\""), "brightnessInt: expected an integer, got \"x\"");
-    EXPECT_EQ(complaint(0, "1.5"), "brightnessInt: expected an integer, got a float");
-    EXPECT_EQ(complaint(0, "-1.5"), "brightnessInt: expected an integer, got a float");
-    EXPECT_EQ(complaint(0, "rgb(1, 2, 3)"), "brightnessInt: expected an integer, got a colour");
+    EXPECT_EQ(complaint(0, "1.5"), "brightnessInt: expected an integer, got 1.5");
+    EXPECT_EQ(complaint(0, "-1.5"), "brightnessInt: expected an integer, got -1.5");
+    EXPECT_EQ(complaint(0, "rgb(1, 2, 3)"), "brightnessInt: expected an integer, got rgb(1, 2, 3)");
     EXPECT_EQ(complaint(0, "x"), "brightnessInt: expected an integer, got the undefined name x");
     EXPECT_EQ(complaint(1, "#rgb"), "");
     EXPECT_EQ(complaint(1, "#RBG"), "colourOrAlpha: expected #RGB or #Alpha, got #RBG, did you mean #RGB?");
@@ -139,7 +139,7 @@ TEST_F(Check, FindsMistakesWithPositionAndLineWithoutRunning) {
     EXPECT_TELLS(errors, "a.ls:3:");
     EXPECT_TELLS(errors, "takes 2 arguments, 1 was given");
     EXPECT_TELLS(errors, "there is no method krlImageBrigtness, did you mean brightness?");
-    EXPECT_TELLS(errors, "a.ls:5:27: brightnessInt: expected an integer, got a float");
+    EXPECT_TELLS(errors, "a.ls:5:27: brightnessInt: expected an integer, got -1.0");
     EXPECT_TELLS(errors, "did you mean #Alpha?");
     EXPECT_TELLS(errors, "expected an instance of the plug-in");
     EXPECT_EQ(countOf(errors, "^\n"), 6u) << errors;

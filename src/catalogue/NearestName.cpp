@@ -1,9 +1,9 @@
-#include "player/lingo/NearestName.h"
+#include "catalogue/NearestName.h"
 
 #include <algorithm>
 #include <numeric>
 
-namespace krl::player {
+namespace krl {
 
 namespace {
 
@@ -48,4 +48,4 @@ std::string didYouMean(std::string_view wanted, const std::vector<std::string>& 
     return nearest.empty() ? "" : ", did you mean " + nearest + "?";
 }
 
-}  // namespace krl::player
+}  // namespace krl
