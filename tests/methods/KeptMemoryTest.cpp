@@ -12,6 +12,12 @@ namespace {
 
 std::atomic<int64_t> liveBytes = 0;
 
+void* take(size_t bytes) {
+    void* block = std::malloc(bytes == 0 ? 1 : bytes);
+    if (block) liveBytes += static_cast<int64_t>(malloc_usable_size(block));
+    return block;
+}
+
 void giveBack(void* block) {
     liveBytes -= static_cast<int64_t>(malloc_usable_size(block));
     std::free(block);
@@ -20,11 +26,10 @@ void giveBack(void* block) {
 }  // namespace
 
 void* operator new(size_t bytes) {
-    void* block = std::malloc(bytes == 0 ? 1 : bytes);
-    if (!block) throw std::bad_alloc();
-    liveBytes += static_cast<int64_t>(malloc_usable_size(block));
-    return block;
+    if (void* block = take(bytes)) return block;
+    throw std::bad_alloc();
 }
+void* operator new(size_t bytes, const std::nothrow_t&) noexcept { return take(bytes); }
 
 void operator delete(void* block) noexcept { giveBack(block); }
 void operator delete(void* block, size_t) noexcept { giveBack(block); }
