@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "core/Faults.h"
-#include "faults/CountedMemory.h"
+#include "memory/CountedMemory.h"
 #include "faults/Stand.h"
 #include "faults/Tally.h"
 #include "host/MethodRegistry.h"

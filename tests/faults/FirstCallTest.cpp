@@ -2,7 +2,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "faults/CountedMemory.h"
+#include "memory/CountedMemory.h"
 #include "faults/Stand.h"
 #include "faults/Tally.h"
 #include "host/Door.h"

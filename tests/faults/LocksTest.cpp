@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "faults/CountedMemory.h"
+#include "memory/CountedMemory.h"
 #include "faults/Stand.h"
 #include "faults/Tally.h"
 #include "host/MethodRegistry.h"

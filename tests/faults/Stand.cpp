@@ -5,7 +5,7 @@
 #include "catalogue/ExampleCall.h"
 #include "catalogue/Notation.h"
 #include "core/Scratch.h"
-#include "faults/CountedMemory.h"
+#include "memory/CountedMemory.h"
 #include "host/Door.h"
 #include "host/Identifiers.h"
 #include "host/MethodRegistry.h"

@@ -3,17 +3,18 @@
 #include <array>
 #include <fstream>
 
+#include "memory/CountedMemory.h"
 #include "player/host/Heap.h"
 #include "player/host/Objects.h"
 #include "support/ScratchFolder.h"
 #include "tests/player/CliRun.h"
-#include "tests/player/Refusals.h"
 
 /// Fails every allocation of a command in turn: it must complete its work or report the failure.
 namespace krl::player {
 namespace {
 
 namespace fs = std::filesystem;
+using test::AllocationFault;
 
 /// A stream buffer that allocates nothing.
 class FixedBuffer : public std::streambuf {
@@ -40,10 +41,10 @@ Outcome outcomeOf(const std::vector<std::string>& words, int64_t before) {
     const Terminal terminal{outStream, errStream};
     Outcome outcome;
     {
-        const OneRefusal refusal(before);
+        AllocationFault fault(before + 1, AllocationFault::Extent::One);
         outcome.code = runCommandLine(words, terminal);
+        outcome.refused = fault.end();
     }
-    outcome.refused = OneRefusal::happened();
     outcome.out = out->text();
     outcome.err = err->text();
     return outcome;
@@ -154,7 +155,7 @@ TEST(HeapFaults, FreeingNeedsNoMemory) {
     }
     last.as<ListObject>()->items.push_back(ring);
     last = Value();
-    const OneRefusal none(0);
+    const AllocationFault next(1, AllocationFault::Extent::One);
     heap.freeCycles();
     EXPECT_EQ(heap.living(), 201) << "still held from outside";
     ring = Value();

@@ -16,7 +16,7 @@
 #include "player/pictures/AtomicFile.h"
 #include "player/pictures/Formats.h"
 #include "player/pictures/Picture.h"
-#include "tests/player/Refusals.h"
+#include "tests/player/FailingClose.h"
 
 namespace krl::player {
 namespace {

@@ -1,4 +1,6 @@
-#include "faults/CountedMemory.h"
+#include "memory/CountedMemory.h"
+
+#include <malloc.h>
 
 #include <atomic>
 #include <cstddef>
@@ -9,7 +11,7 @@ namespace krl::test {
 
 namespace {
 
-std::atomic<int64_t> living{0};
+std::atomic<int64_t> living{0}, bytesLiving{0};
 /// Allocations that are still granted; negative means no limit.
 std::atomic<int64_t> granted{-1};
 std::atomic<bool> limited{false}, allThatFollow{false}, failed{false};
@@ -22,13 +24,23 @@ bool grant() {
     return false;
 }
 
+int64_t sizeOf(void* block) {
+#ifdef _WIN32
+    return static_cast<int64_t>(_msize(block));
+#else
+    return static_cast<int64_t>(malloc_usable_size(block));
+#endif
+}
+
 void* allocate(size_t bytes, size_t alignment) noexcept {
     if (!grant()) return nullptr;
     const size_t rounded = (bytes + alignment - 1) / alignment * alignment;
     void* block = alignment <= alignof(std::max_align_t)
                       ? std::malloc(bytes ? bytes : 1)
                       : std::aligned_alloc(alignment, rounded ? rounded : alignment);
-    if (block) living.fetch_add(1);
+    if (!block) return nullptr;
+    living.fetch_add(1);
+    bytesLiving.fetch_add(sizeOf(block));
     return block;
 }
 
@@ -38,13 +50,16 @@ void* allocateOrThrow(size_t bytes, size_t alignment) {
 }
 
 void release(void* block) noexcept {
-    if (block) living.fetch_sub(1);
+    if (!block) return;
+    living.fetch_sub(1);
+    bytesLiving.fetch_sub(sizeOf(block));
     std::free(block);
 }
 
 }  // namespace
 
 int64_t livingBlocks() { return living.load(); }
+int64_t livingBytes() { return bytesLiving.load(); }
 
 AllocationFault::AllocationFault(int64_t number, Extent extent) {
     failed.store(false);

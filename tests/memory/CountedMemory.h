@@ -2,11 +2,13 @@
 
 #include <cstdint>
 
-/// This program's `operator new`, counted, so that any one allocation can be made to fail.
+/// The `operator new` of a program that links this: counted, so that any one allocation can be made to fail.
 namespace krl::test {
 
 /// Blocks that were allocated and not freed, on all threads.
 int64_t livingBlocks();
+/// What they hold together, by the allocator's own account.
+int64_t livingBytes();
 
 /// While this object lives, allocation `number` (from 1) fails, or all from there on.
 class AllocationFault {
