@@ -41,7 +41,7 @@ extern "C" {
 
 /* Version of this interface. The major number changes when a program would have to. */
 #define KRL_INTERFACE_MAJOR 1
-#define KRL_INTERFACE_MINOR 0
+#define KRL_INTERFACE_MINOR 1
 #define KRL_INTERFACE_VERSION (KRL_INTERFACE_MAJOR * 1000 + KRL_INTERFACE_MINOR)
 
 /* `KRL_INTERFACE_VERSION` of the library that is loaded. */
@@ -182,6 +182,12 @@ typedef struct krl_engine krl_engine;
  * machine; with a number they run on as many as it says. To be freed; NULL for another number or without
  * memory. */
 KRL_API krl_engine* krl_engine_new(int32_t bands);
+/* With `keep` 1 the engine keeps the working memory of a call for the next one, which makes calls on pictures
+ * of one size that follow each other faster, such as those of a film; 0, as at the start, gives it back. What
+ * is kept is at most KRL_KEPT_PICTURES times as large as the last picture. KRL_BAD_USE for no engine or
+ * another number. */
+#define KRL_KEPT_PICTURES 16
+KRL_API krl_code krl_engine_keep_memory(krl_engine* engine, int32_t keep);
 /* NULL is fine. Results and their pictures outlive the engine. */
 KRL_API void krl_engine_free(krl_engine* engine);
 
@@ -227,16 +233,18 @@ KRL_API const krl_value* krl_result_value(const krl_result* result);
 
 /* Flags of a method. */
 enum {
-    KRL_REWRITES_PICTURE = 1,        /* changes the picture that it is called on */
-    KRL_MAKES_PICTURE = 2,           /* the result holds a new picture, or several */
-    KRL_MAKES_PICTURE_LIST = 4,      /* the result is a list of new pictures */
-    KRL_NEEDS_SECOND_PICTURE = 8,    /* has an argument that is a picture */
-    KRL_DEPENDS_ON_BANDS = 16,       /* with more than one band the result differs; see `krl_engine_new` */
-    KRL_MANAGES_ENGINE = 32,         /* for scripts alone: cannot be called here */
-    KRL_INERT = 64,                  /* checks its arguments and does nothing */
-    KRL_WORKS_WITHOUT_ENGINE = 128,  /* scripts may call it before an engine is made */
-    KRL_CHANGES_SECOND_PICTURE = 256 /* changes its first argument that is a picture, and not the one that it
-                                        is called on */
+    KRL_REWRITES_PICTURE = 1,         /* changes the picture that it is called on */
+    KRL_MAKES_PICTURE = 2,            /* the result holds a new picture, or several */
+    KRL_MAKES_PICTURE_LIST = 4,       /* the result is a list of new pictures */
+    KRL_NEEDS_SECOND_PICTURE = 8,     /* has an argument that is a picture */
+    KRL_DEPENDS_ON_BANDS = 16,        /* with more than one band the result differs; see `krl_engine_new` */
+    KRL_MANAGES_ENGINE = 32,          /* for scripts alone: cannot be called here */
+    KRL_INERT = 64,                   /* checks its arguments and does nothing */
+    KRL_WORKS_WITHOUT_ENGINE = 128,   /* scripts may call it before an engine is made */
+    KRL_CHANGES_SECOND_PICTURE = 256, /* changes its first argument that is a picture, and not the one that
+                                         it is called on */
+    KRL_WORKS_PER_PIXEL = 512 /* a pixel's outcome depends only on that pixel and on those at its place
+                                 in second pictures: any part of a picture can be worked on alone */
 };
 
 /* One argument of a method. */

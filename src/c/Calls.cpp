@@ -88,6 +88,8 @@ CallResult run(krl_engine& engine, const Method& method, const std::optional<Pic
     if (picture)
         loaded.emplace(engine.engine, method.rewritesPicture() ? pictures.rewrite(*picture)
                                                                : *pictures.lend(*picture).as<Picture>());
+    if (picture && engine.keepsMemory)
+        engine.keptMemory.set(engine.engine.buffer()->bytes() * KRL_KEPT_PICTURES);
     chooseBands(engine.engine, method, engine.bands);
     return callMethod(method, engine.engine, native);
 }
@@ -226,6 +228,13 @@ krl_engine* krl_engine_new(int32_t bands) {
         made->bands = bands;
         return made.release();
     });
+}
+
+krl_code krl_engine_keep_memory(krl_engine* engine, int32_t keep) {
+    if (!engine || keep < 0 || keep > 1) return KRL_BAD_USE;
+    engine->keepsMemory = keep == 1;
+    if (!engine->keepsMemory) engine->keptMemory.set(0);
+    return KRL_OK;
 }
 
 void krl_engine_free(krl_engine* engine) { delete engine; }

@@ -5,12 +5,15 @@
 #include <utility>
 
 #include "catalogue/Value.h"
+#include "core/Scratch.h"
 #include "krlimage.h"
 
 /// What the handles of the C interface are, and the wall that no exception passes.
 struct krl_engine {
     krl::ImageEngine engine;
     int32_t bands = 0;  ///< 0 is automatic
+    bool keepsMemory = false;
+    krl::ScratchAllowance keptMemory;  ///< beside that of the engine, which ends with a call
 };
 
 struct krl_result {

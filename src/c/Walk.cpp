@@ -48,6 +48,7 @@ uint32_t flagsOf(const Method& method) {
                  {method.needsSecondPicture(), KRL_NEEDS_SECOND_PICTURE},
                  {method.changedPicture() != nullptr, KRL_CHANGES_SECOND_PICTURE},
                  {method.resultDependsOnBands(), KRL_DEPENDS_ON_BANDS},
+                 {method.isPerPixel(), KRL_WORKS_PER_PIXEL},
                  {method.managesTheEngine(), KRL_MANAGES_ENGINE},
                  {method.isInert(), KRL_INERT},
                  {method.runsWithoutEngine(), KRL_WORKS_WITHOUT_ENGINE}};

@@ -119,6 +119,11 @@ Method& Method::dependsOnBands() {
     return *this;
 }
 
+Method& Method::worksPerPixel() {
+    perPixel_ = true;
+    return *this;
+}
+
 Method& Method::leavesPicture() {
     leavesPicture_ = true;
     return *this;

@@ -216,6 +216,9 @@ public:
     Method& managesEngine();
     /// Its definition contains the bands: with more than one, the result differs from that of one.
     Method& dependsOnBands();
+    /// What becomes of a pixel depends only on it and on those at its place in second pictures, so that any
+    /// part of a picture can be worked on by itself.
+    Method& worksPerPixel();
     /// Leaves the loaded picture as it is: what it makes or finds is in its result.
     Method& leavesPicture();
     /// Checks its arguments and does nothing.
@@ -251,6 +254,7 @@ public:
     const char* engineFailureText() const { return engineFailure_; }
     bool managesTheEngine() const { return managesEngine_; }
     bool resultDependsOnBands() const { return dependsOnBands_; }
+    bool isPerPixel() const { return perPixel_; }
     /// Whether it may change the loaded picture.
     bool rewritesPicture() const { return !leavesPicture_ && !inert_ && !managesEngine_; }
     bool isInert() const { return inert_; }
@@ -291,8 +295,8 @@ private:
     const char* failed_ = nullptr;
     const char* engineFailure_ = nullptr;
     const char* pictureKey_ = nullptr;
-    bool managesEngine_ = false, dependsOnBands_ = false, leavesPicture_ = false, inert_ = false,
-         pictureList_ = false;
+    bool managesEngine_ = false, dependsOnBands_ = false, perPixel_ = false, leavesPicture_ = false,
+         inert_ = false, pictureList_ = false;
     bool withoutEngine_ = false, asksPlayer_ = false, keepsLocks_ = false, readsItself_ = false,
          silent_ = false;
     MethodBody body_;

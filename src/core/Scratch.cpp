@@ -127,7 +127,7 @@ private:
     }
 
     Mutex mutex_;
-    std::array<void*, 3> blocks_{};  ///< the last given back first
+    std::array<void*, 32> blocks_{};  ///< the last given back first
     size_t held_ = 0;
     size_t allowed_ = 0;
 };

@@ -176,10 +176,11 @@ static void use_catalogue(void) {
         }
     }
     CHECK(methods > 100 && choices > 100);
-    CHECK(krl_find_method("Brightness")->flags == KRL_REWRITES_PICTURE);
+    CHECK(krl_find_method("Brightness")->flags == (KRL_REWRITES_PICTURE | KRL_WORKS_PER_PIXEL));
     CHECK(krl_find_method("halfSize")->flags == (KRL_MAKES_PICTURE | KRL_DEPENDS_ON_BANDS));
     CHECK(krl_find_method("broadcastSplit")->flags == (KRL_MAKES_PICTURE | KRL_MAKES_PICTURE_LIST));
-    CHECK(krl_find_method("composite")->flags == (KRL_REWRITES_PICTURE | KRL_NEEDS_SECOND_PICTURE));
+    CHECK(krl_find_method("composite")->flags ==
+          (KRL_REWRITES_PICTURE | KRL_NEEDS_SECOND_PICTURE | KRL_WORKS_PER_PIXEL));
     CHECK(krl_find_method("reinterlace")->flags ==
           (KRL_NEEDS_SECOND_PICTURE | KRL_CHANGES_SECOND_PICTURE | KRL_DEPENDS_ON_BANDS));
     CHECK(krl_find_method("quit")->flags == KRL_MANAGES_ENGINE);
@@ -196,6 +197,7 @@ int main(void) {
     use_calls(engine);
     use_pictures(engine);
     use_catalogue();
+    CHECK(krl_engine_keep_memory(engine, 0) == KRL_OK);
     krl_engine_free(engine);
     return failures != 0;
 }

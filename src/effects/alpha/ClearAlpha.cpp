@@ -17,6 +17,7 @@ void describeClearAlpha(Catalogue& catalogue) {
                 refused("Clear Alpha invalid input direction (Image)"),
                 "white for opaque, black for transparent")
         .inputFailure("Clear Alpha input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Clear Alpha function (Image)");
 }
 

@@ -24,6 +24,7 @@ void describeInputMask(Catalogue& catalogue) {
         .symbol("invert", invertOrNot(), refused("InputMask invalid input invert option (Image)"),
                 "with keep, true takes the mask as it is and false its opposite")
         .inputFailure("Input Mask input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Input Mask function (Image)")
         .asksPlayer()
         .keepsLocksOnFailure();

@@ -22,6 +22,7 @@ void describeAmbientLight(Catalogue& catalogue) {
         .integer("intensity", {.from = 0, .to = 255, .example = 10, .least = 0, .most = 255, .neutral = 255},
                  "levels added to the light")
         .inputFailure("Ambient Light input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Ambient Light function (Image)");
 }
 

@@ -22,6 +22,7 @@ void describeBlurColourReplace(Catalogue& catalogue) {
         .summary("Multiplies the picture by a colour; in spite of its name it blurs nothing.")
         .colour("pColor", Colour(255, 196, 120), "colour that white becomes")
         .inputFailure("Blur Colour Replace input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Blur Colour Replace function (Image)");
 }
 

@@ -19,6 +19,7 @@ void describeColourBalance(Catalogue& catalogue) {
         .real("greenVal", {.from = 0, .to = 2, .example = 1.0}, "factor on green")
         .real("blueVal", {.from = 0, .to = 2, .example = 0.85}, "factor on blue")
         .inputFailure("Colour Balance input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Colour Balance (Image)")
         .needsEngine();
 }

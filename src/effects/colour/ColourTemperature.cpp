@@ -21,6 +21,7 @@ void describeColourTemperature(Catalogue& catalogue) {
         .real("tempShift", {.from = 1500, .to = 12000, .example = 4500},
               "temperature in kelvin; low is warm, about 4900 is neutral, high is cold")
         .inputFailure("Colour Temperature input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Colour Temperature function (Image)");
 }
 

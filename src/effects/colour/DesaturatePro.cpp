@@ -53,6 +53,7 @@ void describeDesaturatePro(Catalogue& catalogue) {
         .symbol("equalise", {{"true", true}, {"false", false}}, otherwise(false),
                 "whether to divide by the sum of the weights")
         .inputFailure("Desaturate Pro input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Desaturate Pro function (Image)");
 }
 

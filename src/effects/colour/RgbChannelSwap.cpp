@@ -62,6 +62,7 @@ void describeRgbChannelSwap(Catalogue& catalogue) {
         .integer("opacity", {.from = 0, .to = 256, .example = 256, .neutral = 0},
                  "share of the result, of 256; 0 changes nothing")
         .inputFailure("RGB Channel Swap input failure (Image)")
+        .worksPerPixel()
         .failed("Failed RGB Channel Swap function (Image)");
 }
 

@@ -17,6 +17,7 @@ void describeSaturation(Catalogue& catalogue) {
         .real("saturation", {.from = 0, .to = 3, .example = 1.5},
               "factor; 1.0 keeps, 0.0 leaves the grey of the brightest channel")
         .inputFailure("Saturation input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Saturation function (Image)");
 }
 

@@ -35,6 +35,7 @@ void describeComposite(Catalogue& catalogue) {
                 refused("Unknown #background_alpha method (Image)"),
                 "whether this picture's own transparency counts and grows, or stays as it is")
         .inputFailure("Composite input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Composite function (Image)")
         .asksPlayer()
         .keepsLocksOnFailure();

@@ -61,6 +61,7 @@ void describeBleachBypass(Catalogue& catalogue) {
         .real("saturation", {.from = 0, .to = 2, .example = 0.6, .least = 0, .most = 2},
               "factor on colourfulness")
         .inputFailure("Bleach Bypass input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Bleach Bypass function (Image)");
 }
 

@@ -56,6 +56,7 @@ void describeMultiColourise(Catalogue& catalogue) {
         .real("strength", {.from = 0, .to = 1, .example = 0.7, .least = 0, .most = 1, .neutral = 0},
               "share of the ramp")
         .inputFailure("Multi Colourise input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Multi Colourise function (Image)");
 }
 

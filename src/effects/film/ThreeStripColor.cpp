@@ -45,6 +45,7 @@ void describeThreeStripColor(Catalogue& catalogue) {
         .integer("expandGreen", expand, "the same for the green dye")
         .integer("expandBlue", expand, "the same for the blue dye")
         .inputFailure("Three Strip Color input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Three Strip Color function (Image)");
 }
 

@@ -46,6 +46,7 @@ void describeTwoStripColor(Catalogue& catalogue) {
         .integer("expandGreen", expand, "changes nothing")
         .integer("expandBlue", expand, "changes nothing")
         .inputFailure("Two Strip Color input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Two Strip Color function (Image)");
 }
 

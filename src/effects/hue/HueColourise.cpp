@@ -18,6 +18,7 @@ void describeHueColourise(Catalogue& catalogue) {
         .integer("density", {.from = 0, .to = 150, .example = 100, .neutral = 0},
                  "percent of the new colour; beyond 100 overshoots")
         .inputFailure("Hue Colourise input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Hue Colourise function (Image)");
 }
 

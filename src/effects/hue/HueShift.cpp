@@ -17,6 +17,7 @@ void describeHueShift(Catalogue& catalogue) {
         .integer("density", {.from = 0, .to = 150, .example = 100, .neutral = 0},
                  "percent of the new colour; beyond 100 overshoots")
         .inputFailure("HueShift input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Hue Shift function (Image)");
 }
 

@@ -17,6 +17,7 @@ void describeLightnessHLS(Catalogue& catalogue) {
         .summary("Multiplies lightness, as defined by hue, lightness and saturation.")
         .real("lightness", {.from = 0, .to = 2, .example = 1.25}, "factor; 1.0 keeps")
         .inputFailure("Lightness HLS input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Lightness HLS function (Image)");
 }
 

@@ -22,6 +22,7 @@ void describeLightnessHSV(Catalogue& catalogue) {
         .real("lightness", {.from = 0, .to = 2, .example = 1.25, .neutral = 1},
               "1.0 keeps, 2.0 gives white, 0.0 black")
         .inputFailure("Lightness HSV input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Lightness HSV function (Image)");
 }
 

@@ -18,6 +18,7 @@ void describePosteriseHue(Catalogue& catalogue) {
         .integer("level", {.from = 1, .to = 36, .example = 6}, "number of hues; 0 keeps them all")
         .integer("rotation", {.from = 0, .to = 360, .example = 30}, "degrees to turn the result by")
         .inputFailure("Posterise Hue input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Posterise Hue function (Image)");
 }
 

@@ -186,6 +186,7 @@ void describeChromaKey(Catalogue& catalogue) {
         .symbol("invert", invertOrNot(), refused("Chroma Key invalid input invert option (Image)"),
                 kInvertKeyMeaning)
         .inputFailure("Chroma Key input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Chroma Key function (Image)");
 }
 

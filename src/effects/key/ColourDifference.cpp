@@ -58,6 +58,7 @@ void describeColourDifference(Catalogue& catalogue) {
                 kInvertBackingMeaning)
         .showing("false")
         .inputFailure("Colour Difference input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Colour Difference function (Image)");
 }
 

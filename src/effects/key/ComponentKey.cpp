@@ -44,6 +44,7 @@ void describeComponentKey(Method& entry, const ComponentKeyWords& words) {
         .thenCompare()
         .symbol("invert", invertOrNot(), refused(words.badInvert), kInvertKeyMeaning)
         .inputFailure(words.inputFailure)
+        .worksPerPixel()
         .failed(words.failed);
 }
 

@@ -65,6 +65,7 @@ void describeSpillSupression(Catalogue& catalogue) {
                  {.from = 0, .to = 255, .example = 255, .least = 0, .most = 255, .neutral = 0},
                  "strength, 255 being full")
         .inputFailure("Spill Suppression input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Spill Suppression function (Image)");
 }
 

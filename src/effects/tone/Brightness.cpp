@@ -31,6 +31,7 @@ void describeBrightness(Catalogue& catalogue) {
         .symbol("colourOrAlpha", colourOrAlpha(), refused("Brightness invalid colourOrAlpha input (Image)"),
                 kTargetMeaning)
         .inputFailure("Brightness input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Brightness function (Image)");
 }
 

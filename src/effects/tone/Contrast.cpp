@@ -20,6 +20,7 @@ void describeContrast(Catalogue& catalogue) {
               "factor on the distance from level 127; 1.0 changes nothing, negative inverts")
         .symbol("colourOrAlpha", colourOrAlpha(), kElseAlpha, kTargetMeaning)
         .inputFailure("Contrast input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Contrast function (Image)");
 }
 

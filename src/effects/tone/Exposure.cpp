@@ -47,6 +47,7 @@ void describeExposure(Catalogue& catalogue) {
         .real("gamma", {.from = 0.8, .to = 1.3, .example = 1.0, .least = 0.1, .most = 9.99},
               "bend of the result, as in krlImageGamma; 1.0 is none")
         .inputFailure("Exposure input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Exposure function (Image)");
 }
 

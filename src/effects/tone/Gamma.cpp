@@ -24,6 +24,7 @@ void describeGamma(Catalogue& catalogue) {
               "is scaled back")
         .symbol("colourOrAlpha", colourOrAlpha(), kElseAlpha, kTargetMeaning)
         .inputFailure("Gamma input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Gamma function (Image)");
 }
 

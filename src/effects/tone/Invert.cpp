@@ -15,6 +15,7 @@ void describeInvert(Catalogue& catalogue) {
         .summary("Turns every level into its opposite, as in a negative.")
         .symbol("colourOrAlpha", colourOrAlpha(), kElseAlpha, kTargetMeaning)
         .inputFailure("Invert input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Invert function (Image)");
 }
 

@@ -71,6 +71,7 @@ void describeLevels(Catalogue& catalogue) {
                 otherwise(LevelsChannel::None),
                 "the three colours, one of them, or transparency; any other symbol changes nothing")
         .inputFailure("Levels input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Levels function (Image)");
 }
 

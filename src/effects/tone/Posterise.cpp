@@ -20,6 +20,7 @@ void describePosterise(Catalogue& catalogue) {
                  "number of steps; 0 changes nothing")
         .symbol("colourOrAlpha", colourOrAlpha(), kElseAlpha, kTargetMeaning)
         .inputFailure("Posterise input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Posterise function (Image)");
 }
 

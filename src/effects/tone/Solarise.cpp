@@ -15,6 +15,7 @@ void describeSolarise(Catalogue& catalogue) {
         .summary("Reverses the lighter half of the tones, as a print exposed twice.")
         .symbol("colourOrAlpha", colourOrAlpha(), kElseAlpha, kTargetMeaning)
         .inputFailure("Solarise input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Solarise function (Image)");
 }
 

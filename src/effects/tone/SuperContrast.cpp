@@ -23,6 +23,7 @@ void describeSuperContrast(Catalogue& catalogue) {
         .symbol("colourOrAlpha", colourOrAlpha(),
                 refused("Super Contrast invalid colourOrAlpha input (Image)"), kTargetMeaning)
         .inputFailure("Super Contrast input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Super Contrast function (Image)");
 }
 

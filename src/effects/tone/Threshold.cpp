@@ -25,6 +25,7 @@ void describeThreshold(Catalogue& catalogue) {
         .symbol("colourOrAlpha", colourOrAlpha(), refused("Threshold invalid colourOrAlpha input (Image)"),
                 kTargetMeaning)
         .inputFailure("Threshold input failure (Image)")
+        .worksPerPixel()
         .failed("Failed Threshold function (Image)");
 }
 
