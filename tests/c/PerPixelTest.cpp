@@ -63,7 +63,7 @@ std::vector<uint8_t> outcome(const krl_method_info& method, const Tile& tile, in
     return pixels;
 }
 
-constexpr Tile kTiles[] = {{0, 0, kWidth, 100}, {201, 100, 319, 150}, {3, 7, 1, 1}, {0, 250, 77, 80}};
+constexpr Tile kTiles[] = {{0, 0, kWidth, 100}, {201, 101, 319, 150}, {3, 7, 1, 1}, {0, 250, 77, 80}};
 
 bool isSameOnEveryTile(const krl_method_info& method, int variant) {
     const std::vector<uint8_t> whole = outcome(method, kWhole, variant);

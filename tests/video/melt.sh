@@ -1,0 +1,101 @@
+# Debian's melt with our frei0r modules.
+
+cat >"$scratch/profile" <<PROFILE
+description=a small test clip
+frame_rate_num=25
+frame_rate_den=1
+width=$width
+height=$height
+progressive=1
+sample_aspect_num=1
+sample_aspect_den=1
+display_aspect_num=$width
+display_aspect_den=$height
+colorspace=709
+PROFILE
+for clip in long long-over; do
+    ffmpeg -v error -y -f rawvideo -pix_fmt bgra -s "$size" -r 25 -i "$scratch/$clip" -c:v rawvideo \
+        -pix_fmt rgba "$scratch/$clip.nut"
+done
+
+# Renders what the words say into the raw clip "made", on $threads threads.
+threads=1
+melt_renders() {
+    melt -silent -profile "$scratch/profile" "$@" -consumer "avformat:$scratch/made.nut" real_time=-$threads \
+        mlt_image_format=rgba vcodec=rawvideo pix_fmt=rgba an=1 </dev/null
+    ffmpeg -v error -y -i "$scratch/made.nut" -f rawvideo -pix_fmt bgra "$scratch/made"
+}
+
+# The words before -- give what the judge makes of the call after it.
+melt_gives() {
+    local words=()
+    while [ "$1" != -- ]; do words+=("$1"); shift; done
+    shift
+    melt_renders "${words[@]}"
+    judged "$@" <"$scratch/clip" >"$scratch/wanted"
+    same_frames "$scratch/made" "$scratch/wanted" $clip_bytes
+}
+
+melt_passes_frames() {
+    melt_renders "$scratch/long.nut"
+    same_frames "$scratch/made" "$scratch/clip" $clip_bytes
+}
+
+# The blend modes, each by its name.
+melt_modes() {
+    local mode
+    for mode in $("$expected" choices composite blendMethod); do
+        melt_gives "$scratch/long.nut" -track "$scratch/long-over.nut" -transition frei0r.krl_composite \
+            blendMethodName="$mode" a_track=0 b_track=1 in=0 out=$frames -- \
+            composite --with "$scratch/clip-over" blendMethod="#$mode"
+    done
+}
+
+melt_chain() {
+    melt_renders "$scratch/long.nut" -filter frei0r.krl_brightness -filter frei0r.krl_twirl -filter frei0r.krl_hueShift
+    judged brightness <"$scratch/clip" | judged twirl | judged hueShift >"$scratch/wanted"
+    same_frames "$scratch/made" "$scratch/wanted" $clip_bytes
+}
+
+melt_on_threads() {
+    threads=4
+    melt_chain
+}
+
+melt_bad_list() {
+    melt_renders "$scratch/long.nut" -filter frei0r.krl_multiColourise 'colourValues=[0: rgb(1' 2>"$scratch/complaints"
+    cat "$scratch/complaints"
+    [ "$(grep -c '^krl_multiColourise: colourValues: ' "$scratch/complaints")" = 1 ]
+    same_frames "$scratch/made" "$scratch/clip" $clip_bytes
+}
+
+melt_describes() {
+    melt -query "filter=frei0r.krl_vignette" >"$scratch/description" 2>/dev/null
+    cat "$scratch/description"
+    grep -q 'transparency' "$scratch/description"
+}
+
+part "melt, frames as they are" melt_passes_frames
+for method in $(methods_in_role filter); do
+    part "melt, $method" melt_gives "$scratch/long.nut" -filter "frei0r.krl_$method" -- "$method"
+done
+for method in $(methods_in_role mixer); do
+    part "melt, $method" melt_gives "$scratch/long.nut" -track "$scratch/long-over.nut" \
+        -transition "frei0r.krl_$method" a_track=0 b_track=1 in=0 out=$frames -- \
+        "$method" --with "$scratch/clip-over"
+done
+for method in $(methods_in_role source); do
+    part "melt, $method" melt_gives "frei0r.krl_$method" out=$((frames - 1)) -- "$method"
+done
+part "melt, numbers and choices" melt_gives "$scratch/long.nut" -filter frei0r.krl_brightness brightnessInt=0.8 \
+    colourOrAlphaName=Alpha -- brightness brightnessInt=153 'colourOrAlpha=#Alpha'
+part "melt, a colour" melt_gives "$scratch/long.nut" -filter frei0r.krl_vignette 'theColor=#3366ff' -- \
+    vignette 'theColor=rgb(51, 102, 255)'
+part "melt, a list" melt_gives "$scratch/long.nut" -filter frei0r.krl_multiColourise \
+    'colourValues=[0: rgb(9, 8, 7), 100: rgb(250, 200, 30)]' -- \
+    multiColourise 'colourValues=[0: rgb(9, 8, 7), 100: rgb(250, 200, 30)]'
+part "melt, every mode of composite" melt_modes
+part "melt, a chain of three" melt_chain
+part "melt, a chain on four threads" melt_on_threads
+part "melt, a bad list" melt_bad_list
+part "melt, descriptions" melt_describes

@@ -1,0 +1,44 @@
+# Counts what passes and what fails, and goes on after a failure.
+passed=0 failed=0
+
+# Runs one part of the tests, bounded in time, and shows what it printed if it fails.
+part() {
+    local name=$1
+    shift
+    # Not as a condition, in which the shell would pass over failures.
+    bounded "$@" >"$scratch/log" 2>&1 &
+    if wait $!; then
+        passed=$((passed + 1))
+    else
+        failed=$((failed + 1))
+        echo "FAILED: $name"
+        tail -n 12 "$scratch/log"
+    fi
+}
+
+# A function, in a shell of its own that ends at the first failure and after two minutes at the latest.
+bounded() {
+    (
+        set -eu
+        trap 'exit 124' ALRM
+        self=$BASHPID
+        (sleep 120; kill -ALRM "$self") 2>/dev/null &
+        timer=$!
+        trap 'kill "$timer" 2>/dev/null' EXIT
+        "$@"
+    )
+}
+
+finish() {
+    echo "$passed passed, $failed failed"
+    [ "$failed" = 0 ] && [ "$passed" -gt 0 ]
+}
+
+# The names of the methods in role $1: all of them, or in the short form every twelfth and always the first.
+methods_in_role() { awk -v role="$1" '$2 == role { print $1 }' "$scratch/methods" | awk -v step="$step" 'NR % step == 1 % step'; }
+
+# Whether the frames of raw clip $1 are the first $3 bytes of raw clip $2, and no others.
+same_frames() {
+    [ "$(stat -c %s "$1")" = "$3" ] || { echo "$1 has $(stat -c %s "$1") bytes in place of $3"; return 1; }
+    cmp -n "$3" "$1" "$2"
+}
