@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <fstream>
 #include <ostream>
 #include <sstream>
@@ -21,22 +22,23 @@ std::shared_ptr<const Source> sourceOf(const std::filesystem::path& path) {
     return std::make_shared<Source>(Source{path.string(), text.str()});
 }
 
-/// Checks one script and reports its mistakes as they are found.
+/// Checks one script and reports all of its mistakes in order.
 class Check {
 public:
     Check(std::shared_ptr<const Source> source, const Terminal& terminal)
         : source_(std::move(source)), terminal_(terminal) {}
 
     size_t mistakes() {
-        try {
-            const auto script = parseScript(source_, symbols_);
-            visitCalls(*script, [&](const CallExpression& call) {
-                if (!script->handler(call.name)) check(call);
-            });
-        } catch (const ScriptError& error) {
-            tell(error);
-        }
-        return mistakes_;
+        const auto script = parseScript(source_, symbols_, mistakes_);
+        visitCalls(*script, [&](const CallExpression& call) {
+            if (!script->handler(call.name)) check(call);
+        });
+        std::stable_sort(mistakes_.begin(), mistakes_.end(), [](const ScriptError& a, const ScriptError& b) {
+            return std::pair(a.place().line, a.place().column) < std::pair(b.place().line, b.place().column);
+        });
+        for (const ScriptError& mistake : mistakes_)
+            terminal_.err << mistake.what() << '\n' << mistake.excerpt() << '\n';
+        return mistakes_.size();
     }
 
 private:
@@ -65,17 +67,14 @@ private:
         }
     }
 
-    void complain(Place place, const std::string& message) { tell(source_->error(place, message)); }
-
-    void tell(const ScriptError& error) {
-        ++mistakes_;
-        terminal_.err << error.what() << '\n' << error.excerpt() << '\n';
+    void complain(Place place, const std::string& message) {
+        mistakes_.push_back(source_->error(place, message));
     }
 
     std::shared_ptr<const Source> source_;
     const Terminal& terminal_;
     SymbolTable symbols_;
-    size_t mistakes_ = 0;
+    std::vector<ScriptError> mistakes_;
 };
 
 }  // namespace

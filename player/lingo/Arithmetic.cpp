@@ -12,7 +12,7 @@ namespace krl::player {
 namespace {
 
 constexpr const char* kSigns[] = {"+", "-", "*",  "/",  "mod",      "&",      "&&",  "=", "<>",
-                                  "<", ">", "<=", ">=", "contains", "starts", "and", "or"};
+                                  "<", ">", "<=", ">=", "contains", "starts", "intersects", "within", "and", "or"};
 
 const char* signOf(Operator operation) { return kSigns[static_cast<size_t>(operation)]; }
 
@@ -201,6 +201,9 @@ Value operate(Runtime& runtime, Operator operation, const Value& left, const Val
             const size_t found = whole.find(part);
             return Value::truth(operation == Operator::Starts ? found == 0 : found != std::string::npos);
         }
+        case Operator::Intersects:
+        case Operator::Within:
+            throw HostError(std::string("\"") + signOf(operation) + "\" compares sprites, which need a stage");
         case Operator::Add:
         case Operator::Subtract:
         case Operator::Multiply:

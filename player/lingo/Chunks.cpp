@@ -94,6 +94,13 @@ Stretch findChunk(std::string_view text, ChunkKind kind, int32_t first, int32_t 
     return found;
 }
 
+std::pair<int32_t, int32_t> rangeOf(std::string_view text, ChunkKind kind, int32_t first, int32_t last,
+                                    char itemDelimiter) {
+    if (first >= 0 && last >= 0) return {first, last};
+    const int32_t count = countChunks(text, kind, itemDelimiter);
+    return {first < 0 ? count : first, last < 0 ? count : last};
+}
+
 std::string withChunk(std::string_view text, ChunkKind kind, int32_t first, int32_t last, char itemDelimiter,
                       std::string_view replacement) {
     std::string whole(text);
@@ -111,7 +118,11 @@ std::string withoutChunk(std::string_view text, ChunkKind kind, int32_t first, i
                          char itemDelimiter) {
     Stretch place = findChunk(text, kind, first, last, itemDelimiter);
     const ChunkWalk walk(text, kind, itemDelimiter);
-    if (kind != ChunkKind::Char && place.length() + place.begin > 0) {
+    if (kind == ChunkKind::Word) {
+        while (place.end < text.size() && isBlank(text[place.end])) ++place.end;
+        if (place.end == text.size())
+            while (place.begin > 0 && isBlank(text[place.begin - 1])) --place.begin;
+    } else if (kind != ChunkKind::Char && place.length() + place.begin > 0) {
         if (const size_t after = walk.delimiterAt(place.end))
             place.end += after;
         else if (place.begin > 0 && place.begin < text.size() + 1 && walk.delimiterAt(place.begin - 1))

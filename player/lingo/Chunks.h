@@ -18,6 +18,10 @@ struct Stretch {
 
 int32_t countChunks(std::string_view text, ChunkKind kind, char itemDelimiter);
 
+/// The range that a script means: a negative number is the last chunk.
+std::pair<int32_t, int32_t> rangeOf(std::string_view text, ChunkKind kind, int32_t first, int32_t last,
+                                    char itemDelimiter);
+
 /// Chunk `first` to `last`; empty at the end of the text if there are fewer.
 Stretch findChunk(std::string_view text, ChunkKind kind, int32_t first, int32_t last, char itemDelimiter);
 
@@ -25,7 +29,7 @@ Stretch findChunk(std::string_view text, ChunkKind kind, int32_t first, int32_t 
 std::string withChunk(std::string_view text, ChunkKind kind, int32_t first, int32_t last, char itemDelimiter,
                       std::string_view replacement);
 
-/// `text` without that chunk and one adjacent delimiter.
+/// `text` without that chunk and the adjacent delimiter; without all blanks after a word, or before the last.
 std::string withoutChunk(std::string_view text, ChunkKind kind, int32_t first, int32_t last,
                          char itemDelimiter);
 

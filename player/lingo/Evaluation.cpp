@@ -182,7 +182,8 @@ std::pair<int32_t, int32_t> Interpreter::chunkRange(const ChunkExpression& expre
         return found.isInteger() ? found.integer() : rounded(found.number());
     };
     const int32_t first = number(*expression.first);
-    return {first, expression.last ? number(*expression.last) : first};
+    const int32_t last = expression.last ? number(*expression.last) : first;
+    return rangeOf(whole, expression.chunk, first, last, settings.itemDelimiter);
 }
 
 const PropertyEntry* Interpreter::propertyOf(Kind kind, SymbolId name) const {

@@ -32,8 +32,7 @@ Interpreter::Flow Interpreter::execute(const Statement& statement) {
             putInto(static_cast<const AssignStatement&>(statement));
             return Flow::Onward;
         case StatementKind::Delete:
-            deleteChunk(static_cast<const ChunkExpression&>(
-                *static_cast<const ExpressionStatement&>(statement).expression));
+            remove(*static_cast<const ExpressionStatement&>(statement).expression);
             return Flow::Onward;
         case StatementKind::If:
             return executeIf(static_cast<const IfStatement&>(statement));
@@ -252,6 +251,14 @@ void Interpreter::assignChunk(const ChunkExpression& target, const std::string& 
     const auto [first, last] = chunkRange(target, whole);
     heap.mustHold(whole.size() + added.size() + static_cast<size_t>(std::max(first, 0)));
     assign(*target.source, text(withChunk(whole, target.chunk, first, last, settings.itemDelimiter, added)));
+}
+
+void Interpreter::remove(const Expression& target) {
+    if (target.kind == ExpressionKind::Chunk) return deleteChunk(static_cast<const ChunkExpression&>(target));
+    const auto& index = static_cast<const IndexExpression&>(target);
+    const Value object = evaluate(*index.object), place = evaluate(*index.index);
+    place_ = target.place;
+    deleteElement(*this, object, place);
 }
 
 void Interpreter::deleteChunk(const ChunkExpression& target) {

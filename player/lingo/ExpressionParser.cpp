@@ -50,6 +50,7 @@ Token ExpressionParser::expectName(const char* what) {
 }
 
 void ExpressionParser::fail(const std::string& expected, const std::string& hint) const {
+    if (here().kind == TokenKind::Wrong) failAt(here().place, here().text);
     failAt(here().place, "expected " + expected + ", not " + here().described() + hint);
 }
 
@@ -63,9 +64,9 @@ void ExpressionParser::contain(Expression& whole, const ExpressionPointer& part)
 }
 
 bool ExpressionParser::isJoiningWord(const Token& token) {
-    static constexpr const char* words[] = {"then",   "to",   "of",  "in",   "into",     "after",
-                                            "before", "and",  "or",  "mod",  "contains", "starts",
-                                            "down",   "else", "end", "with", "otherwise"};
+    static constexpr const char* words[] = {
+        "then",     "to",     "of",   "in",   "into", "after", "before",    "and",        "or",    "mod",
+        "contains", "starts", "down", "else", "end",  "with",  "otherwise", "intersects", "within"};
     return std::any_of(std::begin(words), std::end(words),
                        [&](const char* word) { return token.isWord(word); });
 }
@@ -74,7 +75,7 @@ bool ExpressionParser::beginsExpression() const {
     const Token& token = here();
     if (token.endsLine() || isJoiningWord(token)) return false;
     if (token.kind != TokenKind::Mark) return true;
-    return token.isMark("(") || token.isMark("[") || token.isMark("-");
+    return opensBracket(token) || token.isMark("-") || token.isMark("+");
 }
 
 ExpressionPointer ExpressionParser::expression() {
@@ -96,7 +97,9 @@ ExpressionPointer ExpressionParser::binary(size_t level) {
           {"<", Less},
           {">", Greater},
           {"contains", Contains},
-          {"starts", Starts}}},
+          {"starts", Starts},
+          {"intersects", Intersects},
+          {"within", Within}}},
         {{{"&&", ConcatenateSpaced}, {"&", Concatenate}}},
         {{{"+", Add}, {"-", Subtract}}},
         {{{"*", Multiply}, {"/", Divide}, {"mod", Modulo}}},
@@ -120,6 +123,7 @@ ExpressionPointer ExpressionParser::binary(size_t level) {
 }
 
 ExpressionPointer ExpressionParser::unary() {
+    if (takeMark("+")) return unary();
     const bool negation = here().isMark("-");
     if (!negation && !here().isWord("not")) return accessPath();
     if (++nesting_ > kDeepestExpression) failAt(here().place, "the expression is nested too deeply");

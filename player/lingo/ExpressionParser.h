@@ -23,6 +23,8 @@ protected:
     [[noreturn]] void fail(const std::string& expected, const std::string& hint = "") const;
     [[noreturn]] void failAt(Place place, const std::string& message) const;
 
+    /// For parsing to go on after a mistake.
+    void resetNesting() { nesting_ = 0; }
     ExpressionPointer expression();
     /// What is allowed left of `=`: no operators except access.
     ExpressionPointer accessPath();
@@ -40,6 +42,13 @@ protected:
     /// Whether the current token can begin an expression.
     bool beginsExpression() const;
     static bool isChunkName(const Token& token, ChunkKind& kind);
+    static bool opensBracket(const Token& token) { return token.isAnyMark({"(", "[", "{"}); }
+    static bool closesBracket(const Token& token) { return token.isAnyMark({")", "]", "}"}); }
+    bool beginsReference() const;
+    std::unique_ptr<CallExpression> reference(const Token& name);
+    ExpressionPointer bracketed();
+    /// A string literal.
+    ExpressionPointer text(std::string characters, Place place);
 
     SymbolTable& symbols_;
     std::shared_ptr<const Source> source_;
@@ -58,19 +67,24 @@ private:
     ExpressionPointer chunkByDot(ChunkKind kind, ExpressionPointer source, Place place);
     ExpressionPointer primary();
     ExpressionPointer named();
-    bool beginsReference() const;
-    ExpressionPointer reference(const Token& name);
+    ExpressionPointer referenced();
+    ExpressionPointer bracketedReference();
+    ExpressionPointer referredTo();
+    void ofCast(CallExpression& member);
+    ExpressionPointer newObject();
     ExpressionPointer literal();
     ExpressionPointer constant();
-    ExpressionPointer text(std::string characters, Place place);
-    ExpressionPointer bracketed();
-    ExpressionPointer list(Place place);
-    ExpressionPointer propertyList(Place place, std::unique_ptr<ListExpression> made,
-                                   ExpressionPointer firstKey);
+    ExpressionPointer list(const char* closing);
+    ExpressionPointer propertyList(std::unique_ptr<ListExpression> made, ExpressionPointer firstKey,
+                                   const char* closing);
     ExpressionPointer propertyKey();
     bool beginsChunk(ChunkKind& kind) const;
     ExpressionPointer chunk(ChunkKind kind);
     ExpressionPointer the();
+    ExpressionPointer theNumberOf(Place place);
+    ExpressionPointer countOf(ChunkKind kind, ExpressionKind what, Place place);
+    ExpressionPointer theProperty(const Token& name, SymbolId property);
+    bool takesOf();
     void expectIn();
 
     std::vector<Token> tokens_;

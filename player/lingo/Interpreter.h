@@ -77,6 +77,7 @@ private:
     void assignProperty(const PropertyExpression& target, const Value& value);
     Value withChannel(const Value& colour, SymbolId name, const Value& level);
     void assignChunk(const ChunkExpression& target, const std::string& text);
+    void remove(const Expression& target);
     void deleteChunk(const ChunkExpression& target);
     Value* variable(const VariableExpression& expression);
 

@@ -1,6 +1,6 @@
 #include "player/lingo/Lexer.h"
 
-#include <charconv>
+#include <algorithm>
 
 #include "player/host/Compare.h"
 
@@ -9,10 +9,11 @@ namespace krl::player {
 namespace {
 
 bool isDigit(char letter) { return letter >= '0' && letter <= '9'; }
-bool isNameStart(char letter) {
-    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') || letter == '_';
+bool isBlank(char letter) { return letter == ' ' || letter == '\t'; }
+bool isPlainLetter(char letter) {
+    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') || letter == '_' ||
+           letter == '$';
 }
-bool isNamePart(char letter) { return isNameStart(letter) || isDigit(letter); }
 
 /// Second byte of the no-break space in UTF-8, which is common in text from the web.
 constexpr char kNoBreak = '\xA0';
@@ -47,7 +48,7 @@ private:
 
     void step() {
         const char letter = peek();
-        if (letter == ' ' || letter == '\t')
+        if (isBlank(letter))
             ++at_;
         else if (letter == '\xC2' && peek(1) == kNoBreak)
             at_ += 2;
@@ -63,15 +64,34 @@ private:
             takeSymbol();
         else if (isDigit(letter) || (letter == '.' && isDigit(peek(1))))
             takeNumber();
-        else if (isNameStart(letter))
+        else if (nameBytes() > 0)
             takeName();
         else
             takeMark();
     }
 
-    void skipComment() {
-        while (at_ < text_.size() && peek() != '\n' && peek() != '\r') ++at_;
+    Token& addWrong(Place place, size_t begin, std::string complaint) {
+        Token& token = add(TokenKind::Wrong, begin);
+        token.place = place;
+        token.text = std::move(complaint);
+        return token;
     }
+
+    /// A comment that ends with a continuation mark goes on in the next line if it has its line to itself.
+    /// After code, it is the code that goes on.
+    void skipComment() {
+        const bool alone = tokens_.empty() || tokens_.back().kind == TokenKind::LineEnd;
+        do {
+            const size_t begin = at_;
+            while (!atLineEnd()) ++at_;
+            size_t last = at_;
+            while (last > begin && isBlank(text_[last - 1])) --last;
+            if (text_[last - 1] != '\\' || at_ == text_.size()) return;
+            passLineEnd();
+        } while (alone);
+    }
+
+    bool atLineEnd() const { return at_ >= text_.size() || peek() == '\n' || peek() == '\r'; }
 
     /// Takes one line end of any of the three kinds.
     void passLineEnd() {
@@ -90,40 +110,84 @@ private:
     size_t continuationBytes() const {
         if (peek() == '\\' || peek() == '\xAC') return 1;
         if (peek() != '\xC2') return 0;
-        return peek(1) == '\xAC' ? 2 : peek(1) != kNoBreak;
+        if (peek(1) == '\xAC') return 2;
+        return (peek(1) & 0xC0) == 0x80 ? 0 : 1;
     }
 
     void continueLine() {
         const size_t begin = at_;
         at_ += continuationBytes();
-        while (peek() == ' ' || peek() == '\t') ++at_;
-        if (peek() == '-' && peek(1) == '-') skipComment();
-        if (at_ < text_.size() && peek() != '\n' && peek() != '\r')
-            throw source_.error(placeOf(begin),
-                                "expected the end of the line after \"\\\", which continues it");
-        if (at_ < text_.size()) passLineEnd();
+        while (isBlank(peek())) ++at_;
+        if (peek() == '-' && peek(1) == '-')
+            while (!atLineEnd()) ++at_;
+        if (!atLineEnd())
+            addWrong(placeOf(begin), begin, "expected the end of the line after \"\\\", which continues it");
+        else if (at_ < text_.size())
+            passLineEnd();
     }
 
+    /// A string may go on in the next line after a continuation mark.
     void takeString() {
         const size_t begin = at_++;
-        while (at_ < text_.size() && peek() != '"' && peek() != '\n' && peek() != '\r') ++at_;
-        if (peek() != '"') throw source_.error(placeOf(begin), "expected a closing quote on the same line");
+        const Place place = placeOf(begin);
+        std::string characters;
+        while (!atLineEnd() && peek() != '"') {
+            const size_t mark = at_;
+            if (peek() != '\\' || !stringContinues()) {
+                at_ = mark + 1;
+                characters += text_[mark];
+            }
+        }
+        if (peek() != '"') {
+            addWrong(place, begin, "expected a closing quote on the same line");
+            return;
+        }
         ++at_;
         Token& token = add(TokenKind::String, begin);
-        token.text = token.text.substr(1, token.text.size() - 2);
+        token.place = place;
+        token.text = std::move(characters);
+    }
+
+    /// Passes a backslash and the line end after it, if the string closes in one of the following lines.
+    bool stringContinues() {
+        ++at_;
+        while (isBlank(peek())) ++at_;
+        if (!atLineEnd() || at_ == text_.size()) return false;
+        const size_t quote = text_.find('"', at_);
+        if (quote == std::string_view::npos) return false;
+        passLineEnd();
+        return true;
     }
 
     void takeSymbol() {
         const size_t begin = at_++;
-        if (!isNamePart(peek())) throw source_.error(placeOf(begin), "expected a name after \"#\"");
-        while (isNamePart(peek())) ++at_;
+        if (!takeNameParts()) {
+            addWrong(placeOf(begin), begin, "expected a name after \"#\"");
+            return;
+        }
         Token& token = add(TokenKind::Symbol, begin);
         token.text.erase(0, 1);
     }
 
+    /// Length of the letter here that may begin a name: ASCII, `$`, or any letter beyond ASCII in UTF-8 or
+    /// an older encoding. General punctuation, such as curly quotes, is none.
+    size_t nameBytes() const {
+        if (isPlainLetter(peek())) return 1;
+        if (!(peek() & 0x80) || continuationBytes() > 0) return 0;
+        if (peek() == '\xC2') return peek(1) == kNoBreak ? 0 : 2;
+        const bool punctuation = peek() == '\xE2' && (peek(1) == '\x80' || peek(1) == '\x81');
+        return punctuation ? 0 : 1;
+    }
+
+    bool takeNameParts() {
+        const size_t begin = at_;
+        while (isDigit(peek()) || nameBytes() > 0) at_ += std::max<size_t>(nameBytes(), 1);
+        return at_ > begin;
+    }
+
     void takeName() {
         const size_t begin = at_;
-        while (isNamePart(peek())) ++at_;
+        takeNameParts();
         add(TokenKind::Name, begin);
     }
 
@@ -142,9 +206,13 @@ private:
             at_ += sign;
             while (isDigit(peek())) ++at_;
         }
-        if (isNamePart(peek()))
-            throw source_.error(placeOf(at_),
-                                "expected the number to end before \"" + std::string(1, peek()) + '"');
+        if (isPlainLetter(peek())) {
+            const size_t tail = at_;
+            takeNameParts();
+            addWrong(placeOf(tail), begin,
+                     "expected the number to end before \"" + std::string(1, text_[tail]) + '"');
+            return;
+        }
         Token& token = add(real ? TokenKind::Float : TokenKind::Integer, begin);
         // Integers wrap to 32 bits, like all of Lingo's arithmetic.
         if (!real)
@@ -152,12 +220,12 @@ private:
                 token.integer = static_cast<int32_t>(static_cast<uint32_t>(token.integer) * 10u +
                                                      static_cast<uint32_t>(digit - '0'));
         else if (!readNumber(token.text, token.real))
-            throw source_.error(token.place, "the number is out of range for a float");
+            addWrong(token.place, begin, "the number is out of range for a float");
     }
 
     void takeMark() {
-        static const char* const marks[] = {"..", "<>", "<=", ">=", "&&", "(", ")", "[", "]", ",",
-                                            ":",  ".",  "=",  "<",  ">",  "&", "+", "-", "*", "/"};
+        static const char* const marks[] = {"..", "<>", "<=", ">=", "&&", "(", ")", "[", "]", "{", "}",
+                                            ",",  ":",  ".",  "=",  "<",  ">", "&", "+", "-", "*", "/"};
         const size_t begin = at_;
         for (const char* mark : marks) {
             const std::string_view wanted(mark);
@@ -167,8 +235,11 @@ private:
             return;
         }
         const bool shown = peek() > ' ' && peek() < 0x7F;
-        throw source_.error(placeOf(begin), shown ? "unexpected character \"" + std::string(1, peek()) + '"'
-                                                  : std::string("unexpected character"));
+        const std::string complaint =
+            shown ? "unexpected character \"" + std::string(1, peek()) + '"' : "unexpected character";
+        do ++at_;
+        while ((peek() & 0xC0) == 0x80);
+        addWrong(placeOf(begin), begin, complaint);
     }
 
     const Source& source_;
@@ -196,6 +267,14 @@ ScriptError Source::error(Place place, const std::string& message) const {
 }
 
 bool Token::isWord(const char* word) const { return kind == TokenKind::Name && compareText(text, word) == 0; }
+
+bool Token::isAnyMark(std::initializer_list<const char*> marks) const {
+    return std::any_of(marks.begin(), marks.end(), [this](const char* mark) { return isMark(mark); });
+}
+
+bool Token::isAnyWord(std::initializer_list<const char*> words) const {
+    return std::any_of(words.begin(), words.end(), [this](const char* word) { return isWord(word); });
+}
 
 std::string Token::described() const {
     if (kind == TokenKind::End) return "the end of the script";

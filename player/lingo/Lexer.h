@@ -1,5 +1,6 @@
 #pragma once
 
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -25,8 +26,9 @@ enum class TokenKind {
     Float,
     String,
     Symbol,
-    Name,  ///< including keywords: Lingo reserves hardly any
-    Mark,  ///< an operator or bracket, in `text`
+    Name,   ///< including keywords: Lingo reserves hardly any
+    Mark,   ///< an operator or bracket, in `text`
+    Wrong,  ///< what begins no token; `text` is the complaint
 };
 
 struct Token {
@@ -40,13 +42,16 @@ struct Token {
     bool isMark(const char* mark) const { return kind == TokenKind::Mark && text == mark; }
     /// Whether it is this word, given in lower case.
     bool isWord(const char* word) const;
+    bool isAnyMark(std::initializer_list<const char*> marks) const;
+    /// Whether it is one of these words, given in lower case.
+    bool isAnyWord(std::initializer_list<const char*> words) const;
     bool endsLine() const { return kind == TokenKind::End || kind == TokenKind::LineEnd; }
     /// The token for messages: `"then"`, `the end of the line`.
     std::string described() const;
 };
 
 /// Splits a script into tokens: comments and continued line ends are dropped, consecutive line ends are
-/// merged, and the last token is `End`. Throws `ScriptError`.
+/// merged, and the last token is `End`. Mistakes become `Wrong` tokens.
 std::vector<Token> tokensOf(const Source& source);
 
 }  // namespace krl::player

@@ -345,6 +345,12 @@ Value elementOf(Runtime& runtime, const Value& object, const Value& index) {
     throw HostError("expected a list before the brackets, not " + kindName(object.kind()));
 }
 
+void deleteElement(Runtime& runtime, const Value& object, const Value& index) {
+    const bool byKey = object.is(Kind::PropertyList) && !index.isNumber();
+    const std::array<Value, 2> arguments = {object, index};
+    (byKey ? deleteProp : deleteAt)(runtime, Arguments("delete", arguments));
+}
+
 void setEntry(Runtime& runtime, PropertyListObject& list, const Value& key, const Value& value) {
     if (Entry* entry = entryUnder(runtime, list, key)) {
         const Value gone = std::exchange(entry->value, value);

@@ -13,23 +13,26 @@ namespace {
 
 class Parser : StatementParser {
 public:
-    Parser(std::shared_ptr<const Source> source, SymbolTable& symbols)
-        : StatementParser(std::move(source), symbols) {}
+    Parser(std::shared_ptr<const Source> source, SymbolTable& symbols,
+           std::vector<ScriptError>* mistakes = nullptr)
+        : StatementParser(std::move(source), symbols) {
+        mistakes_ = mistakes;
+    }
 
     std::unique_ptr<Script> script() {
         while (here().kind == TokenKind::LineEnd) take();
         while (here().kind != TokenKind::End) {
-            if (here().isWord("on"))
-                handler();
-            else if (here().isWord("global"))
-                declare(script_->globals);
-            else if (here().isWord("property"))
-                declare(script_->properties);
-            else
-                fail("a handler, which begins with \"on\"", didYouMean(here().text, {"on"}));
-            passLineEnds();
+            try {
+                part();
+                passLineEnds();
+            } catch (const ScriptError& mistake) {
+                record(mistake);
+                skipToPart();
+            }
         }
         resolveScopes();
+        // What was given up has taken its literals along; such a script never runs.
+        if (mistakes_ && !mistakes_->empty()) script_->literals.clear();
         return std::move(script_);
     }
 
@@ -54,6 +57,23 @@ private:
         std::vector<SymbolId> globals;
     };
 
+    void part() {
+        if (here().isWord("on"))
+            handler();
+        else if (here().isWord("global"))
+            declare(script_->globals);
+        else if (here().isWord("property"))
+            declare(script_->properties);
+        else
+            fail("a handler, which begins with \"on\"", didYouMean(here().text, {"on"}));
+    }
+
+    /// Goes to the next line that begins a part of a script.
+    void skipToPart() {
+        do skipLine();
+        while (here().kind != TokenKind::End && !here().isAnyWord({"on", "global", "property"}));
+    }
+
     void handler() {
         take();
         const Token name = expectName("the name of the handler after \"on\"");
@@ -66,10 +86,14 @@ private:
         passLineEnds();
         variables_.clear();
         handlerGlobals_.clear();
+        brokenBlocks_.clear();
         made->body = block();
-        if (!here().isWord("end")) fail("\"end\" of the handler \"" + name.text + '"');
-        take();
-        if (!here().endsLine()) take();
+        // Many a script ends without the last `end`.
+        if (here().kind != TokenKind::End) {
+            if (!here().isWord("end")) fail("\"end\" of the handler \"" + name.text + '"');
+            take();
+            if (!here().endsLine() && here().kind != TokenKind::Wrong) take();
+        }
         unresolved_.push_back({made.get(), std::move(variables_), handlerGlobals_});
         variables_.clear();
         script_->handlers.push_back(std::move(made));
@@ -127,6 +151,11 @@ const Handler* Script::handler(SymbolId name) const {
 
 std::unique_ptr<Script> parseScript(std::shared_ptr<const Source> source, SymbolTable& symbols) {
     return Parser(std::move(source), symbols).script();
+}
+
+std::unique_ptr<Script> parseScript(std::shared_ptr<const Source> source, SymbolTable& symbols,
+                                    std::vector<ScriptError>& mistakes) {
+    return Parser(std::move(source), symbols, &mistakes).script();
 }
 
 std::unique_ptr<Script> parseExpression(std::shared_ptr<const Source> source, SymbolTable& symbols) {

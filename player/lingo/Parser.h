@@ -11,6 +11,10 @@ inline constexpr int kDeepestStatement = 100;
 /// Parses a script file; throws `ScriptError` at the first syntax error.
 std::unique_ptr<Script> parseScript(std::shared_ptr<const Source> source, SymbolTable& symbols);
 
+/// Parses a script file and collects every syntax error in order. What is right of it is returned.
+std::unique_ptr<Script> parseScript(std::shared_ptr<const Source> source, SymbolTable& symbols,
+                                    std::vector<ScriptError>& mistakes);
+
 /// Parses one expression into a script with one handler that returns it, for `value` and single calls. Its
 /// names are global variables.
 std::unique_ptr<Script> parseExpression(std::shared_ptr<const Source> source, SymbolTable& symbols);

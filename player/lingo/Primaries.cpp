@@ -3,7 +3,7 @@
 #include "player/lingo/ExpressionParser.h"
 #include "player/lingo/Parser.h"
 
-/// The operands of operators: literals, names, calls, lists, chunks and `the`.
+/// The operands of operators: literals, names, calls and lists.
 namespace krl::player {
 
 ExpressionPointer ExpressionParser::primary() {
@@ -19,7 +19,8 @@ ExpressionPointer ExpressionParser::primary() {
             break;
     }
     if (here().isMark("(")) return bracketed();
-    if (here().isMark("[")) return list(take().place);
+    if (here().isMark("[")) return list("]");
+    if (here().isMark("{")) return list("}");
     fail("an expression");
 }
 
@@ -90,36 +91,9 @@ ExpressionPointer ExpressionParser::named() {
     ChunkKind kind;
     if (beginsChunk(kind)) return chunk(kind);
     if (ExpressionPointer known = constant()) return known;
+    if (ExpressionPointer found = referenced()) return found;
     const Token name = take();
-    if (here().isMark("(")) return call(name);
-    if ((name.isWord("xtra") || name.isWord("script") || name.isWord("member")) && beginsReference())
-        return reference(name);
-    return variable(name);
-}
-
-/// Whether a reference follows `member` and the like without parentheses.
-bool ExpressionParser::beginsReference() const {
-    const Token& next = here();
-    return next.kind == TokenKind::String || next.kind == TokenKind::Integer ||
-           (next.kind == TokenKind::Name && !isJoiningWord(next));
-}
-
-/// `xtra "Name"`, `member name of castLib 2`: calls without parentheses.
-ExpressionPointer ExpressionParser::reference(const Token& name) {
-    auto made = node<CallExpression>(ExpressionKind::Call, name.place);
-    made->name = symbols_.identifier(name.text);
-    const auto argument = [&] {
-        made->arguments.push_back(here().kind == TokenKind::Name ? variable(take()) : literal());
-        contain(*made, made->arguments.back());
-    };
-    argument();
-    if (here().isWord("of") && ahead().isWord("castlib")) {
-        take();
-        take();
-        if (!beginsReference()) fail("the name or number of a cast");
-        argument();
-    }
-    return made;
+    return here().isMark("(") ? ExpressionPointer(call(name)) : ExpressionPointer(variable(name));
 }
 
 std::unique_ptr<VariableExpression> ExpressionParser::variable(const Token& name) {
@@ -147,27 +121,30 @@ std::vector<ExpressionPointer> ExpressionParser::expressionsUpTo(const char* mar
     return found;
 }
 
-ExpressionPointer ExpressionParser::list(Place place) {
-    if (here().isMark(":")) {
-        take();
-        expectMark("]", "\"[:\"");
+/// `[1, 2]`, `[#a: 1]`, `[:]`, or the same in braces.
+ExpressionPointer ExpressionParser::list(const char* closing) {
+    const Place place = take().place;
+    const bool braces = *closing == '}';
+    if (takeMark(":")) {
+        expectMark(closing, braces ? "\"{:\"" : "\"[:\"");
         return node<ListExpression>(ExpressionKind::PropertyList, place);
     }
     auto made = node<ListExpression>(ExpressionKind::List, place);
-    if (takeMark("]")) return made;
+    if (takeMark(closing))
+        return braces ? node<ListExpression>(ExpressionKind::PropertyList, place) : std::move(made);
     ExpressionPointer first = propertyKey();
     if (here().isMark(":"))
-        return propertyList(place, node<ListExpression>(ExpressionKind::PropertyList, place),
-                            std::move(first));
+        return propertyList(node<ListExpression>(ExpressionKind::PropertyList, place), std::move(first),
+                            closing);
     made->items.push_back(std::move(first));
     while (takeMark(",")) made->items.push_back(expression());
-    if (!takeMark("]")) fail("\",\" or \"]\" in the list");
+    if (!takeMark(closing)) fail(std::string("\",\" or \"") + closing + "\" in the list");
     for (const ExpressionPointer& item : made->items) contain(*made, item);
     return made;
 }
 
-ExpressionPointer ExpressionParser::propertyList(Place, std::unique_ptr<ListExpression> made,
-                                                 ExpressionPointer firstKey) {
+ExpressionPointer ExpressionParser::propertyList(std::unique_ptr<ListExpression> made,
+                                                 ExpressionPointer firstKey, const char* closing) {
     made->keys.push_back(std::move(firstKey));
     for (;;) {
         expectMark(":", "the property");
@@ -177,7 +154,7 @@ ExpressionPointer ExpressionParser::propertyList(Place, std::unique_ptr<ListExpr
         if (!takeMark(",")) break;
         made->keys.push_back(propertyKey());
     }
-    if (!takeMark("]")) fail("\",\" or \"]\" in the property list");
+    if (!takeMark(closing)) fail(std::string("\",\" or \"") + closing + "\" in the property list");
     return made;
 }
 
@@ -188,77 +165,6 @@ ExpressionPointer ExpressionParser::propertyKey() {
     auto made = node<LiteralExpression>(ExpressionKind::Symbol, name.place);
     made->text = name.text;
     made->symbol = symbols_.symbol(name.text);
-    return made;
-}
-
-bool ExpressionParser::isChunkName(const Token& token, ChunkKind& kind) {
-    static constexpr const char* names[] = {"char", "word", "item", "line"};
-    for (int i = 0; i < 4; ++i)
-        if (token.isWord(names[i])) {
-            kind = static_cast<ChunkKind>(i);
-            return true;
-        }
-    return false;
-}
-
-/// These words can be variables too; in a chunk, a number, a name or a bracket follows.
-bool ExpressionParser::beginsChunk(ChunkKind& kind) const {
-    if (!isChunkName(here(), kind)) return false;
-    const Token& next = ahead();
-    if (next.kind == TokenKind::Integer) return true;
-    return next.isMark("(") || (next.kind == TokenKind::Name && !isJoiningWord(next));
-}
-
-ExpressionPointer ExpressionParser::chunk(ChunkKind kind) {
-    if (++nesting_ > kDeepestExpression) failAt(here().place, "the expression is nested too deeply");
-    auto made = node<ChunkExpression>(ExpressionKind::Chunk, take().place);
-    made->chunk = kind;
-    made->first = expression();
-    if (takeWord("to")) made->last = expression();
-    expectIn();
-    made->source = accessPath();
-    --nesting_;
-    for (const ExpressionPointer* part : {&made->first, &made->last, &made->source})
-        if (*part) contain(*made, *part);
-    return made;
-}
-
-void ExpressionParser::expectIn() {
-    if (!takeWord("of") && !takeWord("in")) fail("\"of\"");
-}
-
-ExpressionPointer ExpressionParser::the() {
-    if (++nesting_ > kDeepestExpression) failAt(here().place, "the expression is nested too deeply");
-    const Place place = take().place;
-    Token name = expectName("the name of a property after \"the\"");
-    const bool form = name.isWord("long") || name.isWord("short") || name.isWord("abbreviated");
-    if (form && (here().isWord("time") || here().isWord("date"))) name = take();
-    ChunkKind kind;
-    const bool last = name.isWord("last") && isChunkName(here(), kind);
-    const bool number = name.isWord("number") && here().isWord("of");
-    if (last || number) {
-        if (number) take();
-        Token plural = take();
-        if (number && !plural.text.empty()) plural.text.pop_back();
-        if (!isChunkName(plural, kind))
-            failAt(plural.place, "expected chars, words, items or lines to count");
-        auto made = node<ChunkExpression>(last ? ExpressionKind::Chunk : ExpressionKind::ChunkCount, place);
-        made->chunk = kind;
-        expectIn();
-        made->source = accessPath();
-        contain(*made, made->source);
-        --nesting_;
-        return made;
-    }
-    const bool ofObject = takeWord("of");
-    auto made = node<PropertyExpression>(ofObject ? ExpressionKind::Property : ExpressionKind::SystemProperty,
-                                         name.place);
-    made->name = symbols_.identifier(name.text);
-    if (ofObject) {
-        made->object = accessPath();
-        contain(*made, made->object);
-    }
-    --nesting_;
     return made;
 }
 

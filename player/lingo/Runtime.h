@@ -127,6 +127,7 @@ std::span<const PropertyEntry> systemProperties();
 /// `object[index]`
 Value elementOf(Runtime& runtime, const Value& object, const Value& index);
 void setElement(Runtime& runtime, const Value& object, const Value& index, const Value& value);
+void deleteElement(Runtime& runtime, const Value& object, const Value& index);
 /// Adds an entry for `key`, or replaces the value of an existing one.
 void setEntry(Runtime& runtime, PropertyListObject& list, const Value& key, const Value& value);
 

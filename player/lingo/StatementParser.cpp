@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "catalogue/NearestName.h"
+#include "player/host/Compare.h"
 #include "player/lingo/Parser.h"
 
 namespace krl::player {
@@ -13,6 +14,10 @@ namespace {
 const std::vector<std::string> kStatementWords = {"on",       "end",  "if",    "else",   "repeat",
                                                   "case",     "set",  "put",   "return", "global",
                                                   "property", "exit", "delete"};
+
+bool isListCommand(const Token& name) {
+    return name.isAnyWord({"add", "append", "addat", "addprop", "setaprop", "setat", "setprop"});
+}
 
 }  // namespace
 
@@ -31,16 +36,70 @@ void StatementParser::declare(std::vector<SymbolId>& names) {
 
 Block StatementParser::block() {
     Block body;
-    while (here().kind != TokenKind::End && !here().isWord("end") && !here().isWord("else") &&
-           !here().isWord("on") && !(inCase_ > 0 && atLabel())) {
+    for (;;) {
+        if (passStrayEnd()) continue;
+        if (here().kind == TokenKind::End || here().isAnyWord({"end", "else"}) ||
+            (here().isWord("on") && !ahead().isMark("=")) || (inCase_ > 0 && atLabel()))
+            return body;
+        recoveringStatementInto(body);
+    }
+}
+
+/// One statement and its line end. After a mistake, parsing goes on in the next line.
+void StatementParser::recoveringStatementInto(Block& body) {
+    const Token first = here();
+    const int statements = statements_, inCase = inCase_;
+    const size_t variables = variables_.size(), before = body.size();
+    std::vector<std::string> broken = brokenBlocks_;
+    try {
         statementInto(body);
         passLineEnds();
+    } catch (const ScriptError& mistake) {
+        record(mistake);
+        statements_ = statements;
+        inCase_ = inCase;
+        brokenBlocks_ = std::move(broken);
+        // The variables of a statement that was given up are gone.
+        if (body.size() == before) variables_.resize(std::min(variables_.size(), variables));
+        recover(first);
     }
-    return body;
+}
+
+void StatementParser::record(const ScriptError& mistake) {
+    if (!mistakes_) throw mistake;
+    mistakes_->push_back(mistake);
+    resetNesting();
+}
+
+void StatementParser::recover(const Token& first) {
+    // A missing `end` is found at the end of an outer block, which may be right.
+    const bool missingEnd = here().isAnyWord({"end", "on"}) && here().place.line > first.place.line;
+    if (missingEnd) return;
+    const bool firstLine = here().place.line == first.place.line;
+    if (firstLine && first.isAnyWord({"if", "repeat", "case", "tell"}))
+        brokenBlocks_.push_back(folded(first.text));
+    skipLine();
+}
+
+void StatementParser::skipLine() {
+    while (!here().endsLine()) take();
+    while (here().kind == TokenKind::LineEnd) take();
+}
+
+/// Passes an `end` or `else` that belongs to a block whose first line was a mistake.
+bool StatementParser::passStrayEnd() {
+    if (brokenBlocks_.empty()) return false;
+    const std::string& innermost = brokenBlocks_.back();
+    const bool end = here().isWord("end") && ahead().isWord(innermost.c_str());
+    const bool between = innermost == "if" && here().isWord("else");
+    if (end) brokenBlocks_.pop_back();
+    if (end || between) skipLine();
+    return end || between;
 }
 
 void StatementParser::statementInto(Block& body) {
-    if (here().isWord("global")) return declare(handlerGlobals_);
+    if (here().isWord("global") && ahead().kind == TokenKind::Name) return declare(handlerGlobals_);
+    if (here().isWord("property") && ahead().kind == TokenKind::Name) return declare(script_->properties);
     if (++statements_ > kDeepestStatement) failAt(here().place, "the statements are nested too deeply");
     body.push_back(statement());
     --statements_;
@@ -63,9 +122,16 @@ StatementPointer StatementParser::statement() {
     if (first.isWord("exit")) return exit();
     if (first.isWord("next")) return nextRepeat();
     if (first.isWord("delete")) return removal();
-    if (first.isWord("nothing") || first.isWord("pass"))
-        return std::make_unique<Statement>(StatementKind::Nothing, take().place);
+    if (first.isWord("nothing") || first.isWord("pass")) return nothing();
+    if (StatementPointer made = stageStatement()) return made;
     return assignmentOrCall();
+}
+
+/// `nothing` and `pass`, with or without brackets.
+StatementPointer StatementParser::nothing() {
+    auto made = std::make_unique<Statement>(StatementKind::Nothing, take().place);
+    if (takeMark("(")) expectMark(")", "\"(\"");
+    return made;
 }
 
 StatementPointer StatementParser::put() {
@@ -98,8 +164,8 @@ bool StatementParser::bracketedArguments() const {
     bool comma = false;
     for (size_t i = 0; !ahead(i).endsLine(); ++i) {
         const Token& token = ahead(i);
-        if (token.isMark("(") || token.isMark("[")) ++open;
-        if (token.isMark(")") || token.isMark("]")) --open;
+        if (opensBracket(token)) ++open;
+        if (closesBracket(token)) --open;
         if (open == 1 && token.isMark(",")) comma = true;
         if (open == 0) return comma && (ahead(i + 1).endsLine() || ahead(i + 1).isWord("else"));
     }
@@ -121,6 +187,11 @@ void StatementParser::requireTarget(const Expression& made, Place place) const {
         case ExpressionKind::Index:
         case ExpressionKind::Chunk:
             return;
+        case ExpressionKind::Call:
+            // `put 1 into field "a"`
+            if (compareText(symbols_.spelling(static_cast<const CallExpression&>(made).name), "field") == 0)
+                return;
+            [[fallthrough]];
         default:
             failAt(place, "expected a variable, a property, an element of a list or a chunk to assign to");
     }
@@ -163,21 +234,54 @@ bool StatementParser::commandForm() const {
     if (here().kind != TokenKind::Name || here().isWord("the")) return false;
     const Token& next = ahead();
     if (next.endsLine() || next.isWord("else")) return false;
-    return next.kind != TokenKind::Mark || next.isMark("-");
+    if (next.isMark("(")) return spacedArgument(here());
+    // `x - 1` is no statement, but `alert -1` is; and `sort [3, 1]` is one where `x[1] = 2` is none.
+    return next.kind != TokenKind::Mark || next.isAnyMark({"-", "{"});
+}
+
+/// Whether the command is one for lists, written `append (list), x`.
+bool StatementParser::spacedArgument(const Token& command) const {
+    if (!isListCommand(command) || ahead().begin == command.end) return false;
+    int open = 0;
+    for (size_t i = 1; !ahead(i).endsLine(); ++i) {
+        if (opensBracket(ahead(i))) ++open;
+        if (closesBracket(ahead(i)) && --open == 0) return ahead(i + 1).isMark(",");
+    }
+    return false;
 }
 
 StatementPointer StatementParser::command() {
     const Token name = take();
+    auto made = callNamed(name);
+    if (!beginsExpression()) fail("a statement", didYouMean(name.text, kStatementWords));
+    // `append list (x)`: the list is no function.
+    if (here().kind == TokenKind::Name && ahead().isMark("(") && ahead().begin > here().end &&
+        isListCommand(name)) {
+        add(*made, variable(take()));
+        add(*made, expression());
+    } else {
+        add(*made, expression());
+        if (here().isMark("(") && isListCommand(name)) add(*made, expression());
+    }
+    while (takeMark(",")) add(*made, expression());
+    if (!endsStatement()) fail("\",\" or the end of the line", didYouMean(name.text, kStatementWords));
+    return evaluated(std::move(made), name.place);
+}
+
+std::unique_ptr<CallExpression> StatementParser::callNamed(const Token& name) {
     auto made = std::make_unique<CallExpression>(ExpressionKind::Call, name.place);
     made->name = symbols_.identifier(name.text);
-    if (!beginsExpression()) fail("a statement", didYouMean(name.text, kStatementWords));
-    do {
-        made->arguments.push_back(expression());
-        contain(*made, made->arguments.back());
-    } while (takeMark(","));
-    if (!endsStatement()) fail("\",\" or the end of the line", didYouMean(name.text, kStatementWords));
-    auto whole = std::make_unique<ExpressionStatement>(StatementKind::Evaluate, name.place);
-    whole->expression = std::move(made);
+    return made;
+}
+
+void StatementParser::add(CallExpression& call, ExpressionPointer argument) const {
+    contain(call, argument);
+    call.arguments.push_back(std::move(argument));
+}
+
+StatementPointer StatementParser::evaluated(ExpressionPointer expression, Place place) const {
+    auto whole = std::make_unique<ExpressionStatement>(StatementKind::Evaluate, place);
+    whole->expression = std::move(expression);
     return whole;
 }
 
@@ -191,7 +295,7 @@ StatementPointer StatementParser::conditional() {
         take();
         IfStatement::Branch& branch = made->branches.emplace_back();
         branch.condition = expression();
-        expectWord("then", "the condition");
+        expectThen();
         const bool inBlock = here().endsLine();
         if (inBlock)
             passBlock(branch.body);
@@ -216,10 +320,18 @@ StatementPointer StatementParser::conditional() {
     }
 }
 
+/// It may begin the next line.
+void StatementParser::expectThen() {
+    if (here().kind == TokenKind::LineEnd && ahead().isWord("then")) take();
+    expectWord("then", "the condition");
+}
+
 void StatementParser::passBlock(Block& body) {
     passLineEnds();
     const int outer = std::exchange(inCase_, 0);
+    std::vector<std::string> broken = std::exchange(brokenBlocks_, {});
     body = block();
+    brokenBlocks_ = std::move(broken);
     inCase_ = outer;
 }
 
@@ -264,6 +376,7 @@ StatementPointer StatementParser::repeat() {
     } else {
         made = repeatWith(place);
     }
+    takeWord("then");
     passBlock(made->body);
     endOf("repeat", place);
     return made;
@@ -324,8 +437,8 @@ bool StatementParser::atLabel() const {
     if (here().isWord("otherwise")) return true;
     int open = 0;
     for (size_t i = 0; !ahead(i).endsLine(); ++i) {
-        if (ahead(i).isMark("(") || ahead(i).isMark("[")) ++open;
-        if (ahead(i).isMark(")") || ahead(i).isMark("]")) --open;
+        if (opensBracket(ahead(i))) ++open;
+        if (closesBracket(ahead(i))) --open;
         if (open == 0 && ahead(i).isMark(":")) return true;
     }
     return false;
@@ -353,7 +466,8 @@ StatementPointer StatementParser::removal() {
     auto made = std::make_unique<ExpressionStatement>(StatementKind::Delete, take().place);
     const Place place = here().place;
     made->expression = accessPath();
-    if (made->expression->kind != ExpressionKind::Chunk) failAt(place, "expected a chunk to delete");
+    if (made->expression->kind != ExpressionKind::Chunk && made->expression->kind != ExpressionKind::Index)
+        failAt(place, "expected a chunk or an element of a list to delete");
     return made;
 }
 

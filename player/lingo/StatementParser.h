@@ -14,13 +14,25 @@ protected:
     void passLineEnds();
     /// Parses the names after `global` or `property`.
     void declare(std::vector<SymbolId>& names);
+    /// Keeps a mistake and goes on, or throws it if they are not collected.
+    void record(const ScriptError& mistake);
+    void skipLine();
 
     /// The `global` declarations of the current handler.
     std::vector<SymbolId> handlerGlobals_;
+    /// Where mistakes are collected; null to throw the first.
+    std::vector<ScriptError>* mistakes_ = nullptr;
+    /// Blocks whose first line was a mistake, so that their `end` is none.
+    std::vector<std::string> brokenBlocks_;
 
 private:
+    void recoveringStatementInto(Block& body);
+    void recover(const Token& first);
+    bool passStrayEnd();
     void statementInto(Block& body);
     StatementPointer statement();
+
+    StatementPointer nothing();
 
     // Assignment and output.
     StatementPointer put();
@@ -30,14 +42,27 @@ private:
     void requireTarget(const Expression& made, Place place) const;
     StatementPointer removal();
 
+    // Statements that only a stage can carry out.
+    StatementPointer stageStatement();
+    StatementPointer go();
+    StatementPointer soundCommand();
+    StatementPointer open();
+    StatementPointer tell();
+    StatementPointer when();
+    std::unique_ptr<CallExpression> callNamed(const Token& name);
+    void add(CallExpression& call, ExpressionPointer argument) const;
+    StatementPointer evaluated(ExpressionPointer expression, Place place) const;
+
     // Calls.
     StatementPointer assignmentOrCall();
     bool commandForm() const;
     StatementPointer command();
+    bool spacedArgument(const Token& command) const;
     bool endsStatement() const;
 
     // Choice.
     StatementPointer conditional();
+    void expectThen();
     bool takeElse(Place start, bool inBlock);
     int lineColumn(Place place) const;
     StatementPointer choice();

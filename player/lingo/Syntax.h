@@ -89,6 +89,8 @@ enum class Operator {
     GreaterOrEqual,
     Contains,
     Starts,
+    Intersects,  ///< of sprites, like `Within`
+    Within,
     And,
     Or,
 };

@@ -9,7 +9,10 @@ namespace {
 class CallReader {
 public:
     explicit CallReader(std::string_view text)
-        : source_(std::make_shared<Source>(Source{"call", std::string(text)})), tokens_(tokensOf(*source_)) {}
+        : source_(std::make_shared<Source>(Source{"call", std::string(text)})), tokens_(tokensOf(*source_)) {
+        for (const Token& token : tokens_)
+            if (token.kind == TokenKind::Wrong) throw source_->error(token.place, token.text);
+    }
 
     WrittenCall read() {
         WrittenCall call;
@@ -54,9 +57,9 @@ private:
         size_t end = begin;
         // Read up to a comma or closing bracket at the top level.
         for (int open = 0; !here().endsLine(); ++at_) {
-            const bool closes = here().isMark(")") || here().isMark("]");
+            const bool closes = here().isAnyMark({")", "]", "}"});
             if (open == 0 && (closes || here().isMark(","))) break;
-            if (here().isMark("(") || here().isMark("[")) ++open;
+            if (here().isAnyMark({"(", "[", "{"})) ++open;
             if (closes) --open;
             end = here().end;
         }

@@ -151,5 +151,58 @@ TEST_F(Parsing, EveryPrefixOfAScriptIsHandled) {
     EXPECT_GT(refused, 1000);
 }
 
+/// All mistakes of a script, as line and column.
+std::string mistakesOf(const std::string& text) {
+    SymbolTable symbols;
+    std::vector<ScriptError> mistakes;
+    parseScript(std::make_shared<Source>(Source{"test.ls", text}), symbols, mistakes);
+    std::string places;
+    for (const ScriptError& mistake : mistakes)
+        places += (places.empty() ? "" : " ") + std::to_string(mistake.place().line) + ':' +
+                  std::to_string(mistake.place().column);
+    return places;
+}
+
+TEST(ParsingOn, EveryMistakeIsCollected) {
+    EXPECT_EQ(mistakesOf("on main\n  x = 5 6\n  y =\nend\nno\non other\n  put ?\nend\n"), "2:9 3:6 5:1 7:7");
+    EXPECT_EQ(mistakesOf("on main\n  put 1\nend\n"), "");
+}
+
+TEST(ParsingOn, ABlockWithABrokenFirstLineKeepsItsEnd) {
+    EXPECT_EQ(mistakesOf("on main\n  if x put 1\n    if y then\n      z()\n    end if\n  else\n  end if\n"
+                         "  repeat until x\n    f()\n  end repeat\nend\non other\nend\n"),
+              "2:8 8:10");
+}
+
+TEST(ParsingOn, AMissingEndIsReportedOnce) {
+    EXPECT_EQ(mistakesOf("on main\n  repeat while a\n    repeat while b\n      f()\n    end repeat\nend\n"
+                         "on other\nend\n"),
+              "6:1");
+    EXPECT_EQ(mistakesOf("on main\n  f()\n"), "") << "the last handler needs none";
+}
+
+TEST_F(Parsing, StageStatementsAreCalls) {
+    for (const char* line :
+         {"go to frame 5", "go 2", "go loop", "go to the frame + 1 of movie \"x\"", "play done",
+          "sound playFile 1, \"x\"", "open window \"x\"", "open \"a\" with \"b\""}) {
+        const Handler& made = handler(std::string("  ") + line);
+        ASSERT_EQ(made.body.size(), 1u) << line;
+        EXPECT_EQ(static_cast<const ExpressionStatement&>(*made.body[0]).expression->kind,
+                  ExpressionKind::Call)
+            << line;
+    }
+    for (const char* line : {"tell window 1\nf()\nend tell", "tell x to f()", "when keyDown then f()"})
+        EXPECT_EQ(handler(line).body[0]->kind, StatementKind::If) << line;
+}
+
+TEST_F(Parsing, ReferencesNeedNoBrackets) {
+    for (const char* line :
+         {"set the locH of sprite 5 to 10", "sprite(5).loc = x", "x = sprite me.spriteNum",
+          "x = the name of member 3 of castLib 1", "x = the loc of sprite the spriteNum of me",
+          "put 5 into field 3", "x = the number of castMembers of castLib \"a\"", "x = castLib \"a\"",
+          "x = member(5) of castLib 2"})
+        EXPECT_EQ(handler(line).body.size(), 1u) << line;
+}
+
 }  // namespace
 }  // namespace krl::player
