@@ -1,0 +1,23 @@
+"""What the tests share. `./test --python` sets the folders."""
+
+import os
+from pathlib import Path
+
+import numpy as np
+import pytest
+
+TREE = Path(__file__).resolve().parents[2]
+
+
+@pytest.fixture
+def picture():
+    """RGBA, with every level somewhere, opaque."""
+    made = np.random.default_rng(1).integers(0, 256, (48, 64, 4), np.uint8)
+    made[..., 3] = 255
+    return made
+
+
+@pytest.fixture(scope="session")
+def hash_pictures():
+    """The folder of the sample pictures that the table of hashes is for."""
+    return Path(os.environ["KRL_HASH_PICTURES"])

@@ -1,0 +1,47 @@
+"""In place means in place: no copy of the picture, by the process's peak of memory."""
+
+import re
+import subprocess
+import sys
+
+import pytest
+
+PICTURE_BYTES = 4000 * 3000 * 4
+
+SCRIPT = """
+import numpy, krlimage
+picture = numpy.full((3000, 4000, 4), 77, numpy.uint8)
+warm = numpy.full((8, 8, 4), 77, numpy.uint8)
+krlimage.brightness(warm, out=warm)
+
+def peak():
+    return int(next(line for line in open("/proc/self/status") if line.startswith("VmHWM")).split()[1]) * 1024
+
+def now():
+    return int(next(line for line in open("/proc/self/status") if line.startswith("VmRSS")).split()[1]) * 1024
+
+open("/proc/self/clear_refs", "w").write("5")
+before = now()
+{call}
+print(peak() - before)
+"""
+
+
+def growth(call):
+    done = subprocess.run([sys.executable, "-c", SCRIPT.format(call=call)], capture_output=True, text=True, check=True)
+    return int(done.stdout)
+
+
+@pytest.mark.parametrize("order", ["RGB", "BGR"])
+@pytest.mark.parametrize("effect", ["brightness", "sepia", "vignette"])
+def test_in_place_takes_no_copy(effect, order):
+    scratch = PICTURE_BYTES / 2 if effect == "vignette" else 0  # two planes of one byte for each pixel
+    assert growth(f"krlimage.{effect}(picture, out=picture, order='{order}')") < scratch + PICTURE_BYTES / 10
+
+
+def test_a_new_picture_takes_one():
+    assert 0.9 * PICTURE_BYTES < growth("made = krlimage.brightness(picture)") < 1.1 * PICTURE_BYTES
+
+
+def test_nothing_is_left_behind():
+    assert growth("for _ in range(20): krlimage.halfSize(picture), krlimage.brightness(picture[:300])") < 2 * PICTURE_BYTES
