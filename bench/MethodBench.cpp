@@ -68,7 +68,7 @@ public:
         return milliseconds(bands(), [&] { xtra_.call(instance_, host::selectorOf(method), arguments); });
     }
     double timedPass() {
-        return milliseconds(bands(), [&] { readAndWrite(beside_); });
+        return milliseconds(bands(), [&] { mustRun(readAndWrite(beside_)); });
     }
     int64_t pixelCount() const { return int64_t(clean_.width) * clean_.height; }
 

@@ -1,6 +1,8 @@
 #include "Scene.h"
 
 #include <algorithm>
+#include <stdexcept>
+#include <string>
 
 #include "Scenes.h"
 #include "core/Bands.h"
@@ -55,8 +57,13 @@ ImageInfo infoOf(const player::Bitmap& picture) {
     return {picture.width, picture.height, picture.width * int32_t(sizeof(Pixel)), 0, 0, 0};
 }
 
-void readAndWrite(const ImageEngine& engine) {
-    forEachSpan(engine, [](Pixel* first, Pixel* last) {
+void mustRun(Status status) {
+    if (status != kStatusOk)
+        throw std::runtime_error("an effect fails with status " + std::to_string(status));
+}
+
+Status readAndWrite(const ImageEngine& engine) {
+    return forEachSpan(engine, [](Pixel* first, Pixel* last) {
         auto* bytes = reinterpret_cast<uint8_t*>(first);
         for (ptrdiff_t i = 0; i < (last - first) * ptrdiff_t(sizeof(Pixel)); ++i) bytes[i] ^= 1;
     });

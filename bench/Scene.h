@@ -17,7 +17,10 @@ player::Bitmap landscape(int32_t width, int32_t height);
 ImageInfo infoOf(const player::Bitmap& picture);
 
 /// Reads and writes every byte of the engine's picture once, a lower bound for any effect.
-void readAndWrite(const ImageEngine& engine);
+Status readAndWrite(const ImageEngine& engine);
+
+/// Throws unless an effect has run: what fails takes no time.
+void mustRun(Status status);
 
 /// Milliseconds that `work` takes on `threads` threads. On one thread, processor time, which
 /// excludes other load on the machine; on several, wall-clock time.

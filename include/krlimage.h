@@ -12,8 +12,8 @@
  * Errors: a function that can fail gives a `krl_code`, or NULL where it gives a pointer. Nothing aborts or
  * throws: a null pointer, an unknown name or a picture that cannot be is an error like any other.
  *
- * Threads: there is no global state. An engine, a result or a value is used by one thread at a time;
- * different ones by any number of threads at once.
+ * Threads: there is no global state. An engine, a result or a value is used by one thread at a time, except
+ * to cancel an engine; different ones by any number of threads at once.
  *
  * Strings: UTF-8, ended by a zero byte. Those that a function gives belong to the object they were asked of
  * and live as long as it does; those of the catalogue live as long as the program. Strings passed in are
@@ -68,7 +68,8 @@ enum {
     KRL_BAD_TEXT = 10,        /* a text is no value or call */
     KRL_NOT_CALLABLE = 11,    /* the method manages an engine, which `krl_engine` does here */
     KRL_METHOD_FAILED = 12,   /* the method ran and failed, with the text of `krl_result_error` */
-    KRL_OUT_OF_MEMORY = 13
+    KRL_OUT_OF_MEMORY = 13,
+    KRL_CANCELLED = 14 /* the engine was cancelled */
 };
 
 /* A code in words, such as "no such method". */
@@ -191,6 +192,12 @@ KRL_API krl_code krl_engine_keep_memory(krl_engine* engine, int32_t keep);
 /* NULL is fine. Results and their pictures outlive the engine. */
 KRL_API void krl_engine_free(krl_engine* engine);
 
+/* Ends the call that runs on the engine soon, and every later one at once, with KRL_CANCELLED, until
+ * `krl_engine_resume`. Both can be called from any thread while a call runs; NULL is fine. A signal handler
+ * may call them. */
+KRL_API void krl_engine_cancel(krl_engine* engine);
+KRL_API void krl_engine_resume(krl_engine* engine);
+
 /* ---- Calls --------------------------------------------------------------------------------------------- */
 
 /* An argument of a call; this structure does not grow. */
@@ -206,8 +213,9 @@ typedef struct krl_result krl_result;
  *
  * `picture` is rewritten in place; NULL for methods that work on none. `arguments` has `count` entries. What
  * is left out takes the value of the method's example. Wrong arguments are reported before the picture is
- * touched. `result`, unless it is NULL, becomes a result to free, of a failed call too; NULL only without
- * memory. */
+ * touched. A call that ends with KRL_METHOD_FAILED, KRL_OUT_OF_MEMORY or KRL_CANCELLED may leave it partly
+ * rewritten. If the system refuses a thread, the call does its work on fewer, with the same bytes. `result`,
+ * unless it is NULL, becomes a result to free, of a failed call too; NULL only without memory. */
 KRL_API krl_code krl_call(krl_engine* engine, const krl_picture* picture, const char* method,
                           const krl_argument* arguments, size_t count, krl_result** result);
 /* The same for a call as a text: "invert", "brightness(40, #RGB)" or with names

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <span>
 
@@ -60,6 +62,12 @@ struct NewImage {
     Pixel* row(int32_t y) const { return reinterpret_cast<Pixel*>(pixels + ptrdiff_t(y) * info.rowBytes); }
 };
 
+/// Ends an effect on an engine that is cancelled. The picture may be partly rewritten then.
+class Cancelled : public std::exception {
+public:
+    const char* what() const noexcept override { return "cancelled"; }
+};
+
 /// The object behind every script method: which pixels are loaded, the shared tables, and how many
 /// bands run at once. Effects are free functions on it, at home in their subsystems; it knows
 /// nothing of a host and works on any block of memory.
@@ -90,6 +98,20 @@ public:
     /// Bands per effect, at least 1; for programs that embed the engine.
     void setThreadCount(int32_t count) { threadCount_ = count < 1 ? 1 : count; }
     bool useWidePath() const { return useWidePath_; }
+
+    /// What happens if the thread of a band cannot be started. Where threads are required the effect fails
+    /// with its status, or leaves out the part that has none to report. Otherwise, as at the start, the
+    /// calling thread does that band's work as well: slower, with the same bytes.
+    void requireThreads(bool required) { requiresThreads_ = required; }
+    bool requiresThreads() const { return requiresThreads_; }
+
+    /// Ends the effect that is running, and every one that begins before `resume`, with `Cancelled`. Can be
+    /// called from any thread. Effects test for it once a row or once a small part of the picture.
+    void cancel() noexcept { cancelled_.store(true, std::memory_order_relaxed); }
+    void resume() noexcept { cancelled_.store(false, std::memory_order_relaxed); }
+    void throwIfCancelled() const {
+        if (cancelled_.load(std::memory_order_relaxed)) throw Cancelled();
+    }
 
     /// Whether working memory of the size of the loaded picture, at most, stays at hand from one
     /// effect to the next: faster, and not given back before `unload`. At the start it does where
@@ -124,6 +146,8 @@ private:
     int32_t threadCount_ = 1;
     bool useWidePath_ = false;
     bool keepsScratch_ = sizeof(void*) > 4;
+    bool requiresThreads_ = false;
+    std::atomic<bool> cancelled_ = false;
     std::unique_ptr<ScratchAllowance> scratch_;
 };
 

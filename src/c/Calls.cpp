@@ -101,6 +101,11 @@ void giveOrder(Value& value, PixelOrder order) {
     picture->order = order;
 }
 
+krl_code codeOf(const CallResult& failed) {
+    if (failed.code == kCallCancelled) return KRL_CANCELLED;
+    return failed.code == kCallOutOfMemory ? KRL_OUT_OF_MEMORY : KRL_METHOD_FAILED;
+}
+
 /// The entries as a property list, or the list of pictures.
 Value treeOf(const Method& method, CallResult outcome, PixelOrder order) {
     for (Value& picture : outcome.pictures) giveOrder(picture, order);
@@ -116,9 +121,9 @@ Value treeOf(const Method& method, CallResult outcome, PixelOrder order) {
 void finish(krl_result& result, const Method& method, const std::optional<Picture>& picture,
             CallResult outcome) {
     if (!outcome.ok()) {
-        result.code = outcome.code == kCallOutOfMemory ? KRL_OUT_OF_MEMORY : KRL_METHOD_FAILED;
+        result.code = codeOf(outcome);
         result.message = method.shortName() + ": " + outcome.error;
-        result.error = outcome.error;
+        if (result.code != KRL_CANCELLED) result.error = outcome.error;
     }
     result.value = treeOf(method, std::move(outcome), picture ? picture->order : PixelOrder::BGRA);
 }
@@ -238,6 +243,14 @@ krl_code krl_engine_keep_memory(krl_engine* engine, int32_t keep) {
 }
 
 void krl_engine_free(krl_engine* engine) { delete engine; }
+
+void krl_engine_cancel(krl_engine* engine) {
+    if (engine) engine->engine.cancel();
+}
+
+void krl_engine_resume(krl_engine* engine) {
+    if (engine) engine->engine.resume();
+}
 
 krl_code krl_call(krl_engine* engine, const krl_picture* picture, const char* method,
                   const krl_argument* arguments, size_t count, krl_result** result) {

@@ -177,9 +177,10 @@ const char* krl_code_text(krl_code code) {
                                              "bad text",
                                              "the method cannot be called",
                                              "the method failed",
-                                             "out of memory"};
-    static_assert(std::size(kTexts) == KRL_OUT_OF_MEMORY + 1);
-    return code >= 0 && code <= KRL_OUT_OF_MEMORY ? kTexts[code] : "unknown code";
+                                             "out of memory",
+                                             "cancelled"};
+    static_assert(std::size(kTexts) == KRL_CANCELLED + 1);
+    return code >= 0 && code <= KRL_CANCELLED ? kTexts[code] : "unknown code";
 }
 
 const krl_catalogue_info* krl_catalogue(void) {

@@ -48,6 +48,8 @@ Outcome Call::run() {
     Outcome outcome;
     try {
         outcome = perform();
+    } catch (const Cancelled&) {
+        outcome = failure(method_.failedText(), kCallCancelled);
     } catch (...) {
         outcome = failure(method_.failedText(), kCallOutOfMemory);
     }
@@ -67,6 +69,7 @@ Outcome Call::perform() {
     if (method_.readsArguments()) {
         if (Outcome bad = lockSecondImages(); bad.message) return bad;
     }
+    if (engine_) engine_->throwIfCancelled();
     return method_.body()(*this);
 }
 

@@ -51,8 +51,8 @@ public:
     Call(const Call&) = delete;
     Call& operator=(const Call&) = delete;
 
-    /// From the engine test to the end of the body. Nothing is thrown: what runs out of memory ends with
-    /// the failed text and `kCallOutOfMemory`.
+    /// From the engine test to the end of the body. Nothing is thrown: what runs out of memory or is
+    /// cancelled ends with the failed text and `kCallOutOfMemory` or `kCallCancelled`.
     Outcome run();
 
     Caller& caller() const { return caller_; }

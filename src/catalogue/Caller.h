@@ -14,6 +14,8 @@ using CallCode = int32_t;
 
 inline constexpr CallCode kCallOk = 0;
 inline constexpr CallCode kCallOutOfMemory = static_cast<CallCode>(0x80040002u);
+/// The engine was cancelled.
+inline constexpr CallCode kCallCancelled = static_cast<CallCode>(0x8004FFFFu);
 inline constexpr CallCode kCallUnsupported = static_cast<CallCode>(0x80040004u);
 
 /// A value of the caller's: two words that only the caller looks into.

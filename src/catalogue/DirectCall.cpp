@@ -137,6 +137,13 @@ private:
     CallResult result_;
 };
 
+/// Null for a success. A method that cannot fail has no text for a call that did not end.
+const char* errorOf(const Outcome& outcome) {
+    if (outcome.code == kCallCancelled) return "cancelled";
+    if (outcome.message) return outcome.message;
+    return outcome.code == kCallOutOfMemory ? "out of memory" : nullptr;
+}
+
 }  // namespace
 
 CallResult callMethod(const Method& method, ImageEngine& engine, const std::vector<Value>& arguments) {
@@ -144,9 +151,9 @@ CallResult callMethod(const Method& method, ImageEngine& engine, const std::vect
     const Outcome outcome = method.managesTheEngine() ? failure("the engine is managed by its owner")
                                                       : Call(caller, method, &engine).run();
     CallResult result = std::move(caller.result());
-    if (outcome.message) {
+    if (const char* error = errorOf(outcome)) {
         result = {};
-        result.error = outcome.message;
+        result.error = error;
         result.code = outcome.code;
     }
     return result;

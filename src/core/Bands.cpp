@@ -37,18 +37,18 @@ private:
 /// The bands that run on threads of their own; none outlives this object.
 class Workers {
 public:
-    /// Room for `count` threads, so that starting one allocates nothing here.
-    bool reserve(size_t count) {
+    /// Makes room for `count` threads, so that starting one allocates nothing here.
+    explicit Workers(size_t count) {
         try {
             tasks_.reserve(count);
             threads_.reserve(count);
-            return true;
+            hasRoom_ = true;
         } catch (const std::bad_alloc&) {
-            return false;
         }
     }
 
     Status start(int32_t band, const std::function<void(int32_t)>& work) {
+        if (!hasRoom_) return kStatusNoTaskMemory;
         BandTask& task = tasks_.emplace_back(band, work);
         if (!Faults::grant(faults().threads)) return kStatusThreadFailed;
         try {
@@ -65,6 +65,7 @@ public:
     }
 
 private:
+    bool hasRoom_ = false;
     std::vector<BandTask> tasks_;
     ThreadGroup threads_;  ///< ends before its tasks go
 };
@@ -91,20 +92,27 @@ IndexRange pixelBand(const ImageBuffer& image, int32_t threadCount, int32_t band
     return {limited(share * band), limited(share * (band + 1))};
 }
 
-Status runBands(int32_t bandCount, const std::function<void(int32_t)>& work) {
-    Workers workers;
-    if (!workers.reserve(static_cast<size_t>(bandCount - 1))) return kStatusNoTaskMemory;
+Status runBands(const ImageEngine& engine, bool requiresThreads, int32_t bandCount,
+                const std::function<void(int32_t)>& work) {
+    engine.throwIfCancelled();
+    const int32_t last = bandCount - 1;
+    Workers workers(static_cast<size_t>(last));
     for (int32_t band = 0; band < bandCount; ++band) {
-        if (!Faults::grant(faults().tasks)) return kStatusNoTaskMemory;
-        if (band == bandCount - 1) {
-            work(band);
-        } else if (Status status = workers.start(band, work)) {
-            return status;
+        Status missing = Faults::grant(faults().tasks) ? kStatusOk : kStatusNoTaskMemory;
+        if (!missing && band < last) {
+            missing = workers.start(band, work);
+            if (!missing) continue;
         }
+        if (missing && requiresThreads) return missing;
+        work(band);
     }
     workers.join();
     workers.rethrowFailure();
     return kStatusOk;
+}
+
+Status runBands(const ImageEngine& engine, int32_t bandCount, const std::function<void(int32_t)>& work) {
+    return runBands(engine, engine.requiresThreads(), bandCount, work);
 }
 
 }  // namespace krl

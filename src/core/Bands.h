@@ -12,6 +12,7 @@
 /// Distribution of an effect's work over threads: the image is divided into `threadCount` bands. The last
 /// band runs on the calling thread and every other one on its own thread. The call returns when all have
 /// finished, so the end of a pass is a barrier. An effect supplies only the work for a pixel, row or column.
+/// Between rows or small parts of a band the pass ends with `Cancelled` if the engine is cancelled.
 namespace krl {
 
 /// A half-open range of pixel, row or column numbers; empty if `last <= first`.
@@ -20,25 +21,41 @@ struct IndexRange {
     int32_t last = 0;
 };
 
-/// Runs `work(0)` to `work(bandCount - 1)` in parallel. Returns `kStatusNoTaskMemory` or
-/// `kStatusThreadFailed` if a task or thread cannot be created: the bands before it have then finished, the
-/// bands after it have not run. An exception from a band is rethrown once all have finished.
-Status runBands(int32_t bandCount, const std::function<void(int32_t)>& work);
+/// Runs `work(0)` to `work(bandCount - 1)` in parallel. If a task or thread cannot be created, the calling
+/// thread runs that band too; where the engine requires threads the result is `kStatusNoTaskMemory` or
+/// `kStatusThreadFailed` instead: the bands before it have then finished, the bands after it have not run.
+/// An exception from a band is rethrown once all have finished.
+Status runBands(const ImageEngine& engine, int32_t bandCount, const std::function<void(int32_t)>& work);
+/// The same for work whose own definition says whether it requires threads.
+Status runBands(const ImageEngine& engine, bool requiresThreads, int32_t bandCount,
+                const std::function<void(int32_t)>& work);
+
+/// For a part of an effect that is left out, by definition without a word, if a thread that it requires
+/// cannot start.
+inline void leftOutWithoutThreads(Status) {}
 
 /// The pixels of band `band`, numbered through the whole block regardless of rows.
 IndexRange pixelBand(const ImageBuffer& image, int32_t threadCount, int32_t band);
 /// The rows, or columns, of band `band` out of `lineCount`.
 IndexRange lineBand(int32_t lineCount, int32_t threadCount, int32_t band);
 
-/// Calls `work(first, last)` with the bounds of each band's pixels, after the state tests.
+/// Pixels of a band between two tests for cancellation.
+inline constexpr int32_t kPiecePixels = 1 << 16;
+
+/// Calls `work(first, last)` with the bounds of each band's pixels, piece by piece, after the state tests.
 template <class Work>
 Status forEachSpan(const ImageEngine& engine, Work&& work) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
-    return runBands(engine.getThreadCount(), [&](int32_t band) {
-        const IndexRange run = pixelBand(image, engine.getThreadCount(), band);
+    return runBands(engine, engine.getThreadCount(), [&](int32_t band) {
+        IndexRange run = pixelBand(image, engine.getThreadCount(), band);
         Pixel* pixels = reinterpret_cast<Pixel*>(image.pixels);
-        if (run.first < run.last) work(pixels + run.first, pixels + run.last);
+        while (run.first < run.last) {
+            engine.throwIfCancelled();
+            const int32_t end = run.first + std::min(run.last - run.first, kPiecePixels);
+            work(pixels + run.first, pixels + end);
+            run.first = end;
+        }
     });
 }
 
@@ -50,9 +67,9 @@ Status forEachPixel(const ImageEngine& engine, PerPixel&& perPixel) {
     });
 }
 
-/// Calls `work(Pixel* first, size_t count, const Pixel* beside)` for each band's pixels and those at the same
-/// positions in `other`. `other` is one contiguous span and never read past its end, which the last bands
-/// would exceed if only the loaded rows are padded. The caller checks the sizes.
+/// Calls `work(Pixel* first, size_t count, const Pixel* beside)` for the pieces of each band and the pixels
+/// at the same positions in `other`. `other` is one contiguous span and never read past its end, which the
+/// last bands would exceed if only the loaded rows are padded. The caller checks the sizes.
 template <class Work>
 Status forEachSpanBeside(const ImageEngine& engine, const SecondImage& other, Work&& work) {
     const std::span<const Pixel> block = other.block();
@@ -75,7 +92,7 @@ Status forEachPixelPair(const ImageEngine& engine, const SecondImage& other, Per
 /// Calls `work(IndexRange)` with each band's share of `lineCount` rows or columns.
 template <class Work>
 Status forEachLineRange(const ImageEngine& engine, int32_t lineCount, Work&& work) {
-    return runBands(engine.getThreadCount(), [&](int32_t band) {
+    return runBands(engine, engine.getThreadCount(), [&](int32_t band) {
         const IndexRange lines = lineBand(lineCount, engine.getThreadCount(), band);
         if (lines.first < lines.last) work(lines);
     });
@@ -99,21 +116,10 @@ Status forEachColumnRange(const ImageEngine& engine, Work&& work) {
 template <class PerRow>
 Status forEachRow(const ImageEngine& engine, PerRow&& perRow) {
     return forEachRowRange(engine, [&](IndexRange rows) {
-        for (int32_t y = rows.first; y < rows.last; ++y) perRow(engine.buffer()->row(y), y);
-    });
-}
-
-/// Width of a tile of columns: adjacent columns are processed together row by row, so that a pass along
-/// columns still reads memory in rows and keeps its running sums in small arrays.
-inline constexpr int32_t kTileColumns = 16;
-
-/// Calls `perTile(IndexRange columns)` for tiles of at most `kTileColumns` columns, banded by
-/// columns, after the state tests.
-template <class PerTile>
-Status forEachColumnTile(const ImageEngine& engine, PerTile&& perTile) {
-    return forEachColumnRange(engine, [&](IndexRange columns) {
-        for (int32_t x = columns.first; x < columns.last; x += kTileColumns)
-            perTile(IndexRange{x, columns.last - x < kTileColumns ? columns.last : x + kTileColumns});
+        for (int32_t y = rows.first; y < rows.last; ++y) {
+            engine.throwIfCancelled();
+            perRow(engine.buffer()->row(y), y);
+        }
     });
 }
 

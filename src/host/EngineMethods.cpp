@@ -34,6 +34,7 @@ Outcome createLookupTables(HostCall& call) {
     engine->allocateTables();
     engine->buildTables();
     engine->configureExecution(!threaded);
+    engine->requireThreads(true);
     engine->keepScratch(false);  // the host's process may have little room
     call.instance().engine = engine.release();
     return {nullptr, unread};

@@ -93,9 +93,19 @@ TEST(LineBands, DealRowsByTheCeilingAndEndAtTheLast) {
     EXPECT_EQ(lineBand(2, 7, 5).first, lineBand(2, 7, 5).last);
 }
 
-TEST(BandRunner, RunsEveryBandOnceAndTheLastOnTheCaller) {
+/// What bands run on, with the threads as scripts require them.
+class BandRunner : public testing::Test {
+protected:
+    BandRunner() { engine.requireThreads(true); }
+    ~BandRunner() override { faults() = Faults{}; }
+
+    ImageEngine engine;
+};
+
+TEST_F(BandRunner, RunsEveryBandOnceAndTheLastOnTheCaller) {
     std::vector<std::thread::id> ran(5);
-    ASSERT_EQ(runBands(5, [&](int32_t band) { ran[size_t(band)] = std::this_thread::get_id(); }), kStatusOk);
+    ASSERT_EQ(runBands(engine, 5, [&](int32_t band) { ran[size_t(band)] = std::this_thread::get_id(); }),
+              kStatusOk);
     EXPECT_TRUE(ran[4] == std::this_thread::get_id());
     for (size_t band = 0; band < 4; ++band) {
         EXPECT_TRUE(ran[band] != std::thread::id());
@@ -103,45 +113,118 @@ TEST(BandRunner, RunsEveryBandOnceAndTheLastOnTheCaller) {
     }
 }
 
-TEST(BandRunner, StartsNoThreadForASingleBand) {
-    const FaultReset reset;
+TEST_F(BandRunner, StartsNoThreadForASingleBand) {
     faults().threads = 0;
     std::thread::id ran;
-    EXPECT_EQ(runBands(1, [&](int32_t) { ran = std::this_thread::get_id(); }), kStatusOk);
+    EXPECT_EQ(runBands(engine, 1, [&](int32_t) { ran = std::this_thread::get_id(); }), kStatusOk);
     EXPECT_TRUE(ran == std::this_thread::get_id());
 }
 
-TEST(BandRunner, EndsTheStartedBandsBeforeItReportsAMissingTaskOrThread) {
-    const FaultReset reset;
+TEST_F(BandRunner, EndsTheStartedBandsBeforeItReportsAMissingTaskOrThread) {
     std::atomic<int> ran = 0;
     faults().tasks = 2;
-    EXPECT_EQ(runBands(4, [&](int32_t) { ++ran; }), kStatusNoTaskMemory);
+    EXPECT_EQ(runBands(engine, 4, [&](int32_t) { ++ran; }), kStatusNoTaskMemory);
     EXPECT_EQ(ran, 2);
     faults() = Faults{};
     faults().threads = 1;
-    EXPECT_EQ(runBands(4, [&](int32_t) { ++ran; }), kStatusThreadFailed);
+    EXPECT_EQ(runBands(engine, 4, [&](int32_t) { ++ran; }), kStatusThreadFailed);
     EXPECT_EQ(ran, 3);
     faults() = Faults{};
     faults().tasks = 0;
-    EXPECT_EQ(runBands(1, [&](int32_t) { ++ran; }), kStatusNoTaskMemory);
+    EXPECT_EQ(runBands(engine, 1, [&](int32_t) { ++ran; }), kStatusNoTaskMemory);
     EXPECT_EQ(ran, 3);
 }
 
-TEST(BandRunner, ThrowsOnWhatABandThrewAfterAllHaveEnded) {
+TEST_F(BandRunner, ThrowsOnWhatABandThrewAfterAllHaveEnded) {
     std::atomic<int> ran = 0;
     const auto work = [&](int32_t band) {
         ++ran;
         if (band == 0) throw std::runtime_error("first band");
     };
-    EXPECT_THROW(runBands(3, work), std::runtime_error);
+    EXPECT_THROW(static_cast<void>(runBands(engine, 3, work)), std::runtime_error);
     EXPECT_EQ(ran, 3);
+}
+
+TEST_F(BandRunner, RunsEveryBandOnTheCallerWhereNothingElseCan) {
+    engine.requireThreads(false);
+    for (int32_t Faults::*supply : {&Faults::tasks, &Faults::threads})
+        for (int32_t granted : {0, 1, 2}) {
+            faults() = Faults{};
+            faults().*supply = granted;
+            std::vector<std::atomic<int>> runs(4);
+            std::atomic<int> elsewhere = 0;
+            const auto caller = std::this_thread::get_id();
+            EXPECT_EQ(runBands(engine, 4,
+                               [&](int32_t band) {
+                                   ++runs[size_t(band)];
+                                   elsewhere += std::this_thread::get_id() != caller;
+                               }),
+                      kStatusOk);
+            for (const auto& count : runs) EXPECT_EQ(count, 1);
+            EXPECT_LT(elsewhere, 3);
+        }
+}
+
+TEST_F(BandRunner, RunsNothingOnACancelledEngineUntilItResumes) {
+    int ran = 0;
+    engine.cancel();
+    EXPECT_THROW(static_cast<void>(runBands(engine, 1, [&](int32_t) { ++ran; })), Cancelled);
+    EXPECT_EQ(ran, 0);
+    engine.resume();
+    EXPECT_EQ(runBands(engine, 1, [&](int32_t) { ++ran; }), kStatusOk);
+    EXPECT_EQ(ran, 1);
+}
+
+TEST_F(BandRunner, EndsEveryBandBeforeACancelledPassEnds) {
+    std::atomic<int> running = 0;
+    const auto spin = [&](int32_t band) {
+        ++running;
+        if (band == 3) engine.cancel();
+        try {
+            for (;;) engine.throwIfCancelled();
+        } catch (const Cancelled&) {
+            --running;
+            throw;
+        }
+    };
+    EXPECT_THROW(static_cast<void>(runBands(engine, 4, spin)), Cancelled);
+    EXPECT_EQ(running, 0);
+}
+
+/// Runs `pass` on an engine that is cancelled by what it does first; returns how often it did it.
+template <class Pass>
+int stepsUntilCancelled(const Pass& pass) {
+    Picture picture(300, 700);
+    int steps = 0;
+    ImageEngine engine;
+    engine.load(firstByte(picture.pixels().data()), picture.info());
+    EXPECT_THROW(static_cast<void>(pass(engine,
+                                        [&] {
+                                            ++steps;
+                                            engine.cancel();
+                                        })),
+                 Cancelled);
+    return steps;
+}
+
+TEST(Passes, EndBetweenTwoPiecesOrRowsWhenTheyAreCancelled) {
+    EXPECT_EQ(stepsUntilCancelled([](ImageEngine& engine, const auto& step) {
+                  return forEachSpan(engine, [&](Pixel*, Pixel*) { step(); });
+              }),
+              1);
+    EXPECT_EQ(stepsUntilCancelled([](ImageEngine& engine, const auto& step) {
+                  return forEachRow(engine, [&](Pixel*, int32_t) { step(); });
+              }),
+              1);
 }
 
 TEST(PixelPasses, VisitEveryPixelOnceForAnyNumberOfBands) {
     for (int32_t bands : {1, 2, 3, 4, 7, 64}) {
         Picture picture(7, 5, {0, 0, 0, 0});
-        picture.apply([](ImageEngine& engine) { return forEachPixel(engine, [](Pixel& p) { ++p.red; }); },
-                      bands);
+        const auto count = [](ImageEngine& engine) {
+            return forEachPixel(engine, [](Pixel& p) { ++p.red; });
+        };
+        EXPECT_EQ(picture.apply(count, bands), kStatusOk);
         EXPECT_EQ(picture, Picture(7, 5, Pixel{0, 0, 1, 0})) << bands;
     }
 }
@@ -188,26 +271,10 @@ TEST(PixelPairs, GoAsFarAsTheBandsBesideASecondImageOfPaddedRows) {
     for (size_t i = 0; i < 12; ++i) EXPECT_EQ(padded.block[i].blue, i < 10 ? 7 : 0) << i;
 }
 
-TEST(ColumnTiles, CoverEveryColumnOnceInTilesOfTheirWidth) {
-    for (int32_t bands : {1, 2, 3, 7}) {
-        Picture picture(41, 2);
-        std::vector<std::atomic<int>> visits(41);
-        picture.apply(
-            [&](ImageEngine& engine) {
-                return forEachColumnTile(engine, [&](IndexRange columns) {
-                    EXPECT_LE(columns.last - columns.first, kTileColumns);
-                    for (int32_t x = columns.first; x < columns.last; ++x) ++visits[size_t(x)];
-                });
-            },
-            bands);
-        for (const auto& count : visits) EXPECT_EQ(count, 1);
-    }
-}
-
 TEST(StateTests, ComeBeforeEveryKindOfPass) {
     test::expectStateTests([](ImageEngine& e) { return forEachPixel(e, [](Pixel&) {}); });
     test::expectStateTests([](ImageEngine& e) { return forEachRow(e, [](Pixel*, int32_t) {}); });
-    test::expectStateTests([](ImageEngine& e) { return forEachColumnTile(e, [](IndexRange) {}); });
+    test::expectStateTests([](ImageEngine& e) { return forEachColumnRange(e, [](IndexRange) {}); });
 }
 
 TEST(Engine, KeepsTheLastAddressAfterUnloadButHasNoImage) {

@@ -75,7 +75,7 @@ TEST(ThreadGroup, WaitsForMoreThreadsThanTheSystemWaitsForAtOnce) {
 
 TEST(ThreadGroup, RunsBandsBeyondThatNumber) {
     std::vector<int> ran(131);
-    ASSERT_EQ(runBands(131, [&](int32_t band) { ++ran[size_t(band)]; }), kStatusOk);
+    ASSERT_EQ(runBands(ImageEngine(), 131, [&](int32_t band) { ++ran[size_t(band)]; }), kStatusOk);
     EXPECT_EQ(ran, std::vector<int>(131, 1));
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -122,11 +124,13 @@ inline Picture referenceCanny(const Picture& source, int blurAmount, int thresho
     if (source.width() < 2 || source.height() < 2) return source;
     Picture copy = source;
     if (blurAmount >= 1) {
-        TentBlur blur(1);
+        const EngineOf engine(1);
+        TentBlur blur(engine);
         if (target == ChannelTarget::RGB)
-            blur.blurRGB(copy.pixels().data(), copy.height(), copy.width(), blurAmount);
+            EXPECT_EQ(blur.blurRGB(copy.pixels().data(), copy.height(), copy.width(), blurAmount), kStatusOk);
         else
-            blur.blurAlpha(copy.pixels().data(), copy.height(), copy.width(), blurAmount);
+            EXPECT_EQ(blur.blurAlpha(copy.pixels().data(), copy.height(), copy.width(), blurAmount),
+                      kStatusOk);
     }
     return referenceInner(copy, source, target, [=](const Around& s) { return cannyByte(s, threshold); });
 }
@@ -135,7 +139,9 @@ inline Picture referenceGlowingEdges(const Picture& source, int size, int smooth
     if (source.width() < 2 || source.height() < 2) return source;
     const int half = std::clamp(size, 0, 10), w = source.width(), h = source.height();
     Picture copy = source, result = source;
-    if (smoothness > 0) TentBlur(1).blurRGBA(copy.pixels().data(), h, w, smoothness);
+    if (smoothness > 0) {
+        EXPECT_EQ(TentBlur(EngineOf(1)).blurRGBA(copy.pixels().data(), h, w, smoothness), kStatusOk);
+    }
     const bool scaled = std::any_of(source.pixels().begin(), source.pixels().end(),
                                     [](const Pixel& p) { return p.alpha != 255; });
     for (int y = 0; y < h; ++y)

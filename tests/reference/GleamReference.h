@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cmath>
 #include <functional>
 #include <vector>
@@ -91,7 +93,11 @@ inline Picture slowGleamFinish(const Picture& image, const Picture& front, Pictu
 
 inline Picture slowGleamBlur(const Picture& image, const Picture& front, const GleamNumbers& n) {
     Picture light = slowLight(front, n.look);
-    if (n.blur > 0) TentBlur(1).blurRGBA(light.pixels().data(), light.height(), light.width(), n.blur);
+    if (n.blur > 0) {
+        EXPECT_EQ(
+            TentBlur(EngineOf(1)).blurRGBA(light.pixels().data(), light.height(), light.width(), n.blur),
+            kStatusOk);
+    }
     return slowGleamFinish(image, front, light, n.look, n.colours);
 }
 

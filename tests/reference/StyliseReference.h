@@ -8,8 +8,8 @@
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
 #include "core/Random.h"
-#include "kernels/blur/TentBlur.h"
 #include "krlimage/stylise.h"
+#include "reference/TentBlurReference.h"
 #include "support/Picture.h"
 
 /// The stylise effects pixel by pixel, as they are defined.
@@ -129,7 +129,7 @@ inline Picture referenceVignette(Picture picture, VignetteSettings a) {
               centreY = planeH / 2 + planeH * a.offsetY / 100;
     const float radiusX = float(double(w / 2) * a.scaleX), radiusY = float(double(h / 2) * a.scaleY);
     const int inside = a.isInverted ? a.transparency : 0, outside = a.isInverted ? 0 : a.transparency;
-    std::vector<int32_t> plane(size_t(planeW) * size_t(planeH));
+    std::vector<int64_t> plane(size_t(planeW) * size_t(planeH));
     for (int y = 0; y < planeH; ++y)
         for (int x = 0; x < planeW; ++x) {
             bool isOutside;
@@ -144,12 +144,13 @@ inline Picture referenceVignette(Picture picture, VignetteSettings a) {
             }
             plane[size_t(y) * size_t(planeW) + size_t(x)] = isOutside ? outside : inside;
         }
-    if (a.blur > 0) TentBlur(1).blurPlane(plane.data(), planeH, planeW, a.blur);
+    if (a.blur > 0) plane = reference::tentPlane(std::move(plane), planeH, planeW, a.blur);
     const auto& scaleByte = sharedTables().scaleByte;
     for (int y = 0; y < h; ++y)
         for (int x = 0; x < w; ++x) {
             Pixel& p = picture.at(x, y);
-            const int m = std::clamp(plane[size_t(y + a.blur) * size_t(planeW) + size_t(x + a.blur)], 0, 255);
+            const auto m = static_cast<int32_t>(
+                std::clamp<int64_t>(plane[size_t(y + a.blur) * size_t(planeW) + size_t(x + a.blur)], 0, 255));
             if (a.target == VignetteTarget::Alpha) {
                 p.alpha = scaleByte[p.alpha][255 - m];
                 continue;

@@ -79,6 +79,7 @@ Status Picture::apply(const std::function<Status(ImageEngine&)>& effect, int32_t
     ImageEngine& engine = sharedEngine();
     engine.load(reinterpret_cast<uint8_t*>(pixels_.data()), info());
     engine.setThreadCount(bands);
+    engine.requireThreads(true);
     const Status status = effect(engine);
     engine.unload();
     engine.setThreadCount(1);

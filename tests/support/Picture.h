@@ -15,6 +15,12 @@ void PrintTo(const Pixel& pixel, std::ostream* out);
 
 namespace test {
 
+/// An engine without a picture, for kernels that only need its bands.
+class EngineOf : public ImageEngine {
+public:
+    explicit EngineOf(int32_t bands) { setThreadCount(bands); }
+};
+
 /// A small picture with an engine that holds it: what effects are tested on.
 class Picture {
 public:

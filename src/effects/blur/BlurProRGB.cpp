@@ -8,7 +8,7 @@ namespace krl {
 Status blurProRGB(ImageEngine& engine, int32_t blurR, int32_t blurG, int32_t blurB) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
-    TentBlur blur(engine.getThreadCount());
+    TentBlur blur(engine);
     const int32_t radii[] = {blurB, blurG, blurR};
     Status status = kStatusOk;
     for (int32_t channel = 2; channel >= 0 && status == kStatusOk; --channel)

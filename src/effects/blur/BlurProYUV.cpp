@@ -11,10 +11,12 @@ Status blurProYUV(ImageEngine& engine, int32_t blurY, int32_t blurU, int32_t blu
     const ImageBuffer& image = *engine.buffer();
     const ChromaImage chroma(image);
     if (Status status = chroma.split(engine)) return status;
-    TentBlur blur(engine.getThreadCount());
+    TentBlur blur(engine, false);
     const int32_t radii[] = {blurU, blurV, blurY};
     for (int32_t channel = 0; channel < 3; ++channel)
-        blur.blurChannel(chroma.data(), image.height, image.width, radii[channel], channel);
+        if (Status status =
+                blur.blurChannel(chroma.data(), image.height, image.width, radii[channel], channel))
+            return status;
     return chroma.merge(engine);
 }
 

@@ -1,4 +1,5 @@
 #include "catalogue/Catalogue.h"
+#include "core/Bands.h"
 #include "core/Numbers.h"
 #include "effects/blur/BlurChoices.h"
 #include "kernels/blur/TentBlur.h"
@@ -12,7 +13,8 @@ Status defocus(ImageEngine& engine, int32_t blur, float bloom, ChannelTarget tar
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
     const ChannelTarget blurred = target == ChannelTarget::RGBA ? target : ChannelTarget::RGB;
-    TentBlur(engine.getThreadCount()).blurTarget(image.row(0), image.height, image.width, blur, blurred);
+    leftOutWithoutThreads(
+        TentBlur(engine).blurTarget(image.row(0), image.height, image.width, blur, blurred));
     const auto rest = static_cast<float>(1.0 - static_cast<float>(clampTo<double>(bloom, 0.0, 0.8)));
     const ByteCurve lift = byteCurve([=](int32_t i) { return truncatedByte(i / 255.0 / rest * 255.0); });
     return applyCurve(engine, ChannelTarget::RGB, lift);

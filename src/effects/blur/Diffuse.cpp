@@ -1,4 +1,5 @@
 #include "catalogue/Catalogue.h"
+#include "core/Bands.h"
 #include "core/ImageCopy.h"
 #include "core/Numbers.h"
 #include "core/VectorLevels.h"
@@ -35,7 +36,7 @@ Status diffuse(ImageEngine& engine, int32_t blur, float opacity, SampleQuality, 
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
     const ImageCopy sharp(image);
-    TentBlur(engine.getThreadCount()).blurTarget(image.row(0), image.height, image.width, blur, target);
+    leftOutWithoutThreads(TentBlur(engine).blurTarget(image.row(0), image.height, image.width, blur, target));
     const auto mix = [&](auto gain) {
         return mixBytes(engine, sharp.row(0), target,
                         [=](const uint8_t* soft, const uint8_t* beside, uint8_t* out, int32_t count) {

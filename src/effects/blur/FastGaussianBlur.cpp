@@ -1,4 +1,5 @@
 #include "catalogue/Catalogue.h"
+#include "core/Bands.h"
 #include "effects/blur/BlurChoices.h"
 #include "kernels/blur/TentBlur.h"
 #include "krlimage/blur.h"
@@ -9,11 +10,11 @@ namespace krl {
 Status fastGaussianBlur(ImageEngine& engine, int32_t radius, ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
-    TentBlur blur(engine.getThreadCount());
+    TentBlur blur(engine);
     if (target == ChannelTarget::Single)
-        blur.blurSingle(image.row(0), image.height, image.width, radius);
+        leftOutWithoutThreads(blur.blurSingle(image.row(0), image.height, image.width, radius));
     else
-        blur.blurTarget(image.row(0), image.height, image.width, radius, target);
+        leftOutWithoutThreads(blur.blurTarget(image.row(0), image.height, image.width, radius, target));
     return kStatusOk;
 }
 

@@ -1,4 +1,5 @@
 #include "catalogue/Catalogue.h"
+#include "core/Bands.h"
 #include "effects/blur/BlurChoices.h"
 #include "kernels/blur/TentBlur.h"
 #include "krlimage/blur.h"
@@ -9,7 +10,7 @@ namespace krl {
 Status oneChannelFeather(ImageEngine& engine, int32_t radius, SampleQuality) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
-    TentBlur(engine.getThreadCount()).blurAlpha(image.row(0), image.height, image.width, radius);
+    leftOutWithoutThreads(TentBlur(engine).blurAlpha(image.row(0), image.height, image.width, radius));
     return kStatusOk;
 }
 

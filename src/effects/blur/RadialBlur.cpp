@@ -12,12 +12,16 @@ namespace krl {
 
 namespace {
 
+/// Degrees between two tests for cancellation: an arc can be millions of degrees long.
+constexpr int32_t kAtOnce = 4096;
+
 /// Sine and cosine of every degree of the arc.
 class ArcTables {
 public:
-    explicit ArcTables(int32_t degrees)
+    ArcTables(const ImageEngine& engine, int32_t degrees)
         : count_(2 * int64_t(degrees) + 1), cosines_(limited(count_)), sines_(limited(count_)) {
         for (int64_t i = 0; i < count_; ++i) {
+            if (i % kAtOnce == 0) engine.throwIfCancelled();
             const double angle = double(i - degrees) * kRadiansPerDegree;
             cosines_[static_cast<size_t>(i)] = std::cos(angle);
             sines_[static_cast<size_t>(i)] = std::sin(angle);
@@ -95,7 +99,7 @@ bool turn(const TileCircles& circles, int32_t count, double cosine, double sine,
 template <ChannelTarget kTarget>
 Status blurArcs(ImageEngine& engine, int32_t degrees, Point point) {
     constexpr bool kWeighted = kTarget == ChannelTarget::RGBA;
-    const ArcTables arc(degrees);
+    const ArcTables arc(engine, degrees);
     const PathSource source(engine, kWeighted);
     if (source.status()) return source.status();
     // The larger an angle, the more it is rounded.
@@ -111,6 +115,7 @@ Status blurArcs(ImageEngine& engine, int32_t degrees, Point point) {
         TilePlaces places;
         TileSums<kWeighted> sums(engine, source);
         for (int32_t n = 0; n < arc.count(); ++n) {
+            if (n % kAtOnce == 0) engine.throwIfCancelled();
             const bool any = turn(circles, pixels, arc.cosine(n), arc.sine(n), point, source.width(),
                                   source.height(), error, places);
             settleDoubts(any, places.doubt, pixels, [&](int32_t i) {

@@ -1,4 +1,5 @@
 #include "catalogue/Catalogue.h"
+#include "core/Bands.h"
 #include "core/ImageCopy.h"
 #include "core/VectorLevels.h"
 #include "effects/blur/BlurChoices.h"
@@ -25,7 +26,8 @@ Status sharpen(ImageEngine& engine, int32_t radius, float amount, int32_t thresh
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
     const ImageCopy blurred(image);
-    TentBlur(engine.getThreadCount()).blurTarget(blurred.row(0), image.height, image.width, radius, target);
+    leftOutWithoutThreads(
+        TentBlur(engine).blurTarget(blurred.row(0), image.height, image.width, radius, target));
     return withGain(amount, [&](auto gain) {
         return mixBytes(engine, blurred.row(0), target,
                         [=](const uint8_t* sharp, const uint8_t* beside, uint8_t* out, int32_t count) {

@@ -30,7 +30,8 @@ Status sharpenBrightness(ImageEngine& engine, int32_t radius, float amount, int3
     const ImageBuffer& image = *engine.buffer();
     const ChromaImage chroma(image);
     if (Status status = chroma.split(engine)) return status;
-    TentBlur(engine.getThreadCount()).blurAlpha(chroma.data(), image.height, image.width, radius);
+    if (Status status = TentBlur(engine, false).blurAlpha(chroma.data(), image.height, image.width, radius))
+        return status;
     const Status status = withGain(amount, [&](auto gain) {
         return chroma.forEachWordSpan(
             engine, [=](Pixel* first, Pixel* last) { sharpenLuma(first, last - first, gain, threshold); });

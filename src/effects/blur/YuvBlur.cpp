@@ -1,4 +1,5 @@
 #include "catalogue/Catalogue.h"
+#include "core/Bands.h"
 #include "effects/blur/BlurChoices.h"
 #include "kernels/blur/ChromaBox.h"
 #include "kernels/blur/ChromaImage.h"
@@ -11,17 +12,16 @@ namespace {
 
 Status blurChromaBytes(Pixel* words, const ImageEngine& engine, ChromaBlurType blurType, int32_t blurAmount) {
     const int32_t height = engine.buffer()->height, width = engine.buffer()->width;
-    const int32_t threads = engine.getThreadCount();
     switch (blurType) {
         case ChromaBlurType::Horizontal:
-            return boxChromaRows(words, height, width, blurAmount, threads);
+            return boxChromaRows(engine, words, height, width, blurAmount);
         case ChromaBlurType::Vertical:
-            return boxChromaColumns(words, height, width, blurAmount, threads);
+            return boxChromaColumns(engine, words, height, width, blurAmount);
         case ChromaBlurType::Box:
-            if (Status status = boxChromaRows(words, height, width, blurAmount, threads)) return status;
-            return boxChromaColumns(words, height, width, blurAmount, threads);
+            if (Status status = boxChromaRows(engine, words, height, width, blurAmount)) return status;
+            return boxChromaColumns(engine, words, height, width, blurAmount);
         case ChromaBlurType::Gaussian:
-            TentBlur(threads).blurChroma(words, height, width, blurAmount);
+            leftOutWithoutThreads(TentBlur(engine).blurChroma(words, height, width, blurAmount));
             break;
     }
     return kStatusOk;

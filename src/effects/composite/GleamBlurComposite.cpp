@@ -1,4 +1,5 @@
 #include "catalogue/Catalogue.h"
+#include "core/Bands.h"
 #include "effects/composite/GleamChoices.h"
 #include "effects/composite/GleamStages.h"
 #include "kernels/blend/BlockPixels.h"
@@ -22,7 +23,8 @@ Status gleamBlurComposite(ImageEngine& engine, const SecondImage& foreground,
     Scratch<Pixel> light(blockPixels(image));
     if (Status status = stages.extractLight(light)) return status;
     if (settings.blur > 0)
-        TentBlur(engine.getThreadCount()).blurRGBA(light.data(), image.height, image.width, settings.blur);
+        leftOutWithoutThreads(
+            TentBlur(engine).blurRGBA(light.data(), image.height, image.width, settings.blur));
     return stages.finish(light);
 }
 

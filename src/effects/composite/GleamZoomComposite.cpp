@@ -38,7 +38,7 @@ Status gleamZoomComposite(ImageEngine& engine, const SecondImage& foreground,
     const RaySettings rays{settings.zoomPoint, std::max(0.0f, settings.brightnessStrength),
                            stepFalloff(settings.falloff), settings.userDistance};
     const auto cast = settings.quality == SampleQuality::Antialiased ? castZoomRaysAntialiased : castZoomRays;
-    cast(light, image.width, image.height, rays);
+    cast(engine, light, image.width, image.height, rays);
     return stages.finish(light);
 }
 

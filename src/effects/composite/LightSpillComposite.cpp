@@ -3,6 +3,7 @@
 
 #include "catalogue/Catalogue.h"
 #include "catalogue/Choices.h"
+#include "core/Bands.h"
 #include "core/PixelWord.h"
 #include "core/Scratch.h"
 #include "core/VectorLevels.h"
@@ -45,7 +46,8 @@ Status lightSpillComposite(ImageEngine& engine, const SecondImage& background, i
     const ImageBuffer& image = *engine.buffer();
     Scratch<Pixel> light(blockPixels(image));
     if (Status status = copyWithHoles(engine, background, light)) return status;
-    if (blur > 0) TentBlur(engine.getThreadCount()).blurRGBA(light.data(), image.height, image.width, blur);
+    if (blur > 0)
+        leftOutWithoutThreads(TentBlur(engine).blurRGBA(light.data(), image.height, image.width, blur));
 
     const BlendFunction layLight = shiftBlendSpan(blendMethod),
                         layOnImage = shiftBlendSpan(BlendMode::Normal);

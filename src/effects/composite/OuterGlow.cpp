@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "catalogue/Catalogue.h"
+#include "core/Bands.h"
 #include "core/ImageCopy.h"
 #include "core/PixelWord.h"
 #include "core/VectorLevels.h"
@@ -69,11 +70,12 @@ Status colourByAlpha(const ImageEngine& engine, uint8_t* block, std::span<const 
 void spreadAlpha(ImageEngine& engine, TentBlur& tent, int32_t expandBlur, int32_t outerBlur) {
     const ImageBuffer& image = *engine.buffer();
     if (expandBlur > 0) {
-        tent.blurAlpha(image.row(0), image.height, image.width, expandBlur);
-        applyCurve(engine, ChannelTarget::Alpha,
-                   byteCurve([](int32_t alpha) { return alpha > 0 ? 255 : 0; }));
+        leftOutWithoutThreads(tent.blurAlpha(image.row(0), image.height, image.width, expandBlur));
+        leftOutWithoutThreads(applyCurve(engine, ChannelTarget::Alpha,
+                                         byteCurve([](int32_t alpha) { return alpha > 0 ? 255 : 0; })));
     }
-    if (outerBlur > 0) tent.blurAlpha(image.row(0), image.height, image.width, outerBlur);
+    if (outerBlur > 0)
+        leftOutWithoutThreads(tent.blurAlpha(image.row(0), image.height, image.width, outerBlur));
 }
 
 /// The colour of a part: one for all, or the pixel's own.
@@ -124,13 +126,14 @@ Status outerGlow(ImageEngine& engine, const OuterGlowSettings& settings) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
     const ImageCopy core(image);
-    TentBlur tent(engine.getThreadCount());
+    TentBlur tent(engine);
     if (settings.coreFeather > 0)
-        tent.blurAlpha(core.row(0), image.height, image.width, settings.coreFeather);
+        leftOutWithoutThreads(tent.blurAlpha(core.row(0), image.height, image.width, settings.coreFeather));
     spreadAlpha(engine, tent, settings.expandBlur, settings.outerBlur);
-    // A colouring whose threads cannot start leaves its part as it is, and the glow goes on.
-    if (settings.coreColours.size() >= 2) colourByAlpha(engine, core.view().pixels, settings.coreColours);
-    if (settings.outerColours.size() >= 2) colourByAlpha(engine, image.pixels, settings.outerColours);
+    if (settings.coreColours.size() >= 2)
+        leftOutWithoutThreads(colourByAlpha(engine, core.view().pixels, settings.coreColours));
+    if (settings.outerColours.size() >= 2)
+        leftOutWithoutThreads(colourByAlpha(engine, image.pixels, settings.outerColours));
     layCore(engine, core, settings);
     return kStatusOk;
 }

@@ -79,8 +79,10 @@ private:
 template <int32_t scale>
 class RayField {
 public:
-    RayField(const Scratch<Pixel>& source, int32_t width, int32_t height, const RaySettings& settings)
-        : source_(source),
+    RayField(const ImageEngine& engine, const Scratch<Pixel>& source, int32_t width, int32_t height,
+             const RaySettings& settings)
+        : engine_(engine),
+          source_(source),
           width_(width * scale),
           height_(height * scale),
           centre_{wrapMultiply(settings.centre.y, scale), wrapMultiply(settings.centre.x, scale)},
@@ -114,6 +116,7 @@ public:
 
 private:
     void cast(Point end) {
+        engine_.throwIfCancelled();
         const RayPath path(centre_, end);
         if (path.length() == 0) return;
         RaySums sums;
@@ -160,6 +163,7 @@ private:
         }
     }
 
+    const ImageEngine& engine_;
     const Scratch<Pixel>& source_;
     int32_t width_, height_;
     Point centre_;
@@ -173,15 +177,16 @@ private:
 
 }  // namespace
 
-void castZoomRays(Scratch<Pixel>& light, int32_t width, int32_t height, const RaySettings& settings) {
-    RayField<1> field(light, width, height, settings);
+void castZoomRays(const ImageEngine& engine, Scratch<Pixel>& light, int32_t width, int32_t height,
+                  const RaySettings& settings) {
+    RayField<1> field(engine, light, width, height, settings);
     field.castAll();
     std::copy(field.target().begin(), field.target().end(), light.begin());
 }
 
-void castZoomRaysAntialiased(Scratch<Pixel>& light, int32_t width, int32_t height,
+void castZoomRaysAntialiased(const ImageEngine& engine, Scratch<Pixel>& light, int32_t width, int32_t height,
                              const RaySettings& settings) {
-    RayField<2> field(light, width, height, settings);
+    RayField<2> field(engine, light, width, height, settings);
     field.castAll();
     const Pixel* upper = field.target().data();
     Pixel* out = light.data();

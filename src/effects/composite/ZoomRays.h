@@ -15,11 +15,13 @@ struct RaySettings {
 };
 
 /// Casts the rays from the centre to every pixel of the border of a picture of `width` by `height` and puts
-/// what they leave in place of `light`: black and clear where no ray comes.
-void castZoomRays(Scratch<Pixel>& light, int32_t width, int32_t height, const RaySettings& settings);
+/// what they leave in place of `light`: black and clear where no ray comes. Tests for cancellation ray by
+/// ray.
+void castZoomRays(const ImageEngine& engine, Scratch<Pixel>& light, int32_t width, int32_t height,
+                  const RaySettings& settings);
 
 /// The same at double the size, each pixel of `light` being 2 by 2, and the mean of what they leave.
-void castZoomRaysAntialiased(Scratch<Pixel>& light, int32_t width, int32_t height,
+void castZoomRaysAntialiased(const ImageEngine& engine, Scratch<Pixel>& light, int32_t width, int32_t height,
                              const RaySettings& settings);
 
 }  // namespace krl

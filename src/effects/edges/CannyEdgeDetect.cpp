@@ -1,5 +1,6 @@
 #include "catalogue/Catalogue.h"
 #include "catalogue/Choices.h"
+#include "core/Bands.h"
 #include "core/ImageCopy.h"
 #include "core/VectorLevels.h"
 #include "kernels/blur/TentBlur.h"
@@ -103,7 +104,8 @@ Status cannyEdgeDetect(ImageEngine& engine, int32_t blurAmount, int32_t threshol
 
     const ImageCopy copy(image);
     const ChannelTarget blurred = target == ChannelTarget::RGB ? target : ChannelTarget::Alpha;
-    TentBlur(engine.getThreadCount()).blurTarget(copy.row(0), image.height, image.width, blurAmount, blurred);
+    leftOutWithoutThreads(
+        TentBlur(engine).blurTarget(copy.row(0), image.height, image.width, blurAmount, blurred));
     // No strength and no byte is below 0 or above 255, so further thresholds are as good as these.
     const auto least = static_cast<int16_t>(clampTo(threshold, -1, 256));
     return filterInner(engine, copy.view(), ChannelMask(target),

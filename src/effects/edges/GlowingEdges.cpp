@@ -1,4 +1,5 @@
 #include "catalogue/Catalogue.h"
+#include "core/Bands.h"
 #include "core/ChannelMask.h"
 #include "core/ImageCopy.h"
 #include "core/VectorLevels.h"
@@ -64,7 +65,8 @@ Status glowingEdges(ImageEngine& engine, int32_t size, int32_t smoothness, float
     const ImageCopy lowest(image);
     const ScratchImage highest(image);
     if (smoothness > 0)
-        TentBlur(engine.getThreadCount()).blurRGBA(lowest.row(0), image.height, image.width, smoothness);
+        leftOutWithoutThreads(
+            TentBlur(engine).blurRGBA(lowest.row(0), image.height, image.width, smoothness));
     const Status rows = spreadOfRows(engine, lowest.view(), highest.view(), half);
     return rows ? rows : spreadOfColumns(engine, lowest.view(), highest.view(), half, curve);
 }

@@ -45,7 +45,7 @@ Status halfSize(const ImageEngine& engine, const NewImage& half) {
 
     const ImageBuffer& image = *engine.buffer();
     const int32_t threadCount = engine.getThreadCount();
-    return runBands(threadCount, [&](int32_t band) {
+    return runBands(engine, threadCount, [&](int32_t band) {
         const IndexRange source = lineBand(image.height, threadCount, band);
         const IndexRange target = lineBand(half.info.height, threadCount, band);
         int32_t y = source.first;

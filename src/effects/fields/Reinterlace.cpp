@@ -31,7 +31,7 @@ Status reinterlace(const ImageEngine& engine, uint8_t* imageOne, const ImageInfo
     const int64_t bandRows = reinterlaceBandRows(infoOne.height, threadCount);
     const int64_t commonRows = std::min(infoOne.height - infoOne.height % 2, infoTwo.height);
     const size_t rowBytes = size_t(std::min(infoOne.width, infoTwo.width)) * sizeof(Pixel);
-    return runBands(threadCount, [&](int32_t band) {
+    return runBands(engine, threadCount, [&](int32_t band) {
         const int64_t last = std::min(commonRows, bandRows * (band + 1));
         for (int64_t y = bandRows * band + 1; y < last; y += 2)
             std::memcpy(target.row(int32_t(y)), imageTwo.row(int32_t(y)), rowBytes);

@@ -2,6 +2,7 @@
 
 #include "catalogue/Catalogue.h"
 #include "catalogue/Choices.h"
+#include "core/Bands.h"
 #include "core/Batch.h"
 #include "core/ByteArithmetic.h"
 #include "core/ImageCopy.h"
@@ -83,7 +84,8 @@ Status dayForNight(ImageEngine& engine, const DayForNightSettings& settings) {
 
     const ImageCopy soft(image);
     if (settings.blur > 0)
-        TentBlur(engine.getThreadCount()).blurRGBA(soft.row(0), image.height, image.width, settings.blur);
+        leftOutWithoutThreads(
+            TentBlur(engine).blurRGBA(soft.row(0), image.height, image.width, settings.blur));
     const bool colourAlone = settings.target == ChannelTarget::RGB;
     return mixBytes(
         engine, soft.row(0), colourAlone ? ChannelTarget::RGB : ChannelTarget::RGBA,

@@ -156,9 +156,12 @@ Status grain(ImageEngine& engine, const GrainSettings& settings) {
     for (int32_t i = 0; i < engine.getThreadCount(); ++i)
         painters.emplace_back(engine.tables(), layers, image.width);
 
-    return runBands(engine.getThreadCount(), [&](int32_t i) {
+    return runBands(engine, engine.getThreadCount(), [&](int32_t i) {
         const IndexRange rows = lineBand(image.height, engine.getThreadCount(), i);
-        for (int32_t y = rows.first; y < rows.last; ++y) painters[size_t(i)].paintRow(image.row(y), y);
+        for (int32_t y = rows.first; y < rows.last; ++y) {
+            engine.throwIfCancelled();
+            painters[size_t(i)].paintRow(image.row(y), y);
+        }
     });
 }
 

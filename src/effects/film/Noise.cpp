@@ -69,12 +69,17 @@ Status noise(ImageEngine& engine, float varience, int32_t seed, ChannelTarget ta
     const auto apply = target == ChannelTarget::RGBA  ? noisePixels
                        : target == ChannelTarget::RGB ? noiseColours
                                                       : noiseAlpha;
-    return forEachSpan(engine, [&](Pixel* first, Pixel* last) {
+    const int32_t bands = engine.getThreadCount();
+    return runBands(engine, bands, [&](int32_t band) {
+        const IndexRange share = pixelBand(*engine.buffer(), bands, band);
+        if (share.first >= share.last) return;
         // A band reads one draw for each pixel of a sequence that has one for each byte.
         Random random(seed);
-        random.skip(uint64_t{4} * static_cast<uint64_t>(first - engine.buffer()->row(0)));
+        random.skip(uint64_t{4} * static_cast<uint64_t>(share.first));
         RandomRun draws(random);
-        forEachBatch(static_cast<size_t>(last - first), [&](size_t start, size_t count) {
+        Pixel* const first = engine.buffer()->row(0) + share.first;
+        forEachBatch(static_cast<size_t>(share.last - share.first), [&](size_t start, size_t count) {
+            engine.throwIfCancelled();
             int32_t shifts[kBatchPixels];
             drawShifts(draws, remainder, half, shifts);
             apply(first + start, count, shifts);

@@ -16,11 +16,12 @@
 /// element is brightest. `FlarePlot` turns values into pixels.
 namespace krl {
 
-/// The picture of one call, and the colours of the element that is being painted.
+/// The picture of one call, the engine whose bands paint it, and the colours of the element that is being
+/// painted.
 struct FlareState {
     ImageBuffer image;  ///< no pixels where no image is loaded
     const LookupTables* tables = nullptr;
-    int32_t threadCount = 1;
+    const ImageEngine* engine = nullptr;  ///< none where no image is loaded
 
     std::vector<CurveKey> colourKeys;
     std::array<std::vector<CurveSample>, 3> samples;  ///< by channel; empty below two colours
@@ -74,7 +75,7 @@ public:
     /// The engine's picture, if one is loaded, painted with the engine's bands.
     explicit FlareCanvas(const ImageEngine& engine);
 
-    /// Paints one element. If a band's task or thread cannot be created, the element stays unfinished.
+    /// Paints one element. If a required task or thread cannot be created, the element stays unfinished.
     void draw(const FlareElement& element);
 
     /// With the colours of the last element.

@@ -47,22 +47,24 @@ inline GridBox boxAround(const FlareState& state, Point centre, double reach) {
     return {columns.first, rows.first, columns.last, rows.last};
 }
 
-/// Calls `work(part)` for the boxes that the bands cut `box` into by rows. If a band's task or thread cannot
-/// be created, the element stays unfinished: elements have no failures.
+/// Calls `work(part)` for the boxes that the bands cut `box` into by rows. If a required task or thread
+/// cannot be created, the element stays unfinished: elements have no failures.
 template <class Work>
 void forEachBandOfRows(const FlareState& state, const GridBox& box, Work&& work) {
     if (box.isEmpty()) return;
-    runBands(state.threadCount, [&](int32_t band) {
-        const IndexRange rows = lineBand(box.bottom - box.top, state.threadCount, band);
+    const int32_t bands = state.engine->getThreadCount();
+    leftOutWithoutThreads(runBands(*state.engine, bands, [&](int32_t band) {
+        const IndexRange rows = lineBand(box.bottom - box.top, bands, band);
         const GridBox part{box.left, box.top + rows.first, box.right, box.top + rows.last};
         if (!part.isEmpty()) work(part);
-    });
+    }));
 }
 
 /// Calls `perPixel(Pixel&, x, y)` for every pixel of `box`, in rows.
 template <class PerPixel>
 void forEachPixelOf(const FlareState& state, const GridBox& box, PerPixel&& perPixel) {
     for (int32_t y = box.top; y < box.bottom; ++y) {
+        state.engine->throwIfCancelled();
         Pixel* row = state.image.row(y);
         for (int32_t x = box.left; x < box.right; ++x) perPixel(row[x], x, y);
     }

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <vector>
 
+#include "core/Bands.h"
 #include "core/Numbers.h"
 #include "core/Scratch.h"
 #include "effects/generate/FlareElements.h"
@@ -39,7 +40,7 @@ public:
           width_(state.image.width),
           level_(level),
           cells_(size_t(height_) * size_t(width_)),
-          blur_(state.threadCount) {
+          blur_(*state.engine) {
         std::ranges::fill(cells_, uint8_t{0});
     }
 
@@ -63,7 +64,9 @@ public:
     uint8_t* row(int32_t y) const { return cells_.data() + size_t(y) * size_t(width_); }
 
 private:
-    void blurBy(int32_t radius) { blur_.blurBytes(cells_.data(), height_, width_, radius); }
+    void blurBy(int32_t radius) {
+        leftOutWithoutThreads(blur_.blurBytes(cells_.data(), height_, width_, radius));
+    }
 
     int32_t height_, width_;
     uint8_t level_;

@@ -133,7 +133,10 @@ void paintRays(const FlareState& state, const FlareElement& rays) {
     forEachBandOfRows(state, box, [&](const GridBox& part) {
         std::fill(&mask.at(0, part.top),
                   &mask.at(0, part.top) + size_t(part.bottom - part.top) * size_t(mask.width), uint8_t{0});
-        for (const FanRay& ray : list) gaussianLine(mask, part, ray.start, ray.end, intensity, ray.times);
+        for (const FanRay& ray : list) {
+            state.engine->throwIfCancelled();
+            gaussianLine(mask, part, ray.start, ray.end, intensity, ray.times);
+        }
         forEachPixelOf(state, part, [&](Pixel& pixel, int32_t x, int32_t y) {
             const uint8_t light = mask.at(x, y);
             if (light == 0 && plot.zeroIsNothing()) return;

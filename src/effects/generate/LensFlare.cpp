@@ -22,8 +22,8 @@ float limitedPosition(float position) {
 }  // namespace
 
 FlareCanvas::FlareCanvas(const ImageEngine& engine) {
-    state_.threadCount = engine.getThreadCount();
     if (engine.imageStatus()) return;
+    state_.engine = &engine;
     state_.image = *engine.buffer();
     state_.tables = engine.getTables();
 }

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "catalogue/Call.h"
+#include "core/Bands.h"
 #include "core/Batch.h"
 #include "core/Scratch.h"
 #include "core/VectorLevels.h"
@@ -129,7 +130,7 @@ Status keyAutomatically(ImageEngine& engine, const AutoKeySettings& settings, Ke
     const ByteMap map(engine.buffer()->bytes() / sizeof(Pixel));
     used = settings.userColor;
     // What was counted decides even if not every band could count.
-    if (used == KeyColour::Auto) static_cast<void>(autoColor(engine, used));
+    if (used == KeyColour::Auto) leftOutWithoutThreads(autoColor(engine, used));
 
     DifferenceRange range;
     const GreyFade grey(settings.userGrey, settings.thresholdVal);

@@ -65,7 +65,7 @@ Status mosaic(ImageEngine& engine, int32_t amount, ChannelTarget target) {
     const uint64_t places = uint64_t(width) * static_cast<uint64_t>(std::min(bands, blockRows));
     const Scratch<uint32_t> columnSums(places * 4);
     const Scratch<Pixel> values(places);
-    return runBands(bands, [&](int32_t band) {
+    return runBands(engine, bands, [&](int32_t band) {
         const IndexRange share = lineBand(blockRows, bands, band);
         if (share.first >= share.last) return;
         const size_t room = width * static_cast<size_t>(band);

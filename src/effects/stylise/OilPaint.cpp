@@ -123,8 +123,10 @@ Status oilPaint(ImageEngine& engine, int32_t brushSize, int32_t intensity) {
     if (mixed) return mixed;
     return forEachRowRange(engine, [&](IndexRange rows) {
         Brush brush(levels + 1);
-        for (int32_t y = rows.first; y < rows.last; ++y)
+        for (int32_t y = rows.first; y < rows.last; ++y) {
+            engine.throwIfCancelled();
             paintRow(palette, size, y, brush, engine.buffer()->row(y));
+        }
     });
 }
 

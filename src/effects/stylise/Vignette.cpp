@@ -140,9 +140,9 @@ Status vignette(ImageEngine& engine, const VignetteSettings& settings) {
     const Shape shape(image, margin, settings);
     const Status drawn = drawMask(engine, shape, settings, plane.data());
     if (drawn) return drawn;
-    if (margin > 0)
-        TentBlur(engine.getThreadCount())
-            .blurBytes(plane.data(), shape.planeHeight, shape.planeWidth, margin);
+    const Status blurred =
+        TentBlur(engine, false).blurBytes(plane.data(), shape.planeHeight, shape.planeWidth, margin);
+    if (blurred) return blurred;
     return cover(engine, plane.data() + ptrdiff_t(margin) * shape.planeWidth + margin, shape.planeWidth,
                  settings);
 }

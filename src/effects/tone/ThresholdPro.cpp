@@ -2,6 +2,7 @@
 
 #include "catalogue/Catalogue.h"
 #include "catalogue/Choices.h"
+#include "core/Bands.h"
 #include "core/LookupTables.h"
 #include "kernels/blur/TentBlur.h"
 #include "kernels/colour/Grey.h"
@@ -50,13 +51,14 @@ Status thresholdPro(ImageEngine& engine, int32_t preBlur, int32_t threshold, int
     const ByteCurve curve = stepCurve(clampTo(threshold, 0, 255), steps);
     const ImageBuffer& image = *engine.buffer();
     // Every byte that the blur rewrites is read and rewritten once more below, so it needs no copy.
-    TentBlur blur(engine.getThreadCount());
+    TentBlur blur(engine);
     if (target == ChannelTarget::RGB) {
-        if (preBlur > 0) blur.blurRGB(image.row(0), image.height, image.width, preBlur);
+        if (preBlur > 0)
+            leftOutWithoutThreads(blur.blurRGB(image.row(0), image.height, image.width, preBlur));
         return recolourByMean(engine,
                               [&](Pixel* first, Pixel* last) { applyCurveTo<0, 1, 2>(first, last, curve); });
     }
-    if (preBlur > 0) blur.blurAlpha(image.row(0), image.height, image.width, preBlur);
+    if (preBlur > 0) leftOutWithoutThreads(blur.blurAlpha(image.row(0), image.height, image.width, preBlur));
     return applyCurve(engine, ChannelTarget::Alpha, curve);
 }
 

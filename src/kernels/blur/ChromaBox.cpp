@@ -117,8 +117,10 @@ private:
 /// picture.
 class ColumnPass {
 public:
-    ColumnPass(Pixel* words, int32_t height, int32_t width, int32_t halfWidth, int32_t bandCount)
-        : words_(words),
+    ColumnPass(const ImageEngine& engine, Pixel* words, int32_t height, int32_t width, int32_t halfWidth,
+               int32_t bandCount)
+        : engine_(engine),
+          words_(words),
           height_(height),
           width_(width),
           halfWidth_(halfWidth),
@@ -155,10 +157,12 @@ private:
 
     /// Filters `lanes` columns side by side.
     void filter(int64_t column, int32_t lanes, int32_t rows, int32_t ring) const {
+        engine_.throwIfCancelled();
         if (rows > 0)
             boxLine<kTileWords>({words_ + column, width_, rows, lanes}, halfWidth_, rings_.of(ring));
     }
 
+    const ImageEngine& engine_;
     Pixel* words_;
     int32_t height_, width_, halfWidth_;
     int32_t share_;  ///< columns of a band
@@ -168,18 +172,24 @@ private:
 
 }  // namespace
 
-Status boxChromaRows(Pixel* words, int32_t height, int32_t width, int32_t halfWidth, int32_t threadCount) {
+Status boxChromaRows(const ImageEngine& engine, Pixel* words, int32_t height, int32_t width,
+                     int32_t halfWidth) {
+    const int32_t threadCount = engine.getThreadCount();
     const Rings rings(threadCount, width, halfWidth, 1);
-    return runBands(threadCount, [&](int32_t band) {
+    return runBands(engine, threadCount, [&](int32_t band) {
         const IndexRange rows = lineBand(height, threadCount, band);
-        for (int32_t y = rows.first; y < rows.last; ++y)
+        for (int32_t y = rows.first; y < rows.last; ++y) {
+            engine.throwIfCancelled();
             boxLine<1>({words + ptrdiff_t(y) * width, 1, width, 1}, halfWidth, rings.of(band));
+        }
     });
 }
 
-Status boxChromaColumns(Pixel* words, int32_t height, int32_t width, int32_t halfWidth, int32_t threadCount) {
-    const ColumnPass pass(words, height, width, halfWidth, threadCount);
-    const Status status = runBands(threadCount, [&](int32_t band) { pass.filterShare(band); });
+Status boxChromaColumns(const ImageEngine& engine, Pixel* words, int32_t height, int32_t width,
+                        int32_t halfWidth) {
+    const int32_t threadCount = engine.getThreadCount();
+    const ColumnPass pass(engine, words, height, width, halfWidth, threadCount);
+    const Status status = runBands(engine, threadCount, [&](int32_t band) { pass.filterShare(band); });
     if (status) return status;
     for (int32_t band = 0; band < threadCount; ++band) pass.filterAfterShares(band);
     return kStatusOk;

@@ -63,10 +63,9 @@ struct ChannelLayout {
     }
 };
 
-/// A plane of samples and nothing else.
-template <class SampleType>
+/// A plane of bytes and nothing else.
 struct PlaneLayout {
-    using Sample = SampleType;
+    using Sample = uint8_t;
     static constexpr int32_t kLanes = 1, kPitch = 1;
     static constexpr int32_t firstLane = 0;
 
@@ -93,9 +92,10 @@ class TentPasses {
 public:
     using Sample = typename Arithmetic::Sample;
 
-    TentPasses(const Arithmetic& arithmetic, Sample* block, int32_t height, int32_t width, int32_t halfWidth,
-               const Layout& layout, Sample* lines)
-        : arithmetic_(arithmetic),
+    TentPasses(const ImageEngine& engine, const Arithmetic& arithmetic, Sample* block, int32_t height,
+               int32_t width, int32_t halfWidth, const Layout& layout, Sample* lines)
+        : engine_(engine),
+          arithmetic_(arithmetic),
           block_(block),
           lines_(lines),
           height_(height),
@@ -103,8 +103,8 @@ public:
           halfWidth_(halfWidth),
           layout_(layout) {}
 
-    Status run(int32_t threadCount) const {
-        const Status status = runBands(threadCount, [&](int32_t band) {
+    Status run(int32_t threadCount, bool requiresThreads) const {
+        const Status status = runBands(engine_, requiresThreads, threadCount, [&](int32_t band) {
             const IndexRange rows = lineBand(height_, threadCount, band);
             if (rows.first >= rows.last) return;
             if constexpr (tent::kInVectors<Arithmetic>)
@@ -113,7 +113,8 @@ public:
                 blurRows(rows);
         });
         if (status) return status;
-        return runBands(threadCount, [&](int32_t band) { blurColumns(lineBand(width_, threadCount, band)); });
+        return runBands(engine_, requiresThreads, threadCount,
+                        [&](int32_t band) { blurColumns(lineBand(width_, threadCount, band)); });
     }
 
 private:
@@ -121,6 +122,7 @@ private:
 
     void blurRows(IndexRange rows) const {
         for (int32_t y = rows.first; y < rows.last; ++y) {
+            engine_.throwIfCancelled();
             const ptrdiff_t start = ptrdiff_t(y) * width_;
             const Line<Sample> line{block_ + start * Layout::kPitch + layout_.firstLane, Layout::kPitch,
                                     width_};
@@ -138,6 +140,7 @@ private:
             kCacheLine / kLanes;  // whole cache lines of each row are written at once
         const Line<uint8_t> line{room, tent::kTransposedLanes, width_};
         for (int32_t y = rows.first; y < rows.last; y += kRows) {
+            engine_.throwIfCancelled();
             const int32_t rowCount = std::min(kRows, rows.last - y);
             const ptrdiff_t start = ptrdiff_t(y) * width_;
             const uint8_t* samples =
@@ -168,6 +171,7 @@ private:
             tent::Window<Arithmetic, kTileSamples> window(arithmetic_, line, halfWidth_, lanes);
             Sample blurred[kTileSamples] = {};
             for (int32_t y = 0; y < height_; ++y) {
+                engine_.throwIfCancelled();
                 const int32_t rowsLeft = height_ - 1 - y;
                 prefetch(target(y + std::min(kRowsAhead, rowsLeft)), count * Layout::kPitch);
                 const int32_t soon = halfWidth_ + 2 + kRowsAhead;
@@ -178,6 +182,7 @@ private:
         }
     }
 
+    const ImageEngine& engine_;
     Arithmetic arithmetic_;
     Sample *block_, *lines_;
     int32_t height_, width_, halfWidth_;
@@ -194,11 +199,11 @@ Status TentBlur::blurLayout(uint8_t* block, int32_t height, int32_t width, int32
     const int32_t halfWidth = tent::halfWidth(radius);
     if (halfWidth <= 0 || height <= 0 || width <= 0) return kStatusOk;
     const size_t samples = size_t(height) * size_t(width) * Layout::kLanes;
-    const size_t room = size_t(std::min(threadCount_, height)) * transposedBytes(width);
+    const size_t room = size_t(std::min(engine_.getThreadCount(), height)) * transposedBytes(width);
     if (lines_.size() < samples + room) lines_ = Scratch<uint8_t>(samples + room);
     const auto blurBy = [&](const auto& arithmetic) {
-        return TentPasses(arithmetic, block, height, width, halfWidth, layout, lines_.data())
-            .run(threadCount_);
+        return TentPasses(engine_, arithmetic, block, height, width, halfWidth, layout, lines_.data())
+            .run(engine_.getThreadCount(), requiresThreads_);
     };
     if (halfWidth <= tent::kWidestShort) return blurBy(tent::ShortBytes(halfWidth));
     if (halfWidth <= tent::kWidestMiddle) return blurBy(tent::MiddleBytes(halfWidth));
@@ -206,50 +211,39 @@ Status TentBlur::blurLayout(uint8_t* block, int32_t height, int32_t width, int32
     return blurBy(tent::WideBytes(halfWidth));
 }
 
-void TentBlur::blurRGBA(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
-    blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{ChannelMask(ChannelTarget::RGBA)});
+Status TentBlur::blurRGBA(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
+    return blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{ChannelMask(ChannelTarget::RGBA)});
 }
 
-void TentBlur::blurRGB(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
-    blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{ChannelMask(ChannelTarget::RGB)});
+Status TentBlur::blurRGB(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
+    return blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{ChannelMask(ChannelTarget::RGB)});
 }
 
-void TentBlur::blurChroma(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
-    blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{ChannelMask(0x0000FFFFu)});
+Status TentBlur::blurChroma(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
+    return blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{ChannelMask(0x0000FFFFu)});
 }
 
 Status TentBlur::blurChannel(Pixel* pixels, int32_t height, int32_t width, int32_t radius, int32_t channel) {
     return blurLayout(bytesOf(pixels), height, width, radius, ChannelLayout{channel});
 }
 
-void TentBlur::blurAlpha(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
-    blurChannel(pixels, height, width, radius, 3);
+Status TentBlur::blurAlpha(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
+    return blurChannel(pixels, height, width, radius, 3);
 }
 
-void TentBlur::blurSingle(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
-    blurChannel(pixels, height, width, radius, 0);
+Status TentBlur::blurSingle(Pixel* pixels, int32_t height, int32_t width, int32_t radius) {
+    return blurChannel(pixels, height, width, radius, 0);
 }
 
-void TentBlur::blurTarget(Pixel* pixels, int32_t height, int32_t width, int32_t radius,
-                          ChannelTarget target) {
+Status TentBlur::blurTarget(Pixel* pixels, int32_t height, int32_t width, int32_t radius,
+                            ChannelTarget target) {
     if (target == ChannelTarget::RGBA || target == ChannelTarget::RGB)
-        blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{ChannelMask(target)});
-    else
-        blurAlpha(pixels, height, width, radius);
+        return blurLayout(bytesOf(pixels), height, width, radius, PixelLayout{ChannelMask(target)});
+    return blurAlpha(pixels, height, width, radius);
 }
 
-void TentBlur::blurBytes(uint8_t* plane, int32_t height, int32_t width, int32_t radius) {
-    blurLayout(plane, height, width, radius, PlaneLayout<uint8_t>{});
-}
-
-void TentBlur::blurPlane(int32_t* plane, int32_t height, int32_t width, int32_t radius) {
-    threadCount_ = 1;
-    const int32_t halfWidth = tent::halfWidth(radius);
-    if (halfWidth <= 0 || height <= 0 || width <= 0) return;
-    const Scratch<int32_t> lines(size_t(height) * size_t(width));
-    TentPasses(tent::SignedWords(halfWidth), plane, height, width, halfWidth, PlaneLayout<int32_t>{},
-               lines.data())
-        .run(threadCount_);
+Status TentBlur::blurBytes(uint8_t* plane, int32_t height, int32_t width, int32_t radius) {
+    return blurLayout(plane, height, width, radius, PlaneLayout{});
 }
 
 }  // namespace krl

@@ -55,19 +55,6 @@ static_assert(weightOf(kWidestShort) <= int64_t{ShortByteQuotient::kLargestWeigh
 static_assert(weightOf(kWidestMiddle) <= int64_t{MiddleByteQuotient::kLargestWeight});
 static_assert(weightOf(kWidestNarrow) <= int64_t{ByteQuotient::kLargestWeight});
 
-/// Any 32-bit integers; the quotient is truncated toward zero.
-class SignedWords {
-public:
-    using Sample = int32_t;
-    using Sum = uint64_t;
-
-    explicit SignedWords(int32_t halfWidth) : weight_(weightOf(halfWidth)) {}
-    int32_t quotient(uint64_t sum) const { return static_cast<int32_t>(static_cast<int64_t>(sum) / weight_); }
-
-private:
-    int64_t weight_;
-};
-
 /// The samples whose second difference moves a window one place on.
 template <class Sample>
 struct Step {

@@ -186,10 +186,13 @@ Status forEachRowWindow(const ImageEngine& engine, const LineWindow& window, Wor
     const ImageBuffer& image = *engine.buffer();
     const int32_t bands = engine.getThreadCount();
     const BandRoom room(bands, RowWindows::roomFor(window, image.width));
-    return runBands(bands, [&](int32_t band) {
+    return runBands(engine, bands, [&](int32_t band) {
         RowWindows windows(window, image.width, room.of(band));
         const IndexRange rows = lineBand(image.height, bands, band);
-        for (int32_t y = rows.first; y < rows.last; ++y) work(y, windows);
+        for (int32_t y = rows.first; y < rows.last; ++y) {
+            engine.throwIfCancelled();
+            work(y, windows);
+        }
     });
 }
 
@@ -200,10 +203,12 @@ Status forEachColumnSpan(const ImageEngine& engine, int64_t roomRows, Work&& wor
     const int32_t bands = engine.getThreadCount(), width = engine.buffer()->width;
     const int32_t widest = std::min(kColumnsAtOnce, ceilingShare(width, bands));
     const BandRoom room(bands, static_cast<uint64_t>(roomRows) * static_cast<uint64_t>(widest));
-    return runBands(bands, [&](int32_t band) {
+    return runBands(engine, bands, [&](int32_t band) {
         const IndexRange share = lineBand(width, bands, band);
-        for (int32_t x = share.first; x < share.last; x += kColumnsAtOnce)
+        for (int32_t x = share.first; x < share.last; x += kColumnsAtOnce) {
+            engine.throwIfCancelled();
             work(IndexRange{x, x + std::min(share.last - x, kColumnsAtOnce)}, room.of(band));
+        }
     });
 }
 

@@ -176,7 +176,7 @@ Status spreadRolling(const ImageEngine& engine, ChannelMask mask, int32_t half) 
     const LineWindow down = LineWindow::seededLate(half, image.height);
     const BandBorders borders(image, bands, down.length / 2);
     const BandRoom room(bands, RollingBand<Extreme, kWeighted>::roomFor(image, along, down));
-    return runBands(bands, [&](int32_t band) {
+    return runBands(engine, bands, [&](int32_t band) {
         RollingBand<Extreme, kWeighted>(image, borders, bands, band, along, down, room.of(band)).spread(mask);
     });
 }

@@ -78,9 +78,11 @@ Status forEachPathTile(const ImageEngine& engine, Work&& work) {
     const int32_t width = engine.buffer()->width;
     return forEachRowRange(engine, [&](IndexRange rows) {
         for (int32_t y = rows.first; y < rows.last; y += PathTile::kHeight)
-            for (int32_t x = 0; x < width; x += PathTile::kWidth)
+            for (int32_t x = 0; x < width; x += PathTile::kWidth) {
+                engine.throwIfCancelled();
                 work(PathTile{x, y, std::min(PathTile::kWidth, width - x),
                               std::min(PathTile::kHeight, rows.last - y)});
+            }
     });
 }
 

@@ -45,6 +45,7 @@ Status warpByLine(const ImageEngine& engine, SampleQuality quality, ChannelTarge
                     const auto put = [&](int32_t y) {
                         sampler.sample(image.row(y) + first, batch.y, batch.x, batch.count);
                     };
+                    engine.throwIfCancelled();
                     for (int32_t line = top; line < std::min(top + kLinesAtOnce, lines.last); ++line) {
                         batch.count = count;
                         make(line, batch, static_cast<int32_t>(first), put);

@@ -150,7 +150,8 @@ TEST(RadialBlur, TakesAnyPointWithoutHarm) {
     for (int32_t far : {INT_MIN, -100000, 46341, 100000, INT_MAX})
         for (int32_t other : {0, far})
             EXPECT_TRUE(sameAlpha(picture.after(spin(3, {far, other}, ChannelTarget::RGB)), picture));
-    EXPECT_THROW(Picture(picture).apply(spin(INT_MAX, {2, 2}, ChannelTarget::RGB)), std::bad_alloc);
+    EXPECT_THROW(static_cast<void>(Picture(picture).apply(spin(INT_MAX, {2, 2}, ChannelTarget::RGB))),
+                 std::bad_alloc);
 }
 
 TEST(ZoomBlur, PointItselfAndLengthZeroStay) {

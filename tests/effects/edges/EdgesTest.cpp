@@ -34,7 +34,7 @@ auto glow(int32_t size, int32_t smoothness, float brightness) {
 /// Pictures with the gentle slopes and flats that random bytes do not have.
 Picture soft(int32_t width, int32_t height, int32_t seed) {
     Picture picture = Picture::random(width, height, seed);
-    TentBlur(1).blurRGBA(picture.pixels().data(), height, width, 4);
+    EXPECT_EQ(TentBlur(EngineOf(1)).blurRGBA(picture.pixels().data(), height, width, 4), kStatusOk);
     return picture;
 }
 

@@ -232,8 +232,8 @@ TEST(Vignette, TakesAnyArgumentsWithoutHarm) {
                     .shape = shape, .scaleX = scale, .scaleY = scale, .offsetX = offset, .offsetY = offset};
                 EXPECT_EQ(picture.after(shade(arguments)), referenceVignette(picture, arguments));
             }
-    EXPECT_THROW(Picture(picture).apply(shade({.blur = INT_MAX})), std::bad_alloc);
-    EXPECT_THROW(Picture(picture).apply(shade({.blur = 20000})), std::bad_alloc);
+    EXPECT_THROW(static_cast<void>(Picture(picture).apply(shade({.blur = INT_MAX}))), std::bad_alloc);
+    EXPECT_THROW(static_cast<void>(Picture(picture).apply(shade({.blur = 20000}))), std::bad_alloc);
 }
 
 TEST(Stylise, DoesNotDependOnBandsButForTiles) {

@@ -9,9 +9,9 @@ namespace krl::test {
 namespace {
 
 Picture boxed(Picture picture, int32_t halfWidth, int32_t threads) {
-    EXPECT_EQ(
-        boxChromaColumns(picture.pixels().data(), picture.height(), picture.width(), halfWidth, threads),
-        kStatusOk);
+    EXPECT_EQ(boxChromaColumns(EngineOf(threads), picture.pixels().data(), picture.height(), picture.width(),
+                               halfWidth),
+              kStatusOk);
     return picture;
 }
 

@@ -15,7 +15,7 @@ namespace krl::test {
 
 namespace {
 
-using Kernel = void (TentBlur::*)(Pixel*, int32_t, int32_t, int32_t);
+using Kernel = Status (TentBlur::*)(Pixel*, int32_t, int32_t, int32_t);
 
 /// A kernel on pixels with the channels it blurs.
 struct PixelKernel {
@@ -31,8 +31,10 @@ constexpr PixelKernel kKernels[] = {
 };
 
 Picture blurred(Picture picture, const PixelKernel& kernel, int32_t radius, int32_t threadCount = 1) {
-    TentBlur blur(threadCount);
-    (blur.*kernel.run)(picture.pixels().data(), picture.height(), picture.width(), radius);
+    const EngineOf engine(threadCount);
+    TentBlur blur(engine);
+    EXPECT_EQ((blur.*kernel.run)(picture.pixels().data(), picture.height(), picture.width(), radius),
+              kStatusOk);
     return picture;
 }
 
@@ -40,19 +42,6 @@ Picture expected(Picture picture, const PixelKernel& kernel, int32_t radius) {
     picture.pixels() = reference::tentPixels(picture.pixels(), picture.height(), picture.width(), radius,
                                              kernel.first, kernel.last);
     return picture;
-}
-
-std::vector<int32_t> randomPlane(size_t count, int32_t seed, int32_t spread) {
-    Random random(seed);
-    std::vector<int32_t> plane(count);
-    for (int32_t& value : plane) value = (random.next() - 16384) * spread;
-    return plane;
-}
-
-std::vector<int32_t> expectedPlane(const std::vector<int32_t>& plane, int32_t height, int32_t width,
-                                   int32_t radius) {
-    const auto wide = reference::tentPlane({plane.begin(), plane.end()}, height, width, radius);
-    return {wide.begin(), wide.end()};
 }
 
 }  // namespace
@@ -96,13 +85,13 @@ TEST(TentWindow, DividesExactlyForEverySumOfEveryWindow) {
 
 TEST(TentBlur, WeighsThreeSamplesOneTwoOneAtRadiusOne) {
     Picture picture(3, {{0, 0, 0, 0}, {100, 40, 7, 255}, {0, 0, 0, 0}});
-    TentBlur(1).blurRGBA(picture.pixels().data(), 1, 3, 1);
+    EXPECT_EQ(TentBlur(EngineOf(1)).blurRGBA(picture.pixels().data(), 1, 3, 1), kStatusOk);
     EXPECT_EQ(picture, Picture(3, {{25, 10, 1, 63}, {50, 20, 3, 127}, {25, 10, 1, 63}}));
 }
 
 TEST(TentBlur, RepeatsTheEdgeSample) {
     Picture picture = Picture::grey({{200, 0}});
-    TentBlur(1).blurRGB(picture.pixels().data(), 1, 2, 1);
+    EXPECT_EQ(TentBlur(EngineOf(1)).blurRGB(picture.pixels().data(), 1, 2, 1), kStatusOk);
     EXPECT_EQ(picture, Picture::grey({{150, 50}}));
 }
 
@@ -127,9 +116,16 @@ TEST(TentBlur, EqualsTheWeightedSumWhereWindowsOutgrowTheirSums) {
                 << kernel.name << radius;
 }
 
+// A tile is 512 pixels or 2048 bytes wide.
+TEST(TentBlur, EqualsTheWeightedSumInEveryTileOfColumns) {
+    const Picture source = Picture::random(4200, 5, 3);
+    for (const PixelKernel& kernel : kKernels)
+        EXPECT_EQ(blurred(source, kernel, 3), expected(source, kernel, 3)) << kernel.name;
+}
+
 TEST(TentBlur, WeighsBothEndsAlikeAtAnEndlessRadius) {
     Picture picture = Picture::grey({{10, 255, 255, 255, 31}});
-    TentBlur(1).blurRGBA(picture.pixels().data(), 1, 5, INT32_MAX);
+    EXPECT_EQ(TentBlur(EngineOf(1)).blurRGBA(picture.pixels().data(), 1, 5, INT32_MAX), kStatusOk);
     for (const Pixel& p : picture.pixels()) EXPECT_EQ(p.blue, 20);
 }
 
@@ -140,10 +136,6 @@ TEST(TentBlur, ReturnsAFlatBlockUnchanged) {
         for (int32_t radius : {1, 2, 7, 50, 1000, 6000, 2000000000})
             for (const PixelKernel& kernel : kKernels)
                 EXPECT_EQ(blurred(flat, kernel, radius), flat) << kernel.name;
-        std::vector<int32_t> plane(37 * 11, level - 128);
-        const std::vector<int32_t> before = plane;
-        TentBlur(1).blurPlane(plane.data(), 11, 37, 20);
-        EXPECT_EQ(plane, before);
     }
 }
 
@@ -161,7 +153,7 @@ TEST(TentBlur, BlursAnyChannelAlone) {
     const Picture source = Picture::random(19, 14);
     for (int32_t channel = 0; channel < 4; ++channel) {
         Picture picture = source;
-        TentBlur(2).blurChannel(picture.pixels().data(), 14, 19, 6, channel);
+        EXPECT_EQ(TentBlur(EngineOf(2)).blurChannel(picture.pixels().data(), 14, 19, 6, channel), kStatusOk);
         EXPECT_EQ(picture.pixels(),
                   reference::tentPixels(source.pixels(), 14, 19, 6, size_t(channel), size_t(channel)));
     }
@@ -171,48 +163,39 @@ TEST(TentBlur, BlursAPlaneOfBytesAsItBlursAChannel) {
     Picture picture = Picture::random(40, 23);
     std::vector<uint8_t> plane;
     for (const Pixel& p : picture.pixels()) plane.push_back(p.alpha);
-    TentBlur blur(3);
-    blur.blurBytes(plane.data(), 23, 40, 11);
-    blur.blurAlpha(picture.pixels().data(), 23, 40, 11);
+    const EngineOf engine(3);
+    TentBlur blur(engine);
+    EXPECT_EQ(blur.blurBytes(plane.data(), 23, 40, 11), kStatusOk);
+    EXPECT_EQ(blur.blurAlpha(picture.pixels().data(), 23, 40, 11), kStatusOk);
     for (size_t i = 0; i < plane.size(); ++i) ASSERT_EQ(plane[i], picture.pixels()[i].alpha);
-}
-
-TEST(TentBlur, BlursPlanesOfAnyIntegersTowardZero) {
-    std::vector<int32_t> small{-3, 0, 0, -3};
-    TentBlur(1).blurPlane(small.data(), 1, 4, 1);
-    EXPECT_EQ(small, (std::vector<int32_t>{-2, 0, 0, -2}));
-    constexpr int32_t shapes[][2] = {{1, 1}, {1, 7}, {9, 1}, {33, 21}};
-    for (const auto& [width, height] : shapes) {
-        for (int32_t radius : {0, 1, 5, 30, 700}) {
-            for (int32_t spread : {1, 65537}) {
-                std::vector<int32_t> plane = randomPlane(size_t(width) * size_t(height), radius + 1, spread);
-                const auto wanted = expectedPlane(plane, height, width, radius);
-                TentBlur(1).blurPlane(plane.data(), height, width, radius);
-                EXPECT_EQ(plane, wanted) << width << 'x' << height << " radius " << radius;
-            }
-        }
-    }
-}
-
-TEST(TentBlur, StaysOnOneThreadAfterAPlane) {
-    TentBlur blur(4);
-    int32_t value = 7;
-    blur.blurPlane(&value, 1, 1, 0);
-    EXPECT_EQ(blur.threadCount(), 1);
 }
 
 TEST(TentBlur, LeavesEmptyBlocksAlone) {
     Pixel pixel{1, 2, 3, 4};
-    TentBlur(2).blurRGBA(&pixel, 0, 5, 3);
-    TentBlur(2).blurRGBA(&pixel, 5, 0, 3);
+    EXPECT_EQ(TentBlur(EngineOf(2)).blurRGBA(&pixel, 0, 5, 3), kStatusOk);
+    EXPECT_EQ(TentBlur(EngineOf(2)).blurRGBA(&pixel, 5, 0, 3), kStatusOk);
     EXPECT_EQ(pixel, (Pixel{1, 2, 3, 4}));
+}
+
+TEST(TentBlur, RequiresThreadsAsItsEngineDoesUnlessItIsToldOtherwise) {
+    const Picture source = Picture::random(40, 20);
+    EngineOf engine(3);
+    engine.requireThreads(true);
+    faults().threads = 0;
+    Picture picture = source;
+    EXPECT_EQ(TentBlur(engine).blurRGBA(picture.pixels().data(), 20, 40, 4), kStatusThreadFailed);
+    EXPECT_EQ(picture, source);
+    EXPECT_EQ(TentBlur(engine, false).blurRGBA(picture.pixels().data(), 20, 40, 4), kStatusOk);
+    faults().threads = -1;
+    EXPECT_EQ(picture, expected(source, kKernels[0], 4));
 }
 
 TEST(TentBlur, TakesItsScratchBeforeItWrites) {
     Picture picture = Picture::random(8, 8);
     const Picture before = picture;
     faults().scratchBlocks = 0;
-    EXPECT_THROW(TentBlur(1).blurRGBA(picture.pixels().data(), 8, 8, 3), std::bad_alloc);
+    EXPECT_THROW(static_cast<void>(TentBlur(EngineOf(1)).blurRGBA(picture.pixels().data(), 8, 8, 3)),
+                 std::bad_alloc);
     faults().scratchBlocks = -1;
     EXPECT_EQ(picture, before);
 }
