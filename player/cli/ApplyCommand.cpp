@@ -13,6 +13,7 @@
 #include "player/cli/MethodFacts.h"
 #include "player/cli/ProgressBar.h"
 #include "player/cli/SideBySide.h"
+#include "player/cli/TimeLimit.h"
 #include "player/pictures/Picture.h"
 
 namespace krl::player {
@@ -178,6 +179,7 @@ int printScript(const std::vector<fs::path>& inputs, const std::vector<ChainCall
 }  // namespace
 
 int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
+    const TimeLimit limit(options.timeout, terminal.live);
     std::vector<fs::path> inputs;
     std::vector<ChainCall> chain;
     splitWords(options.words, inputs, chain);

@@ -122,6 +122,13 @@ private:
         });
     }
 
+    static void addTimeout(CLI::App& app, double& timeout) {
+        app.add_option("--timeout", timeout,
+                       "Stop after SECONDS, with exit code 124; finished pictures stay, no other is written")
+            ->type_name("SECONDS")
+            ->check(CLI::Range(0.001, 1e6).description(""));
+    }
+
     void addRun() {
         CLI::App& app =
             command("run", "Run a Lingo script, starting at its handler main or its first handler",
@@ -132,6 +139,7 @@ private:
         path(app, "--cast", run_.session.castFolder, "DIR", "Also look for members in DIR");
         path(app, "-o,--output", run_.session.outputFolder, "DIR",
              "Save pictures with relative names to DIR");
+        addTimeout(app, run_.timeout);
         addSession(app, run_.session);
     }
 
@@ -151,6 +159,7 @@ private:
             ->type_name("N")
             ->check(CLI::Range(1, 100).description(""));
         addJobs(app, apply_.jobs);
+        addTimeout(app, apply_.timeout);
         app.add_flag("--json", apply_.json, "Print results as JSON");
         choice(app, "--print", print_, "lingo", "Print the calls as a Lingo script instead of running them");
         addSession(app, apply_.session);

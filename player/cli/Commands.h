@@ -36,6 +36,8 @@ public:
 struct RunOptions {
     std::filesystem::path script;
     std::vector<std::string> arguments;
+    /// Seconds after which the program ends; 0 for no limit.
+    double timeout = 0;
     SessionOptions session;
 };
 /// Runs a script.
@@ -53,6 +55,8 @@ struct ApplyOptions {
     bool json = false;
     /// Prints the chain as a script instead of running it.
     bool printLingo = false;
+    /// Seconds after which the program ends; 0 for no limit.
+    double timeout = 0;
     SessionOptions session;
 };
 /// Runs a chain of calls on pictures.

@@ -1,9 +1,11 @@
 #include "player/cli/Commands.h"
 #include "player/cli/TextFile.h"
+#include "player/cli/TimeLimit.h"
 
 namespace krl::player {
 
 int runScript(const RunOptions& options, const Terminal& terminal) {
+    const TimeLimit limit(options.timeout, terminal.live);
     SessionOptions settings = options.session;
     settings.output = &terminal.out;
     settings.alerts = &terminal.err;
