@@ -16,6 +16,7 @@ Interpreter::Flow Interpreter::execute(const Block& block) {
 Interpreter::Flow Interpreter::execute(const Statement& statement) {
     const DepthGuard guard(*this);
     place_ = statement.place;
+    countStep();
     switch (statement.kind) {
         case StatementKind::Evaluate:
             evaluate(*static_cast<const ExpressionStatement&>(statement).expression);
@@ -75,7 +76,13 @@ Interpreter::Flow Interpreter::executeCase(const CaseStatement& statement) {
     return execute(statement.otherwise);
 }
 
+void Interpreter::countStep() {
+    if (++steps_ > options_.stepLimit)
+        throw HostError("the script takes more than " + std::to_string(options_.stepLimit) + " steps");
+}
+
 bool Interpreter::goOn(const RepeatStatement& statement, Flow& flow) {
+    countStep();
     flow = execute(statement.body);
     if (flow == Flow::Return) return false;
     const bool ended = flow == Flow::ExitRepeat;

@@ -66,6 +66,8 @@ private:
     Flow repeatWhile(const RepeatStatement& statement);
     Flow repeatWith(const RepeatStatement& statement);
     Flow repeatIn(const RepeatStatement& statement);
+    /// Throws when the script has taken more steps than it may.
+    void countStep();
     /// Runs the body once; false when the loop ends with `flow`.
     bool goOn(const RepeatStatement& statement, Flow& flow);
     void put(const PutStatement& statement);
@@ -134,6 +136,7 @@ private:
     Place place_;
     int handlers_ = 0;
     int depth_ = 0;
+    uint64_t steps_ = 0;
     uintptr_t stackBase_ = 0;  ///< stack address at the first level
 };
 

@@ -32,6 +32,8 @@ struct SessionOptions {
     uint64_t memoryLimit = uint64_t(4) << 30;
     /// Limit of nested handler calls.
     int recursionLimit = 400;
+    /// Limit of the statements and turns of loops that are carried out.
+    uint64_t stepLimit = UINT64_MAX;
     std::ostream* output = nullptr;  ///< for `put`; standard output when null
     std::ostream* alerts = nullptr;  ///< for `alert`; standard error when null
 };

@@ -200,6 +200,8 @@ TEST_F(Sheet, ShowsEveryEffectWithItsPicture) {
     EXPECT_EQ(countOf(page, "Failed "), 0u);
     EXPECT_EQ(readPicture(at("sheet/invert.webp")).width, 48);
     EXPECT_TRUE(std::filesystem::exists(at("sheet/thumbnails/invert.webp")));
+    EXPECT_TELLS(page, "data-picture=\"invert.webp\"");
+    EXPECT_TELLS(page, "src=\"thumbnails/invert.webp\"");
 }
 
 }  // namespace
