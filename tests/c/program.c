@@ -188,6 +188,15 @@ static void use_catalogue(void) {
     CHECK(krl_find_method("RGBtoHSV")->flags == KRL_WORKS_WITHOUT_ENGINE);
 }
 
+static void use_cancelling(krl_engine* engine) {
+    uint8_t pixels[WIDTH * HEIGHT * 4];
+    krl_picture picture = picture_over(pixels, KRL_RGBA);
+    krl_engine_cancel(engine);
+    CHECK(krl_apply(engine, &picture, "invert", NULL) == KRL_CANCELLED);
+    krl_engine_resume(engine);
+    CHECK(krl_apply(engine, &picture, "invert", NULL) == KRL_OK);
+}
+
 int main(void) {
     krl_engine* engine = krl_engine_new(0);
     CHECK(engine != NULL);
@@ -198,6 +207,7 @@ int main(void) {
     use_pictures(engine);
     use_catalogue();
     CHECK(krl_engine_keep_memory(engine, 0) == KRL_OK);
+    use_cancelling(engine);
     krl_engine_free(engine);
     return failures != 0;
 }
