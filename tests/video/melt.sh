@@ -22,7 +22,7 @@ done
 threads=1
 melt_renders() {
     melt -silent -profile "$scratch/profile" "$@" -consumer "avformat:$scratch/made.nut" real_time=-$threads \
-        mlt_image_format=rgba vcodec=rawvideo pix_fmt=rgba an=1 </dev/null
+        mlt_image_format=rgba vcodec=rawvideo pix_fmt=rgba an=1
     ffmpeg -v error -y -i "$scratch/made.nut" -f rawvideo -pix_fmt bgra "$scratch/made"
 }
 
