@@ -1,6 +1,7 @@
 #include "player/host/EmbeddedHost.h"
 #include "player/host/HostError.h"
 #include "player/host/Objects.h"
+#include "player/host/ShallowImage.h"
 
 /// The plug-in's image operations: query, lock and unlock, create.
 namespace krl::player {
@@ -27,22 +28,34 @@ HostStatus KRL_HOST_CALL createImage(HostInterface* self, int32_t width, int32_t
     });
 }
 
+/// Where the image's pixels can be read and written until it is unlocked.
+uint8_t* pixelsOf(ImageObject& image) {
+    if (image.depth == 32) return reinterpret_cast<uint8_t*>(image.bitmap.row(0));
+    if (image.locks == 0) image.shallowRows = shallowRows(image.bitmap, image.depth);
+    return image.shallowRows.data();
+}
+
 /// The lock keeps the image alive: the plug-in holds its address and no reference.
 HostStatus KRL_HOST_CALL lockImage(HostInterface* self, const ScriptValue* value, ImageLock* lock) {
-    ImageObject* image = nullptr;
-    if (HostStatus status = imageOf(self, value, image)) return status;
-    hostOf(self).heap.retain(*value);
-    ++image->locks;
-    hostOf(self).countLock(1);
-    *lock = {reinterpret_cast<uint8_t*>(image->bitmap.row(0)), image};
-    return kHostOk;
+    return guarded([&]() -> HostStatus {
+        ImageObject* image = nullptr;
+        if (HostStatus status = imageOf(self, value, image)) return status;
+        *lock = {pixelsOf(*image), image};
+        hostOf(self).heap.retain(*value);
+        ++image->locks;
+        hostOf(self).countLock(1);
+        return kHostOk;
+    });
 }
 
 HostStatus KRL_HOST_CALL unlockImage(HostInterface* self, const ScriptValue* value) {
     ImageObject* image = nullptr;
     if (HostStatus status = imageOf(self, value, image)) return status;
     if (image->locks == 0) return kNotLocked;
-    --image->locks;
+    if (--image->locks == 0 && image->depth != 32) {
+        takeShallowRows(image->shallowRows, image->depth, image->bitmap);
+        image->shallowRows = {};
+    }
     hostOf(self).countLock(-1);
     hostOf(self).heap.release(*value);
     return kHostOk;
@@ -51,7 +64,7 @@ HostStatus KRL_HOST_CALL unlockImage(HostInterface* self, const ScriptValue* val
 HostStatus KRL_HOST_CALL queryImage(HostInterface* self, const ScriptValue* value, ImageInfo* info) {
     ImageObject* image = nullptr;
     if (HostStatus status = imageOf(self, value, image)) return status;
-    *info = {image->width(), image->height(), image->width() * kBytesPerPixel, image->depth, 0, 0};
+    *info = {image->width(), image->height(), rowBytesOf(image->width(), image->depth), image->depth, 0, 0};
     return kHostOk;
 }
 

@@ -76,9 +76,10 @@ struct ImageObject : Object {
     bool holds(int64_t x, int64_t y) const { return x >= 0 && y >= 0 && x < width() && y < height(); }
 
     Bitmap bitmap;
-    int32_t depth;  ///< 32, or 8 for a mask, whose pixels have three equal colour bytes
+    int32_t depth;  ///< 8 (the three colour bytes are equal), 16, 24 or 32; only 32 has alpha
     bool useAlpha = true;
     int32_t locks = 0;
+    std::vector<uint8_t> shallowRows{};  ///< what a lock of fewer than 32 bits shows
 };
 
 /// A white, opaque image. Throws `HostError` for a side below 1, more than 2 GiB or too little memory.

@@ -22,8 +22,8 @@ Value imageFromFile(Runtime& runtime, const std::string& name) {
 Value image(Runtime& runtime, const Arguments& arguments) {
     if (arguments.count() == 1) return imageFromFile(runtime, arguments.text(0));
     const int32_t depth = arguments.has(2) ? arguments.integer(2) : 32;
-    if (depth != 32 && depth != 8)
-        throw HostError("image: expected a depth of 32, or 8 for a mask, not " + std::to_string(depth));
+    if (depth != 8 && depth != 16 && depth != 24 && depth != 32)
+        throw HostError("image: expected a depth of 8, 16, 24 or 32, not " + std::to_string(depth));
     return makeImage(runtime.heap, arguments.integer(0), arguments.integer(1), depth);
 }
 
@@ -80,7 +80,7 @@ Value setPixel(Runtime&, const Arguments& arguments) {
     } else if (arguments[next].isInteger()) {
         const auto word = static_cast<uint32_t>(arguments.integer(next));
         const auto byte = [word](int shift) { return static_cast<uint8_t>(word >> shift); };
-        *pixel = {byte(0), byte(8), byte(16), byte(24)};
+        *pixel = {byte(0), byte(8), byte(16), picture.depth == 32 ? byte(24) : uint8_t{kOpaque}};
     } else {
         const Colour colour = arguments.colour(next);
         *pixel = {colour.blue(), colour.green(), colour.red(), pixel->alpha};
@@ -181,10 +181,12 @@ Value extractAlpha(Runtime& runtime, const Arguments& arguments) {
     return made;
 }
 
-/// Sets alpha from a mask of the same size or to one level; false if the mask has another size.
+/// Sets alpha from a mask of the same size or to one level; false if the mask has another size or the image
+/// no alpha.
 Value setAlpha(Runtime&, const Arguments& arguments) {
     auto& picture = arguments.object<ImageObject>(0);
     std::vector<Pixel>& pixels = picture.bitmap.pixels;
+    if (picture.depth != 32) return Value::truth(false);
     if (arguments[1].isNumber()) {
         const uint8_t level = clampByte(arguments.integer(1));
         for (Pixel& pixel : pixels) pixel.alpha = level;

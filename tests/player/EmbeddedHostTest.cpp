@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "host/HostInterfaces.h"
 #include "player/host/EmbeddedHost.h"
 #include "player/host/HostError.h"
@@ -216,6 +218,39 @@ TEST_F(EmbeddedHostTest, UnlockingAnUnlockedImageReleasesNoReference) {
     const Value image = makeImage(embedded.heap, 1, 1);
     EXPECT_NE(images::UnlockImage::call(imageService, &image.words()), kHostOk);
     EXPECT_EQ(embedded.heap.living(), 1);
+}
+
+TEST_F(EmbeddedHostTest, ImagesOfFewerBitsAreLockedAsTheirOwnRows) {
+    HostInterface* imageService = service(ids::kImages);
+    const struct {
+        int32_t depth, rowBytes;
+        std::vector<uint8_t> secondRow, written;
+        Pixel after;
+    } cases[] = {
+        {8, 4, {255, 32, 255}, {255, 7, 255}, {7, 7, 7, 255}},
+        {16, 8, {255, 127, 4, 41, 255, 127}, {255, 127, 31, 0, 255, 127}, {255, 0, 0, 255}},
+        {24, 12, {255, 255, 255, 32, 64, 80, 255, 255, 255}, {255, 255, 255, 1, 2, 3}, {1, 2, 3, 255}},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.depth);
+        const Value image = makeImage(embedded.heap, 3, 2, each.depth);
+        Bitmap& bitmap = image.as<ImageObject>()->bitmap;
+        bitmap.row(1)[1] = {32, 64, 80, 255};
+        bitmap.row(0)[2] = {33, 65, 81, 255};
+        ImageInfo info;
+        EXPECT_EQ(images::QueryImage::call(imageService, &image.words(), &info), kHostOk);
+        EXPECT_EQ(info.rowBytes, each.rowBytes);
+        ImageLock lock;
+        ASSERT_EQ(images::LockImage::call(imageService, &image.words(), &lock), kHostOk);
+        uint8_t* row = lock.pixels + info.rowBytes;
+        EXPECT_EQ(std::vector(row, row + each.secondRow.size()), each.secondRow);
+        ASSERT_EQ(images::LockImage::call(imageService, &image.words(), &lock), kHostOk);
+        std::copy(each.written.begin(), each.written.end(), lock.pixels + info.rowBytes);
+        EXPECT_EQ(images::UnlockImage::call(imageService, &image.words()), kHostOk);
+        EXPECT_EQ(images::UnlockImage::call(imageService, &image.words()), kHostOk);
+        EXPECT_EQ(bitmap.row(1)[1], each.after);
+        EXPECT_EQ(bitmap.row(0)[2], (Pixel{33, 65, 81, 255})) << "only what was written changes";
+    }
 }
 
 TEST_F(EmbeddedHostTest, ImagesOfInvalidSizeAreRefused) {
