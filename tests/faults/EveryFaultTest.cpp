@@ -80,7 +80,7 @@ void expectSound(Stand& stand, const Seen& seen, const Seen& faultless) {
 }
 
 /// Calls the method with fault 1, 2, 3, ... until one does not strike.
-/// `arm` makes fault k ready; `strike` disarms it and tells whether it struck.
+/// `arm` makes fault k ready; `disarm` ends it and returns whether it struck.
 void sweep(Stand& stand, Tally& tally, const std::function<void(int64_t)>& arm,
            const std::function<bool()>& disarm, const std::function<void(const Seen&)>& expectStated) {
     stand.prepare();
@@ -128,11 +128,15 @@ TEST(EveryMethod, OutlivesTheEndOfAllMemory) {
 }
 
 /// Sweeps over one of the supplies of `Faults`.
-void sweepSupply(Tally& tally, int32_t Faults::*supply) {
+void sweepSupply(Tally& tally, int32_t Faults::*supply, bool lasting = false) {
     for (const Method* method : host::methods()) {
         Stand stand(*method, 3);
         sweep(
-            stand, tally, [&](int64_t number) { faults().*supply = static_cast<int32_t>(number - 1); },
+            stand, tally,
+            [&](int64_t number) {
+                faults().*supply = static_cast<int32_t>(number - 1);
+                faults().lasting = lasting;
+            },
             [&] {
                 const bool struck = faults().*supply < 0;
                 faults() = Faults{};
@@ -147,9 +151,19 @@ TEST(EveryMethod, OutlivesAThreadThatCannotStart) {
     sweepSupply(tally, &Faults::threads);
 }
 
+TEST(EveryMethod, OutlivesTheEndOfAllThreads) {
+    static Tally tally("no further thread can start");
+    sweepSupply(tally, &Faults::threads, true);
+}
+
 TEST(EveryMethod, OutlivesATaskThatCannotBeMade) {
     static Tally tally("a task cannot be made");
     sweepSupply(tally, &Faults::tasks);
+}
+
+TEST(EveryMethod, OutlivesTheEndOfAllTasks) {
+    static Tally tally("no further task can be made");
+    sweepSupply(tally, &Faults::tasks, true);
 }
 
 TEST(EveryMethod, OutlivesABlockOfScratchThatCannotBeMade) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdio>
 
 namespace krl::test {
@@ -27,14 +28,29 @@ void Tally::count(const Seen& seen, const Seen& faultless) {
         ++partly_;
 }
 
+namespace {
+
+using Counts = std::array<int64_t, 5>;
+
+void printRow(const char* what, const Counts& counts) {
+    std::printf("| %-47s |", what);
+    for (const int64_t count : counts) std::printf(" %10lld |", static_cast<long long>(count));
+    std::printf("\n");
+}
+
+}  // namespace
+
+/// As a table for docs/reliability.md.
 void printTallies() {
-    std::printf("%-44s %8s %10s %10s %10s %12s\n", "one fault at a time", "calls", "unaffected", "reported",
-                "untouched", "part written");
-    for (const Tally* row = Tally::first_; row; row = row->next_)
-        std::printf("%-44s %8lld %10lld %10lld %10lld %12lld\n", row->what_,
-                    static_cast<long long>(row->calls_), static_cast<long long>(row->unaffected_),
-                    static_cast<long long>(row->reported_), static_cast<long long>(row->untouched_),
-                    static_cast<long long>(row->partly_));
+    std::printf("\n| %-47s | %10s | %10s | %10s | %10s | %10s |\n|---|---|---|---|---|---|\n", "fault",
+                "calls", "unaffected", "reported", "untouched", "in part");
+    Counts sums{};
+    for (const Tally* row = Tally::first_; row; row = row->next_) {
+        const Counts counts = {row->calls_, row->unaffected_, row->reported_, row->untouched_, row->partly_};
+        printRow(row->what_, counts);
+        for (size_t i = 0; i < sums.size(); ++i) sums[i] += counts[i];
+    }
+    printRow("all", sums);
 }
 
 namespace {
