@@ -39,3 +39,25 @@ function(krl_tree_sources variable)
   endforeach()
   set(${variable} ${found} PARENT_SCOPE)
 endfunction()
+
+# Of the given sources, those that depend on the vector level (src/core/VectorLevels.h).
+function(krl_levelled_sources variable)
+  set(found "")
+  foreach(source IN LISTS ARGN)
+    file(STRINGS ${source} marks REGEX "KRL_(VECTOR_LEVELS|STREAM_LEVELS|ONLY_)" LIMIT_COUNT 1)
+    if(marks)
+      list(APPEND found ${source})
+    endif()
+  endforeach()
+  set(${variable} ${found} PARENT_SCOPE)
+endfunction()
+
+# Adds a program with the engine at one vector level, PLAIN or AVX2, whatever the loader would select: the files
+# that have levels are compiled for that one, and replace those of the library.
+function(krl_add_level_program name level)
+  get_target_property(sources krlengine SOURCES)
+  list(FILTER sources EXCLUDE REGEX "TARGET_OBJECTS")
+  krl_levelled_sources(levelled ${sources})
+  add_executable(${name} ${ARGN} ${levelled})
+  target_compile_definitions(${name} PRIVATE KRL_ONLY_${level})
+endfunction()

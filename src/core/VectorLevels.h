@@ -4,8 +4,8 @@
 ///
 /// `KRL_VECTOR_LEVELS` marks a function whose loops gain from wide vectors: it is also compiled
 /// for AVX2 and for AVX-512, and the loader selects the best version for the processor. All give the same
-/// bytes. Where the loader cannot select, or would do so before a sanitizer is initialised, only the plain
-/// version exists.
+/// bytes. The Windows plug-in selects AVX2 or the plain version itself (cmake/join-levels); where a loader
+/// cannot, or would before a sanitizer is initialised, only the plain version exists.
 ///
 /// `KRL_STREAM_LEVELS` marks memory-bound loops: they stop at AVX2, since 64-byte accesses across cache
 /// lines take twice the time.

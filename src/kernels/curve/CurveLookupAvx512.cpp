@@ -1,6 +1,6 @@
 #include "kernels/curve/CurveLookup.h"
 
-#if defined(__x86_64__) && defined(__GNUC__)
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(KRL_ONLY_PLAIN) && !defined(KRL_ONLY_AVX2)
 #define KRL_BYTE_PERMUTES 1
 #include <immintrin.h>
 #endif
