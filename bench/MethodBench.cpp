@@ -1,16 +1,12 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <cstring>
-#include <map>
-#include <thread>
+#include <memory>
+#include <string>
+#include <utility>
 
-#include "Scene.h"
-#include "catalogue/ExampleCall.h"
+#include "Stage.h"
 #include "host/MethodRegistry.h"
-#include "player/host/Xtra.h"
-#include "player/lingo/Interpreter.h"
 
 /// Times every method of the registry with its example arguments, called through the embedded host.
 /// Reports for the best run of each:
@@ -25,71 +21,6 @@ using player::Value;
 
 constexpr int kRuns = 4;
 
-struct Size {
-    int32_t width, height;
-};
-
-/// The plug-in in a host with the landscape loaded.
-class Stage {
-public:
-    Stage(Size size, bool oneBand)
-        : xtra_(host_, player::builtInPlugIn()),
-          interpreter_(host_, xtra_, options_),
-          clean_(landscape(size.width, size.height)),
-          picture_(host_.heap.make<player::ImageObject>(clean_)),
-          instance_(xtra_.newInstance()) {
-        send("krlImageCreateLookupTables", Value::symbol(host_.symbols.symbol(oneBand ? "st" : "mt")));
-        send("krlImageLoad", picture_);
-        beside_.keepScratch(false);  // as in a plug-in
-        beside_.load(bytes(), infoOf(clean_));
-        beside_.setThreadCount(oneBand ? 1 : int32_t(std::thread::hardware_concurrency()));
-    }
-    ~Stage() {
-        send("krlImageQuit", Value());
-        picture_ = instance_ = Value();
-        interpreter_.close();
-    }
-    Stage(const Stage&) = delete;
-    Stage& operator=(const Stage&) = delete;
-
-    std::vector<Value> examples(const Method& method) {
-        const ExampleSetting setting{clean_.width, clean_.height, {}};
-        std::vector<Value> values;
-        for (const Argument& argument : method.arguments())
-            values.push_back(argument.kind == ArgumentKind::SecondImage
-                                 ? host_.heap.make<player::ImageObject>(clean_)
-                                 : interpreter_.evaluateText("example", exampleText(argument, setting)));
-        return values;
-    }
-
-    /// Milliseconds of a call on the original picture.
-    double timed(const Method& method, const std::vector<Value>& arguments) {
-        std::memcpy(bytes(), clean_.pixels.data(), size_t(pixelCount()) * sizeof(Pixel));
-        return milliseconds(bands(), [&] { xtra_.call(instance_, host::selectorOf(method), arguments); });
-    }
-    double timedPass() {
-        return milliseconds(bands(), [&] { mustRun(readAndWrite(beside_)); });
-    }
-    int64_t pixelCount() const { return int64_t(clean_.width) * clean_.height; }
-
-private:
-    void send(const char* name, const Value& argument) {
-        xtra_.call(instance_, xtra_.selector(host_.symbols.identifier(name)), {&argument, 1});
-    }
-    int32_t bands() const { return beside_.getThreadCount(); }
-    uint8_t* bytes() {
-        return reinterpret_cast<uint8_t*>(picture_.as<player::ImageObject>()->bitmap.pixels.data());
-    }
-
-    player::SessionOptions options_;
-    player::EmbeddedHost host_{uint64_t{4} << 30};
-    player::Xtra xtra_;
-    player::Interpreter interpreter_;
-    player::Bitmap clean_;
-    Value picture_, instance_;
-    ImageEngine beside_;  ///< works on the same pixels, to time a pass
-};
-
 /// Only one stage exists at a time; benchmarks are registered in an order that rarely changes it.
 Stage& stageFor(Size size, bool oneBand) {
     static std::unique_ptr<Stage> stage;
@@ -97,7 +28,7 @@ Stage& stageFor(Size size, bool oneBand) {
     const std::pair wanted{size.width, oneBand};
     if (!stage || kind != wanted) {
         stage.reset();
-        stage = std::make_unique<Stage>(size, oneBand);
+        stage = std::make_unique<Stage>(player::builtInPlugIn(), size, oneBand);
         kind = wanted;
     }
     return *stage;
