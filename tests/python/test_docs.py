@@ -37,3 +37,25 @@ def test_every_name_of_the_page_exists(name):
     import krlimage
 
     assert hasattr(krlimage, name)
+
+
+def flare_keys():
+    """The keys of each element of a flare, as the page has them."""
+    table = re.search(r"^\| Element \| Keys \|\n.*?\n((?:\|.*\n)+)", PAGE.read_text(), re.M)[1]
+    shared = ["origin", "brightness", "transparency", "colourList", "blendMethod"]
+    for row in table.splitlines():
+        elements, keys = (re.findall(r"`(\w+)`", cell) for cell in row.strip("|").split("|"))
+        yield from ((element, shared + keys) for element in elements)
+
+
+@pytest.mark.parametrize("element, keys", flare_keys())
+def test_the_keys_of_a_flare_are_those_that_the_engine_reads(element, keys, picture):
+    import krlimage
+
+    values = {"origin": (30, 20), "handle": (5, 5), "colourList": {0: "#ffe1b4"}, "blendMethod": "screen"}
+    settings = {key: values.get(key, 1) for key in keys}
+    krlimage.lensFlare(picture, [(element, settings)])
+    for key in keys:
+        with pytest.raises(krlimage.KrlError) as caught:
+            krlimage.lensFlare(picture, [(element, {name: settings[name] for name in keys if name != key})])
+        assert caught.value.text.startswith("Invalid "), key

@@ -8,12 +8,14 @@
 Every effect is a function; `effects` lists them. Their results are the same bytes on every machine.
 """
 
-from ._calls import get_threads, set_threads
+from ._batch import BatchResult, batch
+from ._calls import apply, get_threads, set_threads
 from ._catalogue import Argument, Effect, effects
 from ._effects import *
 from ._effects import __all__ as _names
 from ._errors import KrlError
 from ._native import release as _release
+from ._notebook import show_effect
 from ._pictures import rgba
 from ._samples import sample
 
@@ -21,11 +23,15 @@ __version__ = _release()
 __all__ = [
     *_names,
     "Argument",
+    "BatchResult",
     "Effect",
     "KrlError",
+    "apply",
+    "batch",
     "effects",
     "get_threads",
     "rgba",
     "sample",
     "set_threads",
+    "show_effect",
 ]

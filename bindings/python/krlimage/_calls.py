@@ -2,7 +2,9 @@
 
 from __future__ import annotations
 
-from typing import Any, Sequence
+import re
+import threading
+from typing import Any, Literal, Sequence
 
 import numpy as np
 
@@ -11,9 +13,11 @@ from ._catalogue import Effect, effects
 from ._errors import failure, wrong
 from ._native import Value
 from ._pictures import Canvas, Source, as_value, in_form, order_number
+from ._types import Array
 from ._values import CONVERTERS, Mismatch, tree
 
 _threads = 0
+_of_this_thread = threading.local()
 
 
 def set_threads(count: int) -> None:
@@ -41,6 +45,11 @@ def get_threads() -> int:
     return _threads
 
 
+def work_on_one_thread() -> None:
+    """Calls of the current thread run on it alone from now on, as one of many workers."""
+    _of_this_thread.threads = 1
+
+
 class _Plan:
     """What a call of an effect needs to know, worked out once."""
 
@@ -53,7 +62,7 @@ class _Plan:
         self.rewrites = effect.rewrites_picture or effect.inert and not effect.makes_pictures
 
     def bands(self) -> int:
-        return 1 if self.effect.depends_on_bands else _threads
+        return 1 if self.effect.depends_on_bands else getattr(_of_this_thread, "threads", _threads)
 
     def values(self, given: Sequence[Any], order: int) -> list[Value | None]:
         """The arguments for the engine; None is left out."""
@@ -106,6 +115,71 @@ def run(method: str, given: Sequence[Any], out: Any = None, order: str = "RGB") 
     values[changed] = _native.picture(canvas.pixels, canvas.order)
     _call(plan, None, values)
     return canvas.finish(method)
+
+
+def apply(picture: Any, *calls: str, out: Array | None = None, order: Literal["RGB", "BGR"] = "RGB") -> Array:
+    """Runs calls in the notation of the command line, one after another.
+
+    Parameters
+    ----------
+    picture : array_like
+        ``uint8`` of height x width x 4, height x width x 3 or height x width.
+    *calls : str
+        Such as ``"vignette(#blur: 160)"``, by position or by name.
+    out : numpy.ndarray, optional
+        Where the result goes, or the picture itself to rewrite it in place.
+    order : {"RGB", "BGR"}, default "RGB"
+        The order of the channels in all arrays.
+
+    Returns
+    -------
+    numpy.ndarray
+        The rewritten picture; a picture that a call makes takes its place.
+
+    Raises
+    ------
+    KrlError
+        If a call is wrong or fails.
+
+    Examples
+    --------
+    >>> import krlimage
+    >>> krlimage.apply(krlimage.sample(), "colourTemperature(4200.0)", "halfSize").shape
+    (320, 480, 4)
+    """
+    number = order_number(order)
+    canvas = Canvas(picture, out, number, "picture")
+    pixels = canvas.pixels
+    for text in calls:
+        pixels = _applied(text, pixels, canvas.order)
+    if pixels is canvas.pixels:
+        return canvas.finish("apply")
+    made = pixels if canvas.order == number else in_form(pixels, canvas.channels, number, "apply")
+    if out is not None:
+        raise ValueError(f"out: expected no array for the new picture that {', '.join(calls)} makes")
+    return made
+
+
+def _applied(text: str, pixels: Array, order: int) -> Array:
+    """`pixels`, rewritten, or the new picture that the call has made."""
+    name = _method_of(text)
+    plan = _plans.get(name)
+    code, message, error, entries = _native.apply(text, pixels, order, plan.bands() if plan else 1)
+    if code:
+        raise failure(code, message, error, name, plan.names if plan else [])
+    made = entries if isinstance(entries, list) else list(entries.values())
+    return next((value for value in made if isinstance(value, np.ndarray)), pixels)
+
+
+_names = {name.lower(): name for name in effects}
+
+
+def _method_of(text: str) -> str:
+    """The name of the method that a call is of, as the catalogue spells it."""
+    if not isinstance(text, str):
+        raise TypeError(f"calls: expected texts such as 'brightness(40)', got {text!r:.200}")
+    name = re.split(r"[\s(]", text.strip(), maxsplit=1)[0]
+    return _names.get(name.lower(), _names.get(name.lower().removeprefix("krlimage"), name))
 
 
 def _call(plan: _Plan, on: Source | Canvas | None, values: list[Value | None]) -> Any:

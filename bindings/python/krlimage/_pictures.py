@@ -57,10 +57,14 @@ def _check_shape(array: Array, name: str) -> None:
 
 
 def _plain_image(picture: Any) -> Any:
-    """Images of Pillow in a mode that an array holds as it is; others as RGBA."""
-    if hasattr(picture, "mode") and hasattr(picture, "convert"):
-        return picture if picture.mode in ("L", "RGB", "RGBA") else picture.convert("RGBA")
-    return picture
+    """Images of Pillow in a mode that an array holds as it is; others as RGBA, 16-bit ones as grey."""
+    if not (hasattr(picture, "mode") and hasattr(picture, "convert")):
+        return picture
+    if picture.mode in ("L", "RGB", "RGBA"):
+        return picture
+    if picture.mode.startswith("I"):
+        return (np.asarray(picture) >> 8).clip(0, 255).astype(np.uint8)
+    return picture.convert("RGBA")
 
 
 def as_target(out: Any, shape: tuple[int, ...]) -> Array:

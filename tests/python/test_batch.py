@@ -1,0 +1,147 @@
+"""Looks on files: whole results, failures skipped, a summary."""
+
+import os
+import stat
+
+import krlimage
+import numpy as np
+import pytest
+from PIL import Image
+
+
+@pytest.fixture
+def folder(tmp_path, picture):
+    place = tmp_path / "in"
+    place.mkdir()
+    for name in ("b.png", "a.png"):
+        Image.fromarray(picture).save(place / name)
+    (place / ".hidden.png").write_bytes(b"")
+    (place / "notes.txt").write_text("no picture")
+    return place
+
+
+def read(path):
+    with Image.open(path) as image:
+        return np.asarray(image)
+
+
+@pytest.mark.parametrize("look", [
+    "sepia", ["brightness(0)", "sepia"], krlimage.sepia, lambda picture: Image.fromarray(krlimage.sepia(picture)),
+], ids=["call", "calls", "function", "image"])
+def test_a_folder_is_graded(folder, tmp_path, picture, look):
+    result = krlimage.batch(folder, look, tmp_path / "out", jobs=2)
+    assert result.ok and str(result) == "2 of 2 pictures done"
+    assert result.done == {folder / name: tmp_path / "out" / name for name in ("a.png", "b.png")}
+    assert sorted(os.listdir(tmp_path / "out")) == ["a.png", "b.png"]
+    np.testing.assert_array_equal(read(tmp_path / "out/a.png"), krlimage.sepia(picture))
+
+
+def test_failures_are_skipped_and_leave_nothing(folder, tmp_path):
+    (folder / "broken.png").write_bytes(b"no picture at all")
+    (folder / "cut.png").write_bytes((folder / "a.png").read_bytes()[:2000])
+    result = krlimage.batch([folder, tmp_path / "missing.png"], "sepia", tmp_path / "out")
+    assert not result.ok and str(result).startswith("2 of 5 pictures done, 3 failed\n")
+    assert set(result.failed) == {folder / "broken.png", folder / "cut.png", tmp_path / "missing.png"}
+    assert all(result.failed.values())
+    assert sorted(os.listdir(tmp_path / "out")) == ["a.png", "b.png"]
+
+
+def test_a_failed_write_keeps_the_old_file(folder, tmp_path):
+    out = tmp_path / "out"
+    out.mkdir()
+    (out / "a.png").write_bytes(b"old")
+
+    def failing(picture):
+        raise RuntimeError("no more")
+
+    result = krlimage.batch(folder / "a.png", failing, out)
+    assert result.failed == {folder / "a.png": "no more"} and (out / "a.png").read_bytes() == b"old"
+    assert os.listdir(out) == ["a.png"]
+
+
+@pytest.mark.parametrize("look, words", [
+    ("brightnes(4)", "no method is called brightnes"), ("brightness(1.5)", "expected an integer"),
+    (["sepia", "brightness("], "brightness"), ("composite", "foreground"),
+])
+def test_a_wrong_call_is_reported_before_anything(folder, tmp_path, look, words):
+    with pytest.raises(krlimage.KrlError, match=words):
+        krlimage.batch(folder, look, tmp_path / "out")
+    assert not (tmp_path / "out").exists()
+
+
+@pytest.mark.parametrize("files, out, words", [
+    (lambda f: [], "out", "got none"),
+    (lambda f: f, "out.png", "several pictures need a folder"),
+    (lambda f: f, "in/notes.txt", "several pictures need a folder"),
+    (lambda f: [f, f / "a.png"], "out", "would both be written"),
+    (lambda f: f.parent, "out", "no pictures found"),
+])
+def test_where_results_go_must_be_clear(folder, tmp_path, files, out, words):
+    with pytest.raises(ValueError, match=words):
+        krlimage.batch(files(folder), "sepia", tmp_path / out)
+
+
+def test_formats_follow_the_name_or_the_choice(folder, tmp_path, picture):
+    picture[:8, :, 3] = 0
+    Image.fromarray(picture).save(folder / "b.png")
+    krlimage.batch(folder, "sepia", tmp_path / "out", format="jpg", quality=95)
+    assert sorted(os.listdir(tmp_path / "out")) == ["a.jpg", "b.jpg"]
+    made = read(tmp_path / "out/b.jpg")
+    assert made.shape == (48, 64, 3) and made[:7].min() > 230, "transparent on white"
+    krlimage.batch(folder / "a.png", "sepia", tmp_path / "one.webp")
+    with Image.open(tmp_path / "one.webp") as image:
+        assert image.format == "WEBP"
+    with pytest.raises(ValueError, match="format: expected one of"):
+        krlimage.batch(folder, "sepia", tmp_path / "out", format="bmp")
+    assert "must end in" in str(krlimage.batch(folder / "a.png", "sepia", tmp_path / "one.bmp"))
+
+
+def test_metadata_stays_and_orientation_is_applied(tmp_path, picture):
+    image = Image.fromarray(picture[..., :3])
+    exif = image.getexif()
+    exif[0x0112], exif[0x010F] = 6, "a camera"  # turned by a quarter; the maker
+    image.save(tmp_path / "a.jpg", exif=exif, dpi=(300, 300), icc_profile=b"a profile", quality=100)
+    krlimage.batch(tmp_path / "a.jpg", "brightness(0)", tmp_path / "b.jpg")
+    with Image.open(tmp_path / "b.jpg") as made:
+        assert made.size == (48, 64) and made.info["dpi"] == (300, 300) and made.info["icc_profile"] == b"a profile"
+        assert made.getexif().get(0x010F) == "a camera" and 0x0112 not in made.getexif()
+
+
+def test_new_files_have_ordinary_rights(folder, tmp_path):
+    krlimage.batch(folder / "a.png", "sepia", tmp_path / "one.png")
+    ordinary = tmp_path / "ordinary"
+    ordinary.write_text("")
+    assert stat.S_IMODE((tmp_path / "one.png").stat().st_mode) == stat.S_IMODE(ordinary.stat().st_mode)
+
+
+def test_sixteen_bits_become_eight(tmp_path):
+    grey = (np.arange(64 * 48, dtype=np.uint16) * 21).reshape(48, 64)
+    Image.fromarray(grey).save(tmp_path / "a.png")
+    krlimage.batch(tmp_path / "a.png", "brightness(0)", tmp_path / "b.png")
+    np.testing.assert_array_equal(read(tmp_path / "b.png")[..., 0], grey >> 8)
+
+
+def test_a_bar_is_shown_when_asked_for(folder, tmp_path, capfd):
+    pytest.importorskip("tqdm")
+    krlimage.batch(folder, "sepia", tmp_path / "out", progress=True)
+    assert "2/2" in capfd.readouterr().err
+    krlimage.batch(folder, "sepia", tmp_path / "out")
+    assert capfd.readouterr().err == ""
+
+
+def test_apply_runs_calls_as_the_command_line_does(picture):
+    expected = krlimage.vignette(krlimage.colourTemperature(picture, 4200.0), blur=10)
+    calls = "colourTemperature(4200.0)", "krlImageVignette(#blur: 10)"
+    np.testing.assert_array_equal(krlimage.apply(picture, *calls), expected)
+    np.testing.assert_array_equal(krlimage.apply(picture[..., :3], *calls), expected[..., :3])
+    np.testing.assert_array_equal(krlimage.apply(picture), picture)
+    assert krlimage.apply(picture, *calls, out=picture) is picture
+    np.testing.assert_array_equal(picture, expected)
+    np.testing.assert_array_equal(krlimage.apply(picture, "halfSize", "sepia"), krlimage.sepia(krlimage.halfSize(picture)))
+    with pytest.raises(krlimage.KrlError) as caught:
+        krlimage.apply(picture, "BRIGHTNESS(1.5)")
+    assert (caught.value.method, caught.value.argument) == ("brightness", "brightnessInt")
+    with pytest.raises(TypeError, match="calls: expected texts"):
+        krlimage.apply(picture, 7)
+    with pytest.raises(ValueError, match="new picture"):
+        krlimage.apply(picture, "halfSize", out=picture)
