@@ -6,10 +6,9 @@
 #include <thread>
 #include <vector>
 
-#include "core/Faults.h"
 #include "krlimage.h"
 
-/// Calls that are cancelled from another thread, and calls without the threads that they ask for.
+/// Calls that are cancelled from another thread.
 namespace krl::test {
 namespace {
 
@@ -79,10 +78,7 @@ private:
 /// An engine of its own for each test.
 class Cancelling : public testing::Test {
 protected:
-    ~Cancelling() override {
-        krl_engine_free(engine);
-        faults() = Faults{};
-    }
+    ~Cancelling() override { krl_engine_free(engine); }
 
     krl_code call(const krl_method_info& method, Pixels& pixels, const Arguments& arguments) {
         return krl_call(engine, method.flags & KRL_REWRITES_PICTURE ? &pixels.picture : nullptr, method.name,
@@ -167,27 +163,6 @@ TEST_F(Cancelling, EndsEveryMethodSoonAtTheFarEndOfItsNumbers) {
         const auto time =
             timeToEnd(engine, std::chrono::milliseconds(10), [&] { call(method, pixels, arguments); });
         EXPECT_LT(time, kSoon) << method.name;
-    });
-}
-
-TEST_F(Cancelling, IsNotNeededForTheSameBytesWithoutThreads) {
-    krl_engine_free(engine);
-    engine = krl_engine_new(3);
-    forEachMethod([&](const krl_method_info& method) {
-        Pixels expected(40, 30), second(40, 30);
-        const Arguments arguments(method, second);
-        const krl_code code = call(method, expected, arguments);
-        const std::vector<uint8_t> secondAfter = second.bytes;
-        for (int32_t Faults::*supply : {&Faults::threads, &Faults::tasks})
-            for (const int32_t granted : {0, 1, 3}) {
-                Pixels pixels(40, 30), fresh(40, 30);
-                second.bytes = fresh.bytes;
-                faults().*supply = granted;
-                EXPECT_EQ(call(method, pixels, arguments), code) << method.name;
-                faults() = Faults{};
-                EXPECT_EQ(pixels.bytes, expected.bytes) << method.name << " with " << granted;
-                EXPECT_EQ(second.bytes, secondAfter) << method.name << " with " << granted;
-            }
     });
 }
 
