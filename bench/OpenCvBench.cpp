@@ -13,7 +13,7 @@
 #endif
 
 #include "Scene.h"
-#include "kernels/blur/TentBlur.h"
+#include "core/Numbers.h"
 #include "krlimage/blur.h"
 #include "krlimage/colour.h"
 #include "krlimage/composite.h"
