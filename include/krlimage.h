@@ -69,7 +69,8 @@ enum {
     KRL_NOT_CALLABLE = 11,    /* the method manages an engine, which `krl_engine` does here */
     KRL_METHOD_FAILED = 12,   /* the method ran and failed, with the text of `krl_result_error` */
     KRL_OUT_OF_MEMORY = 13,
-    KRL_CANCELLED = 14 /* the engine was cancelled */
+    KRL_CANCELLED = 14, /* the engine was cancelled */
+    KRL_BAD_LOOK = 15   /* a look has a mistake, in the line that `krl_result_line` gives */
 };
 
 /* A code in words, such as "no such method". */
@@ -219,7 +220,13 @@ typedef struct krl_result krl_result;
 KRL_API krl_code krl_call(krl_engine* engine, const krl_picture* picture, const char* method,
                           const krl_argument* arguments, size_t count, krl_result** result);
 /* The same for a call as a text: "invert", "brightness(40, #RGB)" or with names
- * "brightness(#colourOrAlpha: #Alpha)". */
+ * "brightness(colourOrAlpha: #Alpha)".
+ *
+ * However it is called, a method that rewrites the picture also takes, by name, what says where and how much:
+ * `mix`, a share of the change from 0 to 1; `mask`, a picture of the same size whose brightness is the share;
+ * `region`, a list of left, top, right and bottom outside of which nothing changes; and `feather`, the pixels
+ * inside the region's border over which the change grows to full. In a text, lengths, points and regions may
+ * be in percent: "vignette(blur: 10%, mix: 0.6)". */
 KRL_API krl_code krl_apply(krl_engine* engine, const krl_picture* picture, const char* call,
                            krl_result** result);
 
@@ -236,6 +243,75 @@ KRL_API const char* krl_result_error(const krl_result* result);
  * pictures; empty for most methods and after a failure. Its pictures have the order of the picture that the
  * method was called on, KRL_BGRA without one, and live until the result is freed: `krl_copy` keeps one. */
 KRL_API const krl_value* krl_result_value(const krl_result* result);
+
+/* ---- Looks ----------------------------------------------------------------------------------------------
+ */
+
+/* A chain of calls with a title, a description and parameters; docs/looks.md describes its text. */
+typedef struct krl_look krl_look;
+
+/* Reads a look from its text, to be freed. On failure `look` becomes NULL, and the code is KRL_BAD_LOOK:
+ * `krl_result_message` says what is wrong, `krl_result_line` in which line. `result` may be NULL. */
+KRL_API krl_code krl_look_read(const char* text, krl_look** look, krl_result** result);
+/* A look without calls, to write one; NULL without memory. */
+KRL_API krl_look* krl_look_new(void);
+/* NULL is fine. */
+KRL_API void krl_look_free(krl_look* look);
+
+/* Strings that a look gives live until the look is changed or freed; those for NULL are empty. */
+KRL_API const char* krl_look_title(const krl_look* look);
+KRL_API const char* krl_look_description(const krl_look* look);
+KRL_API size_t krl_look_call_count(const krl_look* look);
+KRL_API const char* krl_look_call(const krl_look* look, size_t index); /* NULL beyond the last */
+
+/* A parameter of a look. Values are texts as `krl_parse` reads them, where a length may be in percent. */
+typedef struct krl_parameter_info {
+    size_t size;
+    const char* name;
+    const char* meaning;  /* may be empty */
+    const char* value;    /* what calls take now */
+    const char* standard; /* what they take unless it is set */
+    const char* from;     /* a range that is sensible to try; both are empty where there is none */
+    const char* to;
+    const struct krl_argument_info* argument; /* the first argument that it is the value of, or NULL */
+} krl_parameter_info;
+
+KRL_API size_t krl_look_parameter_count(const krl_look* look);
+/* `info->size` is set by the caller. KRL_BAD_USE beyond the last. */
+KRL_API krl_code krl_look_parameter(const krl_look* look, size_t index, krl_parameter_info* info);
+/* Gives a parameter another value, such as "80", "12%" or "#RGB". KRL_BAD_LOOK, and nothing changed, if there
+ * is no such parameter or a call does not take the value. */
+KRL_API krl_code krl_look_set(krl_look* look, const char* name, const char* value, krl_result** result);
+
+/* Names of pictures that the look's calls take, as in `image("paper.png")`; NULL beyond the last. */
+KRL_API size_t krl_look_picture_count(const krl_look* look);
+KRL_API const char* krl_look_picture_name(const krl_look* look, size_t index);
+/* Sets the picture of a name. Its pixels stay the caller's, and are read when the look is applied. */
+KRL_API krl_code krl_look_set_picture(krl_look* look, const char* name, const krl_picture* picture);
+
+/* To write a look. KRL_BAD_LOOK, and nothing changed, for a text that the look cannot hold. A parameter's
+ * `from`, `to` and `meaning` may be NULL; it has to be added before the calls that take it. */
+KRL_API krl_code krl_look_set_title(krl_look* look, const char* title, krl_result** result);
+KRL_API krl_code krl_look_set_description(krl_look* look, const char* description, krl_result** result);
+KRL_API krl_code krl_look_add_parameter(krl_look* look, const char* name, const char* value, const char* from,
+                                        const char* to, const char* meaning, krl_result** result);
+KRL_API krl_code krl_look_add_call(krl_look* look, const char* call, krl_result** result);
+/* Writes the look's text, as `krl_write` does. Parameters have their standard values. */
+KRL_API size_t krl_look_write(const krl_look* look, char* text, size_t text_size);
+
+/* Makes the look's calls in turn on `picture`, which is rewritten in place. If a call makes a new picture,
+ * those after it work on that one, and the result's value has it under `#picture`. A failure leaves what the
+ * calls before it have made: KRL_METHOD_FAILED, with the line if the look was read from a text. */
+KRL_API krl_code krl_look_apply(krl_engine* engine, const krl_look* look, const krl_picture* picture,
+                                krl_result** result);
+
+/* The line of a look that is wrong or whose call failed, from 1; 0 for other results. */
+KRL_API int32_t krl_result_line(const krl_result* result);
+
+/* Looks that come with the library, by index: their names and texts; NULL beyond the last. */
+KRL_API size_t krl_shipped_look_count(void);
+KRL_API const char* krl_shipped_look_name(size_t index);
+KRL_API const char* krl_shipped_look_text(size_t index);
 
 /* ---- Catalogue ----------------------------------------------------------------------------------------- */
 

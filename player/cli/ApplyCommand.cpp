@@ -10,6 +10,7 @@
 #include "player/cli/CatalogueCalls.h"
 #include "player/cli/ChainCall.h"
 #include "player/cli/ChainScript.h"
+#include "player/cli/LookFiles.h"
 #include "player/cli/MethodFacts.h"
 #include "player/cli/ProgressBar.h"
 #include "player/cli/SideBySide.h"
@@ -24,40 +25,62 @@ namespace fs = std::filesystem;
 
 /// What the processing of every picture shares.
 struct Work {
+    const std::vector<ReadyLook>& looks;
     const std::vector<ChainCall>& chain;
     const WriteOptions& options;
     ApplyProgress& progress;
 };
 
-/// Runs one call on a picture: through the catalogue, or through a plug-in from a file.
-using CallRunner = std::function<CallOutcome(Bitmap& picture, const ChainCall& call)>;
+/// Runs looks and calls on a picture: through the catalogue, or calls through a plug-in from a file.
+struct Runner {
+    std::function<CallOutcome(Bitmap& picture, const ChainCall& call)> call;
+    std::function<CallOutcome(Bitmap& picture, const ReadyLook& look)> look;
+};
 
-CallRunner makeRunner(const SessionOptions& options) {
+Runner makeRunner(const SessionOptions& options) {
     if (options.xtraFile.empty()) {
         const auto calls = std::make_shared<CatalogueCalls>(options.threads);
-        return [calls](Bitmap& picture, const ChainCall& call) {
-            return calls->apply(picture, call.method(), call.arguments(picture.width, picture.height));
-        };
+        return {[calls](Bitmap& picture, const ChainCall& call) {
+                    const auto [width, height] = std::pair(picture.width, picture.height);
+                    return calls->apply(picture, call.method(), call.arguments(width, height),
+                                        call.extent(width, height));
+                },
+                [calls](Bitmap& picture, const ReadyLook& look) { return calls->apply(picture, look); }};
     }
     const auto session = std::make_shared<Session>(options);
-    return [session](Bitmap& picture, const ChainCall& call) {
-        return session->apply(picture, call.lingo(picture.width, picture.height));
-    };
+    return {[session](Bitmap& picture, const ChainCall& call) {
+                return session->apply(picture, call.lingo(picture.width, picture.height));
+            },
+            {}};
 }
 
-PictureReport workOn(const CallRunner& run, const Work& work, size_t index) {
+/// Looks first, then calls, up to the first that fails.
+void runAll(const Runner& run, const Work& work, Bitmap& picture, PictureReport& report) {
+    for (const ReadyLook& look : work.looks) {
+        CallReport& made = report.calls.emplace_back();
+        made.call = "look " + look.name;
+        made.outcome = run.look(picture, look);
+        if (!made.outcome.ok()) return;
+    }
+    for (const ChainCall& call : work.chain) {
+        CallReport& made = report.calls.emplace_back();
+        made.call = call.lingo(picture.width, picture.height);
+        made.outcome = run.call(picture, call);
+        const bool plain = made.outcome.shown.empty() || made.outcome.shown == "[#error: 0]";
+        made.telling = !plain && !(made.outcome.ok() && call.method().makesPicture());
+        if (!made.outcome.ok()) return;
+    }
+}
+
+PictureReport workOn(const Runner& run, const Work& work, size_t index) {
     const BatchItem& item = work.progress.items()[index];
     PictureReport report;
     try {
         Bitmap picture = readPicture(item.input);
-        for (const ChainCall& call : work.chain) {
-            CallReport& made = report.calls.emplace_back();
-            made.call = call.lingo(picture.width, picture.height);
-            made.outcome = run(picture, call);
-            const bool plain = made.outcome.shown.empty() || made.outcome.shown == "[#error: 0]";
-            made.telling = !plain && !(made.outcome.ok() && call.method().makesPicture());
-            if (made.outcome.ok()) continue;
-            report.failure = item.input.string() + ": " + made.outcome.error + " from " + made.call;
+        runAll(run, work, picture, report);
+        if (!report.calls.empty() && !report.calls.back().outcome.ok()) {
+            const CallReport& failed = report.calls.back();
+            report.failure = item.input.string() + ": " + failed.outcome.error + " from " + failed.call;
             return report;
         }
         work.progress.calledAll(index, report);
@@ -75,7 +98,7 @@ PictureReport workOn(const CallRunner& run, const Work& work, size_t index) {
     return report;
 }
 
-void settle(const CallRunner& run, const Work& work, size_t index) {
+void settle(const Runner& run, const Work& work, size_t index) {
     work.progress.begin(index);
     PictureReport& report = work.progress.reports[index];
     report = workOn(run, work, index);
@@ -170,10 +193,23 @@ void splitWords(const std::vector<std::string>& words, std::vector<fs::path>& in
 
 int printScript(const std::vector<fs::path>& inputs, const std::vector<ChainCall>& chain,
                 const Terminal& terminal) {
+    for (const ChainCall& call : chain)
+        if (call.hasExtent())
+            throw CommandError(call.written() + ": mix, mask and region cannot be printed as a script");
     Bitmap picture;
     if (!inputs.empty()) picture = readPicture(inputs.front());
     terminal.out << (inputs.empty() ? chainScript(chain) : chainScript(chain, picture.width, picture.height));
     return 0;
+}
+
+void evaluate(std::vector<ChainCall>& chain, const SessionOptions& settings) {
+    if (chain.empty()) return;
+    Session session(settings);
+    for (ChainCall& call : chain) {
+        call.evaluate(session);
+        if (call.hasExtent() && !settings.xtraFile.empty())
+            throw UsageError(call.written() + ": mix, mask and region need the built-in effects, not --xtra");
+    }
 }
 
 }  // namespace
@@ -183,20 +219,24 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
     std::vector<fs::path> inputs;
     std::vector<ChainCall> chain;
     splitWords(options.words, inputs, chain);
-    if (options.printLingo) return printScript(inputs, chain, terminal);
+    if (!options.looks.empty() && !options.session.xtraFile.empty())
+        throw UsageError("--look and --xtra cannot be combined: looks run on the built-in effects");
+    if (options.looks.empty() && !options.settings.empty())
+        throw UsageError("--set " + options.settings.front() + ": there is no --look");
+    if (!options.print.empty() && !options.looks.empty())
+        throw UsageError("--print lingo prints calls, not looks");
+    if (!options.print.empty()) return printScript(inputs, chain, terminal);
     if (inputs.empty()) throw UsageError("no input: name a picture or a folder");
     if (options.output.empty()) throw UsageError("no output: use -o FILE or -o DIR");
 
     // The user wrote the calls and named the pictures, so no folder is off limits.
     SessionOptions settings = options.session;
     settings.allowedFolders.push_back(fs::current_path().root_path());
-    if (!chain.empty()) {
-        Session session(settings);
-        for (ChainCall& call : chain) call.evaluate(session);
-    }
+    const std::vector<ReadyLook> looks = readyLooks(options.looks, options.settings);
+    evaluate(chain, settings);
     ApplyProgress progress(inputs, options);
     const WriteOptions writing{options.quality, formatOf("x." + options.format), {}};
-    const Work work{chain, writing, progress};
+    const Work work{looks, chain, writing, progress};
     try {
         ProgressBar bar(terminal, progress.alone().size() + progress.together().size(), "pictures");
         const auto workOnEach = [&](const std::vector<size_t>& indexes, unsigned jobs) {

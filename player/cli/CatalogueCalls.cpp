@@ -9,23 +9,15 @@ namespace krl::player {
 
 namespace {
 
-/// Loads a picture into the engine for the duration of a call.
-class LoadedPicture {
-public:
-    LoadedPicture(ImageEngine& engine, Bitmap& picture) : engine_(engine) {
-        ImageInfo info;
-        info.width = picture.width;
-        info.height = picture.height;
-        info.rowBytes = picture.width * static_cast<int32_t>(sizeof(Pixel));
-        engine_.load(firstByte(picture.pixels.data()), info);
-    }
-    ~LoadedPicture() { engine_.unload(); }
-    LoadedPicture(const LoadedPicture&) = delete;
-    LoadedPicture& operator=(const LoadedPicture&) = delete;
-
-private:
-    ImageEngine& engine_;
-};
+/// The memory of a picture as the catalogue has it.
+krl::Picture viewOf(Bitmap& picture) {
+    krl::Picture view;
+    view.pixels = firstByte(picture.pixels.data());
+    view.info.width = picture.width;
+    view.info.height = picture.height;
+    view.info.rowBytes = picture.width * static_cast<int32_t>(sizeof(Pixel));
+    return view;
+}
 
 /// The result as scripts see it: `[#error: 0]`, or the entries of a method that has no `error`.
 std::string shownText(const Method& method, const CallResult& result) {
@@ -77,15 +69,39 @@ CatalogueCalls::CatalogueCalls(ThreadChoice threads) : bands_(threads == ThreadC
 }
 
 CallOutcome CatalogueCalls::apply(Bitmap& picture, const Method& method,
-                                  const std::vector<krl::Value>& arguments) {
-    const LoadedPicture loaded(engine_, picture);
+                                  const std::vector<krl::Value>& arguments, const Extent& extent) {
     chooseBands(engine_, method, bands_);
-    const CallResult result =
-        callMethod(method, engine_, method.changedPicture() ? withCopiedPictures(arguments) : arguments);
+    const krl::Picture view = viewOf(picture);
     CallOutcome outcome;
+    CallResult result;
+    try {
+        result = callWithin(extent, view, [&] {
+            const LoadedPicture loaded(engine_, view);
+            return callMethod(method, engine_,
+                              method.changedPicture() ? withCopiedPictures(arguments) : arguments);
+        });
+    } catch (const ArgumentError& error) {
+        outcome.error = error.what();
+        return outcome;
+    }
     outcome.error = result.error;
     outcome.shown = shownText(method, result);
     if (const krl::Picture* made = pictureIn(result)) replace(picture, *made);
+    return outcome;
+}
+
+CallOutcome CatalogueCalls::apply(Bitmap& picture, const ReadyLook& look) {
+    CallOutcome outcome;
+    krl::Picture working = viewOf(picture);
+    try {
+        look.look.apply(engine_, working, bands_, [&](const std::string& name) {
+            const auto found = look.pictures.find(name);
+            return found != look.pictures.end() ? found->second : krl::Picture();
+        });
+    } catch (const LookError& error) {
+        outcome.error = error.what();
+    }
+    if (working.pixels != firstByte(picture.pixels.data())) replace(picture, working);
     return outcome;
 }
 

@@ -4,6 +4,8 @@
 
 #include "catalogue/Method.h"
 #include "catalogue/Value.h"
+#include "look/Extent.h"
+#include "player/cli/LookFiles.h"
 #include "player/lingo/Session.h"
 
 namespace krl::player {
@@ -15,7 +17,10 @@ public:
     explicit CatalogueCalls(ThreadChoice threads);
 
     /// Rewrites `picture`, or replaces it by the new picture that the method makes.
-    CallOutcome apply(Bitmap& picture, const Method& method, const std::vector<krl::Value>& arguments);
+    CallOutcome apply(Bitmap& picture, const Method& method, const std::vector<krl::Value>& arguments,
+                      const Extent& extent = {});
+    /// The same with all calls of a look.
+    CallOutcome apply(Bitmap& picture, const ReadyLook& look);
 
 private:
     ImageEngine engine_;

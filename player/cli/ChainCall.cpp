@@ -4,6 +4,9 @@
 #include <filesystem>
 
 #include "catalogue/Arguments.h"
+#include "catalogue/Letters.h"
+#include "catalogue/Notation.h"
+#include "look/CallScope.h"
 #include "player/cli/ArgumentCheck.h"
 #include "player/cli/Commands.h"
 #include "player/cli/MethodFacts.h"
@@ -11,8 +14,63 @@
 
 namespace krl::player {
 
-ChainCall::ChainCall(std::string_view text) : written_(text) {
-    const WrittenCall call = readCall(text);
+namespace {
+
+/// The size of picture for which calls are checked before one is read.
+constexpr int32_t kUsualWidth = 960, kUsualHeight = 640;
+
+bool isMeasure(const krl::Value& value) {
+    return value.as<int32_t>() || value.as<double>() || value.as<Point>();
+}
+
+/// Whether a call's argument says where or how much.
+bool isOfExtent(std::string_view method, std::string_view argument) {
+    const Method* found = catalogue().find(method);
+    if (!found || !percentOfExtent(argument)) return false;
+    return std::none_of(found->arguments().begin(), found->arguments().end(),
+                        [&](const Argument& declared) { return sameLetters(declared.name, argument); });
+}
+
+/// Whether a call has a percentage or a name of an extent outside of quotation marks.
+bool looksRelative(const std::string& text) {
+    std::string bare, word;
+    bool isQuoted = false;
+    for (const char letter : text) {
+        if (letter == '"') isQuoted = !isQuoted;
+        if (!isQuoted) bare += letter;
+    }
+    if (bare.find('%') != std::string::npos) return true;
+    const std::string method = bare.substr(0, bare.find('('));
+    for (const char letter : bare) {
+        if (std::isalnum(static_cast<unsigned char>(letter)) || letter == '_') {
+            word += letter;
+            continue;
+        }
+        if (letter == ':' && isOfExtent(method, word)) return true;
+        if (letter != ' ') word.clear();
+    }
+    return false;
+}
+
+}  // namespace
+
+ChainCall::ChainCall(std::string_view text) : written_(text), isRelative_(looksRelative(written_)) {
+    if (!isRelative_) {
+        take(readCall(text));
+        return;
+    }
+    const CallNotation call = notation(kUsualWidth, kUsualHeight);
+    WrittenCall own{call.name, {}};
+    for (const CallNotation::Argument& argument : call.arguments)
+        if (isOfExtent(call.name, argument.name))
+            hasExtent_ = true;
+        else
+            own.arguments.push_back({argument.name, writeNotation(argument.value), {}});
+    take(own);
+}
+
+/// Puts the arguments in their places.
+void ChainCall::take(const WrittenCall& call) {
     method_ = &requireMethod(call.name);
     const std::string name = method_->shortName();
     if (method_->managesTheEngine())
@@ -29,11 +87,37 @@ ChainCall::ChainCall(std::string_view text) : written_(text) {
     }
 }
 
+CallNotation ChainCall::notation(int32_t width, int32_t height) const {
+    try {
+        return readCallNotation(written_, callScope(width, height));
+    } catch (const NotationError& error) {
+        throw CommandError(error.what());
+    }
+}
+
+std::vector<krl::Value> ChainCall::relativeValues(int32_t width, int32_t height) const {
+    CallNotation call = notation(width, height);
+    std::erase_if(call.arguments, [&](const CallNotation::Argument& argument) {
+        return isOfExtent(method_->name(), argument.name);
+    });
+    std::vector<std::string_view> names;
+    for (const CallNotation::Argument& argument : call.arguments) names.push_back(argument.name);
+    std::vector<krl::Value> values;
+    for (const std::optional<size_t>& place : placeArguments(*method_, names))
+        values.push_back(place ? std::move(call.arguments[*place].value) : krl::Value());
+    return values;
+}
+
 std::string ChainCall::lingo(int32_t width, int32_t height) const {
+    const std::vector<krl::Value> relative =
+        isRelative_ ? relativeValues(width, height) : std::vector<krl::Value>();
     std::string text = std::string(method_->name()) + "(";
     for (size_t i = 0; i < given_.size(); ++i) {
         if (i > 0) text += ", ";
-        text += given_[i].empty() ? exampleText(method_->arguments()[i], {width, height, {}}) : given_[i];
+        if (given_[i].empty())
+            text += exampleText(method_->arguments()[i], {width, height, {}});
+        else
+            text += isRelative_ ? writeNotation(relative[i]) : given_[i];
     }
     return text + ")";
 }
@@ -47,12 +131,41 @@ void ChainCall::evaluate(Session& session) {
         const std::string complaint = complaintAbout(argument, values_[i], given_[i]);
         if (!complaint.empty()) throw CommandError(method_->shortName() + ": " + complaint);
     }
+    if (!hasExtent_) return;
+    for (const CallNotation::Argument& argument : notation(kUsualWidth, kUsualHeight).arguments)
+        if (const auto* mask = argument.value.as<PictureReference>(); mask && argument.name == "mask")
+            masks_[mask->name] = *session.evaluate(writeNotation(*mask)).as<krl::Picture>();
+    extent(kUsualWidth, kUsualHeight);
+}
+
+Extent ChainCall::extent(int32_t width, int32_t height) const {
+    if (!hasExtent_) return {};
+    CallNotation call = notation(width, height);
+    std::vector<GivenArgument> given;
+    for (CallNotation::Argument& argument : call.arguments) {
+        if (!isOfExtent(method_->name(), argument.name)) continue;
+        if (const auto* mask = argument.value.as<PictureReference>()) {
+            const auto found = masks_.find(mask->name);
+            if (found != masks_.end()) argument.value = found->second;
+        }
+        given.push_back({argument.name, &argument.value});
+    }
+    try {
+        return takeExtent(*method_, given);
+    } catch (const ArgumentError& error) {
+        throw CommandError(error.what());
+    }
 }
 
 std::vector<krl::Value> ChainCall::arguments(int32_t width, int32_t height) const {
     std::vector<krl::Value> all = values_;
-    for (size_t i = 0; i < all.size(); ++i)
-        if (given_[i].empty()) all[i] = standInFor(*method_, method_->arguments()[i], {width, height, {}});
+    const std::vector<krl::Value> relative = isRelative_ ? relativeValues(width, height) : all;
+    for (size_t i = 0; i < all.size(); ++i) {
+        if (given_[i].empty())
+            all[i] = standInFor(*method_, method_->arguments()[i], {width, height, {}});
+        else if (isMeasure(relative[i]))
+            all[i] = relative[i];
+    }
     return all;
 }
 

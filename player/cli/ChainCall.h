@@ -1,11 +1,13 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "catalogue/Method.h"
 #include "catalogue/Value.h"
+#include "look/Extent.h"
 #include "player/lingo/Session.h"
 
 namespace krl::player {
@@ -31,8 +33,23 @@ public:
     /// The values of all arguments, after `evaluate`.
     std::vector<krl::Value> arguments(int32_t width, int32_t height) const;
 
+    /// Whether the call says where or how much: `mix`, `mask`, `region` and `feather`.
+    bool hasExtent() const { return hasExtent_; }
+    /// Where and how much, after `evaluate`. Throws `CommandError`.
+    Extent extent(int32_t width, int32_t height) const;
+
 private:
+    void take(const WrittenCall& call);
+    CallNotation notation(int32_t width, int32_t height) const;
+    /// The arguments of a relative call in signature order, as they are for a picture of this size; nothing
+    /// for omitted arguments.
+    std::vector<krl::Value> relativeValues(int32_t width, int32_t height) const;
+
     std::string written_;
+    /// Whether the call has percentages, or says where and how much. It consists of literals then.
+    bool isRelative_ = false;
+    bool hasExtent_ = false;
+    std::map<std::string, krl::Picture> masks_;  ///< by their names in the call
     const Method* method_;
     /// Lingo expressions in signature order; empty for omitted arguments.
     std::vector<std::string> given_;

@@ -1,13 +1,12 @@
 #include <algorithm>
-#include <fstream>
 #include <ostream>
-#include <sstream>
 
 #include "catalogue/Arguments.h"
 #include "player/cli/ArgumentCheck.h"
 #include "player/cli/CallWalk.h"
 #include "player/cli/Commands.h"
 #include "player/cli/MethodFacts.h"
+#include "player/cli/TextFile.h"
 #include "player/lingo/Parser.h"
 
 namespace krl::player {
@@ -15,11 +14,7 @@ namespace krl::player {
 namespace {
 
 std::shared_ptr<const Source> sourceOf(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    if (!file || std::filesystem::is_directory(path) || !(text << file.rdbuf()))
-        throw CommandError("cannot read " + path.string());
-    return std::make_shared<Source>(Source{path.string(), text.str()});
+    return std::make_shared<Source>(Source{path.string(), readText(path)});
 }
 
 /// Checks one script and reports all of its mistakes in order.

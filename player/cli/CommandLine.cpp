@@ -6,6 +6,7 @@
 
 #include "catalogue/NearestName.h"
 #include "player/cli/CommandList.h"
+#include "player/cli/OptionTable.h"
 
 namespace krl::player {
 
@@ -28,6 +29,7 @@ public:
         addListAndHelp();
         addGallery();
         addCheck();
+        addLook();
         addGenerated();
     }
 
@@ -71,108 +73,24 @@ private:
         return 2;
     }
 
-    static CLI::Option* path(CLI::App& app, const char* name, std::filesystem::path& target, const char* type,
-                             const char* meaning) {
-        return app
-            .add_option_function<std::string>(
-                name, [&target](const std::string& text) { target = text; }, meaning)
-            ->type_name(type);
-    }
-
-    static CLI::Option* paths(CLI::App& app, const char* name, std::vector<std::filesystem::path>& target,
-                              const char* type, const char* meaning) {
-        return app
-            .add_option_function<std::vector<std::string>>(
-                name,
-                [&target](const std::vector<std::string>& texts) {
-                    target.assign(texts.begin(), texts.end());
-                },
-                meaning)
-            ->type_name(type);
-    }
-
-    /// An option that takes one of `choices`, written `a|b`.
-    static CLI::Option* choice(CLI::App& app, const char* name, std::string& target, const char* choices,
-                               const char* meaning) {
-        const OptionDescription described{{name}, choices, ""};
-        return app.add_option(name, target, meaning)
-            ->type_name(choices)
-            ->check(CLI::Validator(
-                [allowed = described.choices()](const std::string& text) -> std::string {
-                    for (const std::string& one : allowed)
-                        if (one == text) return "";
-                    std::string expected;
-                    for (const std::string& one : allowed) expected += (expected.empty() ? "" : " or ") + one;
-                    return "expected " + expected + ", got " + text;
-                },
-                ""));
-    }
-
-    void addSession(CLI::App& app, SessionOptions& session) {
-        path(app, "--xtra", session.xtraFile, "FILE",
-             "Load the plug-in from FILE instead of the built-in one");
-        paths(app, "--allow", session.allowedFolders, "DIR", "Also let scripts read and write in DIR")
-            ->allow_extra_args(false)
-            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-        choice(app, "--threads", threads_, "mt|st",
-               "Use one thread per processor (mt) or a single thread (st)");
-        app.parse_complete_callback([this, &session] {
-            if (!threads_.empty())
-                session.threads = threads_ == "mt" ? ThreadChoice::Many : ThreadChoice::One;
-        });
-    }
-
-    static void addTimeout(CLI::App& app, double& timeout) {
-        app.add_option("--timeout", timeout,
-                       "Stop after SECONDS, with exit code 124; finished pictures stay, no other is written")
-            ->type_name("SECONDS")
-            ->check(CLI::Range(0.001, 1e6).description(""));
-    }
-
     void addRun() {
         CLI::App& app =
             command("run", "Run a Lingo script, starting at its handler main or its first handler",
                     [this] { return runScript(run_, terminal_); });
-        path(app, "SCRIPT", run_.script, "", "The script to run")->required();
+        addPath(app, "SCRIPT", run_.script, "", "The script to run")->required();
         app.add_option("ARG", run_.arguments, "Arguments for the handler, passed as a list of strings")
             ->type_name("");
-        path(app, "--cast", run_.session.castFolder, "DIR", "Also look for members in DIR");
-        path(app, "-o,--output", run_.session.outputFolder, "DIR",
-             "Save pictures with relative names to DIR");
+        addPath(app, "--cast", run_.session.castFolder, "DIR", "Also look for members in DIR");
+        addPath(app, "-o,--output", run_.session.outputFolder, "DIR",
+                "Save pictures with relative names to DIR");
         addTimeout(app, run_.timeout);
-        addSession(app, run_.session);
+        addSession(app, run_.session, run_.threads);
     }
 
     void addApply() {
-        CLI::App& app = command("apply", "Apply effects to pictures: apply IN... -o OUT CALL...",
-                                [this] { return applyCalls(apply_, terminal_); });
-        app.add_option(
-               "IN|CALL", apply_.words,
-               "Pictures, folders of pictures, and calls such as 'brightness(40, #RGB)'; arguments can\n"
-               "be named, and omitted ones default to the method's example")
-            ->type_name("")
-            ->required();
-        app.add_option("-o,--output", apply_.output, "Output picture, or the folder for several pictures")
-            ->type_name("OUT");
-        choice(app, "--format", apply_.format, KRL_FORMATS, "Output format, regardless of file extensions");
-        app.add_option("--quality", apply_.quality, "JPEG and WebP quality, 1 to 100 (default 90)")
-            ->type_name("N")
-            ->check(CLI::Range(1, 100).description(""));
-        addJobs(app, apply_.jobs);
-        addTimeout(app, apply_.timeout);
-        app.add_flag("--json", apply_.json, "Print results as JSON");
-        choice(app, "--print", print_, "lingo", "Print the calls as a Lingo script instead of running them");
-        addSession(app, apply_.session);
-        app.callback([this] {
-            apply_.printLingo = !print_.empty();
-            chosen_ = [this] { return applyCalls(apply_, terminal_); };
-        });
-    }
-
-    static void addJobs(CLI::App& app, unsigned& jobs) {
-        app.add_option("-j,--jobs", jobs, "Pictures processed in parallel (default: one per processor)")
-            ->type_name("N")
-            ->check(CLI::Range(1, 256).description(""));
+        addApplyOptions(command("apply", "Apply looks and effects to pictures: apply IN... -o OUT CALL...",
+                                [this] { return applyCalls(apply_, terminal_); }),
+                        apply_);
     }
 
     void addListAndHelp() {
@@ -206,8 +124,8 @@ private:
     void addGallery() {
         CLI::App& app = command("gallery", "Make a contact sheet that shows every effect on a picture",
                                 [this] { return makeGallery(gallery_, terminal_); });
-        path(app, "PICTURE", gallery_.picture, "", "The picture to use")->required();
-        path(app, "-o,--output", gallery_.folder, "DIR", "Folder for index.html and its pictures")
+        addPath(app, "PICTURE", gallery_.picture, "", "The picture to use")->required();
+        addPath(app, "-o,--output", gallery_.folder, "DIR", "Folder for index.html and its pictures")
             ->required();
         addJobs(app, gallery_.jobs);
     }
@@ -215,19 +133,39 @@ private:
     void addCheck() {
         CLI::App& app = command("check", "Check scripts for mistakes without running them",
                                 [this] { return checkScripts(check_, terminal_); });
-        paths(app, "SCRIPT", check_.scripts, "", "The scripts to check")->required();
+        addPaths(app, "SCRIPT", check_.scripts, "", "The scripts to check")->required();
+    }
+
+    void addLook() {
+        CLI::App& app =
+            command("look", "List, show, write or check looks, which are chains of calls in a file",
+                    [this] { return workOnLooks(look_, terminal_); });
+        addChoice(app, "ACTION", look_.action, "list|show|save|check",
+                  "list the looks that come with the program and yours, show NAME, save FILE CALL..., or "
+                  "check FILE...")
+            ->required();
+        app.add_option("NAME|FILE|CALL", look_.words, "A look by its name or file, and calls to save")
+            ->type_name("");
+        app.add_option("--title", look_.title, "Title of the saved look (default: the file's name)")
+            ->type_name("TEXT");
+        app.add_option("--description", look_.description, "Description of the saved look")
+            ->type_name("TEXT");
+        addTexts(app, "--parameter", look_.parameters, "TEXT",
+                 "A parameter of the saved look, such as 'soft: 8% from 2% to 30% \"softness\"'; can be "
+                 "repeated");
+        app.add_flag("--json", look_.json, "Print the list as JSON");
     }
 
     void addGenerated() {
         CLI::App& docs = command("docs", "Write the method reference, methods.md",
                                  [this] { return writeDocs(docs_, terminal_); });
-        path(docs, "-o,--output", docs_.folder, "DIR", "Folder for methods.md")->required();
+        addPath(docs, "-o,--output", docs_.folder, "DIR", "Folder for methods.md")->required();
 
         CLI::App& completions = command("completions", "Print a completion script for a shell", [this] {
             terminal_.out << completionScript(described(), shell_);
             return 0;
         });
-        choice(completions, "SHELL", shell_, "bash|zsh", "The shell to complete for")->required();
+        addChoice(completions, "SHELL", shell_, "bash|zsh", "The shell to complete for")->required();
 
         command("man", "Print the manual page", [this] {
             terminal_.out << manualPage(described());
@@ -269,7 +207,8 @@ private:
     GalleryOptions gallery_;
     CheckOptions check_;
     DocsOptions docs_;
-    std::string threads_, print_, shell_;
+    LookOptions look_;
+    std::string shell_;
 };
 
 }  // namespace

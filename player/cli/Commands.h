@@ -39,6 +39,7 @@ struct RunOptions {
     /// Seconds after which the program ends; 0 for no limit.
     double timeout = 0;
     SessionOptions session;
+    std::string threads;  ///< as given
 };
 /// Runs a script.
 int runScript(const RunOptions& options, const Terminal& terminal);
@@ -47,17 +48,20 @@ struct ApplyOptions {
     /// Pictures, folders of pictures, and calls, in any order.
     std::vector<std::string> words;
     std::string output;
+    /// Names or files of looks, and values for their parameters, `soft=80`.
+    std::vector<std::string> looks, settings;
     /// Extension of the output format, without the dot; empty to keep each picture's own.
     std::string format;
     int quality = 90;
     /// Pictures processed in parallel; 0 for one per processor.
     unsigned jobs = 0;
     bool json = false;
-    /// Prints the chain as a script instead of running it.
-    bool printLingo = false;
+    /// `lingo` to print the chain as a script instead of running it.
+    std::string print;
     /// Seconds after which the program ends; 0 for no limit.
     double timeout = 0;
     SessionOptions session;
+    std::string threads;  ///< as given
 };
 /// Runs a chain of calls on pictures.
 int applyCalls(const ApplyOptions& options, const Terminal& terminal);
@@ -90,6 +94,16 @@ struct CheckOptions {
 };
 /// Checks scripts for mistakes without running them.
 int checkScripts(const CheckOptions& options, const Terminal& terminal);
+
+struct LookOptions {
+    std::string action;
+    std::vector<std::string> words;
+    std::string title, description;
+    std::vector<std::string> parameters;
+    bool json = false;
+};
+/// Lists, shows, writes or checks looks.
+int workOnLooks(const LookOptions& options, const Terminal& terminal);
 
 struct DocsOptions {
     std::filesystem::path folder;

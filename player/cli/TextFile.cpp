@@ -1,5 +1,9 @@
 #include "player/cli/TextFile.h"
 
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <sstream>
 #include <system_error>
 
 #include "player/cli/Commands.h"
@@ -23,6 +27,17 @@ void writeText(const std::filesystem::path& path, const std::string& text) {
     } catch (const PictureError& error) {
         throw CommandError(error.what());
     }
+}
+
+std::string readText(const std::filesystem::path& path) {
+    std::error_code unreadable;
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    const bool isFolder = std::filesystem::is_directory(path, unreadable);
+    if (isFolder || !file || (file.peek() != std::ifstream::traits_type::eof() && !(text << file.rdbuf())))
+        throw CommandError("cannot read " + path.string() + ": " +
+                           (isFolder ? "is a folder" : std::strerror(errno)));
+    return text.str();
 }
 
 }  // namespace krl::player

@@ -7,18 +7,11 @@
 #include "catalogue/Arguments.h"
 #include "catalogue/Catalogue.h"
 #include "catalogue/DirectCall.h"
-#include "catalogue/Notation.h"
+#include "look/CallScope.h"
+#include "look/Extent.h"
 
 /// Engines, calls and results of the C interface.
 namespace krl::c {
-
-namespace {
-
-/// Ends a call with a code and words for people.
-struct Problem {
-    krl_code code;
-    std::string message;
-};
 
 krl_code codeOf(ArgumentFault fault) {
     switch (fault) {
@@ -37,6 +30,15 @@ krl_code codeOf(ArgumentFault fault) {
     }
     return KRL_BAD_USE;
 }
+
+void giveOrder(Value& value, PixelOrder order) {
+    Picture* picture = value.as<Picture>();
+    if (!picture || order == picture->order) return;
+    reorder(*picture);
+    picture->order = order;
+}
+
+namespace {
 
 const Method& methodNamed(std::string_view name) {
     const Method* method = catalogue().find(name);
@@ -58,47 +60,27 @@ std::optional<Picture> loadedPicture(const Method& method, const krl_picture* pi
     return pictureOf(*picture);
 }
 
-/// The picture of one call, in an engine that forgets it afterwards with its description.
-class LoadedPicture {
-public:
-    LoadedPicture(ImageEngine& engine, const Picture& picture) : engine_(engine) {
-        engine_.load(picture.pixels, picture.info);
-    }
-    ~LoadedPicture() {
-        engine_.load(nullptr, {});
-        engine_.unload();
-    }
-    LoadedPicture(const LoadedPicture&) = delete;
-    LoadedPicture& operator=(const LoadedPicture&) = delete;
-
-private:
-    ImageEngine& engine_;
-};
-
 /// Runs the method on pictures in the form that it takes; those of the caller have the outcome on return.
 CallResult run(krl_engine& engine, const Method& method, const std::optional<Picture>& picture,
-               const std::vector<Value>& arguments) {
+               const std::vector<Value>& arguments, Extent extent) {
     NativePictures pictures;
+    if (extent.mask) extent.mask = *pictures.lend(*extent.mask).as<Picture>();
     std::vector<Value> native;
     for (size_t i = 0; i < arguments.size(); ++i)
         native.push_back(&method.arguments()[i] == method.changedPicture()
                              ? pictures.lendToChange(arguments[i])
                              : pictures.lend(arguments[i]));
-    std::optional<LoadedPicture> loaded;
+    Picture own;
     if (picture)
-        loaded.emplace(engine.engine, method.rewritesPicture() ? pictures.rewrite(*picture)
-                                                               : *pictures.lend(*picture).as<Picture>());
-    if (picture && engine.keepsMemory)
-        engine.keptMemory.set(engine.engine.buffer()->bytes() * KRL_KEPT_PICTURES);
+        own = method.rewritesPicture() ? pictures.rewrite(*picture) : *pictures.lend(*picture).as<Picture>();
     chooseBands(engine.engine, method, engine.bands);
-    return callMethod(method, engine.engine, native);
-}
-
-void giveOrder(Value& value, PixelOrder order) {
-    Picture* picture = value.as<Picture>();
-    if (!picture || order == picture->order) return;
-    reorder(*picture);
-    picture->order = order;
+    return callWithin(extent, own, [&] {
+        std::optional<LoadedPicture> loaded;
+        if (picture) loaded.emplace(engine.engine, own);
+        if (picture && engine.keepsMemory)
+            engine.keptMemory.set(engine.engine.buffer()->bytes() * KRL_KEPT_PICTURES);
+        return callMethod(method, engine.engine, native);
+    });
 }
 
 krl_code codeOf(const CallResult& failed) {
@@ -129,10 +111,11 @@ void finish(krl_result& result, const Method& method, const std::optional<Pictur
 }
 
 void call(krl_engine* engine, const krl_picture* picture, std::string_view name,
-          std::span<const GivenArgument> given, krl_result& result) {
+          std::vector<GivenArgument> given, krl_result& result) {
     if (!engine) throw Problem{KRL_BAD_USE, "there is no engine"};
     const Method& method = methodNamed(name);
     const std::optional<Picture> loaded = loadedPicture(method, picture);
+    const Extent extent = takeExtent(method, given);
     ExampleSetting setting;
     if (loaded) setting = {loaded->info.width, loaded->info.height, {}};
     const std::vector<Value> arguments = arrangeArguments(method, given, setting);
@@ -143,78 +126,7 @@ void call(krl_engine* engine, const krl_picture* picture, std::string_view name,
         result.error = callMethod(method, engine->engine, arguments).error;
         throw;
     }
-    finish(result, method, loaded, run(*engine, method, loaded, arguments));
-}
-
-/// A call as a text, taken apart: `name(arguments)` or a bare name.
-class CallText {
-public:
-    explicit CallText(std::string_view text) {
-        const size_t open = text.find('(');
-        name_ = trimmed(text.substr(0, open));
-        if (open == std::string_view::npos) return;
-        const std::string_view rest = trimmed(text.substr(open + 1));
-        if (rest.empty() || rest.back() != ')')
-            throw Problem{KRL_BAD_TEXT, "expected ) at the end of " + std::string(text)};
-        read(rest.substr(0, rest.size() - 1));
-    }
-    std::string_view name() const { return name_; }
-    const std::vector<GivenArgument>& arguments() const { return arguments_; }
-
-private:
-    static std::string_view trimmed(std::string_view text) {
-        constexpr const char* kBlanks = " \t\r\n";
-        const size_t first = text.find_first_not_of(kBlanks);
-        if (first == std::string_view::npos) return {};
-        return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
-    }
-
-    void read(std::string_view text) {
-        list_ = readNotation("[" + std::string(text) + "]");
-        if (const auto* values = list_.as<ListValue>()) {
-            for (const Value& value : *values) arguments_.push_back({"", &value});
-            return;
-        }
-        for (const auto& [key, value] : *list_.as<PropertyListValue>()) {
-            const Symbol* name = key.as<Symbol>();
-            if (!name) throw Problem{KRL_BAD_TEXT, "expected #name: value, got " + writeNotation(key)};
-            arguments_.push_back({name->name, &value});
-        }
-    }
-
-    std::string_view name_;
-    Value list_;
-    std::vector<GivenArgument> arguments_;
-};
-
-/// Carries out `work(result)`; what it throws becomes the result's code and message.
-template <class Work>
-void collect(krl_result& result, Work&& work) {
-    try {
-        work(result);
-    } catch (const Problem& problem) {
-        result.code = problem.code;
-        result.message = problem.message;
-    } catch (const ArgumentError& error) {
-        result.code = codeOf(error.fault());
-        result.message = error.what();
-    } catch (const NotationError& error) {
-        result.code = KRL_BAD_TEXT;
-        result.message = error.what();
-    }
-}
-
-/// The same for a caller, who may not care for the result.
-template <class Work>
-krl_code answer(krl_result** out, Work&& work) noexcept {
-    if (out) *out = nullptr;
-    return guarded<krl_code>(KRL_OUT_OF_MEMORY, [&] {
-        auto result = std::make_unique<krl_result>();
-        collect(*result, work);
-        const krl_code code = result->code;
-        if (out) *out = result.release();
-        return code;
-    });
+    finish(result, method, loaded, run(*engine, method, loaded, arguments, extent));
 }
 
 }  // namespace
@@ -223,6 +135,8 @@ krl_code answer(krl_result** out, Work&& work) noexcept {
 
 using krl::c::answer;
 using krl::c::Problem;
+
+int32_t krl_result_line(const krl_result* result) { return result ? result->line : 0; }
 
 krl_engine* krl_engine_new(int32_t bands) {
     if (bands < 0 || bands > KRL_MOST_BANDS) return nullptr;
@@ -261,15 +175,21 @@ krl_code krl_call(krl_engine* engine, const krl_picture* picture, const char* me
         for (size_t i = 0; i < count; ++i)
             given.push_back(
                 {arguments[i].name ? arguments[i].name : "", krl::c::valueOf(arguments[i].value)});
-        krl::c::call(engine, picture, method, given, out);
+        krl::c::call(engine, picture, method, std::move(given), out);
     });
 }
 
 krl_code krl_apply(krl_engine* engine, const krl_picture* picture, const char* call, krl_result** result) {
     return answer(result, [&](krl_result& out) {
         if (!call) throw Problem{KRL_BAD_USE, "there is no call"};
-        const krl::c::CallText text(call);
-        krl::c::call(engine, picture, text.name(), text.arguments(), out);
+        krl::ImageInfo size;
+        if (krl::c::isPicture(picture)) size = krl::c::pictureOf(*picture).info;
+        const krl::CallNotation notation =
+            krl::readCallNotation(call, krl::callScope(size.width, size.height));
+        std::vector<krl::GivenArgument> given;
+        for (const krl::CallNotation::Argument& argument : notation.arguments)
+            given.push_back({argument.name, &argument.value});
+        krl::c::call(engine, picture, notation.name, std::move(given), out);
     });
 }
 

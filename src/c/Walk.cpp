@@ -68,6 +68,11 @@ public:
     }
 
     const krl_catalogue_info* root() const { return &root_; }
+    const krl_argument_info* find(const Argument* argument) const {
+        for (const auto& [known, info] : arguments_)
+            if (known == argument) return &info;
+        return nullptr;
+    }
     const krl_method_info* find(const Method* method) const {
         for (const Entry& entry : entries_)
             if (entry.method == method) return &entry.info;
@@ -128,7 +133,7 @@ private:
         info.neutral = range.neutral;
         info.choice_count = choices.size();
         info.choices = keep(std::move(choices));
-        return arguments_.emplace_back(info);
+        return arguments_.emplace_back(&argument, info).second;
     }
 
     const char* keep(std::string text) { return texts_.emplace_back(std::move(text)).c_str(); }
@@ -141,7 +146,7 @@ private:
     std::tuple<Rows<char>, Rows<krl_argument_info>, Rows<krl_entry_info>, Rows<krl_method_info>,
                Rows<krl_family_info>>
         rows_;
-    std::deque<krl_argument_info> arguments_;
+    std::deque<std::pair<const Argument*, krl_argument_info>> arguments_;
     std::deque<krl_entry_info> results_;
     std::deque<Entry> entries_;
     std::deque<krl_family_info> families_;
@@ -156,6 +161,11 @@ const Tables* tables() noexcept {
 }
 
 }  // namespace
+
+const krl_argument_info* infoOf(const Argument* argument) noexcept {
+    const Tables* known = tables();
+    return known && argument ? known->find(argument) : nullptr;
+}
 
 }  // namespace krl::c
 
@@ -178,9 +188,10 @@ const char* krl_code_text(krl_code code) {
                                              "the method cannot be called",
                                              "the method failed",
                                              "out of memory",
-                                             "cancelled"};
-    static_assert(std::size(kTexts) == KRL_CANCELLED + 1);
-    return code >= 0 && code <= KRL_CANCELLED ? kTexts[code] : "unknown code";
+                                             "cancelled",
+                                             "bad look"};
+    static_assert(std::size(kTexts) == KRL_BAD_LOOK + 1);
+    return code >= 0 && code <= KRL_BAD_LOOK ? kTexts[code] : "unknown code";
 }
 
 const krl_catalogue_info* krl_catalogue(void) {

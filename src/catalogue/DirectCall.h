@@ -25,6 +25,24 @@ struct CallResult {
     bool ok() const { return error.empty(); }
 };
 
+/// A picture that the engine works on; at the end of this object's life the engine forgets it with all that
+/// it knows about it.
+class LoadedPicture {
+public:
+    LoadedPicture(ImageEngine& engine, const Picture& picture) : engine_(engine) {
+        engine_.load(picture.pixels, picture.info);
+    }
+    ~LoadedPicture() {
+        engine_.load(nullptr, {});
+        engine_.unload();
+    }
+    LoadedPicture(const LoadedPicture&) = delete;
+    LoadedPicture& operator=(const LoadedPicture&) = delete;
+
+private:
+    ImageEngine& engine_;
+};
+
 /// Calls `method` on the engine's picture with plain values, one for each argument. No host takes part: what
 /// happens is what happens on a script's call, in the same order. A method that manages the engine fails.
 /// Pictures in `arguments` stay their owners'; a method may write one that it is given to change.

@@ -1,8 +1,11 @@
 #include "catalogue/Notation.h"
 
+#include <algorithm>
 #include <cctype>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
+#include <utility>
 
 #include "catalogue/Letters.h"
 
@@ -15,13 +18,28 @@ constexpr int kDeepest = 64;
 
 class Reader {
 public:
-    explicit Reader(std::string_view text) : text_(text) {}
+    explicit Reader(std::string_view text, const NotationScope& scope = {}) : text_(text), scope_(scope) {}
 
-    Value readAll() {
+    Value readAll(PercentKind percent = PercentKind::None) {
+        percent_ = percent;
         Value value = readValue();
         skipBlanks();
         if (at_ != text_.size()) fail("expected the end of the value");
         return value;
+    }
+
+    CallNotation readCall() {
+        CallNotation call;
+        skipBlanks();
+        call.name = readName();
+        if (take('(') && !take(')')) {
+            do call.arguments.push_back(readArgument(call));
+            while (take(','));
+            expect(')');
+        }
+        skipBlanks();
+        if (at_ != text_.size()) fail("expected the end of the call");
+        return call;
     }
 
 private:
@@ -47,9 +65,26 @@ private:
         if (!take(letter)) fail(std::string("expected ") + letter);
     }
 
+    CallNotation::Argument readArgument(const CallNotation& call) {
+        CallNotation::Argument argument;
+        skipBlanks();
+        const size_t start = at_;
+        if (next() == '#') ++at_;
+        if (std::isalpha(static_cast<unsigned char>(next()))) argument.name = readName();
+        if (argument.name.empty() || !take(':')) {
+            argument.name.clear();
+            at_ = start;
+        }
+        const size_t place = call.arguments.size();
+        percent_ = scope_.percent ? scope_.percent(call.name, argument.name, place) : PercentKind::None;
+        argument.value = readValue();
+        return argument;
+    }
+
     Value readValue() {
         skipBlanks();
         const char letter = next();
+        if (letter == '$' && scope_.named) return readParameter();
         if (letter == '[') return readList();
         if (letter == '#') return readSymbol();
         if (letter == '"') return readText();
@@ -78,6 +113,22 @@ private:
         return text;
     }
 
+    Value readParameter() {
+        const size_t start = at_++;
+        const std::string name = readName();
+        const std::string* text = scope_.named(name);
+        if (!text) {
+            at_ = start;
+            fail("there is no parameter $" + name);
+        }
+        NotationScope inner;
+        inner.width = scope_.width;
+        inner.height = scope_.height;
+        Reader reader(*text, inner);
+        reader.whole_ = whole_;
+        return reader.readAll(percent_);
+    }
+
     Value readNumber() {
         if (next() == '+') ++at_;
         const char* const first = text_.data() + at_;
@@ -88,8 +139,30 @@ private:
         const auto realEnd = std::from_chars(first, end, real);
         if (realEnd.ec != std::errc()) fail("expected a value");
         at_ += static_cast<size_t>(realEnd.ptr - first);
+        if (next() == '%') return readPercentage(real);
         if (wholeEnd.ec == std::errc() && wholeEnd.ptr == realEnd.ptr) return whole;
         return real;
+    }
+
+    /// The rest of a percentage of the side that counts here.
+    Value readPercentage(double percentage) {
+        if (scope_.width < 1) fail("a percentage has no meaning here");
+        if (percent_ == PercentKind::None) fail("a percentage is for a length or a point");
+        ++at_;
+        const double pixels = percentage / 100 * (whole_ ? whole_ : std::min(scope_.width, scope_.height));
+        if (percent_ == PercentKind::Real) return pixels;
+        if (!(std::abs(pixels) < INT32_MAX)) fail("the percentage is too large");
+        return static_cast<int32_t>(std::lround(pixels));
+    }
+
+    /// A coordinate; a percentage is of `whole`.
+    int32_t readCoordinate(int32_t whole) {
+        const PercentKind outer = std::exchange(percent_, PercentKind::Whole);
+        whole_ = whole;
+        const int32_t pixels = readInteger();
+        whole_ = 0;
+        percent_ = outer;
+        return pixels;
     }
 
     int32_t readInteger() {
@@ -116,6 +189,8 @@ private:
             value = readColour();
         else if (sameLetters(name, "point"))
             value = readPoint();
+        else if (sameLetters(name, "rect"))
+            value = readSides();
         else if (sameLetters(name, "image"))
             value = readPicture();
         else
@@ -134,10 +209,20 @@ private:
 
     Point readPoint() {
         Point point;
-        point.x = readInteger();
+        point.x = readCoordinate(scope_.width);
         expect(',');
-        point.y = readInteger();
+        point.y = readCoordinate(scope_.height);
         return point;
+    }
+
+    /// Left, top, right and bottom as a list.
+    ListValue readSides() {
+        ListValue sides;
+        for (int i = 0; i < 4; ++i) {
+            if (i > 0) expect(',');
+            sides.emplace_back(readCoordinate(i % 2 ? scope_.height : scope_.width));
+        }
+        return sides;
     }
 
     PictureReference readPicture() {
@@ -155,7 +240,9 @@ private:
     Value readList() {
         if (++depth_ > kDeepest) fail("lists are nested too deeply");
         ++at_;
+        const PercentKind outer = std::exchange(percent_, PercentKind::None);
         Value value = readItems();
+        percent_ = outer;
         --depth_;
         return value;
     }
@@ -192,8 +279,11 @@ private:
     }
 
     std::string_view text_;
+    NotationScope scope_;
     size_t at_ = 0;
     int depth_ = 0;
+    PercentKind percent_ = PercentKind::None;  ///< what a percentage here becomes
+    int32_t whole_ = 0;                        ///< what it is a part of, or 0 for the shorter side
 };
 
 struct Writer {
@@ -236,6 +326,10 @@ struct Writer {
 }  // namespace
 
 Value readNotation(std::string_view text) { return Reader(text).readAll(); }
+
+CallNotation readCallNotation(std::string_view text, const NotationScope& scope) {
+    return Reader(text, scope).readCall();
+}
 
 std::string writeNotation(const Value& value) { return std::visit(Writer(), value.content()); }
 

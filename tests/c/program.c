@@ -197,6 +197,49 @@ static void use_cancelling(krl_engine* engine) {
     CHECK(krl_apply(engine, &picture, "invert", NULL) == KRL_OK);
 }
 
+static void use_looks(krl_engine* engine) {
+    static const char text[] =
+        "krlimage look 1\n"
+        "title: Warm\n"
+        "description: A test.\n"
+        "parameter levels: 40 from 0 to 80 \"levels to add\"\n"
+        "brightness($levels, #RGB)\n";
+    uint8_t pixels[WIDTH * HEIGHT * 4], expected[WIDTH * HEIGHT * 4];
+    krl_picture picture = picture_over(pixels, KRL_BGRA), other = picture_over(expected, KRL_BGRA);
+    krl_parameter_info info;
+    krl_look *look = NULL, *made = krl_look_new();
+    krl_result* result = NULL;
+    char written[400];
+    info.size = sizeof info;
+    CHECK(krl_look_read(text, &look, NULL) == KRL_OK && look != NULL);
+    CHECK(strcmp(krl_look_title(look), "Warm") == 0 && strcmp(krl_look_description(look), "A test.") == 0);
+    CHECK(krl_look_call_count(look) == 1 && krl_look_call(look, 1) == NULL);
+    CHECK(strcmp(krl_look_call(look, 0), "brightness($levels, #RGB)") == 0);
+    CHECK(krl_look_parameter_count(look) == 1 && krl_look_parameter(look, 0, &info) == KRL_OK);
+    CHECK(strcmp(info.name, "levels") == 0 && strcmp(info.to, "80") == 0 && info.argument != NULL);
+    CHECK(krl_look_set(look, "levels", "60", NULL) == KRL_OK);
+    CHECK(krl_look_apply(engine, look, &picture, &result) == KRL_OK && krl_result_line(result) == 0);
+    krl_result_free(result);
+    CHECK(krl_apply(engine, &other, "brightness(60, #RGB)", NULL) == KRL_OK);
+    CHECK(memcmp(pixels, expected, sizeof pixels) == 0);
+
+    CHECK(krl_look_set_title(made, "Warm", NULL) == KRL_OK);
+    CHECK(krl_look_set_description(made, "A test.", NULL) == KRL_OK);
+    CHECK(krl_look_add_parameter(made, "levels", "40", "0", "80", "levels to add", NULL) == KRL_OK);
+    CHECK(krl_look_add_call(made, "brightness($levels, #RGB)", NULL) == KRL_OK);
+    CHECK(krl_look_picture_count(made) == 0 && krl_look_picture_name(made, 0) == NULL);
+    CHECK(krl_look_set_picture(made, "paper", &picture) == KRL_OK);
+    CHECK(krl_look_write(made, written, sizeof written) < sizeof written);
+    krl_look_free(look);
+    CHECK(krl_look_read(written, &look, &result) == KRL_OK);
+    krl_result_free(result);
+    krl_look_free(look);
+    krl_look_free(made);
+    CHECK(krl_shipped_look_count() > 0 && krl_shipped_look_name(0) != NULL);
+    CHECK(krl_look_read(krl_shipped_look_text(0), &look, NULL) == KRL_OK);
+    krl_look_free(look);
+}
+
 int main(void) {
     krl_engine* engine = krl_engine_new(0);
     CHECK(engine != NULL);
@@ -206,6 +249,7 @@ int main(void) {
     use_calls(engine);
     use_pictures(engine);
     use_catalogue();
+    use_looks(engine);
     CHECK(krl_engine_keep_memory(engine, 0) == KRL_OK);
     use_cancelling(engine);
     krl_engine_free(engine);

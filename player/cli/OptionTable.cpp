@@ -1,0 +1,105 @@
+#include "player/cli/OptionTable.h"
+
+#include "player/cli/CommandList.h"
+#include "player/cli/Commands.h"
+
+namespace krl::player {
+
+namespace {
+
+std::string alternatives(const std::vector<std::string>& choices) {
+    std::string text;
+    for (const std::string& one : choices) text += (text.empty() ? "" : " or ") + one;
+    return text;
+}
+
+}  // namespace
+
+CLI::Option* addPath(CLI::App& app, const char* name, std::filesystem::path& target, const char* type,
+                     const char* meaning) {
+    return app
+        .add_option_function<std::string>(
+            name, [&target](const std::string& text) { target = text; }, meaning)
+        ->type_name(type);
+}
+
+CLI::Option* addPaths(CLI::App& app, const char* name, std::vector<std::filesystem::path>& target,
+                      const char* type, const char* meaning) {
+    return app
+        .add_option_function<std::vector<std::string>>(
+            name,
+            [&target](const std::vector<std::string>& texts) { target.assign(texts.begin(), texts.end()); },
+            meaning)
+        ->type_name(type);
+}
+
+CLI::Option* addTexts(CLI::App& app, const char* name, std::vector<std::string>& target, const char* type,
+                      const char* meaning) {
+    return app.add_option(name, target, meaning)
+        ->type_name(type)
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+CLI::Option* addChoice(CLI::App& app, const char* name, std::string& target, const char* choices,
+                       const char* meaning) {
+    const OptionDescription described{{name}, choices, ""};
+    return app.add_option(name, target, meaning)
+        ->type_name(choices)
+        ->check(CLI::Validator(
+            [allowed = described.choices()](const std::string& text) -> std::string {
+                const bool known = std::find(allowed.begin(), allowed.end(), text) != allowed.end();
+                return known ? "" : "expected " + alternatives(allowed) + ", got " + text;
+            },
+            ""));
+}
+
+void addJobs(CLI::App& app, unsigned& jobs) {
+    app.add_option("-j,--jobs", jobs, "Pictures processed in parallel (default: one per processor)")
+        ->type_name("N")
+        ->check(CLI::Range(1, 256).description(""));
+}
+
+void addTimeout(CLI::App& app, double& seconds) {
+    app.add_option("--timeout", seconds,
+                   "Stop after SECONDS, with exit code 124; finished pictures stay, no other is written")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.001, 1e6).description(""));
+}
+
+void addSession(CLI::App& app, SessionOptions& session, std::string& threads) {
+    addPath(app, "--xtra", session.xtraFile, "FILE",
+            "Load the plug-in from FILE instead of the built-in one");
+    addPaths(app, "--allow", session.allowedFolders, "DIR", "Also let scripts read and write in DIR")
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    addChoice(app, "--threads", threads, "mt|st",
+              "Use one thread per processor (mt) or a single thread (st)");
+    app.parse_complete_callback([&threads, &session] {
+        if (!threads.empty()) session.threads = threads == "mt" ? ThreadChoice::Many : ThreadChoice::One;
+    });
+}
+
+void addApplyOptions(CLI::App& app, ApplyOptions& options) {
+    app.add_option("IN|CALL", options.words,
+                   "Pictures, folders of pictures, and calls such as 'brightness(40, #RGB)'; arguments can\n"
+                   "be named, and omitted ones default to the method's example")
+        ->type_name("");
+    app.add_option("-o,--output", options.output, "Output picture, or the folder for several pictures")
+        ->type_name("OUT");
+    addTexts(app, "--look", options.looks, "LOOK",
+             "Apply a look before the calls: a file, or a name that look list shows; can be repeated");
+    addTexts(app, "--set", options.settings, "NAME=VALUE", "Set a parameter of the looks; can be repeated");
+    addChoice(app, "--format", options.format, KRL_FORMATS, "Output format, regardless of file extensions");
+    app.add_option("--quality", options.quality, "JPEG and WebP quality, 1 to 100 (default 90)")
+        ->type_name("N")
+        ->check(CLI::Range(1, 100).description(""));
+    addJobs(app, options.jobs);
+    addTimeout(app, options.timeout);
+    app.add_flag("--json", options.json, "Print results as JSON");
+    addChoice(app, "--print", options.print, "lingo",
+              "Print the calls as a Lingo script instead of running them");
+    addSession(app, options.session, options.threads);
+}
+
+}  // namespace krl::player
