@@ -38,6 +38,8 @@ install(TARGETS krlImageXtra LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/krlimag
 install(TARGETS krlimage COMPONENT program)
 install(DIRECTORY examples/pictures COMPONENT program DESTINATION ${CMAKE_INSTALL_DATADIR}/krlimage
   FILES_MATCHING PATTERN "*.png")
+install(DIRECTORY looks COMPONENT program DESTINATION ${CMAKE_INSTALL_DATADIR}/krlimage
+  FILES_MATCHING PATTERN "*.krl")
 
 # Generated from the command line itself.
 function(krl_install_output file folder)

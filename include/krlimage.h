@@ -41,7 +41,7 @@ extern "C" {
 
 /* Version of this interface. The major number changes when a program would have to. */
 #define KRL_INTERFACE_MAJOR 1
-#define KRL_INTERFACE_MINOR 1
+#define KRL_INTERFACE_MINOR 2
 #define KRL_INTERFACE_VERSION (KRL_INTERFACE_MAJOR * 1000 + KRL_INTERFACE_MINOR)
 
 /* `KRL_INTERFACE_VERSION` of the library that is loaded. */
