@@ -5,6 +5,7 @@
 #include "player/host/HostError.h"
 #include "player/lingo/Arithmetic.h"
 #include "player/lingo/ImageTools.h"
+#include "player/pictures/FileAccess.h"
 
 /// Functions and methods of images.
 namespace krl::player {
@@ -14,7 +15,7 @@ namespace {
 constexpr int32_t kOpaque = 255;
 
 Value imageFromFile(Runtime& runtime, const std::string& name) {
-    Bitmap bitmap = readPicture(runtime.sandbox.toRead(name));
+    Bitmap bitmap = readCheckedPicture(runtime.sandbox.toRead(name));
     return runtime.heap.make<ImageObject>(std::move(bitmap));
 }
 
@@ -29,7 +30,7 @@ Value image(Runtime& runtime, const Arguments& arguments) {
 
 Value save(Runtime& runtime, const Arguments& arguments) {
     const auto& picture = arguments.object<ImageObject>(0);
-    writePicture(runtime.sandbox.toWrite(arguments.text(1)), picture.bitmap);
+    writeCheckedPicture(runtime.sandbox.toWrite(arguments.text(1)), picture.bitmap);
     return Value();
 }
 

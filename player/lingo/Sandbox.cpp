@@ -41,7 +41,8 @@ fs::path pathOf(const std::string& name) {
 
 bool within(const fs::path& file, const fs::path& folder) {
     const auto [folderEnd, rest] = std::mismatch(folder.begin(), folder.end(), file.begin(), file.end());
-    return folderEnd == folder.end() && rest != file.end();
+    static_cast<void>(rest);  // a file may be allowed itself
+    return folderEnd == folder.end();
 }
 
 }  // namespace
@@ -83,7 +84,7 @@ fs::path Sandbox::toRead(const std::string& name) const {
     bool found = false;
     for (const fs::path& place : places) {
         if (!isThere(place)) continue;
-        if (allows(place)) return place;
+        if (allows(place)) return resolved(place);
         found = true;
     }
     if (found ||
@@ -99,8 +100,11 @@ fs::path Sandbox::toWrite(const std::string& name) const {
         place = outputFolder_ / wanted;
     else if (!wanted.is_absolute() && !allows(wanted))
         place = scriptFolder_ / wanted;
+    if (!place.has_filename()) throw HostError("expected a file name, got \"" + name + '"');
     if (!allows(place)) refuse(wanted);
-    return place;
+    // Not the file's own link, if it is one: that is replaced, and not what it points at.
+    const fs::path folder = place.has_parent_path() ? place.parent_path() : fs::path(".");
+    return resolved(folder) / place.filename();
 }
 
 std::vector<fs::path> Sandbox::castFolders() const {

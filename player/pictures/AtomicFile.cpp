@@ -15,6 +15,7 @@
 #include <io.h>
 #else
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -65,23 +66,7 @@ fs::path temporaryName(const fs::path& target) {
     static std::atomic<uint32_t> count = 0;
     const auto ticks = std::chrono::steady_clock::now().time_since_epoch().count();
     const std::string mark = std::to_string(ticks) + "-" + std::to_string(++count);
-    return target.parent_path() / ("." + mark + target.extension().string());
-}
-
-std::FILE* create(const fs::path& file) {
-#if defined(_WIN32)
-    return _wfopen(file.c_str(), L"w+b");
-#else
-    return std::fopen(file.c_str(), "w+be");
-#endif
-}
-
-void removeFile(const fs::path& file) noexcept {
-#if defined(_WIN32)
-    _wremove(file.c_str());
-#else
-    ::unlink(file.c_str());
-#endif
+    return "." + mark + target.extension().string();
 }
 
 #if defined(_WIN32)
@@ -116,7 +101,7 @@ int openToPour(const fs::path& target) {
 
 }  // namespace
 
-AtomicFile::AtomicFile(const fs::path& target) : target_(target) {
+AtomicFile::AtomicFile(const fs::path& target, const AtomicFileRules& rules) : target_(target) {
     int error = 0;
     if (isPouredInto(target)) {
         poured_ = openToPour(target);
@@ -124,22 +109,80 @@ AtomicFile::AtomicFile(const fs::path& target) : target_(target) {
         error = errno;
         if (!stream_ && poured_ >= 0) ::close(poured_);
     } else {
-        temporary_ = temporaryName(target);
+        openFolder(rules.isChecked);
         const GateGuard guard;
-        stream_ = create(temporary_);
+        create(rules.permissions);
         error = errno;
         if (stream_) next_ = std::exchange(unfinished, this);
     }
-    if (!stream_) fail(error);
+    if (!stream_) {
+        closeFolder();
+        fail(error);
+    }
 }
+
+#if defined(_WIN32)
+void AtomicFile::openFolder(bool) {}
+void AtomicFile::closeFolder() noexcept {}
+
+void AtomicFile::create(unsigned) {
+    temporary_ = target_.parent_path() / temporaryName(target_);
+    stream_ = _wfopen(temporary_.c_str(), L"w+b");
+}
+
+void AtomicFile::removeTemporary() const noexcept { _wremove(temporary_.c_str()); }
+
+int AtomicFile::rename() const {
+    std::error_code failure;
+    fs::rename(temporary_, target_, failure);
+    return failure.value();
+}
+#else
+void AtomicFile::openFolder(bool isChecked) {
+    const fs::path name = target_.has_parent_path() ? target_.parent_path() : fs::path(".");
+    folder_ = ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder_ < 0) fail(errno);
+    if (!isChecked) return;
+    std::error_code unknown;
+    const fs::path place = fs::read_symlink("/proc/self/fd/" + std::to_string(folder_), unknown);
+    if (unknown || place == name) return;
+    closeFolder();
+    throw PictureError("cannot write " + target_.string() + ": its folder was replaced by " + place.string());
+}
+
+void AtomicFile::closeFolder() noexcept {
+    if (folder_ >= 0) ::close(std::exchange(folder_, -1));
+}
+
+void AtomicFile::create(unsigned permissions) {
+    const fs::path name = temporaryName(target_);
+    const mode_t allowed = permissions == 0 ? 0666 : (permissions & 0666) | S_IRUSR | S_IWUSR;
+    const int descriptor = ::openat(folder_, name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, allowed);
+    if (descriptor < 0) return;
+    struct stat replaced {};
+    if (::fstatat(folder_, target_.filename().c_str(), &replaced, 0) == 0 && S_ISREG(replaced.st_mode))
+        static_cast<void>(::fchmod(descriptor, replaced.st_mode & 0777));
+    stream_ = ::fdopen(descriptor, "w+b");
+    temporary_ = name;
+}
+
+void AtomicFile::removeTemporary() const noexcept { ::unlinkat(folder_, temporary_.c_str(), 0); }
+
+int AtomicFile::rename() const {
+    const int status = ::renameat(folder_, temporary_.c_str(), folder_, target_.filename().c_str());
+    return status == 0 ? 0 : errno;
+}
+#endif
 
 AtomicFile::~AtomicFile() {
     if (stream_) std::fclose(stream_);
     if (poured_ >= 0) ::close(poured_);
-    if (temporary_.empty()) return;
-    const GateGuard guard;
-    removeFile(temporary_);
-    forget();
+    if (!temporary_.empty()) {
+        const GateGuard guard;
+        removeTemporary();
+        forget();
+    }
+    closeFolder();
 }
 
 void AtomicFile::fail(int error) const {
@@ -177,17 +220,17 @@ void AtomicFile::commit(const std::function<void()>& whenInPlace) {
         pour();
     else if (std::fclose(std::exchange(stream_, nullptr)) != 0)
         fail(errno);
-    std::error_code failure;
+    int failure = 0;
     {
         const GateGuard guard;
-        if (!temporary_.empty()) fs::rename(temporary_, target_, failure);
-        if (!failure) {
+        if (!temporary_.empty()) failure = rename();
+        if (failure == 0) {
             forget();
             temporary_.clear();
             if (whenInPlace) whenInPlace();
         }
     }
-    if (failure) throw PictureError("cannot write " + target_.string() + ": " + failure.message());
+    if (failure != 0) fail(failure);
 }
 
 void AtomicFile::pour() {
@@ -206,7 +249,7 @@ void AtomicFile::pour() {
 
 void removeUnfinishedFiles() noexcept {
     passGate();  // and never release it
-    for (const AtomicFile* file = unfinished; file; file = file->next_) removeFile(file->temporary_);
+    for (const AtomicFile* file = unfinished; file; file = file->next_) file->removeTemporary();
 }
 
 }  // namespace krl::player

@@ -7,14 +7,24 @@
 
 namespace krl::player {
 
+/// What a written file has to comply with.
+struct AtomicFileRules {
+    /// Whether the target's name has no links, and may have come to mean another place since it was checked:
+    /// then nothing is written.
+    bool isChecked = false;
+    /// Nobody is let in whom these bits of a file's mode keep out; 0 keeps nobody out.
+    unsigned permissions = 0;
+};
+
 /// A file that is written completely or not at all: under a temporary name beside its target, until
 /// `commit` renames it. Without `commit`, or if the program is interrupted, nothing is left behind. If
 /// the target is a pipe, a device or an open file, such as `/dev/stdout`, `commit` copies the content to
-/// it instead.
+/// it instead. A file that is replaced
+/// keeps its permissions.
 class AtomicFile {
 public:
     /// Creates the file beside `target`; throws `PictureError` on failure.
-    explicit AtomicFile(const std::filesystem::path& target);
+    explicit AtomicFile(const std::filesystem::path& target, const AtomicFileRules& rules = {});
     ~AtomicFile();
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
@@ -34,10 +44,17 @@ private:
 
     void pour();
     void forget() noexcept;
+    void openFolder(bool isChecked);
+    void closeFolder() noexcept;
+    /// Gives the file its name; returns 0 or why that failed.
+    int rename() const;
+    void create(unsigned permissions);
+    void removeTemporary() const noexcept;
     [[noreturn]] void fail(int error) const;
 
     std::filesystem::path target_;
-    std::filesystem::path temporary_;  ///< empty if there is nothing to remove
+    std::filesystem::path temporary_;  ///< in the target's folder; empty if there is nothing to remove
+    int folder_ = -1;                  ///< descriptor of that folder, for systems that have such
     std::FILE* stream_ = nullptr;
     int poured_ = -1;             ///< descriptor to copy the content to, or -1
     AtomicFile* next_ = nullptr;  ///< in the list of unfinished files

@@ -17,11 +17,7 @@ namespace {
 /// A file that is read up to its end or the first error.
 class PamFile {
 public:
-    explicit PamFile(const std::filesystem::path& path)
-        : path_(path), stream_(std::fopen(path.string().c_str(), "rb")) {
-        if (!stream_) refuse(path, std::strerror(errno));
-    }
-    ~PamFile() { std::fclose(stream_); }
+    explicit PamFile(const InputFile& file) : path_(file.path()), stream_(file.fromStart()) {}
     PamFile(const PamFile&) = delete;
     PamFile& operator=(const PamFile&) = delete;
 
@@ -89,8 +85,9 @@ PamHeader readHeader(const std::filesystem::path& path, PamFile& file) {
 
 }  // namespace
 
-Bitmap readPam(const std::filesystem::path& path) {
-    PamFile file(path);
+Bitmap readPam(const InputFile& input) {
+    const std::filesystem::path& path = input.path();
+    PamFile file(input);
     const PamHeader header = readHeader(path, file);
     if (header.depth != 4 || header.maximum != 255 || header.tupleType != "RGB_ALPHA")
         refuse(path, "a PAM picture must have DEPTH 4, MAXVAL 255 and TUPLTYPE RGB_ALPHA");

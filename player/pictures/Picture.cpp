@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "player/pictures/FileAccess.h"
 #include "player/pictures/Formats.h"
 
 namespace krl::player {
@@ -35,24 +36,41 @@ std::string lowerExtension(const std::filesystem::path& path) {
     return extension;
 }
 
-bool beginsAsPam(const std::filesystem::path& path) {
-    const auto refuse = [&path](const char* why) {
-        throw PictureError("cannot read " + path.string() + ": " + why);
-    };
-    std::error_code failed;
-    const std::filesystem::file_status status = std::filesystem::status(path, failed);
-    if (std::filesystem::is_directory(status)) refuse("is a folder");
-    // Formats are detected by reading a file twice, which a pipe does not allow.
-    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
-        refuse("pictures can be read from files only, not from a pipe or device");
-    std::FILE* file = std::fopen(path.string().c_str(), "rb");
-    if (!file) refuse(std::strerror(errno));
+bool beginsAsPam(const InputFile& file) {
     char start[2] = {};
-    const bool broken = std::fread(start, 1, 2, file) < 2 && std::ferror(file);
-    const int error = errno;
-    std::fclose(file);
-    if (broken) refuse(std::strerror(error));
+    std::FILE* stream = file.fromStart();
+    if (std::fread(start, 1, 2, stream) < 2 && std::ferror(stream))
+        throw PictureError("cannot read " + file.path().string() + ": " + std::strerror(errno));
     return start[0] == 'P' && start[1] == '7';
+}
+
+Bitmap read(const InputFile& file) {
+    if (beginsAsPam(file)) return readPam(file);
+#if defined(KRL_WITH_VIPS)
+    return readWithVips(file);
+#else
+    throw PictureError(file.path().string() + " is not a PAM picture, the only format that this build reads");
+#endif
+}
+
+void write(AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
+    const std::filesystem::path& path = file.target();
+    const std::optional<PictureFormat> format = options.format ? options.format : formatOf(path);
+    if (format == PictureFormat::Pam) {
+        writePam(file, picture);
+    } else {
+#if defined(KRL_WITH_VIPS)
+        writeWithVips(file, picture, *format, options.quality);
+#endif
+    }
+    file.commit(options.whenWritten);
+}
+
+/// Throws unless the picture can be written under this name, before a file is made.
+void requireWritable(const std::filesystem::path& path, const Bitmap& picture, const WriteOptions& options) {
+    if (!options.format && !formatOf(path))
+        throw PictureError("cannot write " + path.string() + ": its name must end in " + kFormats);
+    requirePictureSize(path, picture.width, picture.height);
 }
 
 }  // namespace
@@ -64,13 +82,29 @@ void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_
         throw PictureError(path.string() + " is too large: " + size + ", and pictures are limited to 2 GiB");
 }
 
-Bitmap readPicture(const std::filesystem::path& path) {
-    if (beginsAsPam(path)) return readPam(path);
+Bitmap readPicture(const std::filesystem::path& path) { return read(InputFile(path)); }
+
+Bitmap readCheckedPicture(const std::filesystem::path& path) {
+    const InputFile file(path);
+    const std::filesystem::path place = file.place();
+    if (!place.empty() && place != path)
+        throw PictureError("cannot read " + path.string() + ": it was replaced by " + place.string());
+    return read(file);
+}
+
+std::vector<std::string> lossesIn(const std::filesystem::path& path) {
+    std::error_code unknown;
+    if (!std::filesystem::is_regular_file(path, unknown)) return {};  // what comes from a pipe comes once
+    try {
+        const InputFile file(path);
+        if (beginsAsPam(file)) return {};
 #if defined(KRL_WITH_VIPS)
-    return readWithVips(path);
-#else
-    throw PictureError(path.string() + " is not a PAM picture, the only format that this build reads");
+        return lossesWithVips(file);
 #endif
+    } catch (const PictureError&) {
+        // Reading the picture reports it.
+    }
+    return {};
 }
 
 std::optional<PictureFormat> formatOf(const std::filesystem::path& path) {
@@ -85,18 +119,25 @@ bool isPictureName(const std::filesystem::path& path) { return formatOf(path).ha
 std::string writableFormats() { return kFormats; }
 
 void writePicture(const std::filesystem::path& path, const Bitmap& picture, const WriteOptions& options) {
-    const std::optional<PictureFormat> format = options.format ? options.format : formatOf(path);
-    if (!format) throw PictureError("cannot write " + path.string() + ": its name must end in " + kFormats);
-    requirePictureSize(path, picture.width, picture.height);
+    requireWritable(path, picture, options);
     AtomicFile file(path);
-    if (format == PictureFormat::Pam) {
-        writePam(file, picture);
-    } else {
-#if defined(KRL_WITH_VIPS)
-        writeWithVips(file, picture, *format, options.quality);
-#endif
-    }
-    file.commit(options.whenWritten);
+    write(file, picture, options);
+}
+
+void writeCheckedPicture(const std::filesystem::path& path, const Bitmap& picture) {
+    requireWritable(path, picture, {});
+    AtomicFile file(path, {.isChecked = true});
+    write(file, picture, {});
+}
+
+void writePictureOf(const std::filesystem::path& source, const std::filesystem::path& path,
+                    const Bitmap& picture, const WriteOptions& options) {
+    requireWritable(path, picture, options);
+    std::error_code unknown;
+    const std::filesystem::file_status status = std::filesystem::status(source, unknown);
+    const auto permissions = static_cast<unsigned>(status.permissions()) & 0777u;
+    AtomicFile file(path, {.permissions = std::filesystem::is_regular_file(status) ? permissions : 0});
+    write(file, picture, options);
 }
 
 }  // namespace krl::player

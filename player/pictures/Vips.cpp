@@ -7,6 +7,7 @@
 #include <mutex>
 #include <shared_mutex>
 
+#include "player/pictures/ExifThumbnail.h"
 #include "player/pictures/Formats.h"
 
 namespace krl::player {
@@ -18,6 +19,7 @@ void startVips() {
     std::call_once(started, [] {
         g_setenv("VIPS_WARNING", "0", TRUE);
         if (VIPS_INIT("krlimage")) throw PictureError("cannot initialise libvips");
+        vips_block_untrusted_set(TRUE);
         vips_concurrency_set(1);  // parallelism is across pictures, not within one
         vips_cache_set_max(0);
     });
@@ -84,7 +86,7 @@ std::vector<uint8_t> blobOf(VipsImage* image, const char* name) {
 std::shared_ptr<const PictureMetadata> metadataOf(VipsImage* image, bool profileFits) {
     auto metadata = std::make_shared<PictureMetadata>();
     if (profileFits) metadata->colourProfile = blobOf(image, VIPS_META_ICC_NAME);
-    metadata->exif = blobOf(image, VIPS_META_EXIF_NAME);
+    metadata->exif = withoutThumbnail(blobOf(image, VIPS_META_EXIF_NAME));
     metadata->xmp = blobOf(image, VIPS_META_XMP_NAME);
     metadata->iptc = blobOf(image, VIPS_META_IPTC_NAME);
     metadata->pixelsPerMillimetreX = vips_image_get_xres(image);
@@ -207,10 +209,33 @@ int save(VipsImage* image, AtomicFile& file, PictureFormat format, int quality) 
     return status;
 }
 
-Bitmap read(const std::filesystem::path& path) {
+/// Whether a loader is for a format that is meant to be read. Others may be just as good at reading what
+/// nobody meant to give them.
+bool isKnownLoader(const char* loader) {
+    static constexpr const char* known[] = {"VipsForeignLoadPngSource",   "VipsForeignLoadJpegSource",
+                                            "VipsForeignLoadTiffSource",  "VipsForeignLoadWebpSource",
+                                            "VipsForeignLoadNsgifSource", "VipsForeignLoadHeifSource"};
+    return loader && std::any_of(std::begin(known), std::end(known),
+                                 [&](const char* one) { return std::strcmp(one, loader) == 0; });
+}
+
+/// Opens a picture by its descriptor: names could be more than names to the library. Null for an unknown
+/// format.
+VipsImage* open(const InputFile& file) {
+    VipsSource* source = vips_source_new_from_descriptor(file.descriptor());
+    if (!source) return nullptr;
+    VipsImage* image = nullptr;
+    if (isKnownLoader(vips_foreign_find_load_source(source)))
+        image = vips_image_new_from_source(source, "", "access", VIPS_ACCESS_SEQUENTIAL, "fail_on",
+                                           VIPS_FAIL_ON_ERROR, nullptr);
+    g_object_unref(source);
+    return image;
+}
+
+Bitmap read(const InputFile& file) {
+    const std::filesystem::path& path = file.path();
     const std::string doing = "read " + path.string();
-    VipsImage* opened = vips_image_new_from_file(path.string().c_str(), "access", VIPS_ACCESS_SEQUENTIAL,
-                                                 "fail_on", VIPS_FAIL_ON_ERROR, nullptr);
+    VipsImage* opened = open(file);
     if (!opened) {
         vips_error_clear();
         throw PictureError("cannot " + doing + ": unrecognised picture format");
@@ -274,9 +299,27 @@ void write(AtomicFile& file, const Bitmap& picture, PictureFormat format, int qu
 
 }  // namespace
 
-Bitmap readWithVips(const std::filesystem::path& path) {
+Bitmap readWithVips(const InputFile& file) {
     startVips();
-    return tellingItsOwnReason([&] { return read(path); });
+    return tellingItsOwnReason([&] { return read(file); });
+}
+
+std::vector<std::string> lossesWithVips(const InputFile& file) {
+    startVips();
+    VipsImage* image = open(file);
+    if (!image) {
+        vips_error_clear();
+        return {};
+    }
+    std::vector<std::string> losses;
+    const int pages = vips_image_get_n_pages(image);
+    if (pages > 1) losses.push_back("all but the first of " + std::to_string(pages) + " pages or frames");
+    const VipsBandFormat format = vips_image_get_format(image);
+    if (format != VIPS_FORMAT_UCHAR)
+        losses.push_back("the precision of " + std::to_string(vips_format_sizeof(format) * 8) +
+                         " bits a sample, as pictures have 8");
+    g_object_unref(image);
+    return losses;
 }
 
 void writeWithVips(AtomicFile& file, const Bitmap& picture, PictureFormat format, int quality) {
