@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
+#include <sstream>
 
 #include "player/cli/ApplyProgress.h"
 #include "player/cli/CatalogueCalls.h"
@@ -14,7 +15,9 @@
 #include "player/cli/MethodFacts.h"
 #include "player/cli/ProgressBar.h"
 #include "player/cli/SideBySide.h"
+#include "player/cli/TextFile.h"
 #include "player/cli/TimeLimit.h"
+#include "player/pictures/FileAccess.h"
 #include "player/pictures/Picture.h"
 
 namespace krl::player {
@@ -54,13 +57,30 @@ Runner makeRunner(const SessionOptions& options) {
             {}};
 }
 
-/// Looks first, then calls, up to the first that fails.
-void runAll(const Runner& run, const Work& work, Bitmap& picture, PictureReport& report) {
+/// Which second picture of a failed call has another size than the picture, or nothing.
+std::string sizeHint(const ChainCall& call, const Bitmap& picture) {
+    const std::vector<krl::Value> arguments = call.arguments(picture.width, picture.height);
+    for (size_t i = 0; i < arguments.size(); ++i) {
+        const auto* second = arguments[i].as<krl::Picture>();
+        if (!second || (second->info.width == picture.width && second->info.height == picture.height))
+            continue;
+        const auto size = [](int32_t width, int32_t height) {
+            return std::to_string(width) + " by " + std::to_string(height);
+        };
+        return std::string("; ") + call.method().arguments()[i].name + " is " +
+               size(second->info.width, second->info.height) + " pixels, the picture " +
+               size(picture.width, picture.height);
+    }
+    return "";
+}
+
+/// Looks first, then calls, up to the first that fails; returns a hint why it may have.
+std::string runAll(const Runner& run, const Work& work, Bitmap& picture, PictureReport& report) {
     for (const ReadyLook& look : work.looks) {
         CallReport& made = report.calls.emplace_back();
         made.call = "look " + look.name;
         made.outcome = run.look(picture, look);
-        if (!made.outcome.ok()) return;
+        if (!made.outcome.ok()) return "";
     }
     for (const ChainCall& call : work.chain) {
         CallReport& made = report.calls.emplace_back();
@@ -68,25 +88,29 @@ void runAll(const Runner& run, const Work& work, Bitmap& picture, PictureReport&
         made.outcome = run.call(picture, call);
         const bool plain = made.outcome.shown.empty() || made.outcome.shown == "[#error: 0]";
         made.telling = !plain && !(made.outcome.ok() && call.method().makesPicture());
-        if (!made.outcome.ok()) return;
+        if (!made.outcome.ok()) return sizeHint(call, picture);
     }
+    return "";
 }
 
 PictureReport workOn(const Runner& run, const Work& work, size_t index) {
     const BatchItem& item = work.progress.items()[index];
     PictureReport report;
     try {
+        for (const std::string& loss : lossesIn(item.input))
+            report.notes.push_back(item.input.string() + " loses " + loss);
         Bitmap picture = readPicture(item.input);
-        runAll(run, work, picture, report);
+        const std::string hint = runAll(run, work, picture, report);
         if (!report.calls.empty() && !report.calls.back().outcome.ok()) {
             const CallReport& failed = report.calls.back();
-            report.failure = item.input.string() + ": " + failed.outcome.error + " from " + failed.call;
+            report.failure =
+                item.input.string() + ": " + failed.outcome.error + " from " + failed.call + hint;
             return report;
         }
         work.progress.calledAll(index, report);
         WriteOptions options = work.options;
         options.whenWritten = [&] { work.progress.written(index); };
-        writePicture(item.output, picture, options);
+        writePictureOf(item.input, item.output, picture, options);
         report.written = true;
     } catch (const ScriptError& error) {
         report.failure = item.input.string() + ": " + error.what();
@@ -129,6 +153,10 @@ void showFailure(const PictureReport& report, const Terminal& terminal) {
     terminal.err << "krlimage: " << report.failure << '\n';
 }
 
+void showNotes(const std::vector<std::string>& notes, const Terminal& terminal) {
+    for (const std::string& note : notes) terminal.err << "krlimage: note: " << note << '\n';
+}
+
 void tellAll(const std::vector<BatchItem>& items, const std::vector<PictureReport>& reports, size_t failed,
              bool json, const Terminal& terminal) {
     auto all = nlohmann::ordered_json::array();
@@ -137,6 +165,7 @@ void tellAll(const std::vector<BatchItem>& items, const std::vector<PictureRepor
             all.push_back(jsonOf(items[i], reports[i]));
         else
             showResults(reports[i], terminal);
+        showNotes(reports[i].notes, terminal);
         if (!reports[i].written) showFailure(reports[i], terminal);
     }
     // File names can hold arbitrary bytes, JSON cannot.
@@ -172,6 +201,7 @@ void failTheRest(ApplyProgress& progress, const std::string& why) {
 
 /// Rejects a single word that names neither a file nor a method, before anything is written.
 void refuseUnknownName(const std::string& word) {
+    if (isStandardStream(word)) return;
     const bool lone = std::all_of(word.begin(), word.end(),
                                   [](unsigned char letter) { return std::isalnum(letter) || letter == '_'; });
     std::error_code unreadable;
@@ -202,6 +232,33 @@ int printScript(const std::vector<fs::path>& inputs, const std::vector<ChainCall
     return 0;
 }
 
+/// Adds the inputs in a file, one a line.
+void addListed(const fs::path& list, std::vector<fs::path>& inputs) {
+    if (list.empty()) return;
+    std::istringstream lines(readText(list));
+    for (std::string line; std::getline(lines, line);)
+        if (!line.empty()) inputs.emplace_back(line);
+}
+
+std::string exampleOf(const std::vector<ChainCall>& chain) {
+    const std::string call = chain.empty() ? "sepia" : chain.front().written();
+    return ", as in krlimage apply in.jpg -o out.jpg '" + call + '\'';
+}
+
+int printPlan(const std::vector<fs::path>& inputs, const ApplyOptions& options, const Terminal& terminal) {
+    std::vector<std::string> notes;
+    for (const BatchItem& item : planBatch(inputs, options, &notes))
+        terminal.out << item.input.string() << " -> " << item.output.string() << '\n';
+    showNotes(notes, terminal);
+    return 0;
+}
+
+/// PNG for a pipe, which has no name to tell the format by.
+std::optional<PictureFormat> formatFor(const ApplyOptions& options) {
+    return formatOf(options.format.empty() && isStandardStream(options.output) ? "x.png"
+                                                                               : "x." + options.format);
+}
+
 void evaluate(std::vector<ChainCall>& chain, const SessionOptions& settings) {
     if (chain.empty()) return;
     Session session(settings);
@@ -226,8 +283,11 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
     if (!options.print.empty() && !options.looks.empty())
         throw UsageError("--print lingo prints calls, not looks");
     if (!options.print.empty()) return printScript(inputs, chain, terminal);
-    if (inputs.empty()) throw UsageError("no input: name a picture or a folder");
-    if (options.output.empty()) throw UsageError("no output: use -o FILE or -o DIR");
+    addListed(options.inputList, inputs);
+    if (inputs.empty()) throw UsageError("no input: name a picture or a folder" + exampleOf(chain));
+    if (options.output.empty() && !options.inPlace)
+        throw UsageError("no output: use -o FILE or -o DIR" + exampleOf(chain));
+    if (options.dryRun) return printPlan(inputs, options, terminal);
 
     // The user wrote the calls and named the pictures, so no folder is off limits.
     SessionOptions settings = options.session;
@@ -235,7 +295,8 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
     const std::vector<ReadyLook> looks = readyLooks(options.looks, options.settings);
     evaluate(chain, settings);
     ApplyProgress progress(inputs, options);
-    const WriteOptions writing{options.quality, formatOf("x." + options.format), {}};
+    const WriteOptions writing{options.quality, formatFor(options), {}};
+    showNotes(progress.notes(), terminal);
     const Work work{looks, chain, writing, progress};
     try {
         ProgressBar bar(terminal, progress.alone().size() + progress.together().size(), "pictures");
@@ -255,7 +316,10 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
         if (progress.items().size() == 1) throw;
         failTheRest(progress, error.what());
     }
-    return outcomeOf(progress.items(), progress.reports, options.json, terminal);
+    // Nothing but the picture goes to standard output.
+    const Terminal results{isStandardStream(options.output) ? terminal.err : terminal.out, terminal.err,
+                           terminal.live};
+    return outcomeOf(progress.items(), progress.reports, options.json, results);
 }
 
 }  // namespace krl::player

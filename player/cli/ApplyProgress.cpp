@@ -44,7 +44,7 @@ ApplyProgress::ApplyProgress(const std::vector<std::filesystem::path>& inputs, c
         resume();
         return;
     }
-    items_ = planBatch(inputs, options);
+    items_ = planBatch(inputs, options, &notes_);
     reports.resize(items_.size());
     for (size_t i = 0; i < items_.size(); ++i) together_.push_back(i);
     if (journal_.kept()) journal_.note(JournalEntry::Kind::Plan, 0, packed(items_));

@@ -21,7 +21,8 @@ struct CallReport {
 struct PictureReport {
     std::vector<CallReport> calls;
     bool written = false;
-    std::string failure;  ///< one line; empty for a picture that was written
+    std::vector<std::string> notes;  ///< what else is worth knowing, a line each
+    std::string failure;             ///< one line; empty for a picture that was written
 
     bool settled() const { return written || !failure.empty(); }
 };
@@ -33,6 +34,8 @@ public:
     ApplyProgress(const std::vector<std::filesystem::path>& inputs, const ApplyOptions& options);
 
     const std::vector<BatchItem>& items() const { return items_; }
+    /// What the plan leaves out, a line each.
+    const std::vector<std::string>& notes() const { return notes_; }
     /// Pictures not yet settled: those to process alone, one after another, and the others.
     const std::vector<size_t>& alone() const { return alone_; }
     const std::vector<size_t>& together() const { return together_; }
@@ -51,6 +54,7 @@ private:
 
     CrashJournal journal_;
     std::vector<BatchItem> items_;
+    std::vector<std::string> notes_;
     std::vector<size_t> alone_, together_;
 };
 

@@ -19,17 +19,6 @@ bool isFolder(const fs::path& path) {
     return fs::is_directory(path, unreadable);
 }
 
-std::vector<fs::path> picturesIn(const fs::path& folder) {
-    std::vector<fs::path> found;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder))
-        if (entry.is_regular_file() && isPictureName(entry.path()) &&
-            entry.path().filename().string().front() != '.')
-            found.push_back(entry.path());
-    if (found.empty()) throw CommandError("no pictures found in " + folder.string());
-    std::sort(found.begin(), found.end());
-    return found;
-}
-
 /// Whether a name has the extension of a picture format, including those that this build cannot write.
 bool endsAsPictures(const fs::path& name) {
     static constexpr const char* others[] = {".avif", ".bmp", ".gif", ".heic", ".heif", ".jp2",
@@ -40,12 +29,105 @@ bool endsAsPictures(const fs::path& name) {
            std::find(std::begin(others), std::end(others), extension) != std::end(others);
 }
 
-fs::path nameIn(const fs::path& folder, const fs::path& input, const std::string& format) {
-    fs::path name = input.filename();
-    if (format.empty()) return folder / name;
+/// A picture to read and, for one in a folder, where in that folder it is.
+struct Found {
+    fs::path input, within;
+};
+
+/// Formats that are read but not written.
+bool isReadOnlyFormat(const fs::path& name) {
+    static constexpr const char* extensions[] = {".gif", ".heic", ".heif", ".avif"};
+    return std::find(std::begin(extensions), std::end(extensions), folded(name.extension().string())) !=
+           std::end(extensions);
+}
+
+/// Finds the pictures to work on.
+class Search {
+public:
+    Search(const ApplyOptions& options, std::vector<std::string>& notes) : options_(options), notes_(notes) {}
+
+    std::vector<Found> in(const std::vector<fs::path>& inputs) {
+        for (const fs::path& input : inputs)
+            if (!isFolder(input))
+                found_.push_back({input, {}});
+            else
+                searchFolder(input);
+        return std::move(found_);
+    }
+
+private:
+    void searchFolder(const fs::path& folder) {
+        const size_t before = found_.size();
+        if (options_.recursive)
+            for (const auto& entry : fs::recursive_directory_iterator(folder)) consider(folder, entry);
+        else
+            for (const auto& entry : fs::directory_iterator(folder)) consider(folder, entry);
+        if (found_.size() == before) throw CommandError("no pictures found in " + folder.string());
+        std::sort(found_.begin() + static_cast<std::ptrdiff_t>(before), found_.end(),
+                  [](const Found& a, const Found& b) { return a.input < b.input; });
+    }
+
+    void consider(const fs::path& folder, const fs::directory_entry& entry) {
+        const fs::path& path = entry.path();
+        if (!entry.is_regular_file() || path.filename().string().front() == '.') return;
+        if (isPictureName(path) || (isReadOnlyFormat(path) && !options_.format.empty()))
+            found_.push_back({path, path.lexically_relative(folder).parent_path()});
+        else if (isReadOnlyFormat(path))
+            notes_.push_back("skipped " + path.string() +
+                             ": the format is read but not written; --format png "
+                             "includes it");
+        else if (endsAsPictures(path))
+            notes_.push_back("skipped " + path.string() + ": pictures of this format cannot be read");
+    }
+
+    const ApplyOptions& options_;
+    std::vector<std::string>& notes_;
+    std::vector<Found> found_;
+};
+
+std::string extensionFor(const fs::path& input, const std::string& format) {
+    if (!format.empty()) return format;
+    const std::string extension = input.extension().string();
+    return extension.empty() ? "" : extension.substr(1);
+}
+
+/// `{folder}/{stem}_{look}.{ext}` filled in.
+fs::path nameFrom(const Found& found, size_t number, const ApplyOptions& options) {
+    std::string looks;
+    for (const std::string& look : options.looks)
+        looks += (looks.empty() ? "" : "+") + fs::path(look).stem().string();
+    const std::map<std::string, std::string> values = {
+        {"folder", found.within.empty() ? "." : found.within.string()},
+        {"stem", found.input.stem().string()},
+        {"name", found.input.filename().string()},
+        {"ext", extensionFor(found.input, options.format)},
+        {"look", looks},
+        {"n", std::to_string(number)}};
+    std::string name;
+    const std::string& pattern = options.nameTemplate;
+    for (size_t i = 0; i < pattern.size(); ++i) {
+        const size_t end = pattern[i] == '{' ? pattern.find('}', i) : std::string::npos;
+        if (end == std::string::npos) {
+            name += pattern[i];
+            continue;
+        }
+        const auto value = values.find(pattern.substr(i + 1, end - i - 1));
+        if (value == values.end())
+            throw UsageError("--name: " + pattern.substr(i, end - i + 1) +
+                             " is unknown; there is {folder}, {stem}, {name}, {ext}, {look} and {n}");
+        name += value->second;
+        i = end;
+    }
+    return fs::path(name).lexically_normal();
+}
+
+fs::path nameFor(const Found& found, size_t number, const ApplyOptions& options) {
+    if (!options.nameTemplate.empty()) return nameFrom(found, number, options);
+    fs::path name = found.within / found.input.filename();
+    if (options.format.empty()) return name;
     // Text after a dot is part of the name, as in `v1.2`, unless it is a picture format's extension.
-    if (endsAsPictures(name)) return folder / name.replace_extension(format);
-    return folder / (name.string() + '.' + format);
+    if (endsAsPictures(name)) return name.replace_extension(options.format);
+    return name.string() + '.' + options.format;
 }
 
 void refuseSharedOutputs(const std::vector<BatchItem>& items) {
@@ -58,32 +140,83 @@ void refuseSharedOutputs(const std::vector<BatchItem>& items) {
     }
 }
 
-}  // namespace
+/// No output may replace an input unless that is asked for.
+void refuseLostInputs(const std::vector<BatchItem>& items) {
+    std::map<fs::path, const fs::path*> inputs;
+    std::error_code failed;
+    for (const BatchItem& item : items) inputs[fs::weakly_canonical(item.input, failed)] = &item.input;
+    for (const BatchItem& item : items) {
+        const auto lost = inputs.find(fs::weakly_canonical(item.output, failed));
+        if (!failed && lost != inputs.end() && fs::is_regular_file(*lost->second, failed))
+            throw UsageError(lost->second->string() +
+                             " would be overwritten: name another output, or use --in-place");
+    }
+}
 
-std::vector<BatchItem> planBatch(const std::vector<fs::path>& inputs, const ApplyOptions& options) {
-    std::vector<fs::path> pictures;
-    bool severalWanted = inputs.size() > 1;
-    for (const fs::path& input : inputs) {
-        if (!isFolder(input)) {
-            pictures.push_back(input);
-            continue;
-        }
-        severalWanted = true;
-        const auto found = picturesIn(input);
-        pictures.insert(pictures.end(), found.begin(), found.end());
+void leaveOutDone(std::vector<BatchItem>& items, const ApplyOptions& options,
+                  std::vector<std::string>& notes) {
+    if (!options.skipExisting && !options.newer) return;
+    const size_t all = items.size();
+    std::erase_if(items, [&](const BatchItem& item) {
+        std::error_code missing;
+        const auto written = fs::last_write_time(item.output, missing);
+        if (missing) return false;
+        return options.skipExisting || written >= fs::last_write_time(item.input, missing);
+    });
+    if (items.size() < all)
+        notes.push_back("skipped " + std::to_string(all - items.size()) + " of " + std::to_string(all) +
+                        " pictures, which are done");
+}
+
+/// Where the pictures go: one file, or names in a folder.
+std::vector<BatchItem> pairs(const std::vector<Found>& found, bool isSeveral, const ApplyOptions& options) {
+    if (options.inPlace && options.output.empty()) {
+        std::vector<BatchItem> items;
+        for (const Found& one : found) items.push_back({one.input, one.input});
+        return items;
     }
     const fs::path output = options.output;
-    if (!severalWanted && !isFolder(output) && output.has_filename()) return {{pictures.front(), output}};
+    if (isStandardStream(output)) {
+        if (isSeveral) throw UsageError("standard output takes one picture");
+        return {{found.front().input, "/dev/stdout"}};
+    }
+    if (!isSeveral && options.nameTemplate.empty() && !isFolder(output) && output.has_filename())
+        return {{found.front().input, output}};
     std::error_code unreadable;
-    if (severalWanted && fs::is_regular_file(output, unreadable))
+    if (fs::is_regular_file(output, unreadable))
         throw UsageError(output.string() + " is a file, but several pictures need a folder");
-    if (severalWanted && isPictureName(output) && !isFolder(output))
+    if (isSeveral && isPictureName(output) && !isFolder(output))
         throw UsageError(output.string() + " names a picture, but several pictures need a folder");
-    makeFolder(output);
     std::vector<BatchItem> items;
-    for (const fs::path& picture : pictures)
-        items.push_back({picture, nameIn(output, picture, options.format)});
+    for (const Found& one : found)
+        items.push_back({one.input, output / nameFor(one, items.size() + 1, options)});
+    return items;
+}
+
+void makeFolders(const std::vector<BatchItem>& items, const ApplyOptions& options) {
+    const bool isOneFile = items.size() == 1 && items.front().output == fs::path(options.output);
+    if (options.dryRun || isOneFile || isStandardStream(options.output) || options.output.empty()) return;
+    makeFolder(options.output);
+    for (const BatchItem& item : items) makeFolder(item.output.parent_path());
+}
+
+}  // namespace
+
+bool isStandardStream(const fs::path& path) { return path == "-"; }
+
+std::vector<BatchItem> planBatch(const std::vector<fs::path>& inputs, const ApplyOptions& options,
+                                 std::vector<std::string>* notes) {
+    std::vector<std::string> unread;
+    std::vector<std::string>& told = notes ? *notes : unread;
+    std::vector<Found> found = Search(options, told).in(inputs);
+    const bool isSeveral = inputs.size() > 1 || std::any_of(inputs.begin(), inputs.end(), isFolder);
+    std::vector<BatchItem> items = pairs(found, isSeveral, options);
+    for (BatchItem& item : items)
+        if (isStandardStream(item.input)) item.input = "/dev/stdin";
     refuseSharedOutputs(items);
+    if (!options.inPlace) refuseLostInputs(items);
+    leaveOutDone(items, options, told);
+    makeFolders(items, options);
     return items;
 }
 

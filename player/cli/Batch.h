@@ -14,9 +14,13 @@ struct BatchItem {
     std::filesystem::path output;
 };
 
-/// Pairs pictures, and those in folders, with their outputs. Throws `UsageError` if two would be
-/// written to the same file, and `CommandError` for a folder without pictures.
+/// Pairs pictures, and those in folders, with their outputs, and makes the folders for these unless it is a
+/// dry run. Throws `UsageError` if two would be written to the same file or one over an input that is to be
+/// kept, and `CommandError` for a folder without pictures. What is left out is told in `notes`, a line each.
 std::vector<BatchItem> planBatch(const std::vector<std::filesystem::path>& inputs,
-                                 const ApplyOptions& options);
+                                 const ApplyOptions& options, std::vector<std::string>* notes = nullptr);
+
+/// Whether a name is that of standard input or output, `-`.
+bool isStandardStream(const std::filesystem::path& path);
 
 }  // namespace krl::player

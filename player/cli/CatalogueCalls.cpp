@@ -32,14 +32,6 @@ std::string shownText(const Method& method, const CallResult& result) {
     return writeNotation(shown);
 }
 
-/// The new picture of a result, or null.
-const krl::Picture* pictureIn(const CallResult& result) {
-    if (!result.pictures.empty()) return result.pictures.front().as<krl::Picture>();
-    for (const auto& [key, value] : result.entries)
-        if (const auto* picture = value.as<krl::Picture>()) return picture;
-    return nullptr;
-}
-
 void replace(Bitmap& picture, const krl::Picture& made) {
     picture.width = made.info.width;
     picture.height = made.info.height;
@@ -86,7 +78,7 @@ CallOutcome CatalogueCalls::apply(Bitmap& picture, const Method& method,
     }
     outcome.error = result.error;
     outcome.shown = shownText(method, result);
-    if (const krl::Picture* made = pictureIn(result)) replace(picture, *made);
+    if (const krl::Picture* made = result.firstPicture()) replace(picture, *made);
     return outcome;
 }
 

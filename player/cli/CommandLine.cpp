@@ -30,6 +30,7 @@ public:
         addGallery();
         addCheck();
         addLook();
+        addCompare();
         addGenerated();
     }
 
@@ -68,8 +69,15 @@ private:
         return "there is no command " + word + didYouMean(word, names);
     }
 
+    /// The command that was named, with a blank before it.
+    std::string commandName() const {
+        const std::vector<CLI::App*> chosen = app_.get_subcommands();
+        return chosen.empty() ? "" : " " + chosen.front()->get_name();
+    }
+
     int refuse(const std::string& message) {
-        terminal_.err << "krlimage: " << message << "\n\n" << app_.help();
+        terminal_.err << "krlimage: " << message << "\n"
+                      << "krlimage help" << commandName() << " shows what can be used\n";
         return 2;
     }
 
@@ -99,6 +107,12 @@ private:
         list.add_option("WORD", list_.word, "Text to search for in names, headings and summaries")
             ->type_name("");
         list.add_flag("--json", list_.json, "Print JSON");
+
+        CLI::App& find = command("find", "Find methods by what they are for: find old photograph",
+                                 [this] { return findMethods(find_, terminal_); });
+        find.add_option("WORD", find_.words, "Words to search for in names, summaries and meanings")
+            ->type_name("")
+            ->required();
 
         CLI::App& help = command("help", "Show help for a method or command", [this] { return tell(); });
         help.add_option("METHOD", help_.method,
@@ -156,6 +170,19 @@ private:
         app.add_flag("--json", look_.json, "Print the list as JSON");
     }
 
+    void addCompare() {
+        CLI::App& app = command("compare", "Measure how far two pictures differ",
+                                [this] { return comparePictures(compare_, terminal_); });
+        addPath(app, "FIRST", compare_.first, "", "A picture")->required();
+        addPath(app, "SECOND", compare_.second, "", "The picture to compare it with")->required();
+        addPath(app, "-o,--output", compare_.difference, "OUT", "Also write a picture of the difference");
+        app.add_option("--max", compare_.largest,
+                       "Largest difference of a sample that still counts as equal, 0 to 255 (default 0)")
+            ->type_name("N")
+            ->check(CLI::Range(0, 255).description(""));
+        app.add_flag("--json", compare_.json, "Print JSON");
+    }
+
     void addGenerated() {
         CLI::App& docs = command("docs", "Write the method reference, methods.md",
                                  [this] { return writeDocs(docs_, terminal_); });
@@ -208,6 +235,8 @@ private:
     CheckOptions check_;
     DocsOptions docs_;
     LookOptions look_;
+    FindOptions find_;
+    CompareOptions compare_;
     std::string shell_;
 };
 

@@ -56,6 +56,18 @@ struct ApplyOptions {
     /// Pictures processed in parallel; 0 for one per processor.
     unsigned jobs = 0;
     bool json = false;
+    /// Name of each output in the folder, such as `{folder}/{stem}_small.{ext}`; empty for the input's own.
+    std::string nameTemplate;
+    /// A file with one input in each line.
+    std::filesystem::path inputList;
+    /// Also takes the pictures in folders within folders.
+    bool recursive = false;
+    /// Lets an output replace its input.
+    bool inPlace = false;
+    /// Leaves out pictures whose output exists, or exists and is newer.
+    bool skipExisting = false, newer = false;
+    /// Prints what would be written, and writes nothing.
+    bool dryRun = false;
     /// `lingo` to print the chain as a script instead of running it.
     std::string print;
     /// Seconds after which the program ends; 0 for no limit.
@@ -73,6 +85,12 @@ struct ListOptions {
 /// Lists all methods, or those that match a word.
 int listMethods(const ListOptions& options, const Terminal& terminal);
 
+struct FindOptions {
+    std::vector<std::string> words;
+};
+/// Lists the methods that fit the words best.
+int findMethods(const FindOptions& options, const Terminal& terminal);
+
 struct HelpOptions {
     std::string method;
     bool json = false;
@@ -88,6 +106,17 @@ struct GalleryOptions {
 };
 /// Makes a contact sheet that shows every effect.
 int makeGallery(const GalleryOptions& options, const Terminal& terminal);
+
+struct CompareOptions {
+    std::filesystem::path first, second;
+    /// Where to write a picture of the difference; empty for none.
+    std::filesystem::path difference;
+    /// The largest difference of a sample that still counts as equal.
+    int largest = 0;
+    bool json = false;
+};
+/// Measures how far two pictures differ; the exit code is 1 if it is too far.
+int comparePictures(const CompareOptions& options, const Terminal& terminal);
 
 struct CheckOptions {
     std::vector<std::filesystem::path> scripts;

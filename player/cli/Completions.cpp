@@ -20,9 +20,14 @@ std::string quotable(const std::string& text) {
     return safe;
 }
 
+/// Whether names of methods are among the positional arguments.
+bool takesMethods(const CommandDescription& command) {
+    return command.name == "help" || command.name == "list" || command.name == "apply";
+}
+
 /// The words that complete a command's positional arguments.
 std::string bashWords(const CommandDescription& command) {
-    if (command.name == "help" || command.name == "list") return "$methods";
+    if (takesMethods(command)) return "$methods";
     for (const OptionDescription& word : command.words)
         if (!word.choices().empty()) return joined(word.choices(), " ");
     return "";
@@ -89,9 +94,12 @@ std::string zshArgument(const OptionDescription& option) {
 std::string zshCase(const CommandDescription& command) {
     std::string text = "        " + command.name + ")\n            _arguments";
     for (const OptionDescription& option : command.options) text += zshArgument(option);
-    const bool methods = command.name == "help" || command.name == "list";
+    const bool methods = takesMethods(command);
     for (const OptionDescription& word : command.words) {
-        if (methods)
+        if (methods && command.name == "apply")
+            text += " \\\n            '*:picture or call:{compadd " + joined(shortMethodNames(), " ") +
+                    "; _files}'";
+        else if (methods)
             text += " \\\n            '*:method:(" + joined(shortMethodNames(), " ") + ")'";
         else if (!word.choices().empty())
             text += " \\\n            '1:" + word.names.front() + ":(" + joined(word.choices(), " ") + ")'";

@@ -3,7 +3,9 @@
 #include <ostream>
 
 #include "catalogue/ExampleCall.h"
+#include "player/cli/CatalogueCalls.h"
 #include "player/cli/GalleryPage.h"
+#include "player/cli/LookFiles.h"
 #include "player/cli/MethodFacts.h"
 #include "player/cli/ProgressBar.h"
 #include "player/cli/SideBySide.h"
@@ -72,9 +74,16 @@ public:
             return card;
         }
         if (picture.pixels == picture_.pixels) return card;
-        save(picture, card.name);
-        card.picture = card.name + ".webp";
-        card.thumbnail = "thumbnails/" + card.picture;
+        show(picture, card);
+        return card;
+    }
+
+    GalleryCard work(CatalogueCalls& calls, const ReadyLook& look) const {
+        GalleryCard card{"Looks", look.name, look.look.description(), "--look " + look.name, "", "", ""};
+        Bitmap picture = picture_;
+        const CallOutcome outcome = calls.apply(picture, look);
+        card.answer = outcome.error;
+        if (outcome.ok()) show(picture, card);
         return card;
     }
 
@@ -85,6 +94,12 @@ public:
     }
 
 private:
+    void show(const Bitmap& picture, GalleryCard& card) const {
+        save(picture, card.name);
+        card.picture = card.name + ".webp";
+        card.thumbnail = "thumbnails/" + card.picture;
+    }
+
     void save(const Bitmap& picture, const std::string& name) const {
         writePicture(folder_ / (name + ".webp"), picture);
         writePicture(folder_ / "thumbnails" / (name + ".webp"), noWiderThan(picture, kThumbnail));
@@ -137,13 +152,19 @@ int makeGallery(const GalleryOptions& options, const Terminal& terminal) {
     // The same pictures on every machine; effects run side by side instead.
     settings.threads = ThreadChoice::One;
 
-    std::vector<GalleryCard> cards(methods.size());
+    std::vector<std::string> names;
+    for (const ShippedLook& look : shippedLooks()) names.push_back(look.name);
+    const std::vector<ReadyLook> looks = readyLooks(names, {});
+    std::vector<GalleryCard> cards(methods.size() + looks.size());
     {
-        ProgressBar progress(terminal, methods.size(), "effects");
-        workSideBySide(methods.size(), options.jobs, [&]() -> Worker {
+        ProgressBar progress(terminal, cards.size(), "effects");
+        workSideBySide(cards.size(), options.jobs, [&]() -> Worker {
             const auto session = std::make_shared<Session>(settings);
-            return [&, session](size_t i) {
-                cards[i] = gallery.work(*session, *methods[i]);
+            const auto calls = std::make_shared<CatalogueCalls>(settings.threads);
+            return [&, session, calls](size_t i) {
+                // Looks are shown first.
+                cards[i] = i < looks.size() ? gallery.work(*calls, looks[i])
+                                            : gallery.work(*session, *methods[i - looks.size()]);
                 progress.step();
             };
         });

@@ -59,8 +59,11 @@ std::string manualPage(const CommandList& commands) {
         "method's name and its arguments, quoted for the shell:\n.PP\n.RS\n.nf\n"
         "krlimage apply photo.jpg \\-o out.jpg 'brightness(40, #RGB)' 'vignette(blur: 40)'\n"
         ".fi\n.RE\n.PP\n"
-        "Pictures are read and written as PNG, JPEG, TIFF, WebP and PAM. "
-        "Output files are written atomically: completely or not at all.\n.SH COMMANDS\n";
+        "Pictures are read and written as PNG, JPEG, TIFF, WebP and PAM, and read as GIF, HEIC and AVIF. "
+        "Output files are written atomically: completely or not at all. No input is overwritten without "
+        "\\-\\-in\\-place.\n.PP\n"
+        "Lengths and points of a call may be in percent of the picture, and every call that rewrites the "
+        "picture takes mix, mask, region and feather. A look is a chain of calls in a file.\n.SH COMMANDS\n";
     for (const CommandDescription& command : commands) {
         page += ".SS " + synopsis(command) + "\n" + sentence(command.summary);
         for (const OptionDescription& word : command.words) page += item(word);
@@ -73,8 +76,12 @@ std::string manualPage(const CommandList& commands) {
             page += plain(method->shortName()) + (method == group.methods.back() ? ".\n" : ",\n");
     }
     return page +
-           ".SH EXIT STATUS\n0 on success, 1 if a script, a call or a picture failed, 2 for invalid "
-           "usage.\n";
+           ".SH FILES\n.TP\n~/.config/krlimage/looks/*.krl\nLooks of the user, by name; XDG_CONFIG_HOME "
+           "replaces "
+           "~/.config.\n"
+           ".SH EXIT STATUS\n0 on success, 1 if a script, a call or a picture failed or pictures differ, 2 "
+           "for "
+           "invalid usage, 130 after an interruption.\n";
 }
 
 }  // namespace krl::player

@@ -81,12 +81,25 @@ void addSession(CLI::App& app, SessionOptions& session, std::string& threads) {
 }
 
 void addApplyOptions(CLI::App& app, ApplyOptions& options) {
-    app.add_option("IN|CALL", options.words,
-                   "Pictures, folders of pictures, and calls such as 'brightness(40, #RGB)'; arguments can\n"
-                   "be named, and omitted ones default to the method's example")
+    app.add_option(
+           "IN|CALL", options.words,
+           "Pictures, folders of pictures, - for standard input, and calls such as\n"
+           "'brightness(40, #RGB)'; arguments can be named, and omitted ones default to the method's\n"
+           "example")
         ->type_name("");
-    app.add_option("-o,--output", options.output, "Output picture, or the folder for several pictures")
+    app.add_option("-o,--output", options.output,
+                   "Output picture, the folder for several pictures, or - for standard output")
         ->type_name("OUT");
+    app.add_option("--name", options.nameTemplate,
+                   "Name of each output in the folder, such as '{folder}/{stem}_{look}.{ext}'; there is also "
+                   "{name} and {n}")
+        ->type_name("TEMPLATE");
+    addPath(app, "--from", options.inputList, "FILE", "Also take the inputs that FILE lists, one a line");
+    app.add_flag("-r,--recursive", options.recursive, "Also take pictures in folders within folders");
+    app.add_flag("--in-place", options.inPlace, "Let outputs replace their inputs; -o can be left out");
+    app.add_flag("--skip-existing", options.skipExisting, "Leave out pictures whose output exists");
+    app.add_flag("--newer", options.newer, "Leave out pictures whose output is newer than they are");
+    app.add_flag("--dry-run", options.dryRun, "Print what would be written, and write nothing");
     addTexts(app, "--look", options.looks, "LOOK",
              "Apply a look before the calls: a file, or a name that look list shows; can be repeated");
     addTexts(app, "--set", options.settings, "NAME=VALUE", "Set a parameter of the looks; can be repeated");

@@ -146,6 +146,13 @@ const char* errorOf(const Outcome& outcome) {
 
 }  // namespace
 
+const Picture* CallResult::firstPicture() const {
+    if (!pictures.empty()) return pictures.front().as<Picture>();
+    for (const auto& [key, value] : entries)
+        if (const auto* picture = value.as<Picture>()) return picture;
+    return nullptr;
+}
+
 CallResult callMethod(const Method& method, ImageEngine& engine, const std::vector<Value>& arguments) {
     DirectCaller caller(arguments);
     const Outcome outcome = method.managesTheEngine() ? failure("the engine is managed by its owner")

@@ -23,6 +23,8 @@ struct CallResult {
     bool withError = true;
 
     bool ok() const { return error.empty(); }
+    /// The new picture, or the first of several; null where there is none.
+    const Picture* firstPicture() const;
 };
 
 /// A picture that the engine works on; at the end of this object's life the engine forgets it with all that

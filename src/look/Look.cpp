@@ -69,14 +69,6 @@ ReadyCall readyCall(const CallNotation& call, int32_t width, int32_t height) {
     return ready;
 }
 
-/// The new picture of a result, or null.
-const Picture* pictureIn(const CallResult& result) {
-    if (!result.pictures.empty()) return result.pictures.front().as<Picture>();
-    for (const auto& [key, value] : result.entries)
-        if (const auto* picture = value.as<Picture>()) return picture;
-    return nullptr;
-}
-
 }  // namespace
 
 LookError&& LookError::causedBy(const CallResult& result) && {
@@ -201,7 +193,7 @@ void Look::apply(ImageEngine& engine, Picture& picture, int32_t bands, const Pic
             throw LookError(step.line, error.what());
         }
         if (!result.ok()) throw LookError(step.line, name + ": " + result.error).causedBy(result);
-        if (const Picture* made = pictureIn(result)) picture = *made;
+        if (const Picture* made = result.firstPicture()) picture = *made;
     }
 }
 

@@ -73,7 +73,8 @@ TEST_F(Apply, ShowsTheResultOfAFailedCall) {
     const CliResult done = krlimage({"apply", picture("in.pam"), "-o", at("out.pam"), call});
     EXPECT_EQ(done.code, 1);
     EXPECT_EQ(done.out, "[#error: \"Failed Composite function (Image)\"]\n");
-    EXPECT_TELLS(done.err, "Failed Composite function (Image) from " + call);
+    EXPECT_TELLS(done.err, "Failed Composite function (Image) from " + call +
+                               "; foreground is 2 by 2 pixels, the picture 8 by 6\n");
     EXPECT_FALSE(std::filesystem::exists(at("out.pam")));
 }
 

@@ -197,6 +197,8 @@ TEST_F(Sheet, ShowsEveryEffectWithItsPicture) {
             if (method->managesTheEngine()) continue;
             EXPECT_TELLS(page, "<h3>" + method->shortName() + "</h3>");
         }
+    EXPECT_TELLS(page, "<code>--look noir</code>");
+    EXPECT_TRUE(std::filesystem::exists(at("sheet/noir.webp")));
     EXPECT_EQ(countOf(page, "Failed "), 0u);
     EXPECT_EQ(readPicture(at("sheet/invert.webp")).width, 48);
     EXPECT_TRUE(std::filesystem::exists(at("sheet/thumbnails/invert.webp")));
