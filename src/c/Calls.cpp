@@ -31,6 +31,11 @@ krl_code codeOf(ArgumentFault fault) {
     return KRL_BAD_USE;
 }
 
+krl_code codeOf(CallCode failure) {
+    if (failure == kCallCancelled) return KRL_CANCELLED;
+    return failure == kCallOutOfMemory ? KRL_OUT_OF_MEMORY : KRL_METHOD_FAILED;
+}
+
 void giveOrder(Value& value, PixelOrder order) {
     Picture* picture = value.as<Picture>();
     if (!picture || order == picture->order) return;
@@ -83,11 +88,6 @@ CallResult run(krl_engine& engine, const Method& method, const std::optional<Pic
     });
 }
 
-krl_code codeOf(const CallResult& failed) {
-    if (failed.code == kCallCancelled) return KRL_CANCELLED;
-    return failed.code == kCallOutOfMemory ? KRL_OUT_OF_MEMORY : KRL_METHOD_FAILED;
-}
-
 /// The entries as a property list, or the list of pictures.
 Value treeOf(const Method& method, CallResult outcome, PixelOrder order) {
     for (Value& picture : outcome.pictures) giveOrder(picture, order);
@@ -103,7 +103,7 @@ Value treeOf(const Method& method, CallResult outcome, PixelOrder order) {
 void finish(krl_result& result, const Method& method, const std::optional<Picture>& picture,
             CallResult outcome) {
     if (!outcome.ok()) {
-        result.code = codeOf(outcome);
+        result.code = codeOf(outcome.code);
         result.message = method.shortName() + ": " + outcome.error;
         if (result.code != KRL_CANCELLED) result.error = outcome.error;
     }

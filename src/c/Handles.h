@@ -42,6 +42,8 @@ struct Problem {
 };
 
 krl_code codeOf(ArgumentFault fault);
+/// What the failure of a call is called here.
+krl_code codeOf(CallCode failure);
 
 /// Carries out `work(result)`; what it throws becomes the result's code and message.
 template <class Work>
@@ -59,12 +61,8 @@ void collect(krl_result& result, Work&& work) {
     } catch (const NotationError& error) {
         fill(KRL_BAD_TEXT, error.what());
     } catch (const LookError& error) {
-        const bool isFailure = !error.scriptError().empty();
-        fill(!isFailure              ? KRL_BAD_LOOK
-             : error.isOutOfMemory() ? KRL_OUT_OF_MEMORY
-                                     : KRL_METHOD_FAILED,
-             error.what());
-        result.error = error.scriptError();
+        fill(error.scriptError().empty() ? KRL_BAD_LOOK : codeOf(error.code()), error.what());
+        if (result.code != KRL_CANCELLED) result.error = error.scriptError();
         result.line = error.line();
     }
 }

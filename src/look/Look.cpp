@@ -73,7 +73,7 @@ ReadyCall readyCall(const CallNotation& call, int32_t width, int32_t height) {
 
 LookError&& LookError::causedBy(const CallResult& result) && {
     scriptError_ = result.error;
-    isOutOfMemory_ = result.code == kCallOutOfMemory;
+    code_ = result.code;
     return std::move(*this);
 }
 

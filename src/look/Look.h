@@ -35,13 +35,14 @@ public:
     int32_t line() const { return line_; }
     /// Where a call ran and failed: its own message, in the words that scripts get.
     const std::string& scriptError() const { return scriptError_; }
-    bool isOutOfMemory() const { return isOutOfMemory_; }
+    /// Why it failed, as in `CallResult`.
+    CallCode code() const { return code_; }
     LookError&& causedBy(const CallResult& result) &&;
 
 private:
     int32_t line_;
     std::string scriptError_;
-    bool isOutOfMemory_ = false;
+    CallCode code_ = kCallOk;
 };
 
 /// A value that a look leaves open. Texts are in script notation, where a length may be in percent.
