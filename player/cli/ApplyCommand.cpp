@@ -297,6 +297,9 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
     ApplyProgress progress(inputs, options);
     const WriteOptions writing{options.quality, formatFor(options), {}};
     showNotes(progress.notes(), terminal);
+    // Nothing but the picture goes to standard output.
+    const Terminal results{isStandardStream(options.output) ? terminal.err : terminal.out, terminal.err,
+                           terminal.live};
     const Work work{looks, chain, writing, progress};
     try {
         ProgressBar bar(terminal, progress.alone().size() + progress.together().size(), "pictures");
@@ -316,9 +319,6 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
         if (progress.items().size() == 1) throw;
         failTheRest(progress, error.what());
     }
-    // Nothing but the picture goes to standard output.
-    const Terminal results{isStandardStream(options.output) ? terminal.err : terminal.out, terminal.err,
-                           terminal.live};
     return outcomeOf(progress.items(), progress.reports, options.json, results);
 }
 

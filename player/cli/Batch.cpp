@@ -213,10 +213,10 @@ std::vector<BatchItem> planBatch(const std::vector<fs::path>& inputs, const Appl
     std::vector<BatchItem> items = pairs(found, isSeveral, options);
     for (BatchItem& item : items)
         if (isStandardStream(item.input)) item.input = "/dev/stdin";
+    makeFolders(items, options);
     refuseSharedOutputs(items);
     if (!options.inPlace) refuseLostInputs(items);
     leaveOutDone(items, options, told);
-    makeFolders(items, options);
     return items;
 }
 

@@ -95,12 +95,12 @@ fs::path Sandbox::toRead(const std::string& name) const {
 
 fs::path Sandbox::toWrite(const std::string& name) const {
     const fs::path wanted = pathOf(name);
+    if (!wanted.has_filename()) throw HostError("expected a file name, got \"" + name + '"');
     fs::path place = wanted;
     if (!wanted.is_absolute() && !outputFolder_.empty())
         place = outputFolder_ / wanted;
     else if (!wanted.is_absolute() && !allows(wanted))
         place = scriptFolder_ / wanted;
-    if (!place.has_filename()) throw HostError("expected a file name, got \"" + name + '"');
     if (!allows(place)) refuse(wanted);
     // Not the file's own link, if it is one: that is replaced, and not what it points at.
     const fs::path folder = place.has_parent_path() ? place.parent_path() : fs::path(".");

@@ -109,6 +109,9 @@ AtomicFile::AtomicFile(const fs::path& target, const AtomicFileRules& rules) : t
         error = errno;
         if (!stream_ && poured_ >= 0) ::close(poured_);
     } else {
+        // All memory is taken before there is a file that would be left behind.
+        name_ = target.filename();
+        temporary_ = temporaryName(target);
         openFolder(rules.isChecked);
         const GateGuard guard;
         create(rules.permissions);
@@ -116,19 +119,17 @@ AtomicFile::AtomicFile(const fs::path& target, const AtomicFileRules& rules) : t
         if (stream_) next_ = std::exchange(unfinished, this);
     }
     if (!stream_) {
+        temporary_.clear();
         closeFolder();
         fail(error);
     }
 }
 
 #if defined(_WIN32)
-void AtomicFile::openFolder(bool) {}
+void AtomicFile::openFolder(bool) { temporary_ = target_.parent_path() / temporary_; }
 void AtomicFile::closeFolder() noexcept {}
 
-void AtomicFile::create(unsigned) {
-    temporary_ = target_.parent_path() / temporaryName(target_);
-    stream_ = _wfopen(temporary_.c_str(), L"w+b");
-}
+void AtomicFile::create(unsigned) noexcept { stream_ = _wfopen(temporary_.c_str(), L"w+b"); }
 
 void AtomicFile::removeTemporary() const noexcept { _wremove(temporary_.c_str()); }
 
@@ -143,33 +144,42 @@ void AtomicFile::openFolder(bool isChecked) {
     folder_ = ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder_ < 0) fail(errno);
     if (!isChecked) return;
-    std::error_code unknown;
-    const fs::path place = fs::read_symlink("/proc/self/fd/" + std::to_string(folder_), unknown);
-    if (unknown || place == name) return;
-    closeFolder();
-    throw PictureError("cannot write " + target_.string() + ": its folder was replaced by " + place.string());
+    try {
+        std::error_code unknown;
+        const fs::path place = fs::read_symlink("/proc/self/fd/" + std::to_string(folder_), unknown);
+        if (unknown || place == name) return;
+        throw PictureError("cannot write " + target_.string() + ": its folder was replaced by " +
+                           place.string());
+    } catch (...) {
+        closeFolder();
+        throw;
+    }
 }
 
 void AtomicFile::closeFolder() noexcept {
     if (folder_ >= 0) ::close(std::exchange(folder_, -1));
 }
 
-void AtomicFile::create(unsigned permissions) {
-    const fs::path name = temporaryName(target_);
+void AtomicFile::create(unsigned permissions) noexcept {
     const mode_t allowed = permissions == 0 ? 0666 : (permissions & 0666) | S_IRUSR | S_IWUSR;
-    const int descriptor = ::openat(folder_, name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, allowed);
+    const int descriptor =
+        ::openat(folder_, temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, allowed);
     if (descriptor < 0) return;
     struct stat replaced {};
-    if (::fstatat(folder_, target_.filename().c_str(), &replaced, 0) == 0 && S_ISREG(replaced.st_mode))
+    if (::fstatat(folder_, name_.c_str(), &replaced, 0) == 0 && S_ISREG(replaced.st_mode))
         static_cast<void>(::fchmod(descriptor, replaced.st_mode & 0777));
     stream_ = ::fdopen(descriptor, "w+b");
-    temporary_ = name;
+    if (stream_) return;
+    const int error = errno;
+    ::close(descriptor);
+    removeTemporary();
+    errno = error;
 }
 
 void AtomicFile::removeTemporary() const noexcept { ::unlinkat(folder_, temporary_.c_str(), 0); }
 
 int AtomicFile::rename() const {
-    const int status = ::renameat(folder_, temporary_.c_str(), folder_, target_.filename().c_str());
+    const int status = ::renameat(folder_, temporary_.c_str(), folder_, name_.c_str());
     return status == 0 ? 0 : errno;
 }
 #endif

@@ -48,11 +48,12 @@ private:
     void closeFolder() noexcept;
     /// Gives the file its name; returns 0 or why that failed.
     int rename() const;
-    void create(unsigned permissions);
+    void create(unsigned permissions) noexcept;
     void removeTemporary() const noexcept;
     [[noreturn]] void fail(int error) const;
 
     std::filesystem::path target_;
+    std::filesystem::path name_;       ///< of the target, in its folder
     std::filesystem::path temporary_;  ///< in the target's folder; empty if there is nothing to remove
     int folder_ = -1;                  ///< descriptor of that folder, for systems that have such
     std::FILE* stream_ = nullptr;

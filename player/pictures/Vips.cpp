@@ -265,6 +265,23 @@ Bitmap read(const InputFile& file) {
     return picture;
 }
 
+std::vector<std::string> losses(const InputFile& file) {
+    VipsImage* image = open(file);
+    if (!image) {
+        vips_error_clear();
+        return {};
+    }
+    std::vector<std::string> found;
+    const int pages = vips_image_get_n_pages(image);
+    if (pages > 1) found.push_back("all but the first of " + std::to_string(pages) + " pages or frames");
+    const VipsBandFormat format = vips_image_get_format(image);
+    if (format != VIPS_FORMAT_UCHAR)
+        found.push_back("the precision of " + std::to_string(vips_format_sizeof(format) * 8) +
+                        " bits a sample, as pictures have 8");
+    g_object_unref(image);
+    return found;
+}
+
 void write(AtomicFile& file, const Bitmap& picture, PictureFormat format, int quality) {
     const std::string doing = "write " + file.target().string();
     std::vector<Pixel> samples = picture.pixels;
@@ -306,20 +323,7 @@ Bitmap readWithVips(const InputFile& file) {
 
 std::vector<std::string> lossesWithVips(const InputFile& file) {
     startVips();
-    VipsImage* image = open(file);
-    if (!image) {
-        vips_error_clear();
-        return {};
-    }
-    std::vector<std::string> losses;
-    const int pages = vips_image_get_n_pages(image);
-    if (pages > 1) losses.push_back("all but the first of " + std::to_string(pages) + " pages or frames");
-    const VipsBandFormat format = vips_image_get_format(image);
-    if (format != VIPS_FORMAT_UCHAR)
-        losses.push_back("the precision of " + std::to_string(vips_format_sizeof(format) * 8) +
-                         " bits a sample, as pictures have 8");
-    g_object_unref(image);
-    return losses;
+    return tellingItsOwnReason([&] { return losses(file); });
 }
 
 void writeWithVips(AtomicFile& file, const Bitmap& picture, PictureFormat format, int quality) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -35,7 +36,11 @@ public:
         engine_.load(picture.pixels, picture.info);
     }
     ~LoadedPicture() {
-        engine_.load(nullptr, {});
+        try {
+            engine_.load(nullptr, {});
+        } catch (const std::bad_alloc&) {
+            // The description stays, which no method reads without a picture.
+        }
         engine_.unload();
     }
     LoadedPicture(const LoadedPicture&) = delete;

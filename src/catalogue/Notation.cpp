@@ -31,7 +31,7 @@ public:
     CallNotation readCall() {
         CallNotation call;
         skipBlanks();
-        call.name = readName();
+        if (std::isalpha(static_cast<unsigned char>(next()))) call.name = readName();
         if (take('(') && !take(')')) {
             do call.arguments.push_back(readArgument(call));
             while (take(','));

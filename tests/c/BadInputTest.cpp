@@ -223,7 +223,7 @@ TEST_F(BadInput, OfCodesHasAText) {
     EXPECT_STREQ(krl_code_text(-1), "unknown code");
     EXPECT_STREQ(krl_code_text(KRL_OUT_OF_MEMORY), "out of memory");
     EXPECT_STREQ(krl_code_text(KRL_CANCELLED), "cancelled");
-    EXPECT_STREQ(krl_code_text(KRL_CANCELLED + 1), "unknown code");
+    EXPECT_STREQ(krl_code_text(KRL_BAD_LOOK + 1), "unknown code");
 }
 
 /// Values of every kind, in turn for every argument of every method; second pictures of other sizes.

@@ -51,7 +51,7 @@ TEST_F(Looks, GiveTheSameWhateverTheFormOfThePicture) {
 }
 
 TEST_F(Looks, ReadThePicturesThatTheyName) {
-    const LookPointer look = lookOf("composite(image(\"paper\"), #normal)");
+    const LookPointer look = lookOf("composite(image(\"paper\"))");
     ASSERT_EQ(krl_look_picture_count(look.get()), 1u);
     EXPECT_STREQ(krl_look_picture_name(look.get(), 0), "paper");
     Canvas picture(6, 4), paper(6, 4, KRL_RGBA, 3, 8), expected(6, 4);

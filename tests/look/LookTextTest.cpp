@@ -72,7 +72,7 @@ TEST(LookText, RefusesWhatItDoesNotKnowWithTheLine) {
     EXPECT_EQ(errorOfLine("load(image(\"a\"))"), "line 3: load manages the engine of a script");
     EXPECT_EQ(errorOfLine("brightness(#a)"),
               "line 3: brightness: brightnessInt: expected an integer, got #a");
-    EXPECT_EQ(errorOfLine("brightness(level: 3)"), "line 3: brightness: no argument is called level");
+    EXPECT_EQ(errorOfLine("brightness(level: 3)"), "line 3: brightness has no argument level");
     EXPECT_EQ(errorOfLine("brightness(40"), "line 3: expected ) at character 14 of brightness(40");
     EXPECT_EQ(errorOfLine("brightness($level)"),
               "line 3: there is no parameter $level at character 12 of brightness($level)");

@@ -22,40 +22,54 @@ std::string bytes(std::initializer_list<int> values) {
     return made;
 }
 
-TEST_F(Conversion, MakesGreyThreeEqualColours) {
-    EXPECT_EQ(pixelsOf("a.pgm", "P5\n3 1\n255\n" + bytes({0, 100, 255})),
-              (std::vector<Pixel>{opaque(0, 0, 0), opaque(100, 100, 100), opaque(255, 255, 255)}));
-}
-
-TEST_F(Conversion, KeepsTheHighByteOfSixteenBits) {
-    EXPECT_EQ(
-        pixelsOf("a.ppm", "P6\n2 1\n65535\n" + bytes({0x12, 0xff, 0x80, 0x00, 0xff, 0xff, 0, 1, 1, 0, 2, 3})),
-        (std::vector<Pixel>{opaque(0x12, 0x80, 0xff), opaque(0, 1, 2)}));
-    EXPECT_EQ(pixelsOf("b.pgm", "P5\n2 1\n65535\n" + bytes({0x40, 0x7f, 0xfe, 0xff})),
-              (std::vector<Pixel>{opaque(0x40, 0x40, 0x40), opaque(0xfe, 0xfe, 0xfe)}));
-}
-
-/// A TIFF of floats, one row of `channels` samples a pixel; 2 and 4 have alpha.
-std::string floatTiff(int channels, const std::vector<float>& samples) {
+/// A TIFF of one row, `channels` samples a pixel; 2 and 4 have alpha. `format` is 1 for integers, 3 for
+/// floats.
+std::string tiff(int channels, int bits, int format, const std::string& samples) {
     const auto entry = [](int tag, int type, int count, int value) {
         return bytes({tag & 255, tag >> 8, type, 0, count, 0, 0, 0, value & 255, value >> 8, 0, 0});
     };
     const bool alpha = channels % 2 == 0;
-    const int entries = 11 + alpha, size = static_cast<int>(samples.size()) * 4;
+    const int entries = 11 + alpha, size = static_cast<int>(samples.size());
     const int formatsAt = 8 + 2 + entries * 12 + 4, bitsAt = formatsAt + 2 * 4, pixelsAt = bitsAt + 2 * 4;
     // Up to two short values are stored in the entry itself: all are equal, so one word holds them.
     const auto each = [&](int tag, int value, int place) {
         if (channels > 2) return entry(tag, 3, channels, place);
         return bytes({tag & 255, tag >> 8, 3, 0, channels, 0, 0, 0, value, 0, value, 0});
     };
+    const auto fourTimes = [](int value) { return bytes({value, 0, value, 0, value, 0, value, 0}); };
     std::string file = bytes({'I', 'I', 42, 0, 8, 0, 0, 0, entries, 0});
-    file += entry(256, 3, 1, static_cast<int>(samples.size()) / channels) + entry(257, 3, 1, 1);
-    file += each(258, 32, bitsAt) + entry(259, 3, 1, 1) + entry(262, 3, 1, channels > 2 ? 2 : 1);
+    file += entry(256, 3, 1, size / (bits / 8) / channels) + entry(257, 3, 1, 1);
+    file += each(258, bits, bitsAt) + entry(259, 3, 1, 1) + entry(262, 3, 1, channels > 2 ? 2 : 1);
     file += entry(273, 4, 1, pixelsAt) + entry(277, 3, 1, channels) + entry(278, 3, 1, 1);
     file += entry(279, 4, 1, size) + entry(284, 3, 1, 1);
     if (alpha) file += entry(338, 3, 1, 2);
-    file += each(339, 3, formatsAt) + bytes({0, 0, 0, 0, 3, 0, 3, 0, 3, 0, 3, 0, 32, 0, 32, 0, 32, 0, 32, 0});
-    return file.append(reinterpret_cast<const char*>(samples.data()), size_t(size));
+    file += each(339, format, formatsAt) + bytes({0, 0, 0, 0}) + fourTimes(format) + fourTimes(bits);
+    return file + samples;
+}
+
+std::string floatTiff(int channels, const std::vector<float>& samples) {
+    return tiff(channels, 32, 3,
+                {reinterpret_cast<const char*>(samples.data()), samples.size() * sizeof(float)});
+}
+
+TEST_F(Conversion, MakesGreyThreeEqualColours) {
+    EXPECT_EQ(pixelsOf("a.tif", tiff(1, 8, 1, bytes({0, 100, 255}))),
+              (std::vector<Pixel>{opaque(0, 0, 0), opaque(100, 100, 100), opaque(255, 255, 255)}));
+}
+
+TEST_F(Conversion, KeepsTheHighByteOfSixteenBits) {
+    EXPECT_EQ(pixelsOf("a.tif", tiff(3, 16, 1, bytes({0xff, 0x12, 0, 0x80, 0xff, 0xff, 1, 0, 0, 1, 3, 2}))),
+              (std::vector<Pixel>{opaque(0x12, 0x80, 0xff), opaque(0, 1, 2)}));
+    EXPECT_EQ(pixelsOf("b.tif", tiff(1, 16, 1, bytes({0x7f, 0x40, 0xff, 0xfe}))),
+              (std::vector<Pixel>{opaque(0x40, 0x40, 0x40), opaque(0xfe, 0xfe, 0xfe)}));
+}
+
+TEST_F(Conversion, TellsWhatIsLost) {
+    const std::string in = text("a.tif", tiff(1, 16, 1, bytes({0x7f, 0x40, 0xff, 0xfe})));
+    const CliResult done = krlimage({"apply", in, "-o", at("out.png"), "invert(#RGB)"});
+    EXPECT_EQ(done.code, 0) << done.err;
+    EXPECT_EQ(done.err,
+              "krlimage: note: " + in + " loses the precision of 16 bits a sample, as pictures have 8\n");
 }
 
 /// Linear 0.2158605 is level 128 in sRGB.
