@@ -20,7 +20,7 @@ constexpr char kNoBreak = '\xA0';
 
 class Lexer {
 public:
-    explicit Lexer(const Source& source) : source_(source), text_(source.text) {}
+    explicit Lexer(const Source& source) : text_(source.text) {}
 
     std::vector<Token> run() {
         if (text_.substr(0, 3) == "\xEF\xBB\xBF") at_ = 3;  // UTF-8 byte order mark
@@ -242,7 +242,6 @@ private:
         addWrong(placeOf(begin), begin, complaint);
     }
 
-    const Source& source_;
     std::string_view text_;
     size_t at_ = 0;
     size_t lineStart_ = 0;
