@@ -19,6 +19,11 @@ Method& Method::summary(const char* text) {
     return *this;
 }
 
+Method& Method::words(const char* list) {
+    words_ = list;
+    return *this;
+}
+
 Method& Method::gives(const char* key, const char* meaning) {
     results_.push_back({key, meaning});
     return *this;

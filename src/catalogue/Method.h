@@ -46,7 +46,8 @@ enum class ArgumentKind {
 
 /// A sensible range to try and a value that shows the effect. The effect itself may limit the argument: what
 /// lies beyond `least` or `most` counts as that limit. At `neutral` the effect changes nothing, whatever its
-/// other arguments.
+/// other arguments. A number of `pixels` is a length, which looks and programs may give in percent of the
+/// picture's shorter side.
 struct NumberRange {
     double from = 0;
     double to = 0;
@@ -54,6 +55,7 @@ struct NumberRange {
     double least = -std::numeric_limits<double>::infinity();
     double most = std::numeric_limits<double>::infinity();
     double neutral = std::numeric_limits<double>::quiet_NaN();
+    bool pixels = false;
 };
 
 /// A symbol that an argument takes, and the number it stands for.
@@ -181,6 +183,8 @@ public:
 
     // What a reader is told.
     [[gnu::cold]] Method& summary(const char* text);
+    /// Other words that people search for, with commas between them: `soften, defocus`.
+    Method& words(const char* list);
     Method& gives(const char* key, const char* meaning);
 
     // Arguments, in signature order.
@@ -246,6 +250,7 @@ public:
     const std::string& family() const { return family_; }
     const std::string& heading() const { return heading_; }
     const char* summaryText() const { return summary_; }
+    const char* searchWords() const { return words_; }
     const std::vector<Argument>& arguments() const { return arguments_; }
     const std::vector<ResultEntry>& resultEntries() const { return results_; }
     const char* inputFailureText() const { return inputFailure_; }
@@ -287,6 +292,7 @@ private:
     const char* name_;
     std::string family_, heading_;
     const char* summary_ = "";
+    const char* words_ = "";
     std::vector<Argument> arguments_;
     std::vector<ResultEntry> results_;
     std::vector<ArgumentKind> parameters_;

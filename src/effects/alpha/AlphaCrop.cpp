@@ -32,12 +32,14 @@ Status alphaCrop(ImageEngine& engine, int32_t top, int32_t right, int32_t bottom
 void describeAlphaCrop(Catalogue& catalogue) {
     catalogue.add("krlImageAlphaCrop", alphaCrop)
         .summary("Makes everything outside a rectangle transparent.")
-        .integer("top", {.from = 0, .to = 400, .example = 40, .least = 0},
+        .words("cut, crop, border, garbage matte, rectangle")
+        .integer("top", {.from = 0, .to = 400, .example = 40, .least = 0, .pixels = true},
                  "rows to clear at the last row's side")
-        .integer("right", {.from = 0, .to = 400, .example = 60, .least = 0}, "columns to clear at the right")
-        .integer("bottom", {.from = 0, .to = 400, .example = 40, .least = 0},
+        .integer("right", {.from = 0, .to = 400, .example = 60, .least = 0, .pixels = true},
+                 "columns to clear at the right")
+        .integer("bottom", {.from = 0, .to = 400, .example = 40, .least = 0, .pixels = true},
                  "rows to clear at the first row's side; 0 still clears one")
-        .integer("left", {.from = 0, .to = 400, .example = 60, .least = 0},
+        .integer("left", {.from = 0, .to = 400, .example = 60, .least = 0, .pixels = true},
                  "columns to clear at the left; 0 still clears one")
         .inputFailure("Alpha Crop input failure (Image)")
         .failed("Failed Alpha Crop function (Image)");

@@ -45,8 +45,11 @@ Status alphaOffset(ImageEngine& engine, int32_t horizontal, int32_t vertical) {
 void describeAlphaOffset(Catalogue& catalogue) {
     catalogue.add("krlImageAlphaOffset", alphaOffset)
         .summary("Moves the transparency and leaves the colours where they are.")
-        .integer("horizontal", {.from = -200, .to = 200, .example = 24}, "columns to the right")
-        .integer("vertical", {.from = -200, .to = 200, .example = 24}, "rows away from the first")
+        .words("move, shift, matte, transparency")
+        .integer("horizontal", {.from = -200, .to = 200, .example = 24, .pixels = true},
+                 "columns to the right")
+        .integer("vertical", {.from = -200, .to = 200, .example = 24, .pixels = true},
+                 "rows away from the first")
         .inputFailure("Alpha Offset input failure (Image)")
         .failed("Failed Alpha Offset function (Image)");
 }

@@ -13,6 +13,7 @@ Status clearAlpha(ImageEngine& engine, AlphaFill direction) {
 void describeClearAlpha(Catalogue& catalogue) {
     catalogue.add("krlImageClearAlpha", clearAlpha)
         .summary("Makes the whole picture transparent or opaque.")
+        .words("opaque, transparent, remove transparency, reset")
         .symbol("direction", {{"white", AlphaFill::White}, {"black", AlphaFill::Black}},
                 refused("Clear Alpha invalid input direction (Image)"),
                 "white for opaque, black for transparent")

@@ -13,6 +13,7 @@ Status combineRGBwithAlpha(ImageEngine& engine) {
 void describeCombineRGBwithAlpha(Catalogue& catalogue) {
     catalogue.add("krlImageCombineRGBwithAlpha", combineRGBwithAlpha)
         .summary("Makes a picture transparent where its red, drawn as a matte, is dark: black clears.")
+        .words("matte, mask, transparency, cut out")
         .worksPerPixel()
         .failed("Failed Combine RGB with Alpha function (Image)");
 }

@@ -29,7 +29,8 @@ Status erodeWhite(ImageEngine& engine, int32_t distance, ErodeDirection directio
 void describeErodeWhite(Catalogue& catalogue) {
     catalogue.add("krlImageErodeWhite", erodeWhite)
         .summary("Shrinks a matte: alpha takes the most transparent around it.")
-        .integer("distance", {.from = 0, .to = 20, .example = 3, .least = 0},
+        .words("shrink, choke, matte, edge, mask")
+        .integer("distance", {.from = 0, .to = 20, .example = 3, .least = 0, .pixels = true},
                  "pixels to eat away; to one side twice as many")
         .symbol(
             "direction",

@@ -18,6 +18,7 @@ Status inputMask(ImageEngine& engine, const SecondImage& dotImage, bool keep, bo
 void describeInputMask(Catalogue& catalogue) {
     catalogue.add("krlImageInputMask", inputMask)
         .summary("Takes the transparency of another picture of the same size as a matte.")
+        .words("matte, mask, transparency, stencil")
         .image("dotImage", {}, "logo.png", "the picture whose transparency is the matte")
         .symbol("keepRemove", keepOrRemove(), refused("Input Mask invalid input keep_remove option (Image)"),
                 kKeepMeaning)

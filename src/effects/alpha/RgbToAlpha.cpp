@@ -12,6 +12,7 @@ Status rgbToAlpha(ImageEngine& engine) {
 void describeRgbToAlpha(Catalogue& catalogue) {
     catalogue.add("krlImageRGBtoAlpha", rgbToAlpha)
         .summary("Makes bright places opaque and dark ones transparent.")
+        .words("matte, mask, luma, transparency")
         .worksPerPixel()
         .failed("Failed RGB to Alpha function (Image)");
 }

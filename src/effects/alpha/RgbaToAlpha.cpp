@@ -14,6 +14,7 @@ Status rgbaToAlpha(ImageEngine& engine) {
 void describeRgbaToAlpha(Catalogue& catalogue) {
     catalogue.add("krlImageRGBAtoAlpha", rgbaToAlpha)
         .summary("Makes dark places transparent and keeps what is transparent as it is.")
+        .words("matte, mask, luma, transparency")
         .worksPerPixel()
         .failed("Failed RGBA to Alpha function (Image)");
 }

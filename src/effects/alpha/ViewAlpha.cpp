@@ -12,6 +12,7 @@ Status viewAlpha(ImageEngine& engine) {
 void describeViewAlpha(Catalogue& catalogue) {
     catalogue.add("krlImageViewAlpha", viewAlpha)
         .summary("Shows the transparency as an opaque grey picture.")
+        .words("matte, mask, show, transparency")
         .worksPerPixel()
         .failed("Failed View Alpha function (Image)");
 }

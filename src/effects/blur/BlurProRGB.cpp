@@ -19,10 +19,11 @@ Status blurProRGB(ImageEngine& engine, int32_t blurR, int32_t blurG, int32_t blu
 void describeBlurProRGB(Catalogue& catalogue) {
     catalogue.add("krlImageBlurProRGB", blurProRGB)
         .summary("Softens red, green and blue, each by its own radius.")
-        .integer("blurR", {.from = 0, .to = 60, .example = 16, .least = 0},
+        .words("soften, fringe, colour fringe, chromatic aberration")
+        .integer("blurR", {.from = 0, .to = 60, .example = 16, .least = 0, .pixels = true},
                  "radius for red; 0 leaves it sharp")
-        .integer("blurG", {.from = 0, .to = 60, .example = 0, .least = 0}, "radius for green")
-        .integer("blurB", {.from = 0, .to = 60, .example = 6, .least = 0}, "radius for blue")
+        .integer("blurG", {.from = 0, .to = 60, .example = 0, .least = 0, .pixels = true}, "radius for green")
+        .integer("blurB", {.from = 0, .to = 60, .example = 6, .least = 0, .pixels = true}, "radius for blue")
         .inputFailure("Blur Pro RGB input failure (Image)")
         .failed("Failed Blur Pro RGB function (Image)");
 }

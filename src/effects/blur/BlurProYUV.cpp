@@ -23,9 +23,13 @@ Status blurProYUV(ImageEngine& engine, int32_t blurY, int32_t blurU, int32_t blu
 void describeBlurProYUV(Catalogue& catalogue) {
     catalogue.add("krlImageBlurProYUV", blurProYUV)
         .summary("Softens brightness and the two colour differences, each by its own radius.")
-        .integer("blurY", {.from = 0, .to = 60, .example = 0, .least = 0}, "radius for brightness")
-        .integer("blurU", {.from = 0, .to = 60, .example = 12, .least = 0}, "radius for blue less brightness")
-        .integer("blurV", {.from = 0, .to = 60, .example = 12, .least = 0}, "radius for red less brightness")
+        .words("soften, chroma, noise reduction, old video")
+        .integer("blurY", {.from = 0, .to = 60, .example = 0, .least = 0, .pixels = true},
+                 "radius for brightness")
+        .integer("blurU", {.from = 0, .to = 60, .example = 12, .least = 0, .pixels = true},
+                 "radius for blue less brightness")
+        .integer("blurV", {.from = 0, .to = 60, .example = 12, .least = 0, .pixels = true},
+                 "radius for red less brightness")
         .inputFailure("Blur Pro YUV input failure (Image)")
         .failed("Failed Blur Pro YUV function (Image)");
 }

@@ -23,6 +23,7 @@ Status defocus(ImageEngine& engine, int32_t blur, float bloom, ChannelTarget tar
 void describeDefocus(Catalogue& catalogue) {
     catalogue.add("krlImageDefocus", defocus)
         .summary("Softens the picture and lets highlights bloom.")
+        .words("blur, soften, bokeh, out of focus, bloom, lens")
         .integer("blur", kRadius, kRadiusMeaning)
         .real("bloom", {.from = 0, .to = 0.8, .example = 0.25, .least = 0, .most = 0.8},
               "how far light swells: all colour is divided by what this leaves of 1")

@@ -53,6 +53,7 @@ Status diffuse(ImageEngine& engine, int32_t blur, float opacity, SampleQuality, 
 void describeDiffuse(Catalogue& catalogue) {
     catalogue.add("krlImageDiffuse", diffuse)
         .summary("Lays the sharp picture over its blur, as a soft-focus filter does.")
+        .words("soft focus, glow, dream, mist, filter, bloom, haze")
         .integer("blur", kRadius, kRadiusMeaning)
         .real("opacity", {.from = 0, .to = 1, .example = 0.5, .least = 0, .most = 1, .neutral = 1},
               "share of the sharp picture")

@@ -21,6 +21,7 @@ Status fastGaussianBlur(ImageEngine& engine, int32_t radius, ChannelTarget targe
 void describeFastGaussianBlur(Catalogue& catalogue) {
     catalogue.add("krlImageFastGaussianBlur", fastGaussianBlur)
         .summary("Softens the picture; a wide blur costs no more than a narrow one.")
+        .words("soften, smooth, gaussian, defocus")
         .integer("radius", kNeutralRadius, kRadiusMeaning)
         .symbol("colourOrAlpha",
                 {{"RGBA", ChannelTarget::RGBA},

@@ -216,7 +216,8 @@ Status motionBlur(ImageEngine& engine, int32_t distance, int32_t angle, BlurCoun
 void describeMotionBlur(Catalogue& catalogue) {
     catalogue.add("krlImageMotionBlur", motionBlur)
         .summary("Smears the picture along a straight line.")
-        .integer("distance", {.from = 0, .to = 100, .example = 24, .least = 0, .neutral = 0},
+        .words("speed, smear, trail, shake, direction")
+        .integer("distance", {.from = 0, .to = 100, .example = 24, .least = 0, .neutral = 0, .pixels = true},
                  "length of a trail in pixels")
         .integer("angle", {.from = 0, .to = 360, .example = 20},
                  "degrees, clockwise from the right, in which each pixel looks for its trail")

@@ -17,6 +17,7 @@ Status oneChannelFeather(ImageEngine& engine, int32_t radius, SampleQuality) {
 void describeOneChannelFeather(Catalogue& catalogue) {
     catalogue.add("krlImageOneChannelFeather", oneChannelFeather)
         .summary("Softens the edge of the transparency; colours stay sharp.")
+        .words("soften, edge, alpha, matte, feather")
         .integer("radius", kNeutralRadius, kRadiusMeaning)
         .symbol("quality", {{"standard", SampleQuality::Standard}, {"bilinear", SampleQuality::Bilinear}},
                 refused("One Channel Feather invalid input quality (Image)"), "either gives the same picture")

@@ -155,6 +155,7 @@ Status radialBlur(ImageEngine& engine, int32_t radialLength, Point radialPoint, 
 void describeRadialBlur(Catalogue& catalogue) {
     catalogue.add("krlImageRadialBlur", radialBlur)
         .summary("Turns the picture about a point while it is exposed.")
+        .words("spin, rotate, turn, rotation")
         .integer("radialLength", {.from = 0, .to = 45, .example = 6, .least = 0, .neutral = 0},
                  "degrees to each side; one sample is taken for each")
         .point("radialPoint", {.x = 0.5, .y = 0.5}, "what the picture turns about")

@@ -39,6 +39,7 @@ Status sharpen(ImageEngine& engine, int32_t radius, float amount, int32_t thresh
 void describeSharpen(Catalogue& catalogue) {
     catalogue.add("krlImageSharpen", sharpen)
         .summary("Sharpens edges by what a blur takes from them.")
+        .words("unsharp mask, crisp, detail, clarity")
         .integer("radius", kSharpenRadius, kSharpenRadiusMeaning)
         .real("amount", {.from = 0, .to = 5, .example = 1.5, .neutral = 0}, kAmountMeaning)
         .integer("threshold", kThreshold, kThresholdMeaning)

@@ -42,6 +42,7 @@ Status sharpenBrightness(ImageEngine& engine, int32_t radius, float amount, int3
 void describeSharpenBrightness(Catalogue& catalogue) {
     catalogue.add("krlImageSharpenBrightness", sharpenBrightness)
         .summary("Sharpens brightness alone, so that colour noise stays as it is.")
+        .words("unsharp mask, crisp, detail, luminance, clarity")
         .integer("radius", kSharpenRadius, kSharpenRadiusMeaning)
         .real("amount", {.from = 0, .to = 5, .example = 1.5}, kAmountMeaning)
         .integer("threshold", kThreshold, kThresholdMeaning)

@@ -42,6 +42,7 @@ Status yuvBlur(ImageEngine& engine, ChromaBlurType blurType, int32_t blurAmount)
 void describeYuvBlur(Catalogue& catalogue) {
     catalogue.add("krlImageYUVBlur", yuvBlur)
         .summary("Softens colour and keeps brightness sharp, as against colour noise.")
+        .words("noise reduction, chroma, denoise, soften")
         .symbol("blurType",
                 {{"yuv_horizontal", ChromaBlurType::Horizontal},
                  {"yuv_vertical", ChromaBlurType::Vertical},

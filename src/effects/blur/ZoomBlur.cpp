@@ -178,7 +178,9 @@ Status zoomBlur(ImageEngine& engine, int32_t zoomLength, Point zoomPoint, ZoomDi
 void describeZoomBlur(Catalogue& catalogue) {
     catalogue.add("krlImageZoomBlur", zoomBlur)
         .summary("Zooms while the picture is exposed: sharp at a point, more smeared the further out.")
-        .integer("zoomLength", {.from = 0, .to = 200, .example = 60, .least = 0, .neutral = 0},
+        .words("speed, explosion, zoom, rush")
+        .integer("zoomLength",
+                 {.from = 0, .to = 200, .example = 60, .least = 0, .neutral = 0, .pixels = true},
                  "pixels of smear at a distance of one whole diagonal from the point")
         .point("zoomPoint", {.x = 0.5, .y = 0.5}, "what stays sharp")
         .symbol("direction", {{"in", ZoomDirection::In}, {"out", ZoomDirection::Out}},

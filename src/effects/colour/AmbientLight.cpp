@@ -18,6 +18,7 @@ Status ambientLight(ImageEngine& engine, Colour myColor, int32_t intensity) {
 void describeAmbientLight(Catalogue& catalogue) {
     catalogue.add("krlImageAmbientLight", ambientLight)
         .summary("Lights the picture with one colour only.")
+        .words("tint, filter, gel, colour cast, light")
         .colour("myColor", Colour(255, 222, 190), "colour of the light; white changes nothing")
         .integer("intensity", {.from = 0, .to = 255, .example = 10, .least = 0, .most = 255, .neutral = 255},
                  "levels added to the light")

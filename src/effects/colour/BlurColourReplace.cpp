@@ -20,6 +20,7 @@ Status blurColourReplace(ImageEngine& engine, Colour colour) {
 void describeBlurColourReplace(Catalogue& catalogue) {
     catalogue.add("krlImageBlurColourReplace", blurColourReplace)
         .summary("Multiplies the picture by a colour; in spite of its name it blurs nothing.")
+        .words("multiply, tint, colour")
         .colour("pColor", Colour(255, 196, 120), "colour that white becomes")
         .inputFailure("Blur Colour Replace input failure (Image)")
         .worksPerPixel()

@@ -15,6 +15,7 @@ Status colourBalance(ImageEngine& engine, float redVal, float greenVal, float bl
 void describeColourBalance(Catalogue& catalogue) {
     catalogue.add("krlImageColourBalance", colourBalance)
         .summary("Multiplies each colour by a factor of its own.")
+        .words("color balance, tint, cast, white balance, grade")
         .real("redVal", {.from = 0, .to = 2, .example = 1.15}, "factor on red; 1.0 changes nothing")
         .real("greenVal", {.from = 0, .to = 2, .example = 1.0}, "factor on green")
         .real("blueVal", {.from = 0, .to = 2, .example = 0.85}, "factor on blue")

@@ -18,6 +18,7 @@ Status colourTemperature(ImageEngine& engine, float tempShift) {
 void describeColourTemperature(Catalogue& catalogue) {
     catalogue.add("krlImageColourTemperature", colourTemperature)
         .summary("Lights the picture with the glow of a hot body, from candle to sky.")
+        .words("color temperature, kelvin, warm, cool, cold, white balance, candle, daylight")
         .real("tempShift", {.from = 1500, .to = 12000, .example = 4500},
               "temperature in kelvin; low is warm, about 4900 is neutral, high is cold")
         .inputFailure("Colour Temperature input failure (Image)")

@@ -45,6 +45,7 @@ Status desaturatePro(ImageEngine& engine, float red, float green, float blue, in
 void describeDesaturatePro(Catalogue& catalogue) {
     catalogue.add("krlImageDesaturatePro", desaturatePro)
         .summary("Mixes a black and white picture from red, green and blue by weight.")
+        .words("grey, gray, grayscale, black and white, monochrome, channel mixer, red filter")
         .real("red", {.from = 0, .to = 1, .example = 0.3}, "weight of red")
         .real("green", {.from = 0, .to = 1, .example = 0.59}, "weight of green")
         .real("blue", {.from = 0, .to = 1, .example = 0.11}, "weight of blue")

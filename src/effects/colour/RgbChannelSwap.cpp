@@ -49,6 +49,7 @@ Status rgbChannelSwap(ImageEngine& engine, ChannelOrder channel, int32_t opacity
 void describeRgbChannelSwap(Catalogue& catalogue) {
     catalogue.add("krlImageRGBChannelSwap", rgbChannelSwap)
         .summary("Exchanges the three colours with one another.")
+        .words("swap, channels, infrared, exchange")
         .symbol("channel",
                 {{"RGBtoRGB", ChannelOrder::RGB},
                  {"RGBtoRBG", ChannelOrder::RBG},

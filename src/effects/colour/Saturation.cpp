@@ -14,6 +14,7 @@ Status saturation(ImageEngine& engine, float saturation) {
 void describeSaturation(Catalogue& catalogue) {
     catalogue.add("krlImageSaturation", saturation)
         .summary("Strengthens or weakens colour, keeping hue and brightest channel.")
+        .words("vivid, vibrance, muted, colourful, colorful, dull")
         .real("saturation", {.from = 0, .to = 3, .example = 1.5},
               "factor; 1.0 keeps, 0.0 leaves the grey of the brightest channel")
         .inputFailure("Saturation input failure (Image)")

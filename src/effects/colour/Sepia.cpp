@@ -18,6 +18,7 @@ Status sepia(ImageEngine& engine) {
 void describeSepia(Catalogue& catalogue) {
     catalogue.add("krlImageSepia", sepia)
         .summary("Turns the picture into an old brown print.")
+        .words("old photograph, vintage, brown, antique, aged")
         .worksPerPixel()
         .failed("Failed Sepia function (Image)");
 }

@@ -24,6 +24,7 @@ Status composite(ImageEngine& engine, const SecondImage& foreground, BlendMode b
 void describeComposite(Catalogue& catalogue) {
     catalogue.add("krlImageComposite", composite)
         .summary("Lays a second picture over this one in any of the blend modes.")
+        .words("overlay, blend, layer, blend mode, multiply, screen, paste, logo, watermark")
         .image("foreground", kCompositeSizes, "logo.png", "the picture on top, of this one's size")
         .symbol("blendMethod", compositeBlends(), refused("Composite invalid input blendMethod (Image)"),
                 "how the two colours meet")

@@ -31,6 +31,7 @@ Status gleamBlurComposite(ImageEngine& engine, const SecondImage& foreground,
 void describeGleamBlurComposite(Catalogue& catalogue) {
     catalogue.add("krlImageGleamBlurComposite", gleamBlurComposite)
         .summary("Lays a picture over this one and lets its bright parts glow softly.")
+        .words("glow, bloom, highlights, light")
         .image("foreground", kCompositeSizes, "landscape.png", "the picture on top, of this one's size")
         .symbol("compositeBlendMethod", compositeBlends(),
                 refused("Gleam Blur invalid input compositeBlendMethod (Image)"),
@@ -40,7 +41,7 @@ void describeGleamBlurComposite(Catalogue& catalogue) {
                  kOpacityOfFront)
         .integer("blackPoint", {.from = 0, .to = 255, .example = 120, .least = 0, .most = 255}, kBlackMeaning)
         .integer("whitePoint", {.from = 0, .to = 255, .example = 240, .least = 0, .most = 255}, kWhiteMeaning)
-        .integer("blur", {.from = 0, .to = 100, .example = 25, .least = 0},
+        .integer("blur", {.from = 0, .to = 100, .example = 25, .least = 0, .pixels = true},
                  "how far the light spreads, in pixels")
         .symbol("blendMethod", compositeBlends(), refused("Gleam Blur invalid input blendMethod (Image)"),
                 "how the light is laid on")

@@ -45,6 +45,7 @@ Status gleamZoomComposite(ImageEngine& engine, const SecondImage& foreground,
 void describeGleamZoomComposite(Catalogue& catalogue) {
     catalogue.add("krlImageGleamZoomComposite", gleamZoomComposite)
         .summary("Lays a picture over this one and draws its bright parts out into rays.")
+        .words("light rays, god rays, sunbeams, shine, beams")
         .image("foreground", kCompositeSizes, "landscape.png", "the picture on top, of this one's size")
         .symbol("compositeBlendMethod", lightBlends(),
                 refused("Gleam Blur invalid input compositeBlendMethod (Image)"),
@@ -73,7 +74,7 @@ void describeGleamZoomComposite(Catalogue& catalogue) {
                 {{"standard", SampleQuality::Standard}, {"antialiased", SampleQuality::Antialiased}},
                 refused("Gleam Zoom invalid input zoom input type (Image)"),
                 "as it is, or smoother and about four times as slow")
-        .integer("userDistance", {.from = 1, .to = 200, .example = 30},
+        .integer("userDistance", {.from = 1, .to = 200, .example = 30, .pixels = true},
                  "pixels from the point within which rays are already bright; the light is divided by it, so "
                  "that longer is fainter")
         .inputFailure("Gleam Zoom input failure (Image)")

@@ -65,8 +65,9 @@ Status lightSpillComposite(ImageEngine& engine, const SecondImage& background, i
 void describeLightSpillComposite(Catalogue& catalogue) {
     catalogue.add("krlImageLightSpillComposite", lightSpillComposite)
         .summary("Puts a cut-out picture in place and lets this one's light bleed over its edges.")
+        .words("light wrap, edge, blend, cutout, composite")
         .image("background", {}, "logo.png", "the cut-out picture, of this one's size")
-        .integer("blur", {.from = 0, .to = 100, .example = 20, .least = 0},
+        .integer("blur", {.from = 0, .to = 100, .example = 20, .least = 0, .pixels = true},
                  "how far the light reaches, in pixels")
         .symbol("blendMethod", lightBlends(),
                 refused("Light Spill Composite invalid input blendMethod (Image)"),

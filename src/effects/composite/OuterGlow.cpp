@@ -142,10 +142,13 @@ void describeOuterGlow(Catalogue& catalogue) {
     const auto hasEntries = [](const ArgumentValue& colours) { return !colours.keys.empty(); };
     catalogue.add("krlImageOuterGlow", outerGlow)
         .summary("Turns the picture's shape into a coloured halo with a coloured core, for titles.")
-        .integer("core_feather", {.from = 0, .to = 50, .example = 3, .least = 0},
+        .words("halo, neon, title, text, aura")
+        .integer("core_feather", {.from = 0, .to = 50, .example = 3, .least = 0, .pixels = true},
                  "softness of the core's edge")
-        .integer("expand_blur", {.from = 0, .to = 50, .example = 10, .least = 0}, "how far the shape grows")
-        .integer("outer_blur", {.from = 0, .to = 100, .example = 30, .least = 0}, "softness of the halo")
+        .integer("expand_blur", {.from = 0, .to = 50, .example = 10, .least = 0, .pixels = true},
+                 "how far the shape grows")
+        .integer("outer_blur", {.from = 0, .to = 100, .example = 30, .least = 0, .pixels = true},
+                 "softness of the halo")
         .colourList("outerColours", {}, {{0, Colour(120, 0, 160)}, {100, Colour(255, 170, 40)}},
                     "colours of the halo by transparency, in percent; one colour fills it")
         .mustPass(hasEntries, "Outer Glow, empty outer colour list (Image)")

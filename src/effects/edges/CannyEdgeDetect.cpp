@@ -116,7 +116,8 @@ Status cannyEdgeDetect(ImageEngine& engine, int32_t blurAmount, int32_t threshol
 void describeCannyEdgeDetect(Catalogue& catalogue) {
     catalogue.add("krlImageCannyEdgeDetect", cannyEdgeDetect)
         .summary("Keeps the picture, inverted, along its strongest edges and clears the rest to white.")
-        .integer("blurAmount", {.from = 0, .to = 20, .example = 2, .least = 0},
+        .words("outline, edges, drawing, sketch, contour")
+        .integer("blurAmount", {.from = 0, .to = 20, .example = 2, .least = 0, .pixels = true},
                  "softening before the search, in pixels")
         .integer("threshold", {.from = 0, .to = 255, .example = 60, .least = -1, .most = 256},
                  "how strong an edge must be to stay")

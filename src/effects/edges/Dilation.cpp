@@ -13,7 +13,8 @@ Status dilation(ImageEngine& engine, int32_t size) {
 void describeDilation(Catalogue& catalogue) {
     catalogue.add("krlImageDilation", dilation)
         .summary("Spreads dark areas: each colour takes the darkest around it.")
-        .integer("size", {.from = 0, .to = 20, .example = 3, .least = 0},
+        .words("morphology, grow, dark, thicken, minimum")
+        .integer("size", {.from = 0, .to = 20, .example = 3, .least = 0, .pixels = true},
                  "pixels to each side; where a picture has transparency its colours darken too")
         .inputFailure("Dilation input failure (Image)")
         .failed("Failed Dilation function (Image)");

@@ -152,6 +152,7 @@ Status emboss(ImageEngine& engine, int32_t strength, float azimuth, float elevat
 void describeEmboss(Catalogue& catalogue) {
     catalogue.add("krlImageEmboss", emboss)
         .summary("Lights the picture from one side as if it were a relief.")
+        .words("relief, stamp, bump, metal")
         .integer("strength", {.from = 1, .to = 50, .example = 8, .least = 1, .most = 50},
                  "depth of the relief")
         .real("azimuth", {.from = 0, .to = 360, .example = 45, .least = 0, .most = 360},

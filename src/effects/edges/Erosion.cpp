@@ -13,7 +13,8 @@ Status erosion(ImageEngine& engine, int32_t size) {
 void describeErosion(Catalogue& catalogue) {
     catalogue.add("krlImageErosion", erosion)
         .summary("Spreads bright areas: each colour takes the brightest around it.")
-        .integer("size", {.from = 0, .to = 20, .example = 3, .least = 0},
+        .words("morphology, shrink, bright, maximum")
+        .integer("size", {.from = 0, .to = 20, .example = 3, .least = 0, .pixels = true},
                  "pixels to each side; where a picture has transparency its colours darken too")
         .inputFailure("Erosion input failure (Image)")
         .failed("Failed Erosion function (Image)");

@@ -74,9 +74,10 @@ Status glowingEdges(ImageEngine& engine, int32_t size, int32_t smoothness, float
 void describeGlowingEdges(Catalogue& catalogue) {
     catalogue.add("krlImageGlowingEdges", glowingEdges)
         .summary("Turns edges into lines of neon on black.")
-        .integer("size", {.from = 0, .to = 10, .example = 2, .least = 0, .most = 10},
+        .words("neon, outline, contour, light")
+        .integer("size", {.from = 0, .to = 10, .example = 2, .least = 0, .most = 10, .pixels = true},
                  "width of the lines, in pixels to each side")
-        .integer("smoothness", {.from = 0, .to = 20, .example = 3, .least = 0},
+        .integer("smoothness", {.from = 0, .to = 20, .example = 3, .least = 0, .pixels = true},
                  "softening before the search, in pixels")
         .real("brightness", {.from = 0, .to = 10, .example = 2.5, .least = 0, .most = 255},
               "factor on the light of the lines")

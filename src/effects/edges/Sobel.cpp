@@ -29,6 +29,7 @@ Status sobel(ImageEngine& engine, ChannelTarget target) {
 void describeSobel(Catalogue& catalogue) {
     catalogue.add("krlImageSobel", sobel)
         .summary("Draws edges as dark lines on white.")
+        .words("outline, edges, drawing, sketch, pencil, contour")
         .symbol("colourOrAlpha", colourOrAlpha(), kElseAlpha, kTargetMeaning)
         .inputFailure("Sobel input failure (Image)")
         .failed("Failed Sobel function (Image)");

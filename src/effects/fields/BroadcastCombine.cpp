@@ -73,6 +73,7 @@ Outcome combinePictures(Call& call) {
 void describeBroadcastCombine(Catalogue& catalogue) {
     catalogue.add("krlImageBroadcastCombine")
         .summary("Joins the pictures of a broadcast split into one new picture.")
+        .words("join, resolution, video")
         .value("imageList",
                "[image(480, 320, 32), image(480, 320, 32), image(480, 320, 32), image(480, 320, 32)]",
                "4 or 16 pictures of one size, in the order of the split")

@@ -53,6 +53,7 @@ Outcome splitPicture(Call& call) {
 void describeBroadcastSplit(Catalogue& catalogue) {
     catalogue.add("krlImageBroadcastSplit")
         .summary("Deals the picture out into 4 or 16 smaller ones; the result is a list of them.")
+        .words("split, quarter, resolution, video")
         .integer("splitNum", {.from = 4, .to = 16, .example = 4},
                  "4 for blocks of 2 by 2 pixels, anything else for 4 by 4")
         .givesPictureList()

@@ -74,6 +74,7 @@ Outcome halvePicture(Call& call) {
 void describeHalfSize(Catalogue& catalogue) {
     catalogue.add("krlImageHalfSize")
         .summary("Makes a new picture of half the width and height.")
+        .words("resize, scale, shrink, smaller, downscale, thumbnail")
         .givesPicture("frame", "the new picture")
         .failed("Failed Half Size Check function (Image)")
         .dependsOnBands()

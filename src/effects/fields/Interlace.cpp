@@ -24,6 +24,7 @@ void describeInterlace(Catalogue& catalogue) {
     };
     catalogue.add("krlImageInterlace", interlace)
         .summary("Fills one field of an interlaced picture from the other.")
+        .words("video, fields, scan lines, scanlines, television, TV")
         .symbol("interlaceType",
                 {{"deinterlace", InterlaceType::Deinterlace}, {"splitField", InterlaceType::SplitField}},
                 refused("Interlace invalid input interlaceType (Image)"),

@@ -52,6 +52,7 @@ Outcome mergeFields(Call& call) {
 void describeReinterlace(Catalogue& catalogue) {
     catalogue.add("krlImageReinterlace")
         .summary("Copies one field of a second picture into the first.")
+        .words("video, fields, scan lines, television, TV")
         .image("imageOne", {}, "landscape.png", "the picture that is changed")
         .image("imageTwo", {}, "landscape.png", "the picture whose rows it takes")
         .failed("Failed Reinterlace function (Image)")

@@ -54,6 +54,7 @@ Status bleachBypass(ImageEngine& engine, int32_t opacity, float contrast, float 
 void describeBleachBypass(Catalogue& catalogue) {
     catalogue.add("krlImageBleachBypass", bleachBypass)
         .summary("Leaves silver in the print: hard contrast over muted colour.")
+        .words("film, silver, gritty, muted, war, contrast")
         .integer("opacity", {.from = 0, .to = 255, .example = 200, .least = 0, .most = 255},
                  "how strongly the silver shows")
         .real("contrast", {.from = 0, .to = 2, .example = 1.2, .least = 0, .most = 2},

@@ -112,7 +112,9 @@ void describeDayForNight(Catalogue& catalogue) {
     };
     catalogue.add("krlImageDayForNight", +effect)
         .summary("Makes a scene shot by day look like one by moonlight.")
-        .integer("blur", {.from = 0, .to = 60, .example = 6, .least = 0}, "radius of the softening in pixels")
+        .words("night, moonlight, blue, dark, american night")
+        .integer("blur", {.from = 0, .to = 60, .example = 6, .least = 0, .pixels = true},
+                 "radius of the softening in pixels")
         .real("blur_opacity", share(0.6), "share of the sharp picture")
         .colour("rgbColor", Colour(60, 90, 160), "colour of the night")
         .real("colorOpacity", share(0.25), "share of the colours by day; 0 tints in full")

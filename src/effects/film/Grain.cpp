@@ -177,10 +177,11 @@ void describeGrain(Catalogue& catalogue) {
                               seed,
                               colourMethod});
     };
-    constexpr NumberRange frequency{.from = 1, .to = 20, .example = 2, .least = 1};
+    constexpr NumberRange frequency{.from = 1, .to = 20, .example = 2, .least = 1, .pixels = true};
     constexpr NumberRange strength{.from = 0, .to = 1, .example = 0.5, .least = 0, .most = 1};
     catalogue.add("krlImageGrain", +effect)
         .summary("Lays film grain over the mid tones.")
+        .words("film grain, noise, texture, analogue")
         .real("frequencyRed", frequency, "size of the grain in pixels, at least 1, in red")
         .real("frequencyGreen", frequency, "size of the grain in green")
         .real("frequencyBlue", frequency, "size of the grain in blue")

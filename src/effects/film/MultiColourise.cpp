@@ -50,6 +50,7 @@ Status multiColourise(ImageEngine& engine, std::span<const CurveKey> colourValue
 void describeMultiColourise(Catalogue& catalogue) {
     catalogue.add("krlImageMultiColourise", multiColourise)
         .summary("Colours the picture by brightness, from a smooth ramp of colours.")
+        .words("gradient map, duotone, tritone, colorize, heat, ramp")
         .colourList("colourValues", {.real = true, .scale = kLevelsPerPercent},
                     {{0, Colour(24, 18, 60)}, {50, Colour(210, 90, 60)}, {100, Colour(255, 244, 200)}},
                     "colours under brightness in percent, 0 for black")

@@ -105,6 +105,7 @@ Outcome makeNoise(Call& call) {
 void describeNoise(Catalogue& catalogue) {
     catalogue.add("krlImageNoise")
         .summary("Adds noise that is stronger where the picture is brighter.")
+        .words("grain, speckle, static, interference")
         .real("varience", {.from = 0, .to = 1, .example = 0.15, .least = 0, .neutral = 0},
               "largest change, as a share of the level; 0 or less adds nothing")
         .integer("seed", {.from = 0, .to = 10000, .example = 7}, "the same number gives the same noise")

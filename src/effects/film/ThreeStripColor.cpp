@@ -41,6 +41,7 @@ void describeThreeStripColor(Catalogue& catalogue) {
     constexpr NumberRange expand{.from = 0, .to = 255, .example = 40, .most = 256};
     catalogue.add("krlImageThreeStripColor", threeStripColor)
         .summary("Prints the picture from three separations, whose dyes darken one another.")
+        .words("old film, cinema, vivid, dyes, vintage, three-strip")
         .integer("expandRed", expand, "level below which the red dye does not print; 256 shuts it")
         .integer("expandGreen", expand, "the same for the green dye")
         .integer("expandBlue", expand, "the same for the blue dye")

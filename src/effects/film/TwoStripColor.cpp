@@ -42,6 +42,7 @@ void describeTwoStripColor(Catalogue& catalogue) {
     constexpr NumberRange expand{.from = 0, .to = 255, .example = 40};
     catalogue.add("krlImageTwoStripColor", twoStripColor)
         .summary("Prints the green record alone, as when two inks are left out.")
+        .words("old film, cinema, vintage, two-strip, faded")
         .integer("expandRed", expand, "changes nothing")
         .integer("expandGreen", expand, "changes nothing")
         .integer("expandBlue", expand, "changes nothing")

@@ -227,6 +227,7 @@ Outcome drawShape(Call& call) {
 void describeDrawBezierShape(Catalogue& catalogue) {
     catalogue.add("krlImageDrawBezierShape")
         .summary("Replaces the picture's colours by a matte of one closed Bezier shape.")
+        .words("mask, matte, garbage matte, roto, outline, path, curve")
         .value("bezierList",
                "[[#vertex: point(280, 200), #handle1: point(80, 130), #handle2: point(200, -180)], "
                "[#vertex: point(280, -60), #handle1: point(-280, 210), #handle2: point(200, 180)]]",

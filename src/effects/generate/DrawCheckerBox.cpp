@@ -28,7 +28,9 @@ Status drawCheckerBox(ImageEngine& engine, int32_t size, Colour cOne, Colour cTw
 void describeDrawCheckerBox(Catalogue& catalogue) {
     catalogue.add("krlImageDrawCheckerBox", drawCheckerBox)
         .summary("Paints a checker pattern over the colours; transparency is kept.")
-        .integer("size", {.from = 1, .to = 200, .example = 40, .least = 1}, "side of a square, in pixels")
+        .words("chessboard, checkerboard, pattern, squares, test picture")
+        .integer("size", {.from = 1, .to = 200, .example = 40, .least = 1, .pixels = true},
+                 "side of a square, in pixels")
         .colour("cOne", Colour(230, 230, 230), "colour of the first square")
         .colour("cTwo", Colour(60, 60, 70), "colour of the squares beside it")
         .inputFailure("Draw Checker Box input failure (Image)")

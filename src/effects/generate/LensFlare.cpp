@@ -115,6 +115,7 @@ constexpr const char* kExampleFlare =
 void describeLensFlare(Catalogue& catalogue) {
     catalogue.add("krlImageLensFlare")
         .summary("Paints a lens flare, element by element, over the picture.")
+        .words("sun, light, halo, rays, glare, star")
         .value("flareElementsList", kExampleFlare,
                "the elements in the order of painting, each a kind (#polyshape, #randomFan, #spike, "
                "#star, #line, #filledCircle, #gradientCircle, #outlinedCircle, #fadedCircle, "

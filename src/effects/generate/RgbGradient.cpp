@@ -106,8 +106,10 @@ Outcome paintGradient(Call& call) {
 void describeRgbGradient(Catalogue& catalogue) {
     catalogue.add("krlImageRGBGradient")
         .summary("Makes a new picture of colours that run from left to right.")
-        .integer("width", {.from = 1, .to = 512, .example = 256}, "columns of the new picture")
-        .integer("height", {.from = 1, .to = 256, .example = 64}, "rows of the new picture")
+        .words("ramp, colours, background, new picture")
+        .integer("width", {.from = 1, .to = 512, .example = 256, .pixels = true},
+                 "columns of the new picture")
+        .integer("height", {.from = 1, .to = 256, .example = 64, .pixels = true}, "rows of the new picture")
         .symbol("type", {{"linear", GradientType::linear}, {"curved", GradientType::curved}},
                 refused("RGB Gradient invalid input quality (Image)"),
                 "straight from colour to colour, or along a smooth curve that is 256 columns long")

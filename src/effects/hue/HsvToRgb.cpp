@@ -26,6 +26,7 @@ auto notBelowAndAbove(double low, double high) {
 void describeHsvToRgb(Catalogue& catalogue) {
     catalogue.add("krlImageHSVtoRGB")
         .summary("Converts hue, saturation and value to a colour; needs no picture.")
+        .words("convert, colour, color")
         .real("hue", {.from = 0, .to = 360, .example = 30}, "degrees")
         .mustPass(notBelowAndAbove(0, 360), "HSVtoRGB invalid input hue (Image)")
         .thenCompare()

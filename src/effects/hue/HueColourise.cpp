@@ -13,6 +13,7 @@ Status hueColourise(ImageEngine& engine, int32_t hueValue, int32_t density) {
 void describeHueColourise(Catalogue& catalogue) {
     catalogue.add("krlImageHueColourise", hueColourise)
         .summary("Gives every colour one hue, keeping its lightness and saturation.")
+        .words("colorize, tint, monochrome, duotone")
         .integer("hueValue", {.from = 0, .to = 360, .example = 210},
                  "hue in degrees: 0 red, 120 green, 240 blue")
         .integer("density", {.from = 0, .to = 150, .example = 100, .neutral = 0},

@@ -13,6 +13,7 @@ Status hueShift(ImageEngine& engine, int32_t hueValue, int32_t density) {
 void describeHueShift(Catalogue& catalogue) {
     catalogue.add("krlImageHueShift", hueShift)
         .summary("Turns all hues around the colour circle.")
+        .words("rotate, colour, color, turn")
         .integer("hueValue", {.from = 0, .to = 360, .example = 90}, "degrees to turn by")
         .integer("density", {.from = 0, .to = 150, .example = 100, .neutral = 0},
                  "percent of the new colour; beyond 100 overshoots")

@@ -15,6 +15,7 @@ Status lightnessHLS(ImageEngine& engine, float lightness) {
 void describeLightnessHLS(Catalogue& catalogue) {
     catalogue.add("krlImageLightnessHLS", lightnessHLS)
         .summary("Multiplies lightness, as defined by hue, lightness and saturation.")
+        .words("brighten, darken, lightness")
         .real("lightness", {.from = 0, .to = 2, .example = 1.25}, "factor; 1.0 keeps")
         .inputFailure("Lightness HLS input failure (Image)")
         .worksPerPixel()

@@ -19,6 +19,7 @@ Status lightnessHSV(ImageEngine& engine, float lightness) {
 void describeLightnessHSV(Catalogue& catalogue) {
     catalogue.add("krlImageLightnessHSV", lightnessHSV)
         .summary("Lightens or darkens; what is lightened loses saturation too.")
+        .words("brighten, darken, lightness, value")
         .real("lightness", {.from = 0, .to = 2, .example = 1.25, .neutral = 1},
               "1.0 keeps, 2.0 gives white, 0.0 black")
         .inputFailure("Lightness HSV input failure (Image)")

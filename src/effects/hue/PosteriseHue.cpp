@@ -15,6 +15,7 @@ Status posteriseHue(ImageEngine& engine, int32_t level, int32_t rotation) {
 void describePosteriseHue(Catalogue& catalogue) {
     catalogue.add("krlImagePosteriseHue", posteriseHue)
         .summary("Reduces hues to a few, and turns them; greys stay.")
+        .words("posterize, flat, steps, reduce colours")
         .integer("level", {.from = 1, .to = 36, .example = 6}, "number of hues; 0 keeps them all")
         .integer("rotation", {.from = 0, .to = 360, .example = 30}, "degrees to turn the result by")
         .inputFailure("Posterise Hue input failure (Image)")

@@ -23,6 +23,7 @@ Outcome convertRgbToHsv(Call& call) {
 void describeRgbToHsv(Catalogue& catalogue) {
     catalogue.add("krlImageRGBtoHSV")
         .summary("Converts a colour to hue, saturation and value; needs no picture.")
+        .words("convert, colour, color")
         .colour("pColor", Colour(255, 140, 40), "the colour")
         .gives("hue", "degrees, -1.0 for a grey; there is no error entry")
         .gives("saturation", "0.0 to 1.0")

@@ -23,8 +23,8 @@ Outcome dropShadow(Call& call) {
 void describeDropShadow(Catalogue& catalogue) {
     catalogue.add("krlImageDropShadow")
         .summary("Makes a new picture of the loaded one's size; the loaded one is not changed.")
-        .integer("blur", {.from = 0, .to = 50, .example = 5}, "a radius in pixels")
-        .integer("expand", {.from = 0, .to = 50, .example = 5}, "a distance in pixels")
+        .integer("blur", {.from = 0, .to = 50, .example = 5, .pixels = true}, "a radius in pixels")
+        .integer("expand", {.from = 0, .to = 50, .example = 5, .pixels = true}, "a distance in pixels")
         .givesPicture("frame", "the new picture")
         .inputFailure("Drop Shadow input failure (Image)")
         .failed("Failed Drop Shadow function (Image)")

@@ -46,7 +46,7 @@ void describeDiffuseExtended(Catalogue& catalogue) {
         .integer("threshold", {.from = 0, .to = 255, .example = 128}, "a level")
         .symbol("colourMethod", {{"black", 0}, {"white", 1}},
                 refused("Diffuse Extended invalid input quality (Image)"), "a colour")
-        .integer("blur", {.from = 0, .to = 50, .example = 5}, "a radius in pixels")
+        .integer("blur", {.from = 0, .to = 50, .example = 5, .pixels = true}, "a radius in pixels")
         .real("opacity", {.from = 0, .to = 1, .example = 0.5}, "a share")
         .symbol("quality", qualities(), refused("Diffuse Extended invalid input quality (Image)"),
                 "a quality")
@@ -56,7 +56,7 @@ void describeDiffuseExtended(Catalogue& catalogue) {
 
 void describeFishEye(Catalogue& catalogue) {
     addInert(catalogue, "krlImageFishEye")
-        .integer("radius", {.from = 0, .to = 500, .example = 100}, "a radius in pixels")
+        .integer("radius", {.from = 0, .to = 500, .example = 100, .pixels = true}, "a radius in pixels")
         .real("curvature", {.from = 0, .to = 2, .example = 1}, "a strength")
         .point("origin", {}, "a place")
         .symbol("direction", {{"inwards", 0}, {"outwards", 1}},
@@ -73,7 +73,7 @@ void describeGleamBlur(Catalogue& catalogue) {
     addInert(catalogue, "krlImageGleamBlur")
         .integer("blackPoint", {.from = 0, .to = 255, .example = 100}, "a level")
         .integer("whitePoint", {.from = 0, .to = 255, .example = 255}, "a level")
-        .integer("blur", {.from = 0, .to = 50, .example = 10}, "a radius in pixels")
+        .integer("blur", {.from = 0, .to = 50, .example = 10, .pixels = true}, "a radius in pixels")
         .symbol("blendMethod", allBlends(), refused("Gleam Blur invalid input blendMethod (Image)"),
                 "a blend mode")
         .real("brightness", {.from = 0, .to = 4, .example = 1}, "a strength")
@@ -113,10 +113,11 @@ void describeShadowHighlight(Catalogue& catalogue) {
     addInert(catalogue, "krlImageShadowHighlight")
         .real("shadowAmount", {.from = 0, .to = 1, .example = 0.5}, "a strength")
         .real("shadowTonalWidth", {.from = 0, .to = 1, .example = 0.5}, "a range of tones")
-        .integer("shadowRadius", {.from = 0, .to = 50, .example = 10}, "a radius in pixels")
+        .integer("shadowRadius", {.from = 0, .to = 50, .example = 10, .pixels = true}, "a radius in pixels")
         .real("highlightAmount", {.from = 0, .to = 1, .example = 0.5}, "a strength")
         .real("highlightTonalWidth", {.from = 0, .to = 1, .example = 0.5}, "a range of tones")
-        .integer("highlightRadius", {.from = 0, .to = 50, .example = 10}, "a radius in pixels")
+        .integer("highlightRadius", {.from = 0, .to = 50, .example = 10, .pixels = true},
+                 "a radius in pixels")
         .inputFailure("Shadow Highlight input failure (Image)")
         .failed("Failed Shadow Highlight function (Image)");
 }

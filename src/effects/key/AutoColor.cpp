@@ -43,6 +43,7 @@ Status autoColor(const ImageEngine& engine, KeyColour& found) {
 void describeAutoColor(Catalogue& catalogue) {
     catalogue.add("krlImageAutoColor")
         .summary("Finds whether the backing is green or blue; the picture stays as it is.")
+        .words("green screen, blue screen, detect, backing, key")
         .gives("auto_color", kAutoColourMeaning)
         .leavesPicture()
         .failed("Failed Auto Color function (Image)")

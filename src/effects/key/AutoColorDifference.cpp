@@ -21,8 +21,10 @@ Status autoColorDifference(ImageEngine& engine, const AutoKeySettings& settings,
 }
 
 void describeAutoColorDifference(Catalogue& catalogue) {
-    Method& entry = catalogue.add("krlImageAutoColorDifference")
-                        .summary("Keys on a backing whose colour and range come from the picture.");
+    Method& entry =
+        catalogue.add("krlImageAutoColorDifference")
+            .summary("Keys on a backing whose colour and range come from the picture.")
+            .words("green screen, greenscreen, blue screen, chroma key, cut out, background removal, matte");
     addAutoKeySettings(entry, "Auto Color Difference invalid input direction (Image)")
         .inputFailure("Auto Color Difference input failure (Image)")
         .failed("Failed Auto Color Difference function (Image)")

@@ -18,7 +18,8 @@ void describeAutoColorDifferenceCharger(Catalogue& catalogue) {
     Method& entry = catalogue.add("krlImageAutoColorDifferenceCharger")
                         .summary(
                             "The automatic colour difference, combined with the transparency that is "
-                            "there.");
+                            "there.")
+                        .words("green screen, greenscreen, blue screen, chroma key, cut out, matte");
     addAutoKeySettings(entry, "Auto Color Difference Charger invalid input direction (Image)")
         .symbol("keepRemove", keepOrRemove(),
                 refused("Auto Colour Difference Charger invalid input keep_remove option (Image)"),

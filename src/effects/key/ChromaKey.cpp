@@ -171,6 +171,7 @@ void describeChromaKey(Catalogue& catalogue) {
     };
     catalogue.add("krlImageChromaKey", chromaKey)
         .summary("Keys on hue, saturation and value at once, each with a full and a soft range.")
+        .words("green screen, greenscreen, blue screen, cut out, background removal, matte, chroma")
         .real("huePick", degrees(360, 120), "hue to key, in degrees")
         .real("innerHue", degrees(180, 25), "degrees to either side keyed in full")
         .real("outerHue", degrees(180, 20), "further degrees that fade out")

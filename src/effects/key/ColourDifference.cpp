@@ -44,6 +44,7 @@ Status colourDifference(ImageEngine& engine, KeyColour differenceColour, int32_t
 void describeColourDifference(Catalogue& catalogue) {
     catalogue.add("krlImageColourDifference", colourDifference)
         .summary("Keys on how far the backing's colour exceeds the other two.")
+        .words("green screen, greenscreen, blue screen, key, matte, cut out")
         .symbol("differenceColour", backings(), refused("Colour Difference invalid input colour (Image)"),
                 "colour of the backing")
         .integer("blackValue", {.from = 0, .to = 255, .example = 20},

@@ -203,6 +203,7 @@ Status colourDifferenceExtended(ImageEngine& engine, KeyColour colorSymbol,
 void describeColourDifferenceExtended(Catalogue& catalogue) {
     catalogue.add("krlImageColourDifferenceExtended", colourDifferenceExtended)
         .summary("The colour difference, held back on dark places and along edges.")
+        .words("green screen, greenscreen, blue screen, key, matte, cut out")
         .symbol("colorSymbol", backings(), refused("Colour Difference Extended invalid input colour (Image)"),
                 "colour of the backing")
         .real("colorRange", {.from = 0, .to = 1, .example = 0.5, .least = -1},

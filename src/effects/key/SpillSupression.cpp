@@ -57,6 +57,7 @@ Status spillSupression(ImageEngine& engine, KeyColour spillColour, bool extended
 void describeSpillSupression(Catalogue& catalogue) {
     catalogue.add("krlImageSpillSupression", spillSupression)
         .summary("Takes the backing's tint out of a keyed picture.")
+        .words("despill, green edge, spill suppression, fringe, green screen")
         .symbol("spillColour", backings(), refused("Spill Suppression invalid input colour (Image)"),
                 "colour of the backing")
         .symbol("type", {{"extended", true}, {"plain", false}}, otherwise(false),

@@ -57,7 +57,9 @@ Status fragment(ImageEngine& engine, int32_t distance, ChannelTarget target) {
 void describeFragment(Catalogue& catalogue) {
     catalogue.add("krlImageFragment", fragment)
         .summary("Lays four faint copies of the picture around its place.")
-        .integer("distance", {.from = 0, .to = 100, .example = 8}, "pixels by which each copy is shifted")
+        .words("double vision, shake, ghost, blur")
+        .integer("distance", {.from = 0, .to = 100, .example = 8, .pixels = true},
+                 "pixels by which each copy is shifted")
         .symbol("colourOrAlpha", anyChannels(), refused("Fragment invalid colourOrAlpha input (Image)"),
                 kWeighedMeaning)
         .inputFailure("Fragment input failure (Image)")

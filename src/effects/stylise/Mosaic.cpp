@@ -81,7 +81,9 @@ Status mosaic(ImageEngine& engine, int32_t amount, ChannelTarget target) {
 void describeMosaic(Catalogue& catalogue) {
     catalogue.add("krlImageMosaic", mosaic)
         .summary("Makes blocks of one colour.")
-        .integer("amount", {.from = 2, .to = 100, .example = 12, .least = 2}, "side of a block, in pixels")
+        .words("pixelate, pixelise, censor, blocks, anonymise, hide")
+        .integer("amount", {.from = 2, .to = 100, .example = 12, .least = 2, .pixels = true},
+                 "side of a block, in pixels")
         .symbol("colourOrAlpha", anyChannels(), kElseAlpha, kChannelsMeaning)
         .inputFailure("Mosaic input failure (Image)")
         .failed("Failed Mosaic function (Image)");

@@ -133,7 +133,8 @@ Status oilPaint(ImageEngine& engine, int32_t brushSize, int32_t intensity) {
 void describeOilPaint(Catalogue& catalogue) {
     catalogue.add("krlImageOilPaint", oilPaint)
         .summary("Paints over the picture in strokes of its own colours.")
-        .integer("brushSize", {.from = 1, .to = 5, .example = 4, .least = 1, .most = 5},
+        .words("painting, brush, artistic, canvas, strokes")
+        .integer("brushSize", {.from = 1, .to = 5, .example = 4, .least = 1, .most = 5, .pixels = true},
                  "pixels that a stroke reaches to each side")
         .integer("intensity", {.from = 10, .to = 255, .example = 30, .least = 10, .most = 255},
                  "levels of brightness to distinguish; few give broad strokes")

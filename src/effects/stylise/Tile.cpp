@@ -118,9 +118,12 @@ Status tile(ImageEngine& engine, int32_t tileW, int32_t tileH, int32_t random, i
 void describeTile(Catalogue& catalogue) {
     catalogue.add("krlImageTile", tile)
         .summary("Cuts the picture into tiles that slip out of place.")
-        .integer("tileW", {.from = 1, .to = 200, .example = 24, .least = 1}, "width of a tile, in pixels")
-        .integer("tileH", {.from = 1, .to = 200, .example = 24, .least = 1}, "height of a tile, in pixels")
-        .integer("random", {.from = 1, .to = 100, .example = 14, .least = 1, .neutral = 1},
+        .words("mosaic, pieces, puzzle, shuffle")
+        .integer("tileW", {.from = 1, .to = 200, .example = 24, .least = 1, .pixels = true},
+                 "width of a tile, in pixels")
+        .integer("tileH", {.from = 1, .to = 200, .example = 24, .least = 1, .pixels = true},
+                 "height of a tile, in pixels")
+        .integer("random", {.from = 1, .to = 100, .example = 14, .least = 1, .neutral = 1, .pixels = true},
                  "pixels of play; 1 is none")
         .integer("seed", {.from = 0, .to = 32767, .example = 7}, "number that decides how the tiles slip")
         .symbol("colourOrAlpha", anyChannels(), refused("Tile invalid colourOrAlpha input (Image)"),

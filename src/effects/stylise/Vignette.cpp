@@ -152,6 +152,7 @@ void describeVignette(Catalogue& catalogue) {
     constexpr NumberRange offset{.from = -100, .to = 100, .example = 0, .least = -100, .most = 100};
     catalogue.add("krlImageVignette")
         .summary("Lets the picture fade into a colour, or out of sight, toward its edges.")
+        .words("dark corners, border, frame, edges, spotlight, lens")
         .symbol("shape", {{"ellipse", VignetteShape::Ellipse}, {"rectangle", VignetteShape::Rectangle}},
                 refused("Vignette invalid shape input (Image)"), "outline of what stays clear")
         .colour("theColor", Colour(20, 12, 8), "what the edges fade into")
@@ -162,7 +163,7 @@ void describeVignette(Catalogue& catalogue) {
         .real("scaleY", scale, "height of the shape; 1.0 is the picture's")
         .integer("offsetX", offset, "shift to the right, in percent of the width")
         .integer("offsetY", offset, "shift down, in percent of the height")
-        .integer("blur", {.from = 0, .to = 200, .example = 60, .least = 0},
+        .integer("blur", {.from = 0, .to = 200, .example = 60, .least = 0, .pixels = true},
                  "softness of the shape's edge, in pixels")
         .symbol("colourOrAlpha", {{"RGB", VignetteTarget::RGB}, {"ALPHA", VignetteTarget::Alpha}},
                 refused("Vignette invalid colourOrAlpha type input (Image)"),

@@ -27,6 +27,7 @@ Status brightness(ImageEngine& engine, int32_t brightnessInt, ChannelTarget targ
 void describeBrightness(Catalogue& catalogue) {
     catalogue.add("krlImageBrightness", brightness)
         .summary("Lightens or darkens by a fixed amount.")
+        .words("lighten, darken, brighten, bright, dark, light")
         .integer("brightnessInt", {.from = -255, .to = 255, .example = 40, .neutral = 0}, "levels to add")
         .symbol("colourOrAlpha", colourOrAlpha(), refused("Brightness invalid colourOrAlpha input (Image)"),
                 kTargetMeaning)

@@ -16,6 +16,7 @@ Status contrast(ImageEngine& engine, float contrastFloat, ChannelTarget target) 
 void describeContrast(Catalogue& catalogue) {
     catalogue.add("krlImageContrast", contrast)
         .summary("Spreads tones away from mid grey, or draws them together.")
+        .words("punch, flat, harder, softer")
         .real("contrastFloat", {.from = -2, .to = 4, .example = 1.4, .neutral = 1},
               "factor on the distance from level 127; 1.0 changes nothing, negative inverts")
         .symbol("colourOrAlpha", colourOrAlpha(), kElseAlpha, kTargetMeaning)

@@ -40,6 +40,7 @@ Status exposure(ImageEngine& engine, float exposure, float offset, float gamma) 
 void describeExposure(Catalogue& catalogue) {
     catalogue.add("krlImageExposure", exposure)
         .summary("Scales light as a longer or shorter exposure would.")
+        .words("stops, light, brighten, darken, overexposed, underexposed")
         .real("exposure", {.from = -20, .to = 20, .example = 0.8, .least = -20, .most = 20},
               "each 2.2 doubles the light; 0.0 changes nothing")
         .real("offset", {.from = -0.5, .to = 0.5, .example = 0.02, .least = -0.5, .most = 0.5},

@@ -19,6 +19,7 @@ Status gamma(ImageEngine& engine, float gamma, ChannelTarget target) {
 void describeGamma(Catalogue& catalogue) {
     catalogue.add("krlImageGamma", gamma)
         .summary("Raises every level, on its scale of 0..255, to the power 1 / gamma.")
+        .words("mid tones, midtones, curve, brighten, darken")
         .real("gamma", {.from = 0.8, .to = 1.3, .example = 1.05, .neutral = 1},
               "1.0 changes nothing, above darkens and below lightens; small steps go far, as nothing "
               "is scaled back")

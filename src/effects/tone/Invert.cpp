@@ -13,6 +13,7 @@ Status invert(ImageEngine& engine, ChannelTarget target) {
 void describeInvert(Catalogue& catalogue) {
     catalogue.add("krlImageInvert", invert)
         .summary("Turns every level into its opposite, as in a negative.")
+        .words("negative, opposite, reverse")
         .symbol("colourOrAlpha", colourOrAlpha(), kElseAlpha, kTargetMeaning)
         .inputFailure("Invert input failure (Image)")
         .worksPerPixel()

@@ -56,6 +56,7 @@ void describeLevels(Catalogue& catalogue) {
     };
     catalogue.add("krlImageLevels", levels)
         .summary("Spreads a range of tones over another and bends the middle.")
+        .words("tones, curve, black point, white point, stretch, histogram")
         .integer("minLevel", level(20), "level that becomes the darkest")
         .real("midGamma", {.from = 0.1, .to = 9.99, .example = 1.2, .least = 0.1, .most = 9.99},
               "bend of the middle; above 1.0 lightens")

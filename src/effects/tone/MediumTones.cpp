@@ -50,6 +50,7 @@ Status mediumTones(ImageEngine& engine, int32_t level) {
 void describeMediumTones(Catalogue& catalogue) {
     catalogue.add("krlImageMediumTones", mediumTones)
         .summary("Scales each colour so that its mean comes near a level; evens out a colour cast.")
+        .words("white balance, colour cast, auto, mid tones, grey world")
         .integer("level", {.from = 0, .to = 255, .example = 120}, "the mean to reach")
         .inputFailure("Medium Tones input failure (Image)")
         .failed("Failed Medium Tones function (Image)");

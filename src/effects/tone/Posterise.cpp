@@ -16,6 +16,7 @@ Status posterise(ImageEngine& engine, int32_t level, ChannelTarget target) {
 void describePosterise(Catalogue& catalogue) {
     catalogue.add("krlImagePosterise", posterise)
         .summary("Reduces tones to a few flat steps.")
+        .words("posterize, flat, steps, comic, cartoon, poster")
         .integer("level", {.from = 1, .to = 32, .example = 4, .neutral = 0},
                  "number of steps; 0 changes nothing")
         .symbol("colourOrAlpha", colourOrAlpha(), kElseAlpha, kTargetMeaning)

@@ -13,6 +13,7 @@ Status solarise(ImageEngine& engine, ChannelTarget target) {
 void describeSolarise(Catalogue& catalogue) {
     catalogue.add("krlImageSolarise", solarise)
         .summary("Reverses the lighter half of the tones, as a print exposed twice.")
+        .words("solarize, negative, darkroom")
         .symbol("colourOrAlpha", colourOrAlpha(), kElseAlpha, kTargetMeaning)
         .inputFailure("Solarise input failure (Image)")
         .worksPerPixel()

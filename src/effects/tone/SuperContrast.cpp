@@ -16,6 +16,7 @@ Status superContrast(ImageEngine& engine, int32_t low, int32_t high, ChannelTarg
 void describeSuperContrast(Catalogue& catalogue) {
     catalogue.add("krlImageSuperContrast", superContrast)
         .summary("Spreads the tones between two levels over the whole scale and clips the rest.")
+        .words("clip, stretch, punch, black point, white point")
         .integer("low", {.from = 0, .to = 255, .example = 40, .least = 0, .most = 255},
                  "level that becomes black")
         .integer("high", {.from = 0, .to = 255, .example = 200, .least = 0, .most = 255},

@@ -19,6 +19,7 @@ Status threshold(ImageEngine& engine, int32_t threshold, ChannelTarget target) {
 void describeThreshold(Catalogue& catalogue) {
     catalogue.add("krlImageThreshold", threshold)
         .summary("Leaves nothing but black and white.")
+        .words("black and white, binary, stamp, photocopy")
         .integer("threshold", {.from = 0, .to = 255, .example = 120, .least = 0, .most = 255},
                  "means above this level become white")
         .failsWith("Theshold input failure (Image)")

@@ -65,7 +65,8 @@ Status thresholdPro(ImageEngine& engine, int32_t preBlur, int32_t threshold, int
 void describeThresholdPro(Catalogue& catalogue) {
     catalogue.add("krlImageThresholdPro", thresholdPro)
         .summary("Splits tones at a threshold and makes steps of either half.")
-        .integer("preBlur", {.from = 0, .to = 30, .example = 2, .least = 0},
+        .words("steps, stencil, posterize, binary")
+        .integer("preBlur", {.from = 0, .to = 30, .example = 2, .least = 0, .pixels = true},
                  "softening before the split, in pixels")
         .integer("threshold", {.from = 0, .to = 255, .example = 110, .least = 0, .most = 255},
                  "level at which tones are split")

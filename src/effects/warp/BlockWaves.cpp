@@ -40,7 +40,8 @@ Status blockWaves(ImageEngine& engine, float amplitude, float frequency, float h
 void describeBlockWaves(Catalogue& catalogue) {
     catalogue.add("krlImageBlockWaves", blockWaves)
         .summary("Breaks the picture into blocks along waves, as seen through glass bricks.")
-        .real("amplitude", {.from = 0, .to = 100, .example = 12, .least = 0, .neutral = 0},
+        .words("glass, ripple, distort, blocks")
+        .real("amplitude", {.from = 0, .to = 100, .example = 12, .least = 0, .neutral = 0, .pixels = true},
               "how far a place is moved, in pixels")
         .real("frequency", {.from = 0, .to = 45, .example = 6}, kFrequencyMeaning)
         .real("horizPhase", {.from = -6.3, .to = 6.3, .example = 0},

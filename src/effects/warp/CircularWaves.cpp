@@ -75,7 +75,8 @@ Status circularWaves(ImageEngine& engine, float amplitude, float frequency, floa
 void describeCircularWaves(Catalogue& catalogue) {
     catalogue.add("krlImageCircularWaves", circularWaves)
         .summary("Makes ripples around a point, as where a stone fell into a pond.")
-        .real("amplitude", {.from = 0, .to = 100, .example = 8, .least = 0, .neutral = 0},
+        .words("ripple, pond, water, rings, distort")
+        .real("amplitude", {.from = 0, .to = 100, .example = 8, .least = 0, .neutral = 0, .pixels = true},
               "how far a place is moved, in pixels")
         .real("frequency", {.from = 0, .to = 45, .example = 6}, kFrequencyMeaning)
         .real("phase", {.from = -6.3, .to = 6.3, .example = 0},

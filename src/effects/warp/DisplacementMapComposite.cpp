@@ -173,6 +173,7 @@ void describeDisplacementMapComposite(Catalogue& catalogue) {
     secondOptions.emplace_back("same_as_map_one", MapOption::SameAsMapOne);
     catalogue.add("krlImageDisplacementMapComposite", displacementMapComposite)
         .summary("Moves each pixel by what two pictures say: one across, one up and down.")
+        .words("distort, warp, glass, refraction, bump")
         .image("dMapOne", {}, "portrait.png",
                "map of the shift across, of the picture's size; its transparency weakens it")
         .symbol("colouringOptionOne", mapOptions(),
@@ -185,9 +186,9 @@ void describeDisplacementMapComposite(Catalogue& catalogue) {
                 refused("Displacement Map Composite invalid input colouring option two (Image)"),
                 "what of the second map counts: bright reads from above, dark from below")
         .showing("same_as_map_one")
-        .real("hDistance", {.from = 0, .to = 200, .example = 60, .least = 0},
+        .real("hDistance", {.from = 0, .to = 200, .example = 60, .least = 0, .pixels = true},
               "twice the longest shift across, in pixels")
-        .real("vDistance", {.from = 0, .to = 200, .example = 40, .least = 0},
+        .real("vDistance", {.from = 0, .to = 200, .example = 40, .least = 0, .pixels = true},
               "twice the longest shift up and down, in pixels")
         .symbol("edgeOption", {{"wrap", MapEdge::Wrap}, {"repeat", MapEdge::Repeat}},
                 refused("Displacement Map Composite invalid input edge option (Image)"),

@@ -98,6 +98,7 @@ Status twirl(ImageEngine& engine, int32_t twirl, SampleQuality quality, ChannelT
 void describeTwirl(Catalogue& catalogue) {
     catalogue.add("krlImageTwirl", twirl)
         .summary("Turns the picture around its middle, the more the nearer to it.")
+        .words("swirl, spiral, whirl, vortex, distort")
         .integer("twirl", {.from = -200, .to = 200, .example = 30, .neutral = 0},
                  "strength: tenths of a radian over half the picture's width; its sign is the direction")
         .symbol("quality", warpQualities(), refused("Twirl invalid quality input (Image)"), kQualityMeaning)

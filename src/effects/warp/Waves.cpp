@@ -181,7 +181,8 @@ Status waves(ImageEngine& engine, const WaveSettings& settings, SampleQuality qu
 void describeWaves(Catalogue& catalogue) {
     catalogue.add("krlImageWaves", waves)
         .summary("Shifts rows and columns along waves, as seen through moving water.")
-        .real("amplitude", {.from = -100, .to = 100, .example = 12, .neutral = 0},
+        .words("water, ripple, heat haze, wobble, distort")
+        .real("amplitude", {.from = -100, .to = 100, .example = 12, .neutral = 0, .pixels = true},
               "height of the waves in pixels")
         .real("frequency", {.from = 0, .to = 45, .example = 3}, kFrequencyMeaning)
         .real("horizPhase", {.from = -6.3, .to = 6.3, .example = 0},
