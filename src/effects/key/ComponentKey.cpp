@@ -33,6 +33,7 @@ uint8_t UnitRamp::matte(float x) const {
 
 void describeComponentKey(Method& entry, const ComponentKeyWords& words) {
     entry.summary(words.summary)
+        .words(words.searchWords)
         .colour("pColor", Colour(45, 170, 80), words.pickMeaning)
         .real("dynamicRange", {.from = 0, .to = 1, .example = words.rangeExample, .least = 0, .most = 1},
               words.rangeMeaning)

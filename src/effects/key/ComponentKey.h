@@ -39,6 +39,7 @@ private:
 /// The words of one such key, in which alone the entries differ.
 struct ComponentKeyWords {
     const char* summary;
+    const char* searchWords;
     const char* pickMeaning;
     const char* rangeMeaning;
     double rangeExample;

@@ -61,6 +61,7 @@ Status hueKey(ImageEngine& engine, Colour pColor, float dynamicRange, int32_t bl
 void describeHueKey(Catalogue& catalogue) {
     describeComponentKey(catalogue.add("krlImageHueKey", hueKey),
                          {.summary = "Keys on one hue; greys are never on the key.",
+                          .searchWords = "chroma key, green screen, greenscreen, select colour, matte",
                           .pickMeaning = "colour whose hue is keyed",
                           .rangeMeaning = "reach to either side, as a share of the circle",
                           .rangeExample = 0.2,

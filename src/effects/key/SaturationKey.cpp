@@ -22,6 +22,7 @@ Status saturationKey(ImageEngine& engine, Colour pColor, float dynamicRange, int
 void describeSaturationKey(Catalogue& catalogue) {
     describeComponentKey(catalogue.add("krlImageSaturationKey", saturationKey),
                          {.summary = "Keys on how saturated a colour is.",
+                          .searchWords = "select, matte, cut out, grey",
                           .pickMeaning = "colour whose saturation is keyed",
                           .rangeMeaning = "reach to either side, 1.0 being all",
                           .rangeExample = 0.4,

@@ -22,6 +22,7 @@ Status valueKey(ImageEngine& engine, Colour pColor, float dynamicRange, int32_t 
 void describeValueKey(Catalogue& catalogue) {
     describeComponentKey(catalogue.add("krlImageValueKey", valueKey),
                          {.summary = "Keys on how bright a colour is.",
+                          .searchWords = "luma key, brightness, matte, cut out, luminance",
                           .pickMeaning = "colour whose brightness is keyed",
                           .rangeMeaning = "reach to either side, 1.0 being all",
                           .rangeExample = 0.4,
