@@ -1,16 +1,14 @@
 #pragma once
 
-#include <array>
 #include <functional>
-#include <limits>
 #include <span>
 #include <string>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
-#include "catalogue/Caller.h"
-#include "krlimage/options.h"
+#include "catalogue/Argument.h"
+#include "catalogue/EffectParameters.h"
 
 /// The declarative description of a method: one entry says everything a script sees, in the order
 /// in which it happens, and carries the words and numbers that help, the gallery and the reference
@@ -32,132 +30,6 @@ namespace krl {
 
 class Call;
 class Catalogue;
-
-enum class ArgumentKind {
-    Integer,
-    Real,  ///< `float` in a signature
-    Symbol,
-    Colour,  ///< `color`
-    Point,
-    ColourList,   ///< a property list of colours under numbers
-    SecondImage,  ///< `any`: an image that the method reads
-    Value,        ///< `any` or `list`, copied for a hand-written body
-};
-
-/// A sensible range to try and a value that shows the effect. The effect itself may limit the argument: what
-/// lies beyond `least` or `most` counts as that limit. At `neutral` the effect changes nothing, whatever its
-/// other arguments. A number of `pixels` is a length, which looks and programs may give in percent of the
-/// picture's shorter side.
-struct NumberRange {
-    double from = 0;
-    double to = 0;
-    double example = 0;
-    double least = -std::numeric_limits<double>::infinity();
-    double most = std::numeric_limits<double>::infinity();
-    double neutral = std::numeric_limits<double>::quiet_NaN();
-    bool pixels = false;
-};
-
-/// A symbol that an argument takes, and the number it stands for.
-struct SymbolChoice {
-    const char* name;
-    int32_t number;
-
-    template <class Number>
-    constexpr SymbolChoice(const char* symbol, Number value)
-        : name(symbol), number(static_cast<int32_t>(value)) {}
-};
-
-/// What becomes of a symbol that is none of the choices: a message, or a number that stands in.
-struct UnknownSymbol {
-    const char* message = nullptr;
-    int32_t number = 0;
-};
-constexpr UnknownSymbol refused(const char* message) { return {message, 0}; }
-template <class Number>
-constexpr UnknownSymbol otherwise(Number number) {
-    return {nullptr, static_cast<int32_t>(number)};
-}
-
-/// A place as a fraction of the picture's width and height.
-struct PlaceExample {
-    double x = 0.5;
-    double y = 0.5;
-};
-
-/// One entry of an example colour list.
-struct ColourStop {
-    int32_t percent;
-    Colour colour;
-};
-
-/// How a colour list becomes `CurveKey`s: the key is read as an integer or as a float, and the
-/// position is its product with `scale`, stored in single precision.
-struct ListKeys {
-    bool real = false;
-    double scale = 1.0;
-};
-/// Percent to the 0..255 scale of image levels, by the single-precision value nearest 2.55.
-inline constexpr double kLevelsPerPercent = 2.549999952316284;
-
-/// The texts of a second image's size tests, height first; null for a method that has none.
-struct ImageTests {
-    const char* heightFailure = nullptr;
-    const char* widthFailure = nullptr;
-};
-
-/// One argument as converted.
-struct ArgumentValue {
-    int32_t integer = 0;  ///< an integer, or the number of the symbol that was given
-    double real = 0;
-    Colour colour;
-    Point point;
-    std::vector<CurveKey> keys;
-    SecondImage image;
-    SymbolId symbol = 0;
-    ValueHandle value;  ///< as the caller passed it
-
-    /// As an effect's parameter of type `Parameter`.
-    template <class Parameter>
-    Parameter as() const {
-        if constexpr (std::is_same_v<Parameter, bool>)
-            return integer != 0;
-        else if constexpr (std::is_integral_v<Parameter> || std::is_enum_v<Parameter>)
-            return static_cast<Parameter>(integer);
-        else if constexpr (std::is_floating_point_v<Parameter>)
-            return static_cast<Parameter>(real);
-        else if constexpr (std::is_same_v<Parameter, Colour>)
-            return colour;
-        else if constexpr (std::is_same_v<Parameter, Point>)
-            return point;
-        else if constexpr (std::is_same_v<Parameter, SecondImage>)
-            return image;
-        else
-            return Parameter(keys);
-    }
-};
-
-/// One argument as declared.
-struct Argument {
-    ArgumentKind kind = ArgumentKind::Integer;
-    const char* name = "";
-    const char* meaning = "";
-    NumberRange range;
-    std::vector<SymbolChoice> choices;
-    UnknownSymbol unknown;
-    Colour colourExample;
-    PlaceExample placeExample;
-    std::vector<ColourStop> stops;
-    ListKeys listKeys;
-    ImageTests imageTests;
-    const char* example = nullptr;       ///< a sample picture's name, or a Lingo text for a value
-    const char* inputFailure = nullptr;  ///< this argument's own text where it differs
-    std::function<bool(const ArgumentValue&)> check;
-    const char* checkFailure = nullptr;
-    bool thenCompare = false;  ///< symbols so far are compared before the next read
-
-    bool accepts(ArgumentKind parameter) const;
-};
 
 /// How a body ended: a null message is success; `code` goes back to the caller.
 struct Outcome {
@@ -181,7 +53,7 @@ class Method {
 public:
     explicit Method(const char* name) : name_(name) {}
 
-    // What a reader is told.
+    // For readers.
     [[gnu::cold]] Method& summary(const char* text);
     /// Other words that people search for, with commas between them: `soften, defocus`.
     Method& words(const char* list);
@@ -201,7 +73,7 @@ public:
     /// A value or list copied for the body; `example` is a Lingo text.
     Method& value(const char* name, const char* example, const char* meaning);
 
-    // About the argument just told.
+    // About the argument just declared.
     /// Symbols and checks up to here are compared before the next argument is read.
     Method& thenCompare();
     /// This argument's own input failure.
@@ -237,7 +109,7 @@ public:
     Method& asksPlayer();
     /// A failed run leaves the second images locked; without this they are let go however it ends.
     Method& keepsLocksOnFailure();
-    /// The body reads the arguments itself; they are told for help alone.
+    /// The body reads the arguments itself; they are declared for help alone.
     Method& readsItself();
     /// The method writes no result.
     Method& silent();
@@ -307,90 +179,6 @@ private:
          silent_ = false;
     MethodBody body_;
 };
-
-/// The kind of argument that a parameter of this type takes.
-template <class Parameter>
-constexpr ArgumentKind argumentKindOf() {
-    if constexpr (std::is_enum_v<Parameter> || std::is_same_v<Parameter, bool>)
-        return ArgumentKind::Symbol;
-    else if constexpr (std::is_integral_v<Parameter>)
-        return ArgumentKind::Integer;
-    else if constexpr (std::is_floating_point_v<Parameter>)
-        return ArgumentKind::Real;
-    else if constexpr (std::is_same_v<Parameter, Colour>)
-        return ArgumentKind::Colour;
-    else if constexpr (std::is_same_v<Parameter, Point>)
-        return ArgumentKind::Point;
-    else if constexpr (std::is_same_v<Parameter, SecondImage>)
-        return ArgumentKind::SecondImage;
-    else
-        return ArgumentKind::ColourList;
-}
-
-/// Whether a parameter is a struct of named fields, each of which takes an argument of its own.
-template <class Parameter>
-inline constexpr bool kTakesFields = std::is_aggregate_v<Parameter> && !std::is_same_v<Parameter, Point> &&
-                                     !std::is_same_v<Parameter, SecondImage>;
-
-/// Becomes whatever a field is: its declared argument, or nothing while kinds are collected.
-struct FieldArgument {
-    const ArgumentValue* value = nullptr;
-    ArgumentKind* kind = nullptr;
-
-    template <class Field>
-    operator Field() const {
-        if (kind) *kind = argumentKindOf<Field>();
-        return value ? value->as<Field>() : Field();
-    }
-};
-
-template <class Parameter, size_t... Index>
-constexpr bool hasFields(std::index_sequence<Index...>) {
-    return requires { Parameter{(static_cast<void>(Index), FieldArgument())...}; };
-}
-
-/// Arguments that a parameter takes: one, or as many as its struct has fields.
-template <class Parameter, size_t most = 24>
-constexpr size_t argumentCountOf() {
-    if constexpr (!kTakesFields<Parameter>)
-        return 1;
-    else if constexpr (hasFields<Parameter>(std::make_index_sequence<most>()))
-        return most;
-    else
-        return argumentCountOf<Parameter, most - 1>();
-}
-
-/// The parameter made of its fields' arguments.
-template <class Parameter, class Field>
-Parameter parameterOf(Field&& field) {
-    if constexpr (!kTakesFields<Parameter>)
-        return field(0);
-    else
-        return [&]<size_t... Index>(std::index_sequence<Index...>) { return Parameter{field(Index)...}; }
-    (std::make_index_sequence<argumentCountOf<Parameter>()>());
-}
-
-/// Where in a list of arguments each parameter's begin.
-template <class... Parameters>
-constexpr auto firstArguments() {
-    std::array<size_t, sizeof...(Parameters) + 1> first{};
-    size_t place = 0;
-    ((first[place + 1] = first[place] + argumentCountOf<Parameters>(), ++place), ...);
-    return first;
-}
-
-/// The kinds of argument that a list of parameters takes.
-template <class... Parameters>
-std::vector<ArgumentKind> argumentKindsOf() {
-    std::vector<ArgumentKind> kinds(firstArguments<Parameters...>().back());
-    [[maybe_unused]] ArgumentKind* next = kinds.data();
-    [[maybe_unused]] const auto collect = [&]<class Parameter>(std::type_identity<Parameter>) {
-        static_cast<void>(parameterOf<Parameter>([&](size_t i) { return FieldArgument{nullptr, next + i}; }));
-        next += argumentCountOf<Parameter>();
-    };
-    (collect(std::type_identity<Parameters>()), ...);
-    return kinds;
-}
 
 /// Runs an effect on the call's engine and arguments; defined beside `Call`.
 Outcome runEffect(Call& call,
