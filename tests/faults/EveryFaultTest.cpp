@@ -80,9 +80,11 @@ void expectSound(Stand& stand, const Seen& seen, const Seen& faultless) {
 }
 
 /// Calls the method with fault 1, 2, 3, ... until one does not strike.
-/// `arm` makes fault k ready; `disarm` ends it and returns whether it struck.
+/// `arm` makes fault k ready; `disarm` ends it and returns whether it struck; `expectStated` is given what
+/// was seen, and whether that is what is seen without a fault.
 void sweep(Stand& stand, Tally& tally, const std::function<void(int64_t)>& arm,
-           const std::function<bool()>& disarm, const std::function<void(const Seen&)>& expectStated) {
+           const std::function<bool()>& disarm,
+           const std::function<void(const Seen&, bool unnoticed)>& expectStated) {
     stand.prepare();
     const Seen faultless = stand.call();
     EXPECT_EQ(faultless.message, "");
@@ -94,7 +96,7 @@ void sweep(Stand& stand, Tally& tally, const std::function<void(int64_t)>& arm,
         const Seen seen = stand.call();
         if (!disarm()) break;
         tally.count(seen, faultless);
-        if (!(seen == faultless)) expectStated(seen);
+        expectStated(seen, seen == faultless);
         expectSound(stand, seen, faultless);
         if (failuresSoFar() != failuresBefore) break;
     }
@@ -105,7 +107,8 @@ void sweepAllocations(Stand& stand, Tally& tally, AllocationFault::Extent extent
     std::optional<AllocationFault> fault;
     sweep(
         stand, tally, [&](int64_t number) { fault.emplace(number, extent); }, [&] { return fault->end(); },
-        [&](const Seen& seen) {
+        [&](const Seen& seen, bool unnoticed) {
+            if (unnoticed) return;
             expectFailedOrPartLeftOut(method, seen);
             EXPECT_TRUE(seen.status == kHostOk || seen.status == kHostOutOfMemory) << seen.status;
         });
@@ -142,7 +145,9 @@ void sweepSupply(Tally& tally, int32_t Faults::*supply, bool lasting = false) {
                 faults() = Faults{};
                 return struck;
             },
-            [&](const Seen& seen) { expectFailedOrPartLeftOut(*method, seen); });
+            [&](const Seen& seen, bool unnoticed) {
+                if (!unnoticed) expectFailedOrPartLeftOut(*method, seen);
+            });
     }
 }
 
@@ -212,9 +217,11 @@ void sweepOperations(Tally& tally, bool garbage) {
         sweep(
             stand, tally, [&](int64_t number) { stand.host.failOperation(number, garbage); },
             [&] { return (operation = stand.host.endFailing()) != nullptr; },
-            [&](const Seen& seen) {
+            [&](const Seen& seen, bool unnoticed) {
                 SCOPED_TRACE(operation);
-                expectStated(stand, seen, faultless, operation);
+                // What a host writes beside a refusal does not describe a picture.
+                const bool described = operation == std::string_view("queryImage") && !method->isInert();
+                if (!unnoticed || described) expectStated(stand, seen, faultless, operation);
             });
     }
 }
