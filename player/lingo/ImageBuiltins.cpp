@@ -14,14 +14,16 @@ namespace {
 
 constexpr int32_t kOpaque = 255;
 
-Value imageFromFile(Runtime& runtime, const std::string& name) {
-    Bitmap bitmap = readCheckedPicture(runtime.sandbox.toRead(name));
-    return runtime.heap.make<ImageObject>(std::move(bitmap));
+Value imageNamed(Runtime& runtime, const std::string& name) {
+    if (runtime.pictures)
+        if (const Bitmap* found = runtime.pictures->find(name))
+            return runtime.heap.make<ImageObject>(Bitmap(*found));
+    return runtime.heap.make<ImageObject>(readCheckedPicture(runtime.sandbox.toRead(name)));
 }
 
 /// `image("file")` reads one, `image(width, height, depth)` creates a white one.
 Value image(Runtime& runtime, const Arguments& arguments) {
-    if (arguments.count() == 1) return imageFromFile(runtime, arguments.text(0));
+    if (arguments.count() == 1) return imageNamed(runtime, arguments.text(0));
     const int32_t depth = arguments.has(2) ? arguments.integer(2) : 32;
     if (depth != 8 && depth != 16 && depth != 24 && depth != 32)
         throw HostError("image: expected a depth of 8, 16, 24 or 32, not " + std::to_string(depth));
@@ -30,7 +32,11 @@ Value image(Runtime& runtime, const Arguments& arguments) {
 
 Value save(Runtime& runtime, const Arguments& arguments) {
     const auto& picture = arguments.object<ImageObject>(0);
-    writeCheckedPicture(runtime.sandbox.toWrite(arguments.text(1)), picture.bitmap);
+    const std::string& name = arguments.text(1);
+    if (runtime.pictures)
+        runtime.pictures->saved[name] = picture.bitmap;
+    else
+        writeCheckedPicture(runtime.sandbox.toWrite(name), picture.bitmap);
     return Value();
 }
 

@@ -8,6 +8,7 @@
 #include "player/host/EmbeddedHost.h"
 #include "player/host/Objects.h"
 #include "player/host/Xtra.h"
+#include "player/lingo/PictureTable.h"
 #include "player/lingo/Sandbox.h"
 #include "player/lingo/ScriptObjects.h"
 #include "player/lingo/Text.h"
@@ -60,6 +61,7 @@ public:
     Xtra& xtra;
     Settings settings;
     Sandbox sandbox;
+    PictureTable* pictures = nullptr;  ///< see `SessionOptions::pictures`
     std::ostream& output;
     std::ostream& alerts;
 };

@@ -58,7 +58,9 @@ struct Session::Parts {
         : options(std::move(given)),
           host(options.memoryLimit),
           xtra(host, options.xtraFile.empty() ? builtInPlugIn() : loadPlugIn(options.xtraFile)),
-          interpreter(host, xtra, options) {}
+          interpreter(host, xtra, options) {
+        interpreter.pictures = options.pictures;
+    }
     ~Parts() {
         letGo();
         // Instances must be released before their plug-in.

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "catalogue/Value.h"
+#include "player/lingo/PictureTable.h"
 #include "player/lingo/ScriptError.h"
 #include "player/pictures/Picture.h"
 
@@ -34,6 +35,8 @@ struct SessionOptions {
     int recursionLimit = 400;
     /// Limit of the statements and turns of loops that are carried out.
     uint64_t stepLimit = UINT64_MAX;
+    /// Where scripts find pictures before any file, and save them; null for files alone.
+    PictureTable* pictures = nullptr;
     std::ostream* output = nullptr;  ///< for `put`; standard output when null
     std::ostream* alerts = nullptr;  ///< for `alert`; standard error when null
 };

@@ -14,6 +14,7 @@ from ._catalogue import Argument, Effect, effects
 from ._effects import *
 from ._effects import __all__ as _names
 from ._errors import KrlError
+from ._lingo import LingoError, LingoResult, run_lingo
 from ._native import release as _release
 from ._notebook import show_effect
 from ._pictures import rgba
@@ -26,11 +27,14 @@ __all__ = [
     "BatchResult",
     "Effect",
     "KrlError",
+    "LingoError",
+    "LingoResult",
     "apply",
     "batch",
     "effects",
     "get_threads",
     "rgba",
+    "run_lingo",
     "sample",
     "set_threads",
     "show_effect",

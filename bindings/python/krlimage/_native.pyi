@@ -1,4 +1,4 @@
-from typing import Any, Optional, Sequence, Tuple
+from typing import Any, Dict, Optional, Sequence, Tuple
 
 from ._types import Array
 
@@ -34,4 +34,7 @@ def call(
     method: str, pixels: Optional[Array], order: int, given: Sequence[Optional[Value]], bands: int, /
 ) -> Tuple[int, str, str, Any]: ...
 def apply(text: str, pixels: Optional[Array], order: int, bands: int, /) -> Tuple[int, str, str, Any]: ...
+def run_lingo(
+    script: str, arguments: Sequence[str], pictures: Dict[str, Array], /
+) -> Tuple[str, str, Dict[str, Array], Optional[Tuple[str, int, int, str]]]: ...
 def catalogue() -> Tuple[Tuple[str, str, Tuple[Any, ...]], ...]: ...

@@ -6,4 +6,5 @@ PYBIND11_MODULE(_native, module) {
     krl::python::bindPixels(module);
     krl::python::bindCalls(module);
     krl::python::bindCatalogue(module);
+    krl::python::bindLingo(module);
 }

@@ -52,5 +52,6 @@ void bindValues(py::module_& module);
 void bindPixels(py::module_& module);
 void bindCalls(py::module_& module);
 void bindCatalogue(py::module_& module);
+void bindLingo(py::module_& module);
 
 }  // namespace krl::python

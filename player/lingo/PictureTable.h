@@ -1,0 +1,23 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "player/pictures/Picture.h"
+
+namespace krl::player {
+
+/// Pictures in memory by name, for scripts that work without picture files.
+struct PictureTable {
+    std::map<std::string, Bitmap> given;
+    std::map<std::string, Bitmap> saved;
+
+    /// What the script has saved under the name, else what it was given; null if neither.
+    const Bitmap* find(const std::string& name) const {
+        for (const auto* table : {&saved, &given})
+            if (const auto found = table->find(name); found != table->end()) return &found->second;
+        return nullptr;
+    }
+};
+
+}  // namespace krl::player
