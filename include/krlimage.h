@@ -146,6 +146,11 @@ KRL_API krl_code krl_property_list_add(krl_value* list, krl_value* key, krl_valu
  * `[1, 2]`, `[#count: 6, #angle: 15.0]`, `[:]`, `VOID`. To be freed; NULL if it writes none, and then
  * `problem`, unless it is NULL, says why in at most `problem_size` bytes with the zero. */
 KRL_API krl_value* krl_parse(const char* text, char* problem, size_t problem_size);
+/* The value that a text writes for an argument of a method, as `krl_apply` reads it: a length, a point or a
+ * region may be in percent of a picture of this size, such as `10%`. Also for `mix`, `region` and `feather`.
+ * Otherwise as `krl_parse`. */
+KRL_API krl_value* krl_parse_argument(const char* method, const char* argument, const char* text,
+                                      int32_t width, int32_t height, char* problem, size_t problem_size);
 /* Writes the value as such a text, as much as fits into `text_size` bytes with the zero. Gives the bytes of
  * the whole text without the zero; `text` may be NULL to ask for them. 0 without a value. */
 KRL_API size_t krl_write(const krl_value* value, char* text, size_t text_size);

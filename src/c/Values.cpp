@@ -3,7 +3,10 @@
 
 #include "c/Handles.h"
 #include "c/Pictures.h"
+#include "catalogue/Catalogue.h"
 #include "catalogue/Notation.h"
+#include "look/CallScope.h"
+#include "look/Extent.h"
 
 /// Values of the C interface: makers, readers, and their text.
 using krl::Value;
@@ -49,6 +52,39 @@ krl_code get(const krl_value* value, Kind& out) {
     return KRL_OK;
 }
 
+std::string_view required(const char* text, const char* what) {
+    if (!text) throw NotationError(std::string("there is no ") + what, 0);
+    return text;
+}
+
+/// What `read` makes of a text; null where it throws, and then `problem` says why.
+template <class Read>
+krl_value* readOrExplain(char* problem, size_t problem_size, const Read& read) noexcept {
+    copyText("", problem, problem_size);
+    try {
+        return handleOf(new Value(read()));
+    } catch (const NotationError& error) {
+        copyText(error.what(), problem, problem_size);
+    } catch (...) {
+        copyText(krl_code_text(KRL_OUT_OF_MEMORY), problem, problem_size);
+    }
+    return nullptr;
+}
+
+/// The value of an argument as a call has it. The text is a parameter of that call: it cannot end it.
+Value argumentValue(const std::string& method, const std::string& argument, const std::string& text,
+                    int32_t width, int32_t height) {
+    if (!catalogue().find(method)) throw NotationError("no method is called " + method, 0);
+    bool isArgument = percentOfExtent(argument).has_value();
+    NotationScope scope =
+        callScope(width, height, [&](const Argument* declared) { isArgument = isArgument || declared; });
+    scope.named = [&](std::string_view) { return &text; };
+    const CallNotation call = readCallNotation(method + '(' + argument + ": $value)", scope);
+    if (!isArgument || call.arguments.front().name != argument)
+        throw NotationError(method + " has no argument " + argument, 0);
+    return call.arguments.front().value;
+}
+
 }  // namespace
 
 }  // namespace krl::c
@@ -56,6 +92,8 @@ krl_code get(const krl_value* value, Kind& out) {
 using krl::c::depthOf;
 using krl::c::get;
 using krl::c::kDeepest;
+using krl::c::readOrExplain;
+using krl::c::required;
 
 krl_value* krl_nothing(void) {
     return newValue([] { return Value(); });
@@ -120,19 +158,16 @@ krl_code krl_property_list_add(krl_value* list, krl_value* key, krl_value* item)
 }
 
 krl_value* krl_parse(const char* text, char* problem, size_t problem_size) {
-    krl::c::copyText("", problem, problem_size);
-    if (!text) {
-        krl::c::copyText("there is no text", problem, problem_size);
-        return nullptr;
-    }
-    try {
-        return handleOf(new Value(krl::readNotation(text)));
-    } catch (const krl::NotationError& error) {
-        krl::c::copyText(error.what(), problem, problem_size);
-    } catch (...) {
-        krl::c::copyText(krl_code_text(KRL_OUT_OF_MEMORY), problem, problem_size);
-    }
-    return nullptr;
+    return readOrExplain(problem, problem_size, [&] { return krl::readNotation(required(text, "text")); });
+}
+
+krl_value* krl_parse_argument(const char* method, const char* argument, const char* text, int32_t width,
+                              int32_t height, char* problem, size_t problem_size) {
+    return readOrExplain(problem, problem_size, [&] {
+        return krl::c::argumentValue(std::string(required(method, "method name")),
+                                     std::string(required(argument, "argument name")),
+                                     std::string(required(text, "text")), width, height);
+    });
 }
 
 size_t krl_write(const krl_value* value, char* text, size_t text_size) {
