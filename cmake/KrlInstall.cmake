@@ -19,6 +19,9 @@ install(EXPORT krlimage NAMESPACE krlimage:: FILE krlimageTargets.cmake COMPONEN
 install(DIRECTORY include/krlimage COMPONENT library DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   FILES_MATCHING PATTERN "*.h")
 
+# For the Python package, which would compile these again otherwise.
+install(TARGETS krlplayer krlhost COMPONENT scripts EXCLUDE_FROM_ALL)
+
 configure_package_config_file(cmake/krlimageConfig.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/krlimageConfig.cmake
   INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/krlimage)
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/krlimageConfigVersion.cmake
