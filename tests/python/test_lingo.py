@@ -61,3 +61,8 @@ def test_files_are_out_of_reach(tmp_path, monkeypatch, picture):
 def test_what_is_no_picture_is_named():
     with pytest.raises(TypeError, match=r"images\['a'\]: expected an array"):
         krlimage.run_lingo("on main\nend", {"a": 7})
+
+
+def test_a_script_that_does_not_end_has_a_limit():
+    with pytest.raises(krlimage.LingoError, match="step"):
+        krlimage.run_lingo("on main\n repeat while 1\n nothing\n end repeat\nend", steps=1000)

@@ -61,7 +61,7 @@ class LingoResult:
 
 
 def run_lingo(source: str, images: Mapping[str, Picture] = {}, arguments: Sequence[str] = (), *,
-              order: Literal["RGB", "BGR"] = "RGB") -> LingoResult:
+              order: Literal["RGB", "BGR"] = "RGB", steps: int | None = None) -> LingoResult:
     """Runs the handler ``main`` of a script, or its first.
 
     Parameters
@@ -74,6 +74,8 @@ def run_lingo(source: str, images: Mapping[str, Picture] = {}, arguments: Sequen
         What the handler gets, as a list.
     order : {"RGB", "BGR"}, default "RGB"
         The order of the channels in all arrays.
+    steps : int, optional
+        A limit of statements and turns of loops, for scripts that might not end.
 
     Returns
     -------
@@ -115,7 +117,8 @@ def run_lingo(source: str, images: Mapping[str, Picture] = {}, arguments: Sequen
     with tempfile.TemporaryDirectory(prefix="krlimage-") as folder:
         script = Path(folder) / "script.ls"
         script.write_text(source, encoding="utf-8")
-        output, alerts, pictures, error = _native.run_lingo(str(script), [str(word) for word in arguments], given)
+        output, alerts, pictures, error = _native.run_lingo(str(script), [str(word) for word in arguments], given,
+                                                               steps)
     if error:
         raise LingoError(*error, output)
     return LingoResult(output, alerts, {name: in_form(picture, 4, number, "run_lingo")

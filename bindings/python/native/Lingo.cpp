@@ -32,7 +32,7 @@ Array arrayOf(const Bitmap& bitmap) {
 /// Runs `main` of a script file. Gives what it printed, its alerts, the pictures that it saved, and the error
 /// that ended it: message, line, column, excerpt.
 py::tuple runLingo(const std::string& script, const std::vector<std::string>& arguments,
-                   const std::map<std::string, Array>& pictures) {
+                   const std::map<std::string, Array>& pictures, std::optional<uint64_t> steps) {
     player::PictureTable table;
     for (const auto& [name, array] : pictures) table.given[name] = bitmapOf(array);
     std::ostringstream output, alerts;
@@ -42,6 +42,7 @@ py::tuple runLingo(const std::string& script, const std::vector<std::string>& ar
         try {
             player::SessionOptions options;
             options.pictures = &table;
+            if (steps) options.stepLimit = *steps;
             options.output = &output;
             options.alerts = &alerts;
             player::Session(options).run(script, arguments);
