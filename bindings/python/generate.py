@@ -34,7 +34,17 @@ DOCUMENTED_TYPES = {
     "picture": "array_like",
     "tree": "dict or list",
 }
-RESERVED = {"picture", "out", "order"}
+RESERVED = {"picture", "out", "order", "mix", "mask", "region", "feather"}
+# What every function takes that rewrites the picture it is called on.
+EXTENT = (
+    ("mix: float = 1.0", "mix : float, default 1.0", "Share of the change, 0.0 to 1.0."),
+    ("mask: Optional[Picture] = None", "mask : array_like, optional",
+     "A picture of the same size: its brightness is the share of the change there."),
+    ("region: Optional[Region] = None", "region : tuple, optional",
+     "Left, top, right and bottom, in pixels or as percentages: nothing outside changes."),
+    ("feather: Length = 0", "feather : int or str, default 0",
+     "A length inside the region's border over which the change grows to full."),
+)
 
 HEADER = '''"""The effects as functions.
 
@@ -48,7 +58,7 @@ from __future__ import annotations
 from typing import Any, Dict, List, Literal, Optional, Tuple
 
 from ._calls import run, run_on
-from ._types import Array, Colour, Colours, Picture, Point, Tree
+from ._types import Array, Colour, Colours, Length, Picture, Point, RealLength, Region, Tree
 
 Order = Literal["RGB", "BGR"]
 
@@ -97,6 +107,8 @@ def type_of(argument):
         return "Literal[{}]".format(", ".join(f'"{choice}"' for choice in argument.choices))
     if is_required(argument):
         return TYPES[argument.kind].replace("Optional[Tree]", "Tree")
+    if argument.is_length:
+        return "Length" if argument.kind == "integer" else "RealLength"
     return TYPES.get(argument.kind, "str")
 
 
@@ -109,6 +121,7 @@ class Function:
         self.takes_picture = self.changed is None and (needs_picture or effect.inert)
         self.returns_picture = self.changed is not None or effect.rewrites_picture or (
             effect.inert and not effect.makes_pictures)
+        self.takes_extent = self.takes_picture and effect.rewrites_picture
         self.has_pictures = self.takes_picture or effect.makes_pictures or any(
             is_required(argument) for argument in effect.arguments)
 
@@ -120,7 +133,8 @@ class Function:
         values = textwrap.fill(f"given = ({given})", WIDTH - 4, subsequent_indent=" " * 9,
                                break_on_hyphens=False)
         start = f'run_on(picture, "{name}"' if self.takes_picture else f'run("{name}"'
-        call = f"return {start}, given, {out}{order})"
+        extent = ", (mix, mask, region, feather)" if self.takes_extent else ""
+        call = f"return {start}, given, {out}{order}{extent})"
         body = textwrap.indent(f"{self.docstring()}\n{values}\n{call}\n", "    ")
         return f"{self.head()}\n{body}"
 
@@ -141,6 +155,8 @@ class Function:
             lines.append("out: Optional[Array] = None")
         if self.has_pictures:
             lines.append('order: Order = "RGB"')
+        if self.takes_extent:
+            lines += [line for line, _, _ in EXTENT]
         parameters = "".join(f"    {line},\n" for line in lines)
         return f"def {self.effect.name}(\n{parameters}) -> {self.result_type()}:"
 
@@ -186,10 +202,12 @@ class Function:
         if self.has_pictures:
             entries.append(self.entry('order : {"RGB", "BGR"}, default "RGB"',
                                       "The order of the channels in all arrays of the call."))
+        if self.takes_extent:
+            entries += [self.entry(head, text) for _, head, text in EXTENT]
         return self.section("Parameters", "\n".join(entries))
 
     def parameter(self, argument):
-        kind = DOCUMENTED_TYPES.get(argument.kind, "str")
+        kind = DOCUMENTED_TYPES.get(argument.kind, "str") + (" or str" if argument.is_length else "")
         if argument.kind == "symbol" and argument.choices:
             kind = "{" + ", ".join(f'"{choice}"' for choice in argument.choices) + "}"
         default = default_of(argument)
@@ -260,10 +278,12 @@ def number_sentence(argument):
 
 
 def kind_sentence(argument):
+    if argument.is_length:
+        return "A length, in pixels or in percent of the picture's shorter side, such as ``\"10%\"``."
     if argument.kind == "colour":
         return "A colour is ``\"#rrggbb\"`` or red, green and blue."
     if argument.kind == "point":
-        return "x and y in pixels; left out, it fits the size of the picture."
+        return "x and y in pixels or in percent, such as ``(\"50%\", \"40%\")``; left out, it fits the size of the picture."
     if argument.kind == "colours":
         return ("A dict of colours under numbers from 0 to 100, a list of such pairs, or a list of colours "
                 f"that are spread evenly; the example's are ``{literal(python_value(argument))}``.")
@@ -303,7 +323,7 @@ def needs_picture(native, effect, blank):
             given.append(native.list_of([blank] * len(argument.example)))
         else:
             given.append(None)
-    return native.call(effect.name, None, native.BGRA, given, 1)[0] != 0
+    return native.call(effect.name, None, native.BGRA, given, [], 1)[0] != 0
 
 
 def write_effects(package):

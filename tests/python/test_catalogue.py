@@ -23,7 +23,8 @@ def test_every_method_of_the_reference_that_can_be_called_is_a_function():
 def test_a_function_has_the_parameters_of_its_effect(effect):
     signature = inspect.signature(effect.function)
     names = [name for name in signature.parameters if name not in ("picture", "out", "order")]
-    assert names == [argument.name for argument in effect.arguments]
+    extent = ["mix", "mask", "region", "feather"] if effect.rewrites_picture else []
+    assert names == [argument.name for argument in effect.arguments] + extent
     documentation = inspect.getdoc(effect.function)
     assert documentation.startswith(effect.summary)
     for argument in effect.arguments:
@@ -57,7 +58,10 @@ def test_types_are_checked(tmp_path):
                     "b = krlimage.vignette(a, 'rectangle', blur=160, theColor='#000000', out=a)\n"
                     "b = krlimage.multiColourise(b, {0: '#000000', 100: (1, 2, 3)})\n"
                     "c, colour = krlimage.autoColorDifference(b.data)\n"
-                    "c.shape\n")
+                    "c = krlimage.vignette(a, blur='10%', mix=0.5, mask=b, region=(0, '10%', 9, 9), feather=2)\n"
+                    "c = krlimage.looks['noir'](c, corners=60)\n"
+                    "krlimage.Look(['sepia'], parameters=[krlimage.Parameter('a', '1')]).save('a.krl')\n"
+                    "krlimage.run_lingo('', {'a': c}, steps=9).images['b'].shape\n")
     bad = tmp_path / "bad.py"
     bad.write_text("import krlimage, numpy\n"
                    "a = numpy.zeros((2, 2, 4), numpy.uint8)\n"
@@ -65,7 +69,9 @@ def test_types_are_checked(tmp_path):
                    "krlimage.brightness(a, 'x')\n"
                    "krlimage.brightness(7)\n"
                    "krlimage.vignettes(a)\n"
-                   "krlimage.brightness(a).shapes\n")
+                   "krlimage.brightness(a).shapes\n"
+                   "krlimage.halfSize(a, mix=0.5)\n"
+                   "krlimage.vignette(a, blur=0.5)\n")
 
     def mypy(file):
         done = subprocess.run(["/usr/bin/mypy", "--python-executable", __import__("sys").executable,
@@ -74,4 +80,4 @@ def test_types_are_checked(tmp_path):
 
     assert mypy(good) == (0, "Success: no issues found in 1 source file\n")
     code, said = mypy(bad)
-    assert code == 1 and re.findall(r"bad.py:(\d):", said) == ["3", "4", "5", "6", "7"], said
+    assert code == 1 and re.findall(r"bad.py:(\d):", said) == ["3", "4", "5", "6", "7", "8", "9"], said

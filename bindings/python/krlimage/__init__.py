@@ -15,6 +15,7 @@ from ._effects import *
 from ._effects import __all__ as _names
 from ._errors import KrlError
 from ._lingo import LingoError, LingoResult, run_lingo
+from ._looks import Look, Parameter, looks
 from ._native import release as _release
 from ._notebook import show_effect
 from ._pictures import rgba
@@ -29,10 +30,13 @@ __all__ = [
     "KrlError",
     "LingoError",
     "LingoResult",
+    "Look",
+    "Parameter",
     "apply",
     "batch",
     "effects",
     "get_threads",
+    "looks",
     "rgba",
     "run_lingo",
     "sample",

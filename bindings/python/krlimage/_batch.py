@@ -18,7 +18,7 @@ from ._pictures import as_array
 from ._types import Array
 
 PathLike = Union[str, "os.PathLike[str]"]
-Look = Union[str, Sequence[str], Callable[[Array], Any]]
+AnyLook = Union[str, Sequence[str], Callable[[Array], Any]]
 
 EXTENSIONS = (".png", ".jpg", ".jpeg", ".tif", ".tiff", ".webp")
 FORMATS = {"png": "PNG", "jpg": "JPEG", "jpeg": "JPEG", "tif": "TIFF", "tiff": "TIFF", "webp": "WEBP"}
@@ -52,7 +52,7 @@ class BatchResult:
         return "\n".join([text, *(f"{path}: {why}" for path, why in self.failed.items())])
 
 
-def batch(files: PathLike | Iterable[PathLike], look: Look, out: PathLike, jobs: int | None = None, *,
+def batch(files: PathLike | Iterable[PathLike], look: AnyLook, out: PathLike, jobs: int | None = None, *,
           format: str | None = None, quality: int = 90, progress: bool | None = None) -> BatchResult:
     """Runs a look on pictures in files. Failures are skipped, and each result appears whole or not at all.
 
@@ -61,7 +61,7 @@ def batch(files: PathLike | Iterable[PathLike], look: Look, out: PathLike, jobs:
     files : path or iterable of paths
         Pictures, and folders whose pictures are taken.
     look : str, sequence of str or callable
-        Calls such as ``"vignette(#blur: 160)"``, or a function from an RGBA array to an array.
+        Calls such as ``"vignette(blur: 160)"``, a `Look`, or a function from an RGBA array to an array.
     out : path
         A folder, which is made; or for one picture a file.
     jobs : int, optional
@@ -117,7 +117,7 @@ def batch(files: PathLike | Iterable[PathLike], look: Look, out: PathLike, jobs:
                        {source: why for (source, _), why in zip(plan, problems) if why})
 
 
-def _function_of(look: Look) -> Callable[[Array], Any]:
+def _function_of(look: AnyLook) -> Callable[[Array], Any]:
     """The look as a function; calls that are wrong for any picture are refused here."""
     if callable(look):
         return look

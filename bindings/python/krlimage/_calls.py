@@ -4,17 +4,23 @@ from __future__ import annotations
 
 import re
 import threading
-from typing import Any, Literal, Sequence
+from typing import Any, Callable, Literal, Sequence, Tuple
 
 import numpy as np
 
 from . import _native
 from ._catalogue import Effect, effects
-from ._errors import failure, wrong
+from ._errors import KrlError, failure, wrong
 from ._native import Value
-from ._pictures import Canvas, Source, as_value, in_form, order_number
+from ._pictures import Canvas, Source, as_array, as_value, in_form, order_number
 from ._types import Array
-from ._values import CONVERTERS, Mismatch, tree
+from ._values import CONVERTERS, Mismatch, relative_text, tree
+
+Extent = Tuple[Any, Any, Any, Any]
+"""Where and how much an effect changes the picture: mix, mask, region and feather."""
+
+EXTENT = {"mix": "real", "mask": "picture", "region": "region", "feather": "integer"}
+WHOLE: Extent = (1.0, None, None, 0)
 
 _threads = 0
 _of_this_thread = threading.local()
@@ -57,48 +63,65 @@ class _Plan:
         self.effect = effect
         self.names = [argument.name for argument in effect.arguments]
         self.kinds = [argument.kind for argument in effect.arguments]
-        self.converters = [CONVERTERS.get(kind) for kind in self.kinds]
         self.keys = [key for key, _ in effect.results]
         self.rewrites = effect.rewrites_picture or effect.inert and not effect.makes_pictures
 
     def bands(self) -> int:
         return 1 if self.effect.depends_on_bands else getattr(_of_this_thread, "threads", _threads)
 
-    def values(self, given: Sequence[Any], order: int) -> list[Value | None]:
-        """The arguments for the engine; None is left out."""
-        made: list[Value | None] = []
-        for index, value in enumerate(given):
-            try:
-                made.append(None if value is None else self._value(index, value, order))
-            except Mismatch as mismatch:
-                raise wrong(self.effect.name, self.names[index], mismatch.expected, mismatch.got) from None
-        return made
+    def values(self, given: Sequence[Any], order: int, size: Callable[[], Tuple[int, int]]) -> list[Value | None]:
+        """The arguments for the engine; None is left out. `size` is that of the picture, for percentages."""
+        return [None if value is None else self._value(name, kind, value, order, size)
+                for name, kind, value in zip(self.names, self.kinds, given)]
 
-    def _value(self, index: int, value: Any, order: int) -> Value:
-        convert = self.converters[index]
-        if convert is not None:
-            return convert(value)
-        if self.kinds[index] == "picture":
-            return as_value(value, order, f"{self.effect.name}: {self.names[index]}")
-        return tree(value, order)
+    def extent(self, given: Extent, order: int, size: Callable[[], Tuple[int, int]]) -> list[tuple[str, Value]]:
+        """The arguments by name for what is not the whole change."""
+        return [(name, self._value(name, kind, value, order, size))
+                for (name, kind), value, whole in zip(EXTENT.items(), given, WHOLE)
+                if value is not whole and (value is None or whole is None or value != whole)]
+
+    def _value(self, name: str, kind: str, value: Any, order: int, size: Callable[[], Tuple[int, int]]) -> Value:
+        convert = CONVERTERS.get(kind)
+        try:
+            if convert is not None:
+                return convert(value)
+            if kind == "picture":
+                return as_value(value, order, f"{self.effect.name}: {name}")
+            return tree(value, order)
+        except Mismatch as mismatch:
+            text = relative_text(kind, value)
+            if text is None:
+                raise wrong(self.effect.name, name, mismatch.expected, mismatch.got) from None
+        height, width = size()
+        try:
+            return _native.argument(self.effect.name, name, text, width, height)
+        except ValueError as error:
+            raise KrlError(f"{self.effect.name}: {name}: {error}", self.effect.name, name,
+                           reason="wrong type") from None
 
 
 _plans = {name: _Plan(effect) for name, effect in effects.items()}
 
 
-def run_on(picture: Any, method: str, given: Sequence[Any], out: Any = None, order: str = "RGB") -> Any:
+def run_on(picture: Any, method: str, given: Sequence[Any], out: Any = None, order: str = "RGB",
+           extent: Extent = WHOLE) -> Any:
     """Calls an effect on a picture.
 
     Returns the rewritten picture, what was made or measured, or a tuple of both.
     """
     plan = _plans[method]
     number = order_number(order)
-    values = plan.values(given, number)
+
+    def size() -> Tuple[int, int]:
+        return as_array(picture).shape[:2]
+
+    values = plan.values(given, number, size)
     if not plan.rewrites:
         source = Source(picture, number)
         return _made(plan, _call(plan, source, values), source, number)
+    named = plan.extent(extent, number, size)
     canvas = Canvas(picture, out, number, "picture")
-    made = _made(plan, _call(plan, canvas, values), canvas, number)
+    made = _made(plan, _call(plan, canvas, values, named), canvas, number)
     finished = canvas.finish(method)
     return finished if made is None else (finished, made)
 
@@ -107,8 +130,8 @@ def run(method: str, given: Sequence[Any], out: Any = None, order: str = "RGB") 
     """Calls an effect that works on no picture, or rewrites one of its arguments."""
     plan = _plans[method]
     number = order_number(order)
-    values = plan.values(given, number)
     changed = plan.effect.changed_argument
+    values = plan.values(given, number, lambda: (0, 0) if changed is None else as_array(given[changed]).shape[:2])
     if changed is None:
         return _made(plan, _call(plan, None, values), None, number)
     canvas = Canvas(given[changed], out, number, f"{method}: {plan.names[changed]}")
@@ -125,7 +148,7 @@ def apply(picture: Any, *calls: str, out: Array | None = None, order: Literal["R
     picture : array_like
         ``uint8`` of height x width x 4, height x width x 3 or height x width.
     *calls : str
-        Such as ``"vignette(#blur: 160)"``, by position or by name.
+        Such as ``"vignette(blur: 160)"``, by position or by name.
     out : numpy.ndarray, optional
         Where the result goes, or the picture itself to rewrite it in place.
     order : {"RGB", "BGR"}, default "RGB"
@@ -166,9 +189,28 @@ def _applied(text: str, pixels: Array, order: int) -> Array:
     plan = _plans.get(name)
     code, message, error, entries = _native.apply(text, pixels, order, plan.bands() if plan else 1)
     if code:
-        raise failure(code, message, error, name, plan.names if plan else [])
+        raise failure(code, message, error, name, [*plan.names, *EXTENT] if plan else [])
     made = entries if isinstance(entries, list) else list(entries.values())
     return next((value for value in made if isinstance(value, np.ndarray)), pixels)
+
+
+def bands_of_look(calls: Sequence[str]) -> int:
+    """The threads for calls that run on one engine: one alone if the result of some depends on their number."""
+    used = [_plans.get(_method_of(text)) for text in calls]
+    threads: int = getattr(_of_this_thread, "threads", _threads)
+    return min(threads, 1) if any(plan and plan.effect.depends_on_bands for plan in used) else threads
+
+
+def look_failure(code: int, message: str, error: str) -> Exception:
+    """The exception for a look of which a call failed."""
+    place = re.match(r"line \d+: ", message)
+    words = message[place.end():] if place else message
+    plan = _plans.get(words.split(": ")[0])
+    if plan is None:
+        return failure(code, message, error, "", [])
+    made = failure(code, words, error, plan.effect.name, [*plan.names, *EXTENT])
+    made.args = (message,)
+    return made
 
 
 _names = {name.lower(): name for name in effects}
@@ -182,12 +224,13 @@ def _method_of(text: str) -> str:
     return _names.get(name.lower(), _names.get(name.lower().removeprefix("krlimage"), name))
 
 
-def _call(plan: _Plan, on: Source | Canvas | None, values: list[Value | None]) -> Any:
+def _call(plan: _Plan, on: Source | Canvas | None, values: list[Value | None],
+          named: Sequence[tuple[str, Value]] = ()) -> Any:
     """The entries of the result."""
     pixels, order = (on.pixels, on.order) if on else (None, _native.BGRA)
-    code, message, text, entries = _native.call(plan.effect.name, pixels, order, values, plan.bands())
+    code, message, text, entries = _native.call(plan.effect.name, pixels, order, values, named, plan.bands())
     if code:
-        raise failure(code, message, text, plan.effect.name, plan.names)
+        raise failure(code, message, text, plan.effect.name, [*plan.names, *EXTENT])
     return entries
 
 

@@ -32,6 +32,8 @@ class Argument:
         Of numbers: where the effect changes nothing; NaN where there is no such value.
     choices : tuple of str
         Of symbols: those that the argument takes.
+    is_length : bool
+        Whether it is in pixels, and also takes a percentage of the picture's shorter side.
     """
 
     name: str
@@ -43,6 +45,7 @@ class Argument:
     limits: Tuple[float, float]
     neutral: float
     choices: Tuple[str, ...]
+    is_length: bool
 
     @property
     def has_neutral(self) -> bool:

@@ -2,6 +2,8 @@
 
 from __future__ import annotations
 
+from typing import Sequence
+
 from . import _native
 
 
@@ -50,10 +52,11 @@ def wrong(method: str, argument: str, expected: str, got: object) -> KrlError:
                     reason="wrong type")
 
 
-def failure(code: int, message: str, text: str, method: str, argument_names: list[str]) -> Exception:
-    """The exception for a code of the C interface and its message, `method: argument: what`."""
+def failure(code: int, message: str, text: str, method: str, argument_names: Sequence[str]) -> Exception:
+    """The exception for a code of the C interface and its message: `method: argument: what`, or without method."""
     if code == _native.OUT_OF_MEMORY:
         return MemoryError(message)
     parts = message.split(": ")
-    argument = parts[1] if len(parts) > 2 and parts[1] in argument_names else None
+    named = parts[1:-1] if parts[0] == method else parts[:-1]
+    argument = named[0] if named and named[0] in argument_names else None
     return KrlError(message, method, argument, text, _native.code_text(code))

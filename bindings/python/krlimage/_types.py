@@ -27,8 +27,17 @@ Picture = Union[Array, SupportsArrayInterface, memoryview]
 Colour = Union[str, Tuple[int, int, int]]
 """``"#rrggbb"``, or red, green and blue from 0 to 255."""
 
-Point = Tuple[int, int]
-"""x and y in pixels, from the top left corner."""
+Length = Union[int, str]
+"""Pixels, or a percentage of the picture's shorter side such as ``"10%"``."""
+
+RealLength = Union[float, str]
+"""The same for lengths that are no whole number."""
+
+Point = Tuple[Union[int, str], Union[int, str]]
+"""x and y from the top left corner, in pixels or as percentages of width and height."""
+
+Region = Tuple[Union[int, str], Union[int, str], Union[int, str], Union[int, str]]
+"""Left, top, right and bottom in the same manner; right and bottom are just outside."""
 
 Colours = Union[Mapping[int, Colour], Sequence[Union[Colour, Tuple[int, Colour]]]]
 """Colours under numbers from 0 to 100: a dict, pairs, or colours that are spread evenly."""

@@ -11,6 +11,7 @@ from . import _native, _pictures
 from ._native import Value
 
 _COLOUR = re.compile("#[0-9a-fA-F]{6}")
+_PERCENTAGE = re.compile(r"[-+]?[0-9]+(\.[0-9]+)?%")
 
 INTEGERS = range(-(2**31), 2**31)
 
@@ -69,6 +70,14 @@ def point(value: Any) -> Value:
     return _native.point(*place)
 
 
+def region(value: Any) -> Value:
+    """Left, top, right and bottom."""
+    sides = _whole_numbers(value, 4)
+    if sides is None or not all(side in INTEGERS for side in sides):
+        raise Mismatch("left, top, right and bottom such as (0, 0, 480, 320)", value)
+    return _native.list_of([_native.integer(side) for side in sides])
+
+
 def colours(value: Any) -> Value:
     """A dict, pairs, or colours spread evenly from 0 to 100."""
     return _native.property_list_of([(integer(place), colour(item)) for place, item in _places(value)])
@@ -121,6 +130,18 @@ def _places(value: Any) -> list[tuple[Any, Any]]:
     return [((200 * i + last) // (2 * last), item) for i, item in enumerate(items)]
 
 
+def relative_text(kind: str, value: Any) -> str | None:
+    """A length, point or region with percentages as calls in texts have it; None for anything else."""
+    if kind in ("integer", "real"):
+        return value if isinstance(value, str) and _PERCENTAGE.fullmatch(value) else None
+    maker, count = {"point": ("point", 2), "region": ("rect", 4)}.get(kind, ("", -1))
+    if not isinstance(value, (tuple, list)) or len(value) != count or not any(isinstance(part, str) for part in value):
+        return None
+    if all(_PERCENTAGE.fullmatch(str(part)) or _whole_numbers([part], 1) for part in value):
+        return f"{maker}({', '.join(map(str, value))})"
+    return None
+
+
 def _whole_numbers(value: Any, count: int) -> list[int] | None:
     """The numbers of a sequence of `count`; None for anything else."""
     if isinstance(value, (str, bytes)) or not hasattr(value, "__len__") or len(value) != count:
@@ -137,6 +158,7 @@ CONVERTERS: dict[str, Callable[[Any], Value]] = {
     "symbol": symbol,
     "colour": colour,
     "point": point,
+    "region": region,
     "colours": colours,
 }
 """By kind; pictures and trees also depend on the order of their channels."""

@@ -33,6 +33,13 @@ py::tuple tupleOf(const Entry* const* entries, size_t count, const Work& work) {
     return made;
 }
 
+/// Whether an argument takes a percentage of the picture's shorter side.
+bool isLength(const krl_method_info& method, const krl_argument_info& argument) {
+    const std::unique_ptr<krl_value, Free> value(
+        krl_parse_argument(method.name, argument.name, "1%", 100, 100, nullptr, 0));
+    return value && (argument.kind == KRL_KIND_INTEGER || argument.kind == KRL_KIND_REAL);
+}
+
 py::dict argumentOf(const krl_method_info& method, size_t index) {
     const krl_argument_info& info = *method.arguments[index];
     py::tuple choices(info.choice_count);
@@ -48,6 +55,7 @@ py::dict argumentOf(const krl_method_info& method, size_t index) {
     made["limits"] = py::make_tuple(info.least, info.most);
     made["neutral"] = info.neutral;
     made["choices"] = choices;
+    made["is_length"] = isLength(method, info);
     return made;
 }
 

@@ -6,5 +6,6 @@ PYBIND11_MODULE(_native, module) {
     krl::python::bindPixels(module);
     krl::python::bindCalls(module);
     krl::python::bindCatalogue(module);
+    krl::python::bindLooks(module);
     krl::python::bindLingo(module);
 }

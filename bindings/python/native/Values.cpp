@@ -40,6 +40,21 @@ Value propertyListOf(const std::vector<std::pair<const Value*, const Value*>>& e
     return Value(list.release(), std::move(memory));
 }
 
+/// The value that a text writes for an argument; `KrlError` is for the package to make.
+Value argumentOf(const char* method, const char* argument, const char* text, int32_t width, int32_t height) {
+    char problem[500];
+    krl_value* const value =
+        krl_parse_argument(method, argument, text, width, height, problem, sizeof problem);
+    if (!value) throw py::value_error(problem);
+    return Value(value);
+}
+
+std::string writtenOf(const Value& value) {
+    std::string text(krl_write(value.get(), nullptr, 0), ' ');
+    krl_write(value.get(), text.data(), text.size() + 1);
+    return text;
+}
+
 Value pictureValueOf(const Array& array, int32_t order) {
     const krl_picture picture = pictureOf(array, order);
     return Value(krl_picture_value(&picture), {array});
@@ -136,6 +151,8 @@ void bindValues(py::module_& module) {
     module.def("point", [](int32_t x, int32_t y) { return Value(krl_point(x, y)); });
     module.def("list_of", listOf);
     module.def("property_list_of", propertyListOf);
+    module.def("write", writtenOf);
+    module.def("argument", argumentOf);
     module.def("picture", pictureValueOf, py::arg().noconvert(), py::arg());
     module.def("is_direct", isDirect, py::arg().noconvert());
 }

@@ -6,6 +6,7 @@
 #include <pybind11/stl.h>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 /// Values of the C interface as Python has them.
@@ -20,7 +21,9 @@ struct Free {
     void operator()(krl_value* value) const { krl_value_free(value); }
     void operator()(krl_result* result) const { krl_result_free(result); }
     void operator()(krl_engine* engine) const { krl_engine_free(engine); }
+    void operator()(krl_look* look) const { krl_look_free(look); }
 };
+using Result = std::unique_ptr<krl_result, Free>;
 
 /// A value, and the arrays whose memory its pictures use.
 class Value {
@@ -43,6 +46,42 @@ bool isDirect(const Array& array);
 /// The picture that an array is. Throws `py::value_error` unless `isDirect`.
 krl_picture pictureOf(const Array& array, int32_t order);
 
+/// What Python gets of a call: code, message, the script's error, and the entries of the result.
+py::tuple outcomeOf(const krl_result* result);
+
+/// An engine for one call, by its bands.
+class LentEngine {
+public:
+    explicit LentEngine(int32_t bands);
+    ~LentEngine();
+    LentEngine(const LentEngine&) = delete;
+    LentEngine& operator=(const LentEngine&) = delete;
+
+    krl_engine* get() const { return engine_.get(); }
+
+private:
+    using Engine = std::unique_ptr<krl_engine, Free>;
+    static std::vector<Engine>& spareOnes(int32_t bands);
+
+    std::vector<Engine>& spare_;
+    Engine engine_;
+};
+
+/// Runs `work(engine, picture, result)` without the interpreter's lock; there may be no picture. Gives its
+/// outcome.
+template <class Work>
+py::tuple runCall(int32_t bands, const std::optional<Array>& pixels, int32_t order, const Work& work) {
+    const LentEngine engine(bands);
+    std::optional<krl_picture> picture;
+    if (pixels) picture = pictureOf(*pixels, order);
+    krl_result* made = nullptr;
+    {
+        const py::gil_scoped_release unlocked;
+        work(engine.get(), picture ? &*picture : nullptr, &made);
+    }
+    return outcomeOf(Result(made).get());
+}
+
 /// Numbers, names, tuples for colours and points, lists, dicts, and arrays for new pictures. A property list
 /// with a key twice is a list of pairs.
 py::object read(const krl_value* value);
@@ -52,6 +91,7 @@ void bindValues(py::module_& module);
 void bindPixels(py::module_& module);
 void bindCalls(py::module_& module);
 void bindCatalogue(py::module_& module);
+void bindLooks(py::module_& module);
 void bindLingo(py::module_& module);
 
 }  // namespace krl::python
