@@ -18,7 +18,7 @@ from setuptools.command.sdist import sdist
 HERE = Path(__file__).resolve().parent
 # A source archive holds the engine's sources beside this file, a checkout above it.
 TREE = HERE / "tree" if (HERE / "tree").exists() else HERE.parents[1]
-TREE_PARTS = ["CMakeLists.txt", "LICENSE", "cmake", "include", "src", "player", "examples/pictures"]
+TREE_PARTS = ["CMakeLists.txt", "LICENSE", "cmake", "include", "src", "player", "looks", "examples/pictures"]
 
 
 def version():

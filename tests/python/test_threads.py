@@ -51,7 +51,7 @@ def test_another_thread_runs_while_an_effect_does():
     ends.set()
     counter.join()
     # Switching to and from the call itself lets it count a few times.
-    assert max(during) > 1000, during
+    assert max(during) > 100, during
 
 
 def test_threads_are_a_number_of_their_own():
