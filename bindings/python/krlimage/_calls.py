@@ -19,6 +19,9 @@ from ._values import CONVERTERS, Mismatch, relative_text, tree
 Extent = Tuple[Any, Any, Any, Any]
 """Where and how much an effect changes the picture: mix, mask, region and feather."""
 
+Size = Callable[[], Tuple[int, ...]]
+"""Gives height and width of a picture, for percentages."""
+
 EXTENT = {"mix": "real", "mask": "picture", "region": "region", "feather": "integer"}
 WHOLE: Extent = (1.0, None, None, 0)
 
@@ -69,18 +72,18 @@ class _Plan:
     def bands(self) -> int:
         return 1 if self.effect.depends_on_bands else getattr(_of_this_thread, "threads", _threads)
 
-    def values(self, given: Sequence[Any], order: int, size: Callable[[], Tuple[int, int]]) -> list[Value | None]:
-        """The arguments for the engine; None is left out. `size` is that of the picture, for percentages."""
+    def values(self, given: Sequence[Any], order: int, size: Size) -> list[Value | None]:
+        """The arguments for the engine; None is left out."""
         return [None if value is None else self._value(name, kind, value, order, size)
                 for name, kind, value in zip(self.names, self.kinds, given)]
 
-    def extent(self, given: Extent, order: int, size: Callable[[], Tuple[int, int]]) -> list[tuple[str, Value]]:
+    def extent(self, given: Extent, order: int, size: Size) -> list[tuple[str, Value]]:
         """The arguments by name for what is not the whole change."""
         return [(name, self._value(name, kind, value, order, size))
                 for (name, kind), value, whole in zip(EXTENT.items(), given, WHOLE)
                 if value is not whole and (value is None or whole is None or value != whole)]
 
-    def _value(self, name: str, kind: str, value: Any, order: int, size: Callable[[], Tuple[int, int]]) -> Value:
+    def _value(self, name: str, kind: str, value: Any, order: int, size: Size) -> Value:
         convert = CONVERTERS.get(kind)
         try:
             if convert is not None:
@@ -112,7 +115,7 @@ def run_on(picture: Any, method: str, given: Sequence[Any], out: Any = None, ord
     plan = _plans[method]
     number = order_number(order)
 
-    def size() -> Tuple[int, int]:
+    def size() -> Tuple[int, ...]:
         return as_array(picture).shape[:2]
 
     values = plan.values(given, number, size)
