@@ -89,6 +89,9 @@ static void use_lists(void) {
     CHECK(krl_write(parsed, NULL, 0) == 17 && problem[0] == '\0');
     CHECK(krl_parse("[4", problem, sizeof problem) == NULL && problem[0] != '\0');
     krl_value_free(parsed);
+    parsed = krl_parse_argument("vignette", "blur", "10%", 300, 200, problem, sizeof problem);
+    CHECK(krl_write(parsed, text, sizeof text) == 2 && strcmp(text, "20") == 0);
+    krl_value_free(parsed);
     krl_value_free(copy);
 }
 
