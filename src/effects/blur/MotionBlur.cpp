@@ -6,6 +6,7 @@
 #include "core/Batch.h"
 #include "core/ChannelMask.h"
 #include "core/ExactDivision.h"
+#include "core/ExactFunctions.h"
 #include "core/VectorLevels.h"
 #include "effects/blur/BlurChoices.h"
 #include "kernels/blend/AlphaScale.h"
@@ -26,7 +27,8 @@ struct Stop {
 /// follow one another and become one stop; steps that leave the picture from everywhere are one.
 std::vector<Stop> pathAlong(int32_t distance, int32_t angle, int32_t width, int32_t height) {
     const double radians = static_cast<float>(angle * kRadiansPerDegree);
-    const auto cosine = static_cast<float>(std::cos(radians)), sine = static_cast<float>(std::sin(radians));
+    const auto cosine = static_cast<float>(exactCosine(radians)),
+               sine = static_cast<float>(exactSine(radians));
     const auto stopAt = [&](int64_t i) {
         return Stop{clampTo(truncate(double(i) * cosine), 1 - width, width - 1),
                     clampTo(truncate(double(i) * sine), 1 - height, height - 1), 0};

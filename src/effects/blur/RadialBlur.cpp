@@ -3,6 +3,7 @@
 
 #include "catalogue/Catalogue.h"
 #include "core/Doubts.h"
+#include "core/ExactFunctions.h"
 #include "core/VectorLevels.h"
 #include "effects/blur/BlurChoices.h"
 #include "kernels/path/PathTile.h"
@@ -23,8 +24,8 @@ public:
         for (int64_t i = 0; i < count_; ++i) {
             if (i % kAtOnce == 0) engine.throwIfCancelled();
             const double angle = double(i - degrees) * kRadiansPerDegree;
-            cosines_[static_cast<size_t>(i)] = std::cos(angle);
-            sines_[static_cast<size_t>(i)] = std::sin(angle);
+            cosines_[static_cast<size_t>(i)] = exactCosine(angle);
+            sines_[static_cast<size_t>(i)] = exactSine(angle);
         }
     }
     int32_t count() const { return static_cast<int32_t>(count_); }
@@ -51,16 +52,17 @@ struct Circle {
 
     Circle(Point point, int32_t x, int32_t y) : centre(point) {
         const PointReach reach(point, x, y);
-        const double exactAngle = reach.angle();
+        const double rough = roughAngle(reach.dy, reach.dx);
         radius = reach.distance;
-        angle = static_cast<float>(exactAngle);
+        angle = static_cast<float>(rough * (1 + 1e-14));
+        if (angle != static_cast<float>(rough * (1 - 1e-14))) angle = static_cast<float>(reach.angle());
         if (reach.hasWrapped) {
-            alongX = std::cos(double(angle)) * radius;
-            alongY = std::sin(double(angle)) * radius;
+            alongX = exactCosine(double(angle)) * radius;
+            alongY = exactSine(double(angle)) * radius;
         } else {
             // The rounding turns the pixel's own direction by so little that two terms of its sine and
             // cosine are all of them.
-            const double turn = angle - exactAngle, shrink = 1.0 - turn * turn / 2;
+            const double turn = angle - rough, shrink = 1.0 - turn * turn / 2;
             alongX = reach.dx * shrink - reach.dy * turn;
             alongY = reach.dy * shrink + reach.dx * turn;
         }
@@ -69,8 +71,8 @@ struct Circle {
     /// Offset of the sample `degree` degrees on, by its definition.
     int32_t offsetAt(int32_t degree, const PathSource& source) const {
         const double t = degree * kRadiansPerDegree + angle;
-        const int32_t x = placeWithin(centre.x - std::cos(t) * radius, source.width());
-        return placeWithin(centre.y - std::sin(t) * radius, source.height()) * source.width() + x;
+        const int32_t x = placeWithin(centre.x - exactCosine(t) * radius, source.width());
+        return placeWithin(centre.y - exactSine(t) * radius, source.height()) * source.width() + x;
     }
 };
 

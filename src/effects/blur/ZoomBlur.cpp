@@ -2,6 +2,7 @@
 
 #include "catalogue/Catalogue.h"
 #include "core/Doubts.h"
+#include "core/ExactFunctions.h"
 #include "core/VectorLevels.h"
 #include "effects/blur/BlurChoices.h"
 #include "kernels/path/PathTile.h"
@@ -20,8 +21,8 @@ struct Ray {
     Ray(Point origin, const PointReach& reach, double away)
         : point(origin),
           distance(reach.distance),
-          cosine(std::cos(reach.angle())),
-          sine(std::sin(reach.angle())),
+          cosine(exactCosine(reach.angle())),
+          sine(exactSine(reach.angle())),
           step(away) {}
 
     /// Offset of sample `k`.
@@ -41,8 +42,8 @@ struct TileRays {
     int32_t count[PathTile::kPixels];
 
     void set(int32_t i, const PointReach& reach, int32_t samples) {
-        alongX[i] = reach.hasWrapped ? std::cos(reach.angle()) : reach.dx / reach.distance;
-        alongY[i] = reach.hasWrapped ? std::sin(reach.angle()) : reach.dy / reach.distance;
+        alongX[i] = reach.hasWrapped ? exactCosine(reach.angle()) : reach.dx / reach.distance;
+        alongY[i] = reach.hasWrapped ? exactSine(reach.angle()) : reach.dy / reach.distance;
         distance[i] = reach.distance;
         count[i] = samples;
     }

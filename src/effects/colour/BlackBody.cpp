@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "core/ExactFunctions.h"
+
 namespace krl {
 
 const ObserverRow kObserver[kObserverRows] = {
@@ -32,7 +34,7 @@ namespace {
 
 /// Power that a black body gives at one wavelength: Planck's law.
 double emission(double metres, double kelvin) {
-    return 3.74183e-16 * std::pow(metres, -5.0) / (std::exp(0.014388 / (metres * kelvin)) - 1.0);
+    return 3.74183e-16 * exactPower(metres, -5.0) / (exactExponential(0.014388 / (metres * kelvin)) - 1.0);
 }
 
 }  // namespace

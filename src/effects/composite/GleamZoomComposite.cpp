@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "catalogue/Catalogue.h"
+#include "core/ExactFunctions.h"
 #include "effects/composite/GleamChoices.h"
 #include "effects/composite/GleamStages.h"
 #include "effects/composite/ZoomRays.h"
@@ -15,7 +16,7 @@ namespace {
 /// What is left of a ray after one step where `falloff` is left after 30: the 30th root, 0 for a number below
 /// 0, which has none.
 float stepFalloff(float falloff) {
-    const auto step = static_cast<float>(std::pow(static_cast<double>(falloff), 0.03333333507180214));
+    const auto step = static_cast<float>(exactPower(static_cast<double>(falloff), 0.03333333507180214));
     return step >= 1 ? 0.9998999834060669f : step > 0 ? step : 0.0f;
 }
 

@@ -4,6 +4,7 @@
 #include "catalogue/Choices.h"
 #include "core/Batch.h"
 #include "core/Doubts.h"
+#include "core/ExactFunctions.h"
 #include "core/ImageCopy.h"
 #include "core/VectorLevels.h"
 #include "kernels/neighbour/Gradient3x3.h"
@@ -21,9 +22,9 @@ struct Light {
     Light(int32_t strength, float azimuth, float elevation) {
         const auto az = static_cast<float>(azimuth * kRadiansPerDegree);
         const auto el = static_cast<float>(elevation * kRadiansPerDegree);
-        x = truncate(std::cos(double(az)) * std::cos(double(el)) * 255.9);
-        y = truncate(std::sin(double(az)) * std::cos(double(el)) * 255.9);
-        z = truncate(std::sin(double(el)) * 255.9);
+        x = truncate(exactCosine(double(az)) * exactCosine(double(el)) * 255.9);
+        y = truncate(exactSine(double(az)) * exactCosine(double(el)) * 255.9);
+        z = truncate(exactSine(double(el)) * 255.9);
         depth = 1530 / strength;
     }
 

@@ -5,6 +5,7 @@
 #include "core/Bands.h"
 #include "core/Batch.h"
 #include "core/ByteArithmetic.h"
+#include "core/ExactFunctions.h"
 #include "core/ImageCopy.h"
 #include "core/VectorLevels.h"
 #include "effects/film/Saturate.h"
@@ -67,7 +68,7 @@ ByteCurve toneCurve(const DayForNightSettings& settings) {
     const double offset = clampTo(settings.brightness, -255, 255);
     const double exponent = 1.0 / clampTo(settings.gamma, 0.0f, 2.0f);
     return byteCurve([=](int32_t i) {
-        const auto bent = static_cast<float>(std::pow(double(i), exponent));
+        const auto bent = static_cast<float>(exactPower(double(i), exponent));
         return truncatedByte(127.0 + (bent - 127.0) * contrast / 1024.0 + offset);
     });
 }

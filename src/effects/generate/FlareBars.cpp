@@ -1,9 +1,11 @@
 #include <cmath>
 #include <vector>
 
+#include "core/Doubts.h"
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
 #include "effects/generate/FlareElements.h"
+#include "kernels/sample/Trigonometry.h"
 
 namespace krl {
 
@@ -12,17 +14,19 @@ namespace {
 /// The single-precision factor from degrees to radians, by which bars turn.
 constexpr float kTurnFactor = 0.01745329238474369f;
 
-double sineOfDegrees(double degrees) { return std::sin(degrees * kRadiansPerDegree); }
+using Sine = double (*)(double radians);
 
 /// Light at `distance` from the middle of a bar that reaches `half` to each side.
-using BarProfile = double (*)(double brightness, double distance, double half);
+using BarProfile = double (*)(double brightness, double distance, double half, Sine sineOf);
 
-double tent(double brightness, double distance, double half) { return brightness * (half - distance) / half; }
-double dome(double brightness, double distance, double half) {
-    return brightness * sineOfDegrees(90.0 * (half - distance) / half);
+double tent(double brightness, double distance, double half, Sine) {
+    return brightness * (half - distance) / half;
 }
-double cusp(double brightness, double distance, double half) {
-    return brightness * (1.0 + sineOfDegrees(90.0 * distance / half - 180.0));
+double dome(double brightness, double distance, double half, Sine sineOf) {
+    return brightness * sineOf(90.0 * (half - distance) / half * kRadiansPerDegree);
+}
+double cusp(double brightness, double distance, double half, Sine sineOf) {
+    return brightness * (1.0 + sineOf((90.0 * distance / half - 180.0) * kRadiansPerDegree));
 }
 
 /// One direction of a bar: how far it reaches from the origin, and how it fades on the way.
@@ -31,7 +35,11 @@ struct BarSide {
     BarProfile profile;
     double brightness;
 
-    uint8_t at(double distance) const { return clampByte(truncate(profile(brightness, distance, half))); }
+    uint8_t at(double distance) const {
+        const auto value = [&](Sine sineOf) { return profile(brightness, distance, half, sineOf); };
+        return clampByte(
+            truncateRough(value(sine), 1e-9 * std::abs(brightness), [&] { return value(exactSine); }));
+    }
 };
 
 /// The two directions of a bar; its value is the product of both.
@@ -105,8 +113,8 @@ class SlantedAxis {
 public:
     SlantedAxis(Point origin, float degrees, double half, int32_t width) {
         const double angle = static_cast<float>(double{degrees} * kTurnFactor);
-        const double rise = (origin.y + std::sin(angle) * half) - origin.y;
-        const double run = (origin.x + std::cos(angle) * half) - origin.x;
+        const double rise = (origin.y + exactSine(angle) * half) - origin.y;
+        const double run = (origin.x + exactCosine(angle) * half) - origin.x;
         slope_ = static_cast<float>(rise / run);
         intercept_ = static_cast<float>(origin.y - double{slope_} * origin.x);
         perpendicular_ = static_cast<float>(-1.0 / slope_);
@@ -131,7 +139,8 @@ private:
 double reachOf(const Bar& bar, Point origin) {
     if (bar.along.half < 0.01 || bar.across.half < 0.01) return INFINITY;
     const double distance = std::abs(double(origin.x)) + std::abs(double(origin.y));
-    return 1.01 * std::hypot(bar.along.half, bar.across.half) + 4 + 1e-6 * distance;
+    return 1.01 * std::sqrt(bar.along.half * bar.along.half + bar.across.half * bar.across.half) + 4 +
+           1e-6 * distance;
 }
 
 void paintSlanted(const FlareState& state, const FlareElement& element, const Bar& bar) {

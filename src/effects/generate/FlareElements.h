@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/Bands.h"
+#include "core/ExactFunctions.h"
 #include "effects/generate/FlareCanvas.h"
 #include "kernels/path/DigitalLine.h"
 
@@ -29,7 +30,7 @@ struct FlarePlace {
 };
 inline FlarePlace placeOnCircle(Point centre, double degrees, double radius) {
     const double angle = degrees / 180.0 * 3.14159265358979323846;
-    return {std::sin(angle) * radius + centre.x, std::cos(angle) * radius + centre.y};
+    return {exactSine(angle) * radius + centre.x, exactCosine(angle) * radius + centre.y};
 }
 
 /// Whole numbers from `low` to `high`, cut to 0..`limit` and truncated, the high end exclusive; none

@@ -46,7 +46,8 @@ private:
     double outerSlope_, innerSlope_;
 };
 
-/// Full light, and more, around the picture's centre; none from nine tenths of half its longer side on.
+/// Full light, and more, around the picture's centre; none from nine tenths of half its longer side on: the
+/// logarithm of ten times the share of the way that is left.
 class CentreFade {
 public:
     explicit CentreFade(const ImageBuffer& image)
@@ -54,9 +55,14 @@ public:
           centreY_(image.height / 2),
           reach_(static_cast<float>(std::max(image.width, image.height) * 0.5)) {}
 
-    double at(int32_t x, int32_t y) const {
+    /// The value that a function of the fade has at a place.
+    template <class Value>
+    int32_t apply(int32_t x, int32_t y, Value&& value) const {
         const double nearness = (1.0 - distanceBetween(centreX_, centreY_, x, y) / double{reach_}) * 10.0;
-        return nearness >= 0 ? std::log(nearness) : 0.0;
+        if (!(nearness > 0)) return value(nearness == 0 ? -INFINITY : 0.0);
+        const double rough = roughLogarithm(nearness), error = 1e-12;
+        const int32_t least = value(rough - error);
+        return least == value(rough + error) ? least : value(exactLogarithm(nearness));
     }
 
 private:
@@ -75,7 +81,7 @@ void paintFadedCircle(const FlareState& state, const FlareElement& circle) {
         forEachPixelOf(state, part, [&](Pixel& pixel, int32_t x, int32_t y) {
             const float d = distanceBetween(x, y, origin.x, origin.y);
             if (!ring.covers(d)) return;
-            const int32_t value = ring.at(d, fade.at(x, y));
+            const int32_t value = fade.apply(x, y, [&](double faded) { return ring.at(d, faded); });
             if (value >= 0) plot(pixel, value);
         });
     });

@@ -23,7 +23,8 @@ struct HoopCircle {
     /// The place at `angle`, in radians, to the nearest pixel.
     Point at(double angle) const {
         const auto nearest = [](double value) { return truncate(value < 0 ? value - 0.5 : value + 0.5); };
-        return {nearest(std::cos(angle) * radius + centre.y), nearest(std::sin(angle) * radius + centre.x)};
+        return {nearest(exactCosine(angle) * radius + centre.y),
+                nearest(exactSine(angle) * radius + centre.x)};
     }
 };
 

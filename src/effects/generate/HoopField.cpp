@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/Bands.h"
+#include "core/ExactFunctions.h"
 #include "core/Numbers.h"
 
 namespace krl {
@@ -68,7 +69,7 @@ HoopField::HoopField(const GridBox& box)
 
 void HoopField::draw(Point inner, Point outer) {
     const Point from = cellOf(inner), to = cellOf(outer);
-    const double length = std::hypot(double(from.x) - to.x, double(from.y) - to.y);
+    const double length = exactLength(double(from.x) - to.x, double(from.y) - to.y);
     const DigitalLine line(from, to, HalfwayMove::Straight);
     line.walk(reachOf(box_), [&](int32_t x, int32_t y, int64_t) {
         const double dx = double(x) - to.x, dy = double(y) - to.y;

@@ -1,6 +1,5 @@
-#include <cmath>
-
 #include "catalogue/Catalogue.h"
+#include "core/DoubleDouble.h"
 #include "kernels/curve/ByteCurve.h"
 #include "krlimage/tone.h"
 
@@ -9,22 +8,23 @@ namespace krl {
 namespace {
 
 /// Lowers or lifts light `x` on 0..1. An offset of 0 would come back from its logarithm unchanged but
-/// for the last bits, so light is left alone then and no platform's arithmetic can tip a byte.
-long double offsetLight(long double x, float offset) {
+/// for the last bits, so light is left alone then.
+DoubleDouble offsetLight(DoubleDouble x, double offset) {
     if (offset == 0) return x;
-    if (offset < 0) return x + 1 - std::exp((0.5L - std::exp(1.2L * (1 - x))) * offset);
-    return std::log10(std::pow(10.0L, 255 * x / 180) + 20.0L * offset) * 180 / 255;
+    if (offset < 0)
+        return x + 1.0 - exponential((0.5 - exponential(DoubleDouble(12.0) / 10.0 * (1.0 - x))) * offset);
+    return decimalLogarithm(power(10.0, 255.0 * x / 180.0) + DoubleDouble(20.0) * offset) * 180.0 / 255.0;
 }
 
-/// out = (255 * offsetLight(in * e ^ (0.315 * exposure))) ^ (1 / gamma), light on 0..1.
-ByteCurve exposureCurve(float exposure, float offset, float gamma) {
-    const long double tenths = exposure / 10.0L;
-    const long double gain = exposure < 0 ? std::exp(tenths * 3.15L) : 1 / std::exp(tenths * -3.15L);
-    const long double exponent = 1.0L / gamma;
+/// out = (255 * offsetLight(in * e ^ (0.315 * exposure))) ^ (1 / gamma), light on 0..1. Twice the digits of a
+/// double keep rounding from tipping a byte.
+ByteCurve exposureCurve(double exposure, double offset, double gamma) {
+    const DoubleDouble gain = exponential(DoubleDouble(exposure) * 315.0 / 1000.0);
+    const DoubleDouble exponent = DoubleDouble(1.0) / gamma;
     return byteCurve([=](int32_t i) {
-        const long double lit = clampTo(i / 255.0L * gain, 0.0L, 1.0L);
-        const long double lifted = clampTo(offsetLight(lit, offset), 0.0L, 1.0L);
-        return truncatedByte(static_cast<double>(std::pow(255 * lifted, exponent)));
+        const DoubleDouble lit = clampTo<DoubleDouble>(DoubleDouble(i) / 255.0 * gain, 0.0, 1.0);
+        const DoubleDouble lifted = clampTo<DoubleDouble>(offsetLight(lit, offset), 0.0, 1.0);
+        return truncatedByte(power(255.0 * lifted, exponent).high);
     });
 }
 

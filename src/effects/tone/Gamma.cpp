@@ -2,6 +2,7 @@
 
 #include "catalogue/Catalogue.h"
 #include "catalogue/Choices.h"
+#include "core/ExactFunctions.h"
 #include "kernels/curve/ByteCurve.h"
 #include "krlimage/tone.h"
 
@@ -12,7 +13,7 @@ namespace krl {
 Status gamma(ImageEngine& engine, float gamma, ChannelTarget target) {
     const auto exponent = static_cast<float>(1.0 / gamma);
     return applyCurve(engine, target, byteCurve([=](int32_t i) {
-                          return truncatedByte(static_cast<float>(std::pow(double(i), double(exponent))));
+                          return truncatedByte(static_cast<float>(exactPower(double(i), double(exponent))));
                       }));
 }
 

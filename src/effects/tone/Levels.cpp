@@ -1,6 +1,7 @@
 #include <cmath>
 
 #include "catalogue/Catalogue.h"
+#include "core/ExactFunctions.h"
 #include "kernels/curve/ByteCurve.h"
 #include "krlimage/tone.h"
 
@@ -19,7 +20,7 @@ ByteCurve levelsCurve(int32_t minLevel, float midGamma, int32_t maxLevel, int32_
     const auto exponent = static_cast<float>(1.0 / clampTo(midGamma, 0.1f, 9.99f));
     return byteCurve([=](int32_t i) {
         const auto place = static_cast<float>(clampUnit((i / 255.0 - low) / inRange));
-        const auto bent = static_cast<float>(std::pow(double(place), double(exponent)));
+        const auto bent = static_cast<float>(exactPower(double(place), double(exponent)));
         return truncatedByte((bent * outRange + outLow) * 255.0);
     });
 }

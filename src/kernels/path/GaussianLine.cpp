@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "core/Doubts.h"
+#include "core/ExactFunctions.h"
 #include "core/Numbers.h"
 
 namespace krl {
@@ -20,7 +22,9 @@ public:
         if (!box_.holds(x, y) || !(std::abs(distance) <= kReach)) return;
         uint8_t& cell = mask_.at(x, y);
         if (cell == (intensity_ > 0 ? 255 : 0)) return;  // full already, or nothing to lose
-        const int64_t gain = truncate(2.0 * std::exp(-distance * distance) * intensity_);
+        const double inner = -distance * distance, peak = 2.0 * intensity_;
+        const int64_t gain = truncateRough(roughExponential(inner) * peak, 1e-9 * std::abs(peak),
+                                           [&] { return 2.0 * exactExponential(inner) * intensity_; });
         cell = static_cast<uint8_t>(clampTo<int64_t>(cell + gain * times_, 0, 255));
     }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "core/Bands.h"
+#include "core/ExactFunctions.h"
 #include "core/LookupTables.h"
 #include "core/Numbers.h"
 #include "core/Scratch.h"
@@ -113,7 +114,7 @@ struct PointReach {
         const auto wide = [](int64_t d) { return static_cast<uint64_t>(d * d); };
         hasWrapped = square < 0 || static_cast<uint64_t>(square) != wide(dx) + wide(dy);
     }
-    double angle() const { return std::atan2(double(dy), double(dx)); }
+    double angle() const { return exactAngle(dy, dx); }
 
     static int32_t sumOfSquares(int32_t a, int32_t b) {
         return wrapAdd(wrapMultiply(a, a), wrapMultiply(b, b));

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <numbers>
 
+#include "core/ExactFunctions.h"
 #include "core/VectorLevels.h"
 
 namespace krl {
@@ -94,14 +95,14 @@ KRL_VECTOR_LEVELS void angleSizes(const double* __restrict x, double y, double* 
 }
 
 double sine(double angle) {
-    if (!isReduced(angle)) return std::sin(angle);
+    if (!isReduced(angle)) return exactSine(angle);
     double s, c;
     reducedSineCosine(angle, s, c);
     return s;
 }
 
 double cosine(double angle) {
-    if (!isReduced(angle)) return std::cos(angle);
+    if (!isReduced(angle)) return exactCosine(angle);
     double s, c;
     reducedSineCosine(angle, s, c);
     return c;

@@ -7,7 +7,7 @@
 /// the compiler makes vectors of them.
 namespace krl {
 
-/// Angles whose size is below this are reduced here; others are the standard library's.
+/// Angles whose size is below this are reduced here; larger ones take longer.
 inline constexpr double kLargestAngle = 1.0e5;
 
 /// `sines[i] = sin(angles[i])` and `cosines[i] = cos(angles[i])`, for `count` angles in radians, within
