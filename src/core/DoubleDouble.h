@@ -37,15 +37,15 @@ struct DoubleDouble {
     }
 
     friend constexpr DoubleDouble operator+(DoubleDouble a, DoubleDouble b) {
-        const DoubleDouble high = sum(a.high, b.high), low = sum(a.low, b.low);
-        const DoubleDouble carried = ordered(high.high, high.low + low.high);
-        return ordered(carried.high, carried.low + low.low);
+        const DoubleDouble upper = sum(a.high, b.high), lower = sum(a.low, b.low);
+        const DoubleDouble carried = ordered(upper.high, upper.low + lower.high);
+        return ordered(carried.high, carried.low + lower.low);
     }
     friend constexpr DoubleDouble operator-(DoubleDouble a) { return {-a.high, -a.low}; }
     friend constexpr DoubleDouble operator-(DoubleDouble a, DoubleDouble b) { return a + -b; }
     friend constexpr DoubleDouble operator*(DoubleDouble a, DoubleDouble b) {
-        const DoubleDouble high = product(a.high, b.high);
-        return ordered(high.high, high.low + (a.high * b.low + a.low * b.high));
+        const DoubleDouble upper = product(a.high, b.high);
+        return ordered(upper.high, upper.low + (a.high * b.low + a.low * b.high));
     }
     friend constexpr DoubleDouble operator/(DoubleDouble a, DoubleDouble b) {
         const double first = a.high / b.high;
