@@ -95,80 +95,84 @@ Value setPixel(Runtime&, const Arguments& arguments) {
     return Value::truth(true);
 }
 
-Value* entryOf(Runtime& runtime, const Value& list, const char* name) {
-    auto* properties = list.as<PropertyListObject>();
-    if (!properties) return nullptr;
-    const Value key = Value::symbol(runtime.symbols.identifier(name));
-    const auto* entry = findEntry(runtime.symbols, *properties, key);
-    return entry ? const_cast<Value*>(&entry->value) : nullptr;
-}
-
-/// `fill(rect, colour)`, `fill(left, top, right, bottom, colour)`; the colour can be a
-/// list that also names the only supported shape.
-Value fill(Runtime& runtime, const Arguments& arguments) {
-    auto& picture = arguments.object<ImageObject>(0);
-    const bool byRect = arguments[1].is(Kind::Rect);
-    const size_t last = byRect ? 2 : 5;
-    PixelRect area = byRect ? pixelRectOf(arguments.object<RectObject>(1))
-                            : PixelRect{arguments.integer(1), arguments.integer(2), arguments.integer(3),
-                                        arguments.integer(4)};
-    const Value* listed = entryOf(runtime, arguments[last], "color");
-    if (listed && !listed->is(Kind::Colour)) arguments.mismatch(last, "a list with a colour under #color");
-    const Value* shape = entryOf(runtime, arguments[last], "shapeType");
-    if (shape && !(shape->is(Kind::Symbol) && shape->symbol() == runtime.symbols.identifier("rect")))
-        throw HostError("fill: expected the #shapeType #rect, not " + shownText(runtime.style(), *shape));
-    const Colour colour = listed ? listed->colour() : arguments.colour(last);
-    area = area.within(boundsOf(picture));
-    for (int64_t y = area.top; y < area.bottom; ++y)
-        for (int64_t x = area.left; x < area.right; ++x) {
-            Pixel& pixel = picture.bitmap.row(static_cast<int32_t>(y))[x];
-            pixel = {colour.blue(), colour.green(), colour.red(), pixel.alpha};
-        }
-    return Value::truth(true);
-}
-
-CopyOptions copyOptions(Runtime& runtime, const Arguments& arguments) {
-    CopyOptions options;
-    const auto number = [&](const Value& value, const char* name) {
-        if (!value.isNumber())
-            throw HostError(std::string("copyPixels: expected a number under #") + name + ", not " +
-                            kindName(value.kind()));
-        return value.isInteger() ? value.integer() : rounded(value.number());
-    };
-    if (const Value* level = entryOf(runtime, arguments[4], "blendLevel"))
-        options.blendLevel = clampTo(number(*level, "blendLevel"), 0, kOpaque);
-    else if (const Value* percent = entryOf(runtime, arguments[4], "blend"))
-        options.blendLevel = rounded(clampTo(number(*percent, "blend"), 0, 100) * 2.55);
-    if (const Value* ink = entryOf(runtime, arguments[4], "ink")) {
-        const bool copy = ink->is(Kind::Symbol) && ink->symbol() == runtime.symbols.identifier("copy");
-        const int32_t kind = copy ? 0 : number(*ink, "ink");
-        if (kind != 0 && kind != 36)
-            throw HostError("copyPixels: expected the ink 0 or 36, not " + std::to_string(kind));
-        options.leaveOutWhite = kind == 36;
+/// The corners of a quad: a list of four points.
+bool quadOf(const Value& value, Quad& quad) {
+    const auto* list = value.as<ListObject>();
+    if (!list || list->items.size() != quad.size()) return false;
+    for (size_t i = 0; i < quad.size(); ++i) {
+        const auto* point = list->items[i].as<PointObject>();
+        if (!point) return false;
+        quad[i] = {point->values[0].number(), point->values[1].number()};
     }
-    if (const Value* mask = entryOf(runtime, arguments[4], "maskImage")) {
-        options.mask = mask->as<ImageObject>();
-        if (!options.mask)
-            throw HostError("copyPixels: expected an image under #maskImage, not " + kindName(mask->kind()));
-    }
-    if (const Value* offset = entryOf(runtime, arguments[4], "maskOffset")) {
-        const auto* point = offset->as<PointObject>();
-        if (!point)
-            throw HostError("copyPixels: expected a point under #maskOffset, not " +
-                            kindName(offset->kind()));
-        options.maskX = number(point->values[0], "maskOffset");
-        options.maskY = number(point->values[1], "maskOffset");
-    }
-    return options;
+    return true;
 }
 
 Value copyPixelsOver(Runtime& runtime, const Arguments& arguments) {
     auto& target = arguments.object<ImageObject>(0);
     const auto& source = arguments.object<ImageObject>(1);
-    const PixelRect to = pixelRectOf(arguments.object<RectObject>(2));
     const PixelRect from = pixelRectOf(arguments.object<RectObject>(3));
     if (arguments.has(4) && !arguments[4].is(Kind::PropertyList)) arguments.mismatch(4, "a property list");
-    copyPixels(target, source, to, from, copyOptions(runtime, arguments));
+    const auto* list = arguments[4].as<PropertyListObject>();
+    const CopyOptions options = list ? copyOptionsOf(runtime, *list) : CopyOptions();
+    Quad quad;
+    if (quadOf(arguments[2], quad))
+        copyIntoQuad(target, source, quad, from, options);
+    else if (arguments[2].is(Kind::List))
+        arguments.mismatch(2, "a rect or a list of four points");
+    else
+        copyPixels(target, source, pixelRectOf(arguments.object<RectObject>(2)), from, options);
+    return Value();
+}
+
+/// An 8-bit image with one level for each pixel.
+template <class Level>
+Value maskFrom(Runtime& runtime, const ImageObject& picture, Level&& level) {
+    Value made = makeImage(runtime.heap, picture.width(), picture.height(), 8);
+    std::vector<Pixel>& mask = made.as<ImageObject>()->bitmap.pixels;
+    for (size_t i = 0; i < mask.size(); ++i) {
+        const uint8_t grey = level(i);
+        mask[i] = {grey, grey, grey, kOpaque};
+    }
+    return made;
+}
+
+Value createMatte(Runtime& runtime, const Arguments& arguments) {
+    const auto& picture = arguments.object<ImageObject>(0);
+    const std::vector<bool> shown = matteOf(picture, arguments.has(1) ? arguments.integer(1) : 0);
+    return maskFrom(runtime, picture, [&](size_t i) { return shown[i] ? uint8_t{255} : uint8_t{0}; });
+}
+
+/// Black shows, white hides, greys are between.
+Value createMask(Runtime& runtime, const Arguments& arguments) {
+    const auto& picture = arguments.object<ImageObject>(0);
+    return maskFrom(runtime, picture, [&](size_t i) {
+        const Pixel& pixel = picture.bitmap.pixels[i];
+        return static_cast<uint8_t>(255 - (pixel.red * 77 + pixel.green * 151 + pixel.blue * 28) / 256);
+    });
+}
+
+Value trimWhiteSpace(Runtime& runtime, const Arguments& arguments) {
+    const auto& picture = arguments.object<ImageObject>(0);
+    return cropImage(runtime, picture, inkedPart(picture));
+}
+
+Value flood(Runtime&, const Arguments& arguments) {
+    auto& picture = arguments.object<ImageObject>(0);
+    const bool byPoint = arguments[1].is(Kind::Point);
+    const auto whole = [](const Value& value) {
+        return value.isInteger() ? value.integer() : rounded(value.number());
+    };
+    const auto* point = arguments[1].as<PointObject>();
+    const int32_t x = byPoint ? whole(point->values[0]) : arguments.integer(1);
+    const int32_t y = byPoint ? whole(point->values[1]) : arguments.integer(2);
+    floodFill(picture, x, y, arguments.colour(byPoint ? 2 : 3));
+    return Value();
+}
+
+/// Reads a picture file into a member.
+Value importFileInto(Runtime& runtime, const Arguments& arguments) {
+    auto& member = arguments.object<MemberObject>(0);
+    member.image = imageFromFile(runtime, arguments.text(1));
     return Value();
 }
 
@@ -179,13 +183,7 @@ Value crop(Runtime& runtime, const Arguments& arguments) {
 /// The alpha channel as a mask.
 Value extractAlpha(Runtime& runtime, const Arguments& arguments) {
     const auto& picture = arguments.object<ImageObject>(0);
-    Value made = makeImage(runtime.heap, picture.width(), picture.height(), 8);
-    std::vector<Pixel>& mask = made.as<ImageObject>()->bitmap.pixels;
-    std::transform(picture.bitmap.pixels.begin(), picture.bitmap.pixels.end(), mask.begin(),
-                   [](const Pixel& pixel) {
-                       return Pixel{pixel.alpha, pixel.alpha, pixel.alpha, kOpaque};
-                   });
-    return made;
+    return maskFrom(runtime, picture, [&](size_t i) { return picture.bitmap.pixels[i].alpha; });
 }
 
 /// Sets alpha from a mask of the same size or to one level; false if the mask has another size or the image
@@ -206,10 +204,18 @@ Value setAlpha(Runtime&, const Arguments& arguments) {
 }
 
 constexpr Builtin kBuiltins[] = {
-    {"image", 1, 4, image},       {"save", 2, 2, save},
-    {"getPixel", 2, 4, getPixel}, {"setPixel", 3, 4, setPixel},
-    {"fill", 3, 6, fill},         {"copyPixels", 4, 5, copyPixelsOver},
-    {"crop", 2, 2, crop},         {"extractAlpha", 1, 1, extractAlpha},
+    {"image", 1, 4, image},
+    {"save", 2, 2, save},
+    {"getPixel", 2, 4, getPixel},
+    {"setPixel", 3, 4, setPixel},
+    {"copyPixels", 4, 5, copyPixelsOver},
+    {"crop", 2, 2, crop},
+    {"trimWhiteSpace", 1, 1, trimWhiteSpace},
+    {"createMatte", 1, 2, createMatte},
+    {"createMask", 1, 1, createMask},
+    {"floodFill", 3, 4, flood},
+    {"importFileInto", 2, 3, importFileInto},
+    {"extractAlpha", 1, 1, extractAlpha},
     {"setAlpha", 2, 2, setAlpha},
 };
 

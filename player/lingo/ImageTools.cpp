@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/Numbers.h"
 #include "player/lingo/Arithmetic.h"
 
 namespace krl::player {
@@ -13,8 +14,6 @@ constexpr int32_t kFull = 255;
 
 /// `a * b / 255`, rounded.
 int32_t scaled(int32_t a, int32_t b) { return (a * b + 127) / 255; }
-
-bool isWhite(const Pixel& pixel) { return pixel.blue == 255 && pixel.green == 255 && pixel.red == 255; }
 
 /// `upper` over `lower` with straight alpha; `strength` combines the upper alpha with the blend level.
 void layOver(Pixel& lower, const Pixel& upper, int32_t strength, bool lowerUsesAlpha) {
@@ -78,6 +77,112 @@ Value cropImage(Runtime& runtime, const ImageObject& image, const PixelRect& par
     return copyOfPart(runtime, image, part);
 }
 
+namespace {
+
+/// What a copy reads, and how it lays that over a pixel of the target.
+class Brush {
+public:
+    Brush(const ImageObject& target, const ImageObject& source, const PixelRect& from,
+          const CopyOptions& options)
+        : source_(source),
+          from_(from),
+          options_(options),
+          // If an image is copied onto itself, read from a copy.
+          before_(&target == &source ? source.bitmap : Bitmap()),
+          pixels_(&target == &source ? before_ : source.bitmap),
+          sourceAlpha_(source.useAlpha && source.depth == 32),
+          targetAlpha_(target.useAlpha && target.depth == 32) {
+        if (options.ink == Ink::Matte && !sourceAlpha_) matte_ = matteOf(source);
+    }
+    Brush(const Brush&) = delete;
+    Brush& operator=(const Brush&) = delete;
+
+    void lay(Pixel& below, int32_t x, int32_t y) const {
+        if (!source_.holds(x, y)) return;
+        if (!matte_.empty() &&
+            !matte_[static_cast<size_t>(y) * static_cast<size_t>(source_.width()) + static_cast<size_t>(x)])
+            return;
+        const Pixel& pixel = pixels_.row(y)[x];
+        int32_t strength = sourceAlpha_ ? scaled(pixel.alpha, options_.blendLevel) : options_.blendLevel;
+        if (options_.mask) strength = scaled(strength, maskLevel(options_, x, y));
+        Pixel result{};
+        if (inked(options_.ink, options_.colours, pixel, below, result))
+            layOver(below, result, strength, targetAlpha_);
+    }
+
+    /// The source pixel at a share of the part that is copied.
+    void layShare(Pixel& below, double u, double v) const {
+        if (u < 0 || v < 0 || u >= 1 || v >= 1) return;
+        lay(below, truncate(double(from_.left) + u * double(from_.width())),
+            truncate(double(from_.top) + v * double(from_.height())));
+    }
+
+private:
+    const ImageObject& source_;
+    const PixelRect from_;
+    const CopyOptions& options_;
+    const Bitmap before_;
+    const Bitmap& pixels_;
+    const bool sourceAlpha_, targetAlpha_;
+    std::vector<bool> matte_;
+};
+
+/// The map from a quad to the unit square, in perspective: the inverse of the map that takes the corners of
+/// the square to those of the quad.
+class QuadMap {
+public:
+    explicit QuadMap(const Quad& quad) {
+        const auto [x0, y0] = quad[0];
+        const auto [x1, y1] = quad[1];
+        const auto [x2, y2] = quad[2];
+        const auto [x3, y3] = quad[3];
+        const double dx1 = x1 - x2, dx2 = x3 - x2, dx3 = x0 - x1 + x2 - x3;
+        const double dy1 = y1 - y2, dy2 = y3 - y2, dy3 = y0 - y1 + y2 - y3;
+        const double area = dx1 * dy2 - dx2 * dy1;
+        const double g = area == 0 ? 0 : (dx3 * dy2 - dx2 * dy3) / area;
+        const double h = area == 0 ? 0 : (dx1 * dy3 - dx3 * dy1) / area;
+        const double a = x1 - x0 + g * x1, b = x3 - x0 + h * x3, d = y1 - y0 + g * y1, e = y3 - y0 + h * y3;
+        inverse_ = {e - y0 * h,      x0 * h - b,    b * y0 - x0 * e, y0 * g - d,   a - x0 * g,
+                    x0 * d - a * y0, d * h - e * g, b * g - a * h,   a * e - b * d};
+    }
+
+    /// False where the map has no value.
+    bool at(double x, double y, double& u, double& v) const {
+        const double w = inverse_[6] * x + inverse_[7] * y + inverse_[8];
+        if (w == 0) return false;
+        u = (inverse_[0] * x + inverse_[1] * y + inverse_[2]) / w;
+        v = (inverse_[3] * x + inverse_[4] * y + inverse_[5]) / w;
+        return true;
+    }
+
+private:
+    std::array<double, 9> inverse_;
+};
+
+PixelRect boundsOf(const Quad& quad) {
+    const auto [left, right] = std::minmax({quad[0][0], quad[1][0], quad[2][0], quad[3][0]});
+    const auto [top, bottom] = std::minmax({quad[0][1], quad[1][1], quad[2][1], quad[3][1]});
+    return {truncate(std::floor(left)), truncate(std::floor(top)), truncate(std::ceil(right)),
+            truncate(std::ceil(bottom))};
+}
+
+}  // namespace
+
+void copyIntoQuad(ImageObject& target, const ImageObject& source, const Quad& to, const PixelRect& from,
+                  const CopyOptions& options) {
+    const PixelRect seen = boundsOf(to).within(boundsOf(target));
+    if (seen.empty() || from.empty()) return;
+    const Brush brush(target, source, from, options);
+    const QuadMap map(to);
+    for (int64_t y = seen.top; y < seen.bottom; ++y) {
+        Pixel* out = target.bitmap.row(static_cast<int32_t>(y));
+        for (int64_t x = seen.left; x < seen.right; ++x) {
+            double u = 0, v = 0;
+            if (map.at(double(x) + 0.5, double(y) + 0.5, u, v)) brush.layShare(out[x], u, v);
+        }
+    }
+}
+
 void copyPixels(ImageObject& target, const ImageObject& source, const PixelRect& to, const PixelRect& from,
                 const CopyOptions& options) {
     const PixelRect seen = to.within(boundsOf(target));
@@ -86,23 +191,12 @@ void copyPixels(ImageObject& target, const ImageObject& source, const PixelRect&
         sourcePlaces(to.left, to.width(), from.left, from.width(), seen.left, seen.right);
     const std::vector<int32_t> rows =
         sourcePlaces(to.top, to.height(), from.top, from.height(), seen.top, seen.bottom);
-    // If an image is copied onto itself, read from a copy.
-    const Bitmap before = &target == &source ? source.bitmap : Bitmap();
-    const Bitmap& pixels = &target == &source ? before : source.bitmap;
-    const bool sourceAlpha = source.useAlpha && source.depth == 32;
-    const bool targetAlpha = target.useAlpha && target.depth == 32;
+    const Brush brush(target, source, from, options);
     for (int64_t y = seen.top; y < seen.bottom; ++y) {
-        const int32_t sourceY = rows[static_cast<size_t>(y - seen.top)];
         Pixel* out = target.bitmap.row(static_cast<int32_t>(y));
-        for (int64_t x = seen.left; x < seen.right; ++x) {
-            const int32_t sourceX = columns[static_cast<size_t>(x - seen.left)];
-            if (!source.holds(sourceX, sourceY)) continue;
-            const Pixel& pixel = pixels.row(sourceY)[sourceX];
-            if (options.leaveOutWhite && isWhite(pixel)) continue;
-            int32_t strength = sourceAlpha ? scaled(pixel.alpha, options.blendLevel) : options.blendLevel;
-            if (options.mask) strength = scaled(strength, maskLevel(options, sourceX, sourceY));
-            layOver(out[x], pixel, strength, targetAlpha);
-        }
+        for (int64_t x = seen.left; x < seen.right; ++x)
+            brush.lay(out[x], columns[static_cast<size_t>(x - seen.left)],
+                      rows[static_cast<size_t>(y - seen.top)]);
     }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "player/lingo/Runtime.h"
+#include "player/lingo/Inks.h"
 
 /// Image operations for scripts that are independent of the plug-in.
 namespace krl::player {
@@ -25,11 +25,31 @@ Value cropImage(Runtime& runtime, const ImageObject& image, const PixelRect& par
 
 /// Options of `copyPixels`.
 struct CopyOptions {
+    Ink ink = Ink::Copy;
+    InkColours colours;
     int32_t blendLevel = 255;
-    bool leaveOutWhite = false;         ///< ink 36
+    bool levelIsSet = false;            ///< `#blendLevel` goes before `#blend`
     const ImageObject* mask = nullptr;  ///< scales the blend
     int32_t maskX = 0, maskY = 0;       ///< position over the source
 };
+CopyOptions copyOptionsOf(const Runtime& runtime, const PropertyListObject& list);
+std::vector<std::string> copyOptionNames();
+
+/// Four corners of the target: where the upper left, upper right, lower right and lower left of the source
+/// go.
+using Quad = std::array<std::array<double, 2>, 4>;
+/// Copies a part of `source` into a quad, in perspective.
+void copyIntoQuad(ImageObject& target, const ImageObject& source, const Quad& to, const PixelRect& from,
+                  const CopyOptions& options);
+
+/// Which pixels the matte of an image shows: those that no path of white pixels joins to its edge, or, with
+/// alpha, those with more than `level`.
+std::vector<bool> matteOf(const ImageObject& image, int32_t level = 0);
+/// Gives the pixels around `x`, `y` that have its colour another one.
+void floodFill(ImageObject& image, int32_t x, int32_t y, Colour colour);
+/// The smallest part of an image that holds all pixels that are not white.
+PixelRect inkedPart(const ImageObject& image);
+
 /// Copies a part of `source`, stretched to fit, over a part of `target`, through the source's alpha if it
 /// uses alpha.
 void copyPixels(ImageObject& target, const ImageObject& source, const PixelRect& to, const PixelRect& from,

@@ -66,7 +66,8 @@ Interpreter::Interpreter(EmbeddedHost& embedded, Xtra& plugIn, const SessionOpti
       ancestorName_(symbols.identifier("ancestor")),
       tablesName_(symbols.identifier("krlImageCreateLookupTables")) {
     for (const auto& family :
-         {mathBuiltins(), textBuiltins(), listBuiltins(), shapeBuiltins(), imageBuiltins(), systemBuiltins()})
+         {mathBuiltins(), textBuiltins(), listBuiltins(), shapeBuiltins(), imageBuiltins(), drawBuiltins(),
+          systemBuiltins()})
         for (const Builtin& entry : family) {
             const auto id = static_cast<size_t>(symbols.identifier(entry.name));
             if (builtins_.size() <= id) builtins_.resize(id + 1);

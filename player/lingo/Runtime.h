@@ -113,6 +113,7 @@ std::span<const Builtin> textBuiltins();
 std::span<const Builtin> listBuiltins();
 std::span<const Builtin> shapeBuiltins();
 std::span<const Builtin> imageBuiltins();
+std::span<const Builtin> drawBuiltins();
 std::span<const Builtin> systemBuiltins();
 
 /// A property of one type of values, or a system property, which has no object.

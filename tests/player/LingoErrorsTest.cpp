@@ -169,8 +169,14 @@ TEST(LingoErrors, WrongTypesOfValues) {
     EXPECT_EQ(failureOf("  x = [1].integer"), "2:11 a list has no property \"integer\"");
     EXPECT_EQ(failureOf("  x = \"a\".alert"), "2:11 a string has no property \"alert\"");
     const std::string image = "  i = image(2, 2, 32)\n";
-    EXPECT_EQ(failureOf(image + "  i.fill(i.rect, [#shapeType: #oval, #color: rgb(1, 2, 3)])"),
-              "3:5 fill: expected the #shapeType #rect, not #oval");
+    EXPECT_EQ(failureOf(image + "  i.fill(i.rect, [#shapeType: #star, #color: rgb(1, 2, 3)])"),
+              "3:5 fill: expected the #shapeType #rect, #oval, #roundRect or #line, not #star");
+    EXPECT_EQ(failureOf(image + "  i.copyPixels(i, i.rect, i.rect, [#blendLevl: 5])"),
+              "3:5 copyPixels: there is no option #blendLevl, did you mean blendLevel?");
+    EXPECT_EQ(failureOf(image + "  i.copyPixels(i, i.rect, i.rect, [#ink: #darkst])"),
+              "3:5 copyPixels: there is no ink #darkst, did you mean darkest?");
+    EXPECT_EQ(failureOf(image + "  i.copyPixels(i, [1, 2], i.rect)"),
+              "3:5 copyPixels: expected a rect or a list of four points as argument 3, not a list");
     EXPECT_EQ(failureOf(image + "  i.copyPixels(i, i.rect, i.rect, [#maskImage: i, #maskOffset: 1])"),
               "3:5 copyPixels: expected a point under #maskOffset, not an integer");
 }

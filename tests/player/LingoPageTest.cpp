@@ -26,7 +26,8 @@ std::set<std::string> wordsOf(const char* file) {
 TEST(LingoPage, NamesEveryFunctionAndProperty) {
     const std::set<std::string> documented = wordsOf(KRL_SOURCE_DIR "/docs/lingo.md");
     for (const auto& family :
-         {mathBuiltins(), textBuiltins(), listBuiltins(), shapeBuiltins(), imageBuiltins(), systemBuiltins()})
+         {mathBuiltins(), textBuiltins(), listBuiltins(), shapeBuiltins(), imageBuiltins(), drawBuiltins(),
+          systemBuiltins()})
         for (const Builtin& entry : family) EXPECT_EQ(documented.count(entry.name), 1u) << entry.name;
     for (const auto& family : {objectProperties(), systemProperties()})
         for (const PropertyEntry& entry : family) EXPECT_EQ(documented.count(entry.name), 1u) << entry.name;
