@@ -81,6 +81,20 @@ private:
         return 2;
     }
 
+    static void addLimits(CLI::App& app, SessionOptions& session) {
+        app.add_option("--steps", session.stepLimit, "Stop after N statements (default: no limit)")
+            ->type_name("N")
+            ->check(CLI::Range(uint64_t{1}, uint64_t{1} << 62).description(""));
+        app.add_option_function<uint64_t>(
+               "--memory", [&session](uint64_t megabytes) { session.memoryLimit = megabytes << 20; },
+               "Stop at N MB of values and images (default 4096)")
+            ->type_name("N")
+            ->check(CLI::Range(1, 1 << 24).description(""));
+        app.add_option("--depth", session.recursionLimit, "Stop at N nested handler calls (default 400)")
+            ->type_name("N")
+            ->check(CLI::Range(1, 100000).description(""));
+    }
+
     void addRun() {
         CLI::App& app =
             command("run", "Run a Lingo script, starting at its handler main or its first handler",
@@ -91,7 +105,13 @@ private:
         addPath(app, "--cast", run_.session.castFolder, "DIR", "Also look for members in DIR");
         addPath(app, "-o,--output", run_.session.outputFolder, "DIR",
                 "Save pictures with relative names to DIR");
+        addChoice(app, "--stageless", run_.stageless, "refuse|ignore",
+                  "Refuse what needs a stage (default), or read VOID and go on");
+        app.add_option("--frames", run_.session.frames, "Run N frames after the start (default 0)")
+            ->type_name("N")
+            ->check(CLI::Range(0, 1000000).description(""));
         addTimeout(app, run_.timeout);
+        addLimits(app, run_.session);
         addSession(app, run_.session, run_.threads);
     }
 

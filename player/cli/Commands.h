@@ -39,7 +39,7 @@ struct RunOptions {
     /// Seconds after which the program ends; 0 for no limit.
     double timeout = 0;
     SessionOptions session;
-    std::string threads;  ///< as given
+    std::string threads, stageless;  ///< as given
 };
 /// Runs a script.
 int runScript(const RunOptions& options, const Terminal& terminal);

@@ -10,6 +10,7 @@ int runScript(const RunOptions& options, const Terminal& terminal) {
     SessionOptions settings = options.session;
     settings.output = &terminal.out;
     settings.alerts = &terminal.err;
+    if (options.stageless == "ignore") settings.stageless = Stageless::Ignore;
     // Create the folder first: failing after the script has run would lose its results.
     if (!settings.outputFolder.empty()) makeFolder(settings.outputFolder);
     // Files that the user names are meant for the script.

@@ -62,6 +62,8 @@ private:
     int ofObjects(const Value& a, const Value& b, int depth) const {
         if (a.sameWords(b)) return 0;
         switch (a.kind()) {
+            case Kind::Colour:
+                return sign(a.colour().word, b.colour().word);
             case Kind::List:
                 return ofSequences(a.as<ListObject>()->items, b.as<ListObject>()->items, depth);
             case Kind::PropertyList:
@@ -93,6 +95,10 @@ private:
 
     const SymbolTable& symbols_;
 };
+
+bool sameKey(const SymbolTable& symbols, const Value& a, const Value& b) {
+    return a.is(Kind::String) ? textOf(symbols, a) == textOf(symbols, b) : equal(symbols, a, b);
+}
 
 }  // namespace
 
@@ -135,9 +141,23 @@ int compare(const SymbolTable& symbols, const Value& a, const Value& b) {
 
 const PropertyListObject::Entry* findEntry(const SymbolTable& symbols, const PropertyListObject& list,
                                            const Value& key) {
-    for (const PropertyListObject::Entry& entry : list.entries)
-        if (entry.key.kind() == key.kind() && equal(symbols, entry.key, key)) return &entry;
-    return nullptr;
+    bool certain;
+    const PropertyListObject::Entry* first = list.guess(key, certain);
+    if (certain) return nullptr;
+    if (first && first->key.kind() == key.kind() && sameKey(symbols, first->key, key)) return first;
+    const bool named = key.is(Kind::String) || key.is(Kind::Symbol);
+    const PropertyListObject::Entry* other = nullptr;
+    for (const PropertyListObject::Entry& entry : list.entries) {
+        const Kind kind = entry.key.kind();
+        if (kind == key.kind()) {
+            if (kind == Kind::Symbol ? entry.key.symbol() == key.symbol() : sameKey(symbols, entry.key, key))
+                return &entry;
+        } else if (named && !other && (kind == Kind::String || kind == Kind::Symbol) &&
+                   compareText(textOf(symbols, entry.key), textOf(symbols, key)) == 0) {
+            other = &entry;
+        }
+    }
+    return other;
 }
 
 }  // namespace krl::player

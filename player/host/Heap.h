@@ -53,6 +53,12 @@ public:
     bool retain(const ScriptValue& words);
     bool release(const ScriptValue& words) noexcept;
 
+    /// Whether nothing else refers to the object behind `words`.
+    bool isSole(const ScriptValue& words) const {
+        const Slot* slot = at(words);
+        return slot && slot->references == 1;
+    }
+
     /// Throws before an allocation that would exceed the limit.
     void mustHold(uint64_t moreBytes) const;
     /// Updates the size of an object after it has grown.

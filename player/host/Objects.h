@@ -1,7 +1,9 @@
 #pragma once
 
 #include <array>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "player/host/Heap.h"
@@ -13,9 +15,26 @@ namespace krl::player {
 struct StringObject : Object {
     static constexpr Kind kKind = Kind::String;
     explicit StringObject(std::string characters) : text(std::move(characters)) {}
-    size_t bytes() const override { return sizeof(*this) + text.capacity(); }
+    size_t bytes() const override {
+        return sizeof(*this) + text.capacity() + (index_ ? index_->capacity() * sizeof(size_t) : 0);
+    }
 
-    std::string text;
+    /// Appends to the text, which nothing else may hold.
+    void append(std::string_view more);
+    /// The number of characters.
+    size_t length() const;
+    /// The byte where the character `number`, from 0, begins; the end of the text if there are fewer.
+    size_t beginOfChar(size_t number) const;
+
+    std::string text;  ///< changed only by `append`
+
+private:
+    static constexpr size_t kStep = 64;
+    void survey() const;
+
+    /// In a text beyond ASCII, the byte of every 64th character.
+    mutable std::unique_ptr<std::vector<size_t>> index_;
+    mutable size_t length_ = 0, surveyed_ = 0;
 };
 
 struct ListObject : Object {
@@ -44,8 +63,21 @@ struct PropertyListObject : Object {
     }
     void dropChildren() override { entries.clear(); }
 
+    /// The first entry that may have `key`, from an index once there are many; sets `certain` where no other
+    /// can.
+    const Entry* guess(const Value& key, bool& certain) const;
+    /// To be called after entries were removed, moved or inserted before others.
+    void reordered() { index_.reset(); }
+
     std::vector<Entry> entries;
     bool sorted = false;
+
+private:
+    struct Index;
+    struct IndexDeleter {
+        void operator()(Index* index) const;
+    };
+    mutable std::unique_ptr<Index, IndexDeleter> index_;
 };
 
 /// A point is two numbers, a rect four: `locH, locV` and `left, top, right, bottom`.

@@ -32,7 +32,14 @@ enum class Kind : uint8_t {
     Script,
     ScriptInstance,
     Member,
+    Vector,
+    Date,
+    ByteArray,
+    Environment,
 };
+
+/// How a script wrote a colour, which decides how it is shown.
+enum class ColourForm : uint8_t { Rgb, Color, PaletteIndex };
 
 /// The two words of a value: the kind in the low byte of the first with, above it, the generation
 /// of the heap slot; the payload or the slot's number in the second. A slot's generation goes up
@@ -58,7 +65,12 @@ public:
     static Value truth(bool holds) { return integer(holds ? 1 : 0); }
     static Value symbol(SymbolId id) { return Value(wordsOf(Kind::Symbol, 0, static_cast<uint32_t>(id))); }
     static Value colour(Colour colour) { return Value(wordsOf(Kind::Colour, 0, colour.word & 0xFFFFFFu)); }
-    /// VOID as in a variable that was never assigned.
+    /// A colour in another form; `index` is that in the palette. The form is kept beside the kind, where the
+    /// plug-in sees no part of the colour.
+    static Value colour(Colour colour, ColourForm form, uint8_t index = 0) {
+        const uint32_t beside = static_cast<uint32_t>(form) << 8 | index;
+        return Value(wordsOf(Kind::Colour, beside, colour.word & 0xFFFFFFu));
+    }  /// VOID as in a variable that was never assigned.
     static Value unassigned() { return Value(wordsOf(Kind::Void, 0, 1)); }
     /// Takes over the reference of `words`.
     static Value adopting(Heap& heap, ScriptValue words) {
@@ -97,6 +109,8 @@ public:
     int32_t integer() const { return words_.words[1]; }
     SymbolId symbol() const { return words_.words[1]; }
     Colour colour() const { return Colour(static_cast<uint32_t>(words_.words[1])); }
+    ColourForm colourForm() const { return static_cast<ColourForm>(generationOf(words_) >> 8); }
+    uint8_t paletteIndex() const { return static_cast<uint8_t>(generationOf(words_)); }
     /// An integer or a float as a real.
     double number() const;
 

@@ -11,8 +11,9 @@ namespace krl::player {
 
 namespace {
 
-constexpr const char* kSigns[] = {"+", "-", "*",  "/",  "mod",      "&",      "&&",  "=", "<>",
-                                  "<", ">", "<=", ">=", "contains", "starts", "intersects", "within", "and", "or"};
+constexpr const char* kSigns[] = {"+",      "-",          "*",      "/",   "mod", "&",  "&&",
+                                  "=",      "<>",         "<",      ">",   "<=",  ">=", "contains",
+                                  "starts", "intersects", "within", "and", "or"};
 
 const char* signOf(Operator operation) { return kSigns[static_cast<size_t>(operation)]; }
 
@@ -73,6 +74,7 @@ public:
         if (isSequence(a) || isSequence(b)) return ofSequences(a, b, depth);
         if (a.is(Kind::Colour) && (b.is(Kind::Colour) || b.isInteger()) && operation_ <= Operator::Multiply)
             return ofColours(a.colour(), b);
+        if (a.is(Kind::Vector) || b.is(Kind::Vector)) return ofVectors(a, b);
         Value first, second;
         if (!numberIn(a, first, runtime_.heap) || !numberIn(b, second, runtime_.heap)) refuse(a, b);
         if (first.isInteger() && second.isInteger())
@@ -84,6 +86,22 @@ private:
     [[noreturn]] void refuse(const Value& a, const Value& b) const {
         throw HostError(std::string("expected numbers on both sides of \"") + signOf(operation_) +
                         "\", not " + kindName(a.kind()) + " and " + kindName(b.kind()));
+    }
+
+    /// Part by part; the product of two vectors is one number.
+    Value ofVectors(const Value& a, const Value& b) const {
+        using Parts = std::array<double, 3>;
+        const auto parts = [&](const Value& value) {
+            if (const auto* vector = value.as<VectorObject>()) return vector->parts;
+            if (!value.isNumber()) refuse(a, b);
+            return Parts{value.number(), value.number(), value.number()};
+        };
+        const Parts first = parts(a), second = parts(b);
+        Parts results;
+        for (size_t i = 0; i < results.size(); ++i) results[i] = reals(operation_, first[i], second[i]);
+        const bool dot = operation_ == Operator::Multiply && a.is(Kind::Vector) && b.is(Kind::Vector);
+        if (dot) return runtime_.heap.number(results[0] + results[1] + results[2]);
+        return runtime_.heap.make<VectorObject>(results);
     }
 
     Value ofColours(Colour a, const Value& other) const {
@@ -203,7 +221,8 @@ Value operate(Runtime& runtime, Operator operation, const Value& left, const Val
         }
         case Operator::Intersects:
         case Operator::Within:
-            throw HostError(std::string("\"") + signOf(operation) + "\" compares sprites, which need a stage");
+            throw HostError(std::string("\"") + signOf(operation) +
+                            "\" compares sprites, which need a stage");
         case Operator::Add:
         case Operator::Subtract:
         case Operator::Multiply:

@@ -94,6 +94,18 @@ Stretch findChunk(std::string_view text, ChunkKind kind, int32_t first, int32_t 
     return found;
 }
 
+int32_t countIn(const StringObject& text, ChunkKind kind, char itemDelimiter) {
+    return kind == ChunkKind::Char ? static_cast<int32_t>(text.length())
+                                   : countChunks(text.text, kind, itemDelimiter);
+}
+
+Stretch findIn(const StringObject& text, ChunkKind kind, int32_t first, int32_t last, char itemDelimiter) {
+    if (kind != ChunkKind::Char) return findChunk(text.text, kind, first, last, itemDelimiter);
+    first = std::max(first, 1);
+    if (last < first) return {text.text.size(), text.text.size()};
+    return {text.beginOfChar(static_cast<size_t>(first - 1)), text.beginOfChar(static_cast<size_t>(last))};
+}
+
 std::pair<int32_t, int32_t> rangeOf(std::string_view text, ChunkKind kind, int32_t first, int32_t last,
                                     char itemDelimiter) {
     if (first >= 0 && last >= 0) return {first, last};

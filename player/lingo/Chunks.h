@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "player/host/Objects.h"
 #include "player/lingo/Syntax.h"
 
 /// Chars, words, items and lines of a text, counted from 1. A char is one UTF-8 character.
@@ -17,6 +18,10 @@ struct Stretch {
 };
 
 int32_t countChunks(std::string_view text, ChunkKind kind, char itemDelimiter);
+
+/// The same for a text that knows where its characters are.
+int32_t countIn(const StringObject& text, ChunkKind kind, char itemDelimiter);
+Stretch findIn(const StringObject& text, ChunkKind kind, int32_t first, int32_t last, char itemDelimiter);
 
 /// The range that a script means: a negative number is the last chunk.
 std::pair<int32_t, int32_t> rangeOf(std::string_view text, ChunkKind kind, int32_t first, int32_t last,

@@ -3,6 +3,7 @@
 #include "player/lingo/Arithmetic.h"
 #include "player/lingo/Chunks.h"
 #include "player/lingo/InterpreterScopes.h"
+#include "player/lingo/StageNames.h"
 
 /// Expressions.
 namespace krl::player {
@@ -48,8 +49,8 @@ Value Interpreter::evaluate(const Expression& expression) {
             return evaluateChunk(static_cast<const ChunkExpression&>(expression));
         case ExpressionKind::ChunkCount: {
             const auto& chunk = static_cast<const ChunkExpression&>(expression);
-            const std::string whole = plain(evaluate(*chunk.source));
-            return Value::integer(countChunks(whole, chunk.chunk, settings.itemDelimiter));
+            const Value whole = asText(evaluate(*chunk.source));
+            return Value::integer(countIn(*whole.as<StringObject>(), chunk.chunk, settings.itemDelimiter));
         }
     }
     return Value();
@@ -58,7 +59,7 @@ Value Interpreter::evaluate(const Expression& expression) {
 Value Interpreter::evaluateVariable(const VariableExpression& expression) {
     if (expression.scope == VariableScope::Local) {
         const Value& local = frame().locals[static_cast<size_t>(expression.slot)];
-        if (!local.isUnassigned()) return local;
+        return local.isUnassigned() ? Value() : local;
     } else if (const Value* found = variable(expression)) {
         return *found;
     } else if (expression.scope == VariableScope::Global) {
@@ -71,10 +72,10 @@ Value Interpreter::evaluateVariable(const VariableExpression& expression) {
 Value Interpreter::evaluateBinary(const BinaryExpression& expression) {
     const Value left = evaluate(*expression.left);
     const Value right = evaluate(*expression.right);
-    Value result;
+    Value found;
     const bool integers = left.isInteger() && right.isInteger();
-    if (integers && operateOnIntegers(expression.operation, left.integer(), right.integer(), result))
-        return result;
+    if (integers && operateOnIntegers(expression.operation, left.integer(), right.integer(), found))
+        return found;
     place_ = expression.place;
     return operate(*this, expression.operation, left, right);
 }
@@ -107,6 +108,9 @@ Value Interpreter::evaluateProperty(const PropertyExpression& expression) {
 
 Value Interpreter::property(const Value& object, SymbolId name, Place place) {
     place_ = place;
+    if (const auto* environment = object.as<EnvironmentObject>())
+        return environmentProperty(*environment, name);
+    if (skipsStage() && object.isVoid()) return Value();
     if (const auto* list = object.as<PropertyListObject>())
         if (const auto* entry = findEntry(symbols, *list, Value::symbol(name))) return entry->value;
     if (const Value* found = instanceProperty(object, name)) return *found;
@@ -114,6 +118,17 @@ Value Interpreter::property(const Value& object, SymbolId name, Place place) {
     if (const Builtin* function = functionAsProperty(object.kind(), name))
         return callBuiltin(*function, {&object, 1});
     unknownProperty(object, name);
+}
+
+Value Interpreter::propertyNamed(const Value& object, const Value& name) {
+    return property(object, symbols.identifier(plain(name)), place_);
+}
+
+void Interpreter::setPropertyNamed(const Value& object, const Value& name, const Value& value) {
+    const SymbolId property = symbols.identifier(plain(name));
+    Value* place = instanceProperty(object, property);
+    if (!place) unknownProperty(object, property);
+    const Value gone = std::exchange(*place, value);
 }
 
 /// A function of one number, string or symbol can be written as a property: `"12".integer`.
@@ -128,20 +143,39 @@ const Builtin* Interpreter::functionAsProperty(Kind kind, SymbolId name) const {
     return nullptr;
 }
 
+/// The last ancestor can be a property list.
 Value* Interpreter::instanceProperty(const Value& object, SymbolId name) {
-    Value* found = nullptr;
-    alongAncestors(object, [&](PropertyHolder& holder, const Value&) {
-        found = holder.property(name);
-        return found != nullptr;
-    });
-    return found;
+    Value at = object;
+    for (int links = 0; links < kDeepestNesting; ++links) {
+        if (auto* list = at.as<PropertyListObject>(); list && links > 0) {
+            const auto* entry = findEntry(symbols, *list, Value::symbol(name));
+            return entry ? const_cast<Value*>(&entry->value) : nullptr;
+        }
+        PropertyHolder* holder = holderOf(at);
+        if (!holder) return nullptr;
+        if (Value* found = holder->property(name)) return found;
+        if (name == ancestorName_) return &holder->ancestor;
+        at = Value(ancestorOf(*holder));
+    }
+    return nullptr;
+}
+
+/// A global variable, or the system property of that name.
+Value Interpreter::environmentProperty(const EnvironmentObject& environment, SymbolId name) {
+    if (std::string_view(environment.name) != "_global") return systemProperty(name);
+    const auto found = globals_.find(name);
+    return found == globals_.end() ? Value() : found->second;
 }
 
 Value Interpreter::evaluateSystemProperty(const PropertyExpression& expression) {
     place_ = expression.place;
-    if (const PropertyEntry* entry = propertyOf(Kind::Void, expression.name))
-        return entry->read(*this, Value());
-    const std::string& name = symbols.spelling(expression.name);
+    return systemProperty(expression.name);
+}
+
+Value Interpreter::systemProperty(SymbolId property) {
+    if (const PropertyEntry* entry = propertyOf(Kind::Void, property)) return entry->read(*this, Value());
+    const std::string& name = symbols.spelling(property);
+    if (const char* need = neededBy(name)) return missing(need, property, nullptr);
     throw HostError("there is no \"the " + name + '"' + didYouMean(name, propertyNames(Kind::Void)));
 }
 
@@ -149,6 +183,8 @@ Value Interpreter::evaluateIndex(const IndexExpression& expression) {
     const Value object = evaluate(*expression.object);
     const Value index = evaluate(*expression.index);
     place_ = expression.place;
+    if (skipsStage() && object.isVoid()) return Value();
+    if (holderOf(object) && index.is(Kind::Symbol)) return property(object, index.symbol(), expression.place);
     return elementOf(*this, object, index);
 }
 
@@ -161,11 +197,15 @@ Value Interpreter::evaluateChunk(const ChunkExpression& expression) {
         const Value inner = property(source, name, expression.place);
         return expression.first ? elementOf(*this, inner, evaluate(*expression.first)) : inner;
     }
-    const std::string whole = plain(source);
-    const auto [first, last] = chunkRange(expression, whole);
+    const Value held = asText(source);
+    const auto& whole = *held.as<StringObject>();
+    const auto [first, last] = chunkRange(expression, whole.text);
     return text(
-        std::string(findChunk(whole, expression.chunk, first, last, settings.itemDelimiter).of(whole)));
+        std::string(findIn(whole, expression.chunk, first, last, settings.itemDelimiter).of(whole.text)));
 }
+
+/// The value itself if it is a string, so that its index of characters is used again.
+Value Interpreter::asText(const Value& value) { return value.is(Kind::String) ? value : text(plain(value)); }
 
 std::pair<int32_t, int32_t> Interpreter::chunkRange(const ChunkExpression& expression,
                                                     const std::string& whole) {

@@ -3,6 +3,7 @@
 #include "player/lingo/Arithmetic.h"
 #include "player/lingo/Chunks.h"
 #include "player/lingo/InterpreterScopes.h"
+#include "player/lingo/StageNames.h"
 
 /// Statements and assignments.
 namespace krl::player {
@@ -23,7 +24,7 @@ Interpreter::Flow Interpreter::execute(const Statement& statement) {
             return Flow::Onward;
         case StatementKind::Assign: {
             const auto& assignment = static_cast<const AssignStatement&>(statement);
-            assign(*assignment.target, evaluate(*assignment.value));
+            if (!growInPlace(assignment)) assign(*assignment.target, evaluate(*assignment.value));
             return Flow::Onward;
         }
         case StatementKind::Put:
@@ -144,8 +145,67 @@ void Interpreter::put(const PutStatement& statement) {
     writeLines(output, line + '\n');
 }
 
+/// The string in a variable, if nothing else holds it.
+StringObject* Interpreter::growable(const Expression& target) {
+    if (target.kind != ExpressionKind::Variable) return nullptr;
+    const Value* held = variable(static_cast<const VariableExpression&>(target));
+    return held && held->is(Kind::String) && heap.isSole(held->words()) ? held->as<StringObject>() : nullptr;
+}
+
+void Interpreter::grow(StringObject& text, const std::string& more) {
+    const size_t whole = text.text.size() + more.size();
+    if (whole > text.text.capacity()) heap.mustHold(whole);
+    text.append(more);
+    heap.recount(text);
+}
+
+namespace {
+
+bool joins(const Expression& expression) {
+    if (expression.kind != ExpressionKind::Binary) return false;
+    const Operator operation = static_cast<const BinaryExpression&>(expression).operation;
+    return operation == Operator::Concatenate || operation == Operator::ConcatenateSpaced;
+}
+
+/// The slot of the local variable that a joined text begins with; -1 for anything else.
+int firstSlot(const Expression& expression) {
+    const Expression* at = &expression;
+    while (joins(*at)) at = static_cast<const BinaryExpression&>(*at).left.get();
+    if (at == &expression || at->kind != ExpressionKind::Variable) return -1;
+    const auto& name = static_cast<const VariableExpression&>(*at);
+    return name.scope == VariableScope::Local ? name.slot : -1;
+}
+
+}  // namespace
+
+/// What a joined text adds to the variable that it begins with.
+std::string Interpreter::addedText(const Expression& joined) {
+    if (!joins(joined)) return "";
+    const auto& sum = static_cast<const BinaryExpression&>(joined);
+    std::string added = addedText(*sum.left);
+    if (sum.operation == Operator::ConcatenateSpaced) added += ' ';
+    return added += plain(evaluate(*sum.right));
+}
+
+/// `s = s & x` with a local variable, whose string grows where it is.
+bool Interpreter::growInPlace(const AssignStatement& statement) {
+    if (!joins(*statement.value) || !growable(*statement.target)) return false;
+    const auto& target = static_cast<const VariableExpression&>(*statement.target);
+    if (target.scope != VariableScope::Local || firstSlot(*statement.value) != target.slot) return false;
+    const std::string added = addedText(*statement.value);
+    place_ = statement.value->place;
+    // What was evaluated may have taken hold of the string.
+    if (StringObject* grown = growable(target))
+        grow(*grown, added);
+    else
+        assign(target, text(plain(evaluateVariable(target)) + added));
+    return true;
+}
+
 void Interpreter::putInto(const AssignStatement& statement) {
     Value value = evaluate(*statement.value);
+    if (StringObject* text = statement.mode == PutMode::After ? growable(*statement.target) : nullptr)
+        return grow(*text, plain(value));
     if (statement.mode == PutMode::Into) return assign(*statement.target, std::move(value));
     // An unassigned variable counts as an empty string here.
     std::string present;
@@ -166,25 +226,48 @@ void Interpreter::assign(const Expression& target, Value value) {
             return assignProperty(static_cast<const PropertyExpression&>(target), value);
         case ExpressionKind::SystemProperty: {
             const auto& property = static_cast<const PropertyExpression&>(target);
-            const PropertyEntry* entry = propertyOf(Kind::Void, property.name);
             place_ = target.place;
-            if (!entry || !entry->write)
-                throw HostError("\"the " + symbols.spelling(property.name) + "\" cannot be set");
-            return entry->write(*this, Value(), value);
+            return setSystemProperty(property.name, value);
         }
         case ExpressionKind::Index: {
             const auto& index = static_cast<const IndexExpression&>(target);
             const Value object = evaluate(*index.object), place = evaluate(*index.index);
             place_ = target.place;
-            return setElement(*this, object, place, value);
+            if (skipsStage() && object.isVoid()) return;
+            return setItem(object, place, value);
+        }
+        case ExpressionKind::Call: {
+            // `put text into field "name"`
+            const auto& call = static_cast<const CallExpression&>(target);
+            if (call.arguments.empty() || call.name != symbols.identifier("field")) break;
+            const Value name = evaluate(*call.arguments.front());
+            place_ = target.place;
+            return setMemberText(*this, callByName(symbols.identifier("member"), {&name, 1}, false), value);
         }
         case ExpressionKind::Chunk:
             return assignChunk(static_cast<const ChunkExpression&>(target), plain(value));
         default:
-            // `put x into member("name").image[1]` and the like end up here when nested in a chunk.
-            place_ = target.place;
-            throw HostError("cannot assign to this");
+            break;
     }
+    // `put x into member("name").image[1]` and the like end up here when nested in a chunk.
+    place_ = target.place;
+    throw HostError("cannot assign to this");
+}
+
+void Interpreter::setSystemProperty(SymbolId name, const Value& value) {
+    const PropertyEntry* entry = propertyOf(Kind::Void, name);
+    if (entry && entry->write) return entry->write(*this, Value(), value);
+    const std::string& spelled = symbols.spelling(name);
+    const char* need = entry ? nullptr : neededBy(spelled);
+    if (!need) throw HostError("\"the " + spelled + "\" cannot be set");
+    missing(need, name, nullptr);
+}
+
+/// `object[index] = value`
+void Interpreter::setItem(const Value& object, const Value& index, const Value& value) {
+    Value* property = index.is(Kind::Symbol) ? instanceProperty(object, index.symbol()) : nullptr;
+    if (!property) return setElement(*this, object, index, value);
+    const Value gone = std::exchange(*property, value);
 }
 
 Value* Interpreter::variable(const VariableExpression& expression) {
@@ -229,6 +312,12 @@ void Interpreter::assignProperty(const PropertyExpression& target, const Value& 
         *place = value;
         return;
     }
+    if (const auto* environment = object.as<EnvironmentObject>()) {
+        if (std::string_view(environment->name) != "_global") return setSystemProperty(target.name, value);
+        globals_[target.name] = value;
+        return;
+    }
+    if (skipsStage() && object.isVoid()) return;
     if (object.is(Kind::Colour)) return assign(*target.object, withChannel(object, target.name, value));
     const PropertyEntry* entry = propertyOf(object.kind(), target.name);
     if (!entry) unknownProperty(object, target.name);

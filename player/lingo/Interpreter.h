@@ -5,6 +5,7 @@
 #include <map>
 #include <unordered_map>
 
+#include "player/lingo/Parser.h"
 #include "player/lingo/Runtime.h"
 #include "player/lingo/Session.h"
 
@@ -35,12 +36,21 @@ public:
     void close();
 
     Value send(SymbolId name, std::span<const Value> arguments) override;
+    bool responds(const Value& object, SymbolId name) const override;
+    Value sendToAncestor(SymbolId name, std::span<const Value> arguments) override;
+    void runText(const std::string& text) override;
+    std::vector<std::string> castMemberNames() const override;
     Value valueOf(const std::string& text) override;
     Value scriptNamed(const std::string& name) override;
     Value memberNamed(const std::string& name) override;
+    Value propertyNamed(const Value& object, const Value& name) override;
+    void setPropertyNamed(const Value& object, const Value& name, const Value& value) override;
     Value newInstance(const Value& script, std::span<const Value> arguments) override;
     std::span<const Value> handlerArguments() const override;
     void clearGlobals() override { globals_.clear(); }
+
+    /// How often each name was skipped for want of a stage.
+    const std::map<std::string, int64_t>& skipped() const { return skipped_; }
 
 private:
     /// How a statement ended.
@@ -71,12 +81,17 @@ private:
     /// Runs the body once; false when the loop ends with `flow`.
     bool goOn(const RepeatStatement& statement, Flow& flow);
     void put(const PutStatement& statement);
+    StringObject* growable(const Expression& target);
+    void grow(StringObject& text, const std::string& more);
+    std::string addedText(const Expression& joined);
+    bool growInPlace(const AssignStatement& statement);
     void putInto(const AssignStatement& statement);
 
     // Assignment.
     void assign(const Expression& target, Value value);
     void assignVariable(const VariableExpression& target, Value value);
     void assignProperty(const PropertyExpression& target, const Value& value);
+    void setItem(const Value& object, const Value& index, const Value& value);
     Value withChannel(const Value& colour, SymbolId name, const Value& level);
     void assignChunk(const ChunkExpression& target, const std::string& text);
     void remove(const Expression& target);
@@ -92,14 +107,20 @@ private:
     Value evaluateProperty(const PropertyExpression& expression);
     Value evaluateSystemProperty(const PropertyExpression& expression);
     Value evaluateIndex(const IndexExpression& expression);
+    Value asText(const Value& value);
     Value evaluateChunk(const ChunkExpression& expression);
     std::pair<int32_t, int32_t> chunkRange(const ChunkExpression& expression, const std::string& text);
     Value property(const Value& object, SymbolId name, Place place);
-    void setProperty(const Value& object, SymbolId name, const Value& value);
+    Value environmentProperty(const EnvironmentObject& environment, SymbolId name);
+    Value systemProperty(SymbolId name);
+    void setSystemProperty(SymbolId name, const Value& value);
     /// Finds a property in a script, an instance or its ancestors; null if there is none.
     Value* instanceProperty(const Value& object, SymbolId name);
     /// Visits a script or an instance and then its ancestors until `visit` returns true.
-    bool alongAncestors(const Value& object, const std::function<bool(PropertyHolder&, const Value&)>& visit);
+    bool alongAncestors(const Value& object,
+                        const std::function<bool(PropertyHolder&, const Value&)>& visit) const;
+    static PropertyHolder* holderOf(const Value& object);
+    Value& ancestorOf(PropertyHolder& holder) const;
 
     // Calls.
     Value evaluateCall(const CallExpression& expression);
@@ -114,11 +135,18 @@ private:
     const PropertyEntry* propertyOf(Kind kind, SymbolId name) const;
     const Builtin* functionAsProperty(Kind kind, SymbolId name) const;
     [[noreturn]] void unknownCall(SymbolId name, std::span<const Value> arguments, bool asMethod);
+    bool skipsStage() const;
+    Value missing(const char* need, SymbolId name, const std::span<const Value>* arguments);
     [[noreturn]] void unknownVariable(const VariableExpression& expression);
     [[noreturn]] void unknownProperty(const Value& object, SymbolId name);
     std::vector<std::string> functionNames() const;
     std::vector<std::string> propertyNames(Kind kind) const;
 
+    SymbolId methodWritten(SymbolId name);
+    ExpressionPointer sentTo(SymbolId receiver, Expression& written, const Source& source);
+    Surroundings surroundings() const;
+    Value runInFrame(std::unique_ptr<Script> syntax);
+    void runBody(Frame& made);
     LoadedScript makeScript(const std::string& name, std::unique_ptr<Script> syntax);
     Frame& frame() { return *frame_; }
     ScriptError placed(const std::string& message) const;
@@ -130,6 +158,7 @@ private:
     std::unordered_map<SymbolId, Value> globals_;
     std::vector<const Builtin*> builtins_;  ///< by symbol
     std::unordered_map<uint64_t, const PropertyEntry*> properties_;
+    std::map<std::string, int64_t> skipped_;  ///< what needed a stage
     const LoadedScript* movie_ = nullptr;
     SymbolId newName_, ancestorName_, tablesName_;
     Frame* frame_ = nullptr;

@@ -4,6 +4,7 @@
 #include "player/host/HostError.h"
 #include "player/lingo/Arithmetic.h"
 #include "player/lingo/Chunks.h"
+#include "player/lingo/Elements.h"
 #include "player/lingo/ImageTools.h"
 
 /// Linear and property lists.
@@ -11,48 +12,41 @@ namespace krl::player {
 
 namespace {
 
-using Entry = PropertyListObject::Entry;
-
-size_t countOf(const Value& value) {
-    if (const auto* list = value.as<ListObject>()) return list->items.size();
-    if (const auto* properties = value.as<PropertyListObject>()) return properties->entries.size();
-    if (value.is(Kind::Point)) return PointObject::kCount;
-    return value.is(Kind::Rect) ? RectObject::kCount : 0;
-}
-
-/// Converts an index from 1 to an offset; throws if it is out of range.
-size_t placeIn(size_t count, int32_t index, const char* function) {
-    if (index >= 1 && static_cast<size_t>(index) <= count) return static_cast<size_t>(index - 1);
-    throw HostError(std::string(function) + ": expected an index from 1 to " + std::to_string(count) +
-                    ", not " + std::to_string(index));
-}
-
-int32_t numberOf(const Value& index) {
-    if (!index.isNumber())
-        throw HostError("expected a number between the brackets, not " + kindName(index.kind()));
-    return index.isInteger() ? index.integer() : rounded(index.number());
+PropertyHolder* holderIn(const Value& value) {
+    if (PropertyHolder* instance = value.as<InstanceObject>()) return instance;
+    return value.as<ScriptObject>();
 }
 
 [[noreturn]] void noProperty(const Runtime& runtime, const Value& key) {
     throw HostError("the list has no property " + shownText(runtime.style(), key));
 }
 
-Entry* entryUnder(Runtime& runtime, PropertyListObject& list, const Value& key) {
-    return const_cast<Entry*>(findEntry(runtime.symbols, list, key));
+/// The kind of chunk that a symbol such as #word names.
+ChunkKind chunkNamed(const Runtime& runtime, const Arguments& arguments, size_t index) {
+    static constexpr const char* names[] = {"char", "word", "item", "line"};
+    const std::string& wanted = runtime.symbols.spelling(arguments.symbol(index));
+    for (int i = 0; i < 4; ++i)
+        if (compareText(wanted, names[i]) == 0) return static_cast<ChunkKind>(i);
+    arguments.mismatch(index, "#char, #word, #item or #line");
 }
 
-/// The position for `wanted` in a sorted sequence: before the first greater element.
-template <class Sequence, class Key>
-auto sortedPlace(const Runtime& runtime, Sequence& sequence, const Value& wanted, Key key) {
-    return std::find_if(sequence.begin(), sequence.end(),
-                        [&](const auto& item) { return compare(runtime.symbols, key(item), wanted) > 0; });
+/// The value of the property that argument 1 names.
+Value inner(Runtime& runtime, const Arguments& arguments) {
+    return runtime.propertyNamed(arguments[0], arguments[1]);
 }
-const Value& itself(const Value& item) { return item; }
-const Value& keyOf(const Entry& entry) { return entry.key; }
 
-Value count(Runtime&, const Arguments& arguments) {
-    if (const auto* text = arguments[0].as<StringObject>())
-        return Value::integer(countChunks(text->text, ChunkKind::Char, ','));
+/// Of a list; of the chars of a string; of the chunks of a kind; of the list in a property.
+Value count(Runtime& runtime, const Arguments& arguments) {
+    if (const auto* text = arguments[0].as<StringObject>()) {
+        const ChunkKind kind = arguments.has(1) ? chunkNamed(runtime, arguments, 1) : ChunkKind::Char;
+        return Value::integer(countIn(*text, kind, runtime.settings.itemDelimiter));
+    }
+    if (arguments.has(1)) {
+        const Value list = inner(runtime, arguments);
+        return count(runtime, Arguments("count", {&list, 1}));
+    }
+    if (const PropertyHolder* holder = holderIn(arguments[0]))
+        return Value::integer(static_cast<int32_t>(holder->properties.size()));
     return Value::integer(static_cast<int32_t>(countOf(arguments[0])));
 }
 
@@ -80,22 +74,6 @@ Value append(Runtime& runtime, const Arguments& arguments) {
     return Value();
 }
 
-/// Pads a list with zeros so that `place` exists.
-void lengthen(Runtime& runtime, ListObject& list, size_t place) {
-    if (place <= list.items.size()) return;
-    runtime.heap.mustHold((place - list.items.size()) * sizeof(Value));
-    list.items.resize(place, Value::integer(0));
-    runtime.heap.recount(list);
-}
-
-size_t placeToWrite(const Value& index, const char* function) {
-    const int32_t number = numberOf(index);
-    if (number < 1)
-        throw HostError(std::string(function) + ": expected an index of at least 1, not " +
-                        std::to_string(number));
-    return static_cast<size_t>(number - 1);
-}
-
 Value addAt(Runtime& runtime, const Arguments& arguments) {
     auto& list = arguments.object<ListObject>(0);
     const size_t place = placeToWrite(arguments[1], "addAt");
@@ -109,8 +87,7 @@ Value addProp(Runtime& runtime, const Arguments& arguments) {
     auto& list = arguments.object<PropertyListObject>(0);
     const auto place =
         list.sorted ? sortedPlace(runtime, list.entries, arguments[1], keyOf) : list.entries.end();
-    list.entries.insert(place, {arguments[1], arguments[2]});
-    runtime.heap.recount(list);
+    insertEntry(runtime, list, place, arguments[1], arguments[2]);
     return Value();
 }
 
@@ -126,25 +103,52 @@ Value setAt(Runtime& runtime, const Arguments& arguments) {
 
 /// The value of a property, or at an index of a linear list; VOID if there is none.
 Value getaProp(Runtime& runtime, const Arguments& arguments) {
-    if (arguments[0].is(Kind::List)) return getAt(runtime, arguments);
+    if (holderIn(arguments[0])) return inner(runtime, arguments);
+    if (arguments[0].is(Kind::List)) return getAt(runtime, Arguments("getaProp", arguments.from(0).first(2)));
     const Entry* entry = entryUnder(runtime, arguments.object<PropertyListObject>(0), arguments[1]);
-    return entry ? entry->value : Value();
+    return entry ? entry->value : arguments[2];
+}
+
+/// `getProp(text, #word, 2)`, also with the last of several.
+Value chunkOf(Runtime& runtime, const Arguments& arguments) {
+    const std::string& whole = arguments.text(0);
+    const ChunkKind kind = chunkNamed(runtime, arguments, 1);
+    const int32_t first = arguments.integer(2), last = arguments.has(3) ? arguments.integer(3) : first;
+    const char delimiter = runtime.settings.itemDelimiter;
+    const auto [from, to] = rangeOf(whole, kind, first, last, delimiter);
+    return runtime.text(std::string(findChunk(whole, kind, from, to, delimiter).of(whole)));
 }
 
 Value getProp(Runtime& runtime, const Arguments& arguments) {
+    if (arguments[0].is(Kind::String)) return chunkOf(runtime, arguments);
+    if (arguments.has(2)) return elementOf(runtime, inner(runtime, arguments), arguments[2]);
+    if (holderIn(arguments[0])) return inner(runtime, arguments);
     if (arguments[0].is(Kind::List)) return getAt(runtime, arguments);
     const Entry* entry = entryUnder(runtime, arguments.object<PropertyListObject>(0), arguments[1]);
     if (!entry) noProperty(runtime, arguments[1]);
     return entry->value;
 }
 
+/// In an object, or in the list under a property.
+bool setInside(Runtime& runtime, const Arguments& arguments) {
+    if (arguments.count() == 4)
+        setElement(runtime, inner(runtime, arguments), arguments[2], arguments[3]);
+    else if (holderIn(arguments[0]))
+        runtime.setPropertyNamed(arguments[0], arguments[1], arguments[2]);
+    else
+        return false;
+    return true;
+}
+
 Value setaProp(Runtime& runtime, const Arguments& arguments) {
+    if (setInside(runtime, arguments)) return Value();
     if (arguments[0].is(Kind::List)) return setAt(runtime, arguments);
     setEntry(runtime, arguments.object<PropertyListObject>(0), arguments[1], arguments[2]);
     return Value();
 }
 
 Value setProp(Runtime& runtime, const Arguments& arguments) {
+    if (setInside(runtime, arguments)) return Value();
     if (arguments[0].is(Kind::List)) return setAt(runtime, arguments);
     Entry* entry = entryUnder(runtime, arguments.object<PropertyListObject>(0), arguments[1]);
     if (!entry) noProperty(runtime, arguments[1]);
@@ -153,6 +157,10 @@ Value setProp(Runtime& runtime, const Arguments& arguments) {
 }
 
 Value getPropAt(Runtime&, const Arguments& arguments) {
+    if (const PropertyHolder* holder = holderIn(arguments[0])) {
+        const auto& names = holder->script.syntax->properties;
+        return Value::symbol(names[placeIn(names.size(), arguments.integer(1), "getPropAt")]);
+    }
     const auto& list = arguments.object<PropertyListObject>(0);
     return list.entries[placeIn(list.entries.size(), arguments.integer(1), "getPropAt")].key;
 }
@@ -211,19 +219,12 @@ Value findPosNear(Runtime& runtime, const Arguments& arguments) {
     return reached(arguments.object<ListObject>(0).items, itself);
 }
 
-template <class Sequence>
-void eraseAt(Sequence& sequence, size_t place) {
-    // Moved out first: its destructor may access this list.
-    const auto gone = std::move(sequence[place]);
-    sequence.erase(sequence.begin() + static_cast<ptrdiff_t>(place));
-}
-
 Value deleteAt(Runtime&, const Arguments& arguments) {
     const size_t place = placeIn(countOf(arguments[0]), arguments.integer(1), "deleteAt");
     if (auto* properties = arguments[0].as<PropertyListObject>())
-        eraseAt(properties->entries, place);
+        eraseEntry(*properties, place);
     else
-        eraseAt(arguments.object<ListObject>(0).items, place);
+        eraseItem(arguments.object<ListObject>(0), place);
     return Value();
 }
 
@@ -231,7 +232,7 @@ Value deleteProp(Runtime& runtime, const Arguments& arguments) {
     if (arguments[0].is(Kind::List)) return deleteAt(runtime, arguments);
     auto& list = arguments.object<PropertyListObject>(0);
     const Entry* entry = entryUnder(runtime, list, arguments[1]);
-    if (entry) eraseAt(list.entries, static_cast<size_t>(entry - list.entries.data()));
+    if (entry) eraseEntry(list, static_cast<size_t>(entry - list.entries.data()));
     return Value::truth(entry != nullptr);
 }
 
@@ -239,17 +240,19 @@ Value deleteOne(Runtime& runtime, const Arguments& arguments) {
     const size_t place = placeOf(runtime, arguments[0], arguments[1]);
     if (place == 0) return Value::truth(false);
     if (auto* properties = arguments[0].as<PropertyListObject>())
-        eraseAt(properties->entries, place - 1);
+        eraseEntry(*properties, place - 1);
     else
-        eraseAt(arguments.object<ListObject>(0).items, place - 1);
+        eraseItem(arguments.object<ListObject>(0), place - 1);
     return Value::truth(true);
 }
 
 Value deleteAll(Runtime&, const Arguments& arguments) {
-    if (auto* properties = arguments[0].as<PropertyListObject>())
+    if (auto* properties = arguments[0].as<PropertyListObject>()) {
+        properties->reordered();
         std::exchange(properties->entries, {});
-    else
+    } else {
         std::exchange(arguments.object<ListObject>(0).items, {});
+    }
     return Value();
 }
 
@@ -258,6 +261,7 @@ Value sort(Runtime& runtime, const Arguments& arguments) {
     if (auto* properties = arguments[0].as<PropertyListObject>()) {
         std::stable_sort(properties->entries.begin(), properties->entries.end(),
                          [&](const Entry& a, const Entry& b) { return before(a.key, b.key); });
+        properties->reordered();
         properties->sorted = true;
         return Value();
     }
@@ -300,7 +304,7 @@ Value duplicate(Runtime& runtime, const Arguments& arguments) {
 }
 
 constexpr Builtin kBuiltins[] = {
-    {"count", 1, 1, count},
+    {"count", 1, 2, count},
     {"list", 0, kAnyNumber, makeList},
     {"add", 2, 2, add},
     {"append", 2, 2, append},
@@ -308,10 +312,11 @@ constexpr Builtin kBuiltins[] = {
     {"addProp", 3, 3, addProp},
     {"getAt", 2, 2, getAt},
     {"setAt", 3, 3, setAt},
-    {"getaProp", 2, 2, getaProp},
-    {"getProp", 2, 2, getProp},
-    {"setaProp", 3, 3, setaProp},
-    {"setProp", 3, 3, setProp},
+    {"getaProp", 2, 3, getaProp},
+    {"getProp", 2, 4, getProp},
+    {"getPropRef", 2, 4, getProp},
+    {"setaProp", 3, 4, setaProp},
+    {"setProp", 3, 4, setProp},
     {"getPropAt", 2, 2, getPropAt},
     {"getLast", 1, 1, getLast},
     {"getPos", 2, 2, getPos},
@@ -329,63 +334,5 @@ constexpr Builtin kBuiltins[] = {
 }  // namespace
 
 std::span<const Builtin> listBuiltins() { return kBuiltins; }
-
-Value elementOf(Runtime& runtime, const Value& object, const Value& index) {
-    if (const auto* properties = object.as<PropertyListObject>()) {
-        if (index.isInteger())
-            return properties->entries[placeIn(countOf(object), index.integer(), "list")].value;
-        const Entry* entry = findEntry(runtime.symbols, *properties, index);
-        return entry ? entry->value : Value();
-    }
-    const int32_t number = numberOf(index);
-    if (const auto* list = object.as<ListObject>())
-        return list->items[placeIn(list->items.size(), number, "list")];
-    if (const auto* point = object.as<PointObject>()) return point->values[placeIn(2, number, "point")];
-    if (const auto* rect = object.as<RectObject>()) return rect->values[placeIn(4, number, "rect")];
-    throw HostError("expected a list before the brackets, not " + kindName(object.kind()));
-}
-
-void deleteElement(Runtime& runtime, const Value& object, const Value& index) {
-    const bool byKey = object.is(Kind::PropertyList) && !index.isNumber();
-    const std::array<Value, 2> arguments = {object, index};
-    (byKey ? deleteProp : deleteAt)(runtime, Arguments("delete", arguments));
-}
-
-void setEntry(Runtime& runtime, PropertyListObject& list, const Value& key, const Value& value) {
-    if (Entry* entry = entryUnder(runtime, list, key)) {
-        const Value gone = std::exchange(entry->value, value);
-        return;
-    }
-    const auto place = list.sorted ? sortedPlace(runtime, list.entries, key, keyOf) : list.entries.end();
-    list.entries.insert(place, {key, value});
-    runtime.heap.recount(list);
-}
-
-namespace {
-
-const Value& coordinate(const Value& value) {
-    if (!value.isNumber())
-        throw HostError("expected a number for a coordinate, not " + kindName(value.kind()));
-    return value;
-}
-
-}  // namespace
-
-void setElement(Runtime& runtime, const Value& object, const Value& index, const Value& value) {
-    if (auto* properties = object.as<PropertyListObject>()) {
-        if (!index.isInteger()) return setEntry(runtime, *properties, index, value);
-        properties->entries[placeIn(countOf(object), index.integer(), "list")].value = value;
-    } else if (auto* list = object.as<ListObject>()) {
-        const size_t place = placeToWrite(index, "list");
-        lengthen(runtime, *list, place + 1);
-        list->items[place] = value;
-    } else if (auto* point = object.as<PointObject>()) {
-        point->values[placeIn(PointObject::kCount, numberOf(index), "point")] = coordinate(value);
-    } else if (auto* rect = object.as<RectObject>()) {
-        rect->values[placeIn(RectObject::kCount, numberOf(index), "rect")] = coordinate(value);
-    } else {
-        throw HostError("expected a list before the brackets, not " + kindName(object.kind()));
-    }
-}
 
 }  // namespace krl::player

@@ -1,4 +1,5 @@
 #include <cmath>
+#include <numbers>
 
 #include "core/Numbers.h"
 #include "player/host/Compare.h"
@@ -10,9 +11,17 @@ namespace krl::player {
 
 namespace {
 
+/// A number, also one in a string.
+double realOf(Runtime& runtime, const Arguments& arguments, size_t index) {
+    Value number;
+    if (!arguments.has(index) || !numberIn(arguments[index], number, runtime.heap))
+        arguments.mismatch(index, "a number");
+    return number.number();
+}
+
 template <double (*Function)(double)>
 Value ofReal(Runtime& runtime, const Arguments& arguments) {
-    return runtime.heap.number(Function(arguments.number(0)));
+    return runtime.heap.number(Function(realOf(runtime, arguments, 0)));
 }
 
 Value absolute(Runtime& runtime, const Arguments& arguments) {
@@ -23,7 +32,7 @@ Value absolute(Runtime& runtime, const Arguments& arguments) {
 
 /// The root of a non-negative integer is rounded to an integer.
 Value squareRoot(Runtime& runtime, const Arguments& arguments) {
-    const double root = std::sqrt(arguments.number(0));
+    const double root = std::sqrt(realOf(runtime, arguments, 0));
     const bool whole = arguments[0].isInteger() && !std::isnan(root);
     return whole ? Value::integer(rounded(root)) : runtime.heap.number(root);
 }
@@ -73,9 +82,14 @@ Value extreme(Runtime& runtime, const Arguments& arguments) {
     return *found;
 }
 
+/// Bits are taken from the whole part of a number.
+int32_t bitsOf(const Arguments& arguments, size_t index) {
+    return arguments[index].is(Kind::Float) ? truncate(arguments.number(index)) : arguments.integer(index);
+}
+
 template <class Operation>
 Value ofBits(const Arguments& arguments, Operation operation) {
-    return Value::integer(operation(arguments.integer(0), arguments.integer(1)));
+    return Value::integer(operation(bitsOf(arguments, 0), bitsOf(arguments, 1)));
 }
 
 constexpr Builtin kBuiltins[] = {
@@ -93,10 +107,11 @@ constexpr Builtin kBuiltins[] = {
     {"random", 1, 1, random},
     {"max", 1, kAnyNumber, extreme<1>},
     {"min", 1, kAnyNumber, extreme<-1>},
+    {"pi", 0, 0, [](Runtime& r, const Arguments&) { return r.heap.number(std::numbers::pi); }},
     {"bitAnd", 2, 2, [](Runtime&, const Arguments& a) { return ofBits(a, std::bit_and<int32_t>()); }},
     {"bitOr", 2, 2, [](Runtime&, const Arguments& a) { return ofBits(a, std::bit_or<int32_t>()); }},
     {"bitXor", 2, 2, [](Runtime&, const Arguments& a) { return ofBits(a, std::bit_xor<int32_t>()); }},
-    {"bitNot", 1, 1, [](Runtime&, const Arguments& a) { return Value::integer(~a.integer(0)); }},
+    {"bitNot", 1, 1, [](Runtime&, const Arguments& a) { return Value::integer(~bitsOf(a, 0)); }},
 };
 
 }  // namespace

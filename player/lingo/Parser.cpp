@@ -38,18 +38,51 @@ public:
 
     std::unique_ptr<Script> loneExpression() {
         auto only = std::make_unique<Handler>();
+        only->body.push_back(returnedExpression());
+        while (here().kind == TokenKind::LineEnd) take();
+        if (here().kind != TokenKind::End) fail("the end");
+        return within(std::move(only), {});
+    }
+
+    std::unique_ptr<Script> leadingExpression(const Surroundings& surroundings) {
+        auto only = std::make_unique<Handler>();
+        only->body.push_back(returnedExpression());
+        return within(std::move(only), surroundings);
+    }
+
+    std::unique_ptr<Script> loneStatements(const Surroundings& surroundings) {
+        auto only = std::make_unique<Handler>();
+        while (here().kind == TokenKind::LineEnd) take();
+        only->body = block();
+        if (here().kind != TokenKind::End) fail("a statement");
+        return within(std::move(only), surroundings);
+    }
+
+private:
+    StatementPointer returnedExpression() {
         while (here().kind == TokenKind::LineEnd) take();
         auto answer = std::make_unique<ExpressionStatement>(StatementKind::Return, here().place);
         answer->expression = expression();
-        while (here().kind == TokenKind::LineEnd) take();
-        if (here().kind != TokenKind::End) fail("the end");
-        only->body.push_back(std::move(answer));
-        for (VariableExpression* name : variables_) name->scope = VariableScope::Global;
+        return answer;
+    }
+
+    /// The script of one handler whose parameters are the locals around it; unknown names are global.
+    std::unique_ptr<Script> within(std::unique_ptr<Handler> only, const Surroundings& surroundings) {
+        only->locals = surroundings.locals;
+        only->parameters = only->locals.size();
+        script_->properties = surroundings.properties;
+        for (VariableExpression* name : variables_) handlerGlobals_.push_back(name->name);
+        const auto known = [&](SymbolId name) {
+            const auto& properties = surroundings.properties;
+            return std::find(properties.begin(), properties.end(), name) != properties.end();
+        };
+        std::erase_if(handlerGlobals_, known);
+        unresolved_.push_back({only.get(), std::move(variables_), std::move(handlerGlobals_)});
+        resolveScopes();
         script_->handlers.push_back(std::move(only));
         return std::move(script_);
     }
 
-private:
     /// State of a handler until the whole script has been parsed.
     struct Unresolved {
         Handler* handler;
@@ -160,6 +193,16 @@ std::unique_ptr<Script> parseScript(std::shared_ptr<const Source> source, Symbol
 
 std::unique_ptr<Script> parseExpression(std::shared_ptr<const Source> source, SymbolTable& symbols) {
     return Parser(std::move(source), symbols).loneExpression();
+}
+
+std::unique_ptr<Script> parseLeadingExpression(std::shared_ptr<const Source> source, SymbolTable& symbols,
+                                               const Surroundings& surroundings) {
+    return Parser(std::move(source), symbols).leadingExpression(surroundings);
+}
+
+std::unique_ptr<Script> parseStatements(std::shared_ptr<const Source> source, SymbolTable& symbols,
+                                        const Surroundings& surroundings) {
+    return Parser(std::move(source), symbols).loneStatements(surroundings);
 }
 
 }  // namespace krl::player

@@ -19,4 +19,18 @@ std::unique_ptr<Script> parseScript(std::shared_ptr<const Source> source, Symbol
 /// names are global variables.
 std::unique_ptr<Script> parseExpression(std::shared_ptr<const Source> source, SymbolTable& symbols);
 
+/// The variables that a text can name where it is evaluated.
+struct Surroundings {
+    std::vector<SymbolId> locals, properties;
+};
+
+/// Parses the expression that a text begins with, and ignores what follows. Its handler takes the values of
+/// the locals as parameters; other names are global.
+std::unique_ptr<Script> parseLeadingExpression(std::shared_ptr<const Source> source, SymbolTable& symbols,
+                                               const Surroundings& surroundings);
+
+/// Parses statements into a script with one handler, like `parseLeadingExpression`.
+std::unique_ptr<Script> parseStatements(std::shared_ptr<const Source> source, SymbolTable& symbols,
+                                        const Surroundings& surroundings);
+
 }  // namespace krl::player

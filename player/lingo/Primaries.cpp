@@ -93,7 +93,14 @@ ExpressionPointer ExpressionParser::named() {
     if (ExpressionPointer known = constant()) return known;
     if (ExpressionPointer found = referenced()) return found;
     const Token name = take();
-    return here().isMark("(") ? ExpressionPointer(call(name)) : ExpressionPointer(variable(name));
+    if (here().isMark("(")) return call(name);
+    // The objects of the player, such as `_movie`.
+    if (name.isAnyWord({"_movie", "_player", "_system", "_global", "_key", "_mouse"})) {
+        auto made = node<CallExpression>(ExpressionKind::Call, name.place);
+        made->name = symbols_.identifier(name.text);
+        return made;
+    }
+    return variable(name);
 }
 
 std::unique_ptr<VariableExpression> ExpressionParser::variable(const Token& name) {

@@ -1,5 +1,10 @@
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+
 #include "catalogue/NearestName.h"
 #include "core/Numbers.h"
+#include "player/host/Compare.h"
 #include "player/host/HostError.h"
 #include "player/lingo/Arithmetic.h"
 #include "player/lingo/Chunks.h"
@@ -42,10 +47,16 @@ Value fixedCount(Runtime&, const Value&) {
 }
 
 Value textLength(Runtime&, const Value& object) {
-    return Value::integer(countChunks(object.as<StringObject>()->text, ChunkKind::Char, ','));
+    return Value::integer(countIn(*object.as<StringObject>(), ChunkKind::Char, ','));
 }
 
 Value kindSymbol(Runtime& runtime, const Value& object) { return runtime.symbol(ilkName(object.kind())); }
+
+Value imageWidth(Runtime&, const Value& object) { return Value::integer(object.as<ImageObject>()->width()); }
+Value imageHeight(Runtime&, const Value& object) {
+    return Value::integer(object.as<ImageObject>()->height());
+}
+Value imageDepth(Runtime&, const Value& object) { return Value::integer(object.as<ImageObject>()->depth); }
 
 Value imageRect(Runtime& runtime, const Value& object) {
     const auto& image = *object.as<ImageObject>();
@@ -53,15 +64,23 @@ Value imageRect(Runtime& runtime, const Value& object) {
         Value::integer(0), Value::integer(0), Value::integer(image.width()), Value::integer(image.height())});
 }
 
+Value paletteRef(Runtime& runtime, const Value& object) {
+    return runtime.symbol(object.as<ImageObject>()->depth == 8 ? "grayscale" : "systemMac");
+}
+
 void setUseAlpha(Runtime&, const Value& object, const Value& value) {
     object.as<ImageObject>()->useAlpha = truthOf(value);
 }
+
+}  // namespace
 
 const std::vector<std::string>& pictureExtensions() {
     static const std::vector<std::string> extensions = {".png",  ".jpg",  ".jpeg", ".tif",
                                                         ".tiff", ".webp", ".pam"};
     return extensions;
 }
+
+namespace {
 
 /// Read from its file on first use.
 Value memberImage(Runtime& runtime, const Value& object) {
@@ -81,8 +100,72 @@ void setMemberImage(Runtime&, const Value& object, const Value& value) {
     object.as<MemberObject>()->image = value;
 }
 
+}  // namespace
+
+/// Read from its file on first use.
+Value memberText(Runtime& runtime, const Value& object) {
+    auto& member = *object.as<MemberObject>();
+    if (!member.text.isVoid()) return member.text;
+    const std::vector<std::string> extensions = {".txt"};
+    const std::filesystem::path file = runtime.sandbox.member(member.name, extensions);
+    if (file.empty())
+        throw HostError("there is no text for the member \"" + member.name + '"' +
+                        didYouMean(member.name, runtime.sandbox.memberNames(extensions)));
+    std::ifstream in(file, std::ios::binary);
+    std::ostringstream text;
+    if (!(text << in.rdbuf()) && !in.eof()) throw HostError("cannot read the text " + file.string());
+    member.text = runtime.text(text.str());
+    return member.text;
+}
+
+void setMemberText(Runtime& runtime, const Value& object, const Value& value) {
+    object.as<MemberObject>()->text = runtime.text(runtime.plain(value));
+}
+
+namespace {
+
 Value memberName(Runtime& runtime, const Value& object) {
     return runtime.text(object.as<MemberObject>()->name);
+}
+
+void setMemberName(Runtime& runtime, const Value& object, const Value& value) {
+    object.as<MemberObject>()->name = runtime.plain(value);
+}
+
+Value memberNumber(Runtime& runtime, const Value& object) {
+    const std::vector<std::string> names = runtime.castMemberNames();
+    const auto found = std::find_if(names.begin(), names.end(), [&](const std::string& name) {
+        return compareText(name, object.as<MemberObject>()->name) == 0;
+    });
+    return Value::integer(found == names.end() ? -1 : static_cast<int32_t>(found - names.begin()) + 1);
+}
+
+Value memberType(Runtime& runtime, const Value& object) {
+    const auto& member = *object.as<MemberObject>();
+    const bool picture =
+        !member.image.isVoid() || !runtime.sandbox.member(member.name, pictureExtensions()).empty();
+    const bool text = !member.text.isVoid() || !runtime.sandbox.member(member.name, {".txt"}).empty();
+    return runtime.symbol(picture ? "bitmap" : text ? "text" : "empty");
+}
+
+/// The middle of the image, unless it is set.
+Value memberRegPoint(Runtime& runtime, const Value& object) {
+    const auto& member = *object.as<MemberObject>();
+    if (!member.regPoint.isVoid()) return member.regPoint;
+    const auto& image = *memberImage(runtime, object).as<ImageObject>();
+    return runtime.heap.make<PointObject>(
+        std::array<Value, 2>{Value::integer(image.width() / 2), Value::integer(image.height() / 2)});
+}
+
+void setMemberRegPoint(Runtime&, const Value& object, const Value& value) {
+    if (!value.is(Kind::Point))
+        throw HostError("expected a point for the regPoint, not " + kindName(value.kind()));
+    object.as<MemberObject>()->regPoint = value;
+}
+
+template <Value (*Read)(Runtime&, const Value&)>
+Value ofMemberImage(Runtime& runtime, const Value& object) {
+    return Read(runtime, memberImage(runtime, object));
 }
 
 template <int Shift>
@@ -94,6 +177,7 @@ constexpr PropertyEntry kProperties[] = {
     {Kind::String, "length", textLength, nullptr},
     {Kind::String, "ilk", kindSymbol, nullptr},
     {Kind::List, "count", elementCount<ListObject>, nullptr},
+    {Kind::List, "length", elementCount<ListObject>, nullptr},
     {Kind::List, "ilk", kindSymbol, nullptr},
     {Kind::PropertyList, "count", elementCount<PropertyListObject>, nullptr},
     {Kind::PropertyList, "ilk", kindSymbol, nullptr},
@@ -112,20 +196,36 @@ constexpr PropertyEntry kProperties[] = {
     {Kind::Colour, "red", channel<0>, nullptr},
     {Kind::Colour, "green", channel<8>, nullptr},
     {Kind::Colour, "blue", channel<16>, nullptr},
-    {Kind::Colour, "colorType", [](Runtime& r, const Value&) { return r.symbol("rgb"); }, nullptr},
+    {Kind::Colour, "colorType",
+     [](Runtime& r, const Value& o) {
+         return r.symbol(o.colourForm() == ColourForm::PaletteIndex ? "paletteIndex" : "rgb");
+     },
+     nullptr},
+    {Kind::Colour, "paletteIndex", [](Runtime&, const Value& o) { return Value::integer(o.paletteIndex()); },
+     nullptr},
     {Kind::Colour, "ilk", kindSymbol, nullptr},
-    {Kind::Image, "width",
-     [](Runtime&, const Value& o) { return Value::integer(o.as<ImageObject>()->width()); }, nullptr},
-    {Kind::Image, "height",
-     [](Runtime&, const Value& o) { return Value::integer(o.as<ImageObject>()->height()); }, nullptr},
+    {Kind::Image, "width", imageWidth, nullptr},
+    {Kind::Image, "height", imageHeight, nullptr},
     {Kind::Image, "rect", imageRect, nullptr},
-    {Kind::Image, "depth",
-     [](Runtime&, const Value& o) { return Value::integer(o.as<ImageObject>()->depth); }, nullptr},
+    {Kind::Image, "depth", imageDepth, nullptr},
     {Kind::Image, "useAlpha",
      [](Runtime&, const Value& o) { return Value::truth(o.as<ImageObject>()->useAlpha); }, setUseAlpha},
+    {Kind::Image, "paletteRef", paletteRef, [](Runtime&, const Value&, const Value&) {}},
     {Kind::Image, "ilk", kindSymbol, nullptr},
     {Kind::Member, "image", memberImage, setMemberImage},
-    {Kind::Member, "name", memberName, nullptr},
+    {Kind::Member, "name", memberName, setMemberName},
+    {Kind::Member, "text", memberText, setMemberText},
+    {Kind::Member, "picture", memberImage, setMemberImage},
+    {Kind::Member, "media", memberImage, setMemberImage},
+    {Kind::Member, "number", memberNumber, nullptr},
+    {Kind::Member, "type", memberType, nullptr},
+    {Kind::Member, "castLibNum", [](Runtime&, const Value&) { return Value::integer(1); }, nullptr},
+    {Kind::Member, "regPoint", memberRegPoint, setMemberRegPoint},
+    {Kind::Member, "width", ofMemberImage<imageWidth>, nullptr},
+    {Kind::Member, "height", ofMemberImage<imageHeight>, nullptr},
+    {Kind::Member, "rect", ofMemberImage<imageRect>, nullptr},
+    {Kind::Member, "depth", ofMemberImage<imageDepth>, nullptr},
+    {Kind::Member, "ilk", kindSymbol, nullptr},
 };
 
 }  // namespace

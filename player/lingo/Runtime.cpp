@@ -17,6 +17,16 @@ uint32_t Runtime::nextRandom() {
     return bits;
 }
 
+std::vector<std::span<const Builtin>> builtinFamilies() {
+    return {mathBuiltins(), textBuiltins(),   listBuiltins(),   shapeBuiltins(),  imageBuiltins(),
+            drawBuiltins(), systemBuiltins(), objectBuiltins(), vectorBuiltins(), dataBuiltins()};
+}
+
+std::vector<std::span<const PropertyEntry>> propertyFamilies() {
+    return {objectProperties(), systemProperties(), movieProperties(),
+            scriptProperties(), vectorProperties(), dataProperties()};
+}
+
 const Value& Arguments::operator[](size_t index) const {
     static const Value none;
     return index < values_.size() ? values_[index] : none;

@@ -4,6 +4,7 @@
 #include <ostream>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "player/host/EmbeddedHost.h"
 #include "player/host/Objects.h"
@@ -38,11 +39,23 @@ public:
 
     /// Sends a message to an object, or calls a handler or function if the object has no such method.
     virtual Value send(SymbolId name, std::span<const Value> arguments) = 0;
-    /// Evaluates an expression in a text; VOID if it has no value.
+    /// Whether an object has a handler or method of that name.
+    virtual bool responds(const Value& object, SymbolId name) const = 0;
+    /// Sends to the ancestor of the first argument, which stays `me`.
+    virtual Value sendToAncestor(SymbolId name, std::span<const Value> arguments) = 0;
+    /// Runs the statements in a text.
+    virtual void runText(const std::string& text) = 0;
+    /// Evaluates the expression that begins a text, with the variables of the running handler; VOID if it has
+    /// no value.
     virtual Value valueOf(const std::string& text) = 0;
     /// `script "Name"`
     virtual Value scriptNamed(const std::string& name) = 0;
     virtual Value memberNamed(const std::string& name) = 0;
+    /// The names of all members, sorted.
+    virtual std::vector<std::string> castMemberNames() const = 0;
+    /// A property of an object under a symbol or string.
+    virtual Value propertyNamed(const Value& object, const Value& name) = 0;
+    virtual void setPropertyNamed(const Value& object, const Value& name, const Value& value) = 0;
     virtual Value newInstance(const Value& script, std::span<const Value> arguments) = 0;
     /// The arguments of the running handler.
     virtual std::span<const Value> handlerArguments() const = 0;
@@ -60,6 +73,10 @@ public:
     SymbolTable& symbols;
     Xtra& xtra;
     Settings settings;
+    Value result;     ///< of the last handler
+    Value actorList;  ///< VOID before its first use
+    int32_t frameNumber = 1;
+    std::string scriptFile;  ///< the name of the first script's file
     Sandbox sandbox;
     PictureTable* pictures = nullptr;  ///< see `SessionOptions::pictures`
     std::ostream& output;
@@ -115,6 +132,11 @@ std::span<const Builtin> shapeBuiltins();
 std::span<const Builtin> imageBuiltins();
 std::span<const Builtin> drawBuiltins();
 std::span<const Builtin> systemBuiltins();
+std::span<const Builtin> objectBuiltins();
+std::span<const Builtin> vectorBuiltins();
+std::span<const Builtin> dataBuiltins();
+/// All of them.
+std::vector<std::span<const Builtin>> builtinFamilies();
 
 /// A property of one type of values, or a system property, which has no object.
 struct PropertyEntry {
@@ -126,6 +148,17 @@ struct PropertyEntry {
 
 std::span<const PropertyEntry> objectProperties();
 std::span<const PropertyEntry> systemProperties();
+std::span<const PropertyEntry> movieProperties();
+std::span<const PropertyEntry> scriptProperties();
+std::span<const PropertyEntry> vectorProperties();
+std::span<const PropertyEntry> dataProperties();
+std::vector<std::span<const PropertyEntry>> propertyFamilies();
+
+/// The extensions of files that are pictures.
+const std::vector<std::string>& pictureExtensions();
+/// The text of a member, and what `put ... into field` sets.
+Value memberText(Runtime& runtime, const Value& member);
+void setMemberText(Runtime& runtime, const Value& member, const Value& value);
 
 /// `object[index]`
 Value elementOf(Runtime& runtime, const Value& object, const Value& index);
@@ -134,7 +167,9 @@ void deleteElement(Runtime& runtime, const Value& object, const Value& index);
 /// Adds an entry for `key`, or replaces the value of an existing one.
 void setEntry(Runtime& runtime, PropertyListObject& list, const Value& key, const Value& value);
 
-/// Thrown to end a script normally.
-struct Halt {};
+/// Thrown to end a script normally; by `abort`, to end only the handlers that run.
+struct Halt {
+    bool onlyHandlers = false;
+};
 
 }  // namespace krl::player

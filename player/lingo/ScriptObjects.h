@@ -31,8 +31,12 @@ struct PropertyHolder : Object {
     size_t bytes() const override { return sizeof(*this) + properties.capacity() * sizeof(Value); }
     void eachChild(const std::function<void(const Value&)>& show) const override {
         for (const Value& value : properties) show(value);
+        show(ancestor);
     }
-    void dropChildren() override { properties.clear(); }
+    void dropChildren() override {
+        properties.clear();
+        ancestor = Value();
+    }
 
     const std::string& name() const { return script.name; }
     /// The value of a property, or null for an unknown name.
@@ -45,6 +49,7 @@ struct PropertyHolder : Object {
 
     const LoadedScript& script;
     std::vector<Value> properties;
+    Value ancestor;  ///< where no property of that name is declared
 };
 
 /// `script "Name"`
@@ -59,16 +64,60 @@ struct InstanceObject : PropertyHolder {
     using PropertyHolder::PropertyHolder;
 };
 
-/// A cast member: a picture file, named without its extension.
+/// A cast member: a picture or text file, named without its extension, or one that a script has made.
 struct MemberObject : Object {
     static constexpr Kind kKind = Kind::Member;
     explicit MemberObject(std::string called) : name(std::move(called)) {}
     size_t bytes() const override { return sizeof(*this) + name.capacity(); }
-    void eachChild(const std::function<void(const Value&)>& show) const override { show(image); }
-    void dropChildren() override { image = Value(); }
+    void eachChild(const std::function<void(const Value&)>& show) const override {
+        show(image);
+        show(text);
+        show(regPoint);
+    }
+    void dropChildren() override { image = text = regPoint = Value(); }
 
     std::string name;
-    Value image;  ///< read on first use
+    Value image;  ///< read on first use, like `text`
+    Value text;
+    Value regPoint;  ///< VOID for the middle
+};
+
+/// `vector(x, y, z)`
+struct VectorObject : Object {
+    static constexpr Kind kKind = Kind::Vector;
+    explicit VectorObject(std::array<double, 3> numbers) : parts(numbers) {}
+    size_t bytes() const override { return sizeof(*this); }
+
+    std::array<double, 3> parts;
+};
+
+/// `date(year, month, day)`, and the seconds since midnight.
+struct DateObject : Object {
+    static constexpr Kind kKind = Kind::Date;
+    DateObject(int32_t ofYear, int32_t ofMonth, int32_t ofDay, int32_t since)
+        : year(ofYear), month(ofMonth), day(ofDay), seconds(since) {}
+    size_t bytes() const override { return sizeof(*this); }
+
+    int32_t year, month, day, seconds;
+};
+
+/// `bytearray(length, value)`
+struct ByteArrayObject : Object {
+    static constexpr Kind kKind = Kind::ByteArray;
+    explicit ByteArrayObject(std::vector<uint8_t> values) : content(std::move(values)) {}
+    size_t bytes() const override { return sizeof(*this) + content.capacity(); }
+
+    std::vector<uint8_t> content;
+    size_t position = 0;  ///< of the next read or write
+};
+
+/// `_movie`, `_player` and the like: the system properties and functions as properties and methods.
+struct EnvironmentObject : Object {
+    static constexpr Kind kKind = Kind::Environment;
+    explicit EnvironmentObject(const char* of) : name(of) {}
+    size_t bytes() const override { return sizeof(*this); }
+
+    const char* name;
 };
 
 }  // namespace krl::player

@@ -7,6 +7,7 @@
 #include "player/host/HostError.h"
 #include "player/host/Xtra.h"
 #include "player/lingo/Interpreter.h"
+#include "player/lingo/Performance.h"
 #include "player/lingo/PlainValue.h"
 
 namespace krl::player {
@@ -88,6 +89,14 @@ struct Session::Parts {
         if (const std::string message = errorIn(result); !message.empty()) throw HostError(message);
     }
 
+    /// Lists what was skipped for want of a stage.
+    void reportSkipped() {
+        std::string all;
+        for (const auto& [name, times] : interpreter.skipped())
+            all += (all.empty() ? "" : ", ") + name + (times > 1 ? " (" + counted(times, "time") + ')' : "");
+        if (!all.empty()) writeLines(interpreter.alerts, "skipped without a stage: " + all + '\n');
+    }
+
     std::string errorIn(const Value& result) {
         const auto* properties = result.as<PropertyListObject>();
         if (!properties) return "";
@@ -116,15 +125,12 @@ void Session::run(const std::filesystem::path& script, const std::vector<std::st
         const LoadedScript& loaded = interpreter.load(scriptSource(script), script.stem().string());
         if (loaded.syntax->handlers.empty()) throw HostError(script.string() + ": expected a handler to run");
         interpreter.setMovieScript(loaded);
-        const Handler* handler = loaded.handler(interpreter.symbols.identifier("main"));
-        if (!handler) handler = loaded.syntax->handlers.front().get();
+        interpreter.scriptFile = script.filename().string();
         const Value list = interpreter.heap.make<ListObject>();
         for (const std::string& argument : arguments)
             list.as<ListObject>()->items.push_back(interpreter.text(argument));
-        try {
-            interpreter.run(loaded, *handler, {&list, 1});
-        } catch (const Halt&) {
-        }
+        Performance(interpreter, loaded).run(list, parts_->options.frames);
+        parts_->reportSkipped();
     });
 }
 

@@ -19,6 +19,9 @@ namespace krl::player {
 /// Overrides the argument of `krlImageCreateLookupTables` in scripts.
 enum class ThreadChoice { AsScripted, Many, One };
 
+/// What happens where a script needs a stage.
+enum class Stageless { Refuse, Ignore };
+
 struct SessionOptions {
     /// The plug-in's file; empty for the built-in one.
     std::filesystem::path xtraFile;
@@ -37,6 +40,9 @@ struct SessionOptions {
     uint64_t stepLimit = UINT64_MAX;
     /// Where scripts find pictures before any file, and save them; null for files alone.
     PictureTable* pictures = nullptr;
+    Stageless stageless = Stageless::Refuse;
+    /// Frames that a script runs for after it has started.
+    int frames = 0;
     std::ostream* output = nullptr;  ///< for `put`; standard output when null
     std::ostream* alerts = nullptr;  ///< for `alert`; standard error when null
 };

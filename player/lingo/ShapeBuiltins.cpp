@@ -87,6 +87,23 @@ Value offset(Runtime& runtime, const Arguments& arguments) {
     return Value::integer(1 + countChunks(std::string_view(whole).substr(0, found), ChunkKind::Char, ','));
 }
 
+/// The palette of 256 colours that most hosts begin with: a cube of six levels from white to black, then ten
+/// levels each of red, green, blue and grey, and black.
+Colour systemColour(uint8_t index) {
+    constexpr int kCube = 215, kRamp = 10;
+    if (index == 255) return Colour(0, 0, 0);
+    if (index < kCube) {
+        const auto level = [](int step) { return static_cast<uint8_t>(255 - 51 * step); };
+        return Colour(level(index / 36), level(index / 6 % 6), level(index % 6));
+    }
+    static constexpr uint8_t levels[kRamp] = {0xEE, 0xDD, 0xBB, 0xAA, 0x88, 0x77, 0x55, 0x44, 0x22, 0x11};
+    const int ramp = (index - kCube) / kRamp;
+    const uint8_t level = levels[(index - kCube) % kRamp];
+    return ramp == 3 ? Colour(level, level, level)
+                     : Colour(ramp == 0 ? level : uint8_t{0}, ramp == 1 ? level : uint8_t{0},
+                              ramp == 2 ? level : uint8_t{0});
+}
+
 uint8_t byteOf(const Arguments& arguments, size_t index) { return clampByte(arguments.integer(index)); }
 
 /// From three numbers, a string `#RRGGBB`, or one number that packs all three.
@@ -106,11 +123,21 @@ Value rgb(Runtime&, const Arguments& arguments) {
     return Value::colour(Colour(byteOf(arguments, 0), byteOf(arguments, 1), byteOf(arguments, 2)));
 }
 
+Value paletteIndex(Runtime&, const Arguments& arguments) {
+    const uint8_t index = clampByte(arguments.integer(0));
+    return Value::colour(systemColour(index), ColourForm::PaletteIndex, index);
+}
+
 /// `color(red, green, blue)` or `color(#rgb, red, green, blue)`.
 Value color(Runtime& runtime, const Arguments& arguments) {
-    if (!arguments[0].is(Kind::Symbol)) return rgb(runtime, arguments);
-    if (arguments.symbol(0) != runtime.symbols.identifier("rgb")) arguments.mismatch(0, "#rgb");
-    return rgb(runtime, Arguments("color", arguments.from(1)));
+    if (!arguments[0].is(Kind::Symbol))
+        return Value::colour(rgb(runtime, arguments).colour(), ColourForm::Color);
+    const SymbolId form = arguments.symbol(0);
+    const Arguments rest("color", arguments.from(1));
+    if (form == runtime.symbols.identifier("rgb"))
+        return Value::colour(rgb(runtime, rest).colour(), ColourForm::Color);
+    if (form != runtime.symbols.identifier("paletteIndex")) arguments.mismatch(0, "#rgb or #paletteIndex");
+    return paletteIndex(runtime, rest);
 }
 
 Value hexString(Runtime& runtime, const Arguments& arguments) {
@@ -118,10 +145,17 @@ Value hexString(Runtime& runtime, const Arguments& arguments) {
 }
 
 constexpr Builtin kBuiltins[] = {
-    {"point", 2, 2, point},         {"rect", 2, 4, rect},     {"union", 2, 2, unionOf},
-    {"intersect", 2, 2, intersect}, {"inside", 2, 2, inside}, {"inflate", 3, 3, inflate},
-    {"offset", 2, 3, offset},       {"rgb", 1, 3, rgb},       {"color", 1, 4, color},
+    {"point", 2, 2, point},
+    {"rect", 2, 4, rect},
+    {"union", 2, 2, unionOf},
+    {"intersect", 2, 2, intersect},
+    {"inside", 2, 2, inside},
+    {"inflate", 3, 3, inflate},
+    {"offset", 2, 3, offset},
+    {"rgb", 1, 3, rgb},
+    {"color", 1, 4, color},
     {"hexString", 1, 1, hexString},
+    {"paletteIndex", 1, 1, paletteIndex},
 };
 
 }  // namespace

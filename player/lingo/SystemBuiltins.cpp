@@ -18,6 +18,7 @@ Value alert(Runtime& runtime, const Arguments& arguments) {
 }
 
 Value halt(Runtime&, const Arguments&) { throw Halt(); }
+Value abortHandlers(Runtime&, const Arguments&) { throw Halt{true}; }
 
 Value xtraNamed(Runtime& runtime, const Arguments& arguments) {
     const std::string& name = arguments.text(0);
@@ -29,29 +30,46 @@ Value xtraNamed(Runtime& runtime, const Arguments& arguments) {
 Value scriptNamed(Runtime& runtime, const Arguments& arguments) {
     return runtime.scriptNamed(arguments.text(0));
 }
+/// By its name, or its number in the order of all names.
 Value memberNamed(Runtime& runtime, const Arguments& arguments) {
-    return runtime.memberNamed(arguments.text(0));
+    if (arguments[0].is(Kind::Member)) return arguments[0];
+    if (!arguments[0].isNumber()) return runtime.memberNamed(arguments.text(0));
+    const std::vector<std::string> names = runtime.castMemberNames();
+    const int32_t number = arguments.integer(0);
+    if (number < 1 || static_cast<size_t>(number) > names.size())
+        throw HostError(std::string(arguments.function()) + ": expected a number from 1 to " +
+                        std::to_string(names.size()) + " or a name, not " + std::to_string(number));
+    return runtime.memberNamed(names[static_cast<size_t>(number - 1)]);
+}
+
+/// The text of a member.
+Value field(Runtime& runtime, const Arguments& arguments) {
+    return memberText(runtime, memberNamed(runtime, arguments));
+}
+
+Value paramCount(Runtime& runtime, const Arguments&) {
+    return Value::integer(static_cast<int32_t>(runtime.handlerArguments().size()));
+}
+
+/// `new(#bitmap)`, `new(#text)`: a member that is nowhere in a file.
+Value newMember(Runtime& runtime, const Arguments& arguments) {
+    const std::string kind = folded(runtime.symbols.spelling(arguments.symbol(0)));
+    if (kind != "bitmap" && kind != "text" && kind != "field")
+        arguments.mismatch(0, "#bitmap, #text or #field");
+    Value made = runtime.heap.make<MemberObject>("");
+    auto& member = *made.as<MemberObject>();
+    if (kind != "bitmap")
+        member.text = runtime.text("");
+    else
+        member.image = makeImage(runtime.heap, 1, 1);
+    return made;
 }
 
 Value makeNew(Runtime& runtime, const Arguments& arguments) {
     if (const auto* plugIn = arguments[0].as<XtraObject>()) return plugIn->xtra.newInstance();
+    if (arguments[0].is(Kind::Symbol)) return newMember(runtime, arguments);
     if (!arguments[0].is(Kind::Script)) arguments.mismatch(0, "an xtra or a script");
     return runtime.newInstance(arguments[0], arguments.from(1));
-}
-
-/// `call(#name, object, ...)`, or for each object of a list; returns the last result.
-Value call(Runtime& runtime, const Arguments& arguments) {
-    const SymbolId name = arguments.symbol(0);
-    const auto* list = arguments[1].as<ListObject>();
-    if (!list) return runtime.send(name, arguments.from(1));
-    Value answer;
-    const std::vector<Value> receivers = list->items;
-    for (const Value& receiver : receivers) {
-        std::vector<Value> all = {receiver};
-        all.insert(all.end(), arguments.from(2).begin(), arguments.from(2).end());
-        answer = runtime.send(name, all);
-    }
-    return answer;
 }
 
 Value parameter(Runtime& runtime, const Arguments& arguments) {
@@ -120,12 +138,15 @@ Value ticksSince(int64_t start) { return integerOf((milliseconds() - start) * 60
 constexpr Builtin kBuiltins[] = {
     {"alert", 1, 1, alert},
     {"halt", 0, 0, halt},
-    {"abort", 0, 0, halt},
+    {"quit", 0, 0, halt},
+    {"abort", 0, 0, abortHandlers},
     {"xtra", 1, 1, xtraNamed},
     {"script", 1, 1, scriptNamed},
     {"member", 1, 2, memberNamed},
+    {"cast", 1, 2, memberNamed},
     {"new", 1, kAnyNumber, makeNew},
-    {"call", 2, kAnyNumber, call},
+    {"field", 1, 2, field},
+    {"paramCount", 0, 0, paramCount},
     {"param", 1, 1, parameter},
     {"clearGlobals", 0, 0, clearGlobals},
     {"startTimer", 0, 0, startTimer},

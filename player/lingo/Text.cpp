@@ -12,16 +12,33 @@ namespace krl::player {
 
 namespace {
 
+/// With an exponent where fixed decimals would hide the number or go on for digits it does not have.
 std::string floatText(double number, int precision) {
     if (std::isnan(number)) return "NAN";
     if (std::isinf(number)) return number < 0 ? "-INF" : "INF";
     char text[400];
-    std::snprintf(text, sizeof(text), "%.*f", precision, number);
-    return text;
+    const double size = std::fabs(number);
+    const bool hidden = size > 0 && size < std::pow(10, -precision);
+    if (!hidden && size < 1e16) {
+        std::snprintf(text, sizeof(text), "%.*f", precision, number);
+        return text;
+    }
+    std::snprintf(text, sizeof(text), "%.*e", precision, number);
+    std::string shown = text;
+    // "e-05" and "e+20" are written e-5 and e20.
+    size_t digits = shown.find('e') + 1;
+    if (shown[digits] == '+') shown.erase(digits, 1);
+    if (shown[digits] == '-') ++digits;
+    while (shown[digits] == '0' && digits + 1 < shown.size()) shown.erase(digits, 1);
+    return shown;
 }
 
-std::string colourText(Colour colour) {
-    return "rgb( " + std::to_string(colour.red()) + ", " + std::to_string(colour.green()) + ", " +
+std::string colourText(const Value& value) {
+    if (value.colourForm() == ColourForm::PaletteIndex)
+        return "paletteIndex( " + std::to_string(value.paletteIndex()) + " )";
+    const Colour colour = value.colour();
+    return std::string(value.colourForm() == ColourForm::Color ? "color( " : "rgb( ") +
+           std::to_string(colour.red()) + ", " + std::to_string(colour.green()) + ", " +
            std::to_string(colour.blue()) + " )";
 }
 
@@ -46,7 +63,7 @@ public:
             case Kind::Symbol:
                 return '#' + style_.symbols.spelling(value.symbol());
             case Kind::Colour:
-                return colourText(value.colour());
+                return colourText(value);
             case Kind::Float:
                 return floatText(value.number(), style_.floatPrecision);
             case Kind::String:
@@ -72,11 +89,41 @@ public:
                 return "<offspring \"" + value.as<InstanceObject>()->name() + "\" " + address(value) + '>';
             case Kind::Member:
                 return "(member \"" + value.as<MemberObject>()->name + "\")";
+            case Kind::Vector:
+                return vectorText(value.as<VectorObject>()->parts);
+            case Kind::Date:
+                return dateText(*value.as<DateObject>());
+            case Kind::ByteArray:
+                return bytesText(value.as<ByteArrayObject>()->content);
+            case Kind::Environment:
+                return std::string("(") + value.as<EnvironmentObject>()->name + ')';
         }
         return "";
     }
 
 private:
+    std::string vectorText(const std::array<double, 3>& parts) const {
+        std::string all;
+        for (double part : parts) all += (all.empty() ? "" : ", ") + floatText(part, style_.floatPrecision);
+        return "vector( " + all + " )";
+    }
+
+    static std::string bytesText(const std::vector<uint8_t>& bytes) {
+        std::string all = "<ByteArrayObject length = " + std::to_string(bytes.size()) + " ByteArray = ";
+        for (size_t i = 0; i < bytes.size(); ++i) {
+            char text[8];
+            std::snprintf(text, sizeof(text), "%s0x%x", i > 0 ? ", " : "", bytes[i]);
+            all += text;
+            bound(all);
+        }
+        return all + " >";
+    }
+
+    static std::string dateText(const DateObject& date) {
+        return "date( " + std::to_string(date.year) + ", " + std::to_string(date.month) + ", " +
+               std::to_string(date.day) + " )";
+    }
+
     template <class Sequence>
     std::string joined(const Sequence& values, int depth) const {
         std::string all;
@@ -131,14 +178,19 @@ std::string kindName(Kind kind) {
                                             "an instance of an xtra",
                                             "a script",
                                             "an instance of a script",
-                                            "a member"};
+                                            "a member",
+                                            "a vector",
+                                            "a date",
+                                            "a byte array",
+                                            "an object of the player"};
     return names[static_cast<size_t>(kind)];
 }
 
 const char* ilkName(Kind kind) {
-    static constexpr const char* names[] = {"void",     "integer",  "symbol",   "color", "float", "string",
-                                            "list",     "propList", "point",    "rect",  "image", "xtra",
-                                            "instance", "script",   "instance", "member"};
+    static constexpr const char* names[] = {"void",   "integer", "symbol",   "color",     "float",
+                                            "string", "list",    "propList", "point",     "rect",
+                                            "image",  "xtra",    "instance", "script",    "instance",
+                                            "member", "vector",  "date",     "byteArray", "object"};
     return names[static_cast<size_t>(kind)];
 }
 

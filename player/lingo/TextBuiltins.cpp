@@ -8,13 +8,14 @@ namespace krl::player {
 namespace {
 
 Value length(Runtime& runtime, const Arguments& arguments) {
-    return Value::integer(countChunks(arguments.text(0), ChunkKind::Char, runtime.settings.itemDelimiter));
+    const auto& text = arguments.object<StringObject>(0);
+    return Value::integer(countIn(text, ChunkKind::Char, runtime.settings.itemDelimiter));
 }
 
 Value chars(Runtime& runtime, const Arguments& arguments) {
-    const std::string& whole = arguments.text(0);
-    const Stretch part = findChunk(whole, ChunkKind::Char, arguments.integer(1), arguments.integer(2), ',');
-    return runtime.text(std::string(part.of(whole)));
+    const auto& whole = arguments.object<StringObject>(0);
+    const Stretch part = findIn(whole, ChunkKind::Char, arguments.integer(1), arguments.integer(2), ',');
+    return runtime.text(std::string(part.of(whole.text)));
 }
 
 /// The code point of the first character.

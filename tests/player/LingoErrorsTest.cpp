@@ -108,7 +108,7 @@ TEST(LingoErrors, TheExcerptOfAVeryLongLineShowsThePartAroundTheColumn) {
 
 TEST(LingoErrors, TheLineStartsWithFileLineAndColumn) {
     const test::ScratchFolder folder;
-    std::ofstream(folder.path() / "bad.ls") << "on main\n  put\n  put nothingHere\nend\n";
+    std::ofstream(folder.path() / "bad.ls") << "on main\n  put\n  put nothingHere()\nend\n";
     std::ostringstream out;
     SessionOptions options;
     options.output = &out;
@@ -118,14 +118,12 @@ TEST(LingoErrors, TheLineStartsWithFileLineAndColumn) {
         FAIL();
     } catch (const ScriptError& error) {
         EXPECT_EQ(std::string(error.what()), (folder.path() / "bad.ls").string() +
-                                                 ":3:7: the variable \"nothingHere\" has no value yet");
+                                                 ":3:7: there is no handler or function \"nothingHere\"");
     }
     EXPECT_EQ(out.str(), "--\n");
 }
 
 TEST(LingoErrors, MisspelledNames) {
-    EXPECT_EQ(failureOf("  total = 1\n  put totl"),
-              "3:7 the variable \"totl\" has no value yet, did you mean total?");
     EXPECT_EQ(failureOf("  put lenght(\"x\")"),
               "2:7 there is no handler or function \"lenght\", did you mean length?");
     EXPECT_EQ(failureOf("  put [1].cuont"), "2:11 a list has no property \"cuont\", did you mean count?");
@@ -139,6 +137,40 @@ TEST(LingoErrors, MisspelledNames) {
     EXPECT_EQ(failureOf("  put xtra(\"Other\")"), "2:7 there is no xtra \"Other\", only \"KRLImageXtra\"");
     EXPECT_EQ(Script("on main\n  helo\nend\non hello\nend\n").failure(),
               "2:3 there is no handler or function \"helo\", did you mean hello?");
+}
+
+TEST(LingoErrors, WhatNeedsAStageIsRefused) {
+    EXPECT_EQ(failureOf("  sprite(5).locH = 1"),
+              "2:3 this needs a stage, which krlimage does not have: sprite(5)");
+    EXPECT_EQ(failureOf("  go to frame 5"), "2:3 this needs a stage, which krlimage does not have: go(5)");
+    EXPECT_EQ(failureOf("  x = the mouseH"),
+              "2:11 this needs a stage, which krlimage does not have: the mouseH");
+    EXPECT_EQ(failureOf("  the stageColor = 3"),
+              "2:7 this needs a stage, which krlimage does not have: the stageColor");
+    EXPECT_EQ(failureOf("  puppetSound \"bang\""),
+              "2:3 this needs sound, which krlimage does not have: puppetSound(\"bang\")");
+    EXPECT_EQ(failureOf("  getNetText \"page\""),
+              "2:3 this needs a network, which krlimage does not have: getNetText(\"page\")");
+    EXPECT_EQ(failureOf("  tell window 1\n    f()\n  end tell"),
+              "2:8 this needs a stage, which krlimage does not have: window(1)");
+}
+
+TEST(LingoErrors, WhatNeedsAStageCanBeSkipped) {
+    Script script(
+        "on main\n  sprite(5).locH = 1\n  sprite(6).image.fill(1)\n  put the mouseH, sprite(1)[2]\n"
+        "  the stageColor = 3\n  tell window 1\n    put 5\n  end tell\n  updateStage\nend\n");
+    script.options.stageless = Stageless::Ignore;
+    EXPECT_EQ(script.run(),
+              "-- <Void> <Void>\n"
+              "skipped without a stage: mouseH, sprite (3 times), stageColor, tell, updateStage, window\n");
+}
+
+TEST(LingoErrors, FramesRunAfterTheStart) {
+    Script script(
+        "on startMovie\n  put \"start\"\nend\non exitFrame\n  put the frame\nend\n"
+        "on stopMovie\n  put \"stop\"\nend\n");
+    script.options.frames = 2;
+    EXPECT_EQ(script.run(), "-- \"start\"\n-- 1\n-- 2\n-- \"stop\"\n");
 }
 
 TEST(LingoErrors, WrongTypesOfValues) {

@@ -56,6 +56,7 @@ std::string transcriptOf(const std::string& name, const fs::path& outputFolder) 
     options.outputFolder = outputFolder;
     // The same suite tests a plug-in file if the environment names one.
     if (const char* xtra = std::getenv("KRL_XTRA")) options.xtraFile = xtra;
+    options.frames = 3;
     Session session(options);
     try {
         session.run(kScripts / (name + ".ls"), {"first", "second"});

@@ -1,0 +1,6 @@
+local s = ("abcdefghij"):rep(8192)
+local count = 0
+for i = 1, #s do
+  if s:sub(i, i) == "c" then count = count + 1 end
+end
+print(count)

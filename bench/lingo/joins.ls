@@ -1,0 +1,7 @@
+on main
+  s = ""
+  repeat with i = 1 to 100000
+    s = s & "piece" & i
+  end repeat
+  put s.length
+end

@@ -1,0 +1,11 @@
+on main
+  list = [:]
+  repeat with i = 1 to 20000
+    list["key" & i] = i
+  end repeat
+  sum = 0
+  repeat with i = 1 to 20000
+    sum = sum + list["key" & i]
+  end repeat
+  put sum
+end

@@ -1,0 +1,5 @@
+my %list;
+$list{"key$_"} = $_ for 1 .. 20000;
+my $sum = 0;
+$sum += $list{"key$_"} for 1 .. 20000;
+print "$sum\n";

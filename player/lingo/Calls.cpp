@@ -1,0 +1,191 @@
+#include <array>
+
+#include "catalogue/NearestName.h"
+#include "player/host/Compare.h"
+#include "player/lingo/InterpreterScopes.h"
+#include "player/lingo/StageNames.h"
+
+/// Calls of handlers, methods and functions.
+namespace krl::player {
+
+namespace {
+
+/// The values of a call's arguments; a few fit without an allocation.
+class ArgumentValues {
+public:
+    explicit ArgumentValues(size_t count) : count_(count) {
+        if (count > few_.size()) many_.resize(count);
+    }
+    Value& operator[](size_t index) { return data()[index]; }
+    std::span<const Value> all() { return {data(), count_}; }
+
+private:
+    Value* data() { return many_.empty() ? few_.data() : many_.data(); }
+
+    size_t count_;
+    std::array<Value, 5> few_;
+    std::vector<Value> many_;
+};
+
+}  // namespace
+
+Value Interpreter::evaluateCall(const CallExpression& expression) {
+    const bool asMethod = expression.object != nullptr;
+    ArgumentValues arguments(expression.arguments.size() + asMethod);
+    if (asMethod) arguments[0] = evaluate(*expression.object);
+    for (size_t i = 0; i < expression.arguments.size(); ++i)
+        arguments[i + asMethod] = evaluate(*expression.arguments[i]);
+    place_ = expression.place;
+    return callByName(expression.name, arguments.all(), asMethod);
+}
+
+/// Looks up an object's own method first; then, unless it is a method call, the handlers of this script and
+/// of the movie; then the built-in functions.
+Value Interpreter::callByName(SymbolId name, std::span<const Value> arguments, bool asMethod) {
+    // `_movie.go(5)` is `go(5)`.
+    if (asMethod && arguments.front().is(Kind::Environment))
+        return callByName(name, arguments.subspan(1), false);
+    if (skipsStage() && asMethod && arguments.front().isVoid()) return Value();
+    Value answer;
+    if (!arguments.empty() && callOnObject(name, arguments, answer)) return answer;
+    // A parent script's own `new` handler does not create instances of other scripts.
+    const bool making = name == newName_ && !arguments.empty() &&
+                        (arguments.front().is(Kind::Script) || arguments.front().is(Kind::Xtra));
+    if (!asMethod && !making)
+        for (const LoadedScript* script : {frame_ ? &frame_->script : nullptr, movie_})
+            if (const Handler* handler = script ? script->handler(name) : nullptr) {
+                const bool own = frame_ && script == &frame_->script;
+                return callHandler(*script, *handler, arguments, own ? frame_->owner : Value());
+            }
+    if (const Builtin* known = builtin(name)) return callBuiltin(*known, arguments);
+    if (const char* need = neededBy(symbols.spelling(name))) return missing(need, name, &arguments);
+    unknownCall(name, arguments, asMethod);
+}
+
+bool Interpreter::skipsStage() const { return options_.stageless == Stageless::Ignore; }
+
+/// Refuses what needs a stage, or counts it and answers VOID.
+Value Interpreter::missing(const char* need, SymbolId name, const std::span<const Value>* arguments) {
+    const std::string& spelled = symbols.spelling(name);
+    if (skipsStage()) {
+        ++skipped_[spelled];
+        return Value();
+    }
+    std::string what = arguments ? spelled + '(' : "the " + spelled;
+    for (size_t i = 0; arguments && i < arguments->size(); ++i)
+        what += (i > 0 ? ", " : "") + shownText(style(), (*arguments)[i]);
+    throw HostError(refusalOf(need, arguments ? what + ')' : what));
+}
+
+bool Interpreter::callOnObject(SymbolId name, std::span<const Value> arguments, Value& answer) {
+    const Value& object = arguments.front();
+    if (const auto* instance = object.as<XtraInstanceObject>()) {
+        const int32_t selector = instance->xtra.selector(name);
+        if (selector < 1) return false;
+        answer = callXtra(selector, arguments);
+        return true;
+    }
+    if (object.is(Kind::Script) && name == newName_) return false;
+    return alongAncestors(object, [&](PropertyHolder& holder, const Value& owner) {
+        const Handler* handler = holder.script.handler(name);
+        if (handler) answer = callHandler(holder.script, *handler, arguments, owner);
+        return handler != nullptr;
+    });
+}
+
+bool Interpreter::alongAncestors(const Value& object,
+                                 const std::function<bool(PropertyHolder&, const Value&)>& visit) const {
+    Value at = object;
+    for (int links = 0; links < kDeepestNesting; ++links) {
+        PropertyHolder* holder = holderOf(at);
+        if (!holder) return false;
+        if (visit(*holder, at)) return true;
+        at = Value(ancestorOf(*holder));
+    }
+    return false;
+}
+
+PropertyHolder* Interpreter::holderOf(const Value& object) {
+    if (PropertyHolder* instance = object.as<InstanceObject>()) return instance;
+    return object.as<ScriptObject>();
+}
+
+Value& Interpreter::ancestorOf(PropertyHolder& holder) const {
+    Value* declared = holder.property(ancestorName_);
+    return declared ? *declared : holder.ancestor;
+}
+
+bool Interpreter::responds(const Value& object, SymbolId name) const {
+    if (const auto* instance = object.as<XtraInstanceObject>()) return instance->xtra.selector(name) > 0;
+    return alongAncestors(object,
+                          [&](PropertyHolder& holder, const Value&) { return holder.script.handler(name); });
+}
+
+Value Interpreter::sendToAncestor(SymbolId name, std::span<const Value> arguments) {
+    PropertyHolder* holder = holderOf(arguments.front());
+    Value answer;
+    const bool sent =
+        holder && alongAncestors(ancestorOf(*holder), [&](PropertyHolder& above, const Value& owner) {
+            const Handler* handler = above.script.handler(name);
+            if (handler) answer = callHandler(above.script, *handler, arguments, owner);
+            return handler != nullptr;
+        });
+    if (!sent) throw HostError("no ancestor has the handler \"" + symbols.spelling(name) + '"');
+    return answer;
+}
+
+Value Interpreter::callXtra(int32_t selector, std::span<const Value> arguments) {
+    Xtra& plugIn = arguments.front().as<XtraInstanceObject>()->xtra;
+    const bool chosen =
+        options_.threads != ThreadChoice::AsScripted && selector == plugIn.selector(tablesName_);
+    if (!chosen) return plugIn.call(arguments.front(), selector, arguments.subspan(1));
+    const Value mode = symbol(options_.threads == ThreadChoice::Many ? "mt" : "st");
+    return plugIn.call(arguments.front(), selector, {&mode, 1});
+}
+
+const Builtin* Interpreter::builtin(SymbolId name) const {
+    const auto id = static_cast<size_t>(name);
+    return id < builtins_.size() ? builtins_[id] : nullptr;
+}
+
+Value Interpreter::callBuiltin(const Builtin& entry, std::span<const Value> arguments) {
+    if (arguments.size() < entry.least || arguments.size() > entry.most) {
+        const bool few = arguments.size() < entry.least;
+        const size_t wanted = few ? entry.least : entry.most;
+        throw HostError(std::string(entry.name) + " takes " + (few ? "at least " : "at most ") +
+                        std::to_string(wanted) + (wanted == 1 ? " argument, not " : " arguments, not ") +
+                        std::to_string(arguments.size()));
+    }
+    return entry.run(*this, Arguments(entry.name, arguments));
+}
+
+void Interpreter::unknownCall(SymbolId name, std::span<const Value> arguments, bool asMethod) {
+    const std::string& wanted = symbols.spelling(name);
+    std::vector<std::string> known = functionNames();
+    const bool onXtra = !arguments.empty() && arguments.front().is(Kind::XtraInstance);
+    if (onXtra) {
+        known.clear();
+        for (const MethodSignature& method : arguments.front().as<XtraInstanceObject>()->xtra.methods())
+            known.push_back(method.name);
+    }
+    if (!arguments.empty())
+        if (const auto* instance = arguments.front().as<InstanceObject>())
+            for (const auto& handler : instance->script.syntax->handlers)
+                known.push_back(symbols.spelling(handler->name));
+    const std::string what = onXtra || asMethod ? kindName(arguments.front().kind()) + " has no method \""
+                                                : "there is no handler or function \"";
+    throw HostError(what + wanted + '"' + didYouMean(wanted, known));
+}
+
+std::vector<std::string> Interpreter::functionNames() const {
+    std::vector<std::string> names;
+    for (const LoadedScript* script : {frame_ ? &frame_->script : nullptr, movie_})
+        if (script)
+            for (const auto& handler : script->syntax->handlers)
+                names.push_back(symbols.spelling(handler->name));
+    for (const Builtin* entry : builtins_)
+        if (entry) names.emplace_back(entry->name);
+    return names;
+}
+
+}  // namespace krl::player

@@ -1,0 +1,94 @@
+#include "player/lingo/StageNames.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "player/host/Compare.h"
+
+namespace krl::player {
+
+namespace {
+
+constexpr const char* kOfAStage[] = {
+    // Functions and commands.
+    "sprite", "go", "play", "puppetSprite", "updateStage", "puppetTempo", "puppetTransition", "puppetPalette",
+    "cursor", "window", "open", "close", "forget", "tell", "when", "hilite", "spriteBox", "constrainH",
+    "constrainV", "marker", "label", "delay", "pause", "continue", "printFrom", "sendSprite",
+    "sendAllSprites", "timeout", "keyPressed", "installMenu", "dontPassEvent", "stopEvent", "zoomBox",
+    "ramNeeded", "move", "beginRecording", "endRecording", "insertFrame", "deleteFrame", "duplicateFrame",
+    "clearFrame", "updateFrame", "menu", "menuItem", "frameReady", "preLoad", "preLoadMember", "preLoadMovie",
+    "unLoad", "unLoadMember", "unLoadMovie", "charPosToLoc", "locToCharPos", "linePosToLocV", "locVToLinePos",
+    "scrollByLine", "scrollByPage", "mapStageToMember", "mapMemberToStage", "restart", "shutDown",
+    "appMinimize", "setScriptList", "newCurve", "camera", "model", "modelUnderLoc", "modelsUnderRay",
+    "shader", "makeScriptedSprite", "removeScriptedSprite", "idleLoadDone", "finishIdleLoad",
+    "cancelIdleLoad", "point2D",
+    // Properties.
+    "stage", "activeWindow", "frontWindow", "windowList", "mouseH", "mouseV", "mouseLoc", "mouseDown",
+    "mouseUp", "mouseChar", "mouseItem", "mouseLine", "mouseWord", "mouseCast", "mouseMember",
+    "rightMouseDown", "rightMouseUp", "stillDown", "clickOn", "clickLoc", "doubleClick", "lastClick",
+    "lastEvent", "lastKey", "lastRoll", "rollOver", "key", "keyCode", "keyDownScript", "keyUpScript",
+    "mouseDownScript", "mouseUpScript", "timeoutScript", "timeoutLength", "timeoutKeyDown", "timeoutLapsed",
+    "timeoutMouse", "timeoutPlay", "timeoutList", "shiftDown", "commandDown", "controlDown", "optionDown",
+    "currentSpriteNum", "frameLabel", "labelList", "markerList", "lastChannel", "score", "scoreSelection",
+    "frameScript", "framePalette", "frameSound1", "frameSound2", "frameTransition", "frameTempo",
+    "updateLock", "updateMovieEnabled", "selStart", "selEnd", "selection", "stageColor", "bgColor",
+    "stageLeft", "stageTop", "stageRight", "stageBottom", "deskTopRectList", "keyboardFocusSprite",
+    "centerStage", "fixStageSize", "fullColorPermit", "buttonStyle", "checkBoxType", "checkBoxAccess",
+    "alertHook", "cpuHogTicks", "idleHandlerPeriod", "idleLoadMode", "idleLoadPeriod", "idleLoadTag",
+    "idleReadChunkSize", "switchColorDepth", "number of menus", "number of menuItems", "number of windows",
+    "channelCount", "editShortCutsEnabled", "scriptInstanceList", "digitalVideoTimeScale"};
+
+constexpr const char* kOfSound[] = {"sound",           "puppetSound",   "beep",        "soundBusy",
+                                    "soundEnabled",    "soundLevel",    "soundDevice", "soundDeviceList",
+                                    "soundKeepDevice", "soundMixMedia", "multiSound",  "beepOn",
+                                    "playFile",        "isBusy",        "setPlayList", "queue"};
+
+constexpr const char* kOfANetwork[] = {"getNetText",
+                                       "postNetText",
+                                       "netDone",
+                                       "netError",
+                                       "netTextResult",
+                                       "netStatus",
+                                       "netMIME",
+                                       "netLastModDate",
+                                       "netAbort",
+                                       "gotoNetPage",
+                                       "gotoNetMovie",
+                                       "preloadNetThing",
+                                       "downloadNetThing",
+                                       "getStreamStatus",
+                                       "tellStreamStatus",
+                                       "externalEvent",
+                                       "externalParamName",
+                                       "externalParamValue",
+                                       "externalParamCount",
+                                       "browserName",
+                                       "cacheSize",
+                                       "cacheDocVerify",
+                                       "clearCache",
+                                       "proxyServer",
+                                       "netPresent",
+                                       "netThrottleTicks",
+                                       "getPref",
+                                       "setPref",
+                                       "getLatestNetID"};
+
+template <size_t Count>
+bool holds(const char* const (&names)[Count], std::string_view wanted) {
+    return std::any_of(std::begin(names), std::end(names),
+                       [&](const char* name) { return compareText(name, wanted) == 0; });
+}
+
+}  // namespace
+
+const char* neededBy(std::string_view name) {
+    if (holds(kOfAStage, name)) return "a stage";
+    if (holds(kOfSound, name)) return "sound";
+    return holds(kOfANetwork, name) ? "a network" : nullptr;
+}
+
+std::string refusalOf(const char* need, std::string_view what) {
+    return std::string("this needs ") + need + ", which krlimage does not have: " + std::string(what);
+}
+
+}  // namespace krl::player
