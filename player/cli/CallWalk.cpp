@@ -6,7 +6,7 @@ namespace {
 
 class Walk {
 public:
-    explicit Walk(const std::function<void(const CallExpression&)>& visit) : visit_(visit) {}
+    explicit Walk(const std::function<void(const Expression&)>& visit) : visit_(visit) {}
 
     void walk(const Block& block) {
         for (const StatementPointer& statement : block) walk(*statement);
@@ -28,11 +28,11 @@ private:
 
     void walkCall(const CallExpression& call) {
         walk(call.object);
-        visit_(call);
         walk(call.arguments);
     }
 
     void walk(const Expression& expression) {
+        visit_(expression);
         switch (expression.kind) {
             case ExpressionKind::Call:
             case ExpressionKind::MethodCall:
@@ -120,14 +120,21 @@ private:
         walk(statement.otherwise);
     }
 
-    const std::function<void(const CallExpression&)>& visit_;
+    const std::function<void(const Expression&)>& visit_;
 };
 
 }  // namespace
 
-void visitCalls(const Script& script, const std::function<void(const CallExpression&)>& visit) {
+void visitExpressions(const Script& script, const std::function<void(const Expression&)>& visit) {
     Walk walk(visit);
     for (const auto& handler : script.handlers) walk.walk(handler->body);
+}
+
+void visitCalls(const Script& script, const std::function<void(const CallExpression&)>& visit) {
+    visitExpressions(script, [&](const Expression& expression) {
+        if (expression.kind == ExpressionKind::Call || expression.kind == ExpressionKind::MethodCall)
+            visit(static_cast<const CallExpression&>(expression));
+    });
 }
 
 }  // namespace krl::player

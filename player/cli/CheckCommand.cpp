@@ -6,6 +6,7 @@
 #include "player/cli/CallWalk.h"
 #include "player/cli/Commands.h"
 #include "player/cli/MethodFacts.h"
+#include "player/cli/NameCheck.h"
 #include "player/cli/TextFile.h"
 #include "player/lingo/Parser.h"
 
@@ -20,14 +21,17 @@ std::shared_ptr<const Source> sourceOf(const std::filesystem::path& path) {
 /// Checks one script and reports all of its mistakes in order.
 class Check {
 public:
-    Check(std::shared_ptr<const Source> source, const Terminal& terminal)
-        : source_(std::move(source)), terminal_(terminal) {}
+    Check(std::shared_ptr<const Source> source, bool names, const Terminal& terminal)
+        : source_(std::move(source)), names_(names), terminal_(terminal) {}
 
     size_t mistakes() {
         const auto script = parseScript(source_, symbols_, mistakes_);
         visitCalls(*script, [&](const CallExpression& call) {
             if (!script->handler(call.name)) check(call);
         });
+        if (names_)
+            checkNames(*script, symbols_,
+                       [this](Place place, const std::string& message) { complain(place, message); });
         std::stable_sort(mistakes_.begin(), mistakes_.end(), [](const ScriptError& a, const ScriptError& b) {
             return std::pair(a.place().line, a.place().column) < std::pair(b.place().line, b.place().column);
         });
@@ -67,6 +71,7 @@ private:
     }
 
     std::shared_ptr<const Source> source_;
+    const bool names_;
     const Terminal& terminal_;
     SymbolTable symbols_;
     std::vector<ScriptError> mistakes_;
@@ -77,7 +82,7 @@ private:
 int checkScripts(const CheckOptions& options, const Terminal& terminal) {
     size_t mistakes = 0;
     for (const std::filesystem::path& script : options.scripts)
-        mistakes += Check(sourceOf(script), terminal).mistakes();
+        mistakes += Check(sourceOf(script), options.names, terminal).mistakes();
     return mistakes > 0 ? 1 : 0;
 }
 

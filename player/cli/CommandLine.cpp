@@ -168,6 +168,7 @@ private:
         CLI::App& app = command("check", "Check scripts for mistakes without running them",
                                 [this] { return checkScripts(check_, terminal_); });
         addPaths(app, "SCRIPT", check_.scripts, "", "The scripts to check")->required();
+        app.add_flag("--names", check_.names, "Also report unknown functions, properties and options");
     }
 
     void addLook() {

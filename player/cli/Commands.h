@@ -120,6 +120,8 @@ int comparePictures(const CompareOptions& options, const Terminal& terminal);
 
 struct CheckOptions {
     std::vector<std::filesystem::path> scripts;
+    /// Also reports unknown functions, properties and options.
+    bool names = false;
 };
 /// Checks scripts for mistakes without running them.
 int checkScripts(const CheckOptions& options, const Terminal& terminal);

@@ -168,6 +168,24 @@ TEST_F(Check, ChecksEveryFormOfStatement) {
         EXPECT_TELLS(errorsOf(body), "colourOrAlpha: expected #RGB or #Alpha, got 1") << body;
 }
 
+TEST_F(Check, NamesWhatThereIsNotAndWhatNeedsAStage) {
+    const std::string script =
+        text("names.ls",
+             "property pSize\non main me\n  x = lenght(\"a\")\n  put [1].cuont, me.pSize, x.own\n"
+             "  put the milisecond, #own\n  sprite(5).locH = 1\n  go 3\n"
+             "  x.copyPixels(x, x.rect, x.rect, [#ink: 3, #blendLevl: 5])\n  helper x\nend\n"
+             "on helper x\nend\n");
+    EXPECT_EQ(krlimage({"check", script}).err, "") << "only where it is asked for";
+    const std::string errors = krlimage({"check", "--names", script}).err;
+    EXPECT_TELLS(errors, "names.ls:3:7: there is no handler or function \"lenght\", did you mean length?");
+    EXPECT_TELLS(errors, "names.ls:4:11: there is no property \"cuont\", did you mean count?");
+    EXPECT_TELLS(errors, "names.ls:5:11: there is no \"the milisecond\", did you mean milliseconds?");
+    EXPECT_TELLS(errors, "names.ls:6:3: this needs a stage, which krlimage does not have: sprite");
+    EXPECT_TELLS(errors, "names.ls:7:3: this needs a stage, which krlimage does not have: go");
+    EXPECT_TELLS(errors, "there is no option #blendLevl, did you mean blendLevel?");
+    EXPECT_EQ(countOf(errors, "^\n"), 6u) << errors;
+}
+
 TEST_F(Check, ReportsScriptsThatCannotBeParsedOrRead) {
     EXPECT_TELLS(errorsOf("  if 1 put 2"), "a.ls:2:");
     EXPECT_EQ(krlimage({"check", at("none.ls")}).code, 1);
