@@ -5,6 +5,7 @@
 #include <fstream>
 #include <functional>
 #include <map>
+#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -121,6 +122,27 @@ TEST(Architecture, KernelsFormNoCircle) {
     };
     const auto rooms = arrows;
     for (const auto& [room, to] : rooms) visit(room);
+}
+
+/// What the C library or the width of `long double` would decide comes from core/ExactFunctions.
+bool mayRoundDifferently(const std::string& line) {
+    static const std::regex pattern(
+        R"(\bstd::(sin|cos|tan|asin|acos|atan2?|exp2?|expm1|log|log2|log10|log1p|pow|cbrt|hypot|sinh|cosh|tanh)f?\(|\blong double\b)");
+    const bool isCandidate =
+        line.find("std::") != std::string::npos || line.find("long ") != std::string::npos;
+    return isCandidate && std::regex_search(line, pattern);
+}
+
+TEST(Architecture, TheEngineLeavesNoRoundingToTheMachine) {
+    EXPECT_TRUE(mayRoundDifferently("x = std::pow(a, b);"));
+    EXPECT_FALSE(mayRoundDifferently("x = std::sqrt(exactPower(a, b));"));
+    const std::set<std::string> exact = {"DoubleDouble.cpp", "ExactFunctions.cpp", "ExactFunctions.h"};
+    for (const fs::path& file : sourcesBelow(kSource / "src")) {
+        if (exact.count(file.filename().string())) continue;
+        std::ifstream in(file);
+        for (std::string line; std::getline(in, line);)
+            EXPECT_FALSE(mayRoundDifferently(line)) << file << ": " << line;
+    }
 }
 
 /// The player meets the plug-in at its door and effects through the catalogue, nothing else.

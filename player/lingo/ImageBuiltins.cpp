@@ -172,7 +172,7 @@ Value flood(Runtime&, const Arguments& arguments) {
 /// Reads a picture file into a member.
 Value importFileInto(Runtime& runtime, const Arguments& arguments) {
     auto& member = arguments.object<MemberObject>(0);
-    member.image = imageFromFile(runtime, arguments.text(1));
+    member.image = imageNamed(runtime, arguments.text(1));
     return Value();
 }
 
