@@ -13,7 +13,9 @@ TEST(StringObjects, FindCharactersBeyondAscii) {
     for (int i = 0; i < 500; ++i) {
         begins.push_back(text.text.size());
         text.append(i % 3 == 0 ? "\xC3\xA4" : i % 7 == 0 ? "\xE2\x82\xAC" : "x");
-        if (i % 50 == 0) EXPECT_EQ(text.length(), begins.size()) << "what is appended later is counted too";
+        if (i % 50 == 0) {
+            EXPECT_EQ(text.length(), begins.size()) << "what is appended later is counted too";
+        }
     }
     for (size_t i = 0; i < begins.size(); ++i) EXPECT_EQ(text.beginOfChar(i), begins[i]) << i;
     EXPECT_EQ(text.beginOfChar(500), text.text.size());
