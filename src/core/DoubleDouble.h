@@ -64,6 +64,12 @@ struct DoubleDouble {
     }
 };
 
+/// 1 / n!
+template <int n>
+inline constexpr DoubleDouble kInverseFactorial = kInverseFactorial<n - 1> / double(n);
+template <>
+inline constexpr DoubleDouble kInverseFactorial<0> = 1.0;
+
 /// Powers of e and natural logarithms, right to about 29 digits. Of a logarithm the argument is above 0.
 DoubleDouble exponential(DoubleDouble x);
 DoubleDouble logarithm(DoubleDouble x);

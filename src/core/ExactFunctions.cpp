@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <numbers>
+#include <utility>
 
 #include "core/DoubleDouble.h"
 
@@ -13,7 +14,9 @@ namespace krl {
 
 namespace {
 
+/// A quarter turn, and what it lacks.
 constexpr DoubleDouble kQuarterTurn = {0x1.921fb54442d18p+0, 0x1.1a62633145c07p-54};
+constexpr double kQuarterRest = -0x1.f1976b7ed8fbcp-110;
 
 /// 2 / pi, 32 bits each.
 constexpr uint32_t kQuartersPerRadian[] = {
@@ -28,6 +31,14 @@ struct ReducedAngle {
     DoubleDouble rest;
     uint32_t quarters = 0;
 };
+
+/// For sizes up to 2^20.
+ReducedAngle reducedSmall(double size) {
+    const double quarters = std::floor(size * (2 / std::numbers::pi) + 0.5);
+    const DoubleDouble rest = (size - DoubleDouble::product(kQuarterTurn.high, quarters)) -
+                              DoubleDouble::product(kQuarterTurn.low, quarters) - kQuarterRest * quarters;
+    return {rest, static_cast<uint32_t>(quarters) & 3};
+}
 
 /// For sizes from 0.5. Only the bits of 2 / pi are multiplied that lie where the product has neither whole
 /// turns nor less than the result can hold (M. Payne, R. Hanek, "Radian reduction for trigonometric
@@ -70,24 +81,32 @@ ReducedAngle reduced(double size) {
     return angle;
 }
 
-/// The series around 0, from `r` or from 1.
-DoubleDouble series(DoubleDouble first, DoubleDouble square, int divisor) {
-    DoubleDouble sum = first, term = first;
-    for (int n = divisor; n < 32; n += 2) {
-        term = -(term * square / double(n * (n + 1)));
-        sum = sum + term;
-    }
-    return sum;
+/// The sum of (-1)^n square^n / (2 n + first)! for n from 0, for a square up to 0.62. What the last terms
+/// lack in digits, they lack in size.
+template <int first, int... n>
+DoubleDouble alternatingSeries(DoubleDouble square, std::integer_sequence<int, n...>) {
+    constexpr int kTerms = 7, kLast = kTerms + static_cast<int>(sizeof...(n)) - 1;
+    double tail = 0;
+    ((tail = kInverseFactorial<2 * (kLast - n) + first>.high - tail * square.high), ...);
+    const auto sum = [&]<int... m>(DoubleDouble start, std::integer_sequence<int, m...>) {
+        ((start = kInverseFactorial<2 * (kTerms - 1 - m) + first> - start * square), ...);
+        return start;
+    };
+    return sum(tail, std::make_integer_sequence<int, kTerms>());
 }
-DoubleDouble smallSine(DoubleDouble r) { return series(r, r * r, 2); }
-DoubleDouble smallCosine(DoubleDouble r) { return series(1.0, r * r, 1); }
+DoubleDouble smallSine(DoubleDouble r) {
+    return r * alternatingSeries<1>(r * r, std::make_integer_sequence<int, 7>());
+}
+DoubleDouble smallCosine(DoubleDouble r) {
+    return alternatingSeries<0>(r * r, std::make_integer_sequence<int, 8>());
+}
 
 /// The sine of an angle and so many quarter turns more.
 double sineOf(double angle, uint32_t more) {
     if (!std::isfinite(angle)) return angle - angle;
     const double size = std::fabs(angle);
     ReducedAngle reducedAngle{size, 0};
-    if (size >= 0.5) reducedAngle = reduced(size);
+    if (size >= 0.5) reducedAngle = size < 0x1p20 ? reducedSmall(size) : reduced(size);
     if (angle < 0) reducedAngle = {-reducedAngle.rest, (4 - reducedAngle.quarters) & 3};
     const uint32_t quarters = (reducedAngle.quarters + more) & 3;
     const DoubleDouble sine = quarters & 1 ? smallCosine(reducedAngle.rest) : smallSine(reducedAngle.rest);
