@@ -1,14 +1,12 @@
 #include <algorithm>
 #include <cctype>
-#include <functional>
-#include <mutex>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 #include <sstream>
 
-#include "player/cli/ApplyProgress.h"
-#include "player/cli/CatalogueCalls.h"
+#include "player/cli/ApplyOptions.h"
+#include "player/cli/ApplyPicture.h"
+#include "player/cli/ApplyReport.h"
 #include "player/cli/ChainCall.h"
 #include "player/cli/ChainScript.h"
 #include "player/cli/LookFiles.h"
@@ -17,180 +15,13 @@
 #include "player/cli/SideBySide.h"
 #include "player/cli/TextFile.h"
 #include "player/cli/TimeLimit.h"
-#include "player/pictures/FileAccess.h"
-#include "player/pictures/Picture.h"
+#include "player/pictures/PictureFiles.h"
 
 namespace krl::player {
 
 namespace {
 
 namespace fs = std::filesystem;
-
-/// What the processing of every picture shares.
-struct Work {
-    const std::vector<ReadyLook>& looks;
-    const std::vector<ChainCall>& chain;
-    const WriteOptions& options;
-    ApplyProgress& progress;
-};
-
-/// Runs looks and calls on a picture: through the catalogue, or calls through a plug-in from a file.
-struct Runner {
-    std::function<CallOutcome(Bitmap& picture, const ChainCall& call)> call;
-    std::function<CallOutcome(Bitmap& picture, const ReadyLook& look)> look;
-};
-
-Runner makeRunner(const SessionOptions& options) {
-    if (options.xtraFile.empty()) {
-        const auto calls = std::make_shared<CatalogueCalls>(options.threads);
-        return {[calls](Bitmap& picture, const ChainCall& call) {
-                    const auto [width, height] = std::pair(picture.width, picture.height);
-                    return calls->apply(picture, call.method(), call.arguments(width, height),
-                                        call.extent(width, height));
-                },
-                [calls](Bitmap& picture, const ReadyLook& look) { return calls->apply(picture, look); }};
-    }
-    const auto session = std::make_shared<Session>(options);
-    return {[session](Bitmap& picture, const ChainCall& call) {
-                return session->apply(picture, call.lingo(picture.width, picture.height));
-            },
-            {}};
-}
-
-/// Which second picture of a failed call has another size than the picture, or nothing.
-std::string sizeHint(const ChainCall& call, const Bitmap& picture) {
-    const std::vector<krl::Value> arguments = call.arguments(picture.width, picture.height);
-    for (size_t i = 0; i < arguments.size(); ++i) {
-        const auto* second = arguments[i].as<krl::Picture>();
-        if (!second || (second->info.width == picture.width && second->info.height == picture.height))
-            continue;
-        const auto size = [](int32_t width, int32_t height) {
-            return std::to_string(width) + " by " + std::to_string(height);
-        };
-        return std::string("; ") + call.method().arguments()[i].name + " is " +
-               size(second->info.width, second->info.height) + " pixels, the picture " +
-               size(picture.width, picture.height);
-    }
-    return "";
-}
-
-/// Looks first, then calls, up to the first that fails; returns a hint why it may have.
-std::string runAll(const Runner& run, const Work& work, Bitmap& picture, PictureReport& report) {
-    for (const ReadyLook& look : work.looks) {
-        CallReport& made = report.calls.emplace_back();
-        made.call = "look " + look.name;
-        made.outcome = run.look(picture, look);
-        if (!made.outcome.ok()) return "";
-    }
-    for (const ChainCall& call : work.chain) {
-        CallReport& made = report.calls.emplace_back();
-        made.call = call.lingo(picture.width, picture.height);
-        made.outcome = run.call(picture, call);
-        const bool plain = made.outcome.shown.empty() || made.outcome.shown == "[#error: 0]";
-        made.telling = !plain && !(made.outcome.ok() && call.method().makesPicture());
-        if (!made.outcome.ok()) return sizeHint(call, picture);
-    }
-    return "";
-}
-
-PictureReport workOn(const Runner& run, const Work& work, size_t index) {
-    const BatchItem& item = work.progress.items()[index];
-    PictureReport report;
-    try {
-        for (const std::string& loss : lossesIn(item.input))
-            report.notes.push_back(item.input.string() + " loses " + loss);
-        Bitmap picture = readPicture(item.input);
-        const std::string hint = runAll(run, work, picture, report);
-        if (!report.calls.empty() && !report.calls.back().outcome.ok()) {
-            const CallReport& failed = report.calls.back();
-            report.failure =
-                item.input.string() + ": " + failed.outcome.error + " from " + failed.call + hint;
-            return report;
-        }
-        work.progress.calledAll(index, report);
-        WriteOptions options = work.options;
-        options.whenWritten = [&] { work.progress.written(index); };
-        writePictureOf(item.input, item.output, picture, options);
-        report.written = true;
-    } catch (const ScriptError& error) {
-        report.failure = item.input.string() + ": " + error.what();
-    } catch (const PictureError& error) {
-        report.failure = error.what();
-    } catch (const std::bad_alloc&) {
-        report.failure = item.input.string() + ": out of memory";
-    }
-    return report;
-}
-
-void settle(const Runner& run, const Work& work, size_t index) {
-    work.progress.begin(index);
-    PictureReport& report = work.progress.reports[index];
-    report = workOn(run, work, index);
-    if (!report.written) work.progress.failed(index, report);
-}
-
-nlohmann::ordered_json jsonOf(const BatchItem& item, const PictureReport& report) {
-    nlohmann::ordered_json json = {{"input", item.input.string()}, {"ok", report.failure.empty()}};
-    if (report.failure.empty())
-        json["output"] = item.output.string();
-    else
-        json["failure"] = report.failure;
-    json["calls"] = nlohmann::ordered_json::array();
-    for (const CallReport& made : report.calls) {
-        nlohmann::ordered_json call = {{"call", made.call}, {"result", made.outcome.shown}};
-        if (!made.outcome.ok()) call["error"] = made.outcome.error;
-        json["calls"].push_back(call);
-    }
-    return json;
-}
-
-void showResults(const PictureReport& report, const Terminal& terminal) {
-    for (const CallReport& made : report.calls)
-        if (made.telling) terminal.out << made.outcome.shown << '\n';
-}
-
-void showFailure(const PictureReport& report, const Terminal& terminal) {
-    terminal.err << "krlimage: " << report.failure << '\n';
-}
-
-void showNotes(const std::vector<std::string>& notes, const Terminal& terminal) {
-    for (const std::string& note : notes) terminal.err << "krlimage: note: " << note << '\n';
-}
-
-void tellAll(const std::vector<BatchItem>& items, const std::vector<PictureReport>& reports, size_t failed,
-             bool json, const Terminal& terminal) {
-    auto all = nlohmann::ordered_json::array();
-    for (size_t i = 0; i < items.size(); ++i) {
-        if (json)
-            all.push_back(jsonOf(items[i], reports[i]));
-        else
-            showResults(reports[i], terminal);
-        showNotes(reports[i].notes, terminal);
-        if (!reports[i].written) showFailure(reports[i], terminal);
-    }
-    // File names can hold arbitrary bytes, JSON cannot.
-    if (json) terminal.out << all.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
-    if (items.size() > 1)
-        terminal.err << items.size() - failed << " of " << items.size() << " pictures done"
-                     << (failed > 0 ? ", " + std::to_string(failed) + " failed" : "") << '\n';
-}
-
-/// Prints the results and returns the exit code. If memory runs out meanwhile, it still reports how many
-/// pictures were written.
-int outcomeOf(const std::vector<BatchItem>& items, const std::vector<PictureReport>& reports, bool json,
-              const Terminal& terminal) {
-    const auto written = static_cast<size_t>(std::count_if(
-        reports.begin(), reports.end(), [](const PictureReport& report) { return report.written; }));
-    const size_t failed = items.size() - written;
-    try {
-        tellAll(items, reports, failed, json, terminal);
-    } catch (const std::bad_alloc&) {
-        terminal.err << "krlimage: out of memory after " << written << " of " << items.size()
-                     << " pictures were written\n";
-        return 1;
-    }
-    return failed > 0 ? 1 : 0;
-}
 
 /// Marks the pictures that were not processed as failed, after an error that ended the whole batch.
 void failTheRest(ApplyProgress& progress, const std::string& why) {
@@ -224,8 +55,9 @@ void splitWords(const std::vector<std::string>& words, std::vector<fs::path>& in
 int printScript(const std::vector<fs::path>& inputs, const std::vector<ChainCall>& chain,
                 const Terminal& terminal) {
     for (const ChainCall& call : chain)
-        if (call.hasExtent())
-            throw CommandError(call.written() + ": mix, mask and region cannot be printed as a script");
+        if (call.hasExtent() || call.hasPlacement())
+            throw CommandError(call.written() +
+                               ": mix, mask, region, place, scale and fit cannot be printed as a script");
     Bitmap picture;
     if (!inputs.empty()) picture = readPicture(inputs.front());
     terminal.out << (inputs.empty() ? chainScript(chain) : chainScript(chain, picture.width, picture.height));
@@ -253,10 +85,18 @@ int printPlan(const std::vector<fs::path>& inputs, const ApplyOptions& options, 
     return 0;
 }
 
-/// PNG for a pipe, which has no name to tell the format by.
-std::optional<PictureFormat> formatFor(const ApplyOptions& options) {
-    return formatOf(options.format.empty() && isStandardStream(options.output) ? "x.png"
-                                                                               : "x." + options.format);
+WriteOptions writingFor(const ApplyOptions& options) {
+    WriteOptions writing;
+    writing.quality = options.quality;
+    writing.depth = options.depth;
+    writing.compression = options.compression;
+    writing.chroma = options.chroma;
+    writing.profile = options.profile == "keep" ? "" : options.profile;
+    writing.isStripped = options.strip;
+    // PNG for a pipe, which has no name to tell the format by.
+    const bool isUnknown = options.format.empty() && isStandardStream(options.output);
+    writing.format = formatOf(isUnknown ? "x.png" : "x." + options.format);
+    return writing;
 }
 
 void evaluate(std::vector<ChainCall>& chain, const SessionOptions& settings) {
@@ -264,8 +104,10 @@ void evaluate(std::vector<ChainCall>& chain, const SessionOptions& settings) {
     Session session(settings);
     for (ChainCall& call : chain) {
         call.evaluate(session);
-        if (call.hasExtent() && !settings.xtraFile.empty())
-            throw UsageError(call.written() + ": mix, mask and region need the built-in effects, not --xtra");
+        if ((call.hasExtent() || call.hasPlacement()) && !settings.xtraFile.empty())
+            throw UsageError(
+                call.written() +
+                ": mix, mask, region, place, scale and fit need the built-in effects, not --xtra");
     }
 }
 
@@ -295,18 +137,18 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
     const std::vector<ReadyLook> looks = readyLooks(options.looks, options.settings);
     evaluate(chain, settings);
     ApplyProgress progress(inputs, options);
-    const WriteOptions writing{options.quality, formatFor(options), {}};
+    const WriteOptions writing = writingFor(options);
     showNotes(progress.notes(), terminal);
     // Nothing but the picture goes to standard output.
     const Terminal results{isStandardStream(options.output) ? terminal.err : terminal.out, terminal.err,
                            terminal.live};
-    const Work work{looks, chain, writing, progress};
+    const ApplyWork work{looks, chain, writing, options.firstFrame, options.delivery, progress};
     try {
         ProgressBar bar(terminal, progress.alone().size() + progress.together().size(), "pictures");
         const auto workOnEach = [&](const std::vector<size_t>& indexes, unsigned jobs) {
             workSideBySide(indexes.size(), jobs, [&]() -> Worker {
                 return [&, run = makeRunner(settings)](size_t i) {
-                    settle(run, work, indexes[i]);
+                    applyToPicture(run, work, indexes[i]);
                     bar.step();
                 };
             });
@@ -319,7 +161,7 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
         if (progress.items().size() == 1) throw;
         failTheRest(progress, error.what());
     }
-    return outcomeOf(progress.items(), progress.reports, options.json, results);
+    return showOutcome(progress.items(), progress.reports, options.json, results);
 }
 
 }  // namespace krl::player

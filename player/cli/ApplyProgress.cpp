@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "player/cli/ApplyOptions.h"
+
 namespace krl::player {
 
 namespace {
@@ -26,7 +28,7 @@ std::string packed(const PictureReport& report) {
     Json calls = Json::array();
     for (const CallReport& made : report.calls)
         calls.push_back({made.call, made.outcome.error, made.outcome.shown, made.telling});
-    return packed({report.failure, calls});
+    return packed({report.failure, calls, report.notes});
 }
 
 PictureReport reportOf(const std::string& bytes) {
@@ -34,6 +36,7 @@ PictureReport reportOf(const std::string& bytes) {
     PictureReport report;
     report.failure = json[0];
     for (const Json& made : json[1]) report.calls.push_back({made[0], {made[1], made[2]}, made[3]});
+    report.notes = json[2].get<std::vector<std::string>>();
     return report;
 }
 

@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <map>
 
+#include "player/cli/ApplyOptions.h"
 #include "player/cli/TextFile.h"
 #include "player/host/SymbolTable.h"
-#include "player/pictures/Picture.h"
+#include "player/pictures/PictureFiles.h"
 
 namespace krl::player {
 
@@ -21,9 +22,9 @@ bool isFolder(const fs::path& path) {
 
 /// Whether a name has the extension of a picture format, including those that this build cannot write.
 bool endsAsPictures(const fs::path& name) {
-    static constexpr const char* others[] = {".avif", ".bmp", ".gif", ".heic", ".heif", ".jp2",
-                                             ".jpeg", ".jpg", ".jxl", ".pbm",  ".pgm",  ".png",
-                                             ".pnm",  ".ppm", ".tga", ".tif",  ".tiff", ".webp"};
+    static constexpr const char* others[] = {".avif", ".bmp", ".gif", ".heic", ".heif", ".jp2", ".jpeg",
+                                             ".jpg",  ".jxl", ".pbm", ".pgm",  ".png",  ".pnm", ".ppm",
+                                             ".svg",  ".tga", ".tif", ".tiff", ".webp"};
     const std::string extension = folded(name.extension().string());
     return isPictureName(name) ||
            std::find(std::begin(others), std::end(others), extension) != std::end(others);
@@ -33,13 +34,6 @@ bool endsAsPictures(const fs::path& name) {
 struct Found {
     fs::path input, within;
 };
-
-/// Formats that are read but not written.
-bool isReadOnlyFormat(const fs::path& name) {
-    static constexpr const char* extensions[] = {".gif", ".heic", ".heif", ".avif"};
-    return std::find(std::begin(extensions), std::end(extensions), folded(name.extension().string())) !=
-           std::end(extensions);
-}
 
 /// Finds the pictures to work on.
 class Search {
@@ -70,14 +64,14 @@ private:
     void consider(const fs::path& folder, const fs::directory_entry& entry) {
         const fs::path& path = entry.path();
         if (!entry.is_regular_file() || path.filename().string().front() == '.') return;
-        if (isPictureName(path) || (isReadOnlyFormat(path) && !options_.format.empty()))
-            found_.push_back({path, path.lexically_relative(folder).parent_path()});
-        else if (isReadOnlyFormat(path))
-            notes_.push_back("skipped " + path.string() +
-                             ": the format is read but not written; --format png "
-                             "includes it");
-        else if (endsAsPictures(path))
+        if (!endsAsPictures(path)) return;
+        if (!isReadableName(path))
             notes_.push_back("skipped " + path.string() + ": pictures of this format cannot be read");
+        else if (!isPictureName(path) && options_.format.empty())
+            notes_.push_back("skipped " + path.string() +
+                             ": the format is read but not written; --format png includes it");
+        else
+            found_.push_back({path, path.lexically_relative(folder).parent_path()});
     }
 
     const ApplyOptions& options_;

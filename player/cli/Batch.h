@@ -16,7 +16,8 @@ struct BatchItem {
 
 /// Pairs pictures, and those in folders, with their outputs, and makes the folders for these unless it is a
 /// dry run. Throws `UsageError` if two would be written to the same file or one over an input that is to be
-/// kept, and `CommandError` for a folder without pictures. `notes` receives a line for each one that is left out.
+/// kept, and `CommandError` for a folder without pictures. `notes` receives a line for each one that is left
+/// out.
 std::vector<BatchItem> planBatch(const std::vector<std::filesystem::path>& inputs,
                                  const ApplyOptions& options, std::vector<std::string>* notes = nullptr);
 

@@ -31,7 +31,13 @@ bool isOfExtent(std::string_view method, std::string_view argument) {
                         [&](const Argument& declared) { return sameLetters(declared.name, argument); });
 }
 
-/// Whether a call has a percentage or a name of an extent outside of quotation marks.
+/// Whether a call's argument is none of its method's, but says where and how much, or where a picture goes.
+bool isAdded(std::string_view method, std::string_view argument) {
+    const Method* found = catalogue().find(method);
+    return isOfExtent(method, argument) || (found && isOfPlacement(*found, argument));
+}
+
+/// Whether a call has a percentage or the name of an added argument outside of quotation marks.
 bool looksRelative(const std::string& text) {
     std::string bare, word;
     bool isQuoted = false;
@@ -46,7 +52,7 @@ bool looksRelative(const std::string& text) {
             word += letter;
             continue;
         }
-        if (letter == ':' && isOfExtent(method, word)) return true;
+        if (letter == ':' && isAdded(method, word)) return true;
         if (letter != ' ') word.clear();
     }
     return false;
@@ -64,6 +70,8 @@ ChainCall::ChainCall(std::string_view text) : written_(text), isRelative_(looksR
     for (const CallNotation::Argument& argument : call.arguments)
         if (isOfExtent(call.name, argument.name))
             hasExtent_ = true;
+        else if (isAdded(call.name, argument.name))
+            hasPlacement_ = true;
         else
             own.arguments.push_back({argument.name, writeNotation(argument.value), {}});
     take(own);
@@ -98,7 +106,7 @@ CallNotation ChainCall::notation(int32_t width, int32_t height) const {
 std::vector<krl::Value> ChainCall::relativeValues(int32_t width, int32_t height) const {
     CallNotation call = notation(width, height);
     std::erase_if(call.arguments, [&](const CallNotation::Argument& argument) {
-        return isOfExtent(method_->name(), argument.name);
+        return isAdded(method_->name(), argument.name);
     });
     std::vector<std::string_view> names;
     for (const CallNotation::Argument& argument : call.arguments) names.push_back(argument.name);
@@ -131,6 +139,7 @@ void ChainCall::evaluate(Session& session) {
         const std::string complaint = complaintAbout(argument, values_[i], given_[i]);
         if (!complaint.empty()) throw CommandError(method_->shortName() + ": " + complaint);
     }
+    placement(kUsualWidth, kUsualHeight);
     if (!hasExtent_) return;
     for (const CallNotation::Argument& argument : notation(kUsualWidth, kUsualHeight).arguments)
         if (const auto* mask = argument.value.as<PictureReference>(); mask && argument.name == "mask")
@@ -157,6 +166,15 @@ Extent ChainCall::extent(int32_t width, int32_t height) const {
     }
 }
 
+Placement ChainCall::placement(int32_t width, int32_t height) const {
+    Placement placement;
+    if (!hasPlacement_) return placement;
+    for (const CallNotation::Argument& argument : notation(width, height).arguments)
+        if (isOfPlacement(*method_, argument.name))
+            setPlacement(placement, *method_, argument.name, argument.value);
+    return placement;
+}
+
 std::vector<krl::Value> ChainCall::arguments(int32_t width, int32_t height) const {
     std::vector<krl::Value> all = values_;
     const std::vector<krl::Value> relative = isRelative_ ? relativeValues(width, height) : all;
@@ -165,6 +183,8 @@ std::vector<krl::Value> ChainCall::arguments(int32_t width, int32_t height) cons
             all[i] = standInFor(*method_, method_->arguments()[i], {width, height, {}});
         else if (isMeasure(relative[i]))
             all[i] = relative[i];
+        else if (const auto* second = all[i].as<krl::Picture>(); second && hasPlacement_)
+            all[i] = placed(*second, placement(width, height), width, height);
     }
     return all;
 }

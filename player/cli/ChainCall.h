@@ -8,6 +8,7 @@
 #include "catalogue/Method.h"
 #include "catalogue/Value.h"
 #include "look/Extent.h"
+#include "player/cli/Placement.h"
 #include "player/lingo/Session.h"
 
 namespace krl::player {
@@ -35,12 +36,15 @@ public:
 
     /// Whether the call says where or how much: `mix`, `mask`, `region` and `feather`.
     bool hasExtent() const { return hasExtent_; }
+    /// Whether it says where a second picture goes: `place`, `scale` and `fit`.
+    bool hasPlacement() const { return hasPlacement_; }
     /// Where and how much, after `evaluate`. Throws `CommandError`.
     Extent extent(int32_t width, int32_t height) const;
 
 private:
     void take(const WrittenCall& call);
     CallNotation notation(int32_t width, int32_t height) const;
+    Placement placement(int32_t width, int32_t height) const;
     /// The arguments of a relative call in signature order, as they are for a picture of this size; nothing
     /// for omitted arguments.
     std::vector<krl::Value> relativeValues(int32_t width, int32_t height) const;
@@ -48,7 +52,7 @@ private:
     std::string written_;
     /// Whether the call has percentages, or says where and how much. It consists of literals then.
     bool isRelative_ = false;
-    bool hasExtent_ = false;
+    bool hasExtent_ = false, hasPlacement_ = false;
     std::map<std::string, krl::Picture> masks_;  ///< by their names in the call
     const Method* method_;
     /// Lingo expressions in signature order; empty for omitted arguments.

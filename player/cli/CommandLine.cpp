@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "catalogue/NearestName.h"
+#include "player/cli/ApplyOptions.h"
 #include "player/cli/CommandList.h"
 #include "player/cli/OptionTable.h"
 

@@ -9,7 +9,7 @@ namespace krl::player {
 /// An option or a positional argument.
 struct OptionDescription {
     std::vector<std::string> names;  ///< `-o`, `--output`; a positional argument has one name
-    /// The option's value: its kind in capitals, `DIR`, or the choices in lower case, `mt|st`; empty for a
+    /// The option's value: its kind in capitals, `DIR`, or the choices in lower case or digits, `mt|st`; empty for a
     /// flag.
     std::string value;
     std::string meaning;

@@ -135,7 +135,7 @@ std::string zshScript(const CommandList& commands) {
 
 std::vector<std::string> OptionDescription::choices() const {
     std::vector<std::string> found;
-    const bool literal = !value.empty() && std::islower(static_cast<unsigned char>(value.front()));
+    const bool literal = !value.empty() && !std::isupper(static_cast<unsigned char>(value.front()));
     std::istringstream text(literal ? value : "");
     for (std::string one; std::getline(text, one, '|');) found.push_back(one);
     return found;

@@ -59,11 +59,14 @@ std::string manualPage(const CommandList& commands) {
         "method's name and its arguments, quoted for the shell:\n.PP\n.RS\n.nf\n"
         "krlimage apply photo.jpg \\-o out.jpg 'brightness(40, #RGB)' 'vignette(blur: 40)'\n"
         ".fi\n.RE\n.PP\n"
-        "Pictures are read and written as PNG, JPEG, TIFF, WebP and PAM, and read as GIF, HEIC and AVIF. "
+        "Pictures are read and written as PNG, JPEG, TIFF, WebP, GIF, HEIC, AVIF and PAM, read as PGM and "
+        "PPM "
+        "and written as JPEG XL. "
         "Output files are written atomically: completely or not at all. No input is overwritten without "
         "\\-\\-in\\-place.\n.PP\n"
         "Lengths and points of a call may be in percent of the picture, and every call that rewrites the "
-        "picture takes mix, mask, region and feather. A look is a chain of calls in a file.\n.SH COMMANDS\n";
+        "picture takes mix, mask, region and feather. A second picture of another size takes fit, scale and "
+        "place. A look is a chain of calls in a file.\n.SH COMMANDS\n";
     for (const CommandDescription& command : commands) {
         page += ".SS " + synopsis(command) + "\n" + sentence(command.summary);
         for (const OptionDescription& word : command.words) page += item(word);

@@ -1,5 +1,6 @@
 #include "player/cli/OptionTable.h"
 
+#include "player/cli/ApplyOptions.h"
 #include "player/cli/CommandList.h"
 #include "player/cli/Commands.h"
 
@@ -104,9 +105,13 @@ void addApplyOptions(CLI::App& app, ApplyOptions& options) {
              "Apply a look before the calls: a file, or a name that look list shows; can be repeated");
     addTexts(app, "--set", options.settings, "NAME=VALUE", "Set a parameter of the looks; can be repeated");
     addChoice(app, "--format", options.format, KRL_FORMATS, "Output format, regardless of file extensions");
-    app.add_option("--quality", options.quality, "JPEG and WebP quality, 1 to 100 (default 90)")
+    app.add_option("--quality", options.quality,
+                   "Quality of lossy formats, such as JPEG and WebP, 1 to 100 (default 90)")
         ->type_name("N")
         ->check(CLI::Range(1, 100).description(""));
+    addDeliveryOptions(app, options);
+    app.add_flag("--first-frame", options.firstFrame,
+                 "Leave out all but the first page or frame, which GIF, WebP and TIFF keep otherwise");
     addJobs(app, options.jobs);
     addTimeout(app, options.timeout);
     app.add_flag("--json", options.json, "Print results as JSON");

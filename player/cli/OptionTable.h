@@ -35,6 +35,8 @@ struct SessionOptions;
 void addSession(CLI::App& app, SessionOptions& session, std::string& threads);
 
 struct ApplyOptions;
+/// How `apply` turns, crops, resizes, converts and packs what it writes.
+void addDeliveryOptions(CLI::App& app, ApplyOptions& options);
 /// What `apply` takes.
 void addApplyOptions(CLI::App& app, ApplyOptions& options);
 

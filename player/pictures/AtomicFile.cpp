@@ -224,6 +224,21 @@ void AtomicFile::restart() {
     if (!emptied) fail(errno);
 }
 
+bool AtomicFile::readAt(uint64_t place, uint8_t* bytes, size_t count) const {
+    return std::fseek(stream_, static_cast<long>(place), SEEK_SET) == 0 &&
+           std::fread(bytes, 1, count, stream_) == count;
+}
+
+void AtomicFile::writeAt(uint64_t place, std::string_view bytes) {
+    if (std::fseek(stream_, static_cast<long>(place), SEEK_SET) != 0) fail(errno);
+    write(bytes);
+}
+
+uint64_t AtomicFile::size() const {
+    if (std::fseek(stream_, 0, SEEK_END) != 0) fail(errno);
+    return static_cast<uint64_t>(std::ftell(stream_));
+}
+
 void AtomicFile::commit(const std::function<void()>& whenInPlace) {
     // Closing writes the last bytes, so a file server may report an error only now.
     if (poured_ >= 0)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <functional>
@@ -36,6 +37,11 @@ public:
     int descriptor() const;
     /// Truncates the file.
     void restart();
+    /// Reads what was written; false beyond the end.
+    bool readAt(uint64_t place, uint8_t* bytes, size_t count) const;
+    /// Replaces what was written, or adds to its end.
+    void writeAt(uint64_t place, std::string_view bytes);
+    uint64_t size() const;
     /// `whenInPlace` is called while signals are still blocked, and must be async-signal-safe.
     void commit(const std::function<void()>& whenInPlace = {});
 

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <span>
+
 #include "player/pictures/AtomicFile.h"
 #include "player/pictures/InputFile.h"
-#include "player/pictures/Picture.h"
+#include "player/pictures/PictureFiles.h"
 
 /// The formats behind `readPicture` and `writePicture`.
 namespace krl::player {
@@ -14,9 +16,19 @@ void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_
 Bitmap readPam(const InputFile& file);
 void writePam(AtomicFile& file, const Bitmap& picture);
 
-/// PNG, JPEG, TIFF and WebP, and to read also GIF, HEIC and AVIF, in builds with libvips.
-Bitmap readWithVips(const InputFile& file);
-std::vector<std::string> lossesWithVips(const InputFile& file);
-void writeWithVips(AtomicFile& file, const Bitmap& picture, PictureFormat format, int quality);
+/// The same, and portable maps of one byte or two a sample, `P5` and `P6`; nothing for another format. Throws
+/// `PictureError`.
+std::optional<Bitmap> readNetpbm(const InputFile& file);
+
+/// The formats of libvips.
+PictureFrames readWithVips(const InputFile& file, FrameChoice choice);
+/// Pages or frames that belong to somebody else.
+struct FramesToWrite {
+    std::span<const Bitmap> pictures;
+    std::span<const int32_t> delays;
+    int32_t loops = 0;
+};
+void writeWithVips(AtomicFile& file, const FramesToWrite& frames, PictureFormat format,
+                   const WriteOptions& options);
 
 }  // namespace krl::player

@@ -73,6 +73,15 @@ int InputFile::descriptor() const {
 #endif
 }
 
+bool InputFile::readAt(uint64_t place, uint8_t* bytes, size_t count) const {
+#if defined(_WIN32)
+    return std::fseek(stream_, static_cast<long>(place), SEEK_SET) == 0 &&
+           std::fread(bytes, 1, count, stream_) == count;
+#else
+    return ::pread(::fileno(stream_), bytes, count, static_cast<off_t>(place)) == static_cast<ssize_t>(count);
+#endif
+}
+
 fs::path InputFile::place() const {
 #if defined(__linux__)
     std::error_code failed;

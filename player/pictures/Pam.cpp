@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "player/pictures/Formats.h"
 
@@ -40,7 +41,27 @@ public:
         return !line.empty();
     }
 
+    /// Reads the next number of a header in plain words, past blanks and comments, and the letter after it.
+    int64_t readNumber() {
+        std::string digits;
+        for (char letter = 0; read(&letter, 1) == 1;) {
+            if (letter == '#') skipComment();
+            const bool isDigit = letter >= '0' && letter <= '9';
+            if (isDigit && digits.size() < 10)
+                digits += letter;
+            else if (!digits.empty())
+                break;
+            else if (letter != '#' && letter != ' ' && letter != '\t' && letter != '\r' && letter != '\n')
+                refuse(path_, "expected a number in its header");
+        }
+        return digits.empty() ? 0 : std::stoll(digits);
+    }
+
 private:
+    void skipComment() {
+        for (char letter = 0; letter != '\n' && read(&letter, 1) == 1;) continue;
+    }
+
     static constexpr size_t kLongestLine = 1000;
     const std::filesystem::path& path_;
     std::FILE* stream_;
@@ -84,6 +105,74 @@ PamHeader readHeader(const std::filesystem::path& path, PamFile& file) {
 }
 
 }  // namespace
+
+namespace {
+
+/// Samples of one or two bytes, the high byte first, as levels up to 255.
+class LevelReader {
+public:
+    explicit LevelReader(int64_t most) : most_(static_cast<uint32_t>(most)) {}
+
+    size_t bytes() const { return most_ > 255 ? 2 : 1; }
+
+    uint8_t level(const char* sample) const {
+        const auto high = static_cast<uint8_t>(sample[0]);
+        if (most_ == 255 || most_ == 65535) return high;
+        const uint32_t value = most_ > 255 ? high * 256u + static_cast<uint8_t>(sample[1]) : high;
+        return static_cast<uint8_t>((std::min(value, most_) * 255 + most_ / 2) / most_);
+    }
+
+private:
+    uint32_t most_;
+};
+
+/// Portable grey and colour maps, `P5` and `P6`.
+Bitmap readMap(const std::filesystem::path& path, PamFile& file) {
+    char start[2] = {};
+    file.read(start, 2);
+    const size_t channels = start[1] == '6' ? 3 : 1;
+    const int64_t width = file.readNumber(), height = file.readNumber(), most = file.readNumber();
+    if (most < 1 || most > 65535) refuse(path, "its largest sample must be from 1 to 65535");
+    requirePictureSize(path, width, height);
+    const LevelReader reader(most);
+    Bitmap picture{static_cast<int32_t>(width), static_cast<int32_t>(height), {}, nullptr};
+    picture.pixels.resize(static_cast<size_t>(width) * static_cast<size_t>(height));
+    std::vector<char> row(static_cast<size_t>(width) * channels * reader.bytes());
+    for (int32_t y = 0; y < picture.height; ++y) {
+        if (file.read(row.data(), row.size()) != row.size())
+            refuse(path, "it ends in row " + std::to_string(y + 1) + " of " + std::to_string(height));
+        const char* sample = row.data();
+        const auto next = [&] { return reader.level(std::exchange(sample, sample + reader.bytes())); };
+        for (Pixel* p = picture.row(y); p != picture.row(y) + width; ++p) {
+            p->red = p->green = p->blue = next();
+            if (channels == 3) p->green = next();
+            if (channels == 3) p->blue = next();
+            p->alpha = 255;
+        }
+    }
+    return picture;
+}
+
+bool beginsWith(const InputFile& file, std::string_view mark) {
+    char start[2] = {};
+    std::FILE* stream = file.fromStart();
+    if (std::fread(start, 1, 2, stream) < 2 && std::ferror(stream)) refuse(file.path(), std::strerror(errno));
+    return std::string_view(start, 2) == mark;
+}
+
+}  // namespace
+
+std::optional<Bitmap> readNetpbm(const InputFile& file) {
+    if (beginsWith(file, "P7")) return readPam(file);
+    if (beginsWith(file, "P5") || beginsWith(file, "P6")) {
+        PamFile map(file);
+        return readMap(file.path(), map);
+    }
+    for (const char* other : {"P1", "P2", "P3", "P4"})
+        if (beginsWith(file, other))
+            refuse(file.path(), "of the Netpbm formats, P5 (.pgm), P6 (.ppm) and P7 (.pam) can be read");
+    return std::nullopt;
+}
 
 Bitmap readPam(const InputFile& input) {
     const std::filesystem::path& path = input.path();

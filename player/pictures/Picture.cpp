@@ -19,11 +19,12 @@ struct Extension {
 
 #if defined(KRL_WITH_VIPS)
 constexpr Extension kExtensions[] = {
-    {".png", PictureFormat::Png},  {".jpg", PictureFormat::Jpeg},  {".jpeg", PictureFormat::Jpeg},
-    {".tif", PictureFormat::Tiff}, {".tiff", PictureFormat::Tiff}, {".webp", PictureFormat::Webp},
-    {".pam", PictureFormat::Pam},
+    {".png", PictureFormat::Png},   {".jpg", PictureFormat::Jpeg},  {".jpeg", PictureFormat::Jpeg},
+    {".tif", PictureFormat::Tiff},  {".tiff", PictureFormat::Tiff}, {".webp", PictureFormat::Webp},
+    {".gif", PictureFormat::Gif},   {".avif", PictureFormat::Avif}, {".heic", PictureFormat::Heic},
+    {".heif", PictureFormat::Heic}, {".jxl", PictureFormat::Jxl},   {".pam", PictureFormat::Pam},
 };
-constexpr const char* kFormats = ".png, .jpg, .tif, .webp or .pam";
+constexpr const char* kFormats = ".png, .jpg, .tif, .webp, .gif, .avif, .heic, .jxl or .pam";
 #else
 constexpr Extension kExtensions[] = {{".pam", PictureFormat::Pam}};
 constexpr const char* kFormats = ".pam";
@@ -36,31 +37,29 @@ std::string lowerExtension(const std::filesystem::path& path) {
     return extension;
 }
 
-bool beginsAsPam(const InputFile& file) {
-    char start[2] = {};
-    std::FILE* stream = file.fromStart();
-    if (std::fread(start, 1, 2, stream) < 2 && std::ferror(stream))
-        throw PictureError("cannot read " + file.path().string() + ": " + std::strerror(errno));
-    return start[0] == 'P' && start[1] == '7';
-}
-
-Bitmap read(const InputFile& file) {
-    if (beginsAsPam(file)) return readPam(file);
+PictureFrames read(const InputFile& file, [[maybe_unused]] FrameChoice choice) {
+    if (std::optional<Bitmap> picture = readNetpbm(file)) {
+        PictureFrames one;
+        one.pictures.push_back(std::move(*picture));
+        return one;
+    }
 #if defined(KRL_WITH_VIPS)
-    return readWithVips(file);
+    return readWithVips(file, choice);
 #else
-    throw PictureError(file.path().string() + " is not a PAM picture, the only format that this build reads");
+    throw PictureError(file.path().string() +
+                       " is not a PAM, PPM or PGM picture, the only formats that this build reads");
 #endif
 }
 
-void write(AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
-    const std::filesystem::path& path = file.target();
-    const std::optional<PictureFormat> format = options.format ? options.format : formatOf(path);
+Bitmap readFirst(const InputFile& file) { return std::move(read(file, FrameChoice::First).pictures.front()); }
+
+void write(AtomicFile& file, const FramesToWrite& frames, const WriteOptions& options) {
+    const PictureFormat format = *formatFor(file.target(), options);
     if (format == PictureFormat::Pam) {
-        writePam(file, picture);
+        writePam(file, frames.pictures.front());
     } else {
 #if defined(KRL_WITH_VIPS)
-        writeWithVips(file, picture, *format, options.quality);
+        writeWithVips(file, frames, format, options);
 #endif
     }
     file.commit(options.whenWritten);
@@ -68,8 +67,10 @@ void write(AtomicFile& file, const Bitmap& picture, const WriteOptions& options)
 
 /// Throws unless the picture can be written under this name, before a file is made.
 void requireWritable(const std::filesystem::path& path, const Bitmap& picture, const WriteOptions& options) {
-    if (!options.format && !formatOf(path))
-        throw PictureError("cannot write " + path.string() + ": its name must end in " + kFormats);
+    const std::optional<PictureFormat> format = formatFor(path, options);
+    if (!format) throw PictureError("cannot write " + path.string() + ": its name must end in " + kFormats);
+    const std::string complaint = writeOptionComplaint(*format, options);
+    if (!complaint.empty()) throw PictureError("cannot write " + path.string() + ": " + complaint);
     requirePictureSize(path, picture.width, picture.height);
 }
 
@@ -82,28 +83,18 @@ void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_
         throw PictureError(path.string() + " is too large: " + size + ", and pictures are limited to 2 GiB");
 }
 
-Bitmap readPicture(const std::filesystem::path& path) { return read(InputFile(path)); }
+Bitmap readPicture(const std::filesystem::path& path) { return readFirst(InputFile(path)); }
+
+PictureFrames readFrames(const std::filesystem::path& path, FrameChoice choice) {
+    return read(InputFile(path), choice);
+}
 
 Bitmap readCheckedPicture(const std::filesystem::path& path) {
     const InputFile file(path);
     const std::filesystem::path place = file.place();
     if (!place.empty() && place != path)
         throw PictureError("cannot read " + path.string() + ": it was replaced by " + place.string());
-    return read(file);
-}
-
-std::vector<std::string> lossesIn(const std::filesystem::path& path) {
-    if (path == "/dev/stdin") return {};  // it can be read once
-    try {
-        const InputFile file(path);
-        if (beginsAsPam(file)) return {};
-#if defined(KRL_WITH_VIPS)
-        return lossesWithVips(file);
-#endif
-    } catch (const PictureError&) {
-        // Reading the picture reports it.
-    }
-    return {};
+    return readFirst(file);
 }
 
 std::optional<PictureFormat> formatOf(const std::filesystem::path& path) {
@@ -113,6 +104,17 @@ std::optional<PictureFormat> formatOf(const std::filesystem::path& path) {
     return found == std::end(kExtensions) ? std::nullopt : std::optional(found->format);
 }
 
+std::optional<PictureFormat> formatFor(const std::filesystem::path& path, const WriteOptions& options) {
+    return options.format ? options.format : formatOf(path);
+}
+
+bool isReadableName(const std::filesystem::path& path) {
+    const std::optional<PictureFormat> written = formatOf(path);
+    const std::string extension = lowerExtension(path);
+    // libvips does not trust its reader of JPEG XL, so neither does anybody here.
+    return written ? *written != PictureFormat::Jxl : extension == ".pgm" || extension == ".ppm";
+}
+
 bool isPictureName(const std::filesystem::path& path) { return formatOf(path).has_value(); }
 
 std::string writableFormats() { return kFormats; }
@@ -120,23 +122,27 @@ std::string writableFormats() { return kFormats; }
 void writePicture(const std::filesystem::path& path, const Bitmap& picture, const WriteOptions& options) {
     requireWritable(path, picture, options);
     AtomicFile file(path);
-    write(file, picture, options);
+    write(file, {{&picture, 1}, {}, 0}, options);
+}
+
+void writePicture(const std::filesystem::path& path, const Bitmap& picture) {
+    writePicture(path, picture, WriteOptions());
 }
 
 void writeCheckedPicture(const std::filesystem::path& path, const Bitmap& picture) {
     requireWritable(path, picture, {});
     AtomicFile file(path, {.isChecked = true});
-    write(file, picture, {});
+    write(file, {{&picture, 1}, {}, 0}, {});
 }
 
-void writePictureOf(const std::filesystem::path& source, const std::filesystem::path& path,
-                    const Bitmap& picture, const WriteOptions& options) {
-    requireWritable(path, picture, options);
+void writeFramesOf(const std::filesystem::path& source, const std::filesystem::path& path,
+                   const PictureFrames& frames, const WriteOptions& options) {
+    requireWritable(path, frames.pictures.front(), options);
     std::error_code unknown;
     const std::filesystem::file_status status = std::filesystem::status(source, unknown);
     const auto permissions = static_cast<unsigned>(status.permissions()) & 0777u;
     AtomicFile file(path, {.permissions = std::filesystem::is_regular_file(status) ? permissions : 0});
-    write(file, picture, options);
+    write(file, {frames.pictures, frames.delays, frames.loops}, options);
 }
 
 }  // namespace krl::player

@@ -2,9 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <memory>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -14,12 +12,7 @@
 /// Pictures in memory and in files.
 namespace krl::player {
 
-/// Metadata of a picture, preserved when it is written.
-struct PictureMetadata {
-    std::vector<uint8_t> colourProfile;  ///< ICC
-    std::vector<uint8_t> exif, xmp, iptc;
-    double pixelsPerMillimetreX = 0, pixelsPerMillimetreY = 0;  ///< 0 when unknown
-};
+struct PictureMetadata;
 
 /// A picture of 32-bit pixels with straight alpha and unpadded rows.
 struct Bitmap {
@@ -45,21 +38,12 @@ inline constexpr int64_t kPictureByteLimit = int64_t{1} << 31;
 /// converted, EXIF orientation is applied. Throws `PictureError`.
 Bitmap readPicture(const std::filesystem::path& path);
 
-enum class PictureFormat { Png, Jpeg, Tiff, Webp, Pam };
+struct WriteOptions;
 
-/// The format for a name's extension, if this build can write it.
-std::optional<PictureFormat> formatOf(const std::filesystem::path& path);
-
-struct WriteOptions {
-    int quality = 90;                     ///< of lossy formats, 1 to 100
-    std::optional<PictureFormat> format;  ///< overrides the name's extension
-    /// Called when the file is in place, while signals are still blocked; must be async-signal-safe.
-    std::function<void()> whenWritten;
-};
-
-/// Writes a picture, in the format of the name's extension unless another is given. The file is
+/// Writes a picture, in the format of the name's extension unless the options give another. The file is
 /// written atomically: an existing one is replaced only by a complete one. Throws `PictureError`.
-void writePicture(const std::filesystem::path& path, const Bitmap& picture, const WriteOptions& options = {});
+void writePicture(const std::filesystem::path& path, const Bitmap& picture);
+void writePicture(const std::filesystem::path& path, const Bitmap& picture, const WriteOptions& options);
 
 /// Whether a name's extension is one that `writePicture` knows.
 bool isPictureName(const std::filesystem::path& path);

@@ -3,7 +3,7 @@
 
 #include "fuzz/FuzzInput.h"
 #include "fuzz/Scratch.h"
-#include "player/pictures/Picture.h"
+#include "player/pictures/PictureFiles.h"
 
 /// Any bytes as a picture file: refused with one line, or read and written in every format.
 namespace krl::fuzz {
@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 constexpr int64_t kMostPixels = 1 << 16;
 
 void writeInEveryFormat(const player::Bitmap& picture) {
-    for (const char* name : {"out.pam", "out.png", "out.jpg", "out.tif", "out.webp"}) {
+    for (const char* name : {"out.pam", "out.png", "out.jpg", "out.tif", "out.webp", "out.gif"}) {
         const fs::path file = scratchFolder() / name;
         if (!player::formatOf(file)) continue;
         try {

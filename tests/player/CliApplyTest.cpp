@@ -74,7 +74,8 @@ TEST_F(Apply, ShowsTheResultOfAFailedCall) {
     EXPECT_EQ(done.code, 1);
     EXPECT_EQ(done.out, "[#error: \"Failed Composite function (Image)\"]\n");
     EXPECT_TELLS(done.err, "Failed Composite function (Image) from " + call +
-                               "; foreground is 2 by 2 pixels, the picture 8 by 6\n");
+                               "; foreground is 2 by 2 pixels, the picture 8 by 6; fit: #cover, or place: "
+                               "point(0, 0), puts it in\n");
     EXPECT_FALSE(std::filesystem::exists(at("out.pam")));
 }
 
@@ -284,7 +285,7 @@ TEST_F(Apply, ConvertsToAnotherFormat) {
     const std::string in = picture("in.pam");
     ASSERT_EQ(krlimage({"apply", in, "-o", at("out") + "/", "--format", "png", "invert(#RGB)"}).code, 0);
     EXPECT_EQ(readPicture(at("out/in.png")).width, 8);
-    EXPECT_EQ(krlimage({"apply", in, "-o", at("x.gif"), "invert(#RGB)"}).code, 1);
+    EXPECT_EQ(krlimage({"apply", in, "-o", at("x.bmp"), "invert(#RGB)"}).code, 1);
 }
 
 /// A given output name is used as it is; a format changes the names of pictures written to a folder.

@@ -3,6 +3,7 @@
 
 #include "catalogue/NearestName.h"
 #include "core/Faults.h"
+#include "player/cli/ApplyOptions.h"
 #include "player/cli/Batch.h"
 #include "player/cli/ChainCall.h"
 #include "player/cli/ProgressBar.h"

@@ -38,9 +38,8 @@ TEST_F(FileAccess, TakesNothingInANameForMoreThanAName) {
 TEST_F(FileAccess, ReadsNoFormatThatNobodyMeantToGive) {
     text("a.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"8\" height=\"8\"></svg>");
     text("a.csv", "1,2\n3,4\n");
-    text("a.ppm", "P5\n2 2\n255\nabcd");
     text("a.mat", "2 2\n1 2\n3 4\n");
-    for (const char* name : {"a.svg", "a.csv", "a.ppm", "a.mat"}) {
+    for (const char* name : {"a.svg", "a.csv", "a.mat"}) {
         EXPECT_TELLS(errorOf([&] { readPicture(at(name)); }), "unrecognised picture format");
     }
 }
@@ -185,10 +184,10 @@ TEST_F(Batches, TakeAListOfInputs) {
 TEST_F(Batches, SayWhichPicturesTheyPassOver) {
     fs::create_directories(at("in"));
     picture("in/1.pam");
-    text("in/a.gif", "GIF89a"), text("in/b.jxl", "x");
+    text("in/a.pgm", "P5 1 1 255 x"), text("in/b.jxl", "x");
     const CliResult done = apply({at("in"), "-o", at("out")});
     EXPECT_EQ(done.code, 0) << done.err;
-    EXPECT_TELLS(done.err, "skipped " + at("in/a.gif") + ": the format is read but not written");
+    EXPECT_TELLS(done.err, "skipped " + at("in/a.pgm") + ": the format is read but not written");
     EXPECT_TELLS(done.err, "skipped " + at("in/b.jxl") + ": pictures of this format cannot be read");
 }
 

@@ -1,3 +1,4 @@
+#include "player/pictures/PictureMetadata.h"
 #include "tests/player/CliRun.h"
 
 #if defined(KRL_WITH_VIPS)

@@ -15,7 +15,7 @@
 #include "core/Random.h"
 #include "player/pictures/AtomicFile.h"
 #include "player/pictures/Formats.h"
-#include "player/pictures/Picture.h"
+#include "player/pictures/PictureMetadata.h"
 #include "tests/player/FailingClose.h"
 
 namespace krl::player {

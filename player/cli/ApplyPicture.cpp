@@ -1,0 +1,138 @@
+#include "player/cli/ApplyPicture.h"
+
+#include <memory>
+
+#include "player/cli/CatalogueCalls.h"
+#include "player/pictures/FileAccess.h"
+#include "player/pictures/PictureMetadata.h"
+
+namespace krl::player {
+
+ApplyRunner makeRunner(const SessionOptions& options) {
+    if (options.xtraFile.empty()) {
+        const auto calls = std::make_shared<CatalogueCalls>(options.threads);
+        return {[calls](Bitmap& picture, const ChainCall& call) {
+                    const auto [width, height] = std::pair(picture.width, picture.height);
+                    return calls->apply(picture, call.method(), call.arguments(width, height),
+                                        call.extent(width, height));
+                },
+                [calls](Bitmap& picture, const ReadyLook& look) { return calls->apply(picture, look); }};
+    }
+    const auto session = std::make_shared<Session>(options);
+    return {[session](Bitmap& picture, const ChainCall& call) {
+                return session->apply(picture, call.lingo(picture.width, picture.height));
+            },
+            {}};
+}
+
+namespace {
+
+/// Which second picture of a failed call has another size than the picture, or nothing.
+std::string sizeHint(const ChainCall& call, const Bitmap& picture) {
+    const std::vector<krl::Value> arguments = call.arguments(picture.width, picture.height);
+    for (size_t i = 0; i < arguments.size(); ++i) {
+        const auto* second = arguments[i].as<krl::Picture>();
+        if (!second || (second->info.width == picture.width && second->info.height == picture.height))
+            continue;
+        const auto size = [](int32_t width, int32_t height) {
+            return std::to_string(width) + " by " + std::to_string(height);
+        };
+        return std::string("; ") + call.method().arguments()[i].name + " is " +
+               size(second->info.width, second->info.height) + " pixels, the picture " +
+               size(picture.width, picture.height) + "; fit: #cover, or place: point(0, 0), puts it in";
+    }
+    return "";
+}
+
+/// Looks first, then calls, up to the first that fails; returns a hint why it may have.
+std::string runAll(const ApplyRunner& run, const ApplyWork& work, Bitmap& picture, PictureReport& report) {
+    for (const ReadyLook& look : work.looks) {
+        CallReport& made = report.calls.emplace_back();
+        made.call = "look " + look.name;
+        made.outcome = run.look(picture, look);
+        if (!made.outcome.ok()) return "";
+    }
+    for (const ChainCall& call : work.chain) {
+        CallReport& made = report.calls.emplace_back();
+        made.call = call.lingo(picture.width, picture.height);
+        made.outcome = run.call(picture, call);
+        const bool plain = made.outcome.shown.empty() || made.outcome.shown == "[#error: 0]";
+        made.telling = !plain && !(made.outcome.ok() && call.method().makesPicture());
+        if (!made.outcome.ok()) return sizeHint(call, picture);
+    }
+    return "";
+}
+
+std::string textOf(const Bitmap& picture) {
+    return std::to_string(picture.width) + " by " + std::to_string(picture.height) + " pixels";
+}
+
+/// Runs everything on all pages or frames; the report has the calls on the first, or on the one that fails.
+void runOnFrames(const ApplyRunner& run, const ApplyWork& work, PictureFrames& frames,
+                 PictureReport& report) {
+    for (Bitmap& frame : frames.pictures) {
+        PictureReport made;
+        const std::string hint = runAll(run, work, frame, made);
+        const bool hasFailed = !made.calls.empty() && !made.calls.back().outcome.ok();
+        if (report.calls.empty() || hasFailed) report.calls = std::move(made.calls);
+        if (hasFailed) {
+            const CallReport& failed = report.calls.back();
+            report.failure = failed.outcome.error + " from " + failed.call + hint;
+            return;
+        }
+        try {
+            if (!work.delivery.isNothing()) deliver(frame, work.delivery);
+        } catch (const PictureError& error) {
+            report.failure = error.what();
+            return;
+        }
+        const Bitmap& first = frames.pictures.front();
+        if (frame.width == first.width && frame.height == first.height) continue;
+        report.failure =
+            "one of its pages or frames becomes " + textOf(frame) + ", the first " + textOf(first);
+        return;
+    }
+}
+
+PictureReport workOn(const ApplyRunner& run, const ApplyWork& work, size_t index) {
+    const BatchItem& item = work.progress.items()[index];
+    PictureReport report;
+    try {
+        const std::optional<PictureFormat> format = formatFor(item.output, work.options);
+        const bool readsAll = !work.firstFrame && format && holdsFrames(*format);
+        PictureFrames frames = readFrames(item.input, readsAll ? FrameChoice::All : FrameChoice::First);
+        if (const auto& metadata = frames.pictures.front().metadata)
+            for (const std::string& loss : metadata->losses)
+                report.notes.push_back(item.input.string() + " loses " + loss);
+        for (const std::string& loss : lossesOfWriting(item.output, frames, work.options))
+            report.notes.push_back(item.input.string() + " loses " + loss);
+        runOnFrames(run, work, frames, report);
+        if (!report.failure.empty()) {
+            report.failure = item.input.string() + ": " + report.failure;
+            return report;
+        }
+        work.progress.calledAll(index, report);
+        WriteOptions options = work.options;
+        options.whenWritten = [&] { work.progress.written(index); };
+        writeFramesOf(item.input, item.output, frames, options);
+        report.written = true;
+    } catch (const ScriptError& error) {
+        report.failure = item.input.string() + ": " + error.what();
+    } catch (const PictureError& error) {
+        report.failure = error.what();
+    } catch (const std::bad_alloc&) {
+        report.failure = item.input.string() + ": out of memory";
+    }
+    return report;
+}
+
+}  // namespace
+
+void applyToPicture(const ApplyRunner& run, const ApplyWork& work, size_t index) {
+    work.progress.begin(index);
+    PictureReport& report = work.progress.reports[index];
+    report = workOn(run, work, index);
+    if (!report.written) work.progress.failed(index, report);
+}
+
+}  // namespace krl::player

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "player/cli/ApplyProgress.h"
+#include "player/cli/ChainCall.h"
+#include "player/cli/LookFiles.h"
+#include "player/pictures/Delivery.h"
+#include "player/pictures/PictureFiles.h"
+
+namespace krl::player {
+
+/// What the processing of every picture shares.
+struct ApplyWork {
+    const std::vector<ReadyLook>& looks;
+    const std::vector<ChainCall>& chain;
+    const WriteOptions& options;
+    bool firstFrame = false;  ///< leaves out all pages or frames but the first
+    const Delivery& delivery;
+    ApplyProgress& progress;
+};
+
+/// Runs looks and calls on a picture: through the catalogue, or calls through a plug-in from a file.
+struct ApplyRunner {
+    std::function<CallOutcome(Bitmap& picture, const ChainCall& call)> call;
+    std::function<CallOutcome(Bitmap& picture, const ReadyLook& look)> look;
+};
+
+/// Belongs to one thread.
+ApplyRunner makeRunner(const SessionOptions& options);
+
+/// Reads, rewrites and writes a picture of the batch, with all its pages or frames if the output holds them,
+/// and settles its report.
+void applyToPicture(const ApplyRunner& run, const ApplyWork& work, size_t index);
+
+}  // namespace krl::player
