@@ -30,7 +30,6 @@ try:
     import skimage.color
     import skimage.exposure
     import skimage.filters
-    import skimage.morphology
     import skimage.transform
     import skimage.util
 except ImportError:
@@ -116,7 +115,7 @@ ROWS = [
      lambda s: skimage.filters.unsharp_mask(s.rgb, 5, 0.8, channel_axis=2)),
     ("minimum, 11 by 11", lambda s, o: krlimage.erosion(s.bgra, 5, order="BGR", out=o),
      lambda s: cv2.erode(s.bgra, np.ones((11, 11), np.uint8)), lambda s: s.image.filter(ImageFilter.MinFilter(11)),
-     lambda s: skimage.morphology.erosion(s.rgb, np.ones((11, 11, 1), np.uint8))),
+     None),
     ("Sobel", lambda s, o: krlimage.sobel(s.bgra, order="BGR", out=o), cv_sobel,
      lambda s: s.image.filter(ImageFilter.FIND_EDGES), lambda s: skimage.filters.sobel(s.rgb)),
     ("twirl", lambda s, o: krlimage.twirl(s.bgra, 60, order="BGR", out=o),
