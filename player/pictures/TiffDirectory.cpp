@@ -85,14 +85,15 @@ private:
     /// Reads the values of an entry, or the directory that it points to; false if there are none.
     bool readValues(const uint8_t* held, TiffEntry& entry, bool isOrdered) {
         const ValueType* type = typeOf(entry.type);
-        const uint64_t bytes = type ? uint64_t{type->bytes} * entry.count : 0;
-        if (bytes == 0 || bytes > bytesLeft_) return false;
-        bytesLeft_ -= bytes;
+        const uint64_t size = type ? uint64_t{type->bytes} * entry.count : 0;
+        if (size == 0 || size > bytesLeft_) return false;
+        bytesLeft_ -= size;
+        const auto bytes = static_cast<size_t>(size);
         if (isPointer(entry.tag)) {
             entry.directory = read(number(held, 4), filterWithin(entry.tag));
             return !entry.directory.empty();
         }
-        entry.values.assign(held, held + std::min<uint64_t>(bytes, 4));
+        entry.values.assign(held, held + std::min<size_t>(bytes, 4));
         if (bytes > 4) {
             entry.values.resize(bytes);
             if (!source_(number(held, 4), entry.values.data(), bytes)) return false;

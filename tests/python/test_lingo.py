@@ -38,7 +38,7 @@ def test_a_saved_picture_is_read_again(picture):
 
 def test_a_mistake_has_its_place(picture):
     with pytest.raises(krlimage.LingoError) as caught:
-        krlimage.run_lingo('on main\n  put 1\n  put nothing_like_this\nend')
+        krlimage.run_lingo('on main\n  put 1\n  put nothing_like_this()\nend')
     error = caught.value
     assert (error.line, error.output) == (3, "-- 1\n") and error.column > 0 and "^" in error.excerpt
     assert str(error).startswith("line 3, column ")
