@@ -86,6 +86,8 @@ namespace {
 Value memberImage(Runtime& runtime, const Value& object) {
     auto& member = *object.as<MemberObject>();
     if (!member.image.isVoid()) return member.image;
+    if (const Bitmap* given = runtime.pictures ? runtime.pictures->member(member.name) : nullptr)
+        return member.image = runtime.heap.make<ImageObject>(Bitmap(*given));
     const std::filesystem::path file = runtime.sandbox.member(member.name, pictureExtensions());
     if (file.empty())
         throw HostError("there is no picture for the member \"" + member.name + '"' +
