@@ -7,7 +7,7 @@ target_compile_options(krl_compiler INTERFACE
   -ffp-contract=off -fno-fast-math -fno-math-errno -fno-trapping-math
   # In some releases this pass drops the rounding of a double to single precision and back.
   $<$<CXX_COMPILER_ID:GNU>:-fno-tree-slp-vectorize>)
-if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4 AND NOT EMSCRIPTEN)
   target_compile_options(krl_compiler INTERFACE -msse2 -mfpmath=sse)
 endif()
 if(WIN32)

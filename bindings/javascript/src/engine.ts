@@ -1,0 +1,260 @@
+import { callByText, callWithValues, parseValue, writeCall, type Module } from "./calls.js";
+import { exampleOf, readCatalogue, type Effect, type Family } from "./catalogue.js";
+import type { Effects, MethodName } from "./effects.js";
+import { KrlError } from "./errors.js";
+import type { Exports } from "./exports.js";
+import { runLingo, type LingoOptions, type LingoOutcome } from "./lingo.js";
+import { hasVectors, instantiate, type WasmSource } from "./load.js";
+import { Look, readShippedLooks, type ShippedLook } from "./look.js";
+import { Memory, OutOfMemory } from "./memory.js";
+import { Loan } from "./pictures.js";
+import { Outcome, picturesIn } from "./results.js";
+import type { Arguments, Picture, Source, Value } from "./types.js";
+import { LentPicture } from "./write.js";
+
+/** How an engine is made. */
+export interface EngineOptions {
+    /** The module, if it is not to be loaded from beside the package's own files. */
+    wasm?: WasmSource;
+    /** Whether to take the module with vectors; by default, if this machine has them. */
+    simd?: boolean;
+}
+
+/** How a call is made. */
+export interface CallOptions {
+    /** Leave the source as it is, and give a copy. */
+    copy?: boolean;
+    /** Pixels in a row, for a source of bare bytes. */
+    width?: number;
+}
+
+/** How a chain of calls is made. */
+export interface ChainOptions extends CallOptions {
+    /** Ends the chain before its next call. */
+    signal?: AbortSignal;
+    /** Called after each call with how many are done, and of how many. */
+    onProgress?: (done: number, all: number) => void;
+}
+
+/** What a call came to. */
+export interface Result<Entries = Readonly<Record<string, Value>>> {
+    /** The rewritten picture, or the new one that the effect made; `null` if there is none. */
+    readonly picture: Picture | null;
+    /** All new pictures, of effects that make several. */
+    readonly pictures: readonly Picture[];
+    /** What the effect measured or made, by name. */
+    readonly entries: Entries;
+}
+
+/** What a chain of calls came to. */
+export interface ChainResult {
+    readonly picture: Picture;
+    /** One for each call. */
+    readonly results: readonly Result[];
+}
+
+/** A call of a chain: a text such as `"vignette(blur: 10%)"`, or a name and arguments. */
+export type ChainCall = string | { [M in MethodName]: readonly [M, Effects[M]["arguments"]?] }[MethodName];
+
+/** The next turn of the event loop, in which a signal can come. */
+const nextTurn = () => new Promise<void>((resolve) => { setTimeout(resolve); });
+
+/** The picture that a call has rewritten. */
+function rewritten(lent: LentPicture, changes: boolean, { copy }: CallOptions): Picture {
+    if (copy) return lent.loan.copy(lent.bytes);
+    return changes ? lent.loan.finish(lent.bytes) : lent.loan.picture;
+}
+
+/**
+ * The effects, in memory of their own.
+ *
+ * @example
+ * const engine = await Engine.create();
+ * engine.apply(imageData, "vignette", { blur: 160 });
+ */
+export class Engine {
+    /** Effects by family, in reading order. */
+    readonly families: readonly Family[];
+    /** Effects by name, in reading order. */
+    readonly effects: ReadonlyMap<string, Effect>;
+    /** The release, such as `"2.0.24"`. */
+    readonly release: string;
+    /** Looks that come with the engine. */
+    readonly shippedLooks: readonly ShippedLook[];
+    private readonly byLowerName: ReadonlyMap<string, Effect>;
+    private module: Module | undefined;
+
+    private constructor(exports: Exports, /** Whether it works with vectors. */ readonly simd: boolean) {
+        const memory = new Memory(exports);
+        const engine = exports._krl_engine_new!(1) >>> 0;
+        if (engine === 0) throw new OutOfMemory(0);
+        this.module = { exports, memory, engine };
+        this.families = readCatalogue(exports, memory);
+        const effects = this.families.flatMap((family) => family.effects);
+        this.effects = new Map(effects.map((effect) => [effect.name, effect]));
+        this.byLowerName = new Map(effects.flatMap((effect) =>
+            [effect.name, effect.scriptName].map((name) => [name.toLowerCase(), effect])));
+        this.release = memory.text(exports._krl_release!() >>> 0);
+        this.shippedLooks = readShippedLooks(exports, memory);
+    }
+
+    /** Loads the module, once for all engines, and makes an engine. */
+    static async create(options: EngineOptions = {}): Promise<Engine> {
+        const simd = options.simd ?? hasVectors();
+        return new Engine(await instantiate(simd ? "simd" : "plain", options.wasm), simd);
+    }
+
+    /**
+     * Calls an effect on a picture, which it rewrites in place unless `copy` is set. An effect that makes a new picture
+     * leaves the source as it is.
+     *
+     * @param source a picture, a canvas, or RGBA bytes; `null` for effects that work on none
+     * @param method the effect's name, or a call as a text such as `"vignette(blur: 10%)"`
+     * @throws {KrlError} if an argument is wrong or the effect fails
+     */
+    apply<M extends MethodName>(source: Source | null, method: M, given?: Effects[M]["arguments"],
+        options?: CallOptions): Result<Effects[M]["entries"]>;
+    apply(source: Source | null, call: `${string}(${string}`, given?: undefined, options?: CallOptions): Result;
+    apply(source: Source | null, call: string, given: object = {}, options: CallOptions = {}): Result {
+        const module = this.alive();
+        const effect = this.effectOf(call);
+        return module.memory.scoped((scope) => {
+            const lent = source === null ? undefined : new LentPicture(scope, source, effect.name, "picture", options.width);
+            const entries = call.includes("(")
+                ? callByText(module, scope, lent, effect, call)
+                : callWithValues(module, scope, lent, effect, given as Arguments);
+            const pictures = picturesIn(entries);
+            return {
+                picture: pictures[0] ?? (lent ? rewritten(lent, effect.rewritesPicture, options) : null),
+                pictures,
+                entries: Array.isArray(entries) ? {} : entries as Record<string, Value>,
+            };
+        });
+    }
+
+    /**
+     * Makes calls one after another; if one makes a new picture, those after it work on that. The event loop turns
+     * between two calls. The source is rewritten when all are done, unless `copy` is set or a new picture is made.
+     *
+     * @throws {KrlError} if a call is wrong or fails
+     */
+    async run(source: Source, calls: readonly ChainCall[], options: ChainOptions = {}): Promise<ChainResult> {
+        const { signal, onProgress } = options;
+        signal?.throwIfAborted();
+        const loan = new Loan(source, options.width, "run", "picture");
+        const working = loan.copy(loan.picture.data);
+        let picture = working;
+        const results: Result[] = [];
+        for (const call of calls) {
+            if (results.length > 0) await nextTurn();
+            signal?.throwIfAborted();
+            const result = this.applyCall(picture, call);
+            results.push(result);
+            picture = result.picture ?? picture;
+            onProgress?.(results.length, calls.length);
+        }
+        if (picture === working && !options.copy) picture = loan.finish(working.data);
+        return { picture, results };
+    }
+
+    /**
+     * Applies a look, rewriting the picture in place unless `copy` is set.
+     *
+     * @param look one that `readLook` gave, the text of one, or the name of one that comes with the engine
+     * @throws {KrlError} with the line, if a call of the look fails
+     */
+    applyLook(source: Source, look: Look | string, options: CallOptions = {}): Result {
+        if (typeof look === "string") {
+            const read = this.readLook(look);
+            try {
+                return this.applyLook(source, read, options);
+            } finally {
+                read.dispose();
+            }
+        }
+        const { exports, memory, engine } = this.alive();
+        return memory.scoped((scope) => {
+            const lent = new LentPicture(scope, source, "look", "picture", options.width);
+            look.lendPictures(scope);
+            const entries = Outcome.of(exports, scope, (place) =>
+                exports._krl_look_apply!(engine, look.handle(exports), lent.at, place)).value("", []);
+            const pictures = picturesIn(entries);
+            return { picture: pictures[0] ?? rewritten(lent, true, options), pictures, entries: {} };
+        });
+    }
+
+    /** Reads a look from its text, or takes one that comes with the engine by its name. */
+    readLook(text: string): Look {
+        const { exports, memory } = this.alive();
+        const shipped = this.shippedLooks.find(({ name }) => name === text);
+        return Look.read(exports, memory, shipped?.text ?? text);
+    }
+
+    /** A look without calls, to add some. */
+    newLook(title: string): Look {
+        const { exports, memory } = this.alive();
+        return Look.make(exports, memory, title);
+    }
+
+    /**
+     * Runs a Lingo script: its handler `main`, or its first, with `arguments` as a list of texts. Scripts find the
+     * pictures of `images` by name, as members or as files; those that they save are in the outcome.
+     *
+     * @throws {KrlError} with the line, if the script is wrong or fails
+     */
+    runLingo(source: string, options: LingoOptions = {}): LingoOutcome {
+        const { exports, memory } = this.alive();
+        return runLingo(exports, memory, source, options);
+    }
+
+    /** A call as the command line, looks and `apply` take it as a text. Pictures are given by their names. */
+    callText<M extends MethodName>(method: M, given: { [K in keyof Effects[M]["arguments"]]: unknown }): string {
+        return writeCall(this.alive(), this.effectOf(method), given as Arguments);
+    }
+
+    /** The value that a text such as `"rgb(255, 128, 0)"` writes. */
+    parseValue(text: string): Value {
+        return parseValue(this.alive(), text);
+    }
+
+    /** What an effect takes for an argument that is left out, on a picture of this size. */
+    example(method: MethodName, argument: string, width: number, height: number): Value {
+        const { exports, memory } = this.alive();
+        const effect = this.effectOf(method);
+        const index = effect.arguments.findIndex(({ name }) => name === argument);
+        if (index < 0) throw new KrlError(`${effect.name}: no argument is called ${argument}`,
+            { method: effect.name, argument, reason: "no such argument" });
+        return exampleOf(exports, memory, effect.name, index, width, height);
+    }
+
+    /** Bytes of memory that the engine has; it keeps the most that a call has needed. */
+    get memoryBytes(): number {
+        return this.alive().exports.HEAPU8.length;
+    }
+
+    /** Gives all its memory back; calls fail from now on. */
+    dispose(): void {
+        this.module = undefined;  // the instance and its memory are nobody else's
+    }
+
+    [Symbol.dispose](): void {
+        this.dispose();
+    }
+
+    private applyCall(picture: Picture, call: ChainCall): Result {
+        const [method, given] = typeof call === "string" ? [call] : call;
+        return this.apply(picture, method as `${string}(${string}`, given as undefined);
+    }
+
+    private alive(): Module {
+        if (!this.module) throw new Error("the engine has been disposed of");
+        return this.module;
+    }
+
+    private effectOf(call: string): Effect {
+        const name = call.trim().split(/[\s(]/, 1)[0]!;
+        const effect = this.byLowerName.get(name.toLowerCase());
+        if (!effect) throw new KrlError(`no effect is called ${name}`, { method: name, reason: "no such method" });
+        return effect;
+    }
+}

@@ -1,0 +1,12 @@
+export { Engine } from "./engine.js";
+export type { CallOptions, ChainCall, ChainOptions, ChainResult, EngineOptions, Result } from "./engine.js";
+export { KrlError } from "./errors.js";
+export { LingoError } from "./lingo.js";
+export type { LingoOptions, LingoOutcome } from "./lingo.js";
+export { Look } from "./look.js";
+export type { LookParameter, ShippedLook } from "./look.js";
+export { OutOfMemory } from "./memory.js";
+export type { Argument, ArgumentKind, Effect, Family, ResultEntry } from "./catalogue.js";
+export type { WasmSource } from "./load.js";
+export type { Arguments, Canvas, Colour, Colours, Extent, Picture, Point, Source, Value } from "./types.js";
+export type * from "./effects.js";

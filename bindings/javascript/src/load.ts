@@ -1,0 +1,91 @@
+import type { Exports } from "./exports.js";
+
+/** Where a module's bytes come from. */
+export type WasmSource = string | URL | Response | BufferSource | WebAssembly.Module;
+
+/** Makes an instance. */
+export type Factory = (options: {
+    instantiateWasm: (imports: WebAssembly.Imports, done: (instance: WebAssembly.Instance) => void) => object;
+}) => Promise<Exports>;
+
+/** A module with vectors of 128 bits: `v128.const 0; drop` in a function. */
+const VECTOR_PROBE = new Uint8Array([
+    0, 97, 115, 109, 1, 0, 0, 0, 1, 4, 1, 96, 0, 0, 3, 2, 1, 0, 10, 23, 1, 21, 0,
+    253, 12, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 26, 11,
+]);
+
+/** Whether this machine runs the faster module. */
+export function hasVectors(): boolean {
+    return WebAssembly.validate(VECTOR_PROBE);
+}
+
+/** With vectors, and without. */
+export type VariantName = "simd" | "plain";
+
+interface Variant {
+    readonly file: URL;
+    readonly factory: () => Promise<{ default: Factory }>;
+}
+
+// Written out for bundlers, which look for these forms.
+const VARIANTS: Readonly<Record<VariantName, Variant>> = {
+    simd: {
+        get file() { return new URL("./krlimage-simd.wasm", import.meta.url); },
+        factory: () => import("./krlimage-simd.mjs"),
+    },
+    plain: {
+        get file() { return new URL("./krlimage-plain.wasm", import.meta.url); },
+        factory: () => import("./krlimage-plain.mjs"),
+    },
+};
+
+/** What a server or Node has under an address. */
+async function bytesOf(source: string | URL): Promise<Response | BufferSource> {
+    const url = source instanceof URL ? source : new URL(source, globalThis.location?.href ?? import.meta.url);
+    if (url.protocol !== "file:") return fetch(url);
+    // Node's fetch reads no files. Bundlers for browsers must not look for this module.
+    const files = "node:fs/promises";
+    const { readFile } = await import(/* @vite-ignore */ /* webpackIgnore: true */ files) as
+        { readFile(file: URL): Promise<Uint8Array<ArrayBuffer>> };
+    return readFile(url);
+}
+
+async function compile(source: WasmSource): Promise<WebAssembly.Module> {
+    if (source instanceof WebAssembly.Module) return source;
+    if (typeof source === "string" || source instanceof URL) return compile(await bytesOf(source) as WasmSource);
+    if (typeof Response !== "undefined" && source instanceof Response) {
+        if (!source.ok) throw new Error(`cannot load ${source.url}: ${source.status} ${source.statusText}`);
+        // Not streamed: a server may name another type than WebAssembly's.
+        return WebAssembly.compile(await source.arrayBuffer());
+    }
+    return WebAssembly.compile(source as BufferSource);
+}
+
+const compiled = new Map<VariantName, Promise<WebAssembly.Module>>();
+
+/** The package's own module, compiled once. */
+function ownModule(name: VariantName): Promise<WebAssembly.Module> {
+    let module = compiled.get(name);
+    if (!module) {
+        module = compile(VARIANTS[name].file);
+        compiled.set(name, module);
+        module.catch(() => compiled.delete(name));  // the next engine tries again
+    }
+    return module;
+}
+
+/** A new instance with memory of its own. */
+export async function instantiate(name: VariantName, source?: WasmSource): Promise<Exports> {
+    if (typeof WebAssembly !== "object") throw new Error("this browser cannot run WebAssembly, which the engine needs");
+    const [module, { default: factory }] = await Promise.all([
+        source === undefined ? ownModule(name) : compile(source),
+        VARIANTS[name].factory(),
+    ]);
+    return new Promise((resolve, reject) => {
+        const instantiateWasm = (imports: WebAssembly.Imports, done: (instance: WebAssembly.Instance) => void) => {
+            WebAssembly.instantiate(module, imports).then(done).catch(reject);
+            return {};
+        };
+        factory({ instantiateWasm }).then(resolve, reject);
+    });
+}

@@ -1,0 +1,42 @@
+/** What is in the package, and how large it is. */
+import assert from "node:assert/strict";
+import { execFile } from "node:child_process";
+import { readFile, readdir } from "node:fs/promises";
+import { test } from "node:test";
+import { promisify } from "node:util";
+import { gzipSync } from "node:zlib";
+
+/** What the modules may grow to; they are to shrink. */
+const MOST_BYTES = 1_500_000;
+const MOST_PACKED_BYTES = 500_000;
+
+const folder = "node_modules/krlimage";
+const read = (name) => readFile(`${folder}/${name}`);
+
+test("modules keep to their size", async () => {
+    for (const name of ["krlimage-simd", "krlimage-plain"]) {
+        const bytes = await read(`dist/${name}.wasm`);
+        const packed = gzipSync(bytes, { level: 9 }).length;
+        console.log(`${name}.wasm: ${bytes.length} bytes, ${packed} compressed`);
+        assert.ok(bytes.length <= MOST_BYTES && packed <= MOST_PACKED_BYTES, name);
+    }
+});
+
+test("nothing else is needed or included", async () => {
+    const description = JSON.parse(await read("package.json"));
+    assert.deepEqual(description.dependencies ?? {}, {});
+    assert.deepEqual((await readdir(folder)).sort(), ["LICENSE", "README.md", "dist", "package.json"]);
+    assert.deepEqual((await readdir(`${folder}/dist`)).sort(), ["krlimage-plain.mjs", "krlimage-plain.wasm",
+        "krlimage-simd.mjs", "krlimage-simd.wasm", "krlimage.js", "types"]);
+});
+
+test("the examples of the readme run", async () => {
+    const readme = (await read("README.md")).toString();
+    const examples = [...readme.matchAll(/^```js\n(.*?)^```/gms)].map((match) => match[1]);
+    assert.ok(examples.length > 2);
+    const source = `const { Engine: Made } = await import("krlimage");
+        globalThis.imageData = { width: 96, height: 64, data: new Uint8ClampedArray(96 * 64 * 4).fill(90) };
+        globalThis.canvas = imageData;\n`;
+    for (const example of examples)
+        await promisify(execFile)(process.execPath, ["--input-type=module", "--eval", source + example]);
+});
