@@ -1,0 +1,4 @@
+declare module "*.ls" {
+    const text: string;
+    export default text;
+}
