@@ -242,7 +242,7 @@ pageTest("a script runs, shows what it prints and makes, and marks the line that
 });
 
 pageTest("no serious barrier, in light and dark, in both parts", async (page) => {
-    await page.addScriptTag({ path: AXE }).catch(async () => page.evaluate(await readFile(AXE, "utf8")));
+    await page.evaluate(await readFile(AXE, "utf8"));  // a script tag would break the policy of the page
     const violations = async () => (await page.evaluate(() => globalThis.axe.run())).violations
         .filter(({ impact }) => impact === "serious" || impact === "critical")
         .map(({ id, nodes }) => `${id}: ${nodes.map(({ html }) => html.slice(0, 120)).join(" | ")}`);
