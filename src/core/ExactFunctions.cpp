@@ -113,13 +113,20 @@ double sineOf(double angle, uint32_t more) {
     return quarters & 2 ? -sine.high : sine.high;
 }
 
+/// 1 / (2 n + 1)
+constexpr auto kInverseOdd = [] {
+    std::array<double, 21> inverse{};
+    for (size_t n = 0; n < inverse.size(); ++n) inverse[n] = 1.0 / static_cast<double>(2 * n + 1);
+    return inverse;
+}();
+
 /// The angle whose tangent is `t`, 0 to 1, to some 50 bits.
 double roughAngleOf(double t) {
     constexpr double kTanEighth = 0.41421356237309503;
     const bool isUpper = t > kTanEighth;
     if (isUpper) t = (t - 1) / (t + 1);
     double sum = 0;
-    for (int odd = 41; odd >= 1; odd -= 2) sum = 1.0 / odd - sum * (t * t);
+    for (size_t n = kInverseOdd.size(); n-- > 0;) sum = kInverseOdd[n] - sum * (t * t);
     return t * sum + (isUpper ? kQuarterTurn.high / 2 : 0.0);
 }
 
@@ -177,7 +184,7 @@ double roughLogarithm(double x) {
     }
     const double t = (near - 1) / (near + 1), square = t * t;
     double sum = 0;
-    for (int odd = 25; odd >= 1; odd -= 2) sum = sum * square + 1.0 / odd;
+    for (size_t n = 13; n-- > 0;) sum = sum * square + kInverseOdd[n];
     return 2 * t * sum + doublings * std::numbers::ln2;
 }
 
