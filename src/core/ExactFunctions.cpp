@@ -188,12 +188,4 @@ double roughLogarithm(double x) {
     return 2 * t * sum + doublings * std::numbers::ln2;
 }
 
-double roughAngle(double y, double x) {
-    const double across = std::fabs(x), height = std::fabs(y);
-    const double longer = std::max(across, height), shorter = std::min(across, height);
-    const double turned = longer == 0 ? 0 : roughAngleOf(shorter / longer);
-    const double upright = height > across ? kQuarterTurn.high - turned : turned;
-    return std::copysign(x < 0 ? 2 * kQuarterTurn.high - upright : upright, y);
-}
-
 }  // namespace krl

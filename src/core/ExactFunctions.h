@@ -21,7 +21,5 @@ double exactLength(double x, double y);
 /// 700, the logarithm for numbers above 0.
 double roughExponential(double x);
 double roughLogarithm(double x);
-/// 0 for (0, 0).
-double roughAngle(double y, double x);
 
 }  // namespace krl

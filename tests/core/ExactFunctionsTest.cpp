@@ -195,23 +195,21 @@ TEST(ExactFunctions, AreTheSameOnEveryMachine) {
     };
     forManyPairs([&](double x, double y) {
         const double size = std::fabs(x);
-        for (const double value :
-             {exactSine(x), exactCosine(x * 1e30), exactExponential(x), exactLogarithm(size),
-              exactPower(size, y), exactAngle(x, y - 2.5), exactLength(x, y), roughExponential(x),
-              roughLogarithm(size), roughAngle(x, y - 2.5)})
+        for (const double value : {exactSine(x), exactCosine(x * 1e30), exactExponential(x),
+                                   exactLogarithm(size), exactPower(size, y), exactAngle(x, y - 2.5),
+                                   exactLength(x, y), roughExponential(x), roughLogarithm(size)})
             add(value);
     });
-    EXPECT_EQ(hash, 2683676002608731221u);
+    EXPECT_EQ(hash, 10184598200416179140u);
 }
 
 TEST(RoughFunctions, AreAsNearAsTheySay) {
-    forManyPairs([](double x, double y) {
+    forManyPairs([](double x, double) {
         const auto near = [](double rough, double exact) {
             return std::fabs(rough - exact) <= 1e-14 * std::fabs(exact);
         };
         EXPECT_TRUE(near(roughExponential(x), exactExponential(x))) << x;
         EXPECT_TRUE(near(roughLogarithm(std::fabs(x)), exactLogarithm(std::fabs(x)))) << x;
-        EXPECT_TRUE(near(roughAngle(x, y - 2.5), exactAngle(x, y - 2.5))) << x << ' ' << y;
     });
 }
 

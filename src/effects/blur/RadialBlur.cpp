@@ -7,6 +7,7 @@
 #include "core/VectorLevels.h"
 #include "effects/blur/BlurChoices.h"
 #include "kernels/path/PathTile.h"
+#include "kernels/sample/Trigonometry.h"
 #include "krlimage/blur.h"
 
 namespace krl {
@@ -50,12 +51,13 @@ struct Circle {
     float angle;            ///< of the pixel's own place, as it is rounded
     double alongX, alongY;  ///< from the pixel to the centre, at the rounded angle
 
-    Circle(Point point, int32_t x, int32_t y) : centre(point) {
-        const PointReach reach(point, x, y);
-        const double rough = roughAngle(reach.dy, reach.dx);
+    /// `angleSize` is the size of the pixel's angle, within some 1e-14.
+    Circle(Point point, const PointReach& reach, double angleSize) : centre(point) {
+        constexpr double kError = 2e-14;
+        const double rough = std::copysign(angleSize, double(reach.dy));
         radius = reach.distance;
-        angle = static_cast<float>(rough * (1 + 1e-14));
-        if (angle != static_cast<float>(rough * (1 - 1e-14))) angle = static_cast<float>(reach.angle());
+        angle = static_cast<float>(rough + kError);
+        if (angle != static_cast<float>(rough - kError)) angle = static_cast<float>(reach.angle());
         if (reach.hasWrapped) {
             alongX = exactCosine(double(angle)) * radius;
             alongY = exactSine(double(angle)) * radius;
@@ -76,9 +78,27 @@ struct Circle {
     }
 };
 
+/// Calls `visit(i, circle)` for the circles of `count` pixels from (`x`, `y`) on in a row of a tile.
+template <class Visit>
+void forCirclesOfRow(Point point, int32_t x, int32_t y, int32_t count, Visit&& visit) {
+    double across[PathTile::kWidth] = {}, sizes[PathTile::kWidth];
+    for (int32_t i = 0; i < count; ++i) across[i] = PointReach(point, x + i, y).dx;
+    angleSizes(across, PointReach(point, x, y).dy, sizes, static_cast<size_t>(count));
+    for (int32_t i = 0; i < count; ++i) visit(i, Circle(point, PointReach(point, x + i, y), sizes[i]));
+}
+
 /// The circles of a tile, as far as they are turned.
 struct TileCircles {
     double alongX[PathTile::kPixels], alongY[PathTile::kPixels];
+
+    TileCircles(const PathTile& tile, Point point) {
+        for (int32_t row = 0; row < tile.height; ++row)
+            forCirclesOfRow(point, tile.left, tile.top + row, tile.width,
+                            [&](int32_t i, const Circle& circle) {
+                                alongX[row * tile.width + i] = circle.alongX;
+                                alongY[row * tile.width + i] = circle.alongY;
+                            });
+    }
 };
 
 /// Turns every circle of a tile by one angle; returns whether any place is in doubt.
@@ -108,12 +128,7 @@ Status blurArcs(ImageEngine& engine, int32_t degrees, Point point) {
     const double error = placeError(point, source) + degrees * 1e-12;
     return forEachPathTile(engine, [&](const PathTile& tile) {
         const int32_t pixels = tile.count();
-        TileCircles circles;
-        for (int32_t i = 0; i < pixels; ++i) {
-            const Circle circle(point, tile.x(i), tile.y(i));
-            circles.alongX[i] = circle.alongX;
-            circles.alongY[i] = circle.alongY;
-        }
+        const TileCircles circles(tile, point);
         TilePlaces places;
         TileSums<kWeighted> sums(engine, source);
         for (int32_t n = 0; n < arc.count(); ++n) {
@@ -121,7 +136,9 @@ Status blurArcs(ImageEngine& engine, int32_t degrees, Point point) {
             const bool any = turn(circles, pixels, arc.cosine(n), arc.sine(n), point, source.width(),
                                   source.height(), error, places);
             settleDoubts(any, places.doubt, pixels, [&](int32_t i) {
-                places.offset[i] = Circle(point, tile.x(i), tile.y(i)).offsetAt(n - degrees, source);
+                forCirclesOfRow(point, tile.x(i), tile.y(i), 1, [&](int32_t, const Circle& circle) {
+                    places.offset[i] = circle.offsetAt(n - degrees, source);
+                });
             });
             sums.add(places.offset, pixels);
         }
