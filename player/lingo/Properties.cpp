@@ -9,6 +9,7 @@
 #include "player/lingo/Arithmetic.h"
 #include "player/lingo/Chunks.h"
 #include "player/lingo/Runtime.h"
+#include "player/pictures/FileAccess.h"
 
 /// `object.name` for each type.
 namespace krl::player {
@@ -92,7 +93,9 @@ Value memberImage(Runtime& runtime, const Value& object) {
     if (file.empty())
         throw HostError("there is no picture for the member \"" + member.name + '"' +
                         didYouMean(member.name, runtime.sandbox.memberNames(pictureExtensions())));
-    member.image = runtime.heap.make<ImageObject>(readPicture(file));
+    // Checked again once it is open: its name may have come to mean a file elsewhere.
+    const std::string name = std::filesystem::absolute(file).string();
+    member.image = runtime.heap.make<ImageObject>(readCheckedPicture(runtime.sandbox.toRead(name)));
     return member.image;
 }
 
