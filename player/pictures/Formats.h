@@ -20,7 +20,11 @@ void writePam(AtomicFile& file, const Bitmap& picture);
 /// `PictureError`.
 std::optional<Bitmap> readNetpbm(const InputFile& file);
 
+/// The size of a portable map; nothing for another format.
+std::optional<PictureSize> readNetpbmSize(const InputFile& file);
+
 /// The formats of libvips.
+PictureSize readSizeWithVips(const InputFile& file);
 PictureFrames readWithVips(const InputFile& file, FrameChoice choice);
 /// Pages or frames that belong to somebody else.
 struct FramesToWrite {

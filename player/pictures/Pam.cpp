@@ -174,6 +174,20 @@ std::optional<Bitmap> readNetpbm(const InputFile& file) {
     return std::nullopt;
 }
 
+std::optional<PictureSize> readNetpbmSize(const InputFile& file) {
+    const bool isPam = beginsWith(file, "P7");
+    if (!isPam && !beginsWith(file, "P5") && !beginsWith(file, "P6")) return std::nullopt;
+    PamFile map(file);
+    if (isPam) {
+        const PamHeader header = readHeader(file.path(), map);
+        return PictureSize{header.width, header.height};
+    }
+    char start[2] = {};
+    map.read(start, 2);
+    const int64_t width = map.readNumber();
+    return PictureSize{width, map.readNumber()};
+}
+
 Bitmap readPam(const InputFile& input) {
     const std::filesystem::path& path = input.path();
     PamFile file(input);

@@ -89,6 +89,22 @@ PictureFrames readFrames(const std::filesystem::path& path, FrameChoice choice) 
     return read(InputFile(path), choice);
 }
 
+PictureSize readPictureSize(const std::filesystem::path& path, FrameChoice choice) {
+    const InputFile file(path);
+    PictureSize size;
+    if (const std::optional<PictureSize> map = readNetpbmSize(file))
+        size = *map;
+    else
+#if defined(KRL_WITH_VIPS)
+        size = readSizeWithVips(file);
+#else
+        throw PictureError(path.string() + " is not a PAM, PPM or PGM picture");
+#endif
+    if (choice == FrameChoice::First) size.frames = 1;
+    requirePictureSize(path, size.width, size.height);
+    return size;
+}
+
 Bitmap readCheckedPicture(const std::filesystem::path& path) {
     const InputFile file(path);
     const std::filesystem::path place = file.place();

@@ -25,6 +25,15 @@ struct PictureFrames {
 /// Reads a picture file with its pages or frames. Throws `PictureError`.
 PictureFrames readFrames(const std::filesystem::path& path, FrameChoice choice);
 
+/// The size of a picture as its file has it, before orientation.
+struct PictureSize {
+    int64_t width = 0, height = 0;
+    int64_t frames = 1;
+};
+
+/// Reads the header of a picture file. Throws `PictureError`.
+PictureSize readPictureSize(const std::filesystem::path& path, FrameChoice choice);
+
 enum class PictureFormat { Png, Jpeg, Tiff, Webp, Gif, Avif, Heic, Jxl, Pam };
 
 /// The format for a name's extension, if this build can write it.

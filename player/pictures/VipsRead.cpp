@@ -263,6 +263,15 @@ PictureFrames read(const InputFile& file, FrameChoice choice) {
 
 }  // namespace
 
+PictureSize readSizeWithVips(const InputFile& file) {
+    startVips();
+    return tellingItsOwnReason([&] {
+        const VipsChain image(requireOpen(file, "read " + file.path().string()));
+        return PictureSize{vips_image_get_width(image.get()), vips_image_get_height(image.get()),
+                           vips_image_get_n_pages(image.get())};
+    });
+}
+
 PictureFrames readWithVips(const InputFile& file, FrameChoice choice) {
     startVips();
     uint8_t start[8] = {};
