@@ -13,6 +13,7 @@
 
 #if defined(_WIN32)
 #include <io.h>
+#include <process.h>
 #else
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -64,15 +65,16 @@ private:
 /// may already have the maximum length.
 fs::path temporaryName(const fs::path& target) {
     static std::atomic<uint32_t> count = 0;
-    const auto ticks = std::chrono::steady_clock::now().time_since_epoch().count();
-    const std::string mark = std::to_string(ticks) + "-" + std::to_string(++count);
-    return "." + mark + target.extension().string();
+    return AtomicFile::mark() + "_" + std::to_string(++count) + target.extension().string();
 }
 
 #if defined(_WIN32)
+int processNumber() { return _getpid(); }
 bool isPouredInto(const fs::path&) { return false; }
 int openToPour(const fs::path&) { return -1; }
 #else
+int processNumber() { return ::getpid(); }
+
 /// The file descriptor that a name denotes, such as 1 for `/dev/stdout`, or -1.
 int namedDescriptor(const std::string& name) {
     if (name == "/dev/stdout") return STDOUT_FILENO;
@@ -100,6 +102,14 @@ int openToPour(const fs::path& target) {
 #endif
 
 }  // namespace
+
+const std::string& AtomicFile::mark() {
+    static const std::string mark = [] {
+        const auto ticks = std::chrono::system_clock::now().time_since_epoch().count();
+        return "." + std::to_string(ticks) + "-" + std::to_string(processNumber());
+    }();
+    return mark;
+}
 
 AtomicFile::AtomicFile(const fs::path& target, const AtomicFileRules& rules) : target_(target) {
     int error = 0;

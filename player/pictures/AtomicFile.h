@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <functional>
+#include <string>
 #include <string_view>
 
 namespace krl::player {
@@ -29,6 +30,9 @@ public:
     ~AtomicFile();
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
+
+    /// How the names of this process's unfinished files begin, up to a `_`.
+    static const std::string& mark();
 
     /// The target, for messages.
     const std::filesystem::path& target() const { return target_; }
