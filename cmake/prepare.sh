@@ -1,7 +1,7 @@
 # Shared by ./run and ./test: installs missing packages, configures a preset and builds it.
 # Silent unless something takes long or fails.
 
-build_packages=(cmake ninja-build g++ pkg-config libvips-dev libcli11-dev nlohmann-json3-dev)
+build_packages=(cmake ninja-build g++ pkg-config libvips-dev libcli11-dev nlohmann-json3-dev libxxhash-dev)
 test_packages=(libgtest-dev)
 
 # Installs those of the given Debian packages that are missing.

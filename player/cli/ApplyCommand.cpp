@@ -2,11 +2,13 @@
 #include <cctype>
 #include <optional>
 #include <ostream>
-#include <sstream>
 
+#include "player/cli/ApplyLedger.h"
 #include "player/cli/ApplyOptions.h"
 #include "player/cli/ApplyPicture.h"
 #include "player/cli/ApplyReport.h"
+#include "player/cli/BatchParts.h"
+#include "player/cli/BatchPlan.h"
 #include "player/cli/ChainCall.h"
 #include "player/cli/ChainScript.h"
 #include "player/cli/LookFiles.h"
@@ -64,25 +66,9 @@ int printScript(const std::vector<fs::path>& inputs, const std::vector<ChainCall
     return 0;
 }
 
-/// Adds the inputs in a file, one a line.
-void addListed(const fs::path& list, std::vector<fs::path>& inputs) {
-    if (list.empty()) return;
-    std::istringstream lines(readText(list));
-    for (std::string line; std::getline(lines, line);)
-        if (!line.empty()) inputs.emplace_back(line);
-}
-
 std::string exampleOf(const std::vector<ChainCall>& chain) {
     const std::string call = chain.empty() ? "sepia" : chain.front().written();
     return ", as in krlimage apply in.jpg -o out.jpg '" + call + '\'';
-}
-
-int printPlan(const std::vector<fs::path>& inputs, const ApplyOptions& options, const Terminal& terminal) {
-    std::vector<std::string> notes;
-    for (const BatchItem& item : planBatch(inputs, options, &notes))
-        terminal.out << item.input.string() << " -> " << item.output.string() << '\n';
-    showNotes(notes, terminal);
-    return 0;
 }
 
 WriteOptions writingFor(const ApplyOptions& options) {
@@ -99,6 +85,21 @@ WriteOptions writingFor(const ApplyOptions& options) {
     return writing;
 }
 
+int printOutputs(BatchParts& parts, const ApplyOptions& options, const std::vector<ChainCall>& chain,
+                 const Terminal& terminal) {
+    std::optional<RecordedResults> recorded;
+    if (options.resume) recorded.emplace(options.output, shardOf(options).value_or(Shard(1, 1)));
+    const std::string made = recorded ? chainHash(options, chain, writingFor(options)) : "";
+    while (const std::optional<BatchPart> part = parts.next()) {
+        std::vector<std::string> notes;
+        for (const BatchItem& item : planBatch(*part, options, &notes))
+            if (!recorded || !recorded->has(item, nameBelowOutput(item.output, options), made))
+                terminal.out << item.input.string() << " -> " << item.output.string() << '\n';
+        showNotes(notes, terminal);
+    }
+    return 0;
+}
+
 void evaluate(std::vector<ChainCall>& chain, const SessionOptions& settings) {
     if (chain.empty()) return;
     Session session(settings);
@@ -109,6 +110,87 @@ void evaluate(std::vector<ChainCall>& chain, const SessionOptions& settings) {
                 call.written() +
                 ": mix, mask, region, place, scale and fit need the built-in effects, not --xtra");
     }
+}
+
+void requireOutput(const ApplyOptions& options, const std::vector<ChainCall>& chain) {
+    if (options.output.empty() && !options.inPlace)
+        throw UsageError("no output: use -o FILE or -o DIR" + exampleOf(chain));
+    if (options.keepsLedger() && (options.output.empty() || isStandardStream(options.output)))
+        throw UsageError("--ledger and --resume need -o DIR, which has the ledger");
+    if (!options.shard.empty() && options.nameTemplate.find("{n}") != std::string::npos)
+        throw UsageError("--name: {n} counts the pictures of one run, and --shard makes several");
+}
+
+/// Works on the pictures of a part. Returns whether the next part can follow.
+bool workOnPart(const ApplyWork& work, const ApplyOptions& options, const SessionOptions& settings,
+                const Terminal& terminal) {
+    ApplyProgress& progress = work.progress;
+    try {
+        ProgressBar bar(terminal, progress.alone().size() + progress.together().size(), "pictures");
+        const auto workOnEach = [&](const std::vector<size_t>& indexes, unsigned jobs) {
+            workSideBySide(indexes.size(), jobs, [&]() -> Worker {
+                return [&, run = makeRunner(settings)](size_t i) {
+                    applyToPicture(run, work, indexes[i]);
+                    bar.step();
+                };
+            });
+        };
+        workOnEach(progress.alone(), 1);
+        workOnEach(progress.together(), options.jobs);
+        return progress.totals().unsettled() == 0;
+    } catch (const std::bad_alloc&) {
+        failTheRest(progress, "out of memory");
+    } catch (const ScriptError& error) {
+        if (progress.items().size() == 1) throw;
+        failTheRest(progress, error.what());
+    }
+    return false;
+}
+
+/// What is done, for people who read a ledger.
+std::string wordsOf(const ApplyOptions& options, const std::vector<ChainCall>& chain) {
+    std::string words;
+    for (const std::string& look : options.looks) words += "--look " + look + ' ';
+    for (const ChainCall& call : chain) words += call.written() + ' ';
+    if (!words.empty()) words.pop_back();
+    return words;
+}
+
+int workOnAll(BatchParts& parts, const ApplyOptions& options, const std::vector<ChainCall>& chain,
+              const SessionOptions& settings, const Terminal& terminal) {
+    const std::vector<ReadyLook> looks = readyLooks(options.looks, options.settings);
+    const WriteOptions writing = writingFor(options);
+    std::optional<ApplyLedger> ledger;
+    if (options.keepsLedger())
+        ledger.emplace(options, chainHash(options, chain, writing), wordsOf(options, chain));
+    // Nothing but the picture goes to standard output.
+    const Terminal results{isStandardStream(options.output) ? terminal.err : terminal.out, terminal.err,
+                           terminal.live};
+    ApplyProgress progress(parts, options, ledger ? &*ledger : nullptr);
+    ApplyReport report(options.json, results);
+    MemoryGate memory(options.memory);
+    bool hasNext = progress.next();
+    FailureLimit failures(options.mostFailures, progress.totals().failed);
+    const ApplyWork work{looks,
+                         chain,
+                         writing,
+                         options.firstFrame,
+                         options.delivery,
+                         progress,
+                         ledger ? &*ledger : nullptr,
+                         options.retries,
+                         memory,
+                         failures};
+    bool isThrough = true;
+    for (; hasNext; hasNext = isThrough && progress.next()) {
+        showNotes(progress.notes(), terminal);
+        isThrough = workOnPart(work, options, settings, terminal);
+        report.add(progress.items(), progress.reports);
+    }
+    const int code = report.finish(progress.totals());
+    const std::string unwritten = ledger ? ledger->finish(isThrough) : "";
+    if (!unwritten.empty()) terminal.err << "krlimage: " << unwritten << '\n';
+    return code == 0 && !unwritten.empty() ? 1 : code;
 }
 
 }  // namespace
@@ -125,43 +207,18 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
     if (!options.print.empty() && !options.looks.empty())
         throw UsageError("--print lingo prints calls, not looks");
     if (!options.print.empty()) return printScript(inputs, chain, terminal);
-    addListed(options.inputList, inputs);
-    if (inputs.empty()) throw UsageError("no input: name a picture or a folder" + exampleOf(chain));
-    if (options.output.empty() && !options.inPlace)
-        throw UsageError("no output: use -o FILE or -o DIR" + exampleOf(chain));
-    if (options.dryRun) return printPlan(inputs, options, terminal);
+    if (inputs.empty() && options.inputList.empty())
+        throw UsageError("no input: name a picture or a folder" + exampleOf(chain));
+    requireOutput(options, chain);
+    BatchParts parts(inputs, options);
+    if (options.dryRun) return printOutputs(parts, options, chain, terminal);
+    if (options.plan) return printPlan(parts, options, terminal);
 
     // The user wrote the calls and named the pictures, so no folder is off limits.
     SessionOptions settings = options.session;
     settings.allowedFolders.push_back(fs::current_path().root_path());
-    const std::vector<ReadyLook> looks = readyLooks(options.looks, options.settings);
     evaluate(chain, settings);
-    ApplyProgress progress(inputs, options);
-    const WriteOptions writing = writingFor(options);
-    showNotes(progress.notes(), terminal);
-    // Nothing but the picture goes to standard output.
-    const Terminal results{isStandardStream(options.output) ? terminal.err : terminal.out, terminal.err,
-                           terminal.live};
-    const ApplyWork work{looks, chain, writing, options.firstFrame, options.delivery, progress};
-    try {
-        ProgressBar bar(terminal, progress.alone().size() + progress.together().size(), "pictures");
-        const auto workOnEach = [&](const std::vector<size_t>& indexes, unsigned jobs) {
-            workSideBySide(indexes.size(), jobs, [&]() -> Worker {
-                return [&, run = makeRunner(settings)](size_t i) {
-                    applyToPicture(run, work, indexes[i]);
-                    bar.step();
-                };
-            });
-        };
-        workOnEach(progress.alone(), 1);
-        workOnEach(progress.together(), options.jobs);
-    } catch (const std::bad_alloc&) {
-        failTheRest(progress, "out of memory");
-    } catch (const ScriptError& error) {
-        if (progress.items().size() == 1) throw;
-        failTheRest(progress, error.what());
-    }
-    return showOutcome(progress.items(), progress.reports, options.json, results);
+    return workOnAll(parts, options, chain, settings, terminal);
 }
 
 }  // namespace krl::player

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -33,8 +34,24 @@ struct ApplyOptions {
     bool json = false;
     /// Name of each output in the folder, such as `{folder}/{stem}_small.{ext}`; empty for the input's own.
     std::string nameTemplate;
-    /// A file with one input in each line.
+    /// A file with one input in each line, or `-` for standard input.
     std::filesystem::path inputList;
+    /// Whether names in the list end with a zero byte instead of a line's end.
+    bool endsWithZero = false;
+    /// Outputs are placed in the output folder as their inputs are in this one; empty for by their names.
+    std::filesystem::path root;
+    /// The share of the pictures to process, `K/N` or `auto`; empty for all.
+    std::string shard;
+    /// Records what becomes of every picture in the output folder, and leaves out what is recorded there.
+    bool ledger = false, resume = false;
+    /// How often a picture that cannot be read is tried again.
+    unsigned retries = 0;
+    /// Failures after which no further picture is started; 0 for no limit.
+    size_t mostFailures = 0;
+    /// Bytes of memory that pictures in progress may take together; 0 for no limit.
+    uint64_t memory = 0;
+    /// Prints how much work there is, from the headers of the pictures, and does none.
+    bool plan = false;
     /// Also takes the pictures in folders within folders.
     bool recursive = false;
     /// Lets an output replace its input.
@@ -49,6 +66,8 @@ struct ApplyOptions {
     double timeout = 0;
     SessionOptions session;
     std::string threads;  ///< as given
+
+    bool keepsLedger() const { return ledger || resume; }
 };
 
 }  // namespace krl::player

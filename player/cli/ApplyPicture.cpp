@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "player/cli/CatalogueCalls.h"
+#include "player/cli/ReadRetry.h"
 #include "player/pictures/FileAccess.h"
 #include "player/pictures/PictureMetadata.h"
 
@@ -94,13 +95,22 @@ void runOnFrames(const ApplyRunner& run, const ApplyWork& work, PictureFrames& f
     }
 }
 
+MemoryGate::Share shareFor(const BatchItem& item, FrameChoice choice, const ApplyWork& work) {
+    if (!work.memory.hasLimit() || item.input == "/dev/stdin") return {};
+    return work.memory.take(workingMemory(
+        readPatiently(item.input, work.retries, [&] { return readPictureSize(item.input, choice); })));
+}
+
 PictureReport workOn(const ApplyRunner& run, const ApplyWork& work, size_t index) {
     const BatchItem& item = work.progress.items()[index];
     PictureReport report;
     try {
         const std::optional<PictureFormat> format = formatFor(item.output, work.options);
         const bool readsAll = !work.firstFrame && format && holdsFrames(*format);
-        PictureFrames frames = readFrames(item.input, readsAll ? FrameChoice::All : FrameChoice::First);
+        const FrameChoice choice = readsAll ? FrameChoice::All : FrameChoice::First;
+        const MemoryGate::Share share = shareFor(item, choice, work);
+        PictureFrames frames =
+            readPatiently(item.input, work.retries, [&] { return readFrames(item.input, choice); });
         if (const auto& metadata = frames.pictures.front().metadata)
             for (const std::string& loss : metadata->losses)
                 report.notes.push_back(item.input.string() + " loses " + loss);
@@ -129,10 +139,17 @@ PictureReport workOn(const ApplyRunner& run, const ApplyWork& work, size_t index
 }  // namespace
 
 void applyToPicture(const ApplyRunner& run, const ApplyWork& work, size_t index) {
+    if (work.failures.isReached()) return;
+    const BatchItem& item = work.progress.items()[index];
+    const FileState source = work.ledger ? ApplyLedger::before(item) : FileState();
     work.progress.begin(index);
     PictureReport& report = work.progress.reports[index];
     report = workOn(run, work, index);
-    if (!report.written) work.progress.failed(index, report);
+    if (!report.written) {
+        work.progress.failed(index, report);
+        work.failures.count();
+    }
+    if (work.ledger) work.ledger->note(item, source, report.failure);
 }
 
 }  // namespace krl::player

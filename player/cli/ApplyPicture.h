@@ -1,15 +1,31 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <vector>
 
+#include "player/cli/ApplyLedger.h"
 #include "player/cli/ApplyProgress.h"
 #include "player/cli/ChainCall.h"
 #include "player/cli/LookFiles.h"
+#include "player/cli/MemoryGate.h"
 #include "player/pictures/Delivery.h"
 #include "player/pictures/PictureFiles.h"
 
 namespace krl::player {
+
+/// Counts failures up to as many as a batch may have.
+class FailureLimit {
+public:
+    /// 0 is no limit.
+    FailureLimit(size_t limit, size_t failures) : limit_(limit), count_(failures) {}
+    void count() { ++count_; }
+    bool isReached() const { return limit_ > 0 && count_ >= limit_; }
+
+private:
+    const size_t limit_;
+    std::atomic<size_t> count_;
+};
 
 /// What the processing of every picture shares.
 struct ApplyWork {
@@ -19,6 +35,10 @@ struct ApplyWork {
     bool firstFrame = false;  ///< leaves out all pages or frames but the first
     const Delivery& delivery;
     ApplyProgress& progress;
+    ApplyLedger* ledger;  ///< may be null
+    unsigned retries;     ///< of reading
+    MemoryGate& memory;
+    FailureLimit& failures;
 };
 
 /// Runs looks and calls on a picture: through the catalogue, or calls through a plug-in from a file.
@@ -31,7 +51,7 @@ struct ApplyRunner {
 ApplyRunner makeRunner(const SessionOptions& options);
 
 /// Reads, rewrites and writes a picture of the batch, with all its pages or frames if the output holds them,
-/// and settles its report.
+/// and settles its report. Does nothing after as many failures as the batch may have.
 void applyToPicture(const ApplyRunner& run, const ApplyWork& work, size_t index);
 
 }  // namespace krl::player

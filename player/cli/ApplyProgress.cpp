@@ -1,7 +1,9 @@
 #include "player/cli/ApplyProgress.h"
 
 #include <nlohmann/json.hpp>
+#include <numeric>
 
+#include "player/cli/ApplyLedger.h"
 #include "player/cli/ApplyOptions.h"
 
 namespace krl::player {
@@ -17,12 +19,6 @@ std::string packed(const Json& json) {
 }
 
 Json unpacked(const std::string& bytes) { return Json::from_cbor(bytes); }
-
-std::string packed(const std::vector<BatchItem>& items) {
-    Json json = Json::array();
-    for (const BatchItem& item : items) json.push_back({item.input.string(), item.output.string()});
-    return packed(json);
-}
 
 std::string packed(const PictureReport& report) {
     Json calls = Json::array();
@@ -42,15 +38,59 @@ PictureReport reportOf(const std::string& bytes) {
 
 }  // namespace
 
-ApplyProgress::ApplyProgress(const std::vector<std::filesystem::path>& inputs, const ApplyOptions& options) {
-    if (!journal_.past().empty()) {
-        resume();
-        return;
+void BatchTotals::add(const std::vector<PictureReport>& reports) {
+    pictures += reports.size();
+    for (const PictureReport& report : reports) {
+        written += report.written ? 1 : 0;
+        failed += !report.written && !report.failure.empty() ? 1 : 0;
     }
-    items_ = planBatch(inputs, options, &notes_);
+}
+
+bool ApplyProgress::next() {
+    if (!journal_.past().empty() && items_.empty()) {
+        resume();
+        return true;
+    }
+    totals_ = totals();
+    reports.clear();
+    const std::optional<BatchPart> part = parts_.next();
+    if (!part) return false;
+    notes_.clear();
+    items_ = planBatch(*part, options_, &notes_);
+    if (ledger_) ledger_->leaveOutDone(items_, notes_);
+    reports.assign(items_.size(), {});
+    alone_.clear();
+    together_.resize(items_.size());
+    std::iota(together_.begin(), together_.end(), size_t{0});
+    journal_.restart();
+    if (journal_.kept()) journal_.note(JournalEntry::Kind::Plan, 0, plan());
+    return true;
+}
+
+BatchTotals ApplyProgress::totals() const {
+    BatchTotals all = totals_;
+    all.add(reports);
+    return all;
+}
+
+std::string ApplyProgress::plan() const {
+    Json items = Json::array();
+    for (const BatchItem& item : items_) items.push_back({item.input.string(), item.output.string()});
+    const InputList::Place place = parts_.place();
+    return packed({{"items", items},
+                   {"totals", {totals_.pictures, totals_.written, totals_.failed}},
+                   {"place", {place.offset, place.unread}},
+                   {"ledger", ledger_ ? ledger_->pictures() : 0}});
+}
+
+void ApplyProgress::readPlan(const std::string& text) {
+    const Json json = unpacked(text);
+    for (const Json& item : json["items"])
+        items_.push_back({item[0].get<std::string>(), item[1].get<std::string>()});
     reports.resize(items_.size());
-    for (size_t i = 0; i < items_.size(); ++i) together_.push_back(i);
-    if (journal_.kept()) journal_.note(JournalEntry::Kind::Plan, 0, packed(items_));
+    totals_ = {json["totals"][0], json["totals"][1], json["totals"][2]};
+    parts_.continueAt({json["place"][0], json["place"][1]});
+    if (ledger_) ledger_->continueWith(json["ledger"]);
 }
 
 void ApplyProgress::calledAll(size_t item, const PictureReport& report) const {
@@ -70,7 +110,10 @@ void ApplyProgress::resume() {
         apply(entry, begun);
     }
     for (size_t i = 0; i < items_.size(); ++i)
-        if (!reports[i].settled()) (begun[i] ? alone_ : together_).push_back(i);
+        if (reports[i].settled())
+            record(i);  // the crash may have been faster
+        else
+            (begun[i] ? alone_ : together_).push_back(i);
     if (alone_.empty()) throw CommandError("the program crashed: " + crashName(signal));
     journal_.note(JournalEntry::Kind::Restart, 0);
     if (alone_.size() > 1) return;
@@ -79,14 +122,17 @@ void ApplyProgress::resume() {
     reports[cause].failure =
         items_[cause].input.string() + ": the program crashed on this picture: " + crashName(signal);
     failed(cause, reports[cause]);
+    record(cause);
+}
+
+void ApplyProgress::record(size_t item) const {
+    if (ledger_) ledger_->note(items_[item], ApplyLedger::before(items_[item]), reports[item].failure);
 }
 
 void ApplyProgress::apply(const JournalEntry& entry, std::vector<bool>& begun) {
     switch (entry.kind) {
         case JournalEntry::Kind::Plan:
-            for (const Json& item : unpacked(entry.text))
-                items_.push_back({item[0].get<std::string>(), item[1].get<std::string>()});
-            reports.resize(items_.size());
+            readPlan(entry.text);
             begun.resize(items_.size());
             return;
         case JournalEntry::Kind::Restart:

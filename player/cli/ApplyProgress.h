@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "player/cli/Batch.h"
+#include "player/cli/BatchParts.h"
 #include "player/cli/CrashJournal.h"
 #include "player/lingo/Session.h"
 
@@ -27,12 +27,28 @@ struct PictureReport {
     bool settled() const { return written || !failure.empty(); }
 };
 
-/// The pictures of a batch and their progress, which survives a crash.
+/// What became of the pictures of several parts.
+struct BatchTotals {
+    size_t pictures = 0, written = 0, failed = 0;
+
+    void add(const std::vector<PictureReport>& reports);
+    size_t unsettled() const { return pictures - written - failed; }
+};
+
+class ApplyLedger;
+
+/// The pictures of a part of a batch and their progress, which survives a crash.
 class ApplyProgress {
 public:
-    /// Plans the batch, or resumes the batch of a program that crashed.
-    ApplyProgress(const std::vector<std::filesystem::path>& inputs, const ApplyOptions& options);
+    /// `ledger` may be null.
+    ApplyProgress(BatchParts& parts, const ApplyOptions& options, ApplyLedger* ledger)
+        : parts_(parts), options_(options), ledger_(ledger) {}
 
+    /// Plans the next part, or resumes that of a program that crashed; false if there is none.
+    bool next();
+
+    /// What became of all parts up to this one.
+    BatchTotals totals() const;
     const std::vector<BatchItem>& items() const { return items_; }
     /// What the plan leaves out, a line each.
     const std::vector<std::string>& notes() const { return notes_; }
@@ -52,6 +68,14 @@ private:
     void resume();
     void apply(const JournalEntry& entry, std::vector<bool>& begun);
 
+    void record(size_t item) const;
+    void readPlan(const std::string& text);
+    std::string plan() const;
+
+    BatchParts& parts_;
+    const ApplyOptions& options_;
+    ApplyLedger* ledger_;
+    BatchTotals totals_;  ///< of the parts before this one
     CrashJournal journal_;
     std::vector<BatchItem> items_;
     std::vector<std::string> notes_;

@@ -1,8 +1,8 @@
 #include "player/cli/ApplyReport.h"
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <utility>
 
 namespace krl::player {
 
@@ -36,39 +36,56 @@ void showFailure(const PictureReport& report, const Terminal& terminal) {
     terminal.err << "krlimage: " << report.failure << '\n';
 }
 
-void tellAll(const std::vector<BatchItem>& items, const std::vector<PictureReport>& reports, size_t failed,
-             bool json, const Terminal& terminal) {
-    auto all = nlohmann::ordered_json::array();
-    for (size_t i = 0; i < items.size(); ++i) {
-        if (json)
-            all.push_back(jsonOf(items[i], reports[i]));
-        else
-            showResults(reports[i], terminal);
-        showNotes(reports[i].notes, terminal);
-        if (!reports[i].written) showFailure(reports[i], terminal);
+/// With every line moved to the right, as part of a list.
+std::string indented(const std::string& json) {
+    std::string text = "  ";
+    for (const char letter : json) {
+        text += letter;
+        if (letter == '\n') text += "  ";
     }
-    // File names can hold arbitrary bytes, JSON cannot.
-    if (json) terminal.out << all.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
-    if (items.size() > 1)
-        terminal.err << items.size() - failed << " of " << items.size() << " pictures done"
-                     << (failed > 0 ? ", " + std::to_string(failed) + " failed" : "") << '\n';
+    return text;
 }
 
 }  // namespace
 
-int showOutcome(const std::vector<BatchItem>& items, const std::vector<PictureReport>& reports, bool json,
-                const Terminal& terminal) {
-    const auto written = static_cast<size_t>(std::count_if(
-        reports.begin(), reports.end(), [](const PictureReport& report) { return report.written; }));
-    const size_t failed = items.size() - written;
-    try {
-        tellAll(items, reports, failed, json, terminal);
-    } catch (const std::bad_alloc&) {
-        terminal.err << "krlimage: out of memory after " << written << " of " << items.size()
-                     << " pictures were written\n";
-        return 1;
+void ApplyReport::show(const BatchItem& item, const PictureReport& report) {
+    if (json_) {
+        terminal_.out << (std::exchange(isFirst_, false) ? "[\n" : ",\n");
+        // File names can hold arbitrary bytes, JSON cannot.
+        const auto replacing = nlohmann::json::error_handler_t::replace;
+        terminal_.out << indented(jsonOf(item, report).dump(2, ' ', false, replacing));
+    } else {
+        showResults(report, terminal_);
     }
-    return failed > 0 ? 1 : 0;
+    showNotes(report.notes, terminal_);
+    if (!report.failure.empty()) showFailure(report, terminal_);
+}
+
+void ApplyReport::add(const std::vector<BatchItem>& items, const std::vector<PictureReport>& reports) {
+    try {
+        for (size_t i = 0; i < items.size(); ++i)
+            if (reports[i].settled()) show(items[i], reports[i]);
+    } catch (const std::bad_alloc&) {
+        BatchTotals part;
+        part.add(reports);
+        terminal_.err << "krlimage: out of memory after " << part.written << " of " << part.pictures
+                      << " pictures were written\n";
+        ranOut_ = true;
+    }
+}
+
+int ApplyReport::finish(const BatchTotals& totals) {
+    if (json_) terminal_.out << (isFirst_ ? "[]\n" : "\n]\n");
+    if (ranOut_) return 1;
+    const size_t left = totals.unsettled();
+    if (totals.pictures > 1) {
+        terminal_.err << totals.written << " of " << totals.pictures << " pictures done";
+        if (totals.failed > 0) terminal_.err << ", " << totals.failed << " failed";
+        if (left > 0) terminal_.err << ", " << left << " not started";
+        terminal_.err << '\n';
+    }
+    if (left > 0) return kStoppedEarly;
+    return totals.failed > 0 ? 1 : 0;
 }
 
 }  // namespace krl::player

@@ -35,21 +35,41 @@ struct Found {
     fs::path input, within;
 };
 
+/// The folder of a picture relative to `--root`.
+fs::path placeBelowRoot(const fs::path& input, const ApplyOptions& options) {
+    if (options.root.empty() || isStandardStream(input)) return {};
+    const auto absolute = [](const fs::path& path) {
+        return path.is_absolute() ? path.lexically_normal() : (fs::current_path() / path).lexically_normal();
+    };
+    const fs::path place = absolute(input).lexically_relative(absolute(options.root / ""));
+    if (place.empty() || *place.begin() == "..")
+        throw UsageError(input.string() + " is not below --root " + options.root.string());
+    return place.parent_path();
+}
+
 /// Finds the pictures to work on.
 class Search {
 public:
     Search(const ApplyOptions& options, std::vector<std::string>& notes) : options_(options), notes_(notes) {}
 
-    std::vector<Found> in(const std::vector<fs::path>& inputs) {
-        for (const fs::path& input : inputs)
-            if (!isFolder(input))
-                found_.push_back({input, {}});
-            else
-                searchFolder(input);
+    std::vector<Found> in(const BatchPart& part) {
+        for (const fs::path& input : part.named) consider(input);
+        for (const fs::path& input : part.listed) {
+            if (!options_.shard.empty() && isFolder(input))
+                throw UsageError(input.string() + " is a folder: with --shard, a list names pictures");
+            consider(input);
+        }
         return std::move(found_);
     }
 
 private:
+    void consider(const fs::path& input) {
+        if (isFolder(input))
+            searchFolder(input);
+        else
+            found_.push_back({input, placeBelowRoot(input, options_)});
+    }
+
     void searchFolder(const fs::path& folder) {
         const size_t before = found_.size();
         if (options_.recursive)
@@ -71,7 +91,8 @@ private:
             notes_.push_back("skipped " + path.string() +
                              ": the format is read but not written; --format png includes it");
         else
-            found_.push_back({path, path.lexically_relative(folder).parent_path()});
+            found_.push_back({path, options_.root.empty() ? path.lexically_relative(folder).parent_path()
+                                                          : placeBelowRoot(path, options_)});
     }
 
     const ApplyOptions& options_;
@@ -187,9 +208,33 @@ std::vector<BatchItem> pairs(const std::vector<Found>& found, bool isSeveral, co
     return items;
 }
 
+/// Whether the output is a folder because there are several pictures, or might be.
+bool hasSeveral(const BatchPart& part, const ApplyOptions& options) {
+    const bool hasFolder = std::any_of(part.named.begin(), part.named.end(), isFolder) ||
+                           std::any_of(part.listed.begin(), part.listed.end(), isFolder);
+    return part.isOneOfSeveral || part.named.size() + part.listed.size() > 1 || hasFolder ||
+           !options.shard.empty() || options.keepsLedger();
+}
+
+/// Pictures that share an output are in one shard, which refuses them. Those in lists are chosen before they
+/// come here.
+void leaveOutOtherShards(std::vector<BatchItem>& items, const ApplyOptions& options,
+                         std::vector<std::string>& notes) {
+    const std::optional<Shard> shard = shardOf(options);
+    if (!shard) return;
+    const size_t all = items.size();
+    std::erase_if(
+        items, [&](const BatchItem& item) { return !shard->holds(nameBelowOutput(item.output, options)); });
+    if (all > items.size())
+        notes.push_back("shard " + shard->text() + " has " + std::to_string(items.size()) + " of " +
+                        std::to_string(all) + " pictures");
+}
+
 void makeFolders(const std::vector<BatchItem>& items, const ApplyOptions& options) {
     const bool isOneFile = items.size() == 1 && items.front().output == fs::path(options.output);
-    if (options.dryRun || isOneFile || isStandardStream(options.output) || options.output.empty()) return;
+    if (options.dryRun || options.plan || isOneFile || isStandardStream(options.output) ||
+        options.output.empty())
+        return;
     makeFolder(options.output);
     for (const BatchItem& item : items) makeFolder(item.output.parent_path());
 }
@@ -198,15 +243,38 @@ void makeFolders(const std::vector<BatchItem>& items, const ApplyOptions& option
 
 bool isStandardStream(const fs::path& path) { return path == "-"; }
 
-std::vector<BatchItem> planBatch(const std::vector<fs::path>& inputs, const ApplyOptions& options,
+std::string outputName(const fs::path& input, const ApplyOptions& options) {
+    return nameFor({input, placeBelowRoot(input, options)}, 1, options).lexically_normal().generic_string();
+}
+
+std::string nameBelowOutput(const fs::path& output, const ApplyOptions& options) {
+    if (options.output.empty()) return output.lexically_normal().generic_string();
+    const fs::path folder = fs::path(options.output) / "";
+    return output.lexically_normal().lexically_relative(folder.lexically_normal()).generic_string();
+}
+
+std::optional<Shard> shardOf(const ApplyOptions& options) {
+    const bool isOne = !options.shard.empty() && !countOfAllShards(options);
+    return isOne ? std::optional(Shard::from(options.shard)) : std::nullopt;
+}
+
+std::optional<uint32_t> countOfAllShards(const ApplyOptions& options) {
+    if (options.shard.rfind("all/", 0) != 0) return std::nullopt;
+    if (!options.plan)
+        throw UsageError("--shard " + options.shard + " needs --plan; work on one shard at a time");
+    return Shard::from("1" + options.shard.substr(3)).count();
+}
+
+std::vector<BatchItem> planBatch(const BatchPart& part, const ApplyOptions& options,
                                  std::vector<std::string>* notes) {
     std::vector<std::string> unread;
     std::vector<std::string>& told = notes ? *notes : unread;
-    std::vector<Found> found = Search(options, told).in(inputs);
-    const bool isSeveral = inputs.size() > 1 || std::any_of(inputs.begin(), inputs.end(), isFolder);
+    std::vector<Found> found = Search(options, told).in(part);
+    const bool isSeveral = hasSeveral(part, options);
     std::vector<BatchItem> items = pairs(found, isSeveral, options);
     for (BatchItem& item : items)
         if (isStandardStream(item.input)) item.input = "/dev/stdin";
+    leaveOutOtherShards(items, options, told);
     makeFolders(items, options);
     refuseSharedOutputs(items);
     if (!options.inPlace) refuseLostInputs(items);

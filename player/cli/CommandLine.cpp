@@ -7,6 +7,7 @@
 #include "catalogue/NearestName.h"
 #include "player/cli/ApplyOptions.h"
 #include "player/cli/CommandList.h"
+#include "player/cli/LedgerCommand.h"
 #include "player/cli/OptionTable.h"
 
 namespace krl::player {
@@ -32,6 +33,7 @@ public:
         addCheck();
         addLook();
         addCompare();
+        addLedger();
         addGenerated();
     }
 
@@ -205,6 +207,16 @@ private:
         app.add_flag("--json", compare_.json, "Print JSON");
     }
 
+    void addLedger() {
+        CLI::App& app = command("ledger", "Say what became of the pictures of a batch, over all its shards",
+                                [this] { return inspectLedger(ledger_, terminal_); });
+        addChoice(app, "ACTION", ledger_.action, "verify|summary",
+                  "verify that every result is there as recorded, or print a summary of what is recorded")
+            ->required();
+        addPath(app, "OUT", ledger_.output, "", "The output folder of apply --ledger")->required();
+        app.add_flag("--json", ledger_.json, "Print JSON");
+    }
+
     void addGenerated() {
         CLI::App& docs = command("docs", "Write the method reference, methods.md",
                                  [this] { return writeDocs(docs_, terminal_); });
@@ -259,6 +271,7 @@ private:
     LookOptions look_;
     FindOptions find_;
     CompareOptions compare_;
+    LedgerOptions ledger_;
     std::string shell_;
 };
 

@@ -116,6 +116,11 @@ CrashJournal::~CrashJournal() {
 
 bool CrashJournal::kept() const { return journal >= 0; }
 
+void CrashJournal::restart() {
+    past_.clear();
+    if (journal >= 0 && ::ftruncate(journal, 0) != 0) journal = -1;
+}
+
 void CrashJournal::note(JournalEntry::Kind kind, size_t item, const std::string& text) const noexcept {
     // A program that is being replaced can start no threads: what fails then is no fault of the picture,
     // which the next program tries again.
@@ -148,6 +153,7 @@ std::string crashName(int) { return "a crash"; }
 CrashJournal::CrashJournal() = default;
 CrashJournal::~CrashJournal() = default;
 bool CrashJournal::kept() const { return false; }
+void CrashJournal::restart() {}
 void CrashJournal::note(JournalEntry::Kind, size_t, const std::string&) const noexcept {}
 void CrashJournal::readPast() {}
 

@@ -40,6 +40,8 @@ public:
     std::span<const JournalEntry> past() const { return past_; }
     /// Whether notes are recorded at all.
     bool kept() const;
+    /// Forgets everything, for the next part of a batch.
+    void restart();
     /// Can be called from any thread; allocates nothing.
     void note(JournalEntry::Kind kind, size_t item, const std::string& text = "") const noexcept;
 

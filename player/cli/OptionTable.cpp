@@ -81,6 +81,38 @@ void addSession(CLI::App& app, SessionOptions& session, std::string& threads) {
     });
 }
 
+namespace {
+
+/// For batches of many pictures.
+void addBatchOptions(CLI::App& app, ApplyOptions& options) {
+    app.add_option(
+           "--shard", options.shard,
+           "Process share K of N, or the share of this task of a job array (auto); with --plan also all/N")
+        ->type_name("K/N");
+    app.add_flag("--ledger", options.ledger, "Record what becomes of every picture in OUT/.krlimage");
+    app.add_flag(
+        "--resume", options.resume,
+        "Leave out pictures that the ledger records as done, if neither they nor what is done to them has "
+        "changed; keeps a ledger too");
+    app.add_option("--retry", options.retries,
+                   "Read again up to N times if the file system fails (default 0)")
+        ->type_name("N")
+        ->check(CLI::Range(0, 100).description(""));
+    app.add_option("--max-failures", options.mostFailures,
+                   "Start no further picture after N failures, and end with exit code 3")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1'000'000'000).description(""));
+    app.add_option("--memory", options.memory,
+                   "Hold pictures back while those in progress take SIZE, such as 500M or 4G")
+        ->type_name("SIZE")
+        ->transform(CLI::AsSizeValue(false).description(""));
+    app.add_flag(
+        "--plan", options.plan,
+        "Print how many pictures and pixels there are and how much memory they take, and write nothing");
+}
+
+}  // namespace
+
 void addApplyOptions(CLI::App& app, ApplyOptions& options) {
     app.add_option(
            "IN|CALL", options.words,
@@ -95,7 +127,13 @@ void addApplyOptions(CLI::App& app, ApplyOptions& options) {
                    "Name of each output in the folder, such as '{folder}/{stem}_{look}.{ext}'; there is also "
                    "{name} and {n}")
         ->type_name("TEMPLATE");
-    addPath(app, "--from", options.inputList, "FILE", "Also take the inputs that FILE lists, one a line");
+    addPath(app, "--from", options.inputList, "FILE",
+            "Also take the inputs that FILE lists, one a line; - for standard input");
+    app.add_flag("-0,--null", options.endsWithZero,
+                 "Names in the list end with a zero byte, as find -print0 has them")
+        ->needs("--from");
+    addPath(app, "--root", options.root, "DIR", "Keep the place of the inputs below DIR in OUT");
+    addBatchOptions(app, options);
     app.add_flag("-r,--recursive", options.recursive, "Also take pictures in folders within folders");
     app.add_flag("--in-place", options.inPlace, "Let outputs replace their inputs; -o can be left out");
     app.add_flag("--skip-existing", options.skipExisting, "Leave out pictures whose output exists");

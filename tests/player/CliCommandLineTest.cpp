@@ -143,15 +143,15 @@ class Plan : public CliTest {};
 TEST_F(Plan, SendsOnePictureToAFileAndSeveralToAFolder) {
     ApplyOptions options;
     options.output = at("out.pam");
-    EXPECT_EQ(planBatch({"a.pam"}, options).front().output, at("out.pam"));
+    EXPECT_EQ(planBatch({{"a.pam"}, {}}, options).front().output, at("out.pam"));
     options.output = at("folder");
-    EXPECT_EQ(planBatch({"a.pam", "x/b.pam"}, options).back().output, at("folder/b.pam"));
+    EXPECT_EQ(planBatch({{"a.pam", "x/b.pam"}, {}}, options).back().output, at("folder/b.pam"));
     options.format = "png";
-    EXPECT_EQ(planBatch({"a.pam"}, options).front().output, at("folder/a.png"));
+    EXPECT_EQ(planBatch({{"a.pam"}, {}}, options).front().output, at("folder/a.png"));
     options.output = text("file", "");
-    EXPECT_THROW(planBatch({"a.pam", "b.pam"}, options), UsageError);
+    EXPECT_THROW(planBatch({{"a.pam", "b.pam"}, {}}, options), UsageError);
     std::filesystem::create_directories(folder / "empty");
-    EXPECT_THROW(planBatch({folder / "empty"}, options), CommandError);
+    EXPECT_THROW(planBatch({{folder / "empty"}, {}}, options), CommandError);
 }
 
 class Shells : public CliTest {};

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "player/cli/BatchParts.h"
+
+namespace krl::player {
+
+/// Prints how many pictures and pixels a batch has and how much memory it takes, from the headers of the
+/// pictures. Returns the exit code: 1 if some cannot be read.
+int printPlan(BatchParts& parts, const ApplyOptions& options, const Terminal& terminal);
+
+}  // namespace krl::player
