@@ -12,8 +12,12 @@
 #include "player/cli/ChainCall.h"
 #include "player/cli/ChainScript.h"
 #include "player/cli/LookFiles.h"
+#include "player/cli/LoopScript.h"
 #include "player/cli/MethodFacts.h"
+#include "player/cli/MovingChain.h"
 #include "player/cli/ProgressBar.h"
+#include "player/cli/RawFrames.h"
+#include "player/cli/Sequence.h"
 #include "player/cli/SideBySide.h"
 #include "player/cli/TextFile.h"
 #include "player/cli/TimeLimit.h"
@@ -43,10 +47,10 @@ void refuseUnknownName(const std::string& word) {
 }
 
 void splitWords(const std::vector<std::string>& words, std::vector<fs::path>& inputs,
-                std::vector<ChainCall>& chain) {
+                std::vector<MovingCall>& calls) {
     for (const std::string& word : words) {
         if (looksLikeCall(word)) {
-            chain.emplace_back(word);
+            calls.emplace_back(word);
             continue;
         }
         refuseUnknownName(word);
@@ -54,12 +58,29 @@ void splitWords(const std::vector<std::string>& words, std::vector<fs::path>& in
     }
 }
 
-int printScript(const std::vector<fs::path>& inputs, const std::vector<ChainCall>& chain,
-                const Terminal& terminal) {
+/// The loop over the frames of a sequence.
+void printLoop(const std::vector<fs::path>& inputs, const std::vector<MovingCall>& calls,
+               const std::vector<ChainCall>& chain, const ApplyOptions& options, const Terminal& terminal) {
+    const auto input = inputs.size() == 1 ? Sequence::named(inputs.front()) : std::nullopt;
+    const auto output = Sequence::named(options.output);
+    if (!input || !output)
+        throw UsageError(
+            "--print lingo of arguments that move is for sequences, as in krlimage apply "
+            "'in/%04d.png' -o 'out/%04d.png'");
+    const Bitmap first = readPicture(input->file(input->numbers().front()));
+    terminal.out << loopScript(calls, chain, *input, *output, {0, 1, options.fps, first.width, first.height});
+}
+
+int printScript(const std::vector<fs::path>& inputs, const std::vector<MovingCall>& calls,
+                const std::vector<ChainCall>& chain, const ApplyOptions& options, const Terminal& terminal) {
     for (const ChainCall& call : chain)
         if (call.hasExtent() || call.hasPlacement())
             throw CommandError(call.written() +
                                ": mix, mask, region, place, scale and fit cannot be printed as a script");
+    if (moves(calls) || (inputs.size() == 1 && Sequence::named(inputs.front()))) {
+        printLoop(inputs, calls, chain, options, terminal);
+        return 0;
+    }
     Bitmap picture;
     if (!inputs.empty()) picture = readPicture(inputs.front());
     terminal.out << (inputs.empty() ? chainScript(chain) : chainScript(chain, picture.width, picture.height));
@@ -85,11 +106,11 @@ WriteOptions writingFor(const ApplyOptions& options) {
     return writing;
 }
 
-int printOutputs(BatchParts& parts, const ApplyOptions& options, const std::vector<ChainCall>& chain,
+int printOutputs(BatchParts& parts, const ApplyOptions& options, const std::vector<MovingCall>& calls,
                  const Terminal& terminal) {
     std::optional<RecordedResults> recorded;
-    if (options.resume) recorded.emplace(options.output, shardOf(options).value_or(Shard(1, 1)));
-    const std::string made = recorded ? chainHash(options, chain, writingFor(options)) : "";
+    if (options.resume) recorded.emplace(outputFolder(options), shardOf(options).value_or(Shard(1, 1)));
+    const MadeBy made(options, calls, writingFor(options));
     while (const std::optional<BatchPart> part = parts.next()) {
         std::vector<std::string> notes;
         for (const BatchItem& item : planBatch(*part, options, &notes))
@@ -122,14 +143,14 @@ void requireOutput(const ApplyOptions& options, const std::vector<ChainCall>& ch
 }
 
 /// Works on the pictures of a part. Returns whether the next part can follow.
-bool workOnPart(const ApplyWork& work, const ApplyOptions& options, const SessionOptions& settings,
-                const Terminal& terminal) {
+bool workOnPart(const ApplyWork& work, const std::vector<MovingCall>& calls, const ApplyOptions& options,
+                const SessionOptions& settings, const Terminal& terminal) {
     ApplyProgress& progress = work.progress;
     try {
         ProgressBar bar(terminal, progress.alone().size() + progress.together().size(), "pictures");
         const auto workOnEach = [&](const std::vector<size_t>& indexes, unsigned jobs) {
             workSideBySide(indexes.size(), jobs, [&]() -> Worker {
-                return [&, run = makeRunner(settings)](size_t i) {
+                return [&, run = makeRunner(calls, settings)](size_t i) {
                     applyToPicture(run, work, indexes[i]);
                     bar.step();
                 };
@@ -148,21 +169,21 @@ bool workOnPart(const ApplyWork& work, const ApplyOptions& options, const Sessio
 }
 
 /// What is done, for people who read a ledger.
-std::string wordsOf(const ApplyOptions& options, const std::vector<ChainCall>& chain) {
+std::string wordsOf(const ApplyOptions& options, const std::vector<MovingCall>& calls) {
     std::string words;
     for (const std::string& look : options.looks) words += "--look " + look + ' ';
-    for (const ChainCall& call : chain) words += call.written() + ' ';
+    for (const MovingCall& call : calls) words += call.text() + ' ';
     if (!words.empty()) words.pop_back();
     return words;
 }
 
-int workOnAll(BatchParts& parts, const ApplyOptions& options, const std::vector<ChainCall>& chain,
-              const SessionOptions& settings, const Terminal& terminal) {
+int workOnAll(BatchParts& parts, const ApplyOptions& options, const std::vector<MovingCall>& calls,
+              const std::vector<ChainCall>& chain, const SessionOptions& settings, const Terminal& terminal) {
     const std::vector<ReadyLook> looks = readyLooks(options.looks, options.settings);
     const WriteOptions writing = writingFor(options);
     std::optional<ApplyLedger> ledger;
     if (options.keepsLedger())
-        ledger.emplace(options, chainHash(options, chain, writing), wordsOf(options, chain));
+        ledger.emplace(options, MadeBy(options, calls, writing), wordsOf(options, calls));
     // Nothing but the picture goes to standard output.
     const Terminal results{isStandardStream(options.output) ? terminal.err : terminal.out, terminal.err,
                            terminal.live};
@@ -173,6 +194,7 @@ int workOnAll(BatchParts& parts, const ApplyOptions& options, const std::vector<
     FailureLimit failures(options.mostFailures, progress.totals().failed);
     const ApplyWork work{looks,
                          chain,
+                         options.fps,
                          writing,
                          options.firstFrame,
                          options.delivery,
@@ -184,7 +206,7 @@ int workOnAll(BatchParts& parts, const ApplyOptions& options, const std::vector<
     bool isThrough = true;
     for (; hasNext; hasNext = isThrough && progress.next()) {
         showNotes(progress.notes(), terminal);
-        isThrough = workOnPart(work, options, settings, terminal);
+        isThrough = workOnPart(work, calls, options, settings, terminal);
         report.add(progress.items(), progress.reports);
     }
     const int code = report.finish(progress.totals());
@@ -198,27 +220,38 @@ int workOnAll(BatchParts& parts, const ApplyOptions& options, const std::vector<
 int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
     const TimeLimit limit(options.timeout, terminal.live);
     std::vector<fs::path> inputs;
-    std::vector<ChainCall> chain;
-    splitWords(options.words, inputs, chain);
+    std::vector<MovingCall> calls;
+    splitWords(options.words, inputs, calls);
+    // The user wrote the calls and named the pictures, so no folder is off limits.
+    SessionOptions settings = options.session;
+    settings.allowedFolders.push_back(fs::current_path().root_path());
+    const size_t frames = options.raw.empty() ? 1 : options.frames;
+    std::vector<ChainCall> chain =
+        firstChain(calls, {0, frames, options.fps, kUsualWidth, kUsualHeight}, settings);
     if (!options.looks.empty() && !options.session.xtraFile.empty())
         throw UsageError("--look and --xtra cannot be combined: looks run on the built-in effects");
     if (options.looks.empty() && !options.settings.empty())
         throw UsageError("--set " + options.settings.front() + ": there is no --look");
     if (!options.print.empty() && !options.looks.empty())
         throw UsageError("--print lingo prints calls, not looks");
-    if (!options.print.empty()) return printScript(inputs, chain, terminal);
+    if (moves(calls) && !options.inputList.empty())
+        throw UsageError(
+            "arguments that move need all frames: name a sequence or a folder instead of --from");
+    if (!options.print.empty()) return printScript(inputs, calls, chain, options, terminal);
     if (inputs.empty() && options.inputList.empty())
         throw UsageError("no input: name a picture or a folder" + exampleOf(chain));
     requireOutput(options, chain);
+    if (!options.raw.empty()) {
+        const std::vector<ReadyLook> looks = readyLooks(options.looks, options.settings);
+        evaluate(chain, settings);
+        return applyToFrames(options, inputs,
+                             [&] { return frameWorker(looks, chain, calls, options, settings); });
+    }
     BatchParts parts(inputs, options);
-    if (options.dryRun) return printOutputs(parts, options, chain, terminal);
+    if (options.dryRun) return printOutputs(parts, options, calls, terminal);
     if (options.plan) return printPlan(parts, options, terminal);
-
-    // The user wrote the calls and named the pictures, so no folder is off limits.
-    SessionOptions settings = options.session;
-    settings.allowedFolders.push_back(fs::current_path().root_path());
     evaluate(chain, settings);
-    return workOnAll(parts, options, chain, settings, terminal);
+    return workOnAll(parts, options, calls, chain, settings, terminal);
 }
 
 }  // namespace krl::player

@@ -37,17 +37,23 @@ void addTo(nlohmann::json& all, const Delivery& delivery) {
 
 }  // namespace
 
-std::string chainHash(const ApplyOptions& options, const std::vector<ChainCall>& chain,
-                      const WriteOptions& writing) {
+MadeBy::MadeBy(const ApplyOptions& options, const std::vector<MovingCall>& calls, const WriteOptions& writing)
+    : moves_(moves(calls)) {
     nlohmann::json all = {KRL_VERSION,     options.settings,  options.format,      options.firstFrame,
                           writing.quality, writing.depth,     writing.compression, writing.chroma,
                           writing.profile, writing.isStripped};
     addTo(all, options.delivery);
     for (const std::string& look : options.looks) all.push_back(requireLook(look).text);
-    for (const ChainCall& call : chain) all.push_back(call.written());
+    for (const MovingCall& call : calls) all.push_back(call.text());
+    if (moves_) all.push_back(options.fps);
     for (const fs::path& file : {options.session.xtraFile, fs::path(writing.profile)})
         if (const auto content = hashOfFile(file)) all.push_back(content->text());
-    return hashOf(all.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)).text();
+    chain_ = hashOf(all.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)).text();
+}
+
+std::string MadeBy::chainOf(const BatchItem& item) const {
+    if (!moves_) return chain_;
+    return hashOf(chain_ + ' ' + std::to_string(item.frame) + ' ' + std::to_string(item.frames)).text();
 }
 
 RecordedResults::RecordedResults(const fs::path& output, const Shard& shard) {
@@ -71,29 +77,29 @@ RecordedResults::RecordedResults(const fs::path& output, const Shard& shard) {
     results_.shrink_to_fit();
 }
 
-bool RecordedResults::has(const BatchItem& item, const std::string& name, const std::string& chain) const {
+bool RecordedResults::has(const BatchItem& item, const std::string& name, const MadeBy& made) const {
     const uint64_t hash = hashOf(name).low;
     const auto found =
         std::lower_bound(results_.begin(), results_.end(), hash,
                          [](const Result& result, uint64_t wanted) { return result.name < wanted; });
     if (found == results_.end() || found->name != hash || found->source == 0) return false;
     const std::optional<FileState> source = stateOf(item.input);
-    if (!source || sourceHash(*source, chain) != found->source) return false;
+    if (!source || sourceHash(*source, made.chainOf(item)) != found->source) return false;
     const std::optional<FileState> result = stateOf(item.output);
     return result && result->size == found->size;
 }
 
-ApplyLedger::ApplyLedger(const ApplyOptions& options, std::string chain, std::string doing)
+ApplyLedger::ApplyLedger(const ApplyOptions& options, MadeBy made, std::string doing)
     : options_(options),
-      chain_(std::move(chain)),
-      recorded_(options.resume ? std::make_unique<RecordedResults>(options.output, shardOrAll(options))
+      made_(std::move(made)),
+      recorded_(options.resume ? std::make_unique<RecordedResults>(outputFolder(options), shardOrAll(options))
                                : nullptr),
       doing_(std::move(doing)) {}
 
 void ApplyLedger::open() {
     if (writer_) return writer_->flush();
-    const LedgerHeading heading{doing_, chain_, shardOrAll(options_), AtomicFile::mark(), 0};
-    writer_ = std::make_unique<LedgerWriter>(options_.output, heading);
+    const LedgerHeading heading{doing_, made_.chain(), shardOrAll(options_), AtomicFile::mark(), 0};
+    writer_ = std::make_unique<LedgerWriter>(outputFolder(options_), heading);
 }
 
 void ApplyLedger::continueWith(size_t pictures) {
@@ -108,7 +114,7 @@ void ApplyLedger::leaveOutDone(std::vector<BatchItem>& items, std::vector<std::s
     if (!recorded_) return;
     removeAbandoned(items, notes);
     std::erase_if(items, [&](const BatchItem& item) {
-        return recorded_->has(item, nameBelowOutput(item.output, options_), chain_);
+        return recorded_->has(item, nameBelowOutput(item.output, options_), made_);
     });
     if (items.size() < all)
         notes.push_back("skipped " + std::to_string(all - items.size()) + " of " + std::to_string(all) +
@@ -139,7 +145,7 @@ void ApplyLedger::note(const BatchItem& item, const FileState& source, const std
     entry.name = nameBelowOutput(item.output, options_);
     entry.input = item.input.string();
     entry.failure = failure;
-    entry.chain = chain_;
+    entry.chain = made_.chainOf(item);
     entry.source = source;
     if (failure.empty()) {
         const auto result = stateOf(item.output);

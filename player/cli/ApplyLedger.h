@@ -5,16 +5,27 @@
 
 #include "player/cli/ApplyOptions.h"
 #include "player/cli/Batch.h"
-#include "player/cli/ChainCall.h"
 #include "player/cli/Ledger.h"
+#include "player/cli/MovingChain.h"
 #include "player/pictures/PictureFiles.h"
 
 namespace krl::player {
 
-/// Hash of all that decides what becomes of a picture: this version, looks with their settings, calls, and
-/// how the result is written.
-std::string chainHash(const ApplyOptions& options, const std::vector<ChainCall>& chain,
-                      const WriteOptions& writing);
+/// All that decides what becomes of a picture: this version, looks with their settings, calls, how the result
+/// is written, and for arguments that move the picture's place among all.
+class MadeBy {
+public:
+    MadeBy(const ApplyOptions& options, const std::vector<MovingCall>& calls, const WriteOptions& writing);
+
+    /// Hash for all pictures.
+    const std::string& chain() const { return chain_; }
+    /// Hash for one.
+    std::string chainOf(const BatchItem& item) const;
+
+private:
+    std::string chain_;
+    bool moves_;
+};
 
 /// The results that ledgers of earlier runs record: some bytes for each, in order of their names' hashes.
 class RecordedResults {
@@ -22,8 +33,8 @@ public:
     /// Reads the ledgers of `output` that can have pictures of the shard.
     RecordedResults(const std::filesystem::path& output, const Shard& shard);
 
-    /// Whether a picture is there as recorded, of the input as it is, by the same chain.
-    bool has(const BatchItem& item, const std::string& name, const std::string& chain) const;
+    /// Whether a picture is there as recorded, of the input as it is, made in the same way.
+    bool has(const BatchItem& item, const std::string& name, const MadeBy& made) const;
 
     /// Marks in the names of files that processes left unfinished.
     const std::set<std::string>& abandoned() const { return abandoned_; }
@@ -43,7 +54,7 @@ private:
 /// The ledger of a run of `apply`.
 class ApplyLedger {
 public:
-    ApplyLedger(const ApplyOptions& options, std::string chain, std::string doing);
+    ApplyLedger(const ApplyOptions& options, MadeBy made, std::string doing);
 
     /// Leaves out what is done, if that is asked for, and removes what killed processes left unfinished.
     /// Throws `CommandError` if the output folder cannot hold a ledger.
@@ -66,7 +77,7 @@ private:
     void removeAbandoned(const std::vector<BatchItem>& items, std::vector<std::string>& notes);
 
     const ApplyOptions& options_;
-    std::string chain_;
+    MadeBy made_;
     std::unique_ptr<RecordedResults> recorded_;
     std::set<std::filesystem::path> cleaned_;
     size_t pictures_ = 0;

@@ -16,6 +16,11 @@ struct ApplyOptions {
     std::string output;
     /// Names or files of looks, and values for their parameters, `soft=80`.
     std::vector<std::string> looks, settings;
+    /// Size and order of raw frames in a pipe, `WIDTHxHEIGHT[:bgra|rgba]`; empty for pictures.
+    std::string raw;
+    /// Frames in a second, and for a pipe how many there are; 0 where it is unknown.
+    double fps = 0;
+    size_t frames = 0;
     /// Extension of the output format, without the dot; empty to keep each picture's own.
     std::string format;
     int quality = 90;

@@ -9,7 +9,8 @@
 
 namespace krl::player {
 
-ApplyRunner makeRunner(const SessionOptions& options) {
+ApplyRunner makeRunner(const std::vector<MovingCall>& written, const SessionOptions& options) {
+    const auto moving = moves(written) ? std::make_shared<MovingChain>(written, options) : nullptr;
     if (options.xtraFile.empty()) {
         const auto calls = std::make_shared<CatalogueCalls>(options.threads);
         return {[calls](Bitmap& picture, const ChainCall& call) {
@@ -17,13 +18,15 @@ ApplyRunner makeRunner(const SessionOptions& options) {
                     return calls->apply(picture, call.method(), call.arguments(width, height),
                                         call.extent(width, height));
                 },
-                [calls](Bitmap& picture, const ReadyLook& look) { return calls->apply(picture, look); }};
+                [calls](Bitmap& picture, const ReadyLook& look) { return calls->apply(picture, look); },
+                moving};
     }
     const auto session = std::make_shared<Session>(options);
     return {[session](Bitmap& picture, const ChainCall& call) {
                 return session->apply(picture, call.lingo(picture.width, picture.height));
             },
-            {}};
+            {},
+            moving};
 }
 
 namespace {
@@ -46,14 +49,15 @@ std::string sizeHint(const ChainCall& call, const Bitmap& picture) {
 }
 
 /// Looks first, then calls, up to the first that fails; returns a hint why it may have.
-std::string runAll(const ApplyRunner& run, const ApplyWork& work, Bitmap& picture, PictureReport& report) {
-    for (const ReadyLook& look : work.looks) {
+std::string runAll(const ApplyRunner& run, const std::vector<ReadyLook>& looks,
+                   const std::vector<ChainCall>& chain, Bitmap& picture, PictureReport& report) {
+    for (const ReadyLook& look : looks) {
         CallReport& made = report.calls.emplace_back();
         made.call = "look " + look.name;
         made.outcome = run.look(picture, look);
         if (!made.outcome.ok()) return "";
     }
-    for (const ChainCall& call : work.chain) {
+    for (const ChainCall& call : chain) {
         CallReport& made = report.calls.emplace_back();
         made.call = call.lingo(picture.width, picture.height);
         made.outcome = run.call(picture, call);
@@ -69,11 +73,13 @@ std::string textOf(const Bitmap& picture) {
 }
 
 /// Runs everything on all pages or frames; the report has the calls on the first, or on the one that fails.
-void runOnFrames(const ApplyRunner& run, const ApplyWork& work, PictureFrames& frames,
+void runOnFrames(const ApplyRunner& run, const ApplyWork& work, const BatchItem& item, PictureFrames& frames,
                  PictureReport& report) {
     for (Bitmap& frame : frames.pictures) {
         PictureReport made;
-        const std::string hint = runAll(run, work, frame, made);
+        const FrameFacts facts{item.frame, item.frames, work.fps, frame.width, frame.height};
+        const std::string hint =
+            runAll(run, work.looks, run.moving ? run.moving->at(facts) : work.chain, frame, made);
         const bool hasFailed = !made.calls.empty() && !made.calls.back().outcome.ok();
         if (report.calls.empty() || hasFailed) report.calls = std::move(made.calls);
         if (hasFailed) {
@@ -116,7 +122,7 @@ PictureReport workOn(const ApplyRunner& run, const ApplyWork& work, size_t index
                 report.notes.push_back(item.input.string() + " loses " + loss);
         for (const std::string& loss : lossesOfWriting(item.output, frames, work.options))
             report.notes.push_back(item.input.string() + " loses " + loss);
-        runOnFrames(run, work, frames, report);
+        runOnFrames(run, work, item, frames, report);
         if (!report.failure.empty()) {
             report.failure = item.input.string() + ": " + report.failure;
             return report;
@@ -137,6 +143,22 @@ PictureReport workOn(const ApplyRunner& run, const ApplyWork& work, size_t index
 }
 
 }  // namespace
+
+/// Changes frames by looks and calls.
+FrameWorker frameWorker(const std::vector<ReadyLook>& looks, const std::vector<ChainCall>& chain,
+                        const std::vector<MovingCall>& calls, const ApplyOptions& options,
+                        const SessionOptions& settings) {
+    return [&looks, &chain, &options, run = makeRunner(calls, settings)](Bitmap& frame, size_t number) {
+        PictureReport report;
+        const FrameFacts facts{number, options.frames, options.fps, frame.width, frame.height};
+        const std::string hint =
+            runAll(run, looks, run.moving ? run.moving->at(facts) : chain, frame, report);
+        if (report.calls.empty() || report.calls.back().outcome.ok()) return;
+        const CallReport& failed = report.calls.back();
+        throw CommandError("frame " + std::to_string(number) + ": " + failed.outcome.error + " from " +
+                           failed.call + hint);
+    };
+}
 
 void applyToPicture(const ApplyRunner& run, const ApplyWork& work, size_t index) {
     if (work.failures.isReached()) return;

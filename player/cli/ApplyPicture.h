@@ -2,13 +2,17 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include "player/cli/ApplyLedger.h"
+#include "player/cli/ApplyOptions.h"
 #include "player/cli/ApplyProgress.h"
 #include "player/cli/ChainCall.h"
 #include "player/cli/LookFiles.h"
 #include "player/cli/MemoryGate.h"
+#include "player/cli/MovingChain.h"
+#include "player/cli/RawPipe.h"
 #include "player/pictures/Delivery.h"
 #include "player/pictures/PictureFiles.h"
 
@@ -31,6 +35,7 @@ private:
 struct ApplyWork {
     const std::vector<ReadyLook>& looks;
     const std::vector<ChainCall>& chain;
+    double fps;
     const WriteOptions& options;
     bool firstFrame = false;  ///< leaves out all pages or frames but the first
     const Delivery& delivery;
@@ -45,10 +50,17 @@ struct ApplyWork {
 struct ApplyRunner {
     std::function<CallOutcome(Bitmap& picture, const ChainCall& call)> call;
     std::function<CallOutcome(Bitmap& picture, const ReadyLook& look)> look;
+    /// The calls at each frame; null where they are the same for all.
+    std::shared_ptr<MovingChain> moving;
 };
 
 /// Belongs to one thread.
-ApplyRunner makeRunner(const SessionOptions& options);
+ApplyRunner makeRunner(const std::vector<MovingCall>& written, const SessionOptions& options);
+
+/// Changes the frames of a pipe by looks and calls. Belongs to one thread.
+FrameWorker frameWorker(const std::vector<ReadyLook>& looks, const std::vector<ChainCall>& chain,
+                        const std::vector<MovingCall>& calls, const ApplyOptions& options,
+                        const SessionOptions& settings);
 
 /// Reads, rewrites and writes a picture of the batch, with all its pages or frames if the output holds them,
 /// and settles its report. Does nothing after as many failures as the batch may have.

@@ -75,7 +75,8 @@ BatchTotals ApplyProgress::totals() const {
 
 std::string ApplyProgress::plan() const {
     Json items = Json::array();
-    for (const BatchItem& item : items_) items.push_back({item.input.string(), item.output.string()});
+    for (const BatchItem& item : items_)
+        items.push_back({item.input.string(), item.output.string(), item.frame, item.frames});
     const InputList::Place place = parts_.place();
     return packed({{"items", items},
                    {"totals", {totals_.pictures, totals_.written, totals_.failed}},
@@ -86,7 +87,7 @@ std::string ApplyProgress::plan() const {
 void ApplyProgress::readPlan(const std::string& text) {
     const Json json = unpacked(text);
     for (const Json& item : json["items"])
-        items_.push_back({item[0].get<std::string>(), item[1].get<std::string>()});
+        items_.push_back({item[0].get<std::string>(), item[1].get<std::string>(), item[2], item[3]});
     reports.resize(items_.size());
     totals_ = {json["totals"][0], json["totals"][1], json["totals"][2]};
     parts_.continueAt({json["place"][0], json["place"][1]});

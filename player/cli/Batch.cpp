@@ -4,6 +4,7 @@
 #include <map>
 
 #include "player/cli/ApplyOptions.h"
+#include "player/cli/Sequence.h"
 #include "player/cli/TextFile.h"
 #include "player/host/SymbolTable.h"
 #include "player/pictures/PictureFiles.h"
@@ -30,9 +31,13 @@ bool endsAsPictures(const fs::path& name) {
            std::find(std::begin(others), std::end(others), extension) != std::end(others);
 }
 
+/// Whether an input is a folder or a sequence.
+bool isSeveral(const fs::path& input) { return isFolder(input) || Sequence::named(input).has_value(); }
+
 /// A picture to read and, for one in a folder, where in that folder it is.
 struct Found {
     fs::path input, within;
+    std::optional<int64_t> number = {};  ///< of a sequence
 };
 
 /// The folder of a picture relative to `--root`.
@@ -55,8 +60,8 @@ public:
     std::vector<Found> in(const BatchPart& part) {
         for (const fs::path& input : part.named) consider(input);
         for (const fs::path& input : part.listed) {
-            if (!options_.shard.empty() && isFolder(input))
-                throw UsageError(input.string() + " is a folder: with --shard, a list names pictures");
+            if (!options_.shard.empty() && isSeveral(input))
+                throw UsageError(input.string() + " names several pictures: with --shard, a list names each");
             consider(input);
         }
         return std::move(found_);
@@ -64,7 +69,12 @@ public:
 
 private:
     void consider(const fs::path& input) {
-        if (isFolder(input))
+        if (const auto sequence = Sequence::named(input))
+            for (const int64_t number : sequence->numbers()) {
+                const fs::path file = sequence->file(number);
+                found_.push_back({file, placeBelowRoot(file, options_), number});
+            }
+        else if (isFolder(input))
             searchFolder(input);
         else
             found_.push_back({input, placeBelowRoot(input, options_)});
@@ -183,20 +193,30 @@ void leaveOutDone(std::vector<BatchItem>& items, const ApplyOptions& options,
                         " pictures, which are done");
 }
 
+/// Frames keep their numbers; other pictures are counted from 1.
+std::vector<BatchItem> numbered(const std::vector<Found>& found, const Sequence& output) {
+    std::vector<BatchItem> items;
+    for (const Found& one : found)
+        items.push_back({.input = one.input,
+                         .output = output.file(one.number.value_or(static_cast<int64_t>(items.size()) + 1))});
+    return items;
+}
+
 /// Where the pictures go: one file, or names in a folder.
 std::vector<BatchItem> pairs(const std::vector<Found>& found, bool isSeveral, const ApplyOptions& options) {
     if (options.inPlace && options.output.empty()) {
         std::vector<BatchItem> items;
-        for (const Found& one : found) items.push_back({one.input, one.input});
+        for (const Found& one : found) items.push_back({.input = one.input, .output = one.input});
         return items;
     }
     const fs::path output = options.output;
     if (isStandardStream(output)) {
         if (isSeveral) throw UsageError("standard output takes one picture");
-        return {{found.front().input, "/dev/stdout"}};
+        return {{.input = found.front().input, .output = "/dev/stdout"}};
     }
+    if (const auto sequence = Sequence::named(output)) return numbered(found, *sequence);
     if (!isSeveral && options.nameTemplate.empty() && !isFolder(output) && output.has_filename())
-        return {{found.front().input, output}};
+        return {{.input = found.front().input, .output = output}};
     std::error_code unreadable;
     if (fs::is_regular_file(output, unreadable))
         throw UsageError(output.string() + " is a file, but several pictures need a folder");
@@ -204,16 +224,16 @@ std::vector<BatchItem> pairs(const std::vector<Found>& found, bool isSeveral, co
         throw UsageError(output.string() + " names a picture, but several pictures need a folder");
     std::vector<BatchItem> items;
     for (const Found& one : found)
-        items.push_back({one.input, output / nameFor(one, items.size() + 1, options)});
+        items.push_back({.input = one.input, .output = output / nameFor(one, items.size() + 1, options)});
     return items;
 }
 
 /// Whether the output is a folder because there are several pictures, or might be.
 bool hasSeveral(const BatchPart& part, const ApplyOptions& options) {
-    const bool hasFolder = std::any_of(part.named.begin(), part.named.end(), isFolder) ||
-                           std::any_of(part.listed.begin(), part.listed.end(), isFolder);
-    return part.isOneOfSeveral || part.named.size() + part.listed.size() > 1 || hasFolder ||
-           !options.shard.empty() || options.keepsLedger();
+    return part.isOneOfSeveral || part.named.size() + part.listed.size() > 1 ||
+           std::any_of(part.named.begin(), part.named.end(), isSeveral) ||
+           std::any_of(part.listed.begin(), part.listed.end(), isSeveral) || !options.shard.empty() ||
+           options.keepsLedger();
 }
 
 /// Pictures that share an output are in one shard, which refuses them. Those in lists are chosen before they
@@ -235,7 +255,7 @@ void makeFolders(const std::vector<BatchItem>& items, const ApplyOptions& option
     if (options.dryRun || options.plan || isOneFile || isStandardStream(options.output) ||
         options.output.empty())
         return;
-    makeFolder(options.output);
+    makeFolder(outputFolder(options));
     for (const BatchItem& item : items) makeFolder(item.output.parent_path());
 }
 
@@ -243,13 +263,19 @@ void makeFolders(const std::vector<BatchItem>& items, const ApplyOptions& option
 
 bool isStandardStream(const fs::path& path) { return path == "-"; }
 
+fs::path outputFolder(const ApplyOptions& options) {
+    const fs::path output = options.output;
+    if (!Sequence::named(output)) return output;
+    return output.has_parent_path() ? output.parent_path() : fs::path(".");
+}
+
 std::string outputName(const fs::path& input, const ApplyOptions& options) {
     return nameFor({input, placeBelowRoot(input, options)}, 1, options).lexically_normal().generic_string();
 }
 
 std::string nameBelowOutput(const fs::path& output, const ApplyOptions& options) {
     if (options.output.empty()) return output.lexically_normal().generic_string();
-    const fs::path folder = fs::path(options.output) / "";
+    const fs::path folder = outputFolder(options) / "";
     return output.lexically_normal().lexically_relative(folder.lexically_normal()).generic_string();
 }
 
@@ -270,10 +296,10 @@ std::vector<BatchItem> planBatch(const BatchPart& part, const ApplyOptions& opti
     std::vector<std::string> unread;
     std::vector<std::string>& told = notes ? *notes : unread;
     std::vector<Found> found = Search(options, told).in(part);
-    const bool isSeveral = hasSeveral(part, options);
-    std::vector<BatchItem> items = pairs(found, isSeveral, options);
+    std::vector<BatchItem> items = pairs(found, hasSeveral(part, options), options);
     for (BatchItem& item : items)
         if (isStandardStream(item.input)) item.input = "/dev/stdin";
+    for (size_t i = 0; i < items.size(); ++i) items[i].frame = i, items[i].frames = items.size();
     leaveOutOtherShards(items, options, told);
     makeFolders(items, options);
     refuseSharedOutputs(items);

@@ -13,6 +13,7 @@ namespace krl::player {
 struct BatchItem {
     std::filesystem::path input;
     std::filesystem::path output;
+    size_t frame = 0, frames = 1;  ///< its place among all that there are, done or not
 };
 
 /// Inputs that are planned together.
@@ -29,6 +30,8 @@ struct BatchPart {
 std::vector<BatchItem> planBatch(const BatchPart& part, const ApplyOptions& options,
                                  std::vector<std::string>* notes = nullptr);
 
+/// The folder of several outputs: `-o`, or where its numbered frames are.
+std::filesystem::path outputFolder(const ApplyOptions& options);
 /// Where the output of a listed picture is in the output folder.
 std::string outputName(const std::filesystem::path& input, const ApplyOptions& options);
 /// The same of an output that is paired.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <utility>
 
 #include "catalogue/Arguments.h"
 #include "catalogue/Letters.h"
@@ -15,9 +16,6 @@
 namespace krl::player {
 
 namespace {
-
-/// The size of picture for which calls are checked before one is read.
-constexpr int32_t kUsualWidth = 960, kUsualHeight = 640;
 
 bool isMeasure(const krl::Value& value) {
     return value.as<int32_t>() || value.as<double>() || value.as<Point>();
@@ -116,24 +114,33 @@ std::vector<krl::Value> ChainCall::relativeValues(int32_t width, int32_t height)
     return values;
 }
 
-std::string ChainCall::lingo(int32_t width, int32_t height) const {
+std::vector<std::string> ChainCall::lingoArguments(int32_t width, int32_t height) const {
     const std::vector<krl::Value> relative =
         isRelative_ ? relativeValues(width, height) : std::vector<krl::Value>();
-    std::string text = std::string(method_->name()) + "(";
-    for (size_t i = 0; i < given_.size(); ++i) {
-        if (i > 0) text += ", ";
+    std::vector<std::string> texts;
+    for (size_t i = 0; i < given_.size(); ++i)
         if (given_[i].empty())
-            text += exampleText(method_->arguments()[i], {width, height, {}});
+            texts.push_back(exampleText(method_->arguments()[i], {width, height, {}}));
         else
-            text += isRelative_ ? writeNotation(relative[i]) : given_[i];
-    }
+            texts.push_back(isRelative_ ? writeNotation(relative[i]) : given_[i]);
+    return texts;
+}
+
+std::string ChainCall::lingo(int32_t width, int32_t height) const {
+    std::string text = std::string(method_->name()) + "(", divider;
+    for (const std::string& argument : lingoArguments(width, height))
+        text += std::exchange(divider, ", ") + argument;
     return text + ")";
 }
 
-void ChainCall::evaluate(Session& session) {
+void ChainCall::evaluate(Session& session, const ChainCall* before) {
     values_.resize(given_.size());
     for (size_t i = 0; i < given_.size(); ++i) {
         if (given_[i].empty()) continue;
+        if (before && before->given_[i] == given_[i]) {
+            values_[i] = before->values_[i];
+            continue;
+        }
         const Argument& argument = method_->arguments()[i];
         values_[i] = session.evaluate(given_[i]);
         const std::string complaint = complaintAbout(argument, values_[i], given_[i]);
@@ -143,7 +150,9 @@ void ChainCall::evaluate(Session& session) {
     if (!hasExtent_) return;
     for (const CallNotation::Argument& argument : notation(kUsualWidth, kUsualHeight).arguments)
         if (const auto* mask = argument.value.as<PictureReference>(); mask && argument.name == "mask")
-            masks_[mask->name] = *session.evaluate(writeNotation(*mask)).as<krl::Picture>();
+            masks_[mask->name] = before && before->masks_.contains(mask->name)
+                                     ? before->masks_.at(mask->name)
+                                     : *session.evaluate(writeNotation(*mask)).as<krl::Picture>();
     extent(kUsualWidth, kUsualHeight);
 }
 

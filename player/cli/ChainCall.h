@@ -27,10 +27,13 @@ public:
     /// The call as the plug-in expects it: `krlImageBrightness(40, #RGB)`. The size of the picture determines
     /// the defaults of omitted points.
     std::string lingo(int32_t width, int32_t height) const;
+    /// Its arguments alone.
+    std::vector<std::string> lingoArguments(int32_t width, int32_t height) const;
 
     /// Evaluates the given arguments. Throws `ScriptError` for an expression that has no value, and
-    /// `CommandError` for an argument of the wrong type.
-    void evaluate(Session& session);
+    /// `CommandError` for an argument of the wrong type. What is as in `before`, an evaluated call of the
+    /// same method, keeps its value.
+    void evaluate(Session& session, const ChainCall* before = nullptr);
     /// The values of all arguments, after `evaluate`.
     std::vector<krl::Value> arguments(int32_t width, int32_t height) const;
 
@@ -59,6 +62,9 @@ private:
     std::vector<std::string> given_;
     std::vector<krl::Value> values_;  ///< of the given arguments
 };
+
+/// The size of picture for which calls are checked before one is read.
+inline constexpr int32_t kUsualWidth = 960, kUsualHeight = 640;
 
 /// Whether a word of the command line is a call: a method's name, or a name with parentheses that is
 /// not a picture's.

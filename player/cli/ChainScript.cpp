@@ -4,25 +4,15 @@
 
 namespace krl::player {
 
-namespace {
-
-/// The lines of one call. A new picture that it makes replaces the loaded one.
-std::string linesFor(const ChainCall& call, int32_t width, int32_t height) {
-    const std::string text = "xtraImage." + call.lingo(width, height);
-    if (call.method().makesPicture()) {
-        const char* key = call.method().pictureKey();
-        return "  answer = " + text +
-               "\n"
-               "  xtraImage.krlImageQuit()\n"
-               "  picture = answer" +
-               (key ? "." + std::string(key) : "[1]") +
-               "\n"
-               "  xtraImage.krlImageLoad(picture)\n";
-    }
-    return call.method().isSilent() ? "  " + text + '\n' : "  put " + text + '\n';
+std::string callLines(const Method& method, const std::string& lingo, const std::string& indent) {
+    const std::string text = "xtraImage." + lingo;
+    if (!method.makesPicture()) return indent + (method.isSilent() ? "" : "put ") + text + '\n';
+    // A new picture replaces the loaded one.
+    const char* key = method.pictureKey();
+    return indent + "answer = " + text + '\n' +  //
+           indent + "xtraImage.krlImageQuit()\n" + indent + "picture = answer" +
+           (key ? "." + std::string(key) : "[1]") + '\n' + indent + "xtraImage.krlImageLoad(picture)\n";
 }
-
-}  // namespace
 
 std::string chainScript(const std::vector<ChainCall>& chain, int32_t width, int32_t height) {
     std::string script =
@@ -32,7 +22,7 @@ std::string chainScript(const std::vector<ChainCall>& chain, int32_t width, int3
         "  xtraImage = new(xtra \"KRLImageXtra\")\n"
         "  xtraImage.krlImageCreateLookupTables(#mt)\n"
         "  xtraImage.krlImageLoad(picture)\n";
-    for (const ChainCall& call : chain) script += linesFor(call, width, height);
+    for (const ChainCall& call : chain) script += callLines(call.method(), call.lingo(width, height), "  ");
     return script +
            "  xtraImage.krlImageQuit()\n"
            "  xtraImage.krlImageDestroyLookupTables()\n"

@@ -139,6 +139,17 @@ void addApplyOptions(CLI::App& app, ApplyOptions& options) {
     app.add_flag("--skip-existing", options.skipExisting, "Leave out pictures whose output exists");
     app.add_flag("--newer", options.newer, "Leave out pictures whose output is newer than they are");
     app.add_flag("--dry-run", options.dryRun, "Print what would be written, and write nothing");
+    app.add_option("--raw", options.raw,
+                   "Read raw frames of this size from standard input (-) and write them to standard\n"
+                   "output (-o -) until the end: WIDTHxHEIGHT[:bgra|rgba] (default bgra)")
+        ->type_name("SIZE");
+    app.add_option("--fps", options.fps, "Frames in a second, for arguments that use `seconds`")
+        ->type_name("N")
+        ->check(CLI::Range(0.001, 1e6).description(""));
+    app.add_option("--frames", options.frames,
+                   "Frames that come through --raw, for arguments that use `frames` or `t`")
+        ->type_name("N")
+        ->check(CLI::Range(size_t{1}, size_t{1000000000}).description(""));
     addTexts(app, "--look", options.looks, "LOOK",
              "Apply a look before the calls: a file, or a name that look list shows; can be repeated");
     addTexts(app, "--set", options.settings, "NAME=VALUE", "Set a parameter of the looks; can be repeated");

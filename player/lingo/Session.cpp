@@ -184,6 +184,14 @@ CallOutcome Session::apply(Bitmap& picture, std::string_view call) {
     });
 }
 
+void Session::define(const std::string& name, const std::string& text) {
+    asScriptError([&] {
+        Interpreter& interpreter = parts_->interpreter;
+        interpreter.setMovieScript(
+            interpreter.load(std::make_shared<const Source>(Source{name, text}), name));
+    });
+}
+
 krl::Value Session::evaluate(std::string_view expression) {
     return asScriptError([&] {
         Interpreter& interpreter = parts_->interpreter;

@@ -86,6 +86,9 @@ public:
     /// a list of them, replaces the picture.
     CallOutcome apply(Bitmap& picture, std::string_view call);
 
+    /// Reads the handlers of a text, which `evaluate` can call from then on; `name` is for messages.
+    void define(const std::string& name, const std::string& text);
+
     /// Evaluates a text with one expression for the catalogue; VOID for types that no method takes.
     krl::Value evaluate(std::string_view expression);
 

@@ -19,15 +19,7 @@ gegl_runs() {
     ffmpeg -v error -y -i "$scratch/made.png" -f rawvideo -pix_fmt bgra "$scratch/made"
 }
 
-# The words before -- give what the judge makes of the call after it.
-gegl_gives() {
-    local words=()
-    while [ "$1" != -- ]; do words+=("$1"); shift; done
-    shift
-    gegl_runs "${words[@]}"
-    judged "$@" <"$scratch/frame" >"$scratch/wanted"
-    same_frames "$scratch/made" "$scratch/wanted" $((width * height * 4))
-}
+gegl_gives() { gives gegl_runs "$scratch/frame" "$@"; }
 
 gegl_lists_all() {
     diff <(awk '{ print "krl:" $1 }' "$scratch/methods" | sort) <(gegl --list-all 2>/dev/null | grep '^krl:' | sort)

@@ -26,15 +26,7 @@ melt_renders() {
     ffmpeg -v error -y -i "$scratch/made.nut" -f rawvideo -pix_fmt bgra "$scratch/made"
 }
 
-# The words before -- give what the judge makes of the call after it.
-melt_gives() {
-    local words=()
-    while [ "$1" != -- ]; do words+=("$1"); shift; done
-    shift
-    melt_renders "${words[@]}"
-    judged "$@" <"$scratch/clip" >"$scratch/wanted"
-    same_frames "$scratch/made" "$scratch/wanted" $clip_bytes
-}
+melt_gives() { gives melt_renders "$scratch/clip" "$@"; }
 
 melt_passes_frames() {
     melt_renders "$scratch/long.nut"

@@ -34,3 +34,14 @@ same_frames() {
     [ "$(stat -c %s "$1")" = "$3" ] || { echo "$1 has $(stat -c %s "$1") bytes in place of $3"; return 1; }
     cmp -n "$3" "$1" "$2"
 }
+
+# What maker $1 makes of the words before -- is what the judge makes of raw clip $2 by the call after it.
+gives() {
+    local maker=$1 clip=$2 words=()
+    shift 2
+    while [ "$1" != -- ]; do words+=("$1"); shift; done
+    shift
+    "$maker" "${words[@]}"
+    judged "$@" <"$clip" >"$scratch/wanted"
+    same_frames "$scratch/made" "$scratch/wanted" "$(stat -c %s "$clip")"
+}

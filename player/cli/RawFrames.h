@@ -1,0 +1,16 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <vector>
+
+#include "player/cli/Commands.h"
+#include "player/cli/RawPipe.h"
+
+namespace krl::player {
+
+/// `apply --raw`: runs a worker of each thread on the frames of a pipe.
+int applyToFrames(const ApplyOptions& options, const std::vector<std::filesystem::path>& inputs,
+                  const std::function<FrameWorker()>& makeWorker);
+
+}  // namespace krl::player
