@@ -177,6 +177,11 @@ std::string wordsOf(const ApplyOptions& options, const std::vector<MovingCall>& 
     return words;
 }
 
+/// Pictures in parallel leave some for what their sizes do not show.
+uint64_t memoryFor(const ApplyOptions& options) {
+    return options.memory > 0 || options.jobs == 1 ? options.memory : availableMemory() / 8 * 7;
+}
+
 int workOnAll(BatchParts& parts, const ApplyOptions& options, const std::vector<MovingCall>& calls,
               const std::vector<ChainCall>& chain, const SessionOptions& settings, const Terminal& terminal) {
     const std::vector<ReadyLook> looks = readyLooks(options.looks, options.settings);
@@ -189,7 +194,7 @@ int workOnAll(BatchParts& parts, const ApplyOptions& options, const std::vector<
                            terminal.live};
     ApplyProgress progress(parts, options, ledger ? &*ledger : nullptr);
     ApplyReport report(options.json, results);
-    MemoryGate memory(options.memory);
+    MemoryGate memory(memoryFor(options));
     bool hasNext = progress.next();
     FailureLimit failures(options.mostFailures, progress.totals().failed);
     const ApplyWork work{looks,

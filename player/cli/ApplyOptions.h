@@ -53,7 +53,7 @@ struct ApplyOptions {
     unsigned retries = 0;
     /// Failures after which no further picture is started; 0 for no limit.
     size_t mostFailures = 0;
-    /// Bytes of memory that pictures in progress may take together; 0 for no limit.
+    /// Bytes of memory that pictures in progress may take together; 0 for most of what is available.
     uint64_t memory = 0;
     /// Prints how much work there is, from the headers of the pictures, and does none.
     bool plan = false;

@@ -11,6 +11,9 @@ namespace krl::player {
 /// About how much memory a picture takes from reading to writing.
 uint64_t workingMemory(const PictureSize& size);
 
+/// The memory that the system can still give, within the limit of a container; 0 where it does not say.
+uint64_t availableMemory();
+
 /// Holds pictures back while those in progress take as much memory as they may.
 class MemoryGate {
 public:

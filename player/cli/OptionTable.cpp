@@ -103,7 +103,8 @@ void addBatchOptions(CLI::App& app, ApplyOptions& options) {
         ->type_name("N")
         ->check(CLI::Range(1, 1'000'000'000).description(""));
     app.add_option("--memory", options.memory,
-                   "Hold pictures back while those in progress take SIZE, such as 500M or 4G")
+                   "Hold pictures back while those in progress take SIZE, such as 500M or 4G (default:\n"
+                   "most of the memory that is available)")
         ->type_name("SIZE")
         ->transform(CLI::AsSizeValue(false).description(""));
     app.add_flag(

@@ -261,10 +261,18 @@ PictureFrames read(const InputFile& file, FrameChoice choice) {
     return read;
 }
 
+/// Starts the library with the module that the file needs.
+void startFor(const InputFile& file) {
+    startVips();
+    uint8_t start[8] = {};
+    if (file.readAt(0, start, sizeof start) && std::memcmp(start + 4, "ftyp", 4) == 0)
+        loadVipsModule("vips-heif.so");
+}
+
 }  // namespace
 
 PictureSize readSizeWithVips(const InputFile& file) {
-    startVips();
+    startFor(file);
     return tellingItsOwnReason([&] {
         const VipsChain image(requireOpen(file, "read " + file.path().string()));
         return PictureSize{vips_image_get_width(image.get()), vips_image_get_height(image.get()),
@@ -273,10 +281,7 @@ PictureSize readSizeWithVips(const InputFile& file) {
 }
 
 PictureFrames readWithVips(const InputFile& file, FrameChoice choice) {
-    startVips();
-    uint8_t start[8] = {};
-    if (file.readAt(0, start, sizeof start) && std::memcmp(start + 4, "ftyp", 4) == 0)
-        loadVipsModule("vips-heif.so");
+    startFor(file);
     return tellingItsOwnReason([&] { return read(file, choice); });
 }
 

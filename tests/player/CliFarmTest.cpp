@@ -382,6 +382,8 @@ TEST(Memory, HoldsPicturesBackWhileItIsTaken) {
     const MemoryGate::Share alone = gate.take(1000);
 }
 
+TEST(Memory, OfTheSystemIsKnown) { EXPECT_GT(availableMemory(), uint64_t{1} << 20); }
+
 TEST_F(Farm, WorksWithinItsMemory) {
     pictures(4);
     EXPECT_EQ(apply({"--memory", "1M", "-j", "4"}).code, 0);
