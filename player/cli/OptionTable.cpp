@@ -128,11 +128,11 @@ void addApplyOptions(CLI::App& app, ApplyOptions& options) {
                    "Name of each output in the folder, such as '{folder}/{stem}_{look}.{ext}'; there is also "
                    "{name} and {n}")
         ->type_name("TEMPLATE");
-    addPath(app, "--from", options.inputList, "FILE",
-            "Also take the inputs that FILE lists, one a line; - for standard input");
+    CLI::Option* from = addPath(app, "--from", options.inputList, "FILE",
+                                "Also take the inputs that FILE lists, one a line; - for standard input");
     app.add_flag("-0,--null", options.endsWithZero,
                  "Names in the list end with a zero byte, as find -print0 has them")
-        ->needs("--from");
+        ->needs(from);
     addPath(app, "--root", options.root, "DIR", "Keep the place of the inputs below DIR in OUT");
     addBatchOptions(app, options);
     app.add_flag("-r,--recursive", options.recursive, "Also take pictures in folders within folders");
