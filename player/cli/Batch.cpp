@@ -256,7 +256,8 @@ void makeFolders(const std::vector<BatchItem>& items, const ApplyOptions& option
         options.output.empty())
         return;
     makeFolder(outputFolder(options));
-    for (const BatchItem& item : items) makeFolder(item.output.parent_path());
+    for (const BatchItem& item : items)
+        if (item.output.has_parent_path()) makeFolder(item.output.parent_path());
 }
 
 }  // namespace
