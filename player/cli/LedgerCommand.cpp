@@ -112,7 +112,7 @@ private:
         }
     }
 
-    size_t unrecorded() const { return expected_ > newest_.size() ? expected_ - newest_.size() : 0; }
+    uint64_t unrecorded() const { return expected_ > newest_.size() ? expected_ - newest_.size() : 0; }
 
     bool takeNewest(const LedgerEntry& entry) {
         const uint64_t name = hashOf(entry.name).low;
@@ -169,7 +169,8 @@ private:
     uint32_t shards_ = 1;  ///< of the newest run
     std::vector<std::string> unfinished_;
     std::vector<Problem> problems_;
-    size_t done_ = 0, expected_ = 0;
+    size_t done_ = 0;
+    uint64_t expected_ = 0;
 };
 
 }  // namespace
