@@ -58,7 +58,7 @@ from __future__ import annotations
 from typing import Any, Dict, List, Literal, Optional, Tuple
 
 from ._calls import run, run_on
-from ._types import Array, Colour, Colours, Length, Picture, Point, RealLength, Region, Tree
+from ._types import Array, Colour, Colours, Length, Picture, Point, RealLength, Region, Tree, Truth
 
 Order = Literal["RGB", "BGR"]
 
@@ -79,8 +79,14 @@ def holds_picture(example):
     return isinstance(example, list) and all(isinstance(item, str) for item in example)
 
 
+def is_truth(argument):
+    return set(argument.choices) == {"false", "true"}
+
+
 def python_value(argument):
     """The example as a value that the function takes."""
+    if is_truth(argument):
+        return argument.example == "true"
     if argument.kind == "colour":
         return colour_text(argument.example)
     if argument.kind == "colours":
@@ -103,6 +109,8 @@ def default_of(argument):
 
 
 def type_of(argument):
+    if is_truth(argument):
+        return "Truth"
     if argument.kind == "symbol" and argument.choices:
         return "Literal[{}]".format(", ".join(f'"{choice}"' for choice in argument.choices))
     if is_required(argument):
@@ -208,7 +216,9 @@ class Function:
 
     def parameter(self, argument):
         kind = DOCUMENTED_TYPES.get(argument.kind, "str") + (" or str" if argument.is_length else "")
-        if argument.kind == "symbol" and argument.choices:
+        if is_truth(argument):
+            kind = "bool"
+        elif argument.kind == "symbol" and argument.choices:
             kind = "{" + ", ".join(f'"{choice}"' for choice in argument.choices) + "}"
         default = default_of(argument)
         head = f"{python_name(argument)} : {kind}"

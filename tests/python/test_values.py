@@ -38,6 +38,13 @@ def test_names_may_have_their_sign_and_any_case(picture):
     same(*(krlimage.invert(picture, name) for name in ("RGB", "#RGB", "rgb")))
 
 
+def test_yes_and_no_are_true_and_false(picture):
+    same(*(krlimage.vignette(picture, invert=yes) for yes in (True, "true", "#true", np.bool_(True))))
+    same(*(krlimage.vignette(picture, invert=no) for no in (False, "false", np.False_)), krlimage.vignette(picture))
+    with pytest.raises(krlimage.KrlError, match="vignette: shape: .*true"):
+        krlimage.vignette(picture, True)
+
+
 def test_flares_are_dicts_or_pairs(picture):
     star = {"count": 8, "width": 1, "angle": 11.0, "brightness": 150.0, "radius": 20.0, "origin": (30, 20),
             "transparency": 0, "colourList": {0: "#ffe1b4"}, "blendMethod": "screen"}

@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any, Dict, Mapping, Protocol, Sequence, Tuple, Union
+from typing import TYPE_CHECKING, Any, Dict, Literal, Mapping, Protocol, Sequence, Tuple, Union
 
 import numpy as np
 
@@ -26,6 +26,9 @@ Picture = Union[Array, SupportsArrayInterface, memoryview]
 
 Colour = Union[str, Tuple[int, int, int]]
 """``"#rrggbb"``, or red, green and blue from 0 to 255."""
+
+Truth = Union[bool, Literal["false", "true"]]
+"""Yes or no; the names are those of the command line."""
 
 Length = Union[int, str]
 """Pixels, or a percentage of the picture's shorter side such as ``"10%"``."""

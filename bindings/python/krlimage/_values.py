@@ -7,6 +7,8 @@ import operator
 import re
 from typing import Any, Callable, Mapping
 
+import numpy as np
+
 from . import _native, _pictures
 from ._native import Value
 
@@ -46,7 +48,9 @@ def real(value: Any) -> Value:
 
 
 def symbol(value: Any) -> Value:
-    """A name; a leading ``#`` is fine."""
+    """A name; a leading ``#`` is fine. Yes and no are names too."""
+    if isinstance(value, (bool, np.bool_)):
+        return _native.symbol("true" if value else "false")
     if not isinstance(value, str):
         raise Mismatch("a name", value)
     return _native.symbol(value[1:] if value.startswith("#") else value)
