@@ -73,8 +73,8 @@ class _Plan:
         return 1 if self.effect.depends_on_bands else getattr(_of_this_thread, "threads", _threads)
 
     def values(self, given: Sequence[Any], order: int, size: Size) -> list[Value | None]:
-        """The arguments for the engine; None is left out."""
-        return [None if value is None else self._value(name, kind, value, order, size)
+        """The arguments for the engine; None is left out, except where a picture has to be."""
+        return [None if value is None and kind != "picture" else self._value(name, kind, value, order, size)
                 for name, kind, value in zip(self.names, self.kinds, given)]
 
     def extent(self, given: Extent, order: int, size: Size) -> list[tuple[str, Value]]:
