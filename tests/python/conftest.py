@@ -1,6 +1,7 @@
 """What the tests share. `./test --python` sets the folders."""
 
 import os
+import subprocess
 from pathlib import Path
 
 import numpy as np
@@ -21,3 +22,11 @@ def picture():
 def hash_pictures():
     """The folder of the sample pictures that the table of hashes is for."""
     return Path(os.environ["KRL_HASH_PICTURES"])
+
+
+@pytest.fixture(scope="session")
+def command():
+    """Runs the command line of the same build."""
+    def run(*words):
+        return subprocess.run([os.environ["KRL_COMMAND"], *map(str, words)], capture_output=True, text=True, timeout=120)
+    return run

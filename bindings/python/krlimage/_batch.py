@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import os
 import sys
-import tempfile
+import uuid
 from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass
 from pathlib import Path
@@ -21,6 +21,7 @@ PathLike = Union[str, "os.PathLike[str]"]
 AnyLook = Union[str, Sequence[str], Callable[[Array], Any]]
 
 EXTENSIONS = (".png", ".jpg", ".jpeg", ".tif", ".tiff", ".webp")
+MODES_OF_RGB = ("RGB", "RGBA", "P", "PA")
 FORMATS = {"png": "PNG", "jpg": "JPEG", "jpeg": "JPEG", "tif": "TIFF", "tiff": "TIFF", "webp": "WEBP"}
 
 
@@ -52,8 +53,9 @@ class BatchResult:
         return "\n".join([text, *(f"{path}: {why}" for path, why in self.failed.items())])
 
 
-def batch(files: PathLike | Iterable[PathLike], look: AnyLook, out: PathLike, jobs: int | None = None, *,
-          format: str | None = None, quality: int = 90, progress: bool | None = None) -> BatchResult:
+def batch(files: PathLike | Iterable[PathLike], look: AnyLook, out: PathLike | None = None, jobs: int | None = None, *,
+          format: str | None = None, quality: int = 90, recursive: bool = False, in_place: bool = False,
+          progress: bool | None = None) -> BatchResult:
     """Runs a look on pictures in files. Failures are skipped, and each result appears whole or not at all.
 
     Parameters
@@ -62,14 +64,18 @@ def batch(files: PathLike | Iterable[PathLike], look: AnyLook, out: PathLike, jo
         Pictures, and folders whose pictures are taken.
     look : str, sequence of str or callable
         Calls such as ``"vignette(blur: 160)"``, a `Look`, or a function from an RGBA array to an array.
-    out : path
-        A folder, which is made; or for one picture a file.
+    out : path, optional
+        A folder, which is made; or for one picture a file. Left out with ``in_place``.
     jobs : int, optional
         Pictures processed in parallel; left out, one for each processor.
     format : str, optional
         ``"png"``, ``"jpg"``, ``"tif"`` or ``"webp"``; left out, that of each picture.
     quality : int, default 90
         Of JPEG and WebP. Try 1 to 100.
+    recursive : bool, default False
+        Also takes the pictures in folders within folders; `out` gets the same folders.
+    in_place : bool, default False
+        Lets a result replace its picture.
     progress : bool, optional
         Whether to show a bar of `tqdm`; left out, on a terminal where that is installed.
 
@@ -83,12 +89,12 @@ def batch(files: PathLike | Iterable[PathLike], look: AnyLook, out: PathLike, jo
     KrlError
         If a call of the look is wrong, before any picture is read.
     ValueError
-        If it is not clear where the results go.
+        If it is not clear where the results go, or one would replace a picture without ``in_place``.
 
     Notes
     -----
     Colour profile, EXIF, XMP and resolution are preserved, EXIF orientation is applied. JPEG has no
-    transparency: pictures are laid on white.
+    transparency: pictures are laid on white. Files with several pages or frames are failures.
 
     Examples
     --------
@@ -102,7 +108,7 @@ def batch(files: PathLike | Iterable[PathLike], look: AnyLook, out: PathLike, jo
     if format is not None and format.lower() not in FORMATS:
         raise ValueError(f"format: expected one of {', '.join(FORMATS)}, got {format!r:.200}")
     work = _function_of(look)
-    plan = _plan(files, out, format)
+    plan = _plan(files, out, format, recursive, in_place)
 
     def process(item: Tuple[Path, Path]) -> str:
         try:
@@ -131,38 +137,72 @@ def _function_of(look: AnyLook) -> Callable[[Array], Any]:
     return lambda picture: apply(picture, *calls, out=None)
 
 
-def _plan(files: PathLike | Iterable[PathLike], out: PathLike, format: str | None) -> List[Tuple[Path, Path]]:
+def _plan(files: PathLike | Iterable[PathLike], out: PathLike | None, format: str | None, recursive: bool,
+          in_place: bool) -> List[Tuple[Path, Path]]:
     """Each picture with its output."""
     given = [Path(files)] if isinstance(files, (str, os.PathLike)) else [Path(file) for file in files]
-    sources = [picture for file in given for picture in (_pictures_in(file) if file.is_dir() else [file])]
-    if not sources:
+    found = [item for file in given for item in (_pictures_in(file, recursive) if file.is_dir() else [(file, Path())])]
+    if not found:
         raise ValueError("files: expected a picture or a folder, got none")
-    target = Path(out)
     several = len(given) > 1 or given[0].is_dir()
-    names_folder = not target.suffix or str(out).endswith(("/", os.sep)) or target.is_dir()
-    if not several and not names_folder:
-        return [(sources[0], target)]
-    if target.is_file() or several and not names_folder and target.suffix.lower() in EXTENSIONS:
-        raise ValueError(f"out: {target} is or names a file, but several pictures need a folder")
-    target.mkdir(parents=True, exist_ok=True)
-    plan = [(source, target / _name_in(source, format)) for source in sources]
-    writers: Dict[Path, Path] = {}
-    for source, result in plan:
-        first = writers.setdefault(result, source)
-        if first is not source:
-            raise ValueError(f"{first} and {source} would both be written to {result}")
+    plan = _in_place(found, in_place, format) if out is None else _targets(found, several, out, format)
+    _refuse_shared_outputs(plan)
+    if not in_place:
+        _refuse_lost_pictures(plan)
+    if out is not None and (several or _names_folder(out)):
+        for folder in {target.parent for _, target in plan}:
+            folder.mkdir(parents=True, exist_ok=True)
     return plan
 
 
-def _pictures_in(folder: Path) -> List[Path]:
-    found = sorted(path for path in folder.iterdir()
+def _in_place(found: List[Tuple[Path, Path]], in_place: bool, format: str | None) -> List[Tuple[Path, Path]]:
+    if not in_place:
+        raise ValueError("out: expected a folder or a file; in_place=True rewrites the pictures themselves")
+    if format is not None:
+        raise ValueError("format: expected none without out: pictures in place keep their names")
+    return [(source, source) for source, _ in found]
+
+
+def _targets(found: List[Tuple[Path, Path]], several: bool, out: PathLike, format: str | None) -> List[Tuple[Path, Path]]:
+    """One file, or names in a folder."""
+    target = Path(out)
+    if not several and not _names_folder(out):
+        return [(found[0][0], target)]
+    if target.is_file() or several and not _names_folder(out) and target.suffix.lower() in EXTENSIONS:
+        raise ValueError(f"out: {target} is or names a file, but several pictures need a folder")
+    return [(source, target / within / _name_of(source, format)) for source, within in found]
+
+
+def _names_folder(out: PathLike) -> bool:
+    return not Path(out).suffix or str(out).endswith(("/", os.sep)) or Path(out).is_dir()
+
+
+def _refuse_shared_outputs(plan: List[Tuple[Path, Path]]) -> None:
+    writers: Dict[Path, Path] = {}
+    for source, target in plan:
+        first = writers.setdefault(target, source)
+        if first is not source:
+            raise ValueError(f"{first} and {source} would both be written to {target}")
+
+
+def _refuse_lost_pictures(plan: List[Tuple[Path, Path]]) -> None:
+    pictures = {source.resolve(): source for source, _ in plan if source.is_file()}
+    for _, target in plan:
+        lost = pictures.get(target.resolve())
+        if lost is not None:
+            raise ValueError(f"out: {lost} would be overwritten; name another output, or pass in_place=True")
+
+
+def _pictures_in(folder: Path, recursive: bool) -> List[Tuple[Path, Path]]:
+    """Pictures, and where in the folder they are."""
+    found = sorted(path for path in folder.glob("**/*" if recursive else "*")
                    if path.suffix.lower() in EXTENSIONS and not path.name.startswith(".") and path.is_file())
     if not found:
         raise ValueError(f"files: no pictures found in {folder}")
-    return found
+    return [(path, path.relative_to(folder).parent) for path in found]
 
 
-def _name_in(source: Path, format: str | None) -> str:
+def _name_of(source: Path, format: str | None) -> str:
     if format is None:
         return source.name
     # Text after a dot is part of the name unless it is a picture's extension.
@@ -176,18 +216,35 @@ def _process(source: Path, target: Path, work: Callable[[Array], Any], quality: 
     if kind is None:
         raise ValueError(f"cannot write {target}: its name must end in {', '.join(EXTENSIONS)}")
     with Image.open(source) as file:
+        _refuse_frames(file)
         image = ImageOps.exif_transpose(file)
-        kept = {key: file.info[key] for key in ("icc_profile", "dpi", "xmp") if file.info.get(key)}
-        exif = image.getexif()
-        if len(exif):
-            kept["exif"] = exif.tobytes()
+        kept = _metadata(file, image)
         picture = np.asarray(Image.fromarray(as_array(image)).convert("RGBA"))
-    made = Image.fromarray(as_array(work(picture), "the look's result"))
-    if kind == "JPEG":
-        made = _on_white(made.convert("RGBA"))
+    made = Image.fromarray(as_array(work(picture), "the look's result")).convert("RGBA")
+    if made.getextrema()[3][0] == 255:
+        made = made.convert("RGB")
+    elif kind == "JPEG":
+        made = _on_white(made)
     if kind in ("JPEG", "WEBP"):
         kept["quality"] = quality
-    _write_whole(made, target, kind, kept)
+    _write_whole(made, source, target, kind, kept)
+
+
+def _refuse_frames(file: Any) -> None:
+    """Only the first would be left. The further pictures of a camera's JPEG are previews."""
+    frames = getattr(file, "n_frames", 1)
+    if frames > 1 and file.format != "MPO":
+        raise ValueError(f"has {frames} pages or frames; expected one, as krlimage apply keeps them and batch does not")
+
+
+def _metadata(file: Any, upright: Any) -> Dict[str, Any]:
+    """What is written again; a profile for grey or ink does not fit the result, which is RGB."""
+    keys = ("icc_profile", "dpi", "xmp") if file.mode in MODES_OF_RGB else ("dpi", "xmp")
+    kept = {key: file.info[key] for key in keys if file.info.get(key)}
+    exif = upright.getexif()
+    if len(exif):
+        kept["exif"] = exif.tobytes()
+    return kept
 
 
 def _on_white(image: Any) -> Any:
@@ -197,18 +254,21 @@ def _on_white(image: Any) -> Any:
     return Image.alpha_composite(white, image).convert("RGB")
 
 
-def _write_whole(image: Any, target: Path, kind: str, options: Dict[str, Any]) -> None:
-    """Writes beside the target and renames, so that a file is never seen half-written."""
-    handle, name = tempfile.mkstemp(prefix=f".{target.name}.", dir=target.parent)
+def _write_whole(image: Any, source: Path, target: Path, kind: str, options: Dict[str, Any]) -> None:
+    """Writes beside the target and renames, so that a file is never seen half-written.
+
+    A file that is replaced keeps its permissions; of a new one, nobody is let in whom the picture keeps out.
+    """
+    permissions = source.stat().st_mode & 0o666 | 0o600
+    unfinished = target.with_name(f".{uuid.uuid4().hex}{target.suffix}")
     try:
-        with os.fdopen(handle, "wb") as file:
+        with open(unfinished, "xb", opener=lambda path, flags: os.open(path, flags, permissions)) as file:
+            if target.is_file():
+                os.chmod(unfinished, target.stat().st_mode & 0o777)
             image.save(file, kind, **options)
-        umask = os.umask(0)
-        os.umask(umask)
-        os.chmod(name, 0o666 & ~umask)
-        os.replace(name, target)
+        os.replace(unfinished, target)
     except BaseException:
-        os.unlink(name)
+        unfinished.unlink(missing_ok=True)
         raise
 
 
