@@ -82,6 +82,30 @@ def test_pictures_are_given_or_read_beside_the_file(tmp_path, picture):
             Look.load(tmp_path / "b.krl")(picture)
 
 
+def test_a_file_saved_here_gives_the_same_bytes_on_the_command_line(tmp_path, picture, command):
+    look = Look(["composite(image(\"paper.png\"), #screen, mix: 0.4)", "vignette(transparency: $corners, blur: 25%)",
+                 "composite($before, #lighten, region: rect(10%, 0, 50%, 100%), feather: 5%)"],
+                "Paper", "Ein Blatt — mit Rand.", [Parameter("corners", "110", "0", "255", "how dark")])
+    look.save(tmp_path / "paper.krl")
+    Image.fromarray(picture[::-1]).save(tmp_path / "paper.png")
+    Image.fromarray(picture).save(tmp_path / "in.png")
+    done = command("apply", tmp_path / "in.png", "-o", tmp_path / "out.png", "--look", tmp_path / "paper.krl",
+                   "--set", "corners=60")
+    assert done.returncode == 0, done.stderr
+    made = look(picture, corners=60, images={"paper.png": picture[::-1]})
+    assert (made[..., 3] == 255).all() and not (made == picture).all()
+    np.testing.assert_array_equal(np.asarray(Image.open(tmp_path / "out.png")), made[..., :3])
+
+
+def test_a_file_of_the_command_line_is_loaded_here(tmp_path, picture, command):
+    done = command("look", "save", tmp_path / "mine.krl", *CALLS, "--title", "Warm", "--parameter",
+                   'corners: 110 from 0 to 255 "how dark"')
+    assert done.returncode == 0, done.stderr
+    loaded = Look.load(tmp_path / "mine.krl")
+    assert (loaded.calls, loaded.parameters) == (warm().calls, warm().parameters)
+    np.testing.assert_array_equal(loaded(picture), warm()(picture))
+
+
 def test_a_new_picture_takes_the_place_of_the_old_one(picture):
     look = Look(["halfSize", "invert"])
     made = look(picture)
@@ -114,4 +138,4 @@ def test_a_batch_takes_a_look(tmp_path, picture):
     Image.fromarray(picture).save(tmp_path / "a.png")
     result = krlimage.batch(tmp_path / "a.png", krlimage.looks["noir"], tmp_path / "out")
     assert result.ok
-    np.testing.assert_array_equal(np.asarray(Image.open(tmp_path / "out/a.png")), krlimage.looks["noir"](picture))
+    np.testing.assert_array_equal(np.asarray(Image.open(tmp_path / "out/a.png")), krlimage.looks["noir"](picture)[..., :3])
