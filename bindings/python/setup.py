@@ -33,6 +33,7 @@ class CMakeBuild(build_ext):
         self.run_cmake(build, package)
         shutil.copytree(TREE / "examples/pictures", package / "samples", dirs_exist_ok=True,
                         ignore=lambda folder, names: [name for name in names if not name.endswith(".png")])
+        shutil.copy2(TREE / "LICENSE", package)
         # The package's Python is not yet in this place if nothing but the extension is built.
         subprocess.run([sys.executable, HERE / "generate.py", package], check=True)
 
