@@ -17,22 +17,36 @@ from ._types import Picture
 WIDEST = 480
 
 
-class Card:
-    """An effect before and after, with its call; a notebook shows it as HTML."""
+# Colours are those of the notebook, so that a card also fits a dark one.
+STYLES = {
+    "card": "max-width:61em",
+    "title": "margin:0 0 .3em",
+    "summary": "margin:0 0 .9em;max-width:45em",
+    "pictures": "display:grid;grid-template-columns:repeat(auto-fit,minmax(min(100%,15em),1fr));gap:1em",
+    "figure": "margin:0;max-width:480px",
+    "picture": "display:block;width:100%;height:auto;margin:0",
+    "name": "margin:.4em 0 0;font-size:.9em;opacity:.75",
+    "call": "margin:.9em 0 0;padding:0;white-space:pre-wrap;overflow-wrap:anywhere;background:none",
+}
+CHECKERS = ";background:repeating-conic-gradient(#c8c8c8 0% 25%,#f4f4f4 0% 50%) 0 0/16px 16px"
 
-    def __init__(self, title: str, summary: str, call: str, pictures: dict[str, Any]) -> None:
+
+class Card:
+    """An effect before and after, with its call and what it measured; a notebook shows it as HTML."""
+
+    def __init__(self, title: str, summary: str, call: str, pictures: dict[str, Any], measured: list[Any]) -> None:
         self.title = title
         self.summary = summary
         self.call = call
         self.pictures = pictures
+        self.measured = measured
 
     def _repr_html_(self) -> str:
-        shown = "".join(
-            f'<figure style="margin:0"><img alt="{html.escape(name)}" src="{_data_address(picture)}">'
-            f"<figcaption>{html.escape(name)}</figcaption></figure>" for name, picture in self.pictures.items())
-        return (f"<h4>{html.escape(self.title)}</h4><p>{html.escape(self.summary)}</p>"
-                f'<div style="display:flex;flex-wrap:wrap;gap:1em">{shown}</div>'
-                f"<pre>{html.escape(self.call)}</pre>")
+        shown = "".join(_figure(name, picture) for name, picture in self.pictures.items())
+        pictures = _element("div", "pictures", shown) if shown else ""
+        return _element("div", "card", _element("h4", "title", html.escape(self.title)),
+                        _element("p", "summary", html.escape(self.summary)), pictures,
+                        _element("pre", "call", html.escape("\n".join([self.call, *map(repr, self.measured)]))))
 
     def __repr__(self) -> str:
         return self.call
@@ -71,7 +85,7 @@ def show_effect(name: str, picture: Picture | None = None, **arguments: Any) -> 
     shown = ", ".join([*(["picture"] if takes_picture else []),
                        *(f"{key}={_short(value)}" for key, value in given.items())])
     pictures = {"before": before, **_pictures_in(after)} if takes_picture else _pictures_in(after)
-    return Card(effect.name, effect.summary, f"krlimage.{name}({shown})", pictures)
+    return Card(effect.name, effect.summary, f"krlimage.{name}({shown})", pictures, _measured_in(after))
 
 
 def _second_pictures(effect: Effect, picture: Any) -> dict[str, Any]:
@@ -101,6 +115,13 @@ def _pictures_in(result: Any) -> dict[str, Any]:
     return {}
 
 
+def _measured_in(result: Any) -> list[Any]:
+    """What an effect returns that is no picture."""
+    if isinstance(result, tuple) and any(isinstance(item, np.ndarray) for item in result):
+        return [item for item in result if not isinstance(item, np.ndarray)]
+    return [] if isinstance(result, (np.ndarray, list)) else [result]
+
+
 def _short(value: Any) -> str:
     if isinstance(value, np.ndarray):
         return "other"
@@ -109,13 +130,21 @@ def _short(value: Any) -> str:
     return repr(value)
 
 
-def _data_address(picture: Any) -> str:
-    """A small JPEG, or PNG if it is transparent, as an address that a page can hold."""
+def _element(tag: str, style: str, *content: str) -> str:
+    return f'<{tag} style="{STYLES[style]}">{"".join(content)}</{tag}>'
+
+
+def _figure(name: str, picture: Any) -> str:
+    """A small JPEG, or PNG over checkers if it is transparent, which the page itself holds."""
     from PIL import Image
 
     image = Image.fromarray(picture)
     image.thumbnail((WIDEST, WIDEST))
-    kind = "png" if image.mode == "RGBA" and image.getextrema()[3][0] < 255 else "jpeg"
+    is_transparent = image.mode == "RGBA" and image.getextrema()[3][0] < 255
+    kind = "png" if is_transparent else "jpeg"
     file = io.BytesIO()
-    (image if kind == "png" else image.convert("RGB")).save(file, kind)
-    return f"data:image/{kind};base64," + base64.b64encode(file.getvalue()).decode("ascii")
+    (image if is_transparent else image.convert("RGB")).save(file, kind)
+    style = STYLES["picture"] + (CHECKERS if is_transparent else "")
+    address = f"data:image/{kind};base64," + base64.b64encode(file.getvalue()).decode("ascii")
+    return _element("figure", "figure", f'<img alt="{html.escape(name)}" style="{style}" src="{address}">',
+                    _element("figcaption", "name", html.escape(name)))
