@@ -60,7 +60,9 @@ def test_failures_are_skipped_and_leave_nothing(folder, tmp_path):
     result = krlimage.batch([folder, tmp_path / "missing.png"], "sepia", tmp_path / "out")
     assert not result.ok and str(result).startswith("2 of 5 pictures done, 3 failed\n")
     assert set(result.failed) == {folder / "broken.png", folder / "cut.png", tmp_path / "missing.png"}
-    assert all(result.failed.values())
+    assert result.failed[folder / "broken.png"] == "unrecognised picture format"
+    assert "truncated" in result.failed[folder / "cut.png"]
+    assert "No such file" in result.failed[tmp_path / "missing.png"]
     assert sorted(os.listdir(tmp_path / "out")) == ["a.png", "b.png"]
 
 

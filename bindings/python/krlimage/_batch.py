@@ -210,16 +210,12 @@ def _name_of(source: Path, format: str | None) -> str:
 
 
 def _process(source: Path, target: Path, work: Callable[[Array], Any], quality: int) -> None:
-    from PIL import Image, ImageOps  # type: ignore[import]
+    from PIL import Image  # type: ignore[import]
 
     kind = FORMATS.get(target.suffix[1:].lower())
     if kind is None:
         raise ValueError(f"cannot write {target}: its name must end in {', '.join(EXTENSIONS)}")
-    with Image.open(source) as file:
-        _refuse_frames(file)
-        image = ImageOps.exif_transpose(file)
-        kept = _metadata(file, image)
-        picture = np.asarray(Image.fromarray(as_array(image)).convert("RGBA"))
+    picture, kept = _read(source)
     made = Image.fromarray(as_array(work(picture), "the look's result")).convert("RGBA")
     if made.getextrema()[3][0] == 255:
         made = made.convert("RGB")
@@ -228,6 +224,19 @@ def _process(source: Path, target: Path, work: Callable[[Array], Any], quality: 
     if kind in ("JPEG", "WEBP"):
         kept["quality"] = quality
     _write_whole(made, source, target, kind, kept)
+
+
+def _read(source: Path) -> Tuple[Array, Dict[str, Any]]:
+    """The picture in RGBA, and the metadata to write again."""
+    from PIL import Image, ImageOps, UnidentifiedImageError
+
+    try:
+        with Image.open(source) as file:
+            _refuse_frames(file)
+            image = ImageOps.exif_transpose(file)
+            return np.asarray(Image.fromarray(as_array(image)).convert("RGBA")), _metadata(file, image)
+    except UnidentifiedImageError:
+        raise ValueError("unrecognised picture format") from None
 
 
 def _refuse_frames(file: Any) -> None:
