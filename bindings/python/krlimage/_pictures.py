@@ -169,7 +169,7 @@ def in_form(pixels: Array, channels: int, order: int, method: str, target: Array
         if channels == 4 and order == _native.BGRA:
             return pixels
         shape = pixels.shape[:2] if channels == 1 else (*pixels.shape[:2], channels)
-        target = pixels if channels == 4 else np.empty(shape, np.uint8)
+        target = pixels if channels == 4 else _native.new_array(shape)
     _native.pack(pixels, target, order)
     return target
 

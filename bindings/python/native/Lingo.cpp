@@ -24,7 +24,8 @@ Bitmap bitmapOf(const Array& array) {
 }
 
 Array arrayOf(const Bitmap& bitmap) {
-    Array made({py::ssize_t{bitmap.height}, py::ssize_t{bitmap.width}, py::ssize_t{sizeof(Pixel)}});
+    Array made =
+        newArray({py::ssize_t{bitmap.height}, py::ssize_t{bitmap.width}, py::ssize_t{sizeof(Pixel)}});
     std::memcpy(made.mutable_data(), bitmap.pixels.data(), bitmap.pixels.size() * sizeof(Pixel));
     return made;
 }

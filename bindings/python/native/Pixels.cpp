@@ -83,7 +83,7 @@ void packRow(const uint8_t* from, uint8_t* to, AnyForm form, py::ssize_t width) 
 
 /// The picture as a new array in BGRA.
 Array unpack(const Array& source, int32_t order) {
-    Array made({source.shape(0), source.shape(1), py::ssize_t{4}});
+    Array made = newArray({source.shape(0), source.shape(1), py::ssize_t{4}});
     const View from = viewOf(source), to = viewOf(made);
     const py::gil_scoped_release unlocked;
     withForm(from, order, [&](auto form) {
@@ -123,6 +123,7 @@ int channelsNeeded(const Array& source) {
 }  // namespace
 
 void bindPixels(py::module_& module) {
+    module.def("new_array", newArray);
     module.def("unpack", unpack, py::arg().noconvert(), py::arg());
     module.def("pack", pack, py::arg().noconvert(), py::arg().noconvert(), py::arg());
     module.def("channels_needed", channelsNeeded, py::arg().noconvert());

@@ -46,6 +46,9 @@ bool isDirect(const Array& array);
 /// The picture that an array is. Throws `py::value_error` unless `isDirect`.
 krl_picture pictureOf(const Array& array, int32_t order);
 
+/// An array of bytes that are not set.
+Array newArray(const std::vector<py::ssize_t>& shape);
+
 /// What Python gets of a call: code, message, the script's error, and the entries of the result.
 py::tuple outcomeOf(const krl_result* result);
 
