@@ -4,9 +4,9 @@
     python3 bench/python/bench.py [--threads N] [--runs N] [--size WIDTH HEIGHT] [WORD...]
 
 Runs alternate between the libraries in one process; the table has medians in milliseconds and how long ours
-takes in relation to theirs. On one thread, the default, that is processor time, which other programs on the
-machine hardly disturb; otherwise it is time by the clock. Words choose rows. Libraries that are not installed
-are left out.
+takes in relation to theirs: with a new array for each result, and for OpenCV also with `out=` and `dst=` an array
+that is there. On one thread, the default, that is processor time, which other programs on the machine hardly
+disturb; otherwise it is time by the clock. Words choose rows. Libraries that are not installed are left out.
 """
 
 import argparse
@@ -47,7 +47,7 @@ class Scene:
         self.rgba = large
         self.bgra = np.ascontiguousarray(large[..., [2, 1, 0, 3]])
         self.rgb = np.ascontiguousarray(large[..., :3])
-        self.out = np.empty_like(self.bgra)
+        self.out, self.theirs = np.zeros_like(self.bgra), np.zeros_like(self.bgra)
         self.other = np.ascontiguousarray(self.bgra[::-1])
         self.other[..., 3] = 128
         self.image = Image.fromarray(self.rgb)
@@ -55,16 +55,27 @@ class Scene:
         self.other_image = Image.fromarray(np.ascontiguousarray(self.other[..., [2, 1, 0, 3]]))
         self.curve = np.clip(np.arange(256) * 1.4 - 50, 0, 255).astype(np.uint8)
         y, x = np.mgrid[0:height, 0:width].astype(np.float32)
-        dx, dy = x - width / 2, y - height / 2
-        angle = np.arctan2(dy, dx) + 1 - np.hypot(dx, dy) / max(width, height)
-        self.map_x = (width / 2 + np.hypot(dx, dy) * np.cos(angle)).astype(np.float32)
-        self.map_y = (height / 2 + np.hypot(dx, dy) * np.sin(angle)).astype(np.float32)
+        self.across, self.down = x - width / 2, y - height / 2
+        self.maps = self.twirl_maps() if cv2 else None
+
+    def twirl_maps(self):
+        """Where each pixel comes from, for OpenCV."""
+        height, width = self.across.shape
+        distance, angle = cv2.cartToPolar(self.across, self.down)
+        x, y = cv2.polarToCart(distance, angle + (height - distance) / (width / 2))
+        return x + width / 2, y + height / 2
 
 
-def cv_hue(s):
+def cv_hue(s, o):
     hsv = cv2.cvtColor(s.bgra, cv2.COLOR_BGR2HSV)
     hsv[..., 0] = cv2.add(hsv[..., 0], 20)
-    return cv2.cvtColor(hsv, cv2.COLOR_HSV2BGR)
+    return cv2.cvtColor(hsv, cv2.COLOR_HSV2BGR, dst=o, dstCn=4)
+
+
+def cv_hue_in_floats(s, o):
+    hsv = cv2.cvtColor(s.bgra[..., :3].astype(np.float32) / 255, cv2.COLOR_BGR2HSV)
+    hsv[..., 0] += 40
+    return cv2.convertScaleAbs(cv2.cvtColor(hsv, cv2.COLOR_HSV2BGR, dstCn=4), alpha=255, dst=o)
 
 
 def pil_hue(s):
@@ -78,51 +89,62 @@ def skimage_hue(s):
     return skimage.util.img_as_ubyte(skimage.color.hsv2rgb(hsv))
 
 
-def cv_sharpen(s):
-    return cv2.addWeighted(s.bgra, 1.8, cv2.GaussianBlur(s.bgra, (21, 21), 0), -0.8, 0)
+def cv_desaturate(s, o):
+    return cv2.cvtColor(cv2.cvtColor(s.bgra, cv2.COLOR_BGRA2GRAY), cv2.COLOR_GRAY2BGRA, dst=o)
 
 
-def cv_sobel(s):
+def cv_sharpen(s, o):
+    return cv2.addWeighted(s.bgra, 1.8, cv2.GaussianBlur(s.bgra, (21, 21), 0), -0.8, 0, dst=o)
+
+
+def cv_sobel(s, o):
     across, down = cv2.Sobel(s.bgra, cv2.CV_32F, 1, 0), cv2.Sobel(s.bgra, cv2.CV_32F, 0, 1)
-    return cv2.convertScaleAbs(cv2.magnitude(across, down))
+    return cv2.convertScaleAbs(cv2.magnitude(across, down), dst=o)
 
 
-def cv_noise(s):
+def cv_twirl(s, o):
+    return cv2.remap(s.bgra, *s.twirl_maps(), cv2.INTER_LINEAR, dst=o, borderMode=cv2.BORDER_REPLICATE)
+
+
+def cv_noise(s, o):
     noise = cv2.randu(np.empty_like(s.bgra), 0, 40)
-    return cv2.add(s.bgra, noise)
+    return cv2.add(s.bgra, noise, dst=o)
 
 
 # Work, ours, and the others' nearest operations; None where a library has nothing like it.
 ROWS = [
     ("curve", lambda s, o: krlimage.contrast(s.bgra, 1.4, order="BGR", out=o),
-     lambda s: cv2.LUT(s.bgra, s.curve), lambda s: s.image.point(list(s.curve) * 3),
+     lambda s, o: cv2.LUT(s.bgra, s.curve, dst=o), lambda s: s.image.point(list(s.curve) * 3),
      lambda s: skimage.exposure.adjust_gamma(s.rgb, 1.2)),
     ("constant added", lambda s, o: krlimage.brightness(s.bgra, 40, order="BGR", out=o),
-     lambda s: cv2.add(s.bgra, (40, 40, 40, 0)), lambda s: s.image.point(lambda level: level + 40),
-     None),
+     lambda s, o: cv2.add(s.bgra, (40, 40, 40, 0), dst=o), lambda s: s.image.point(lambda level: level + 40), None),
     ("invert", lambda s, o: krlimage.invert(s.bgra, order="BGR", out=o),
-     lambda s: cv2.bitwise_not(s.bgra), lambda s: ImageOps.invert(s.image), lambda s: skimage.util.invert(s.rgb)),
-    ("desaturate", lambda s, o: krlimage.desaturate(s.bgra, order="BGR", out=o),
-     lambda s: cv2.cvtColor(cv2.cvtColor(s.bgra, cv2.COLOR_BGRA2GRAY), cv2.COLOR_GRAY2BGRA),
+     lambda s, o: cv2.bitwise_not(s.bgra, dst=o), lambda s: ImageOps.invert(s.image),
+     lambda s: skimage.util.invert(s.rgb)),
+    ("desaturate", lambda s, o: krlimage.desaturate(s.bgra, order="BGR", out=o), cv_desaturate,
      lambda s: s.image.convert("L").convert("RGB"),
      lambda s: skimage.color.gray2rgb(skimage.util.img_as_ubyte(skimage.color.rgb2gray(s.rgb)))),
     ("hue", lambda s, o: krlimage.hueShift(s.bgra, 40, order="BGR", out=o), cv_hue, pil_hue, skimage_hue),
+    ("hue, theirs in floats", lambda s, o: krlimage.hueShift(s.bgra, 40, order="BGR", out=o), cv_hue_in_floats,
+     None, None),
     ("blur, radius 10", lambda s, o: krlimage.fastGaussianBlur(s.bgra, 10, order="BGR", out=o),
-     lambda s: cv2.GaussianBlur(s.bgra, (21, 21), 0), lambda s: s.image.filter(ImageFilter.GaussianBlur(5)),
+     lambda s, o: cv2.GaussianBlur(s.bgra, (21, 21), 0, dst=o), lambda s: s.image.filter(ImageFilter.GaussianBlur(5)),
      lambda s: skimage.filters.gaussian(s.rgb, 5, channel_axis=2)),
     ("sharpen, radius 10", lambda s, o: krlimage.sharpen(s.bgra, 10, 0.8, 0, order="BGR", out=o), cv_sharpen,
      lambda s: s.image.filter(ImageFilter.UnsharpMask(5, 80, 0)),
      lambda s: skimage.filters.unsharp_mask(s.rgb, 5, 0.8, channel_axis=2)),
-    ("minimum, 11 by 11", lambda s, o: krlimage.erosion(s.bgra, 5, order="BGR", out=o),
-     lambda s: cv2.erode(s.bgra, np.ones((11, 11), np.uint8)), lambda s: s.image.filter(ImageFilter.MinFilter(11)),
-     None),
+    ("maximum, 11 by 11", lambda s, o: krlimage.erosion(s.bgra, 5, order="BGR", out=o),
+     lambda s, o: cv2.dilate(s.bgra, np.ones((11, 11), np.uint8), dst=o),
+     lambda s: s.image.filter(ImageFilter.MaxFilter(11)), None),
     ("Sobel", lambda s, o: krlimage.sobel(s.bgra, order="BGR", out=o), cv_sobel,
      lambda s: s.image.filter(ImageFilter.FIND_EDGES), lambda s: skimage.filters.sobel(s.rgb)),
-    ("twirl", lambda s, o: krlimage.twirl(s.bgra, 60, order="BGR", out=o),
-     lambda s: cv2.remap(s.bgra, s.map_x, s.map_y, cv2.INTER_LINEAR), None,
+    ("twirl", lambda s, o: krlimage.twirl(s.bgra, 10, order="BGR", out=o), cv_twirl, None,
      lambda s: skimage.transform.swirl(s.rgb, strength=1, radius=2000)),
+    ("twirl, their map given", lambda s, o: krlimage.twirl(s.bgra, 10, order="BGR", out=o),
+     lambda s, o: cv2.remap(s.bgra, *s.maps, cv2.INTER_LINEAR, dst=o, borderMode=cv2.BORDER_REPLICATE), None,
+     None),
     ("alpha over", lambda s, o: krlimage.composite(s.bgra, s.other, "normal", order="BGR", out=o),
-     lambda s: cv2.addWeighted(s.bgra, 0.5, s.other, 0.5, 0),
+     lambda s, o: cv2.addWeighted(s.bgra, 0.5, s.other, 0.5, 0, dst=o),
      lambda s: Image.alpha_composite(s.image_rgba, s.other_image), None),
     ("blend, screen", lambda s, o: krlimage.composite(s.bgra, s.other, "screen", order="BGR", out=o),
      None, lambda s: ImageChops.screen(s.image_rgba, s.other_image), None),
@@ -147,12 +169,16 @@ def medians(jobs, runs, clock):
     return [statistics.median(found) * 1000 if found else None for found in times]
 
 
-def show(scene, work, ours, others, runs, clock):
-    jobs = [lambda: ours(scene, scene.out), lambda: ours(scene, None)]
+def cell(theirs, ours):
+    return "" if theirs is None else f"{theirs:.1f} ({ours / theirs:.2g})"
+
+
+def show(scene, work, ours, in_cv2, others, runs, clock):
+    jobs = [lambda: ours(scene, None), in_cv2 and (lambda: in_cv2(scene, None))]
     jobs += [other and (lambda other=other: other(scene)) for other in others]
-    into, new, *theirs = medians(jobs, runs, clock)
-    cells = [f"{into:.1f}", f"{new:.1f}"]
-    cells += ["" if time is None else f"{time:.1f} ({new / time:.2f})" for time in theirs]
+    jobs += [lambda: ours(scene, scene.out), in_cv2 and (lambda: in_cv2(scene, scene.theirs))]
+    new, cv2_new, *theirs, into, cv2_into = medians(jobs, runs, clock)
+    cells = [f"{new:.1f}", cell(cv2_new, new), *(cell(time, new) for time in theirs), f"{into:.1f}", cell(cv2_into, into)]
     print("| " + " | ".join([work, *cells]) + " |", flush=True)
 
 
@@ -188,17 +214,17 @@ def main():
     if cv2:
         cv2.setNumThreads(options.threads or os.cpu_count())
     clock = time.process_time if options.threads == 1 else time.perf_counter
-    present = [name for name, library in (("cv2", cv2), ("PIL", Image), ("skimage", skimage)) if library]
+    present = [name for name, library in (("PIL", Image), ("skimage", skimage)) if library]
     print(f"{options.size[0]} by {options.size[1]}, {options.threads or os.cpu_count()} threads, load "
-          f"{os.getloadavg()[0]:.1f}: milliseconds, and ours with a new array in relation to theirs\n")
-    print("| " + " | ".join(["work", "ours, out=", "ours, new", *present]) + " |")
-    print("|---" * (3 + len(present)) + "|")
+          f"{os.getloadavg()[0]:.1f}: milliseconds, and ours in relation to theirs\n")
+    heads = ["Work", "ours, new array", "cv2, new array", *present, "ours, `out=`", "cv2, `dst=`"]
+    print("| " + " | ".join(heads) + " |\n" + "|---" * len(heads) + "|")
     scene = Scene(*options.size)
-    for work, ours, *others in ROWS:
+    for work, ours, in_cv2, *others in ROWS:
         if options.words and not any(word in work for word in options.words):
             continue
-        usable = [other for other, library in zip(others, (cv2, Image, skimage)) if library]
-        show(scene, work, ours, usable, options.runs, clock)
+        usable = [other for other, library in zip(others, (Image, skimage)) if library]
+        show(scene, work, ours, in_cv2 if cv2 else None, usable, options.runs, clock)
     if options.threads == 1:
         overhead()
 
