@@ -269,7 +269,7 @@ def _write_whole(image: Any, source: Path, target: Path, kind: str, options: Dic
     A file that is replaced keeps its permissions; of a new one, nobody is let in whom the picture keeps out.
     """
     permissions = source.stat().st_mode & 0o666 | 0o600
-    unfinished = target.with_name(f".{uuid.uuid4().hex}{target.suffix}")
+    unfinished = target.with_name(f".{target.name}.{uuid.uuid4().hex[:8]}")
     try:
         with open(unfinished, "xb", opener=lambda path, flags: os.open(path, flags, permissions)) as file:
             if target.is_file():
