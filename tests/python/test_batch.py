@@ -165,7 +165,7 @@ def test_pages_are_not_lost_in_silence(tmp_path, picture):
     page = Image.fromarray(picture)
     page.save(tmp_path / "two.tif", save_all=True, append_images=[page])
     result = krlimage.batch(tmp_path / "two.tif", "sepia", tmp_path / "out.tif")
-    assert result.failed[tmp_path / "two.tif"].startswith("has 2 pages or frames; expected one")
+    assert result.failed[tmp_path / "two.tif"].startswith("has 2 pages or frames, of which batch would keep one; ")
     assert not (tmp_path / "out.tif").exists()
 
 

@@ -243,7 +243,7 @@ def _refuse_frames(file: Any) -> None:
     """Only the first would be left. The further pictures of a camera's JPEG are previews."""
     frames = getattr(file, "n_frames", 1)
     if frames > 1 and file.format != "MPO":
-        raise ValueError(f"has {frames} pages or frames; expected one, as krlimage apply keeps them and batch does not")
+        raise ValueError(f"has {frames} pages or frames, of which batch would keep one; krlimage apply keeps all")
 
 
 def _metadata(file: Any, upright: Any) -> Dict[str, Any]:
