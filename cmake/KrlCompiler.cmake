@@ -20,6 +20,14 @@ endif()
 find_package(Threads REQUIRED)
 target_link_libraries(krl_compiler INTERFACE Threads::Threads)
 
+# Reads headers that most files of a target include once for all of them, which halves the time that the engine
+# takes. Every file still includes what it uses: the release build does without. A compiler cache would not work.
+function(krl_precompile target)
+  if(KRL_PRECOMPILED AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+  endif()
+endfunction()
+
 # Collects sources by folder, so that a new source file needs no entry anywhere.
 function(krl_sources variable)
   set(found "")
