@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "player/cli/ApplyOptions.h"
+#include "player/cli/Sequence.h"
 
 namespace krl::player {
 
@@ -13,6 +14,9 @@ BatchParts::BatchParts(std::vector<std::filesystem::path> named, const ApplyOpti
     const auto isStream = [](const std::filesystem::path& input) { return isStandardStream(input); };
     if (isStream(options.inputList) && std::any_of(named_.begin(), named_.end(), isStream))
         throw UsageError("standard input is either a picture or, with --from -, a list");
+    if (shard_ && Sequence::named(options.output))
+        throw UsageError(
+            "numbered outputs count the pictures of a list in one run, and --shard makes several");
     list_ = std::make_unique<InputList>(options.inputList, options.endsWithZero ? '\0' : '\n');
 }
 
@@ -37,6 +41,8 @@ void BatchParts::requireOutputsOfTheirOwn() const {
     if (options_.inPlace && options_.output.empty()) return;
     if (options_.root.empty())
         throw UsageError(size + "needs --root DIR, which keeps the place of its pictures below DIR in OUT");
+    if (Sequence::named(options_.output))
+        throw UsageError(size + "needs a folder as output, since numbers are counted within a part");
     const std::string& pattern = options_.nameTemplate;
     if (!pattern.empty() && pattern.find("{folder}") == std::string::npos)
         throw UsageError(size + "needs {folder} in --name");
