@@ -15,7 +15,7 @@ constexpr uint64_t kBytesPerPixel = 16;
 constexpr uint64_t kBytesPerPicture = 8u << 20;
 
 /// The number after a word in a file of the system, or the first one.
-std::optional<uint64_t> numberIn(const char* file, const std::string& after) {
+std::optional<uint64_t> numberIn(const std::filesystem::path& file, const std::string& after = "") {
     std::ifstream words(file);
     std::string word;
     while (!after.empty() && words >> word && word != after) continue;
@@ -30,11 +30,15 @@ uint64_t workingMemory(const PictureSize& size) {
     return kBytesPerPicture + pixels * static_cast<uint64_t>(size.frames) * kBytesPerPixel;
 }
 
-uint64_t availableMemory() {
-    const uint64_t system = numberIn("/proc/meminfo", "MemAvailable:").value_or(0) * 1024;
-    const auto most = numberIn("/sys/fs/cgroup/memory.max", "");
-    const auto used = numberIn("/sys/fs/cgroup/memory.current", "");
-    return most && used ? std::min(system, *most - std::min(*used, *most)) : system;
+uint64_t availableMemory(const std::filesystem::path& root) {
+    const uint64_t system = numberIn(root / "proc/meminfo", "MemAvailable:").value_or(0) * 1024;
+    const std::filesystem::path container = root / "sys/fs/cgroup";
+    const auto most = numberIn(container / "memory.max"), used = numberIn(container / "memory.current");
+    if (!most || !used) return system;
+    // Files that were read count as used, but make room for others.
+    const uint64_t files = numberIn(container / "memory.stat", "inactive_file").value_or(0);
+    const uint64_t held = *used - std::min(files, *used);
+    return std::min(system, *most - std::min(held, *most));
 }
 
 MemoryGate::Share::~Share() {

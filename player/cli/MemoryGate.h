@@ -2,6 +2,7 @@
 
 #include <condition_variable>
 #include <cstdint>
+#include <filesystem>
 #include <mutex>
 
 #include "player/pictures/PictureFiles.h"
@@ -11,8 +12,9 @@ namespace krl::player {
 /// About how much memory a picture takes from reading to writing.
 uint64_t workingMemory(const PictureSize& size);
 
-/// The memory that the system can still give, within the limit of a container; 0 where it does not say.
-uint64_t availableMemory();
+/// The memory that the system can still give, within the limit of a container; 0 where it does not say. Its
+/// files are below `root`.
+uint64_t availableMemory(const std::filesystem::path& root = "/");
 
 /// Holds pictures back while those in progress take as much memory as they may.
 class MemoryGate {

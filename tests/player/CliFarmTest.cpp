@@ -384,6 +384,20 @@ TEST(Memory, HoldsPicturesBackWhileItIsTaken) {
 
 TEST(Memory, OfTheSystemIsKnown) { EXPECT_GT(availableMemory(), uint64_t{1} << 20); }
 
+TEST_F(Farm, TakesTheMemoryOfItsContainer) {
+    fs::create_directories(folder / "proc");
+    fs::create_directories(folder / "sys/fs/cgroup");
+    text("proc/meminfo", "MemTotal:  900 kB\nMemFree:  10 kB\nMemAvailable:  500 kB\n");
+    EXPECT_EQ(availableMemory(folder), 512000u);
+    text("sys/fs/cgroup/memory.max", "max\n");
+    text("sys/fs/cgroup/memory.current", "300000\n");
+    EXPECT_EQ(availableMemory(folder), 512000u) << "a container without a limit";
+    text("sys/fs/cgroup/memory.max", "400000\n");
+    EXPECT_EQ(availableMemory(folder), 100000u);
+    text("sys/fs/cgroup/memory.stat", "anon 50000\nfile 250000\ninactive_file 200000\n");
+    EXPECT_EQ(availableMemory(folder), 300000u) << "files that were read can be dropped";
+}
+
 TEST_F(Farm, WorksWithinItsMemory) {
     pictures(4);
     EXPECT_EQ(apply({"--memory", "1M", "-j", "4"}).code, 0);
