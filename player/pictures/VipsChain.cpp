@@ -3,7 +3,6 @@
 #if defined(KRL_WITH_VIPS)
 
 #include <dlfcn.h>
-#include <gmodule.h>
 
 #include <filesystem>
 #include <mutex>
@@ -40,7 +39,7 @@ void loadVipsModule(const char* name) {
     static std::set<std::string> loaded;
     const std::lock_guard lock(guard);
     Dl_info library{};
-    if (!loaded.insert(name).second || ::dladdr(reinterpret_cast<void*>(&vips_init), &library) == 0) return;
+    if (!loaded.insert(name).second || ::dladdr(vipsSymbol("vips_init"), &library) == 0) return;
     const std::filesystem::path folder =
         std::filesystem::path(library.dli_fname).parent_path() /
         ("vips-modules-" + std::to_string(vips_version(0)) + '.' + std::to_string(vips_version(1)));
@@ -54,7 +53,7 @@ void startVips() {
     std::call_once(started, [] {
         const WithoutModules quick;
         g_setenv("VIPS_WARNING", "0", TRUE);
-        if (VIPS_INIT("krlimage")) throw PictureError("cannot initialise libvips");
+        if (vips_init("krlimage")) throw PictureError("cannot initialise libvips");
         vips_block_untrusted_set(TRUE);
         vips_concurrency_set(1);  // parallelism is across pictures, not within one
         vips_cache_set_max(0);

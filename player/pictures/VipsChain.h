@@ -2,14 +2,13 @@
 
 #if defined(KRL_WITH_VIPS)
 
-#include <vips/vips.h>
-
 #include <mutex>
 #include <shared_mutex>
 #include <string>
 #include <utility>
 
 #include "player/pictures/Picture.h"
+#include "player/pictures/VipsLibrary.h"
 
 /// What reading and writing with libvips share.
 namespace krl::player {
