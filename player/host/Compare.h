@@ -22,8 +22,8 @@ bool equal(const SymbolTable& symbols, const Value& a, const Value& b);
 /// Negative, 0 or positive by the order of `sort`.
 int compare(const SymbolTable& symbols, const Value& a, const Value& b);
 
-/// The entry under `key`, or null. A string is found as it is spelled; without such an entry, a string finds the
-/// symbol of that name and a symbol the string.
+/// The entry under `key`, or null. A string is found as it is spelled; without such an entry, a string finds
+/// the symbol of that name and a symbol the string.
 const PropertyListObject::Entry* findEntry(const SymbolTable& symbols, const PropertyListObject& list,
                                            const Value& key);
 

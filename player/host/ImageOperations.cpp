@@ -31,7 +31,7 @@ HostStatus KRL_HOST_CALL createImage(HostInterface* self, int32_t width, int32_t
 /// Where the image's pixels can be read and written until it is unlocked.
 uint8_t* pixelsOf(ImageObject& image) {
     if (image.depth == 32) return reinterpret_cast<uint8_t*>(image.bitmap.row(0));
-    if (image.locks == 0) image.shallowRows = shallowRows(image.bitmap, image.depth);
+    if (image.locks == 0) image.shallowRows = shallowRows(image.bitmap, image.format());
     return image.shallowRows.data();
 }
 
@@ -53,7 +53,7 @@ HostStatus KRL_HOST_CALL unlockImage(HostInterface* self, const ScriptValue* val
     if (HostStatus status = imageOf(self, value, image)) return status;
     if (image->locks == 0) return kNotLocked;
     if (--image->locks == 0 && image->depth != 32) {
-        takeShallowRows(image->shallowRows, image->depth, image->bitmap);
+        takeShallowRows(image->shallowRows, image->format(), image->bitmap);
         image->shallowRows = {};
     }
     hostOf(self).countLock(-1);
@@ -70,7 +70,7 @@ HostStatus KRL_HOST_CALL queryImage(HostInterface* self, const ScriptValue* valu
 
 }  // namespace
 
-Value makeImage(Heap& heap, int64_t width, int64_t height, int32_t depth) {
+Value makeImage(Heap& heap, int64_t width, int64_t height, int32_t depth, Palette palette) {
     if (width < 1 || height < 1)
         throw HostError("an image must be at least 1 pixel wide and high, not " + std::to_string(width) +
                         " by " + std::to_string(height));
@@ -81,7 +81,7 @@ Value makeImage(Heap& heap, int64_t width, int64_t height, int32_t depth) {
     constexpr Pixel kWhite = {255, 255, 255, 255};
     Bitmap white{static_cast<int32_t>(width), static_cast<int32_t>(height),
                  std::vector<Pixel>(static_cast<size_t>(width * height), kWhite), nullptr};
-    return heap.make<ImageObject>(std::move(white), depth);
+    return heap.make<ImageObject>(std::move(white), depth, palette);
 }
 
 void fillImageOperations(Service& service) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "player/host/Heap.h"
+#include "player/host/ShallowImage.h"
 #include "player/pictures/Picture.h"
 
 /// The heap objects shared by the plug-in and scripts.
@@ -100,21 +101,26 @@ using RectObject = CoordinatesObject<Kind::Rect, 4>;
 /// An image. Its pixels never move. A lock keeps it alive, since the plug-in may hold only the address.
 struct ImageObject : Object {
     static constexpr Kind kKind = Kind::Image;
-    explicit ImageObject(Bitmap pixels, int32_t bitsPerPixel = 32)
-        : bitmap(std::move(pixels)), depth(bitsPerPixel) {}
+    explicit ImageObject(Bitmap pixels, int32_t bitsPerPixel = 32, Palette colours = Palette::System)
+        : bitmap(std::move(pixels)), depth(bitsPerPixel), palette(colours) {}
     size_t bytes() const override { return sizeof(*this) + bitmap.pixels.capacity() * sizeof(Pixel); }
     int32_t width() const { return bitmap.width; }
     int32_t height() const { return bitmap.height; }
     bool holds(int64_t x, int64_t y) const { return x >= 0 && y >= 0 && x < width() && y < height(); }
 
-    Bitmap bitmap;
-    int32_t depth;  ///< 8 (the three colour bytes are equal), 16, 24 or 32; only 32 has alpha
+    bool isIndexed() const { return depth <= 8; }
+    PixelFormat format() const { return {depth, palette}; }
+
+    Bitmap bitmap;    ///< in the colours that the format has
+    int32_t depth;    ///< 1, 2, 4, 8, 16, 24 or 32; only 32 has alpha
+    Palette palette;  ///< up to 8 bits
     bool useAlpha = true;
     int32_t locks = 0;
     std::vector<uint8_t> shallowRows{};  ///< what a lock of fewer than 32 bits shows
 };
 
 /// A white, opaque image. Throws `HostError` for a side below 1, more than 2 GiB or too little memory.
-Value makeImage(Heap& heap, int64_t width, int64_t height, int32_t depth = 32);
+Value makeImage(Heap& heap, int64_t width, int64_t height, int32_t depth = 32,
+                Palette palette = Palette::System);
 
 }  // namespace krl::player

@@ -70,7 +70,8 @@ public:
     static Value colour(Colour colour, ColourForm form, uint8_t index = 0) {
         const uint32_t beside = static_cast<uint32_t>(form) << 8 | index;
         return Value(wordsOf(Kind::Colour, beside, colour.word & 0xFFFFFFu));
-    }  /// VOID as in a variable that was never assigned.
+    }
+    /// VOID as in a variable that was never assigned.
     static Value unassigned() { return Value(wordsOf(Kind::Void, 0, 1)); }
     /// Takes over the reference of `words`.
     static Value adopting(Heap& heap, ScriptValue words) {

@@ -64,7 +64,11 @@ void setMaskOffset(const Runtime&, CopyOptions& options, const Value& value) {
     options.maskY = numberUnder("maskOffset", point->values[1]);
 }
 
-/// For images of fewer colours, and for speed, of which there is enough.
+void setFastQuads(const Runtime&, CopyOptions& options, const Value& value) {
+    options.bilinear = truthOf(value);
+}
+
+/// The nearest colour is always taken.
 void ignore(const Runtime&, CopyOptions&, const Value&) {}
 
 struct Option {
@@ -81,7 +85,7 @@ constexpr Option kOptions[] = {
     {"maskImage", setMask},
     {"maskOffset", setMaskOffset},
     {"dither", ignore},
-    {"useFastQuads", ignore},
+    {"useFastQuads", setFastQuads},
 };
 
 }  // namespace

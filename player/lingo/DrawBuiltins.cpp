@@ -20,15 +20,15 @@ constexpr double kCornerRadius = 8;
 /// What the last argument says: a colour, or a list of options.
 struct Pen {
     ShapeType shape;
-    Colour colour, border;
+    Pixel colour, border;
     int32_t lineSize = 0;
 };
 
-Colour colourIn(const Arguments& arguments, const char* name, const Value& value) {
+Pixel colourIn(const Arguments& arguments, const char* name, const Value& value) {
     if (!value.is(Kind::Colour))
         throw HostError(std::string(arguments.function()) + ": expected a colour under #" + name + ", not " +
                         kindName(value.kind()));
-    return value.colour();
+    return pixelFor(arguments.object<ImageObject>(0), value);
 }
 
 ShapeType shapeIn(const Runtime& runtime, const Arguments& arguments, const Value& value) {
@@ -41,10 +41,12 @@ ShapeType shapeIn(const Runtime& runtime, const Arguments& arguments, const Valu
 }
 
 Pen penOf(const Runtime& runtime, const Arguments& arguments, size_t last, ShapeType usual) {
-    Pen pen{usual, Colour(0, 0, 0), Colour(0, 0, 0), usual == ShapeType::Line ? 1 : 0};
+    constexpr Pixel kBlack{0, 0, 0, 255};
+    Pen pen{usual, kBlack, kBlack, usual == ShapeType::Line ? 1 : 0};
     const auto* list = arguments[last].as<PropertyListObject>();
     if (!list) {
-        pen.colour = pen.border = arguments.colour(last);
+        if (!arguments[last].is(Kind::Colour)) arguments.mismatch(last, "a colour or a property list");
+        pen.colour = pen.border = pixelFor(arguments.object<ImageObject>(0), arguments[last]);
         return pen;
     }
     bool bordered = false;
@@ -80,8 +82,8 @@ bool within(ShapeType shape, double x, double y, double width, double height) {
     return acrossBy * acrossBy + downBy * downBy <= 1;
 }
 
-void paint(Pixel& pixel, Colour colour) {
-    pixel = {colour.blue(), colour.green(), colour.red(), pixel.alpha};
+void paint(Pixel& pixel, const Pixel& colour) {
+    pixel = {colour.blue, colour.green, colour.red, pixel.alpha};
 }
 
 /// The border belongs to the shape; its inside is left alone unless it is filled.
@@ -135,10 +137,12 @@ PixelRect areaOf(const Arguments& arguments, size_t& last) {
 }
 
 void paintWith(ImageObject& picture, const PixelRect& area, const Pen& pen, bool filled) {
-    if (pen.shape == ShapeType::Line)
-        paintLine(picture, area, pen);
-    else
+    if (pen.shape != ShapeType::Line) {
         paintShape(picture, area, pen, filled);
+        return settle(picture, area);
+    }
+    paintLine(picture, area, pen);
+    settle(picture, boundsOf(picture));
 }
 
 Value fill(Runtime& runtime, const Arguments& arguments) {

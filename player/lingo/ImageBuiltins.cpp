@@ -21,13 +21,19 @@ Value imageNamed(Runtime& runtime, const std::string& name) {
     return runtime.heap.make<ImageObject>(readCheckedPicture(runtime.sandbox.toRead(name)));
 }
 
-/// `image("file")` reads one, `image(width, height, depth)` creates a white one.
+constexpr int32_t kDepths[] = {1, 2, 4, 8, 16, 24, 32};
+
+/// `image("file")` reads one; `image(width, height, depth, palette)`, with the depth of alpha before the
+/// palette or not, creates a white one.
 Value image(Runtime& runtime, const Arguments& arguments) {
     if (arguments.count() == 1) return imageNamed(runtime, arguments.text(0));
     const int32_t depth = arguments.has(2) ? arguments.integer(2) : 32;
-    if (depth != 8 && depth != 16 && depth != 24 && depth != 32)
-        throw HostError("image: expected a depth of 8, 16, 24 or 32, not " + std::to_string(depth));
-    return makeImage(runtime.heap, arguments.integer(0), arguments.integer(1), depth);
+    if (std::find(std::begin(kDepths), std::end(kDepths), depth) == std::end(kDepths))
+        throw HostError("image: expected a depth of 1, 2, 4, 8, 16, 24 or 32, not " + std::to_string(depth));
+    const size_t last = arguments.count() - 1;
+    const bool named = last > 2 && !arguments[last].isNumber() && arguments.has(last);
+    return makeImage(runtime.heap, arguments.integer(0), arguments.integer(1), depth,
+                     named ? paletteNamed(runtime, arguments[last]) : Palette::System);
 }
 
 Value save(Runtime& runtime, const Arguments& arguments) {
@@ -69,29 +75,33 @@ Value getPixel(Runtime& runtime, const Arguments& arguments) {
     if (!pixel) return Value::integer(0);
     const bool whole =
         arguments[next].is(Kind::Symbol) && arguments[next].symbol() == runtime.symbols.identifier("integer");
-    if (whole) return Value::integer(picture.depth == 8 ? pixel->blue : packed(*pixel));
-    return Value::colour(Colour(pixel->red, pixel->green, pixel->blue));
+    const Colour colour(pixel->red, pixel->green, pixel->blue);
+    if (!picture.isIndexed()) return whole ? Value::integer(packed(*pixel)) : Value::colour(colour);
+    const uint8_t index = indexOf(picture, *pixel);
+    return whole ? Value::integer(index) : Value::colour(colour, ColourForm::PaletteIndex, index);
 }
 
-/// A colour leaves alpha unchanged, an integer sets all four bytes; in a mask both become grey.
+/// A colour leaves alpha unchanged, an integer sets all four bytes or the index.
 Value setPixel(Runtime&, const Arguments& arguments) {
     auto& picture = arguments.object<ImageObject>(0);
     size_t next;
     Pixel* pixel = pixelAt(arguments, picture, next);
     if (!pixel) return Value::truth(false);
-    if (picture.depth == 8) {
-        const int32_t level =
-            arguments[next].isInteger() ? arguments.integer(next) : arguments.colour(next).red();
-        const uint8_t grey = clampByte(level);
-        *pixel = {grey, grey, grey, kOpaque};
+    if (arguments[next].isInteger() && picture.isIndexed()) {
+        *pixel = paletteColour(picture.palette, picture.depth, clampByte(arguments.integer(next)));
     } else if (arguments[next].isInteger()) {
         const auto word = static_cast<uint32_t>(arguments.integer(next));
         const auto byte = [word](int shift) { return static_cast<uint8_t>(word >> shift); };
         *pixel = {byte(0), byte(8), byte(16), picture.depth == 32 ? byte(24) : uint8_t{kOpaque}};
     } else {
-        const Colour colour = arguments.colour(next);
-        *pixel = {colour.blue(), colour.green(), colour.red(), pixel->alpha};
+        if (!arguments[next].is(Kind::Colour)) arguments.mismatch(next, "a colour or an integer");
+        const uint8_t alpha = pixel->alpha;
+        *pixel = pixelFor(picture, arguments[next]);
+        pixel->alpha = alpha;
     }
+    const auto place = pixel - picture.bitmap.pixels.data();
+    const int64_t x = place % picture.width(), y = place / picture.width();
+    settle(picture, {x, y, x + 1, y + 1});
     return Value::truth(true);
 }
 
@@ -124,15 +134,12 @@ Value copyPixelsOver(Runtime& runtime, const Arguments& arguments) {
     return Value();
 }
 
-/// An 8-bit image with one level for each pixel.
+/// An image of 8 bits in greys with one index for each pixel.
 template <class Level>
 Value maskFrom(Runtime& runtime, const ImageObject& picture, Level&& level) {
-    Value made = makeImage(runtime.heap, picture.width(), picture.height(), 8);
+    Value made = makeImage(runtime.heap, picture.width(), picture.height(), 8, Palette::Greys);
     std::vector<Pixel>& mask = made.as<ImageObject>()->bitmap.pixels;
-    for (size_t i = 0; i < mask.size(); ++i) {
-        const uint8_t grey = level(i);
-        mask[i] = {grey, grey, grey, kOpaque};
-    }
+    for (size_t i = 0; i < mask.size(); ++i) mask[i] = paletteColour(Palette::Greys, 8, level(i));
     return made;
 }
 
@@ -165,7 +172,9 @@ Value flood(Runtime&, const Arguments& arguments) {
     const auto* point = arguments[1].as<PointObject>();
     const int32_t x = byPoint ? whole(point->values[0]) : arguments.integer(1);
     const int32_t y = byPoint ? whole(point->values[1]) : arguments.integer(2);
-    floodFill(picture, x, y, arguments.colour(byPoint ? 2 : 3));
+    const size_t last = byPoint ? 2 : 3;
+    if (!arguments[last].is(Kind::Colour)) arguments.mismatch(last, "a colour");
+    floodFill(picture, x, y, arguments[last]);
     return Value();
 }
 
@@ -199,12 +208,12 @@ Value setAlpha(Runtime&, const Arguments& arguments) {
     }
     const auto& mask = arguments.object<ImageObject>(1);
     const bool fits = mask.depth == 8 && mask.width() == picture.width() && mask.height() == picture.height();
-    for (size_t i = 0; fits && i < pixels.size(); ++i) pixels[i].alpha = mask.bitmap.pixels[i].blue;
+    for (size_t i = 0; fits && i < pixels.size(); ++i) pixels[i].alpha = indexOf(mask, mask.bitmap.pixels[i]);
     return Value::truth(fits);
 }
 
 constexpr Builtin kBuiltins[] = {
-    {"image", 1, 4, image},
+    {"image", 1, 5, image},
     {"save", 2, 2, save},
     {"getPixel", 2, 4, getPixel},
     {"setPixel", 3, 4, setPixel},

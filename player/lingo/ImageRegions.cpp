@@ -55,19 +55,20 @@ std::vector<bool> matteOf(const ImageObject& image, int32_t level) {
     return shown;
 }
 
-void floodFill(ImageObject& image, int32_t x, int32_t y, Colour colour) {
+void floodFill(ImageObject& image, int32_t x, int32_t y, const Value& colour) {
     if (!image.holds(x, y)) return;
-    const Pixel old = image.bitmap.row(y)[x];
+    const Pixel old = image.bitmap.row(y)[x], made = pixelFor(image, colour);
     const auto same = [](const Pixel& a, const Pixel& b) {
         return a.blue == b.blue && a.green == b.green && a.red == b.red;
     };
-    if (same(old, {colour.blue(), colour.green(), colour.red(), 0})) return;
+    if (same(old, made)) return;
     spread(
         image, x, y, [&](int32_t atX, int32_t atY) { return same(image.bitmap.row(atY)[atX], old); },
         [&](int32_t atX, int32_t atY) {
             Pixel& pixel = image.bitmap.row(atY)[atX];
-            pixel = {colour.blue(), colour.green(), colour.red(), pixel.alpha};
+            pixel = {made.blue, made.green, made.red, pixel.alpha};
         });
+    settle(image, boundsOf(image));
 }
 
 PixelRect inkedPart(const ImageObject& image) {

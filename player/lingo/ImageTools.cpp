@@ -4,13 +4,15 @@
 #include <cmath>
 
 #include "core/Numbers.h"
+#include "player/host/Compare.h"
+#include "player/host/HostError.h"
 #include "player/lingo/Arithmetic.h"
 
 namespace krl::player {
 
 namespace {
 
-constexpr int32_t kFull = 255;
+constexpr uint8_t kFull = 255;
 
 /// `a * b / 255`, rounded.
 int32_t scaled(int32_t a, int32_t b) { return (a * b + 127) / 255; }
@@ -23,7 +25,7 @@ void layOver(Pixel& lower, const Pixel& upper, int32_t strength, bool lowerUsesA
     for (size_t channel = 0; channel < 3; ++channel)
         lower[channel] =
             static_cast<uint8_t>((upper[channel] * strength + lower[channel] * below + whole / 2) / whole);
-    if (lowerUsesAlpha) lower.alpha = static_cast<uint8_t>(std::min(whole, kFull));
+    if (lowerUsesAlpha) lower.alpha = static_cast<uint8_t>(std::min<int32_t>(whole, kFull));
 }
 
 /// For each target coordinate, the nearest source coordinate.
@@ -40,11 +42,11 @@ std::vector<int32_t> sourcePlaces(int64_t to, int64_t toLength, int64_t from, in
 int32_t maskLevel(const CopyOptions& options, int32_t x, int32_t y) {
     const int64_t maskX = int64_t{x} - options.maskX, maskY = int64_t{y} - options.maskY;
     if (!options.mask->holds(maskX, maskY)) return 0;
-    return options.mask->bitmap.row(static_cast<int32_t>(maskY))[maskX].blue;
+    return indexOf(*options.mask, options.mask->bitmap.row(static_cast<int32_t>(maskY))[maskX]);
 }
 
 Value copyOfPart(Runtime& runtime, const ImageObject& image, const PixelRect& part) {
-    Value made = makeImage(runtime.heap, part.width(), part.height(), image.depth);
+    Value made = makeImage(runtime.heap, part.width(), part.height(), image.depth, image.palette);
     auto& copy = *made.as<ImageObject>();
     const PixelRect seen = part.within(boundsOf(image));
     for (int64_t y = seen.top; y < seen.bottom && !seen.empty(); ++y)
@@ -67,6 +69,42 @@ PixelRect pixelRectOf(const RectObject& rect) {
         return value.isInteger() ? value.integer() : rounded(value.number());
     };
     return {whole(rect.values[0]), whole(rect.values[1]), whole(rect.values[2]), whole(rect.values[3])};
+}
+
+namespace {
+
+constexpr std::pair<const char*, Palette> kPalettes[] = {{"systemMac", Palette::System},
+                                                         {"grayscale", Palette::Greys}};
+
+}  // namespace
+
+Palette paletteNamed(const Runtime& runtime, const Value& name) {
+    const std::string wanted = runtime.plain(name);
+    for (const auto& [known, palette] : kPalettes)
+        if (name.is(Kind::Symbol) && compareText(wanted, known) == 0) return palette;
+    throw HostError("expected the palette #systemMac or #grayscale, not " + shownText(runtime.style(), name));
+}
+
+const char* paletteName(Palette palette) { return kPalettes[static_cast<size_t>(palette)].first; }
+
+Pixel pixelFor(const ImageObject& image, const Value& value) {
+    if (image.isIndexed() && value.colourForm() == ColourForm::PaletteIndex)
+        return paletteColour(image.palette, image.depth, value.paletteIndex());
+    const Colour colour = value.colour();
+    return {colour.blue(), colour.green(), colour.red(), kFull};
+}
+
+uint8_t indexOf(const ImageObject& image, const Pixel& pixel) {
+    const bool grey = image.depth == 8 && image.palette == Palette::Greys;
+    if (grey || !image.isIndexed()) return static_cast<uint8_t>(kFull - pixel.blue);
+    return nearestIndex(image.palette, image.depth, pixel);
+}
+
+void settle(ImageObject& image, const PixelRect& part) {
+    const PixelRect seen = part.within(boundsOf(image));
+    if (seen.empty()) return;
+    settle(image.bitmap, image.format(), static_cast<int32_t>(seen.left), static_cast<int32_t>(seen.top),
+           static_cast<int32_t>(seen.right), static_cast<int32_t>(seen.bottom));
 }
 
 Value duplicateImage(Runtime& runtime, const ImageObject& image) {
@@ -129,9 +167,9 @@ private:
 
 /// The map from a quad to the unit square, in perspective: the inverse of the map that takes the corners of
 /// the square to those of the quad.
-class QuadMap {
+class PerspectiveMap {
 public:
-    explicit QuadMap(const Quad& quad) {
+    explicit PerspectiveMap(const Quad& quad) {
         const auto [x0, y0] = quad[0];
         const auto [x1, y1] = quad[1];
         const auto [x2, y2] = quad[2];
@@ -159,11 +197,60 @@ private:
     std::array<double, 9> inverse_;
 };
 
+/// The map from a quad to the unit square in which the sides are divided evenly: a quicker draw of quads that
+/// are nearly parallelograms.
+class BilinearMap {
+public:
+    explicit BilinearMap(const Quad& quad)
+        : corner_(quad[0]),
+          across_(difference(quad[1], quad[0])),
+          down_(difference(quad[3], quad[0])),
+          bend_(difference(difference(quad[2], quad[1]), down_)) {}
+
+    /// False where the map has no value. `v` solves a quadratic equation.
+    bool at(double x, double y, double& u, double& v) const {
+        const Vector from = difference({x, y}, corner_);
+        const double a = cross(bend_, down_), c = cross(from, across_);
+        const double b = cross(across_, down_) + cross(from, bend_);
+        if (a == 0) {
+            if (b == 0) return false;
+            v = -c / b;
+        } else {
+            const double root = std::sqrt(b * b - 4 * a * c);
+            v = (-b - root) / (2 * a);
+            if (!(v >= 0 && v < 1)) v = (-b + root) / (2 * a);
+        }
+        const Vector side = {across_[0] + bend_[0] * v, across_[1] + bend_[1] * v};
+        const size_t axis = std::fabs(side[0]) > std::fabs(side[1]) ? 0 : 1;
+        if (side[axis] == 0) return false;
+        u = (from[axis] - down_[axis] * v) / side[axis];
+        return !std::isnan(v);
+    }
+
+private:
+    using Vector = std::array<double, 2>;
+    static Vector difference(const Vector& a, const Vector& b) { return {a[0] - b[0], a[1] - b[1]}; }
+    static double cross(const Vector& a, const Vector& b) { return a[0] * b[1] - a[1] * b[0]; }
+
+    Vector corner_, across_, down_, bend_;
+};
+
 PixelRect boundsOf(const Quad& quad) {
     const auto [left, right] = std::minmax({quad[0][0], quad[1][0], quad[2][0], quad[3][0]});
     const auto [top, bottom] = std::minmax({quad[0][1], quad[1][1], quad[2][1], quad[3][1]});
     return {truncate(std::floor(left)), truncate(std::floor(top)), truncate(std::ceil(right)),
             truncate(std::ceil(bottom))};
+}
+
+template <class Map>
+void layThrough(const Map& map, const Brush& brush, ImageObject& target, const PixelRect& seen) {
+    for (int64_t y = seen.top; y < seen.bottom; ++y) {
+        Pixel* out = target.bitmap.row(static_cast<int32_t>(y));
+        for (int64_t x = seen.left; x < seen.right; ++x) {
+            double u = 0, v = 0;
+            if (map.at(double(x) + 0.5, double(y) + 0.5, u, v)) brush.layShare(out[x], u, v);
+        }
+    }
 }
 
 }  // namespace
@@ -173,14 +260,11 @@ void copyIntoQuad(ImageObject& target, const ImageObject& source, const Quad& to
     const PixelRect seen = boundsOf(to).within(boundsOf(target));
     if (seen.empty() || from.empty()) return;
     const Brush brush(target, source, from, options);
-    const QuadMap map(to);
-    for (int64_t y = seen.top; y < seen.bottom; ++y) {
-        Pixel* out = target.bitmap.row(static_cast<int32_t>(y));
-        for (int64_t x = seen.left; x < seen.right; ++x) {
-            double u = 0, v = 0;
-            if (map.at(double(x) + 0.5, double(y) + 0.5, u, v)) brush.layShare(out[x], u, v);
-        }
-    }
+    if (options.bilinear)
+        layThrough(BilinearMap(to), brush, target, seen);
+    else
+        layThrough(PerspectiveMap(to), brush, target, seen);
+    settle(target, seen);
 }
 
 void copyPixels(ImageObject& target, const ImageObject& source, const PixelRect& to, const PixelRect& from,
@@ -198,6 +282,7 @@ void copyPixels(ImageObject& target, const ImageObject& source, const PixelRect&
             brush.lay(out[x], columns[static_cast<size_t>(x - seen.left)],
                       rows[static_cast<size_t>(y - seen.top)]);
     }
+    settle(target, seen);
 }
 
 }  // namespace krl::player

@@ -18,6 +18,18 @@ struct PixelRect {
 PixelRect pixelRectOf(const RectObject& rect);
 inline PixelRect boundsOf(const ImageObject& image) { return {0, 0, image.width(), image.height()}; }
 
+/// The palette that a symbol names; throws `HostError` for others.
+Palette paletteNamed(const Runtime& runtime, const Value& name);
+/// `systemMac` or `grayscale`.
+const char* paletteName(Palette palette);
+/// A colour or palette index as the image has it.
+Pixel pixelFor(const ImageObject& image, const Value& colour);
+/// The index of a pixel in the palette of an image of up to 8 bits. In a mask, this is how much of it shows:
+/// white nothing, black all.
+uint8_t indexOf(const ImageObject& image, const Pixel& pixel);
+/// To be called after `part` was drawn on: gives it the colours that the image's format has.
+void settle(ImageObject& image, const PixelRect& part);
+
 /// A copy of an image.
 Value duplicateImage(Runtime& runtime, const ImageObject& image);
 /// Copies a part of an image; white where the part extends beyond the image.
@@ -29,8 +41,9 @@ struct CopyOptions {
     InkColours colours;
     int32_t blendLevel = 255;
     bool levelIsSet = false;            ///< `#blendLevel` goes before `#blend`
-    const ImageObject* mask = nullptr;  ///< scales the blend
+    const ImageObject* mask = nullptr;  ///< scales the blend; black shows all
     int32_t maskX = 0, maskY = 0;       ///< position over the source
+    bool bilinear = false;              ///< how quads are drawn, instead of in perspective
 };
 CopyOptions copyOptionsOf(const Runtime& runtime, const PropertyListObject& list);
 std::vector<std::string> copyOptionNames();
@@ -38,7 +51,7 @@ std::vector<std::string> copyOptionNames();
 /// Four corners of the target: where the upper left, upper right, lower right and lower left of the source
 /// go.
 using Quad = std::array<std::array<double, 2>, 4>;
-/// Copies a part of `source` into a quad, in perspective.
+/// Copies a part of `source` into a quad.
 void copyIntoQuad(ImageObject& target, const ImageObject& source, const Quad& to, const PixelRect& from,
                   const CopyOptions& options);
 
@@ -46,7 +59,7 @@ void copyIntoQuad(ImageObject& target, const ImageObject& source, const Quad& to
 /// alpha, those with more than `level`.
 std::vector<bool> matteOf(const ImageObject& image, int32_t level = 0);
 /// Gives the pixels around `x`, `y` that have its colour another one.
-void floodFill(ImageObject& image, int32_t x, int32_t y, Colour colour);
+void floodFill(ImageObject& image, int32_t x, int32_t y, const Value& colour);
 /// The smallest part of an image that holds all pixels that are not white.
 PixelRect inkedPart(const ImageObject& image);
 

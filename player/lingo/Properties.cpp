@@ -8,6 +8,7 @@
 #include "player/host/HostError.h"
 #include "player/lingo/Arithmetic.h"
 #include "player/lingo/Chunks.h"
+#include "player/lingo/ImageTools.h"
 #include "player/lingo/Runtime.h"
 #include "player/pictures/FileAccess.h"
 
@@ -66,7 +67,17 @@ Value imageRect(Runtime& runtime, const Value& object) {
 }
 
 Value paletteRef(Runtime& runtime, const Value& object) {
-    return runtime.symbol(object.as<ImageObject>()->depth == 8 ? "grayscale" : "systemMac");
+    return runtime.symbol(paletteName(object.as<ImageObject>()->palette));
+}
+
+/// The pixels keep their indexes.
+void setPaletteRef(Runtime& runtime, const Value& object, const Value& value) {
+    auto& image = *object.as<ImageObject>();
+    const Palette palette = paletteNamed(runtime, value);
+    if (image.isIndexed())
+        for (Pixel& pixel : image.bitmap.pixels)
+            pixel = paletteColour(palette, image.depth, nearestIndex(image.palette, image.depth, pixel));
+    image.palette = palette;
 }
 
 void setUseAlpha(Runtime&, const Value& object, const Value& value) {
@@ -215,7 +226,7 @@ constexpr PropertyEntry kProperties[] = {
     {Kind::Image, "depth", imageDepth, nullptr},
     {Kind::Image, "useAlpha",
      [](Runtime&, const Value& o) { return Value::truth(o.as<ImageObject>()->useAlpha); }, setUseAlpha},
-    {Kind::Image, "paletteRef", paletteRef, [](Runtime&, const Value&, const Value&) {}},
+    {Kind::Image, "paletteRef", paletteRef, setPaletteRef},
     {Kind::Image, "ilk", kindSymbol, nullptr},
     {Kind::Member, "image", memberImage, setMemberImage},
     {Kind::Member, "name", memberName, setMemberName},

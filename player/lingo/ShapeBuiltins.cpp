@@ -87,23 +87,6 @@ Value offset(Runtime& runtime, const Arguments& arguments) {
     return Value::integer(1 + countChunks(std::string_view(whole).substr(0, found), ChunkKind::Char, ','));
 }
 
-/// The palette of 256 colours that most hosts begin with: a cube of six levels from white to black, then ten
-/// levels each of red, green, blue and grey, and black.
-Colour systemColour(uint8_t index) {
-    constexpr int kCube = 215, kRamp = 10;
-    if (index == 255) return Colour(0, 0, 0);
-    if (index < kCube) {
-        const auto level = [](int step) { return static_cast<uint8_t>(255 - 51 * step); };
-        return Colour(level(index / 36), level(index / 6 % 6), level(index % 6));
-    }
-    static constexpr uint8_t levels[kRamp] = {0xEE, 0xDD, 0xBB, 0xAA, 0x88, 0x77, 0x55, 0x44, 0x22, 0x11};
-    const int ramp = (index - kCube) / kRamp;
-    const uint8_t level = levels[(index - kCube) % kRamp];
-    return ramp == 3 ? Colour(level, level, level)
-                     : Colour(ramp == 0 ? level : uint8_t{0}, ramp == 1 ? level : uint8_t{0},
-                              ramp == 2 ? level : uint8_t{0});
-}
-
 uint8_t byteOf(const Arguments& arguments, size_t index) { return clampByte(arguments.integer(index)); }
 
 /// From three numbers, a string `#RRGGBB`, or one number that packs all three.
@@ -125,7 +108,8 @@ Value rgb(Runtime&, const Arguments& arguments) {
 
 Value paletteIndex(Runtime&, const Arguments& arguments) {
     const uint8_t index = clampByte(arguments.integer(0));
-    return Value::colour(systemColour(index), ColourForm::PaletteIndex, index);
+    const Pixel pixel = paletteColour(Palette::System, 8, index);
+    return Value::colour(Colour(pixel.red, pixel.green, pixel.blue), ColourForm::PaletteIndex, index);
 }
 
 /// `color(red, green, blue)` or `color(#rgb, red, green, blue)`.

@@ -224,18 +224,32 @@ TEST_F(EmbeddedHostTest, ImagesOfFewerBitsAreLockedAsTheirOwnRows) {
     HostInterface* imageService = service(ids::kImages);
     const struct {
         int32_t depth, rowBytes;
+        Pixel before;
         std::vector<uint8_t> secondRow, written;
         Pixel after;
     } cases[] = {
-        {8, 4, {255, 32, 255}, {255, 7, 255}, {7, 7, 7, 255}},
-        {16, 8, {255, 127, 4, 41, 255, 127}, {255, 127, 31, 0, 255, 127}, {255, 0, 0, 255}},
-        {24, 12, {255, 255, 255, 32, 64, 80, 255, 255, 255}, {255, 255, 255, 1, 2, 3}, {1, 2, 3, 255}},
+        {1, 4, {0, 0, 0, 255}, {0x40}, {0x20}, {255, 255, 255, 255}},
+        {2, 4, {0, 0, 0, 255}, {0x30}, {0x10}, {170, 170, 170, 255}},
+        {4, 4, {0x06, 0x08, 0xDD, 255}, {0x03, 0}, {0x06, 0}, {0xD4, 0, 0, 255}},
+        {8, 4, {0, 255, 255, 255}, {0, 5, 0}, {0, 215, 0}, {0, 0, 0xEE, 255}},
+        {16,
+         8,
+         {32, 64, 80, 255},
+         {255, 127, 4, 41, 255, 127},
+         {255, 127, 31, 0, 255, 127},
+         {255, 0, 0, 255}},
+        {24,
+         12,
+         {32, 64, 80, 255},
+         {255, 255, 255, 32, 64, 80, 255, 255, 255},
+         {255, 255, 255, 1, 2, 3},
+         {1, 2, 3, 255}},
     };
     for (const auto& each : cases) {
         SCOPED_TRACE(each.depth);
         const Value image = makeImage(embedded.heap, 3, 2, each.depth);
         Bitmap& bitmap = image.as<ImageObject>()->bitmap;
-        bitmap.row(1)[1] = {32, 64, 80, 255};
+        bitmap.row(1)[1] = each.before;
         bitmap.row(0)[2] = {33, 65, 81, 255};
         ImageInfo info;
         EXPECT_EQ(images::QueryImage::call(imageService, &image.words(), &info), kHostOk);

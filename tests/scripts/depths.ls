@@ -3,9 +3,9 @@ on main
   x = new(xtra "KRLImageXtra")
   x.krlImageCreateLookupTables(#st)
   back = image(5, 2, 32)
-  repeat with depth in [8, 16, 24]
+  repeat with depth in [1, 2, 4, 8, 16, 24]
     other = image(5, 2, depth)
-    other.setPixel(0, 0, rgb(90, 90, 90))
+    other.setPixel(0, 0, rgb(102, 102, 102))
     put other.depth, other.getPixel(0, 0), other.setAlpha(5)
     put x.krlImageLoad(other)
     put x.krlImageInvert(#RGB)
@@ -25,5 +25,5 @@ on main
   x.krlImageQuit()
   put narrow.getPixel(0, 0)
   x.krlImageDestroyLookupTables()
-  put image(1, 1, 4)
+  put image(1, 1, 5)
 end
