@@ -93,6 +93,11 @@ private:
                "Stop at N MB of values and images (default 4096)")
             ->type_name("N")
             ->check(CLI::Range(1, 1 << 24).description(""));
+        app.add_option_function<uint64_t>(
+               "--value-size", [&session](uint64_t megabytes) { session.valueLimit = megabytes << 20; },
+               "Stop at a string or list of N MB (default 1024)")
+            ->type_name("N")
+            ->check(CLI::Range(1, 1 << 24).description(""));
         app.add_option("--depth", session.recursionLimit, "Stop at N nested handler calls (default 400)")
             ->type_name("N")
             ->check(CLI::Range(1, 100000).description(""));

@@ -137,6 +137,9 @@ void Heap::mustHold(uint64_t moreBytes) const {
 void Heap::charge(Object& object) {
     const size_t bytes = object.bytes();
     if (bytes > object.charged_) mustHold(bytes - object.charged_);
+    if (const char* name = object.limitedName(); name && bytes > limitOfEach_)
+        throw HostError(std::string("a ") + name + " may take at most " + std::to_string(limitOfEach_ >> 20) +
+                        " MB");
     bytes_ = bytes_ - object.charged_ + bytes;
     object.charged_ = bytes;
 }

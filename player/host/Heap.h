@@ -15,6 +15,8 @@ public:
     virtual ~Object() = default;
     /// Its size in bytes, for the memory limit.
     virtual size_t bytes() const = 0;
+    /// What it is called where its size has a limit of its own, such as `string`; null for all others.
+    virtual const char* limitedName() const { return nullptr; }
     /// Visits every value that it holds.
     virtual void eachChild(const std::function<void(const Value&)>&) const {}
     /// Releases them.
@@ -59,6 +61,8 @@ public:
         return slot && slot->references == 1;
     }
 
+    /// Limits the size of each string and list.
+    void limitEachTo(uint64_t bytes) { limitOfEach_ = bytes; }
     /// Throws before an allocation that would exceed the limit.
     void mustHold(uint64_t moreBytes) const;
     /// Updates the size of an object after it has grown.
@@ -100,6 +104,7 @@ private:
     bool freeing_ = false;
     uint64_t bytes_ = 0;
     uint64_t limitBytes_;
+    uint64_t limitOfEach_ = UINT64_MAX;
     int64_t living_ = 0;
 
     static constexpr uint32_t kNoSlot = UINT32_MAX;

@@ -20,6 +20,8 @@ struct StringObject : Object {
         return sizeof(*this) + text.capacity() + (index_ ? index_->capacity() * sizeof(size_t) : 0);
     }
 
+    const char* limitedName() const override { return "string"; }
+
     /// Appends to the text, which nothing else may hold.
     void append(std::string_view more);
     /// The number of characters.
@@ -41,6 +43,7 @@ private:
 struct ListObject : Object {
     static constexpr Kind kKind = Kind::List;
     size_t bytes() const override { return sizeof(*this) + items.capacity() * sizeof(Value); }
+    const char* limitedName() const override { return "list"; }
     void eachChild(const std::function<void(const Value&)>& show) const override {
         for (const Value& item : items) show(item);
     }
@@ -56,6 +59,7 @@ struct PropertyListObject : Object {
         Value key, value;
     };
     size_t bytes() const override { return sizeof(*this) + entries.capacity() * sizeof(Entry); }
+    const char* limitedName() const override { return "list"; }
     void eachChild(const std::function<void(const Value&)>& show) const override {
         for (const Entry& entry : entries) {
             show(entry.key);

@@ -61,6 +61,7 @@ struct Session::Parts {
           xtra(host, options.xtraFile.empty() ? builtInPlugIn() : loadPlugIn(options.xtraFile)),
           interpreter(host, xtra, options) {
         interpreter.pictures = options.pictures;
+        host.heap.limitEachTo(options.valueLimit);
     }
     ~Parts() {
         letGo();

@@ -34,6 +34,8 @@ struct SessionOptions {
     ThreadChoice threads = ThreadChoice::AsScripted;
     /// Memory limit for all values and images of a script, in bytes.
     uint64_t memoryLimit = uint64_t(4) << 30;
+    /// Limit for each string and list, in bytes.
+    uint64_t valueLimit = uint64_t(1) << 30;
     /// Limit of nested handler calls.
     int recursionLimit = 400;
     /// Limit of the statements and turns of loops that are carried out.

@@ -165,6 +165,20 @@ TEST(LingoErrors, WhatNeedsAStageCanBeSkipped) {
               "skipped without a stage: mouseH, sprite (3 times), stageColor, tell, updateStage, window\n");
 }
 
+TEST(LingoErrors, AStringOrListMayHaveALimit) {
+    const auto failure = [](const std::string& body) {
+        Script script("on main\n" + body + "\nend\n");
+        script.options.valueLimit = uint64_t{1} << 20;
+        return script.failure();
+    };
+    EXPECT_EQ(failure("  s = \"ab\"\n  repeat while TRUE\n    put s after s\n  end repeat"),
+              "4:5 a string may take at most 1 MB");
+    EXPECT_EQ(failure("  l = []\n  repeat while TRUE\n    l.add(1)\n  end repeat"),
+              "4:7 a list may take at most 1 MB");
+    EXPECT_EQ(failure("  l = [:]\n  repeat with i = 1 to 1000000\n    l.addProp(i, 1)\n  end repeat"),
+              "4:7 a list may take at most 1 MB");
+}
+
 TEST(LingoErrors, FramesRunAfterTheStart) {
     Script script(
         "on startMovie\n  put \"start\"\nend\non exitFrame\n  put the frame\nend\n"
