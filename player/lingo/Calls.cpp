@@ -1,5 +1,3 @@
-#include <array>
-
 #include "catalogue/NearestName.h"
 #include "player/host/Compare.h"
 #include "player/lingo/InterpreterScopes.h"
@@ -8,30 +6,9 @@
 /// Calls of handlers, methods and functions.
 namespace krl::player {
 
-namespace {
-
-/// The values of a call's arguments; a few fit without an allocation.
-class ArgumentValues {
-public:
-    explicit ArgumentValues(size_t count) : count_(count) {
-        if (count > few_.size()) many_.resize(count);
-    }
-    Value& operator[](size_t index) { return data()[index]; }
-    std::span<const Value> all() { return {data(), count_}; }
-
-private:
-    Value* data() { return many_.empty() ? few_.data() : many_.data(); }
-
-    size_t count_;
-    std::array<Value, 5> few_;
-    std::vector<Value> many_;
-};
-
-}  // namespace
-
 Value Interpreter::evaluateCall(const CallExpression& expression) {
     const bool asMethod = expression.object != nullptr;
-    ArgumentValues arguments(expression.arguments.size() + asMethod);
+    ValueArray arguments(expression.arguments.size() + asMethod);
     if (asMethod) arguments[0] = evaluate(*expression.object);
     for (size_t i = 0; i < expression.arguments.size(); ++i)
         arguments[i + asMethod] = evaluate(*expression.arguments[i]);
@@ -86,23 +63,22 @@ bool Interpreter::callOnObject(SymbolId name, std::span<const Value> arguments, 
         return true;
     }
     if (object.is(Kind::Script) && name == newName_) return false;
-    return alongAncestors(object, [&](PropertyHolder& holder, const Value& owner) {
-        const Handler* handler = holder.script.handler(name);
-        if (handler) answer = callHandler(holder.script, *handler, arguments, owner);
-        return handler != nullptr;
-    });
+    Value owner;
+    PropertyHolder* holder = handlerAlong(object, name, owner);
+    if (holder)
+        answer = callHandler(holder->script, *holder->script.handler(name), arguments, std::move(owner));
+    return holder != nullptr;
 }
 
-bool Interpreter::alongAncestors(const Value& object,
-                                 const std::function<bool(PropertyHolder&, const Value&)>& visit) const {
-    Value at = object;
-    for (int links = 0; links < kDeepestNesting; ++links) {
-        PropertyHolder* holder = holderOf(at);
-        if (!holder) return false;
-        if (visit(*holder, at)) return true;
-        at = Value(ancestorOf(*holder));
+PropertyHolder* Interpreter::handlerAlong(const Value& object, SymbolId name, Value& owner) const {
+    PropertyHolder* holder = holderOf(object);
+    if (holder) owner = object;
+    for (int links = 0; holder && links < kDeepestNesting; ++links) {
+        if (holder->script.handler(name)) return holder;
+        owner = Value(ancestorOf(*holder));
+        holder = holderOf(owner);
     }
-    return false;
+    return nullptr;
 }
 
 PropertyHolder* Interpreter::holderOf(const Value& object) {
@@ -117,21 +93,16 @@ Value& Interpreter::ancestorOf(PropertyHolder& holder) const {
 
 bool Interpreter::responds(const Value& object, SymbolId name) const {
     if (const auto* instance = object.as<XtraInstanceObject>()) return instance->xtra.selector(name) > 0;
-    return alongAncestors(object,
-                          [&](PropertyHolder& holder, const Value&) { return holder.script.handler(name); });
+    Value owner;
+    return handlerAlong(object, name, owner) != nullptr;
 }
 
 Value Interpreter::sendToAncestor(SymbolId name, std::span<const Value> arguments) {
     PropertyHolder* holder = holderOf(arguments.front());
-    Value answer;
-    const bool sent =
-        holder && alongAncestors(ancestorOf(*holder), [&](PropertyHolder& above, const Value& owner) {
-            const Handler* handler = above.script.handler(name);
-            if (handler) answer = callHandler(above.script, *handler, arguments, owner);
-            return handler != nullptr;
-        });
-    if (!sent) throw HostError("no ancestor has the handler \"" + symbols.spelling(name) + '"');
-    return answer;
+    Value owner;
+    if (holder) holder = handlerAlong(ancestorOf(*holder), name, owner);
+    if (!holder) throw HostError("no ancestor has the handler \"" + symbols.spelling(name) + '"');
+    return callHandler(holder->script, *holder->script.handler(name), arguments, std::move(owner));
 }
 
 Value Interpreter::callXtra(int32_t selector, std::span<const Value> arguments) {

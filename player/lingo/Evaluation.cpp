@@ -8,8 +8,8 @@
 /// Expressions.
 namespace krl::player {
 
+/// Literals and variables contain nothing else.
 Value Interpreter::evaluate(const Expression& expression) {
-    const DepthGuard guard(*this);
     switch (expression.kind) {
         case ExpressionKind::Integer:
             return Value::integer(static_cast<const LiteralExpression&>(expression).integer);
@@ -21,12 +21,20 @@ Value Interpreter::evaluate(const Expression& expression) {
             return Value::symbol(static_cast<const LiteralExpression&>(expression).symbol);
         case ExpressionKind::Void:
             return Value();
+        case ExpressionKind::Variable:
+            return evaluateVariable(static_cast<const VariableExpression&>(expression));
+        default:
+            return evaluateCompound(expression);
+    }
+}
+
+Value Interpreter::evaluateCompound(const Expression& expression) {
+    const DepthGuard guard(*this);
+    switch (expression.kind) {
         case ExpressionKind::List:
             return evaluateList(static_cast<const ListExpression&>(expression));
         case ExpressionKind::PropertyList:
             return evaluatePropertyList(static_cast<const ListExpression&>(expression));
-        case ExpressionKind::Variable:
-            return evaluateVariable(static_cast<const VariableExpression&>(expression));
         case ExpressionKind::Negation: {
             const Value operand = evaluate(*static_cast<const UnaryExpression&>(expression).operand);
             place_ = expression.place;
@@ -52,8 +60,9 @@ Value Interpreter::evaluate(const Expression& expression) {
             const Value whole = asText(evaluate(*chunk.source));
             return Value::integer(countIn(*whole.as<StringObject>(), chunk.chunk, settings.itemDelimiter));
         }
+        default:
+            return Value();
     }
-    return Value();
 }
 
 Value Interpreter::evaluateVariable(const VariableExpression& expression) {
@@ -68,10 +77,25 @@ Value Interpreter::evaluateVariable(const VariableExpression& expression) {
     unknownVariable(expression);
 }
 
+/// The value of a local variable where it is, or that of any other expression in `held`.
+const Value& Interpreter::operand(const Expression& expression, Value& held) {
+    const auto& variable = static_cast<const VariableExpression&>(expression);
+    if (expression.kind == ExpressionKind::Variable && variable.scope == VariableScope::Local) {
+        const Value& local = frame().locals[static_cast<size_t>(variable.slot)];
+        if (!local.isUnassigned()) return local;
+    }
+    return held = evaluate(expression);
+}
+
 /// Both sides are always evaluated, even for `and` and `or`. Two integers take the fast path.
 Value Interpreter::evaluateBinary(const BinaryExpression& expression) {
-    const Value left = evaluate(*expression.left);
-    const Value right = evaluate(*expression.right);
+    Value heldLeft, heldRight;
+    // A variable on the left keeps its value if the right side calls nothing.
+    const ExpressionKind kind = expression.right->kind;
+    const bool simple = kind <= ExpressionKind::Void || kind == ExpressionKind::Variable;
+    if (!simple) heldLeft = evaluate(*expression.left);
+    const Value& left = simple ? operand(*expression.left, heldLeft) : heldLeft;
+    const Value& right = operand(*expression.right, heldRight);
     Value found;
     const bool integers = left.isInteger() && right.isInteger();
     if (integers && operateOnIntegers(expression.operation, left.integer(), right.integer(), found))
@@ -145,6 +169,8 @@ const Builtin* Interpreter::functionAsProperty(Kind kind, SymbolId name) const {
 
 /// The last ancestor can be a property list.
 Value* Interpreter::instanceProperty(const Value& object, SymbolId name) {
+    if (PropertyHolder* holder = holderOf(object))
+        if (Value* found = holder->property(name)) return found;
     Value at = object;
     for (int links = 0; links < kDeepestNesting; ++links) {
         if (auto* list = at.as<PropertyListObject>(); list && links > 0) {

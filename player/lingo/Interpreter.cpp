@@ -67,7 +67,11 @@ LoadedScript Interpreter::makeScript(const std::string& name, std::unique_ptr<Sc
     for (const LiteralExpression* literal : made.syntax->literals)
         made.literals.push_back(literal->kind == ExpressionKind::Float ? heap.number(literal->real)
                                                                        : text(literal->text));
-    for (const auto& handler : made.syntax->handlers) made.handlers.emplace(handler->name, handler.get());
+    for (const auto& handler : made.syntax->handlers) {
+        const auto place = static_cast<size_t>(handler->name);
+        if (made.handlers.size() <= place) made.handlers.resize(place + 1);
+        if (!made.handlers[place]) made.handlers[place] = handler.get();
+    }
     return made;
 }
 
@@ -133,13 +137,18 @@ void Interpreter::close() {
     for (LoadedScript& script : scripts_) script.literals.clear();
 }
 
+namespace {
+
+ValueArray localsOf(const Handler& handler) { return ValueArray(handler.locals.size(), Value::unassigned()); }
+
+}  // namespace
+
 Value Interpreter::callHandler(const LoadedScript& script, const Handler& handler,
                                std::span<const Value> arguments, Value owner) {
     if (handlers_ >= options_.recursionLimit)
         throw HostError("handlers call each other more than " + std::to_string(options_.recursionLimit) +
                         " deep; \"" + symbols.spelling(handler.name) + "\" may never end");
-    Frame made{script, handler, arguments, std::move(owner), {}, {}};
-    made.locals.resize(handler.locals.size(), Value::unassigned());
+    Frame made{script, handler, arguments, std::move(owner), localsOf(handler), {}};
     for (size_t i = 0; i < handler.parameters; ++i)
         made.locals[i] = i < arguments.size() ? arguments[i] : Value();
     runBody(made);
@@ -198,8 +207,7 @@ Surroundings Interpreter::surroundings() const {
 Value Interpreter::runInFrame(std::unique_ptr<Script> syntax) {
     const LoadedScript script = makeScript("", std::move(syntax));
     const Handler& handler = *script.syntax->handlers.front();
-    Frame made{script, handler, {}, frame_ ? frame_->owner : Value(), {}, {}};
-    made.locals.resize(handler.locals.size(), Value::unassigned());
+    Frame made{script, handler, {}, frame_ ? frame_->owner : Value(), localsOf(handler), {}};
     const auto eachShared = [&](auto&& visit) {
         for (size_t i = 0; frame_ && i < frame_->handler.locals.size(); ++i)
             for (size_t j = 0; j < handler.parameters; ++j)

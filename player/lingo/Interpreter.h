@@ -1,13 +1,13 @@
 #pragma once
 
 #include <deque>
-#include <functional>
 #include <map>
 #include <unordered_map>
 
 #include "player/lingo/Parser.h"
 #include "player/lingo/Runtime.h"
 #include "player/lingo/Session.h"
+#include "player/lingo/ValueArray.h"
 
 namespace krl::player {
 
@@ -62,7 +62,7 @@ private:
         const Handler& handler;
         std::span<const Value> arguments;
         Value owner;  ///< the instance or script whose properties are in scope, or VOID
-        std::vector<Value> locals;
+        ValueArray locals;
         Value answer;
     };
     class FrameScope;
@@ -100,7 +100,9 @@ private:
 
     // Expressions.
     Value evaluate(const Expression& expression);
+    Value evaluateCompound(const Expression& expression);
     Value evaluateVariable(const VariableExpression& expression);
+    const Value& operand(const Expression& expression, Value& held);
     Value evaluateBinary(const BinaryExpression& expression);
     Value evaluateList(const ListExpression& expression);
     Value evaluatePropertyList(const ListExpression& expression);
@@ -116,9 +118,9 @@ private:
     void setSystemProperty(SymbolId name, const Value& value);
     /// Finds a property in a script, an instance or its ancestors; null if there is none.
     Value* instanceProperty(const Value& object, SymbolId name);
-    /// Visits a script or an instance and then its ancestors until `visit` returns true.
-    bool alongAncestors(const Value& object,
-                        const std::function<bool(PropertyHolder&, const Value&)>& visit) const;
+    /// Finds the script or instance that has a handler: the object itself or one of its ancestors. Null if
+    /// none has; `owner` is its value.
+    PropertyHolder* handlerAlong(const Value& object, SymbolId name, Value& owner) const;
     static PropertyHolder* holderOf(const Value& object);
     Value& ancestorOf(PropertyHolder& holder) const;
 

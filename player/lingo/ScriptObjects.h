@@ -2,7 +2,6 @@
 
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "player/host/Objects.h"
@@ -16,11 +15,11 @@ struct LoadedScript {
     std::string name;
     std::unique_ptr<Script> syntax;
     std::vector<Value> literals;
-    std::unordered_map<SymbolId, const Handler*> handlers;
+    std::vector<const Handler*> handlers;  ///< by symbol
 
     const Handler* handler(SymbolId wanted) const {
-        const auto found = handlers.find(wanted);
-        return found == handlers.end() ? nullptr : found->second;
+        const auto place = static_cast<size_t>(wanted);
+        return place < handlers.size() ? handlers[place] : nullptr;
     }
 };
 
