@@ -68,6 +68,7 @@ LoadedScript Interpreter::makeScript(const std::string& name, std::unique_ptr<Sc
         made.literals.push_back(literal->kind == ExpressionKind::Float ? heap.number(literal->real)
                                                                        : text(literal->text));
     for (const auto& handler : made.syntax->handlers) {
+        if (handler->name < 0) continue;  // of a text, which nothing calls
         const auto place = static_cast<size_t>(handler->name);
         if (made.handlers.size() <= place) made.handlers.resize(place + 1);
         if (!made.handlers[place]) made.handlers[place] = handler.get();
