@@ -73,9 +73,18 @@ private:
             case Kind::Rect:
                 return ofSequences(a.as<RectObject>()->values, b.as<RectObject>()->values, depth);
             default:
-                return sign(static_cast<uint32_t>(a.words().words[1]),
-                            static_cast<uint32_t>(b.words().words[1]));
+                return ofNumbers(a, b);
         }
+    }
+
+    /// By the numbers of both, or the order in which the objects were made.
+    static int ofNumbers(const Value& a, const Value& b) {
+        const std::vector<double> first = a.object()->numbers(), second = b.object()->numbers();
+        if (first.empty() && second.empty())
+            return sign(static_cast<uint32_t>(a.words().words[1]), static_cast<uint32_t>(b.words().words[1]));
+        for (size_t i = 0; i < first.size() && i < second.size(); ++i)
+            if (const int difference = sign(first[i], second[i])) return difference;
+        return sign(double(first.size()), double(second.size()));
     }
 
     template <class Sequence>

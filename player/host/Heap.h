@@ -17,6 +17,8 @@ public:
     virtual size_t bytes() const = 0;
     /// What it is called where its size has a limit of its own, such as `string`; null for all others.
     virtual const char* limitedName() const { return nullptr; }
+    /// The numbers that it is compared by; none where only the same object is equal.
+    virtual std::vector<double> numbers() const { return {}; }
     /// Visits every value that it holds.
     virtual void eachChild(const std::function<void(const Value&)>&) const {}
     /// Releases them.

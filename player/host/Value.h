@@ -35,6 +35,7 @@ enum class Kind : uint8_t {
     Vector,
     Date,
     ByteArray,
+    Transform,
     Environment,
 };
 
@@ -121,6 +122,9 @@ public:
         return is(ObjectType::kKind) ? static_cast<ObjectType*>(object()) : nullptr;
     }
 
+    /// The object behind the handle of a value that has one.
+    class Object* object() const;
+
     const ScriptValue& words() const { return words_; }
     /// Releases ownership of the reference to the caller.
     ScriptValue release() { return std::exchange(words_, {}); }
@@ -131,7 +135,6 @@ public:
 
 private:
     explicit Value(ScriptValue words) : words_(words) {}
-    class Object* object() const;
     void retain() const;
     void drop() noexcept;
 

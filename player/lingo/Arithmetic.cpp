@@ -1,11 +1,13 @@
 #include "player/lingo/Arithmetic.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <limits>
 
 #include "player/host/Compare.h"
 #include "player/host/HostError.h"
+#include "player/lingo/Transforms.h"
 
 namespace krl::player {
 
@@ -74,7 +76,9 @@ public:
         if (isSequence(a) || isSequence(b)) return ofSequences(a, b, depth);
         if (a.is(Kind::Colour) && (b.is(Kind::Colour) || b.isInteger()) && operation_ <= Operator::Multiply)
             return ofColours(a.colour(), b);
+        if (a.is(Kind::Transform) && operation_ == Operator::Multiply) return ofTransform(a, b);
         if (a.is(Kind::Vector) || b.is(Kind::Vector)) return ofVectors(a, b);
+        if (a.is(Kind::Date)) return ofDates(a, b);
         Value first, second;
         if (!numberIn(a, first, runtime_.heap) || !numberIn(b, second, runtime_.heap)) refuse(a, b);
         if (first.isInteger() && second.isInteger())
@@ -102,6 +106,46 @@ private:
         const bool dot = operation_ == Operator::Multiply && a.is(Kind::Vector) && b.is(Kind::Vector);
         if (dot) return runtime_.heap.number(results[0] + results[1] + results[2]);
         return runtime_.heap.make<VectorObject>(results);
+    }
+
+    /// A transform followed by another one, or a vector that it moves.
+    Value ofTransform(const Value& a, const Value& b) const {
+        const Matrix& matrix = a.as<TransformObject>()->matrix;
+        if (const auto* other = b.as<TransformObject>())
+            return runtime_.heap.make<TransformObject>(product(matrix, other->matrix));
+        const auto* vector = b.as<VectorObject>();
+        if (!vector) refuse(a, b);
+        return runtime_.heap.make<VectorObject>(transformed(matrix, vector->parts));
+    }
+
+    /// A date some days later or earlier, or the days between two.
+    Value ofDates(const Value& a, const Value& b) const {
+        const auto& date = *a.as<DateObject>();
+        const auto* other = b.as<DateObject>();
+        const bool minus = operation_ == Operator::Subtract;
+        if (other && minus) return Value::integer(static_cast<int32_t>(dayOf(date) - dayOf(*other)));
+        if (!b.isInteger() || (!minus && operation_ != Operator::Add)) refuse(a, b);
+        const int64_t day = dayOf(date) + (minus ? -int64_t{b.integer()} : b.integer());
+        mustBeNear(day);
+        const std::chrono::year_month_day moved = std::chrono::sys_days(std::chrono::days(day));
+        return runtime_.heap.make<DateObject>(int{moved.year()},
+                                              static_cast<int32_t>(unsigned{moved.month()}),
+                                              static_cast<int32_t>(unsigned{moved.day()}), date.seconds);
+    }
+
+    /// The days since the beginning of 1970.
+    static int64_t dayOf(const DateObject& date) {
+        if (date.month < 1 || date.month > 12)
+            throw HostError("expected a month from 1 to 12, not " + std::to_string(date.month));
+        mustBeNear(int64_t{date.year} * 365);
+        const auto month = std::chrono::year(date.year) / static_cast<int>(date.month);
+        const int64_t day = std::chrono::sys_days(month / 1).time_since_epoch().count() + date.day - 1;
+        mustBeNear(day);
+        return day;
+    }
+
+    static void mustBeNear(int64_t day) {
+        if (std::abs(day) > 3'000'000) throw HostError("expected a date of a year from -5000 to 5000");
     }
 
     Value ofColours(Colour a, const Value& other) const {

@@ -32,6 +32,7 @@ size_t countOf(const Value& value) {
     if (const auto* list = value.as<ListObject>()) return list->items.size();
     if (const auto* properties = value.as<PropertyListObject>()) return properties->entries.size();
     if (value.is(Kind::Point)) return PointObject::kCount;
+    if (const auto* bytes = value.as<ByteArrayObject>()) return bytes->content.size();
     return value.is(Kind::Rect) ? RectObject::kCount : 0;
 }
 
@@ -88,6 +89,10 @@ Value elementOf(Runtime& runtime, const Value& object, const Value& index) {
         return point->values[placeIn(PointObject::kCount, number, "point")];
     if (const auto* rect = object.as<RectObject>())
         return rect->values[placeIn(RectObject::kCount, number, "rect")];
+    if (const auto* vector = object.as<VectorObject>())
+        return runtime.heap.number(vector->parts[placeIn(vector->parts.size(), number, "vector")]);
+    if (const auto* bytes = object.as<ByteArrayObject>())
+        return Value::integer(bytes->content[placeIn(bytes->content.size(), number, "byteArray")]);
     throw HostError("expected a list before the brackets, not " + kindName(object.kind()));
 }
 
@@ -103,6 +108,11 @@ void setElement(Runtime& runtime, const Value& object, const Value& index, const
         point->values[placeIn(PointObject::kCount, numberOf(index), "point")] = coordinate(value);
     } else if (auto* rect = object.as<RectObject>()) {
         rect->values[placeIn(RectObject::kCount, numberOf(index), "rect")] = coordinate(value);
+    } else if (auto* vector = object.as<VectorObject>()) {
+        vector->parts[placeIn(vector->parts.size(), numberOf(index), "vector")] = coordinate(value).number();
+    } else if (auto* bytes = object.as<ByteArrayObject>()) {
+        const size_t place = placeIn(bytes->content.size(), numberOf(index), "byteArray");
+        bytes->content[place] = static_cast<uint8_t>(numberOf(value));
     } else {
         throw HostError("expected a list before the brackets, not " + kindName(object.kind()));
     }

@@ -58,6 +58,19 @@ Value makeList(Runtime& runtime, const Arguments& arguments) {
     return made;
 }
 
+/// `propList(#a, 1, #b, 2)`
+Value makePropertyList(Runtime& runtime, const Arguments& arguments) {
+    if (arguments.count() % 2 != 0)
+        throw HostError("propList: expected a value for each property, not " +
+                        std::to_string(arguments.count()) + " arguments");
+    Value made = runtime.heap.make<PropertyListObject>();
+    auto& list = *made.as<PropertyListObject>();
+    for (size_t i = 0; i < arguments.count(); i += 2)
+        list.entries.push_back({arguments[i], arguments[i + 1]});
+    runtime.heap.recount(list);
+    return made;
+}
+
 Value add(Runtime& runtime, const Arguments& arguments) {
     auto& list = arguments.object<ListObject>(0);
     const auto place =
@@ -295,6 +308,13 @@ Value copyOf(Runtime& runtime, const Value& value, int depth = 0) {
     }
     if (const auto* point = value.as<PointObject>()) return runtime.heap.make<PointObject>(point->values);
     if (const auto* rect = value.as<RectObject>()) return runtime.heap.make<RectObject>(rect->values);
+    if (const auto* vector = value.as<VectorObject>()) return runtime.heap.make<VectorObject>(vector->parts);
+    if (const auto* matrix = value.as<TransformObject>())
+        return runtime.heap.make<TransformObject>(matrix->matrix);
+    if (const auto* bytes = value.as<ByteArrayObject>())
+        return runtime.heap.make<ByteArrayObject>(bytes->content);
+    if (const auto* date = value.as<DateObject>())
+        return runtime.heap.make<DateObject>(date->year, date->month, date->day, date->seconds);
     return value;
 }
 
@@ -306,6 +326,7 @@ Value duplicate(Runtime& runtime, const Arguments& arguments) {
 constexpr Builtin kBuiltins[] = {
     {"count", 1, 2, count},
     {"list", 0, kAnyNumber, makeList},
+    {"propList", 0, kAnyNumber, makePropertyList},
     {"add", 2, 2, add},
     {"append", 2, 2, append},
     {"addAt", 3, 3, addAt},

@@ -74,6 +74,11 @@ ExpressionPointer ExpressionParser::theProperty(const Token& name, SymbolId prop
     if (ofObject) {
         made->object = accessPath();
         contain(*made, made->object);
+        // `field "name"` is a text, but `the text of field "name"` is a property of the member.
+        if (made->object->kind == ExpressionKind::Call) {
+            SymbolId& function = static_cast<CallExpression&>(*made->object).name;
+            if (function == symbols_.identifier("field")) function = symbols_.identifier("member");
+        }
     }
     return made;
 }

@@ -18,13 +18,14 @@ uint32_t Runtime::nextRandom() {
 }
 
 std::vector<std::span<const Builtin>> builtinFamilies() {
-    return {mathBuiltins(), textBuiltins(),   listBuiltins(),   shapeBuiltins(),  imageBuiltins(),
-            drawBuiltins(), systemBuiltins(), objectBuiltins(), vectorBuiltins(), dataBuiltins()};
+    return {mathBuiltins(),   textBuiltins(), listBuiltins(),     shapeBuiltins(),
+            imageBuiltins(),  drawBuiltins(), systemBuiltins(),   objectBuiltins(),
+            vectorBuiltins(), dataBuiltins(), transformBuiltins()};
 }
 
 std::vector<std::span<const PropertyEntry>> propertyFamilies() {
-    return {objectProperties(), systemProperties(), movieProperties(),
-            scriptProperties(), vectorProperties(), dataProperties()};
+    return {objectProperties(), systemProperties(), movieProperties(),    scriptProperties(),
+            vectorProperties(), dataProperties(),   transformProperties()};
 }
 
 const Value& Arguments::operator[](size_t index) const {

@@ -135,6 +135,7 @@ std::span<const Builtin> systemBuiltins();
 std::span<const Builtin> objectBuiltins();
 std::span<const Builtin> vectorBuiltins();
 std::span<const Builtin> dataBuiltins();
+std::span<const Builtin> transformBuiltins();
 /// All of them.
 std::vector<std::span<const Builtin>> builtinFamilies();
 
@@ -152,6 +153,7 @@ std::span<const PropertyEntry> movieProperties();
 std::span<const PropertyEntry> scriptProperties();
 std::span<const PropertyEntry> vectorProperties();
 std::span<const PropertyEntry> dataProperties();
+std::span<const PropertyEntry> transformProperties();
 std::vector<std::span<const PropertyEntry>> propertyFamilies();
 
 /// The extensions of files that are pictures.

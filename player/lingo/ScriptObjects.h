@@ -86,8 +86,22 @@ struct VectorObject : Object {
     static constexpr Kind kKind = Kind::Vector;
     explicit VectorObject(std::array<double, 3> numbers) : parts(numbers) {}
     size_t bytes() const override { return sizeof(*this); }
+    std::vector<double> numbers() const override { return {parts.begin(), parts.end()}; }
 
     std::array<double, 3> parts;
+};
+
+/// Four rows of four numbers; see `Transforms.h`.
+using Matrix = std::array<double, 16>;
+
+/// `transform()`
+struct TransformObject : Object {
+    static constexpr Kind kKind = Kind::Transform;
+    explicit TransformObject(const Matrix& numbers) : matrix(numbers) {}
+    size_t bytes() const override { return sizeof(*this); }
+    std::vector<double> numbers() const override { return {matrix.begin(), matrix.end()}; }
+
+    Matrix matrix;
 };
 
 /// `date(year, month, day)`, and the seconds since midnight.
@@ -96,6 +110,9 @@ struct DateObject : Object {
     DateObject(int32_t ofYear, int32_t ofMonth, int32_t ofDay, int32_t since)
         : year(ofYear), month(ofMonth), day(ofDay), seconds(since) {}
     size_t bytes() const override { return sizeof(*this); }
+    std::vector<double> numbers() const override {
+        return {double(year), double(month), double(day), double(seconds)};
+    }
 
     int32_t year, month, day, seconds;
 };
@@ -105,6 +122,7 @@ struct ByteArrayObject : Object {
     static constexpr Kind kKind = Kind::ByteArray;
     explicit ByteArrayObject(std::vector<uint8_t> values) : content(std::move(values)) {}
     size_t bytes() const override { return sizeof(*this) + content.capacity(); }
+    std::vector<double> numbers() const override { return {content.begin(), content.end()}; }
 
     std::vector<uint8_t> content;
     size_t position = 0;  ///< of the next read or write

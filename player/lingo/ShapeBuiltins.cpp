@@ -87,6 +87,27 @@ Value offset(Runtime& runtime, const Arguments& arguments) {
     return Value::integer(1 + countChunks(std::string_view(whole).substr(0, found), ChunkKind::Char, ','));
 }
 
+/// Where a coordinate between two sides of one rect is between the same sides of another.
+Value mappedBetween(const std::array<Value, 4>& from, const std::array<Value, 4>& to, size_t near,
+                    const Value& place) {
+    const double start = from[near].number(), extent = from[near + 2].number() - start;
+    const double share = extent == 0 ? 0 : (place.number() - start) / extent;
+    const double target = to[near].number();
+    return Value::integer(rounded(target + share * (to[near + 2].number() - target)));
+}
+
+/// A point or rect, moved from one rect to another.
+Value map(Runtime& runtime, const Arguments& arguments) {
+    const auto &from = arguments.object<RectObject>(1).values, &to = arguments.object<RectObject>(2).values;
+    const auto mapped = [&](size_t near, const Value& place) { return mappedBetween(from, to, near, place); };
+    if (const auto* point = arguments[0].as<PointObject>())
+        return runtime.heap.make<PointObject>(
+            std::array<Value, 2>{mapped(0, point->values[0]), mapped(1, point->values[1])});
+    const auto& sides = arguments.object<RectObject>(0).values;
+    return makeRect(runtime, mapped(0, sides[0]), mapped(1, sides[1]), mapped(0, sides[2]),
+                    mapped(1, sides[3]));
+}
+
 uint8_t byteOf(const Arguments& arguments, size_t index) { return clampByte(arguments.integer(index)); }
 
 /// From three numbers, a string `#RRGGBB`, or one number that packs all three.
@@ -136,6 +157,7 @@ constexpr Builtin kBuiltins[] = {
     {"inside", 2, 2, inside},
     {"inflate", 3, 3, inflate},
     {"offset", 2, 3, offset},
+    {"map", 3, 3, map},
     {"rgb", 1, 3, rgb},
     {"color", 1, 4, color},
     {"hexString", 1, 1, hexString},

@@ -95,6 +95,8 @@ public:
                 return dateText(*value.as<DateObject>());
             case Kind::ByteArray:
                 return bytesText(value.as<ByteArrayObject>()->content);
+            case Kind::Transform:
+                return transformText(value.as<TransformObject>()->matrix);
             case Kind::Environment:
                 return std::string("(") + value.as<EnvironmentObject>()->name + ')';
         }
@@ -106,6 +108,13 @@ private:
         std::string all;
         for (double part : parts) all += (all.empty() ? "" : ", ") + floatText(part, style_.floatPrecision);
         return "vector( " + all + " )";
+    }
+
+    std::string transformText(const Matrix& matrix) const {
+        std::string all;
+        for (size_t i = 0; i < matrix.size(); ++i)
+            all += (i == 0 ? "" : i % 4 == 0 ? ", " : ",") + floatText(matrix[i], style_.floatPrecision);
+        return "transform(" + all + ')';
     }
 
     static std::string bytesText(const std::vector<uint8_t>& bytes) {
@@ -182,15 +191,16 @@ std::string kindName(Kind kind) {
                                             "a vector",
                                             "a date",
                                             "a byte array",
+                                            "a transform",
                                             "an object of the player"};
     return names[static_cast<size_t>(kind)];
 }
 
 const char* ilkName(Kind kind) {
-    static constexpr const char* names[] = {"void",   "integer", "symbol",   "color",     "float",
-                                            "string", "list",    "propList", "point",     "rect",
-                                            "image",  "xtra",    "instance", "script",    "instance",
-                                            "member", "vector",  "date",     "byteArray", "object"};
+    static constexpr const char* names[] = {
+        "void",     "integer", "symbol", "color", "float",     "string",    "list",
+        "propList", "point",   "rect",   "image", "xtra",      "instance",  "script",
+        "instance", "member",  "vector", "date",  "byteArray", "transform", "object"};
     return names[static_cast<size_t>(kind)];
 }
 
