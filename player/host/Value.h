@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <bit>
 #include <cstdint>
 #include <utility>
 
@@ -52,8 +54,8 @@ constexpr uint32_t generationOf(const ScriptValue& words) {
 }
 constexpr uint32_t slotOf(const ScriptValue& words) { return static_cast<uint32_t>(words.words[1]); }
 constexpr ScriptValue wordsOf(Kind kind, uint32_t generation, uint32_t payload) {
-    return {
-        {static_cast<int32_t>(generation << 8 | static_cast<uint32_t>(kind)), static_cast<int32_t>(payload)}};
+    const std::array<uint32_t, 2> both = {generation << 8 | static_cast<uint32_t>(kind), payload};
+    return std::bit_cast<ScriptValue>(std::bit_cast<uint64_t>(both));
 }
 
 /// A value that owns one reference to its object.

@@ -9,7 +9,7 @@ namespace krl::player {
 /// Whether a value counts as true: any number that is not 0.
 bool truthOf(const Value& value);
 
-/// The fast path for two integers; false for an operator that needs `operate`.
+/// The fast path for two integers; false if it takes `operate`.
 inline bool operateOnIntegers(Operator operation, int32_t a, int32_t b, Value& result) {
     switch (operation) {
         case Operator::Add:
@@ -20,6 +20,14 @@ inline bool operateOnIntegers(Operator operation, int32_t a, int32_t b, Value& r
             return true;
         case Operator::Multiply:
             result = Value::integer(wrapMultiply(a, b));
+            return true;
+        case Operator::Divide:
+            if (b <= 0) return false;
+            result = Value::integer(a / b);
+            return true;
+        case Operator::Modulo:
+            if (b <= 0) return false;
+            result = Value::integer(a % b);
             return true;
         case Operator::Equal:
             result = Value::truth(a == b);

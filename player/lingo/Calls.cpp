@@ -6,16 +6,6 @@
 /// Calls of handlers, methods and functions.
 namespace krl::player {
 
-Value Interpreter::evaluateCall(const CallExpression& expression) {
-    const bool asMethod = expression.object != nullptr;
-    ValueArray arguments(expression.arguments.size() + asMethod);
-    if (asMethod) arguments[0] = evaluate(*expression.object);
-    for (size_t i = 0; i < expression.arguments.size(); ++i)
-        arguments[i + asMethod] = evaluate(*expression.arguments[i]);
-    place_ = expression.place;
-    return callByName(expression.name, arguments.all(), asMethod);
-}
-
 /// Looks up an object's own method first; then, unless it is a method call, the handlers of this script and
 /// of the movie; then the built-in functions.
 Value Interpreter::callByName(SymbolId name, std::span<const Value> arguments, bool asMethod) {
@@ -30,7 +20,7 @@ Value Interpreter::callByName(SymbolId name, std::span<const Value> arguments, b
                         (arguments.front().is(Kind::Script) || arguments.front().is(Kind::Xtra));
     if (!asMethod && !making)
         for (const LoadedScript* script : {frame_ ? &frame_->script : nullptr, movie_})
-            if (const Handler* handler = script ? script->handler(name) : nullptr) {
+            if (const HandlerCode* handler = script ? script->handler(name) : nullptr) {
                 const bool own = frame_ && script == &frame_->script;
                 return callHandler(*script, *handler, arguments, own ? frame_->owner : Value());
             }

@@ -60,6 +60,7 @@ void ExpressionParser::failAt(Place place, const std::string& message) const {
 
 void ExpressionParser::contain(Expression& whole, const ExpressionPointer& part) const {
     whole.depth = std::max(whole.depth, part->depth + 1);
+    whole.calls = whole.calls || part->calls;
     if (whole.depth > kDeepestExpression) failAt(whole.place, "the expression is nested too deeply");
 }
 

@@ -9,6 +9,7 @@
 #include "player/host/Compare.h"
 #include "player/lingo/InterpreterScopes.h"
 #include "player/lingo/Parser.h"
+#include "player/lingo/StatementCompiler.h"
 
 /// Scripts, handlers and texts that are evaluated.
 namespace krl::player {
@@ -64,14 +65,13 @@ LoadedScript Interpreter::makeScript(const std::string& name, std::unique_ptr<Sc
     LoadedScript made;
     made.name = name;
     made.syntax = std::move(syntax);
-    for (const LiteralExpression* literal : made.syntax->literals)
-        made.literals.push_back(literal->kind == ExpressionKind::Float ? heap.number(literal->real)
-                                                                       : text(literal->text));
     for (const auto& handler : made.syntax->handlers) {
+        StatementCompiler compiler(*handler, *made.syntax, heap, symbols, globals_);
+        made.codes.push_back(std::make_unique<HandlerCode>(compiler.compile()));
         if (handler->name < 0) continue;  // of a text, which nothing calls
         const auto place = static_cast<size_t>(handler->name);
         if (made.handlers.size() <= place) made.handlers.resize(place + 1);
-        if (!made.handlers[place]) made.handlers[place] = handler.get();
+        if (!made.handlers[place]) made.handlers[place] = made.codes.back().get();
     }
     return made;
 }
@@ -80,14 +80,15 @@ const LoadedScript& Interpreter::load(std::shared_ptr<const Source> source, cons
     return scripts_.emplace_back(makeScript(name, parseScript(std::move(source), symbols)));
 }
 
-Value Interpreter::run(const LoadedScript& script, const Handler& handler, std::span<const Value> arguments) {
+Value Interpreter::run(const LoadedScript& script, const HandlerCode& handler,
+                       std::span<const Value> arguments) {
     return callHandler(script, handler, arguments, Value());
 }
 
 Value Interpreter::evaluateText(std::string name, std::string_view text) {
     auto source = std::make_shared<Source>(Source{std::move(name), std::string(text)});
     const LoadedScript script = makeScript("", parseExpression(std::move(source), symbols));
-    return callHandler(script, *script.syntax->handlers.front(), {}, Value());
+    return callHandler(script, *script.codes.front(), {}, Value());
 }
 
 /// The method of the plug-in that is meant, whose prefix may be missing.
@@ -124,9 +125,9 @@ Value Interpreter::callOn(const Value& instance, std::string name, std::string_v
     // Holds the instance during the call, under a name that no script can write.
     const SymbolId receiver = symbols.identifier("the instance");
     answer.expression = sentTo(receiver, *answer.expression, *source);
-    globals_[receiver] = instance;
+    globals_.named(receiver) = instance;
     const LoadedScript script = makeScript("", std::move(syntax));
-    return callHandler(script, *script.syntax->handlers.front(), {}, Value());
+    return callHandler(script, *script.codes.front(), {}, Value());
 }
 
 void Interpreter::close() {
@@ -134,34 +135,44 @@ void Interpreter::close() {
     members_.clear();
     scriptValues_.clear();
     result = actorList = Value();
+    for (Value& letter : letters_) letter = Value();
     heap.freeCycles();
-    for (LoadedScript& script : scripts_) script.literals.clear();
+    for (LoadedScript& script : scripts_)
+        for (const auto& code : script.codes) code->constants.clear();
 }
 
-namespace {
-
-ValueArray localsOf(const Handler& handler) { return ValueArray(handler.locals.size(), Value::unassigned()); }
-
-}  // namespace
-
-Value Interpreter::callHandler(const LoadedScript& script, const Handler& handler,
+Value Interpreter::callHandler(const LoadedScript& script, const HandlerCode& code,
                                std::span<const Value> arguments, Value owner) {
     if (handlers_ >= options_.recursionLimit)
         throw HostError("handlers call each other more than " + std::to_string(options_.recursionLimit) +
-                        " deep; \"" + symbols.spelling(handler.name) + "\" may never end");
-    Frame made{script, handler, arguments, std::move(owner), localsOf(handler), {}};
-    for (size_t i = 0; i < handler.parameters; ++i)
-        made.locals[i] = i < arguments.size() ? arguments[i] : Value();
+                        " deep; \"" + symbols.spelling(code.handler->name) + "\" may never end");
+    Registers registers(stack_, code.registers);
+    Frame made = frameOf(script, code, arguments, std::move(owner), registers.data());
+    for (size_t i = 0; i < std::min(code.handler->parameters, arguments.size()); ++i)
+        made.registers[i] = arguments[i];
     runBody(made);
     result = made.answer;
     return std::move(made.answer);
+}
+
+Frame Interpreter::frameOf(const LoadedScript& script, const HandlerCode& code,
+                           std::span<const Value> arguments, Value owner, Value* registers) {
+    PropertyHolder* const properties = holderOf(owner);
+    for (size_t i = code.handler->parameters; i < code.handler->locals.size(); ++i)
+        registers[i] = Value::unassigned();
+    return {script,       code, arguments, std::move(owner), properties, registers, code.constants.data(),
+            code.locals()};
 }
 
 /// Executes a handler in its frame; errors get their place.
 void Interpreter::runBody(Frame& made) {
     const FrameScope scope(*this, made);
     try {
-        execute(made.handler.body);
+        const Instruction* at = made.code.instructions.data();
+        while (at) {
+            made.at = at;
+            at = at->run(*this, made, *at);
+        }
     } catch (const ScriptError& error) {
         if (error.place().line > 0) throw;
         throw placed(error.message());
@@ -172,8 +183,13 @@ void Interpreter::runBody(Frame& made) {
     }
 }
 
+void Interpreter::countStep() {
+    if (++steps_ > options_.stepLimit)
+        throw HostError("the script takes more than " + std::to_string(options_.stepLimit) + " steps");
+}
+
 ScriptError Interpreter::placed(const std::string& message) const {
-    return frame_->script.syntax->source->error(place_, message);
+    return frame_->script.syntax->source->error(frame_->place(), message);
 }
 
 Value Interpreter::send(SymbolId name, std::span<const Value> arguments) {
@@ -198,8 +214,9 @@ void Interpreter::runText(const std::string& statements) {
 Surroundings Interpreter::surroundings() const {
     if (!frame_) return {};
     Surroundings found;
-    for (size_t i = 0; i < frame_->locals.size(); ++i)
-        if (!frame_->locals[i].isUnassigned()) found.locals.push_back(frame_->handler.locals[i]);
+    const std::vector<SymbolId>& names = frame_->code.handler->locals;
+    for (size_t i = 0; i < names.size(); ++i)
+        if (!frame_->registers[i].isUnassigned()) found.locals.push_back(names[i]);
     found.properties = frame_->script.syntax->properties;
     return found;
 }
@@ -207,17 +224,60 @@ Surroundings Interpreter::surroundings() const {
 /// Runs a text with the variables of the running handler, which get the values that it has set.
 Value Interpreter::runInFrame(std::unique_ptr<Script> syntax) {
     const LoadedScript script = makeScript("", std::move(syntax));
-    const Handler& handler = *script.syntax->handlers.front();
-    Frame made{script, handler, {}, frame_ ? frame_->owner : Value(), localsOf(handler), {}};
+    const HandlerCode& code = *script.codes.front();
+    Registers registers(stack_, code.registers);
+    Frame made = frameOf(script, code, {}, frame_ ? frame_->owner : Value(), registers.data());
     const auto eachShared = [&](auto&& visit) {
-        for (size_t i = 0; frame_ && i < frame_->handler.locals.size(); ++i)
-            for (size_t j = 0; j < handler.parameters; ++j)
-                if (handler.locals[j] == frame_->handler.locals[i]) visit(frame_->locals[i], made.locals[j]);
+        if (!frame_) return;
+        const std::vector<SymbolId>& outer = frame_->code.handler->locals;
+        for (size_t i = 0; i < outer.size(); ++i)
+            for (size_t j = 0; j < code.handler->parameters; ++j)
+                if (code.handler->locals[j] == outer[i]) visit(frame_->registers[i], made.registers[j]);
     };
     eachShared([](const Value& outer, Value& inner) { inner = outer; });
     runBody(made);
     eachShared([](Value& outer, const Value& inner) { outer = inner; });
     return std::move(made.answer);
+}
+
+/// The value itself if it is a string, so that its index of characters is used again.
+Value Interpreter::asText(Value value) { return value.is(Kind::String) ? value : text(plain(value)); }
+
+/// A part of a text. Single letters are values that are made once.
+Value Interpreter::piece(std::string_view part) {
+    const auto letter = part.size() == 1 ? static_cast<unsigned char>(part.front()) : letters_.size();
+    if (letter >= letters_.size()) return text(std::string(part));
+    if (letters_[letter].isVoid()) letters_[letter] = text(std::string(part));
+    return letters_[letter];
+}
+
+namespace {
+
+/// Calls `use` with a value as plain text.
+template <class Use>
+void withPlainText(const Runtime& runtime, const Value& value, Use&& use) {
+    if (const auto* string = value.as<StringObject>())
+        use(string->text);
+    else
+        use(runtime.plain(value));
+}
+
+}  // namespace
+
+void Interpreter::addTo(std::string& whole, const Value& value) {
+    withPlainText(*this, value, [&](const std::string& more) {
+        heap.mustHold(whole.size() + more.size());
+        whole += more;
+    });
+}
+
+void Interpreter::grow(StringObject& text, const Value& value) {
+    withPlainText(*this, value, [&](const std::string& more) {
+        const size_t whole = text.text.size() + more.size();
+        if (whole > text.text.capacity()) heap.mustHold(whole);
+        text.append(more);
+        heap.recount(text);
+    });
 }
 
 Value Interpreter::scriptNamed(const std::string& name) {
@@ -250,7 +310,7 @@ std::vector<std::string> Interpreter::castMemberNames() const {
 Value Interpreter::newInstance(const Value& script, std::span<const Value> arguments) {
     const LoadedScript& loaded = script.as<ScriptObject>()->script;
     Value made = heap.make<InstanceObject>(loaded);
-    const Handler* handler = loaded.handler(newName_);
+    const HandlerCode* handler = loaded.handler(newName_);
     if (!handler) return made;
     std::vector<Value> all = {made};
     all.insert(all.end(), arguments.begin(), arguments.end());

@@ -1,13 +1,15 @@
 #pragma once
 
+#include <array>
 #include <deque>
 #include <map>
 #include <unordered_map>
 
+#include "player/lingo/Globals.h"
 #include "player/lingo/Parser.h"
+#include "player/lingo/Registers.h"
 #include "player/lingo/Runtime.h"
 #include "player/lingo/Session.h"
-#include "player/lingo/ValueArray.h"
 
 namespace krl::player {
 
@@ -16,7 +18,7 @@ std::shared_ptr<const Source> scriptSource(const std::filesystem::path& file);
 /// Writes Lingo text with its carriage returns converted to line feeds.
 void writeLines(std::ostream& out, std::string_view text);
 
-/// Runs scripts by walking their syntax trees.
+/// Runs scripts: compiles them when they are loaded, and carries out their instructions.
 class Interpreter : public Runtime {
 public:
     Interpreter(EmbeddedHost& embedded, Xtra& plugIn, const SessionOptions& options);
@@ -24,7 +26,7 @@ public:
     /// Parses a script and stores it under its name.
     const LoadedScript& load(std::shared_ptr<const Source> source, const std::string& name);
     /// Calls a handler of a script from outside.
-    Value run(const LoadedScript& script, const Handler& handler, std::span<const Value> arguments);
+    Value run(const LoadedScript& script, const HandlerCode& handler, std::span<const Value> arguments);
     /// Evaluates a text with one expression.
     Value evaluateText(std::string name, std::string_view text);
     /// Sends the call in a text, such as `brightness(40, #RGB)`, to an instance of the plug-in; the
@@ -53,66 +55,25 @@ public:
     const std::map<std::string, int64_t>& skipped() const { return skipped_; }
 
 private:
-    /// How a statement ended.
-    enum class Flow { Onward, ExitRepeat, NextRepeat, Return };
-
-    /// The frame of a running handler.
-    struct Frame {
-        const LoadedScript& script;
-        const Handler& handler;
-        std::span<const Value> arguments;
-        Value owner;  ///< the instance or script whose properties are in scope, or VOID
-        ValueArray locals;
-        Value answer;
-    };
+    friend struct Operations;
     class FrameScope;
     class DepthGuard;
 
-    // Statements.
-    Flow execute(const Block& block);
-    Flow execute(const Statement& statement);
-    Flow executeIf(const IfStatement& statement);
-    Flow executeCase(const CaseStatement& statement);
-    Flow repeatWhile(const RepeatStatement& statement);
-    Flow repeatWith(const RepeatStatement& statement);
-    Flow repeatIn(const RepeatStatement& statement);
     /// Throws when the script has taken more steps than it may.
     void countStep();
-    /// Runs the body once; false when the loop ends with `flow`.
-    bool goOn(const RepeatStatement& statement, Flow& flow);
-    void put(const PutStatement& statement);
-    StringObject* growable(const Expression& target);
-    void grow(StringObject& text, const std::string& more);
-    std::string addedText(const Expression& joined);
-    bool growInPlace(const AssignStatement& statement);
-    void putInto(const AssignStatement& statement);
 
-    // Assignment.
-    void assign(const Expression& target, Value value);
-    void assignVariable(const VariableExpression& target, Value value);
-    void assignProperty(const PropertyExpression& target, const Value& value);
+    // Texts.
+    Value asText(Value value);
+    Value piece(std::string_view part);
+    void addTo(std::string& whole, const Value& value);
+    void grow(StringObject& text, const Value& value);
+
+    // Properties and elements of objects.
+    Value item(const Value& object, const Value& index);
     void setItem(const Value& object, const Value& index, const Value& value);
+    Value property(const Value& object, SymbolId name);
+    void setProperty(const Value& object, SymbolId name, const Value& value);
     Value withChannel(const Value& colour, SymbolId name, const Value& level);
-    void assignChunk(const ChunkExpression& target, const std::string& text);
-    void remove(const Expression& target);
-    void deleteChunk(const ChunkExpression& target);
-    Value* variable(const VariableExpression& expression);
-
-    // Expressions.
-    Value evaluate(const Expression& expression);
-    Value evaluateCompound(const Expression& expression);
-    Value evaluateVariable(const VariableExpression& expression);
-    const Value& operand(const Expression& expression, Value& held);
-    Value evaluateBinary(const BinaryExpression& expression);
-    Value evaluateList(const ListExpression& expression);
-    Value evaluatePropertyList(const ListExpression& expression);
-    Value evaluateProperty(const PropertyExpression& expression);
-    Value evaluateSystemProperty(const PropertyExpression& expression);
-    Value evaluateIndex(const IndexExpression& expression);
-    Value asText(const Value& value);
-    Value evaluateChunk(const ChunkExpression& expression);
-    std::pair<int32_t, int32_t> chunkRange(const ChunkExpression& expression, const std::string& text);
-    Value property(const Value& object, SymbolId name, Place place);
     Value environmentProperty(const EnvironmentObject& environment, SymbolId name);
     Value systemProperty(SymbolId name);
     void setSystemProperty(SymbolId name, const Value& value);
@@ -125,13 +86,15 @@ private:
     Value& ancestorOf(PropertyHolder& holder) const;
 
     // Calls.
-    Value evaluateCall(const CallExpression& expression);
     Value callByName(SymbolId name, std::span<const Value> arguments, bool asMethod);
     /// Sends to an instance or the plug-in; false if the object has no such method.
     bool callOnObject(SymbolId name, std::span<const Value> arguments, Value& answer);
     Value callXtra(int32_t selector, std::span<const Value> arguments);
-    Value callHandler(const LoadedScript& script, const Handler& handler, std::span<const Value> arguments,
+    Value callHandler(const LoadedScript& script, const HandlerCode& code, std::span<const Value> arguments,
                       Value owner);
+    /// A frame whose parameters are not set yet.
+    static Frame frameOf(const LoadedScript& script, const HandlerCode& code,
+                         std::span<const Value> arguments, Value owner, Value* registers);
     Value callBuiltin(const Builtin& builtin, std::span<const Value> arguments);
     const Builtin* builtin(SymbolId name) const;
     const PropertyEntry* propertyOf(Kind kind, SymbolId name) const;
@@ -139,7 +102,7 @@ private:
     [[noreturn]] void unknownCall(SymbolId name, std::span<const Value> arguments, bool asMethod);
     bool skipsStage() const;
     Value missing(const char* need, SymbolId name, const std::span<const Value>* arguments);
-    [[noreturn]] void unknownVariable(const VariableExpression& expression);
+    [[noreturn]] void unknownVariable(SymbolId variable);
     [[noreturn]] void unknownProperty(const Value& object, SymbolId name);
     std::vector<std::string> functionNames() const;
     std::vector<std::string> propertyNames(Kind kind) const;
@@ -150,21 +113,21 @@ private:
     Value runInFrame(std::unique_ptr<Script> syntax);
     void runBody(Frame& made);
     LoadedScript makeScript(const std::string& name, std::unique_ptr<Script> syntax);
-    Frame& frame() { return *frame_; }
     ScriptError placed(const std::string& message) const;
 
     const SessionOptions& options_;
     std::deque<LoadedScript> scripts_;
     std::map<std::string, Value> scriptValues_;
     std::map<std::string, Value> members_;
-    std::unordered_map<SymbolId, Value> globals_;
+    Globals globals_;
     std::vector<const Builtin*> builtins_;  ///< by symbol
     std::unordered_map<uint64_t, const PropertyEntry*> properties_;
     std::map<std::string, int64_t> skipped_;  ///< what needed a stage
     const LoadedScript* movie_ = nullptr;
     SymbolId newName_, ancestorName_, tablesName_;
     Frame* frame_ = nullptr;
-    Place place_;
+    RegisterStack stack_;
+    std::array<Value, 128> letters_;  ///< texts of one character, as they are first needed
     int handlers_ = 0;
     int depth_ = 0;
     uint64_t steps_ = 0;

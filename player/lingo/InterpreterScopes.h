@@ -5,7 +5,7 @@
 
 namespace krl::player {
 
-/// Limit of nested statements and expressions, counted over all running handlers.
+/// Limit of running handlers and texts, whatever the caller allows.
 inline constexpr int kDeepestEvaluation = 8000;
 /// Limit of the stack they use, about half of a thread's stack: sanitizer builds need more per level.
 #if defined(_WIN32)
@@ -40,13 +40,12 @@ private:
 class Interpreter::FrameScope {
 public:
     FrameScope(Interpreter& interpreter, Frame& frame)
-        : interpreter_(interpreter), caller_(interpreter.frame_), place_(interpreter.place_) {
+        : interpreter_(interpreter), caller_(interpreter.frame_), depth_(interpreter) {
         interpreter_.frame_ = &frame;
         ++interpreter_.handlers_;
     }
     ~FrameScope() {
         interpreter_.frame_ = caller_;
-        interpreter_.place_ = place_;
         --interpreter_.handlers_;
     }
     FrameScope(const FrameScope&) = delete;
@@ -55,7 +54,7 @@ public:
 private:
     Interpreter& interpreter_;
     Frame* caller_;
-    Place place_;
+    const DepthGuard depth_;
 };
 
 }  // namespace krl::player

@@ -31,8 +31,6 @@ public:
             }
         }
         resolveScopes();
-        // What was given up has taken its literals along; such a script never runs.
-        if (mistakes_ && !mistakes_->empty()) script_->literals.clear();
         return std::move(script_);
     }
 

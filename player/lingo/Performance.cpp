@@ -24,28 +24,28 @@ bool Performance::unlessHalted(Work&& work) {
     return true;
 }
 
-const Handler* Performance::handler(const char* name) const {
+const HandlerCode* Performance::handler(const char* name) const {
     return script_.handler(interpreter_.symbols.identifier(name));
 }
 
 /// The handler that a script starts at; null if it has only handlers for events, and these get their events.
-const Handler* Performance::entry(bool inFrames) const {
+const HandlerCode* Performance::entry(bool inFrames) const {
     for (const char* name : {"main", "startMovie"})
-        if (const Handler* found = handler(name)) return found;
-    for (const auto& one : script_.syntax->handlers) {
-        const std::string& name = interpreter_.symbols.spelling(one->name);
+        if (const HandlerCode* found = handler(name)) return found;
+    for (const auto& one : script_.codes) {
+        const std::string& name = interpreter_.symbols.spelling(one->handler->name);
         const bool event = std::any_of(std::begin(kEvents), std::end(kEvents),
                                        [&](const char* known) { return compareText(name, known) == 0; });
         if (!event) return one.get();
     }
     const bool begun = handler("prepareMovie") || handler("stopMovie");
-    return inFrames || begun ? nullptr : script_.syntax->handlers.front().get();
+    return inFrames || begun ? nullptr : script_.codes.front().get();
 }
 
 void Performance::run(const Value& arguments, int frames) {
     const bool started = unlessHalted([&] {
         send("prepareMovie");
-        if (const Handler* first = entry(frames > 0)) interpreter_.run(script_, *first, {&arguments, 1});
+        if (const HandlerCode* first = entry(frames > 0)) interpreter_.run(script_, *first, {&arguments, 1});
     });
     bool running = started;
     for (int i = 0; running && i < frames; ++i) {
@@ -56,7 +56,7 @@ void Performance::run(const Value& arguments, int frames) {
 }
 
 void Performance::send(const char* message) {
-    if (const Handler* found = handler(message)) interpreter_.run(script_, *found, {});
+    if (const HandlerCode* found = handler(message)) interpreter_.run(script_, *found, {});
 }
 
 void Performance::frame() {

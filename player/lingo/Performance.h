@@ -15,8 +15,8 @@ public:
     void run(const Value& arguments, int frames);
 
 private:
-    const Handler* handler(const char* name) const;
-    const Handler* entry(bool inFrames) const;
+    const HandlerCode* handler(const char* name) const;
+    const HandlerCode* entry(bool inFrames) const;
     void send(const char* message);
     void frame();
     void stepActors();

@@ -42,18 +42,12 @@ ExpressionPointer ExpressionParser::literal() {
     made->real = token.real;
     made->text = token.text;
     if (kind == ExpressionKind::Symbol) made->symbol = symbols_.symbol(token.text);
-    if (kind == ExpressionKind::Float) {
-        made->index = static_cast<int>(script_->literals.size());
-        script_->literals.push_back(made.get());
-    }
     return made;
 }
 
 ExpressionPointer ExpressionParser::text(std::string characters, Place place) {
     auto made = node<LiteralExpression>(ExpressionKind::String, place);
     made->text = std::move(characters);
-    made->index = static_cast<int>(script_->literals.size());
-    script_->literals.push_back(made.get());
     return made;
 }
 
@@ -72,8 +66,6 @@ ExpressionPointer ExpressionParser::constant() {
     if (here().isWord("pi")) {
         auto made = node<LiteralExpression>(ExpressionKind::Float, take().place);
         made->real = std::numbers::pi;
-        made->index = static_cast<int>(script_->literals.size());
-        script_->literals.push_back(made.get());
         return made;
     }
     for (const bool truth : {false, true})

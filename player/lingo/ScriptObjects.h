@@ -5,19 +5,19 @@
 #include <vector>
 
 #include "player/host/Objects.h"
-#include "player/lingo/Syntax.h"
+#include "player/lingo/Code.h"
 
 /// Scripts as values.
 namespace krl::player {
 
-/// A loaded script: its syntax, and its float and string literals as values.
+/// A loaded script and its compiled handlers.
 struct LoadedScript {
     std::string name;
     std::unique_ptr<Script> syntax;
-    std::vector<Value> literals;
-    std::vector<const Handler*> handlers;  ///< by symbol
+    std::vector<std::unique_ptr<HandlerCode>> codes;  ///< as they are written
+    std::vector<const HandlerCode*> handlers;         ///< by symbol
 
-    const Handler* handler(SymbolId wanted) const {
+    const HandlerCode* handler(SymbolId wanted) const {
         const auto place = static_cast<size_t>(wanted);
         return place < handlers.size() ? handlers[place] : nullptr;
     }

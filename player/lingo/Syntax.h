@@ -32,11 +32,15 @@ enum class ExpressionKind {
 };
 
 struct Expression {
-    Expression(ExpressionKind what, Place where) : kind(what), place(where) {}
+    Expression(ExpressionKind what, Place where)
+        : kind(what),
+          place(where),
+          calls(what == ExpressionKind::Call || what == ExpressionKind::MethodCall) {}
     virtual ~Expression() = default;
 
     const ExpressionKind kind;
     Place place;
+    bool calls;     ///< whether it contains a call
     int depth = 1;  ///< levels of nested expressions, including this one
 };
 using ExpressionPointer = std::unique_ptr<Expression>;
@@ -48,7 +52,6 @@ struct LiteralExpression : Expression {
     double real = 0;
     std::string text;
     SymbolId symbol = -1;
-    int index = -1;  ///< index among the script's float and string literals
 };
 
 struct ListExpression : Expression {
@@ -224,8 +227,6 @@ struct Script {
     std::vector<std::unique_ptr<Handler>> handlers;
     std::vector<SymbolId> properties;
     std::vector<SymbolId> globals;
-    /// Its float and string literals, so that each becomes a value only once.
-    std::vector<const LiteralExpression*> literals;
 
     const Handler* handler(SymbolId name) const;
 };

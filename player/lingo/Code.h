@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "player/host/Value.h"
+#include "player/lingo/Syntax.h"
+
+/// Handlers in the form that runs: instructions on numbered registers.
+namespace krl::player {
+
+class Interpreter;
+struct Frame;
+struct Instruction;
+struct LoadedScript;
+struct PropertyHolder;
+
+/// Carries out an instruction. Returns the next one, or null at the end of the handler.
+using Operation = const Instruction* (*)(Interpreter&, Frame&, const Instruction&);
+
+/// What the numbers mean depends on the operation; see `Operations`.
+struct Instruction {
+    Operation run;
+    int32_t a, b, c, d;
+};
+
+/// A compiled handler. Its first registers are the local variables, the rest hold temporary values, each of
+/// which is used once.
+struct HandlerCode {
+    const Handler* handler = nullptr;
+    std::vector<Instruction> instructions;
+    std::vector<Place> places;  ///< of each instruction
+    std::vector<Value> constants;
+    int32_t registers = 0;
+
+    int32_t locals() const { return static_cast<int32_t>(handler->locals.size()); }
+};
+
+/// A running handler.
+struct Frame {
+    const LoadedScript& script;
+    const HandlerCode& code;
+    std::span<const Value> arguments;
+    Value owner;                 ///< the instance or script whose properties are in scope, or VOID
+    PropertyHolder* properties;  ///< those of the owner; null if it is VOID
+    Value* registers;
+    const Value* constants;
+    int32_t locals;
+    const Instruction* at = nullptr;
+    Value answer{};
+
+    /// The value in a register, or a constant, whose numbers are below 0.
+    const Value& operand(int32_t number) const { return number < 0 ? constants[~number] : registers[number]; }
+    /// A copy of an operand; VOID for a variable without a value. Moves a temporary value.
+    Value take(int32_t number) {
+        if (number >= locals) return std::move(registers[number]);
+        const Value& found = operand(number);
+        return found.isVoid() ? Value() : found;
+    }
+    /// Releases a temporary value.
+    void drop(int32_t number) {
+        if (number >= locals) registers[number] = Value();
+    }
+    void drop(int32_t first, int32_t count) {
+        for (int32_t i = 0; i < count; ++i) registers[first + i] = Value();
+    }
+    Place place() const { return code.places[static_cast<size_t>(at - code.instructions.data())]; }
+};
+
+}  // namespace krl::player

@@ -1,0 +1,101 @@
+#pragma once
+
+#include "player/lingo/Arithmetic.h"
+#include "player/lingo/Code.h"
+#include "player/lingo/Interpreter.h"
+
+namespace krl::player {
+
+/// How a chunk is written, in the last number of an instruction: the kind and the positions that follow.
+struct ChunkForm {
+    ChunkKind kind;
+    bool first, last;
+
+    int32_t packed() const { return static_cast<int32_t>(kind) * 4 + first * 2 + last; }
+    static ChunkForm of(int32_t number) {
+        return {static_cast<ChunkKind>(number / 4), (number & 2) != 0, (number & 1) != 0};
+    }
+};
+
+/// The instructions. In their descriptions `a` to `d` are registers, which `operand` reads, or numbers; a
+/// jump is the distance to the next instruction. Temporary values are released when they have been used.
+struct Operations {
+    using Next = const Instruction*;
+    using Run = std::remove_pointer_t<Operation>;
+
+    // Values.
+    static Run move;           ///< a = b
+    static Run copy;           ///< a = b, which is kept
+    static Run loadGlobal;     ///< a = global b
+    static Run storeGlobal;    ///< global a = b
+    static Run loadProperty;   ///< a = property b of `me`, called c
+    static Run storeProperty;  ///< property a of `me` = b, called c
+    static Run clear;          ///< releases a
+    static Run list;           ///< a = a list with room for b items
+    static Run addItem;        ///< adds b to the list a
+    static Run propertyList;   ///< a = a list with room for b
+    static Run addEntry;       ///< adds b: c to the list a
+
+    // Calculations.
+    static Run negate;  ///< a = -b
+    static Run invert;  ///< a = not b
+    /// a = b op c
+    static Operation binary(Operator operation);
+    static Run join;  ///< a = b & ..., c values
+    /// variable a & b & ..., c values, called d
+    static Operation append(VariableScope scope);
+
+    // Parts of objects.
+    static Run property;           ///< a = b.c
+    static Run setProperty;        ///< a.b = c
+    static Run setChannel;         ///< a.b = c, d if a is no colour
+    static Run systemProperty;     ///< a = the b
+    static Run setSystemProperty;  ///< the a = b
+    static Run item;               ///< a = b[c]
+    static Run setItem;            ///< a[b] = c
+    static Run deleteItem;         ///< delete a[b]
+    static Run setField;           ///< put b into field a
+
+    // Texts.
+    static Run text;         ///< a = b as text
+    static Run show;         ///< a = b as `put` shows it
+    static Run position;     ///< a as a position in b
+    static Run chunk;        ///< a = chunk c to c + 1 of b, form d
+    static Run chunkCount;   ///< a = the number of chunks in b, form d
+    static Run putChunk;     ///< a = b with c + 2 in its place
+    static Run deleteChunk;  ///< a = b without it
+
+    // Calls.
+    static Run call;    ///< a = b(c, ...), d values; a may be -1
+    static Run send;    ///< a = c.b(c + 1, ...), d values
+    static Run answer;  ///< return a
+    static Run end;
+
+    // Statements.
+    static Run step;         ///< begins a statement
+    static Run put;          ///< put a, ..., b values as shown
+    static Run jump;         ///< to d
+    static Run jumpUnless;   ///< to d unless a
+    static Run turnWhile;    ///< to d unless a; else begins a turn
+    static Run jumpIfEqual;  ///< to d if a = b; keeps a
+    static Run count;        ///< a = b as an integer
+    static Run countTurn;    ///< to d if a is beyond b; steps by c
+    static Run countOn;      ///< a = b + c and back to d
+    static Run each;         ///< begins with the list a, a + 1 = 0
+    static Run eachTurn;     ///< a = next of the list b, or to d
+    static Run refuse;       ///< there is nothing to assign to
+
+private:
+    template <Operator kOperation>
+    static Next calculate(Interpreter&, Frame&, const Instruction&);
+    template <VariableScope kScope>
+    static Next appendTo(Interpreter&, Frame&, const Instruction&);
+    template <VariableScope kScope>
+    static Value& variable(Interpreter&, Frame&, const Instruction&, int32_t name);
+    static Next result(Frame& frame, const Instruction& at, Value made);
+    static Next answered(Frame& frame, const Instruction& at, Value answer);
+    static int32_t whole(Interpreter&, Frame&, int32_t operand);
+    static std::pair<int32_t, int32_t> range(Interpreter&, Frame&, const Instruction&, std::string_view text);
+};
+
+}  // namespace krl::player

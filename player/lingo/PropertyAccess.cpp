@@ -1,0 +1,181 @@
+#include <algorithm>
+
+#include "catalogue/NearestName.h"
+#include "core/Numbers.h"
+#include "player/host/Compare.h"
+#include "player/lingo/Arithmetic.h"
+#include "player/lingo/InterpreterScopes.h"
+#include "player/lingo/StageNames.h"
+
+/// Properties and elements of objects.
+namespace krl::player {
+
+Value Interpreter::property(const Value& object, SymbolId name) {
+    if (const auto* environment = object.as<EnvironmentObject>())
+        return environmentProperty(*environment, name);
+    if (skipsStage() && object.isVoid()) return Value();
+    if (const auto* list = object.as<PropertyListObject>())
+        if (const auto* entry = findEntry(symbols, *list, Value::symbol(name))) return entry->value;
+    if (const Value* found = instanceProperty(object, name)) return *found;
+    if (const PropertyEntry* entry = propertyOf(object.kind(), name)) return entry->read(*this, object);
+    if (const Builtin* function = functionAsProperty(object.kind(), name))
+        return callBuiltin(*function, {&object, 1});
+    unknownProperty(object, name);
+}
+
+Value Interpreter::propertyNamed(const Value& object, const Value& name) {
+    return property(object, symbols.identifier(plain(name)));
+}
+
+void Interpreter::setPropertyNamed(const Value& object, const Value& name, const Value& value) {
+    const SymbolId property = symbols.identifier(plain(name));
+    Value* place = instanceProperty(object, property);
+    if (!place) unknownProperty(object, property);
+    const Value gone = std::exchange(*place, value);
+}
+
+/// A function of one number, string or symbol can be written as a property: `"12".integer`.
+const Builtin* Interpreter::functionAsProperty(Kind kind, SymbolId name) const {
+    const Builtin* known = builtin(name);
+    const bool plain =
+        kind == Kind::Integer || kind == Kind::Float || kind == Kind::Symbol || kind == Kind::String;
+    if (!known || !plain || known->least != 1) return nullptr;
+    for (const auto& family : {mathBuiltins(), textBuiltins()})
+        for (const Builtin& entry : family)
+            if (&entry == known) return known;
+    return nullptr;
+}
+
+/// The last ancestor can be a property list.
+Value* Interpreter::instanceProperty(const Value& object, SymbolId name) {
+    if (PropertyHolder* holder = holderOf(object))
+        if (Value* found = holder->property(name)) return found;
+    Value at = object;
+    for (int links = 0; links < kDeepestNesting; ++links) {
+        if (auto* list = at.as<PropertyListObject>(); list && links > 0) {
+            const auto* entry = findEntry(symbols, *list, Value::symbol(name));
+            return entry ? const_cast<Value*>(&entry->value) : nullptr;
+        }
+        PropertyHolder* holder = holderOf(at);
+        if (!holder) return nullptr;
+        if (Value* found = holder->property(name)) return found;
+        if (name == ancestorName_) return &holder->ancestor;
+        at = Value(ancestorOf(*holder));
+    }
+    return nullptr;
+}
+
+/// A global variable, or the system property of that name.
+Value Interpreter::environmentProperty(const EnvironmentObject& environment, SymbolId name) {
+    if (std::string_view(environment.name) != "_global") return systemProperty(name);
+    return globals_.named(name);
+}
+
+Value Interpreter::systemProperty(SymbolId property) {
+    if (const PropertyEntry* entry = propertyOf(Kind::Void, property)) return entry->read(*this, Value());
+    const std::string& name = symbols.spelling(property);
+    if (const char* need = neededBy(name)) return missing(need, property, nullptr);
+    throw HostError("there is no \"the " + name + '"' + didYouMean(name, propertyNames(Kind::Void)));
+}
+
+/// `object[index]`
+Value Interpreter::item(const Value& object, const Value& index) {
+    if (skipsStage() && object.isVoid()) return Value();
+    if (holderOf(object) && index.is(Kind::Symbol)) return property(object, index.symbol());
+    return elementOf(*this, object, index);
+}
+
+void Interpreter::setSystemProperty(SymbolId name, const Value& value) {
+    const PropertyEntry* entry = propertyOf(Kind::Void, name);
+    if (entry && entry->write) return entry->write(*this, Value(), value);
+    const std::string& spelled = symbols.spelling(name);
+    const char* need = entry ? nullptr : neededBy(spelled);
+    if (!need) throw HostError("\"the " + spelled + "\" cannot be set");
+    missing(need, name, nullptr);
+}
+
+/// `object[index] = value`
+void Interpreter::setItem(const Value& object, const Value& index, const Value& value) {
+    if (skipsStage() && object.isVoid()) return;
+    Value* property = index.is(Kind::Symbol) ? instanceProperty(object, index.symbol()) : nullptr;
+    if (!property) return setElement(*this, object, index, value);
+    const Value gone = std::exchange(*property, value);
+}
+
+/// `object.name = value`, except for a channel of a colour.
+void Interpreter::setProperty(const Value& object, SymbolId name, const Value& value) {
+    if (auto* properties = object.as<PropertyListObject>())
+        return setEntry(*this, *properties, Value::symbol(name), value);
+    if (Value* place = instanceProperty(object, name)) {
+        *place = value;
+        return;
+    }
+    if (const auto* environment = object.as<EnvironmentObject>()) {
+        if (std::string_view(environment->name) != "_global") return setSystemProperty(name, value);
+        globals_.named(name) = value;
+        return;
+    }
+    if (skipsStage() && object.isVoid()) return;
+    const PropertyEntry* entry = propertyOf(object.kind(), name);
+    if (!entry) unknownProperty(object, name);
+    if (!entry->write)
+        throw HostError("the property \"" + symbols.spelling(name) + "\" of " + kindName(object.kind()) +
+                        " cannot be set");
+    entry->write(*this, object, value);
+}
+
+/// A copy of a colour with another level of red, green or blue.
+Value Interpreter::withChannel(const Value& colour, SymbolId name, const Value& level) {
+    static constexpr const char* channels[] = {"red", "green", "blue"};
+    uint32_t word = colour.colour().word;
+    for (int i = 0; i < 3; ++i) {
+        if (compareText(symbols.spelling(name), channels[i]) != 0) continue;
+        if (!level.isNumber())
+            throw HostError("expected a number for a colour, not " + kindName(level.kind()));
+        const int32_t whole = level.isInteger() ? level.integer() : rounded(level.number());
+        word = (word & ~(0xFFu << i * 8)) | uint32_t(clampByte(whole)) << i * 8;
+        return Value::colour(Colour(word));
+    }
+    unknownProperty(colour, name);
+}
+
+const PropertyEntry* Interpreter::propertyOf(Kind kind, SymbolId name) const {
+    const auto found = properties_.find(uint64_t(kind) << 32 | static_cast<uint32_t>(name));
+    return found == properties_.end() ? nullptr : found->second;
+}
+
+std::vector<std::string> Interpreter::propertyNames(Kind kind) const {
+    std::vector<std::string> names;
+    for (const auto& entry : properties_)
+        if (entry.second->kind == kind) names.emplace_back(entry.second->name);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+void Interpreter::unknownVariable(SymbolId variable) {
+    const std::string& name = symbols.spelling(variable);
+    std::vector<std::string> known;
+    for (const SymbolId local : frame_->code.handler->locals)
+        if (local != variable) known.push_back(symbols.spelling(local));
+    for (const SymbolId property : frame_->script.syntax->properties)
+        known.push_back(symbols.spelling(property));
+    for (const SymbolId global : frame_->script.syntax->globals) known.push_back(symbols.spelling(global));
+    throw HostError("the variable \"" + name + "\" has no value yet" + didYouMean(name, known));
+}
+
+void Interpreter::unknownProperty(const Value& object, SymbolId name) {
+    const std::string& wanted = symbols.spelling(name);
+    std::vector<std::string> known = propertyNames(object.kind());
+    if (const auto* list = object.as<PropertyListObject>())
+        for (const auto& entry : list->entries)
+            if (entry.key.is(Kind::Symbol)) known.push_back(symbols.spelling(entry.key.symbol()));
+    PropertyHolder* holder = object.as<InstanceObject>();
+    if (!holder) holder = object.as<ScriptObject>();
+    if (holder)
+        for (const SymbolId property : holder->script.syntax->properties)
+            known.push_back(symbols.spelling(property));
+    throw HostError(kindName(object.kind()) + " has no property \"" + wanted + '"' +
+                    didYouMean(wanted, known));
+}
+
+}  // namespace krl::player

@@ -1,0 +1,215 @@
+#include "player/host/Compare.h"
+#include "player/host/HostError.h"
+#include "player/lingo/Chunks.h"
+#include "player/lingo/Operations.h"
+
+/// Texts, calls and the course of statements.
+namespace krl::player {
+
+using Next = Operations::Next;
+
+namespace {
+
+/// Whether a chunk of a value is the property of that name.
+bool isKeyed(const Value& value) { return value.is(Kind::PropertyList) || value.is(Kind::ScriptInstance); }
+
+const char* chunkName(ChunkKind kind) {
+    static constexpr const char* names[] = {"char", "word", "item", "line"};
+    return names[static_cast<size_t>(kind)];
+}
+
+}  // namespace
+
+Next Operations::text(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    Value taken = frame.take(at.b);
+    frame.registers[at.a] = interpreter.asText(std::move(taken));
+    return &at + 1;
+}
+
+Next Operations::show(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    frame.registers[at.a] = interpreter.text(shownText(interpreter.style(), frame.take(at.b)));
+    return &at + 1;
+}
+
+/// `list.item[2]` looks like a chunk but is the property of that name, which can have any key.
+Next Operations::position(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    if (isKeyed(frame.operand(at.b))) return &at + 1;
+    Value& value = frame.registers[at.a];
+    Value found;
+    if (!numberIn(value, found, interpreter.heap))
+        throw HostError("expected a number for the position of the chunk, not " + kindName(value.kind()));
+    value = Value::integer(found.isInteger() ? found.integer() : rounded(found.number()));
+    return &at + 1;
+}
+
+/// The chunks that are meant, from 1; without positions the last one.
+std::pair<int32_t, int32_t> Operations::range(Interpreter& interpreter, Frame& frame, const Instruction& at,
+                                              std::string_view text) {
+    const ChunkForm form = ChunkForm::of(at.d);
+    const char delimiter = interpreter.settings.itemDelimiter;
+    if (!form.first) {
+        const int32_t count = countChunks(text, form.kind, delimiter);
+        return {count, count};
+    }
+    const int32_t first = frame.registers[at.c].integer();
+    const int32_t last = form.last ? frame.registers[at.c + 1].integer() : first;
+    return rangeOf(text, form.kind, first, last, delimiter);
+}
+
+Next Operations::chunk(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    const ChunkForm form = ChunkForm::of(at.d);
+    Value found;
+    if (const Value& source = frame.operand(at.b); isKeyed(source)) {
+        found = interpreter.property(source, interpreter.symbols.identifier(chunkName(form.kind)));
+        if (form.first) found = elementOf(interpreter, found, frame.registers[at.c]);
+        frame.drop(at.c, form.first + form.last);
+    } else {
+        const Value held = interpreter.asText(source);
+        const auto& whole = *held.as<StringObject>();
+        const auto [first, last] = range(interpreter, frame, at, whole.text);
+        const Stretch place = findIn(whole, form.kind, first, last, interpreter.settings.itemDelimiter);
+        found = interpreter.piece(place.of(whole.text));
+    }
+    frame.drop(at.b);
+    frame.registers[at.a] = std::move(found);
+    return &at + 1;
+}
+
+Next Operations::chunkCount(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    const Value whole = interpreter.asText(frame.take(at.b));
+    const ChunkKind kind = ChunkForm::of(at.d).kind;
+    frame.registers[at.a] =
+        Value::integer(countIn(*whole.as<StringObject>(), kind, interpreter.settings.itemDelimiter));
+    return &at + 1;
+}
+
+Next Operations::putChunk(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    const Value source = frame.take(at.b), added = std::move(frame.registers[at.c + 2]);
+    const std::string& whole = source.as<StringObject>()->text;
+    const std::string& more = added.as<StringObject>()->text;
+    const auto [first, last] = range(interpreter, frame, at, whole);
+    interpreter.heap.mustHold(whole.size() + more.size() + static_cast<size_t>(std::max(first, 0)));
+    frame.registers[at.a] = interpreter.text(
+        withChunk(whole, ChunkForm::of(at.d).kind, first, last, interpreter.settings.itemDelimiter, more));
+    return &at + 1;
+}
+
+Next Operations::deleteChunk(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    const Value source = frame.take(at.b);
+    const std::string& whole = source.as<StringObject>()->text;
+    const auto [first, last] = range(interpreter, frame, at, whole);
+    frame.registers[at.a] = interpreter.text(
+        withoutChunk(whole, ChunkForm::of(at.d).kind, first, last, interpreter.settings.itemDelimiter));
+    return &at + 1;
+}
+
+Next Operations::call(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    Value* const values = frame.registers + at.c;
+    return answered(frame, at, interpreter.callByName(at.b, {values, static_cast<size_t>(at.d)}, false));
+}
+
+Next Operations::send(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    Value* const values = frame.registers + at.c;
+    return answered(frame, at, interpreter.callByName(at.b, {values, static_cast<size_t>(at.d)}, true));
+}
+
+Next Operations::answered(Frame& frame, const Instruction& at, Value answer) {
+    frame.drop(at.c, at.d);
+    if (at.a >= 0) frame.registers[at.a] = std::move(answer);
+    return &at + 1;
+}
+
+Next Operations::answer(Interpreter&, Frame& frame, const Instruction& at) {
+    frame.answer = frame.take(at.a);
+    return nullptr;
+}
+
+Next Operations::end(Interpreter&, Frame&, const Instruction&) { return nullptr; }
+
+Next Operations::step(Interpreter& interpreter, Frame&, const Instruction& at) {
+    interpreter.countStep();
+    return &at + 1;
+}
+
+Next Operations::put(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    std::string line = "--";
+    for (int32_t i = 0; i < at.b; ++i) line += ' ' + frame.registers[at.a + i].as<StringObject>()->text;
+    frame.drop(at.a, at.b);
+    writeLines(interpreter.output, line + '\n');
+    return &at + 1;
+}
+
+Next Operations::jump(Interpreter&, Frame&, const Instruction& at) { return &at + at.d; }
+
+Next Operations::jumpUnless(Interpreter&, Frame& frame, const Instruction& at) {
+    const bool holds = truthOf(frame.operand(at.a));
+    frame.drop(at.a);
+    return &at + (holds ? 1 : at.d);
+}
+
+Next Operations::turnWhile(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    const Next next = jumpUnless(interpreter, frame, at);
+    if (next == &at + 1) interpreter.countStep();
+    return next;
+}
+
+Next Operations::jumpIfEqual(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    const bool same = equal(interpreter.symbols, frame.operand(at.a), frame.operand(at.b));
+    frame.drop(at.b);
+    return &at + (same ? at.d : 1);
+}
+
+/// The number in an operand of a loop that counts.
+int32_t Operations::whole(Interpreter& interpreter, Frame& frame, int32_t operand) {
+    const Value& value = frame.operand(operand);
+    if (value.isInteger()) return value.integer();
+    Value number;
+    if (!numberIn(value, number, interpreter.heap))
+        throw HostError("expected a number to count with, not " + kindName(value.kind()));
+    frame.drop(operand);
+    return number.isInteger() ? number.integer() : rounded(number.number());
+}
+
+Next Operations::count(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    frame.registers[at.a] = Value::integer(whole(interpreter, frame, at.b));
+    return &at + 1;
+}
+
+Next Operations::countTurn(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    const int32_t number = frame.registers[at.a].integer(), end = whole(interpreter, frame, at.b);
+    if (at.c < 0 ? number < end : number > end) return &at + at.d;
+    interpreter.countStep();
+    return &at + 1;
+}
+
+/// The loop ends at the last number that there is.
+Next Operations::countOn(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    const int32_t number = whole(interpreter, frame, at.b);
+    if (number == (at.c < 0 ? INT32_MIN : INT32_MAX)) return &at + 1;
+    frame.registers[at.a] = Value::integer(number + at.c);
+    return &at + at.d;
+}
+
+Next Operations::each(Interpreter&, Frame& frame, const Instruction& at) {
+    const Value& list = frame.registers[at.a];
+    if (!list.is(Kind::List) && !list.is(Kind::PropertyList))
+        throw HostError("expected a list to repeat over, not " + kindName(list.kind()));
+    frame.registers[at.a + 1] = Value::integer(0);
+    return &at + 1;
+}
+
+// The body may change the list, so its length is read for every turn.
+Next Operations::eachTurn(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    const Value& list = frame.registers[at.b];
+    const int32_t place = frame.registers[at.b + 1].integer();
+    const auto i = static_cast<size_t>(place);
+    const auto* linear = list.as<ListObject>();
+    const auto* properties = list.as<PropertyListObject>();
+    if (i >= (linear ? linear->items.size() : properties->entries.size())) return &at + at.d;
+    frame.registers[at.a] = Value(linear ? linear->items[i] : properties->entries[i].value);
+    frame.registers[at.b + 1] = Value::integer(place + 1);
+    interpreter.countStep();
+    return &at + 1;
+}
+
+}  // namespace krl::player
