@@ -145,6 +145,7 @@ constexpr Builtin kBuiltins[] = {
     {"member", 1, 2, memberNamed},
     {"cast", 1, 2, memberNamed},
     {"new", 1, kAnyNumber, makeNew},
+    {"newMember", 1, 1, newMember},
     {"field", 1, 2, field},
     {"paramCount", 0, 0, paramCount},
     {"param", 1, 1, parameter},

@@ -14,6 +14,8 @@ on main
   put the shiftDown, the mouseDown, the mouseUp, _key.keyCode, the key
   put "first" into field "note"
   put the text of field "note", the name of field "note", field "note"
+  m = _movie.newMember(#text)
+  put m.type, m.text
 end
 
 on transforms
