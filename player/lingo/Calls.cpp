@@ -6,6 +6,14 @@
 /// Calls of handlers, methods and functions.
 namespace krl::player {
 
+namespace {
+
+bool hasMethods(Kind kind) {
+    return kind == Kind::XtraInstance || kind == Kind::Script || kind == Kind::ScriptInstance;
+}
+
+}  // namespace
+
 /// Looks up an object's own method first; then, unless it is a method call, the handlers of this script and
 /// of the movie; then the built-in functions.
 Value Interpreter::callByName(SymbolId name, std::span<const Value> arguments, bool asMethod) {
@@ -13,8 +21,10 @@ Value Interpreter::callByName(SymbolId name, std::span<const Value> arguments, b
     if (asMethod && arguments.front().is(Kind::Environment))
         return callByName(name, arguments.subspan(1), false);
     if (skipsStage() && asMethod && arguments.front().isVoid()) return Value();
-    Value answer;
-    if (!arguments.empty() && callOnObject(name, arguments, answer)) return answer;
+    if (!arguments.empty() && hasMethods(arguments.front().kind())) {
+        Value answer;
+        if (callOnObject(name, arguments, answer)) return answer;
+    }
     // A parent script's own `new` handler does not create instances of other scripts.
     const bool making = name == newName_ && !arguments.empty() &&
                         (arguments.front().is(Kind::Script) || arguments.front().is(Kind::Xtra));

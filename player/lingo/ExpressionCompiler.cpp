@@ -150,9 +150,13 @@ void ExpressionCompiler::binary(const BinaryExpression& expression, int32_t targ
         emit(expression.place, Operations::join, target, row.first, row.count);
         return;
     }
-    const int32_t left = operand(*expression.left, expression.right->calls);
-    const int32_t right = operand(*expression.right);
+    const auto [left, right] = operands(expression);
     emit(expression.place, Operations::binary(expression.operation), target, left, right);
+}
+
+std::pair<int32_t, int32_t> ExpressionCompiler::operands(const BinaryExpression& expression) {
+    const int32_t left = operand(*expression.left, expression.right->calls);
+    return {left, operand(*expression.right)};
 }
 
 /// What is evaluated before a call becomes text before it, since the call may change a list.

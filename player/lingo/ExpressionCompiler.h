@@ -52,6 +52,8 @@ protected:
     int32_t operand(const Expression& expression);
     /// The same for one that is evaluated before others; if those call anything, in a temporary register.
     int32_t operand(const Expression& expression, bool othersCall);
+    /// Those of an operator.
+    std::pair<int32_t, int32_t> operands(const BinaryExpression& expression);
     /// A row of registers with the values in a chain of `&`, from the first or the second one on.
     struct Row {
         int32_t first, count;

@@ -126,6 +126,21 @@ Next Operations::calculate(Interpreter& interpreter, Frame& frame, const Instruc
     return result(frame, at, operate(interpreter, kOperation, left, right));
 }
 
+/// Two integers make no value for the result.
+template <Operator kOperation>
+Next Operations::unless(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    const Value& left = frame.operand(at.a);
+    const Value& right = frame.operand(at.b);
+    Value found;
+    const bool integers = left.isInteger() && right.isInteger();
+    if (integers && operateOnIntegers(kOperation, left.integer(), right.integer(), found))
+        return &at + (found.integer() != 0 ? 1 : at.d);
+    const bool holds = truthOf(operate(interpreter, kOperation, left, right));
+    frame.drop(at.a);
+    frame.drop(at.b);
+    return &at + (holds ? 1 : at.d);
+}
+
 namespace {
 
 template <size_t... kNumbers>
@@ -133,13 +148,19 @@ constexpr std::array<Operation, sizeof...(kNumbers)> tableOf(auto make, std::ind
     return {make.template operator()<static_cast<Operator>(kNumbers)>()...};
 }
 
+constexpr auto kEveryOperator = std::make_index_sequence<static_cast<size_t>(Operator::Or) + 1>();
+
 }  // namespace
 
 Operation Operations::binary(Operator operation) {
-    constexpr size_t kOperators = static_cast<size_t>(Operator::Or) + 1;
     static constexpr auto kTable =
-        tableOf([]<Operator kOperation>() -> Operation { return &calculate<kOperation>; },
-                std::make_index_sequence<kOperators>());
+        tableOf([]<Operator kOperation>() -> Operation { return &calculate<kOperation>; }, kEveryOperator);
+    return kTable[static_cast<size_t>(operation)];
+}
+
+Operation Operations::jumpUnlessBinary(Operator operation) {
+    static constexpr auto kTable =
+        tableOf([]<Operator kOperation>() -> Operation { return &unless<kOperation>; }, kEveryOperator);
     return kTable[static_cast<size_t>(operation)];
 }
 

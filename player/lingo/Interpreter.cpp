@@ -151,8 +151,8 @@ Value Interpreter::callHandler(const LoadedScript& script, const HandlerCode& co
     for (size_t i = 0; i < std::min(code.handler->parameters, arguments.size()); ++i)
         made.registers[i] = arguments[i];
     runBody(made);
-    result = made.answer;
-    return std::move(made.answer);
+    result = std::move(made.answer);
+    return result;
 }
 
 Frame Interpreter::frameOf(const LoadedScript& script, const HandlerCode& code,

@@ -72,11 +72,12 @@ struct Operations {
     static Run end;
 
     // Statements.
-    static Run step;         ///< begins a statement
-    static Run put;          ///< put a, ..., b values as shown
-    static Run jump;         ///< to d
-    static Run jumpUnless;   ///< to d unless a
-    static Run turnWhile;    ///< to d unless a; else begins a turn
+    static Run step;        ///< begins a statement or a turn of a loop
+    static Run put;         ///< put a, ..., b values as shown
+    static Run jump;        ///< to d
+    static Run jumpUnless;  ///< to d unless a
+    /// to d unless a op b
+    static Operation jumpUnlessBinary(Operator operation);
     static Run jumpIfEqual;  ///< to d if a = b; keeps a
     static Run count;        ///< a = b as an integer
     static Run countTurn;    ///< to d if a is beyond b; steps by c
@@ -88,12 +89,15 @@ struct Operations {
 private:
     template <Operator kOperation>
     static Next calculate(Interpreter&, Frame&, const Instruction&);
+    template <Operator kOperation>
+    static Next unless(Interpreter&, Frame&, const Instruction&);
     template <VariableScope kScope>
     static Next appendTo(Interpreter&, Frame&, const Instruction&);
     template <VariableScope kScope>
     static Value& variable(Interpreter&, Frame&, const Instruction&, int32_t name);
     static Next result(Frame& frame, const Instruction& at, Value made);
-    static Next answered(Frame& frame, const Instruction& at, Value answer);
+    template <bool kMethod>
+    static Next callBy(Interpreter&, Frame&, const Instruction&);
     static int32_t whole(Interpreter&, Frame&, int32_t operand);
     static std::pair<int32_t, int32_t> range(Interpreter&, Frame&, const Instruction&, std::string_view text);
 };

@@ -87,12 +87,21 @@ void StatementCompiler::finish(const std::vector<size_t>& ends) {
     for (const size_t end : ends) land(end);
 }
 
+/// The jump where a condition does not hold.
+size_t StatementCompiler::jumpUnless(const Expression& condition) {
+    const Temporaries inner(*this);
+    if (condition.kind == ExpressionKind::Binary && !asJoin(condition)) {
+        const auto& binary = static_cast<const BinaryExpression&>(condition);
+        const auto [left, right] = operands(binary);
+        return emit(binary.place, Operations::jumpUnlessBinary(binary.operation), left, right);
+    }
+    return emit(condition.place, Operations::jumpUnless, operand(condition));
+}
+
 void StatementCompiler::conditional(const IfStatement& statement) {
     std::vector<size_t> ends;
     for (const IfStatement::Branch& branch : statement.branches) {
-        const Temporaries inner(*this);
-        const int32_t condition = operand(*branch.condition);
-        const size_t otherwise = emit(branch.condition->place, Operations::jumpUnless, condition);
+        const size_t otherwise = jumpUnless(*branch.condition);
         block(branch.body);
         ends.push_back(emit(statement.place, Operations::jump));
         land(otherwise);
@@ -143,8 +152,8 @@ void StatementCompiler::turns(const RepeatStatement& statement, size_t turn, Aga
 
 void StatementCompiler::repeatWhile(const RepeatStatement& statement) {
     const size_t begin = here();
-    const int32_t condition = operand(*statement.condition);
-    const size_t turn = emit(statement.place, Operations::turnWhile, condition);
+    const size_t turn = jumpUnless(*statement.condition);
+    emit(statement.place, Operations::step);
     turns(statement, turn, [&] { land(emit(statement.place, Operations::jump), begin); });
 }
 

@@ -24,6 +24,7 @@ private:
     void evaluate(const Expression& expression);
     void put(const PutStatement& statement);
     void answer(const ExpressionStatement& statement);
+    size_t jumpUnless(const Expression& condition);
     void conditional(const IfStatement& statement);
     void choice(const CaseStatement& statement);
     void leave(const Statement& statement, std::vector<size_t> Loop::*jumps);

@@ -104,16 +104,17 @@ Next Operations::deleteChunk(Interpreter& interpreter, Frame& frame, const Instr
 }
 
 Next Operations::call(Interpreter& interpreter, Frame& frame, const Instruction& at) {
-    Value* const values = frame.registers + at.c;
-    return answered(frame, at, interpreter.callByName(at.b, {values, static_cast<size_t>(at.d)}, false));
+    return callBy<false>(interpreter, frame, at);
 }
 
 Next Operations::send(Interpreter& interpreter, Frame& frame, const Instruction& at) {
-    Value* const values = frame.registers + at.c;
-    return answered(frame, at, interpreter.callByName(at.b, {values, static_cast<size_t>(at.d)}, true));
+    return callBy<true>(interpreter, frame, at);
 }
 
-Next Operations::answered(Frame& frame, const Instruction& at, Value answer) {
+template <bool kMethod>
+Next Operations::callBy(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    const std::span<const Value> arguments{frame.registers + at.c, static_cast<size_t>(at.d)};
+    Value answer = interpreter.callByName(at.b, arguments, kMethod);
     frame.drop(at.c, at.d);
     if (at.a >= 0) frame.registers[at.a] = std::move(answer);
     return &at + 1;
@@ -145,12 +146,6 @@ Next Operations::jumpUnless(Interpreter&, Frame& frame, const Instruction& at) {
     const bool holds = truthOf(frame.operand(at.a));
     frame.drop(at.a);
     return &at + (holds ? 1 : at.d);
-}
-
-Next Operations::turnWhile(Interpreter& interpreter, Frame& frame, const Instruction& at) {
-    const Next next = jumpUnless(interpreter, frame, at);
-    if (next == &at + 1) interpreter.countStep();
-    return next;
 }
 
 Next Operations::jumpIfEqual(Interpreter& interpreter, Frame& frame, const Instruction& at) {
