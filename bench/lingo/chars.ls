@@ -1,6 +1,6 @@
 on main
   s = "abcdefghij"
-  repeat with i = 1 to 13
+  repeat with i = 1 to 16
     put s after s
   end repeat
   count = 0

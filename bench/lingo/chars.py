@@ -1,4 +1,4 @@
-s = "abcdefghij" * 8192
+s = "abcdefghij" * 65536
 count = 0
 for i in range(len(s)):
     if s[i] == "c":

@@ -1,6 +1,6 @@
 on main
   s = ""
-  repeat with i = 1 to 100000
+  repeat with i = 1 to 500000
     s = s & "piece" & i
   end repeat
   put s.length

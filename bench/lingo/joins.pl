@@ -1,3 +1,3 @@
 my $s = "";
-for my $i (1 .. 100000) { $s .= "piece" . $i; }
+for my $i (1 .. 500000) { $s .= "piece" . $i; }
 print length($s), "\n";

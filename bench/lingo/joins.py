@@ -1,4 +1,8 @@
-s = ""
-for i in range(1, 100001):
-    s = s + "piece" + str(i)
-print(len(s))
+def main():
+    s = ""
+    for i in range(1, 500001):
+        s += "piece" + str(i)
+    print(len(s))
+
+
+main()

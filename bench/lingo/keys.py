@@ -1,4 +1,4 @@
 table = {}
-for i in range(1, 20001):
+for i in range(1, 200001):
     table["key" + str(i)] = i
-print(sum(table["key" + str(i)] for i in range(1, 20001)))
+print(sum(table["key" + str(i)] for i in range(1, 200001)))
