@@ -10,7 +10,7 @@
 
 namespace krl::player {
 
-/// Compiles expressions. A value is wanted in a register, or anywhere as an operand.
+/// Compiles expressions: into a given register, or to an operand.
 class ExpressionCompiler {
 protected:
     ExpressionCompiler(const Handler& handler, const Script& script, Heap& heap, SymbolTable& symbols,
@@ -36,7 +36,7 @@ protected:
     /// Adds an instruction and returns its number.
     size_t emit(Place place, Operation run, int32_t a = 0, int32_t b = 0, int32_t c = 0, int32_t d = 0);
     size_t here() const { return code_.instructions.size(); }
-    /// Lets the jump `from` lead to `target`, or to the next instruction.
+    /// Makes the jump `from` lead to `target`, or to the next instruction.
     void land(size_t from, size_t target);
     void land(size_t from) { land(from, here()); }
 
@@ -52,7 +52,7 @@ protected:
     int32_t operand(const Expression& expression);
     /// The same for one that is evaluated before others; if those call anything, in a temporary register.
     int32_t operand(const Expression& expression, bool othersCall);
-    /// Those of an operator.
+    /// The two operands of an operator.
     std::pair<int32_t, int32_t> operands(const BinaryExpression& expression);
     /// A row of registers with the values in a chain of `&`, from the first or the second one on.
     struct Row {
@@ -84,7 +84,6 @@ private:
     void position(const ExpressionPointer& written, int32_t target, int32_t source);
     void chunk(const ChunkExpression& expression, int32_t target);
     void chunkCount(const ChunkExpression& expression, int32_t target);
-
     int32_t space();
 
     int32_t next_;

@@ -76,10 +76,20 @@ Next Operations::storeProperty(Interpreter& interpreter, Frame& frame, const Ins
     return &at + 1;
 }
 
+namespace {
+
+/// A list with room for what its literal adds.
+template <class ListType, class Content>
+Value emptyList(Heap& heap, Content ListType::*content, int32_t room) {
+    auto made = std::make_unique<ListType>();
+    (made.get()->*content).reserve(static_cast<size_t>(room));
+    return heap.keep(std::move(made));
+}
+
+}  // namespace
+
 Next Operations::list(Interpreter& interpreter, Frame& frame, const Instruction& at) {
-    auto made = std::make_unique<ListObject>();
-    made->items.reserve(static_cast<size_t>(at.b));
-    frame.registers[at.a] = interpreter.heap.keep(std::move(made));
+    frame.registers[at.a] = emptyList(interpreter.heap, &ListObject::items, at.b);
     return &at + 1;
 }
 
@@ -89,9 +99,7 @@ Next Operations::addItem(Interpreter&, Frame& frame, const Instruction& at) {
 }
 
 Next Operations::propertyList(Interpreter& interpreter, Frame& frame, const Instruction& at) {
-    auto made = std::make_unique<PropertyListObject>();
-    made->entries.reserve(static_cast<size_t>(at.b));
-    frame.registers[at.a] = interpreter.heap.keep(std::move(made));
+    frame.registers[at.a] = emptyList(interpreter.heap, &PropertyListObject::entries, at.b);
     return &at + 1;
 }
 

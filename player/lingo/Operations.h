@@ -17,8 +17,8 @@ struct ChunkForm {
     }
 };
 
-/// The instructions. In their descriptions `a` to `d` are registers, which `operand` reads, or numbers; a
-/// jump is the distance to the next instruction. Temporary values are released when they have been used.
+/// The instructions, described by their numbers `a` to `d`: operands, registers or plain numbers. A jump to
+/// `d` is relative. Temporary values are released once they are used.
 struct Operations {
     using Next = const Instruction*;
     using Run = std::remove_pointer_t<Operation>;

@@ -137,7 +137,7 @@ void StatementCompiler::leave(const Statement& statement, std::vector<size_t> Lo
     if (loop_) (loop_->*jumps).push_back(jump);
 }
 
-/// Compiles the body of a loop, with `turn` before it, which leaves the loop, and `again` after it.
+/// Compiles the body of a loop. `turn` is the jump that leaves the loop, `again` goes back to its beginning.
 template <class Again>
 void StatementCompiler::turns(const RepeatStatement& statement, size_t turn, Again&& again) {
     Loop loop;

@@ -17,7 +17,7 @@ on noted list, item
   return list
 end
 
--- What stands to the left of a call keeps the value that it had.
+-- An operand to the left of a call keeps its value.
 on operands
   l = [1]
   put l & noted(l, 2)
