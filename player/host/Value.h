@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <bit>
 #include <cstdint>
 #include <utility>
 
@@ -55,7 +54,9 @@ constexpr uint32_t generationOf(const ScriptValue& words) {
 constexpr uint32_t slotOf(const ScriptValue& words) { return static_cast<uint32_t>(words.words[1]); }
 constexpr ScriptValue wordsOf(Kind kind, uint32_t generation, uint32_t payload) {
     const std::array<uint32_t, 2> both = {generation << 8 | static_cast<uint32_t>(kind), payload};
-    return std::bit_cast<ScriptValue>(std::bit_cast<uint64_t>(both));
+    // In one store of 64 bits, which later loads can take from it at once. Not every library has
+    // `std::bit_cast`.
+    return __builtin_bit_cast(ScriptValue, __builtin_bit_cast(uint64_t, both));
 }
 
 /// A value that owns one reference to its object.
