@@ -63,6 +63,27 @@ def test_a_buffer_is_rewritten_in_place(picture):
     np.testing.assert_array_equal(picture, expected)
 
 
+@pytest.mark.parametrize("height, width", [(1, 1), (1, 3), (3, 5), (2, 4), (7, 2), (5, 13), (48, 64)])
+@pytest.mark.parametrize("order", ["RGB", "BGR"])
+@pytest.mark.parametrize("channels", [4, 3, 1])
+def test_pixels_of_every_form_and_size_keep_their_bytes(height, width, order, channels):
+    levels = np.random.default_rng(height).integers(0, 256, (height, 3 * width + 1, channels), np.uint8)
+    plain = np.ascontiguousarray(levels[:, :width])
+    for given in (plain, levels[:, 1:width + 1], levels[:, 1:3 * width:3]):
+        given = given if channels > 1 else given[..., 0]
+        np.testing.assert_array_equal(krlimage.brightness(given, 0, order=order), given)
+        expected = 255 - given
+        if channels == 4:
+            expected[..., 3] = given[..., 3]
+        np.testing.assert_array_equal(krlimage.invert(given, order=order), expected)
+        out = np.zeros((height, 2 * width, channels), np.uint8)[:, ::2].reshape(given.shape)
+        krlimage.invert(given, order=order, out=out)
+        np.testing.assert_array_equal(out, expected)
+    wide = krlimage.rgba(plain if channels > 1 else plain[..., 0])
+    np.testing.assert_array_equal(wide[..., :3], plain[..., :3] if channels > 1 else np.repeat(plain, 3, axis=2))
+    np.testing.assert_array_equal(wide[..., 3], plain[..., 3] if channels == 4 else 255)
+
+
 @pytest.mark.parametrize("view", [
     lambda a: a[::2, ::3], lambda a: a[::-1], lambda a: a[:, ::-1], lambda a: a[5:20, 7:30],
     lambda a: a.transpose(1, 0, 2), lambda a: np.asfortranarray(a), lambda a: a[..., ::-1][..., [3, 2, 1, 0]],

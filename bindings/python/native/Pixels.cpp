@@ -1,3 +1,4 @@
+#include <bit>
 #include <cstring>
 
 #include "Values.h"
@@ -16,6 +17,18 @@ struct View {
     bool isAdjacent() const { return pixelStep == channels && (channels == 1 || channelStep == 1); }
 };
 
+/// Makes one row of rows without gaps between them.
+void joinRows(View& from, View& to) {
+    const auto isJoined = [](const View& view) {
+        return view.isAdjacent() && view.rowStep == view.width * view.channels;
+    };
+    if (!isJoined(from) || !isJoined(to)) return;
+    for (View* const view : {&from, &to}) {
+        view->width *= view->height;
+        view->height = 1;
+    }
+}
+
 /// Of an array of two or three dimensions; whoever writes has tested that it is writable.
 View viewOf(const Array& array) {
     const bool isGrey = array.ndim() == 2;
@@ -31,6 +44,7 @@ struct Form {
     py::ssize_t anyPixelStep, anyChannelStep;
 
     static constexpr bool isGrey = kChannelCount == 1, hasAlpha = kChannelCount == 4;
+    static constexpr bool isRedFirst = kRedFirst, isAdjacent = kAdjacent;
     py::ssize_t pixelStep() const { return kAdjacent ? kChannelCount : anyPixelStep; }
     py::ssize_t channelStep() const { return kAdjacent ? 1 : anyChannelStep; }
     py::ssize_t blue() const { return isGrey ? 0 : kRedFirst ? 2 * channelStep() : 0; }
@@ -59,9 +73,81 @@ void withForm(const View& view, int32_t order, const Work& work) {
         isRedFirst ? withSteps<4, true>(view, work) : withSteps<4, false>(view, work);
 }
 
+uint32_t wordAt(const uint8_t* bytes) {
+    uint32_t word;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+}
+
+void setWord(uint8_t* bytes, uint32_t word) { std::memcpy(bytes, &word, sizeof word); }
+
+/// Four bytes from red first to blue first or back, if `kRedFirst`.
+template <bool kRedFirst>
+void reorder(const uint8_t* from, uint8_t* to, py::ssize_t width) {
+    if (!kRedFirst) std::memmove(to, from, static_cast<size_t>(4 * width));
+    for (py::ssize_t x = 0; kRedFirst && x < width; ++x) {
+        const uint32_t pixel = wordAt(from + 4 * x), ends = (pixel & 0xff) << 16 | (pixel >> 16 & 0xff);
+        setWord(to + 4 * x, (pixel & 0xff00ff00) | ends);
+    }
+}
+
+/// Three bytes from red first to blue first or back, if `kRedFirst`; the fourth is not set then.
+template <bool kRedFirst>
+uint32_t reordered(uint32_t pixel) {
+    return kRedFirst ? __builtin_bswap32(pixel) >> 8 : pixel;
+}
+
+constexpr bool kHasWords = std::endian::native == std::endian::little;
+
+/// Unpacks pixels of adjacent bytes by words, of which four pixels of three bytes take three. Returns how
+/// many pixels are done.
+template <class AnyForm>
+py::ssize_t unpackWords(const uint8_t* from, AnyForm, uint8_t* to, py::ssize_t width) {
+    py::ssize_t x = 0;
+    if constexpr (!kHasWords || !AnyForm::isAdjacent) {
+        return 0;
+    } else if constexpr (AnyForm::hasAlpha) {
+        reorder<AnyForm::isRedFirst>(from, to, width);
+        return width;
+    } else if constexpr (AnyForm::isGrey) {
+        for (; x < width; ++x) setWord(to + 4 * x, from[x] * 0x010101u | 0xff000000);
+    } else {
+        for (; x + 4 <= width; x += 4, from += 12, to += 16) {
+            const uint32_t a = wordAt(from), b = wordAt(from + 4), c = wordAt(from + 8);
+            const uint32_t pixels[] = {a, a >> 24 | b << 8, b >> 16 | c << 16, c >> 8};
+            for (int i = 0; i < 4; ++i)
+                setWord(to + 4 * i, reordered<AnyForm::isRedFirst>(pixels[i]) | 0xff000000);
+        }
+    }
+    return x;
+}
+
+/// The other way.
+template <class AnyForm>
+py::ssize_t packWords(const uint8_t* from, uint8_t* to, AnyForm, py::ssize_t width) {
+    py::ssize_t x = 0;
+    if constexpr (!kHasWords || !AnyForm::isAdjacent || AnyForm::isGrey) {
+        return 0;
+    } else if constexpr (AnyForm::hasAlpha) {
+        reorder<AnyForm::isRedFirst>(from, to, width);
+        return width;
+    } else {
+        for (; x + 4 <= width; x += 4, from += 16, to += 12) {
+            uint32_t pixels[4];
+            for (int i = 0; i < 4; ++i)
+                pixels[i] = reordered<AnyForm::isRedFirst>(wordAt(from + 4 * i)) & 0xffffff;
+            setWord(to, pixels[0] | pixels[1] << 24);
+            setWord(to + 4, pixels[1] >> 8 | pixels[2] << 16);
+            setWord(to + 8, pixels[2] >> 16 | pixels[3] << 8);
+        }
+    }
+    return x;
+}
+
 template <class AnyForm>
 void unpackRow(const uint8_t* from, AnyForm form, uint8_t* to, py::ssize_t width) {
-    for (py::ssize_t x = 0; x < width; ++x, from += form.pixelStep(), to += 4) {
+    py::ssize_t x = unpackWords(from, form, to, width);
+    for (from += x * form.pixelStep(), to += 4 * x; x < width; ++x, from += form.pixelStep(), to += 4) {
         to[0] = from[form.blue()];
         to[1] = from[form.green()];
         to[2] = from[form.red()];
@@ -72,7 +158,8 @@ void unpackRow(const uint8_t* from, AnyForm form, uint8_t* to, py::ssize_t width
 /// The target may be the source.
 template <class AnyForm>
 void packRow(const uint8_t* from, uint8_t* to, AnyForm form, py::ssize_t width) {
-    for (py::ssize_t x = 0; x < width; ++x, from += 4, to += form.pixelStep()) {
+    py::ssize_t x = packWords(from, to, form, width);
+    for (from += 4 * x, to += x * form.pixelStep(); x < width; ++x, from += 4, to += form.pixelStep()) {
         const uint8_t blue = from[0], green = from[1], red = from[2], alpha = from[3];
         to[form.blue()] = blue;
         to[form.green()] = green;
@@ -84,7 +171,8 @@ void packRow(const uint8_t* from, uint8_t* to, AnyForm form, py::ssize_t width) 
 /// The picture as a new array in BGRA.
 Array unpack(const Array& source, int32_t order) {
     Array made = newArray({source.shape(0), source.shape(1), py::ssize_t{4}});
-    const View from = viewOf(source), to = viewOf(made);
+    View from = viewOf(source), to = viewOf(made);
+    joinRows(from, to);
     const py::gil_scoped_release unlocked;
     withForm(from, order, [&](auto form) {
         for (py::ssize_t y = 0; y < from.height; ++y) unpackRow(from.row(y), form, to.row(y), from.width);
@@ -95,7 +183,8 @@ Array unpack(const Array& source, int32_t order) {
 /// Writes the pixels of a tight BGRA array to one of the same size and any form.
 void pack(const Array& source, Array& target, int32_t order) {
     target.mutable_data();  // refuses an array that is read-only
-    const View from = viewOf(source), to = viewOf(target);
+    View from = viewOf(source), to = viewOf(target);
+    joinRows(from, to);
     const py::gil_scoped_release unlocked;
     withForm(to, order, [&](auto form) {
         for (py::ssize_t y = 0; y < from.height; ++y) packRow(from.row(y), to.row(y), form, from.width);
