@@ -159,13 +159,14 @@ def medians(jobs, runs, clock):
     times = [[] for _ in jobs]
     for run in range(runs + 1):
         for index, job in enumerate(jobs):
-            # What takes seconds is run twice; the first run of all warms up.
-            if job is None or len(times[index]) > 1 and times[index][0] > 2:
+            # What takes seconds is run once; of all else the first run warms up.
+            if job is None or times[index] and times[index][0] > 2:
                 continue
             start = clock()
             job()
-            if run:
-                times[index].append(clock() - start)
+            taken = clock() - start
+            if run or taken > 2:
+                times[index].append(taken)
     return [statistics.median(found) * 1000 if found else None for found in times]
 
 
