@@ -47,7 +47,7 @@ extern "C" {
 /* `KRL_INTERFACE_VERSION` of the library that is loaded. */
 KRL_API int32_t krl_interface_version(void);
 
-/* Release of the library, such as "2.0.24". */
+/* Release of the library, such as "2.1.0". */
 KRL_API const char* krl_release(void);
 
 /* ---- Codes --------------------------------------------------------------------------------------------- */

@@ -36,7 +36,7 @@ TEST(CommandLine, NamesTheNearestCommand) {
 }
 
 TEST(CommandLine, PrintsItsVersionAndHelp) {
-    EXPECT_EQ(krlimage({"--version"}).out, "krlimage 2.0.24\n");
+    EXPECT_EQ(krlimage({"--version"}).out, "krlimage " KRL_VERSION "\n");
     for (const char* command :
          {"run", "apply", "list", "help", "gallery", "check", "docs", "completions", "man"}) {
         EXPECT_TELLS(krlimage({"--help"}).out, command);
