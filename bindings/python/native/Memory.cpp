@@ -79,8 +79,8 @@ Array newArray(const std::vector<py::ssize_t>& shape) {
         auto block = std::make_unique<Blocks::Block>(Blocks::all().take(bytes));
         auto* const pixels = static_cast<uint8_t*>(block->memory);
         const py::capsule owner(block.release(), [](void* held) {
-            const std::unique_ptr<Blocks::Block> block(static_cast<Blocks::Block*>(held));
-            Blocks::all().giveBack(*block);
+            const std::unique_ptr<Blocks::Block> freed(static_cast<Blocks::Block*>(held));
+            Blocks::all().giveBack(*freed);
         });
         return Array(shape, pixels, owner);
     }
