@@ -57,9 +57,10 @@ krl_picture describe(const Picture& picture) {
 void reorder(const Picture& picture) {
     // Pixels are words here, since compilers make no vector loop of their bytes.
     constexpr uint32_t alphaAndGreen = std::endian::native == std::endian::little ? 0xff00ff00 : 0x00ff00ff;
+    const int32_t width = picture.info.width;
     for (int32_t y = 0; y < picture.info.height; ++y) {
         Pixel* const row = rowOf(picture, y);
-        for (int32_t x = 0; x < picture.info.width; ++x) {
+        for (int32_t x = 0; x < width; ++x) {
             uint32_t word;
             std::memcpy(&word, row + x, sizeof word);
             word = (word & alphaAndGreen) | (std::rotl(word, 16) & ~alphaAndGreen);
