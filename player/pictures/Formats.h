@@ -23,6 +23,23 @@ std::optional<Bitmap> readNetpbm(const InputFile& file);
 /// The size of a portable map; nothing for another format.
 std::optional<PictureSize> readNetpbmSize(const InputFile& file);
 
+/// For builds without libvips: PNG through libpng and JPEG through libjpeg, with the same pixels. Reading
+/// returns nothing for another format. Throws `PictureError`.
+std::optional<Bitmap> readPng(const InputFile& file);
+std::optional<Bitmap> readJpeg(const InputFile& file);
+std::optional<PictureSize> readPngSize(const InputFile& file);
+std::optional<PictureSize> readJpegSize(const InputFile& file);
+void writePng(AtomicFile& file, const Bitmap& picture, const WriteOptions& options);
+void writeJpeg(AtomicFile& file, const Bitmap& picture, const WriteOptions& options);
+
+/// How to pack a PNG.
+struct PngPacking {
+    bool hasFilters = false;
+    int level = 0;  ///< 0 to 9
+};
+/// What suits the content, unless a level is chosen.
+PngPacking pngPacking(const Bitmap& picture, const std::string& level);
+
 /// The formats of libvips.
 PictureSize readSizeWithVips(const InputFile& file);
 PictureFrames readWithVips(const InputFile& file, FrameChoice choice);

@@ -106,4 +106,13 @@ Bitmap partOf(const Bitmap& picture, int32_t left, int32_t top, int32_t width, i
     return part;
 }
 
+Bitmap upright(Bitmap picture, int orientation) {
+    constexpr double kDegrees[] = {0, 0, 180, 180, 270, 90, 90, 270};  // after mirroring, if any
+    const bool isMirrored = orientation == 2 || orientation == 4 || orientation == 5 || orientation == 7;
+    for (int32_t y = 0; isMirrored && y < picture.height; ++y)
+        std::reverse(picture.row(y), picture.row(y) + picture.width);
+    const double degrees = kDegrees[orientation - 1];
+    return degrees == 0 ? picture : turned(picture, degrees);
+}
+
 }  // namespace krl::player

@@ -14,4 +14,7 @@ Bitmap resized(const Bitmap& picture, int32_t width, int32_t height);
 /// The picture turned clockwise, with transparent corners unless the angle is a multiple of 90 degrees.
 Bitmap turned(const Bitmap& picture, double degrees);
 
+/// The picture as an orientation of EXIF says, from 1 to 8.
+Bitmap upright(Bitmap picture, int orientation);
+
 }  // namespace krl::player

@@ -7,6 +7,7 @@
 
 #include "player/pictures/FileAccess.h"
 #include "player/pictures/Formats.h"
+#include "player/pictures/PictureMetadata.h"
 
 namespace krl::player {
 
@@ -25,9 +26,19 @@ constexpr Extension kExtensions[] = {
     {".heif", PictureFormat::Heic}, {".jxl", PictureFormat::Jxl},   {".pam", PictureFormat::Pam},
 };
 constexpr const char* kFormats = ".png, .jpg, .tif, .webp, .gif, .avif, .heic, .jxl or .pam";
+#elif defined(KRL_WITH_PNG_JPEG)
+constexpr Extension kExtensions[] = {
+    {".png", PictureFormat::Png},
+    {".jpg", PictureFormat::Jpeg},
+    {".jpeg", PictureFormat::Jpeg},
+    {".pam", PictureFormat::Pam},
+};
+constexpr const char* kFormats = ".png, .jpg or .pam";
+constexpr const char* kReadFormats = "PNG, JPEG, PAM, PPM or PGM";
 #else
 constexpr Extension kExtensions[] = {{".pam", PictureFormat::Pam}};
 constexpr const char* kFormats = ".pam";
+constexpr const char* kReadFormats = "PAM, PPM or PGM";
 #endif
 
 std::string lowerExtension(const std::filesystem::path& path) {
@@ -37,18 +48,41 @@ std::string lowerExtension(const std::filesystem::path& path) {
     return extension;
 }
 
-PictureFrames read(const InputFile& file, [[maybe_unused]] FrameChoice choice) {
-    if (std::optional<Bitmap> picture = readNetpbm(file)) {
-        PictureFrames one;
-        one.pictures.push_back(std::move(*picture));
-        return one;
-    }
-#if defined(KRL_WITH_VIPS)
-    return readWithVips(file, choice);
-#else
-    throw PictureError(file.path().string() +
-                       " is not a PAM, PPM or PGM picture, the only formats that this build reads");
+#if !defined(KRL_WITH_VIPS)
+[[noreturn]] void refuseFormat(const InputFile& file) {
+    throw PictureError(file.path().string() + " is not a " + kReadFormats +
+                       " picture, the only formats that this build reads");
+}
 #endif
+
+PictureFrames read(const InputFile& file, [[maybe_unused]] FrameChoice choice) {
+    std::optional<Bitmap> picture = readNetpbm(file);
+#if defined(KRL_WITH_VIPS)
+    if (!picture) return readWithVips(file, choice);
+#elif defined(KRL_WITH_PNG_JPEG)
+    if (!picture) picture = readPng(file);
+    if (!picture) picture = readJpeg(file);
+#endif
+#if !defined(KRL_WITH_VIPS)
+    if (!picture) refuseFormat(file);
+#endif
+    PictureFrames one;
+    one.pictures.push_back(std::move(*picture));
+    return one;
+}
+
+PictureSize readSize(const InputFile& file) {
+    std::optional<PictureSize> size = readNetpbmSize(file);
+#if defined(KRL_WITH_VIPS)
+    if (!size) return readSizeWithVips(file);
+#elif defined(KRL_WITH_PNG_JPEG)
+    if (!size) size = readPngSize(file);
+    if (!size) size = readJpegSize(file);
+#endif
+#if !defined(KRL_WITH_VIPS)
+    if (!size) refuseFormat(file);
+#endif
+    return *size;
 }
 
 Bitmap readFirst(const InputFile& file) { return std::move(read(file, FrameChoice::First).pictures.front()); }
@@ -60,6 +94,9 @@ void write(AtomicFile& file, const FramesToWrite& frames, const WriteOptions& op
     } else {
 #if defined(KRL_WITH_VIPS)
         writeWithVips(file, frames, format, options);
+#elif defined(KRL_WITH_PNG_JPEG)
+        const auto write = format == PictureFormat::Png ? writePng : writeJpeg;
+        write(file, frames.pictures.front(), options);
 #endif
     }
     file.commit(options.whenWritten);
@@ -71,6 +108,13 @@ void requireWritable(const std::filesystem::path& path, const Bitmap& picture, c
     if (!format) throw PictureError("cannot write " + path.string() + ": its name must end in " + kFormats);
     const std::string complaint = writeOptionComplaint(*format, options);
     if (!complaint.empty()) throw PictureError("cannot write " + path.string() + ": " + complaint);
+#if !defined(KRL_WITH_VIPS)
+    const bool isInProfile =
+        options.profile == "srgb" && !(picture.metadata && !picture.metadata->colourProfile.empty());
+    if (!options.profile.empty() && !isInProfile)
+        throw PictureError("cannot write " + path.string() +
+                           ": this build cannot convert to another colour profile");
+#endif
     requirePictureSize(path, picture.width, picture.height);
 }
 
@@ -90,16 +134,7 @@ PictureFrames readFrames(const std::filesystem::path& path, FrameChoice choice) 
 }
 
 PictureSize readPictureSize(const std::filesystem::path& path, FrameChoice choice) {
-    const InputFile file(path);
-    PictureSize size;
-    if (const std::optional<PictureSize> map = readNetpbmSize(file))
-        size = *map;
-    else
-#if defined(KRL_WITH_VIPS)
-        size = readSizeWithVips(file);
-#else
-        throw PictureError(path.string() + " is not a PAM, PPM or PGM picture");
-#endif
+    PictureSize size = readSize(InputFile(path));
     if (choice == FrameChoice::First) size.frames = 1;
     requirePictureSize(path, size.width, size.height);
     return size;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "player/pictures/ExifThumbnail.h"
+#include "player/pictures/ExifData.h"
 #include "player/pictures/Formats.h"
 #include "player/pictures/Iptc.h"
 #include "player/pictures/PictureMetadata.h"

@@ -35,21 +35,10 @@ void attachFrames(VipsImage* image, const FramesToWrite& frames) {
     vips_image_set_int(image, "loop", frames.loops);
 }
 
-/// Whether most pixels are like their left neighbour, as in drawings and pictures of screens.
-bool isFlat(const Bitmap& picture) {
-    const std::vector<Pixel>& pixels = picture.pixels;
-    size_t same = 0;
-    for (size_t i = 1; i < pixels.size(); ++i) same += pixels[i] == pixels[i - 1] ? 1 : 0;
-    return same * 2 > pixels.size();
-}
-
-/// Filters make a photograph smaller even at a fast level, and a drawing larger.
 std::string pngOptions(const Bitmap& picture, const std::string& level) {
-    const bool isDrawing = isFlat(picture);
-    return std::string("filter=") + (isDrawing ? "none" : "all") + ",compression=" +
-           (!level.empty() ? level
-            : isDrawing    ? "6"
-                           : "2");
+    const PngPacking packing = pngPacking(picture, level);
+    return std::string("filter=") + (packing.hasFilters ? "all" : "none") +
+           ",compression=" + std::to_string(packing.level);
 }
 
 std::string chromaOptions(const std::string& chosen, const std::string& before) {

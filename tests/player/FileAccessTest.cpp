@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "player/pictures/ExifThumbnail.h"
+#include "player/pictures/ExifData.h"
 #include "player/pictures/FileAccess.h"
 #include "tests/player/CliRun.h"
 

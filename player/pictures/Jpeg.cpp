@@ -1,0 +1,285 @@
+#if defined(KRL_WITH_PNG_JPEG)
+
+#include <cstdio>
+// libjpeg needs the one above.
+#include <jerror.h>
+#include <jpeglib.h>
+
+#include <algorithm>
+#include <cmath>
+#include <csetjmp>
+#include <cstdlib>
+#include <string_view>
+
+#include "player/pictures/ExifData.h"
+#include "player/pictures/Formats.h"
+#include "player/pictures/Geometry.h"
+#include "player/pictures/Iptc.h"
+#include "player/pictures/PictureMetadata.h"
+
+namespace krl::player {
+
+namespace {
+
+constexpr std::string_view kXmpMark{"http://ns.adobe.com/xap/1.0/\0", 29};
+constexpr int kExifSegment = JPEG_APP0 + 1, kProfileSegment = JPEG_APP0 + 2, kIptcSegment = JPEG_APP0 + 13;
+constexpr unsigned kMostSegmentBytes = 65533;
+constexpr double kMillimetresPerInch = 25.4;
+/// Each scan of a progressive file costs as much as the whole picture; real files have a dozen.
+constexpr int kMostScans = 100;
+
+/// How libjpeg reports: it jumps out of its calls.
+struct Errors {
+    jpeg_error_mgr manager;  // first, so that the address is that of the whole
+    std::jmp_buf place;
+    char reason[JMSG_LENGTH_MAX];
+};
+
+[[noreturn]] void giveUp(j_common_ptr jpeg) {
+    auto* errors = reinterpret_cast<Errors*>(jpeg->err);
+    jpeg->err->format_message(jpeg, errors->reason);
+    std::longjmp(errors->place, 1);
+}
+
+/// Only a file that ends too early is worse than a warning.
+void weigh(j_common_ptr jpeg, int level) {
+    if (level < 0 && jpeg->err->msg_code == JWRN_JPEG_EOF) giveUp(jpeg);
+}
+
+jpeg_error_mgr* startErrors(Errors& errors) {
+    jpeg_std_error(&errors.manager);
+    errors.manager.error_exit = giveUp;
+    errors.manager.emit_message = weigh;
+    errors.reason[0] = 0;
+    return &errors.manager;
+}
+
+void countScans(j_common_ptr jpeg) {
+    if (reinterpret_cast<j_decompress_ptr>(jpeg)->input_scan_number <= kMostScans) return;
+    auto* errors = reinterpret_cast<Errors*>(jpeg->err);
+    std::snprintf(errors->reason, sizeof errors->reason, "it has more than %d scans", kMostScans);
+    std::longjmp(errors->place, 1);
+}
+
+/// Runs calls of libjpeg, which jump out of them on failure, past all destructors: `work` owns nothing.
+/// Returns whether they came to their end.
+template <class Work>
+bool completes(Errors& errors, const Work& work) {
+    if (setjmp(errors.place) != 0) return false;
+    work();
+    return true;
+}
+
+class JpegReader {
+public:
+    explicit JpegReader(const InputFile& file) : file_(file) {
+        jpeg_.err = startErrors(errors_);
+        require(completes(errors_, [&] { jpeg_create_decompress(&jpeg_); }));
+        progress_.progress_monitor = countScans;
+        jpeg_.progress = &progress_;
+    }
+    ~JpegReader() { jpeg_destroy_decompress(&jpeg_); }
+    JpegReader(const JpegReader&) = delete;
+    JpegReader& operator=(const JpegReader&) = delete;
+
+    /// Reads the header; comes first.
+    PictureSize readSize() {
+        std::FILE* stream = file_.fromStart();
+        require(completes(errors_, [&] {
+            jpeg_stdio_src(&jpeg_, stream);
+            for (const int segment : {kExifSegment, kProfileSegment, kIptcSegment})
+                jpeg_save_markers(&jpeg_, segment, 0xFFFF);
+            jpeg_read_header(&jpeg_, TRUE);
+        }));
+        return {jpeg_.image_width, jpeg_.image_height};
+    }
+
+    Bitmap read() {
+        const auto [width, height, frames] = readSize();
+        if (jpeg_.jpeg_color_space == JCS_CMYK || jpeg_.jpeg_color_space == JCS_YCCK)
+            refuse("this build reads JPEG pictures in colour or grey, not in CMYK");
+        requirePictureSize(file_.path(), width, height);
+        auto metadata = std::make_shared<PictureMetadata>();
+        readMetadata(*metadata);
+        Bitmap picture{static_cast<int32_t>(width), static_cast<int32_t>(height), {}, metadata};
+        picture.pixels.resize(static_cast<size_t>(width) * static_cast<size_t>(height));
+        readPixels(picture);
+        return upright(std::move(picture), takeOrientation(metadata->exif));
+    }
+
+private:
+    [[noreturn]] void refuse(const std::string& why) const {
+        throw PictureError("cannot read " + file_.path().string() + ": " + why);
+    }
+    void require(bool isDone) const {
+        if (!isDone) refuse(std::string("it is damaged: ") + errors_.reason);
+    }
+
+    void readPixels(Bitmap& picture) {
+        require(completes(errors_, [&] {
+            jpeg_.out_color_space = JCS_EXT_BGRA;
+            jpeg_start_decompress(&jpeg_);
+            while (jpeg_.output_scanline < jpeg_.output_height) {
+                auto* row =
+                    reinterpret_cast<JSAMPROW>(picture.row(static_cast<int32_t>(jpeg_.output_scanline)));
+                jpeg_read_scanlines(&jpeg_, &row, 1);
+            }
+            jpeg_finish_decompress(&jpeg_);
+        }));
+    }
+
+    void readMetadata(PictureMetadata& metadata) {
+        for (const jpeg_marker_struct* marker = jpeg_.marker_list; marker; marker = marker->next) {
+            const std::string_view data(reinterpret_cast<const char*>(marker->data), marker->data_length);
+            if (marker->marker == kExifSegment && data.starts_with(kExifMark) && metadata.exif.empty())
+                metadata.exif = withoutThumbnail({data.begin(), data.end()});
+            else if (marker->marker == kExifSegment && data.starts_with(kXmpMark) && metadata.xmp.empty())
+                metadata.xmp.assign(data.begin() + kXmpMark.size(), data.end());
+            else if (marker->marker == kIptcSegment && metadata.iptc.empty())
+                metadata.iptc = bareIptc({data.begin(), data.end()});
+        }
+        const jpeg_component_info* parts = jpeg_.comp_info;
+        const bool isColour = jpeg_.num_components == 3;
+        if (isColour) readProfile(metadata);
+        if (isColour)
+            metadata.chroma = parts[0].h_samp_factor == 2 && parts[0].v_samp_factor == 2 ? "4:2:0" : "4:4:4";
+        const double unit = jpeg_.density_unit == 1 ? kMillimetresPerInch : jpeg_.density_unit == 2 ? 10 : 0;
+        if (unit == 0) return;
+        metadata.pixelsPerMillimetreX = jpeg_.X_density / unit;
+        metadata.pixelsPerMillimetreY = jpeg_.Y_density / unit;
+    }
+
+    void readProfile(PictureMetadata& metadata) {
+        JOCTET* profile = nullptr;
+        unsigned bytes = 0;
+        require(completes(errors_, [&] { jpeg_read_icc_profile(&jpeg_, &profile, &bytes); }));
+        if (profile) metadata.colourProfile.assign(profile, profile + bytes);
+        std::free(profile);
+    }
+
+    const InputFile& file_;
+    Errors errors_{};
+    jpeg_progress_mgr progress_{};
+    jpeg_decompress_struct jpeg_{};
+};
+
+bool isJpeg(const InputFile& file) {
+    uint8_t start[3] = {};
+    return file.readAt(0, start, sizeof start) && start[0] == 0xFF && start[1] == 0xD8 && start[2] == 0xFF;
+}
+
+class JpegWriter {
+public:
+    JpegWriter(AtomicFile& file, const Bitmap& picture, const WriteOptions& options)
+        : file_(file), picture_(picture), options_(options) {
+        jpeg_.err = startErrors(errors_);
+        require(completes(errors_, [&] { jpeg_create_compress(&jpeg_); }));
+    }
+    ~JpegWriter() {
+        jpeg_destroy_compress(&jpeg_);
+        std::free(content_);
+    }
+    JpegWriter(const JpegWriter&) = delete;
+    JpegWriter& operator=(const JpegWriter&) = delete;
+
+    void write() {
+        const PictureMetadata none;
+        const PictureMetadata& metadata = picture_.metadata ? *picture_.metadata : none;
+        const std::vector<uint8_t> iptc = iptcForJpeg(metadata.iptc);
+        std::string xmp(kXmpMark);
+        xmp.append(metadata.xmp.begin(), metadata.xmp.end());
+        std::vector<Pixel> row(static_cast<size_t>(picture_.width));
+        require(completes(errors_, [&] {
+            jpeg_mem_dest(&jpeg_, &content_, &bytes_);
+            configure(metadata);
+            jpeg_start_compress(&jpeg_, TRUE);
+            if (!options_.isStripped) {
+                writeSegment(kExifSegment, metadata.exif.data(), metadata.exif.size());
+                if (!metadata.xmp.empty())
+                    writeSegment(kExifSegment, reinterpret_cast<const uint8_t*>(xmp.data()), xmp.size());
+                writeSegment(kIptcSegment, iptc.data(), iptc.size());
+            }
+            const std::vector<uint8_t>& profile = metadata.colourProfile;
+            if (!profile.empty())
+                jpeg_write_icc_profile(&jpeg_, profile.data(), static_cast<unsigned>(profile.size()));
+            while (jpeg_.next_scanline < jpeg_.image_height) {
+                std::transform(picture_.row(static_cast<int32_t>(jpeg_.next_scanline)),
+                               picture_.row(static_cast<int32_t>(jpeg_.next_scanline) + 1), row.begin(),
+                               onWhite);
+                auto* samples = reinterpret_cast<JSAMPROW>(row.data());
+                jpeg_write_scanlines(&jpeg_, &samples, 1);
+            }
+            jpeg_finish_compress(&jpeg_);
+        }));
+        file_.write({reinterpret_cast<const char*>(content_), bytes_});
+    }
+
+private:
+    void require(bool isDone) const {
+        if (!isDone) throw PictureError("cannot write " + file_.target().string() + ": " + errors_.reason);
+    }
+
+    /// Colours have fewer samples as chosen, or else as in the picture's own file, or else for low quality.
+    bool hasFewerColours(const PictureMetadata& metadata) const {
+        if (!options_.chroma.empty()) return options_.chroma == "420";
+        return metadata.chroma.empty() ? options_.quality < 90 : metadata.chroma == "4:2:0";
+    }
+
+    void configure(const PictureMetadata& metadata) {
+        jpeg_.image_width = static_cast<JDIMENSION>(picture_.width);
+        jpeg_.image_height = static_cast<JDIMENSION>(picture_.height);
+        jpeg_.input_components = 4;
+        jpeg_.in_color_space = JCS_EXT_BGRX;
+        jpeg_set_defaults(&jpeg_);
+        jpeg_set_quality(&jpeg_, options_.quality, TRUE);
+        const int factor = hasFewerColours(metadata) ? 2 : 1;
+        jpeg_.comp_info[0].h_samp_factor = jpeg_.comp_info[0].v_samp_factor = factor;
+        if (metadata.pixelsPerMillimetreX <= 0 || metadata.pixelsPerMillimetreY <= 0) return;
+        jpeg_.density_unit = 1;
+        jpeg_.X_density = perInch(metadata.pixelsPerMillimetreX);
+        jpeg_.Y_density = perInch(metadata.pixelsPerMillimetreY);
+    }
+
+    static UINT16 perInch(double perMillimetre) {
+        return static_cast<UINT16>(std::clamp(std::round(perMillimetre * kMillimetresPerInch), 1.0, 65535.0));
+    }
+
+    void writeSegment(int segment, const uint8_t* data, size_t bytes) {
+        if (bytes == 0 || bytes > kMostSegmentBytes) return;
+        jpeg_write_marker(&jpeg_, segment, data, static_cast<unsigned>(bytes));
+    }
+
+    /// JPEG has no transparency.
+    static Pixel onWhite(const Pixel& p) {
+        const auto laid = [&](uint8_t level) {
+            return static_cast<uint8_t>((level * p.alpha + 255 * (255 - p.alpha)) / 255);
+        };
+        return {laid(p.blue), laid(p.green), laid(p.red), 255};
+    }
+
+    AtomicFile& file_;
+    const Bitmap& picture_;
+    const WriteOptions& options_;
+    Errors errors_{};
+    jpeg_compress_struct jpeg_{};
+    unsigned char* content_ = nullptr;
+    unsigned long bytes_ = 0;
+};
+
+}  // namespace
+
+std::optional<Bitmap> readJpeg(const InputFile& file) {
+    return isJpeg(file) ? std::optional(JpegReader(file).read()) : std::nullopt;
+}
+
+std::optional<PictureSize> readJpegSize(const InputFile& file) {
+    return isJpeg(file) ? std::optional(JpegReader(file).readSize()) : std::nullopt;
+}
+
+void writeJpeg(AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
+    JpegWriter(file, picture, options).write();
+}
+
+}  // namespace krl::player
+
+#endif

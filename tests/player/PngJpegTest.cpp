@@ -1,0 +1,276 @@
+#include "player/pictures/PictureMetadata.h"
+#include "tests/player/CliRun.h"
+
+#if defined(KRL_WITH_VIPS)
+
+// libjpeg needs it.
+#include <jpeglib.h>
+#include <png.h>
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+#include "core/Random.h"
+#include "player/pictures/ExifData.h"
+#include "player/pictures/Formats.h"
+
+/// The readers and writers of builds without libvips, compared with libvips.
+namespace krl::player {
+namespace {
+
+constexpr int32_t kWidth = 37, kHeight = 23;
+
+Bitmap speckled(bool isOpaque = true) {
+    Bitmap picture{kWidth, kHeight, std::vector<Pixel>(size_t(kWidth) * size_t(kHeight)), nullptr};
+    Random random(7);
+    for (size_t i = 0; i < picture.pixels.size(); ++i) {
+        const auto level = [&](size_t step) { return uint8_t(i * step / 4 + random.next() % 32); };
+        picture.pixels[i] = {level(1), level(2), level(3), isOpaque ? uint8_t{255} : level(5)};
+    }
+    return picture;
+}
+
+/// EXIF data of nothing but an orientation.
+std::vector<uint8_t> exifWith(uint8_t orientation, bool isLittle) {
+    const size_t mark = kExifMark.size();
+    std::string exif(kExifMark);
+    exif += isLittle ? std::string("II*\0\x8\0\0\0\1\0\x12\1\3\0\1\0\0\0\0\0\0\0\0\0\0\0", 26)
+                     : std::string("MM\0*\0\0\0\x8\0\1\1\x12\0\3\0\0\0\1\0\0\0\0\0\0\0\0", 26);
+    exif[mark + (isLittle ? 18 : 19)] = static_cast<char>(orientation);
+    return {exif.begin(), exif.end()};
+}
+
+/// What libpng takes for a profile of red, green and blue: a header and one tag.
+std::vector<uint8_t> profile() {
+    std::vector<uint8_t> bytes(200);
+    const auto put = [&](size_t place, std::string_view text) {
+        std::copy(text.begin(), text.end(), bytes.begin() + static_cast<ptrdiff_t>(place));
+    };
+    bytes[3] = 200, bytes[8] = 2;
+    bytes[131] = 1, bytes[139] = 144, bytes[143] = 56;
+    put(12, "mntrRGB XYZ ");
+    put(36, "acsp");
+    put(132, "cprt");
+    put(144, std::string_view("text\0\0\0\0Nobody has any rights in these few bytes of text.", 56));
+    put(68, std::string_view("\0\0\xF6\xD6\0\1\0\0\0\0\xD3\x2D", 12));
+    return bytes;
+}
+
+class PngJpeg : public CliTest {
+protected:
+    static std::optional<Bitmap> read(const std::string& path) {
+        const InputFile file(path);
+        std::optional<Bitmap> picture = readPng(file);
+        return picture ? picture : readJpeg(file);
+    }
+
+    template <class Write>
+    std::string written(const std::string& name, const Bitmap& picture, const Write& write,
+                        const WriteOptions& options = {}) const {
+        AtomicFile file(at(name));
+        write(file, picture, options);
+        file.commit();
+        return at(name);
+    }
+
+    /// A PNG of libpng's simplified interface, from as many levels as its format has.
+    std::string pngOf(const std::string& name, uint32_t format) const {
+        png_image image{};
+        image.version = PNG_IMAGE_VERSION, image.format = format;
+        image.width = kWidth, image.height = kHeight, image.colormap_entries = 200;
+        std::vector<uint16_t> samples(size_t(kWidth) * size_t(kHeight) * 4), colours(200 * 4);
+        Random random(3);
+        for (uint16_t& sample : samples) sample = uint16_t(random.next() % 200 * 257 % 51200);
+        for (uint16_t& colour : colours) colour = uint16_t(random.next());
+        EXPECT_NE(png_image_write_to_file(&image, at(name).c_str(), 0, samples.data(), 0, colours.data()), 0);
+        return at(name);
+    }
+
+    /// A JPEG of libjpeg, of 1 grey or 4 inks.
+    std::string jpegOf(const std::string& name, int parts, J_COLOR_SPACE space) const {
+        jpeg_error_mgr errors;
+        jpeg_compress_struct jpeg{};
+        jpeg.err = jpeg_std_error(&errors);
+        jpeg_create_compress(&jpeg);
+        std::FILE* file = std::fopen(at(name).c_str(), "wb");
+        jpeg_stdio_dest(&jpeg, file);
+        jpeg.image_width = kWidth, jpeg.image_height = kHeight;
+        jpeg.input_components = parts, jpeg.in_color_space = space;
+        jpeg_set_defaults(&jpeg);
+        jpeg_start_compress(&jpeg, TRUE);
+        std::vector<uint8_t> row(size_t(kWidth * parts));
+        for (int y = 0; y < kHeight; ++y) {
+            for (size_t x = 0; x < row.size(); ++x) row[x] = uint8_t(x * 7 + size_t(y) * 3);
+            JSAMPROW samples = row.data();
+            jpeg_write_scanlines(&jpeg, &samples, 1);
+        }
+        jpeg_finish_compress(&jpeg);
+        jpeg_destroy_compress(&jpeg);
+        std::fclose(file);
+        return at(name);
+    }
+
+    static void expectSameAsWithVips(const std::string& path) {
+        SCOPED_TRACE(path);
+        const std::optional<Bitmap> ours = read(path);
+        ASSERT_TRUE(ours);
+        const Bitmap theirs = readPicture(path);
+        EXPECT_EQ(ours->width, theirs.width);
+        EXPECT_EQ(ours->pixels, theirs.pixels);
+        EXPECT_EQ(ours->metadata->losses, theirs.metadata->losses);
+        const PictureSize size = readPictureSize(path, FrameChoice::First);
+        const std::optional<PictureSize> png = readPngSize(InputFile(path)),
+                                         jpeg = readJpegSize(InputFile(path));
+        ASSERT_NE(png.has_value(), jpeg.has_value());
+        EXPECT_EQ((png ? png : jpeg)->width, size.width);
+        EXPECT_EQ((png ? png : jpeg)->height, size.height);
+    }
+
+    std::string errorOf(const std::string& path) const {
+        try {
+            read(path);
+        } catch (const PictureError& error) {
+            return error.what();
+        }
+        return "";
+    }
+
+    static std::string contentOf(const std::string& path) {
+        std::ostringstream content;
+        content << std::ifstream(path, std::ios::binary).rdbuf();
+        return content.str();
+    }
+};
+
+TEST_F(PngJpeg, EveryKindOfPngHasThePixelsThatItHasWithVips) {
+    expectSameAsWithVips(pngOf("rgb.png", PNG_FORMAT_RGB));
+    expectSameAsWithVips(pngOf("rgba.png", PNG_FORMAT_RGBA));
+    expectSameAsWithVips(pngOf("grey.png", PNG_FORMAT_GRAY));
+    expectSameAsWithVips(pngOf("greya.png", PNG_FORMAT_GA));
+    expectSameAsWithVips(pngOf("palette.png", PNG_FORMAT_RGBA_COLORMAP));
+    expectSameAsWithVips(pngOf("deep.png", PNG_FORMAT_LINEAR_RGB_ALPHA));
+    expectSameAsWithVips(pngOf("deepgrey.png", PNG_FORMAT_LINEAR_Y));
+}
+
+TEST_F(PngJpeg, EveryKindOfJpegHasThePixelsThatItHasWithVips) {
+    for (const char* chroma : {"420", "444"}) {
+        WriteOptions options;
+        options.quality = 60, options.chroma = chroma;
+        const std::string name = at(std::string(chroma) + ".jpg");
+        writePicture(name, speckled(), options);
+        expectSameAsWithVips(name);
+        EXPECT_EQ(read(name)->metadata->chroma, chroma == std::string("420") ? "4:2:0" : "4:4:4");
+    }
+    expectSameAsWithVips(jpegOf("grey.jpg", 1, JCS_GRAYSCALE));
+}
+
+TEST_F(PngJpeg, WhatIsWrittenHasThePixelsThatItHasWithVips) {
+    for (const bool isOpaque : {true, false}) {
+        const Bitmap picture = speckled(isOpaque);
+        const std::string png = written("a.png", picture, writePng);
+        EXPECT_EQ(readPicture(png).pixels, picture.pixels);
+        for (const int quality : {50, 90, 95}) {
+            WriteOptions options;
+            options.quality = quality;
+            const std::string jpeg = written("a.jpg", picture, writeJpeg, options);
+            writePicture(at("b.jpg"), picture, options);
+            EXPECT_EQ(readPicture(jpeg).pixels, readPicture(at("b.jpg")).pixels) << quality;
+        }
+    }
+}
+
+TEST_F(PngJpeg, SixteenBitsAreWrittenOnRequest) {
+    WriteOptions options;
+    options.depth = 16, options.compression = "9";
+    const Bitmap picture = speckled(false);
+    const std::string path = written("a.png", picture, writePng, options);
+    EXPECT_EQ(contentOf(path)[24], 16);
+    EXPECT_EQ(readPicture(path).pixels, picture.pixels);
+}
+
+TEST_F(PngJpeg, PicturesAreTurnedUprightOnce) {
+    for (const bool isLittle : {true, false})
+        for (uint8_t orientation = 1; orientation <= 8; ++orientation) {
+            auto metadata = std::make_shared<PictureMetadata>();
+            metadata->exif = exifWith(orientation, isLittle);
+            Bitmap picture = speckled();
+            picture.metadata = metadata;
+            const std::string path = written("turned.jpg", picture, writeJpeg);
+            expectSameAsWithVips(path);
+            EXPECT_EQ(read(path)->width, orientation < 5 ? kWidth : kHeight);
+            EXPECT_EQ(read(path)->metadata->exif, exifWith(1, isLittle));
+            expectSameAsWithVips(written("turned.png", picture, writePng));
+        }
+}
+
+TEST_F(PngJpeg, MetadataIsPreserved) {
+    auto metadata = std::make_shared<PictureMetadata>();
+    metadata->exif = exifWith(1, true);
+    metadata->xmp = {'<', 'x', '/', '>'};
+    metadata->iptc = {0x1C, 2, 0x69, 0, 1, '!'};
+    metadata->texts = {{"Author", "Ada"}};
+    metadata->colourProfile = profile();
+    metadata->pixelsPerMillimetreX = metadata->pixelsPerMillimetreY = 300 / 25.4;
+    Bitmap picture = speckled();
+    picture.metadata = metadata;
+    const std::string png = written("a.png", picture, writePng), jpeg = written("a.jpg", picture, writeJpeg);
+    for (const std::string& path : {png, jpeg}) {
+        const Bitmap ours = *read(path), theirs = readPicture(path);
+        for (const PictureMetadata* found : {ours.metadata.get(), theirs.metadata.get()}) {
+            SCOPED_TRACE(path);
+            EXPECT_EQ(found->xmp, metadata->xmp);
+            EXPECT_EQ(found->colourProfile, metadata->colourProfile);
+            EXPECT_NEAR(found->pixelsPerMillimetreX, metadata->pixelsPerMillimetreX, 0.01);
+            EXPECT_FALSE(found->exif.empty());
+        }
+        EXPECT_EQ(ours.metadata->exif, metadata->exif);
+    }
+    EXPECT_EQ(read(jpeg)->metadata->iptc, metadata->iptc);
+    EXPECT_EQ(readPicture(jpeg).metadata->iptc, metadata->iptc);
+    ASSERT_EQ(read(png)->metadata->texts.size(), 1u);
+    EXPECT_EQ(read(png)->metadata->texts[0].text, "Ada");
+    EXPECT_EQ(readPicture(png).metadata->texts[0].keyword, "Author");
+
+    WriteOptions stripped;
+    stripped.isStripped = true;
+    for (const std::string& path :
+         {written("b.png", picture, writePng, stripped), written("b.jpg", picture, writeJpeg, stripped)}) {
+        const Bitmap bare = *read(path);
+        EXPECT_TRUE(bare.metadata->exif.empty() && bare.metadata->xmp.empty() && bare.metadata->iptc.empty());
+        EXPECT_TRUE(bare.metadata->texts.empty());
+        EXPECT_EQ(bare.metadata->colourProfile, metadata->colourProfile);
+    }
+}
+
+TEST_F(PngJpeg, DamagedFilesAreRefusedInOneLine) {
+    const std::string png = contentOf(written("a.png", speckled(), writePng));
+    const std::string jpeg = contentOf(written("a.jpg", speckled(), writeJpeg));
+    for (const size_t bytes : {size_t{9}, size_t{40}, png.size() / 2, png.size() - 20})
+        EXPECT_TELLS(errorOf(text("b.png", png.substr(0, bytes))), "b.png: it is damaged: ");
+    for (const size_t bytes : {size_t{4}, size_t{200}, jpeg.size() / 2, jpeg.size() - 20})
+        EXPECT_TELLS(errorOf(text("b.jpg", jpeg.substr(0, bytes))), "b.jpg: it is damaged: ");
+    std::string wrong = png;
+    wrong[wrong.size() / 2] = static_cast<char>(~wrong[wrong.size() / 2]);
+    EXPECT_TELLS(errorOf(text("c.png", wrong)), "c.png: it is damaged: ");
+    EXPECT_TELLS(errorOf(jpegOf("inks.jpg", 4, JCS_CMYK)), "colour or grey, not in CMYK");
+}
+
+TEST_F(PngJpeg, LargeSizesAreRefusedBeforeTheirMemoryIsTaken) {
+    std::string jpeg = contentOf(written("a.jpg", speckled(), writeJpeg));
+    const size_t frame = jpeg.find("\xFF\xC0");
+    ASSERT_NE(frame, std::string::npos);
+    for (size_t i = 5; i < 9; ++i) jpeg[frame + i] = '\xFD';
+    EXPECT_TELLS(errorOf(text("b.jpg", jpeg)), "is too large");
+}
+
+TEST_F(PngJpeg, OtherFilesAreNobodys) {
+    EXPECT_FALSE(read(text("a.png", "")));
+    EXPECT_FALSE(read(text("a.jpg", "\xFF\xD8 these are words")));
+    EXPECT_FALSE(read(text("b.png", "\x89PNG\r\n words")));
+}
+
+}  // namespace
+}  // namespace krl::player
+
+#endif
