@@ -3,6 +3,7 @@
 
 build_packages=(cmake ninja-build g++ pkg-config libvips-dev libcli11-dev nlohmann-json3-dev libxxhash-dev)
 test_packages=(libgtest-dev)
+build_options=()  # added to those of a preset
 
 # Installs those of the given Debian packages that are missing.
 install_missing() {
@@ -41,7 +42,7 @@ show_progress() {
 
 # Configures preset $1 and builds the given targets, or all if none is given.
 build_preset() {
-    local preset=$1 log=build/$1.log options=()
+    local preset=$1 log=build/$1.log options=("${build_options[@]}")
     shift
     mkdir -p build
     command -v ccache >/dev/null && options+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
