@@ -1,7 +1,7 @@
 #include "player/host/Objects.h"
 
 #include <functional>
-#include <unordered_map>
+#include <utility>
 
 namespace krl::player {
 
@@ -63,7 +63,33 @@ size_t StringObject::beginOfChar(size_t number) const {
 
 /// The first entry of each hash among those that were there at the last look-up.
 struct PropertyListObject::Index {
-    std::unordered_map<uint64_t, size_t> first;
+    struct Slot {
+        uint64_t hash = 0;  ///< 0 in a free slot
+        size_t entry = 0;
+    };
+
+    /// The slot of a hash, or the free one where it belongs.
+    Slot& slotOf(uint64_t hash) {
+        const size_t mask = slots.size() - 1;
+        auto place = static_cast<size_t>(hash * 0x9E3779B97F4A7C15u >> 32) & mask;
+        while (slots[place].hash != 0 && slots[place].hash != hash) place = (place + 1) & mask;
+        return slots[place];
+    }
+    void add(uint64_t hash, size_t entry) {
+        if (hash == 0) return;
+        if ((used + 1) * 2 > slots.size()) {
+            const std::vector<Slot> old = std::exchange(slots, std::vector<Slot>(slots.size() * 2));
+            for (const Slot& slot : old)
+                if (slot.hash != 0) slotOf(slot.hash) = slot;
+        }
+        Slot& slot = slotOf(hash);
+        if (slot.hash != 0) return;
+        slot = {hash, entry};
+        ++used;
+    }
+
+    std::vector<Slot> slots = std::vector<Slot>(64);  ///< a power of two, at most half of them used
+    size_t used = 0;
     size_t entries = 0;
     bool symbols = false, strings = false;
 };
@@ -80,10 +106,9 @@ const PropertyListObject::Entry* PropertyListObject::guess(const Value& key, boo
         const Value& known = entries[index_->entries].key;
         index_->symbols |= known.is(Kind::Symbol);
         index_->strings |= known.is(Kind::String);
-        index_->first.try_emplace(hashOf(known), index_->entries);
+        index_->add(hashOf(known), index_->entries);
     }
-    const auto found = index_->first.find(wanted);
-    if (found != index_->first.end()) return &entries[found->second];
+    if (const Index::Slot& found = index_->slotOf(wanted); found.hash != 0) return &entries[found.entry];
     // Without an entry of its own, a name finds the symbol or string of that name.
     const bool named = key.is(Kind::Symbol) || key.is(Kind::String);
     certain = !named || !(key.is(Kind::Symbol) ? index_->strings : index_->symbols);
