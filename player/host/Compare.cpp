@@ -137,6 +137,10 @@ bool readNumber(std::string_view text, double& number) {
 
 bool equal(const SymbolTable& symbols, const Value& a, const Value& b) {
     if (a.isInteger() && b.isInteger()) return a.integer() == b.integer();
+    if (a.is(Kind::String) && b.is(Kind::String)) {
+        const std::string &first = a.as<StringObject>()->text, &second = b.as<StringObject>()->text;
+        return first.size() == second.size() && compareText(first, second) == 0;
+    }
     if (a.is(Kind::Float) || b.is(Kind::Float)) {
         const Value& real = a.is(Kind::Float) ? a : b;
         if (real.number() != real.number()) return false;  // NaN equals nothing

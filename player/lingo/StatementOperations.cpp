@@ -33,8 +33,8 @@ Next Operations::show(Interpreter& interpreter, Frame& frame, const Instruction&
 
 /// `list.item[2]` looks like a chunk but is the property of that name, which can have any key.
 Next Operations::position(Interpreter& interpreter, Frame& frame, const Instruction& at) {
-    if (isKeyed(frame.operand(at.b))) return &at + 1;
     Value& value = frame.registers[at.a];
+    if (value.isInteger() || isKeyed(frame.operand(at.b))) return &at + 1;
     Value found;
     if (!numberIn(value, found, interpreter.heap))
         throw HostError("expected a number for the position of the chunk, not " + kindName(value.kind()));
