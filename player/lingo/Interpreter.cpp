@@ -23,6 +23,14 @@ std::shared_ptr<const Source> readSource(const std::filesystem::path& file) {
     return std::make_shared<Source>(Source{file.string(), text.str()});
 }
 
+/// The element of a table by symbols, which grows to hold it.
+template <class Element>
+Element& under(std::vector<Element>& table, SymbolId name) {
+    const auto place = static_cast<size_t>(name);
+    if (table.size() <= place) table.resize(place + 1);
+    return table[place];
+}
+
 }  // namespace
 
 std::shared_ptr<const Source> scriptSource(const std::filesystem::path& file) {
@@ -49,15 +57,10 @@ Interpreter::Interpreter(EmbeddedHost& embedded, Xtra& plugIn, const SessionOpti
       ancestorName_(symbols.identifier("ancestor")),
       tablesName_(symbols.identifier("krlImageCreateLookupTables")) {
     for (const auto& family : builtinFamilies())
-        for (const Builtin& entry : family) {
-            const auto id = static_cast<size_t>(symbols.identifier(entry.name));
-            if (builtins_.size() <= id) builtins_.resize(id + 1);
-            builtins_[id] = &entry;
-        }
+        for (const Builtin& entry : family) under(builtins_, symbols.identifier(entry.name)) = &entry;
     for (const auto& family : propertyFamilies())
         for (const PropertyEntry& entry : family)
-            properties_[uint64_t(entry.kind) << 32 | static_cast<uint32_t>(symbols.identifier(entry.name))] =
-                &entry;
+            under(properties_, symbols.identifier(entry.name)).push_back(&entry);
     host.onMessage = [this](std::string_view text) { writeLines(output, text); };
 }
 
@@ -69,9 +72,8 @@ LoadedScript Interpreter::makeScript(const std::string& name, std::unique_ptr<Sc
         StatementCompiler compiler(*handler, *made.syntax, heap, symbols, globals_);
         made.codes.push_back(std::make_unique<HandlerCode>(compiler.compile()));
         if (handler->name < 0) continue;  // of a text, which nothing calls
-        const auto place = static_cast<size_t>(handler->name);
-        if (made.handlers.size() <= place) made.handlers.resize(place + 1);
-        if (!made.handlers[place]) made.handlers[place] = made.codes.back().get();
+        const HandlerCode*& first = under(made.handlers, handler->name);
+        if (!first) first = made.codes.back().get();
     }
     return made;
 }

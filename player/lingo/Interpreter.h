@@ -120,9 +120,9 @@ private:
     std::map<std::string, Value> scriptValues_;
     std::map<std::string, Value> members_;
     Globals globals_;
-    std::vector<const Builtin*> builtins_;  ///< by symbol
-    std::unordered_map<uint64_t, const PropertyEntry*> properties_;
-    std::map<std::string, int64_t> skipped_;  ///< what needed a stage
+    std::vector<const Builtin*> builtins_;                       ///< by symbol
+    std::vector<std::vector<const PropertyEntry*>> properties_;  ///< by symbol; the last of each kind counts
+    std::map<std::string, int64_t> skipped_;                     ///< what needed a stage
     const LoadedScript* movie_ = nullptr;
     SymbolId newName_, ancestorName_, tablesName_;
     Frame* frame_ = nullptr;

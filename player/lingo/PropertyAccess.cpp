@@ -140,14 +140,19 @@ Value Interpreter::withChannel(const Value& colour, SymbolId name, const Value& 
 }
 
 const PropertyEntry* Interpreter::propertyOf(Kind kind, SymbolId name) const {
-    const auto found = properties_.find(uint64_t(kind) << 32 | static_cast<uint32_t>(name));
-    return found == properties_.end() ? nullptr : found->second;
+    const auto place = static_cast<size_t>(name);
+    if (place >= properties_.size()) return nullptr;
+    const auto& entries = properties_[place];
+    const auto found = std::find_if(entries.rbegin(), entries.rend(),
+                                    [&](const PropertyEntry* entry) { return entry->kind == kind; });
+    return found == entries.rend() ? nullptr : *found;
 }
 
 std::vector<std::string> Interpreter::propertyNames(Kind kind) const {
     std::vector<std::string> names;
-    for (const auto& entry : properties_)
-        if (entry.second->kind == kind) names.emplace_back(entry.second->name);
+    for (const auto& entries : properties_)
+        for (const PropertyEntry* entry : entries)
+            if (entry->kind == kind) names.emplace_back(entry->name);
     std::sort(names.begin(), names.end());
     return names;
 }
