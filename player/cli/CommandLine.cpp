@@ -9,6 +9,7 @@
 #include "player/cli/CommandList.h"
 #include "player/cli/LedgerCommand.h"
 #include "player/cli/OptionTable.h"
+#include "player/cli/Settings.h"
 
 namespace krl::player {
 
@@ -26,6 +27,7 @@ public:
         app_.set_version_flag("--version", kVersion, "Print the version");
         app_.set_help_flag("-h,--help", "Print this help");
         app_.require_subcommand(0, 1);
+        app_.option_defaults()->configurable(false);
         addRun();
         addApply();
         addListAndHelp();
@@ -39,8 +41,9 @@ public:
 
     int run(std::vector<std::string> words) {
         const std::string firstWord = words.empty() ? "" : words.front();
-        std::reverse(words.begin(), words.end());  // the library expects the words in reverse order
         try {
+            addSettings(words);
+            std::reverse(words.begin(), words.end());  // the library expects the words in reverse order
             app_.parse(words);
             if (!chosen_) throw UsageError("no command: name one of those below");
             return chosen_();
@@ -53,13 +56,37 @@ public:
         } catch (const CLI::ExtrasError& error) {
             return refuse(app_.get_subcommands().empty() ? unknownCommand(firstWord) : error.what());
         } catch (const CLI::ParseError& error) {
-            return refuse(error.what());
+            return refuse(withSource(error.what()));
         } catch (const UsageError& error) {
             return refuse(error.what());
         }
     }
 
 private:
+    /// The settings go before the other words, which therefore win.
+    void addSettings(std::vector<std::string>& words) {
+        const auto named = [&](const CLI::App* one) {
+            return !words.empty() && one->check_name(words.front());
+        };
+        for (const CLI::App* command : app_.get_subcommands(named)) {
+            settings_ = settingsFor(app_, *command);
+            // Of a wrong value, the last place is blamed.
+            for (const std::string& word : words)
+                std::erase_if(settings_, [&](const Setting& setting) {
+                    return word == setting.option || word.starts_with(setting.option + '=');
+                });
+        }
+        for (size_t i = 0; i < settings_.size(); ++i)
+            words.insert(words.begin() + 1 + static_cast<std::ptrdiff_t>(i), settings_[i].word());
+    }
+
+    /// A complaint about an option, with the file or variable that gave it.
+    std::string withSource(const std::string& complaint) const {
+        for (auto setting = settings_.rbegin(); setting != settings_.rend(); ++setting)
+            if (complaint.starts_with(setting->option + ':')) return setting->source + ": " + complaint;
+        return complaint;
+    }
+
     CLI::App& command(const char* name, const char* summary, const std::function<int()>& action) {
         CLI::App& added = *app_.add_subcommand(name, summary);
         added.callback([this, action] { chosen_ = action; });
@@ -113,8 +140,8 @@ private:
         addPath(app, "--cast", run_.session.castFolder, "DIR", "Also look for members in DIR");
         addPath(app, "-o,--output", run_.session.outputFolder, "DIR",
                 "Save pictures with relative names to DIR");
-        addChoice(app, "--stageless", run_.stageless, "refuse|ignore",
-                  "Refuse what needs a stage (default), or read VOID and go on");
+        settable(addChoice(app, "--stageless", run_.stageless, "refuse|ignore",
+                           "Refuse what needs a stage (default), or read VOID and go on"));
         app.add_option("--frames", run_.session.frames, "Run N frames after the start (default 0)")
             ->type_name("N")
             ->check(CLI::Range(0, 1000000).description(""));
@@ -248,6 +275,7 @@ private:
         description.meaning = option.get_description();
         description.required = option.get_required();
         description.several = option.get_expected_max() > 1;
+        description.settable = option.get_configurable();
         return description;
     }
 
@@ -264,6 +292,7 @@ private:
     }
 
     const Terminal& terminal_;
+    std::vector<Setting> settings_;
     CLI::App app_{kPurpose, "krlimage"};
     std::function<int()> chosen_;
     RunOptions run_;

@@ -9,12 +9,14 @@ namespace krl::player {
 /// An option or a positional argument.
 struct OptionDescription {
     std::vector<std::string> names;  ///< `-o`, `--output`; a positional argument has one name
-    /// The option's value: its kind in capitals, `DIR`, or the choices in lower case or digits, `mt|st`; empty for a
-    /// flag.
+    /// The option's value: its kind in capitals, `DIR`, or the choices in lower case or digits, `mt|st`;
+    /// empty for a flag.
     std::string value;
     std::string meaning;
     bool required = false;
     bool several = false;  ///< a positional argument that can be repeated
+    /// Whether the settings file and the environment can give it.
+    bool settable = false;
 
     /// The allowed values, `mt` and `st`; empty unless `value` lists choices.
     std::vector<std::string> choices() const;

@@ -43,22 +43,23 @@ void addDeliveryOptions(CLI::App& app, ApplyOptions& options) {
     addSizing(app, "--fit", Sizing::Fit, "Resize pictures to fit within W by H pixels", delivery);
     addSizing(app, "--fill", Sizing::Fill,
               "Resize pictures to fill W by H pixels, and cut off what is too much", delivery);
-    app.add_flag("--strip", options.strip, "Write no metadata but the colour profile");
+    settable(app.add_flag("--strip", options.strip, "Write no metadata but the colour profile"));
     app.add_flag_callback(
         "--keep-metadata", [&options] { options.strip = false; }, "Write all metadata, the default");
-    app.add_option("--profile", options.profile,
-                   "Convert colours to srgb or to the colour profile in a file, or keep them (default)")
-        ->type_name("PROFILE");
-    app.add_option(
-           "--compression", options.compression,
-           "PNG: 0 to 9; TIFF: none, packbits, lzw, deflate or zstd; WebP, AVIF, HEIC and JPEG XL: lossless")
-        ->type_name("HOW");
-    addChoice(app, "--chroma", options.chroma, "420|444",
-              "Colours of JPEG, AVIF and HEIC at half or full resolution (default: a JPEG's own)");
-    app.add_option("--depth", options.depth,
-                   "Bits of a sample in PNG and TIFF, 8 or 16 (default 8); effects compute with 8")
-        ->type_name("N")
-        ->check(CLI::IsMember({8, 16}).description(""));
+    settable(
+        app.add_option("--profile", options.profile,
+                       "Convert colours to srgb or to the colour profile in a file, or keep them (default)")
+            ->type_name("PROFILE"));
+    settable(app.add_option("--compression", options.compression,
+                            "PNG: 0 to 9; TIFF: none, packbits, lzw, deflate or zstd; WebP, AVIF, HEIC and "
+                            "JPEG XL: lossless")
+                 ->type_name("HOW"));
+    settable(addChoice(app, "--chroma", options.chroma, "420|444",
+                       "Colours of JPEG, AVIF and HEIC at half or full resolution (default: a JPEG's own)"));
+    settable(app.add_option("--depth", options.depth,
+                            "Bits of a sample in PNG and TIFF, 8 or 16 (default 8); effects compute with 8")
+                 ->type_name("N")
+                 ->check(CLI::IsMember({8, 16}).description("")));
 }
 
 }  // namespace krl::player

@@ -1,12 +1,12 @@
 #include "player/cli/LookFiles.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 #include "catalogue/NearestName.h"
 #include "player/cli/Commands.h"
 #include "player/cli/TextFile.h"
+#include "player/cli/UserFolder.h"
 #include "player/host/SymbolTable.h"
 #include "player/pictures/Picture.h"
 
@@ -57,11 +57,8 @@ void set(std::vector<ReadyLook>& looks, const std::string& setting) {
 }  // namespace
 
 fs::path lookFolder() {
-    if (const char* configuration = std::getenv("XDG_CONFIG_HOME"); configuration && *configuration)
-        return fs::path(configuration) / "krlimage" / "looks";
-    if (const char* home = std::getenv("HOME"); home && *home)
-        return fs::path(home) / ".config" / "krlimage" / "looks";
-    return {};
+    const fs::path folder = userFolder();
+    return folder.empty() ? folder : folder / "looks";
 }
 
 std::vector<NamedLook> knownLooks() {

@@ -1,5 +1,8 @@
+#include <map>
+
 #include "player/cli/CommandList.h"
 #include "player/cli/MethodFacts.h"
+#include "player/cli/Settings.h"
 
 namespace krl::player {
 
@@ -46,6 +49,30 @@ std::string item(const OptionDescription& option) {
     return ".TP\n" + names + "\n" + sentence(option.meaning);
 }
 
+/// How options can be given once and for all.
+std::string settings(const CommandList& commands) {
+    std::map<std::string, std::string> users;  // commands, by the option that they share
+    for (const CommandDescription& command : commands)
+        for (const OptionDescription& option : command.options)
+            if (option.settable) {
+                std::string& names = users[option.names.back()];
+                names += (names.empty() ? "" : ", ") + command.name;
+            }
+    std::string text =
+        ".SH SETTINGS\nThe file ~/.config/krlimage/config gives options that need not be repeated, a line "
+        "for "
+        "each, such as\n.PP\n.RS\n.nf\nquality = 85\n[apply]\nstrip = true\n.fi\n.RE\n.PP\n"
+        "Lines below the name of a command in brackets are for that command. Environment variables win over "
+        "the file, and the command line wins over both.\n";
+    for (const auto& [option, names] : users)
+        text += ".TP\n" + bold(variableFor(option)) + "\n" + bold(option) + " of " + plain(names) + ".\n";
+    return text;
+}
+
+std::string status(const std::string& code, const std::string& meaning) {
+    return ".TP\n" + bold(code) + "\n" + meaning + "\n";
+}
+
 }  // namespace
 
 std::string manualPage(const CommandList& commands) {
@@ -78,13 +105,16 @@ std::string manualPage(const CommandList& commands) {
         for (const Method* method : group.methods)
             page += plain(method->shortName()) + (method == group.methods.back() ? ".\n" : ",\n");
     }
-    return page +
-           ".SH FILES\n.TP\n~/.config/krlimage/looks/*.krl\nLooks of the user, by name; XDG_CONFIG_HOME "
-           "replaces "
-           "~/.config.\n"
-           ".SH EXIT STATUS\n0 on success, 1 if a script, a call or a picture failed or pictures differ, 2 "
-           "for "
-           "invalid usage, 130 after an interruption.\n";
+    return page + settings(commands) +
+           ".SH FILES\n.TP\n~/.config/krlimage/config\nSettings.\n.TP\n~/.config/krlimage/looks/*.krl\n"
+           "Looks of the user, by name.\n.PP\nXDG_CONFIG_HOME replaces ~/.config.\n"
+           ".SH EXIT STATUS\n" +
+           status("0", "Everything is done.") +
+           status("1", "A script, a call or a picture failed, or pictures differ.") +
+           status("2", "The command line is wrong.") +
+           status("3", "A batch ended early, after \\-\\-max\\-failures.") +
+           status("124", "The time of \\-\\-timeout is over.") +
+           status("130", "Interrupted; other signals end with 128 and their number.");
 }
 
 }  // namespace krl::player

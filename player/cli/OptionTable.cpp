@@ -55,17 +55,20 @@ CLI::Option* addChoice(CLI::App& app, const char* name, std::string& target, con
             ""));
 }
 
+CLI::Option* settable(CLI::Option* option) { return option->configurable()->take_last(); }
+
 void addJobs(CLI::App& app, unsigned& jobs) {
-    app.add_option("-j,--jobs", jobs, "Pictures processed in parallel (default: one per processor)")
-        ->type_name("N")
-        ->check(CLI::Range(1, 256).description(""));
+    settable(app.add_option("-j,--jobs", jobs, "Pictures processed in parallel (default: one per processor)")
+                 ->type_name("N")
+                 ->check(CLI::Range(1, 256).description("")));
 }
 
 void addTimeout(CLI::App& app, double& seconds) {
-    app.add_option("--timeout", seconds,
-                   "Stop after SECONDS, with exit code 124; finished pictures stay, no other is written")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(0.001, 1e6).description(""));
+    settable(
+        app.add_option("--timeout", seconds,
+                       "Stop after SECONDS, with exit code 124; finished pictures stay, no other is written")
+            ->type_name("SECONDS")
+            ->check(CLI::Range(0.001, 1e6).description("")));
 }
 
 void addSession(CLI::App& app, SessionOptions& session, std::string& threads) {
@@ -74,8 +77,8 @@ void addSession(CLI::App& app, SessionOptions& session, std::string& threads) {
     addPaths(app, "--allow", session.allowedFolders, "DIR", "Also let scripts read and write in DIR")
         ->allow_extra_args(false)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    addChoice(app, "--threads", threads, "mt|st",
-              "Use one thread per processor (mt) or a single thread (st)");
+    settable(addChoice(app, "--threads", threads, "mt|st",
+                       "Use one thread per processor (mt) or a single thread (st)"));
     app.parse_complete_callback([&threads, &session] {
         if (!threads.empty()) session.threads = threads == "mt" ? ThreadChoice::Many : ThreadChoice::One;
     });
@@ -94,19 +97,20 @@ void addBatchOptions(CLI::App& app, ApplyOptions& options) {
         "--resume", options.resume,
         "Leave out pictures that the ledger records as done, if neither they nor what is done to them has "
         "changed; keeps a ledger too");
-    app.add_option("--retry", options.retries,
-                   "Read again up to N times if the file system fails (default 0)")
-        ->type_name("N")
-        ->check(CLI::Range(0, 100).description(""));
+    settable(app.add_option("--retry", options.retries,
+                            "Read again up to N times if the file system fails (default 0)")
+                 ->type_name("N")
+                 ->check(CLI::Range(0, 100).description("")));
     app.add_option("--max-failures", options.mostFailures,
                    "Start no further picture after N failures, and end with exit code 3")
         ->type_name("N")
         ->check(CLI::Range(1, 1'000'000'000).description(""));
-    app.add_option("--memory", options.memory,
-                   "Hold pictures back while those in progress take SIZE, such as 500M or 4G (default:\n"
-                   "most of the memory that is available)")
-        ->type_name("SIZE")
-        ->transform(CLI::AsSizeValue(false).description(""));
+    settable(
+        app.add_option("--memory", options.memory,
+                       "Hold pictures back while those in progress take SIZE, such as 500M or 4G (default:\n"
+                       "most of the memory that is available)")
+            ->type_name("SIZE")
+            ->transform(CLI::AsSizeValue(false).description("")));
     app.add_flag(
         "--plan", options.plan,
         "Print how many pictures and pixels there are and how much memory they take, and write nothing");
@@ -154,11 +158,12 @@ void addApplyOptions(CLI::App& app, ApplyOptions& options) {
     addTexts(app, "--look", options.looks, "LOOK",
              "Apply a look before the calls: a file, or a name that look list shows; can be repeated");
     addTexts(app, "--set", options.settings, "NAME=VALUE", "Set a parameter of the looks; can be repeated");
-    addChoice(app, "--format", options.format, KRL_FORMATS, "Output format, regardless of file extensions");
-    app.add_option("--quality", options.quality,
-                   "Quality of lossy formats, such as JPEG and WebP, 1 to 100 (default 90)")
-        ->type_name("N")
-        ->check(CLI::Range(1, 100).description(""));
+    settable(addChoice(app, "--format", options.format, KRL_FORMATS,
+                       "Output format, regardless of file extensions"));
+    settable(app.add_option("--quality", options.quality,
+                            "Quality of lossy formats, such as JPEG and WebP, 1 to 100 (default 90)")
+                 ->type_name("N")
+                 ->check(CLI::Range(1, 100).description("")));
     addDeliveryOptions(app, options);
     app.add_flag("--first-frame", options.firstFrame,
                  "Leave out all but the first page or frame, which GIF, WebP and TIFF keep otherwise");

@@ -24,6 +24,9 @@ CLI::Option* addTexts(CLI::App& app, const char* name, std::vector<std::string>&
 CLI::Option* addChoice(CLI::App& app, const char* name, std::string& target, const char* choices,
                        const char* meaning);
 
+/// Lets the settings file and the environment give the option; of several values, the last counts.
+CLI::Option* settable(CLI::Option* option);
+
 /// `--jobs`.
 void addJobs(CLI::App& app, unsigned& jobs);
 

@@ -9,7 +9,7 @@ namespace {
 class Looks : public CliTest {
 protected:
     Looks() { setenv("XDG_CONFIG_HOME", folder.c_str(), 1); }
-    ~Looks() override { unsetenv("XDG_CONFIG_HOME"); }
+    ~Looks() override { hideUserFolder(); }
 
     std::string look(const std::string& name, const std::string& lines) const {
         std::filesystem::create_directories((folder / name).parent_path());

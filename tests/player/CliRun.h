@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -17,6 +18,10 @@ struct CliResult {
     int code = 0;
     std::string out, err;
 };
+
+/// Keeps the settings and looks of whoever runs the tests out of them.
+inline void hideUserFolder() { setenv("XDG_CONFIG_HOME", "/nonexistent", 1); }
+inline const bool isUserFolderHidden = (hideUserFolder(), true);
 
 inline CliResult krlimage(const std::vector<std::string>& words, bool live = false) {
     std::ostringstream out, err;

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+/// Options that the user need not repeat. A settings file has lines such as `quality = 85`, those for one
+/// command below its name in brackets, `[apply]`. Environment variables such as `KRLIMAGE_QUALITY` win over
+/// the file, and the command line wins over both. Options that are declared configurable can be set.
+namespace krl::player {
+
+/// The value of an option and where it comes from.
+struct Setting {
+    std::string source;  ///< the file or the variable
+    std::string option;  ///< `--quality`
+    std::string value;
+
+    std::string word() const { return option + '=' + value; }
+};
+
+/// What the user's file and the environment set for a command, the strongest last. Throws `UsageError` for a
+/// file that sets what cannot be set.
+std::vector<Setting> settingsFor(const CLI::App& program, const CLI::App& command);
+
+/// `KRLIMAGE_QUALITY` for `--quality`.
+std::string variableFor(const std::string& option);
+
+}  // namespace krl::player
