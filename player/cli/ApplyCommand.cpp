@@ -2,6 +2,7 @@
 #include <cctype>
 #include <optional>
 #include <ostream>
+#include <utility>
 
 #include "player/cli/ApplyLedger.h"
 #include "player/cli/ApplyOptions.h"
@@ -10,6 +11,7 @@
 #include "player/cli/BatchParts.h"
 #include "player/cli/BatchPlan.h"
 #include "player/cli/ChainCall.h"
+#include "player/cli/ChainNotes.h"
 #include "player/cli/ChainScript.h"
 #include "player/cli/LookFiles.h"
 #include "player/cli/LoopScript.h"
@@ -37,23 +39,30 @@ void failTheRest(ApplyProgress& progress, const std::string& why) {
 }
 
 /// Rejects a single word that names neither a file nor a method, before anything is written.
-void refuseUnknownName(const std::string& word) {
+void refuseUnknownName(const std::string& word, const std::string& before) {
     if (isStandardStream(word)) return;
     const bool lone = std::all_of(word.begin(), word.end(),
                                   [](unsigned char letter) { return std::isalnum(letter) || letter == '_'; });
     std::error_code unreadable;
-    if (lone && !fs::exists(word, unreadable))
-        throw CommandError("there is no picture, folder or method \"" + word + '"' + methodMeantBy(word));
+    if (!lone || fs::exists(word, unreadable)) return;
+    if (catalogue().find(before))
+        throw CommandError("there is no picture or folder \"" + word +
+                           "\"; the arguments of a call are in brackets, "
+                           "and quoted for the shell: '" +
+                           before + '(' + word + ")'");
+    throw CommandError("there is no picture, folder or method \"" + word + '"' + methodMeantBy(word));
 }
 
 void splitWords(const std::vector<std::string>& words, std::vector<fs::path>& inputs,
                 std::vector<MovingCall>& calls) {
+    std::string before;
     for (const std::string& word : words) {
+        const std::string last = std::exchange(before, word);
         if (looksLikeCall(word)) {
             calls.emplace_back(word);
             continue;
         }
-        refuseUnknownName(word);
+        refuseUnknownName(word, last);
         inputs.emplace_back(word);
     }
 }
@@ -121,7 +130,8 @@ int printOutputs(BatchParts& parts, const ApplyOptions& options, const std::vect
     return 0;
 }
 
-void evaluate(std::vector<ChainCall>& chain, const SessionOptions& settings) {
+void evaluate(std::vector<ChainCall>& chain, const ApplyOptions& options, const SessionOptions& settings,
+              const Terminal& terminal) {
     if (chain.empty()) return;
     Session session(settings);
     for (ChainCall& call : chain) {
@@ -131,6 +141,9 @@ void evaluate(std::vector<ChainCall>& chain, const SessionOptions& settings) {
                 call.written() +
                 ": mix, mask, region, place, scale and fit need the built-in effects, not --xtra");
     }
+    const std::vector<std::string> notes = notesOn(chain);
+    if (options.strict && !notes.empty()) throw CommandError(notes.front() + " (--strict)");
+    showNotes(notes, terminal);
 }
 
 void requireOutput(const ApplyOptions& options, const std::vector<ChainCall>& chain) {
@@ -248,14 +261,14 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
     requireOutput(options, chain);
     if (!options.raw.empty()) {
         const std::vector<ReadyLook> looks = readyLooks(options.looks, options.settings);
-        evaluate(chain, settings);
+        evaluate(chain, options, settings, terminal);
         return applyToFrames(options, inputs,
                              [&] { return frameWorker(looks, chain, calls, options, settings); });
     }
     BatchParts parts(inputs, options);
     if (options.dryRun) return printOutputs(parts, options, calls, terminal);
     if (options.plan) return printPlan(parts, options, terminal);
-    evaluate(chain, settings);
+    evaluate(chain, options, settings, terminal);
     return workOnAll(parts, options, calls, chain, settings, terminal);
 }
 

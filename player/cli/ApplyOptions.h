@@ -65,6 +65,8 @@ struct ApplyOptions {
     bool skipExisting = false, newer = false;
     /// Prints what would be written, and writes nothing.
     bool dryRun = false;
+    /// Refuses calls that would only be noted as unusual.
+    bool strict = false;
     /// `lingo` to print the chain as a script instead of running it.
     std::string print;
     /// Seconds after which the program ends; 0 for no limit.

@@ -184,6 +184,11 @@ Placement ChainCall::placement(int32_t width, int32_t height) const {
     return placement;
 }
 
+const krl::Value& ChainCall::given(size_t index) const {
+    static const krl::Value none;
+    return isRelative_ && method_->arguments()[index].range.pixels ? none : values_[index];
+}
+
 std::vector<krl::Value> ChainCall::arguments(int32_t width, int32_t height) const {
     std::vector<krl::Value> all = values_;
     const std::vector<krl::Value> relative = isRelative_ ? relativeValues(width, height) : all;

@@ -34,6 +34,9 @@ public:
     /// `CommandError` for an argument of the wrong type. What is as in `before`, an evaluated call of the
     /// same method, keeps its value.
     void evaluate(Session& session, const ChainCall* before = nullptr);
+    /// The value of a given argument, after `evaluate`; VOID for an omitted one and for percentages, whose
+    /// value depends on the picture.
+    const krl::Value& given(size_t index) const;
     /// The values of all arguments, after `evaluate`.
     std::vector<krl::Value> arguments(int32_t width, int32_t height) const;
 

@@ -51,21 +51,22 @@ bool isFound(const Method& method, const std::string& word) {
 
 namespace {
 
-std::string spanText(const NumberRange& range, bool real) {
-    const auto shown = [real](double value) {
-        return real ? realNotation(value) : std::to_string(truncate(value));
-    };
-    return shown(range.from) + " to " + shown(range.to);
+std::string numberText(const Argument& argument, double value) {
+    return argument.kind == ArgumentKind::Real ? realNotation(value) : std::to_string(truncate(value));
 }
 
 }  // namespace
 
+std::string rangeText(const Argument& argument) {
+    return numberText(argument, argument.range.from) + " to " + numberText(argument, argument.range.to);
+}
+
 std::string expectedText(const Argument& argument) {
     switch (argument.kind) {
         case ArgumentKind::Integer:
-            return "integer, " + spanText(argument.range, false);
+            return "integer, " + rangeText(argument);
         case ArgumentKind::Real:
-            return "number, " + spanText(argument.range, true);
+            return "number, " + rangeText(argument);
         case ArgumentKind::Symbol:
             return choicesText(argument);
         case ArgumentKind::Colour:
@@ -83,10 +84,6 @@ std::string expectedText(const Argument& argument) {
 }
 
 namespace {
-
-std::string numberText(const Argument& argument, double value) {
-    return argument.kind == ArgumentKind::Real ? realNotation(value) : std::to_string(truncate(value));
-}
 
 /// `brightnessInt is limited to -255 to 255, and changes nothing at 0.`; empty for an argument without
 /// either.

@@ -20,6 +20,9 @@ const Method& requireMethod(std::string_view name);
 /// Whether the method's name, heading or summary contains `word`, ignoring case.
 bool isFound(const Method& method, const std::string& word);
 
+/// The sensible range of a number, `0 to 255`.
+std::string rangeText(const Argument& argument);
+
 /// What an argument takes: `integer, -255 to 255`, `#RGB or #Alpha`, `colour`.
 std::string expectedText(const Argument& argument);
 

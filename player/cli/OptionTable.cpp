@@ -155,6 +155,8 @@ void addApplyOptions(CLI::App& app, ApplyOptions& options) {
                    "Frames that come through --raw, for arguments that use `frames` or `t`")
         ->type_name("N")
         ->check(CLI::Range(size_t{1}, size_t{1000000000}).description(""));
+    settable(app.add_flag("--strict", options.strict,
+                          "Refuse numbers outside of their usual range and methods that do nothing"));
     addTexts(app, "--look", options.looks, "LOOK",
              "Apply a look before the calls: a file, or a name that look list shows; can be repeated");
     addTexts(app, "--set", options.settings, "NAME=VALUE", "Set a parameter of the looks; can be repeated");
