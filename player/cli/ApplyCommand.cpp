@@ -157,14 +157,17 @@ void requireOutput(const ApplyOptions& options, const std::vector<ChainCall>& ch
 
 /// Works on the pictures of a part. Returns whether the next part can follow.
 bool workOnPart(const ApplyWork& work, const std::vector<MovingCall>& calls, const ApplyOptions& options,
-                const SessionOptions& settings, const Terminal& terminal) {
+                const SessionOptions& settings, ApplyReport& report, const Terminal& terminal) {
     ApplyProgress& progress = work.progress;
     try {
-        ProgressBar bar(terminal, progress.alone().size() + progress.together().size(), "pictures");
+        // Lines that are printed meanwhile show the progress as well.
+        const Terminal quiet{terminal.out, terminal.err, terminal.live && !report.printsLines()};
+        ProgressBar bar(quiet, progress.alone().size() + progress.together().size(), "pictures");
         const auto workOnEach = [&](const std::vector<size_t>& indexes, unsigned jobs) {
             workSideBySide(indexes.size(), jobs, [&]() -> Worker {
                 return [&, run = makeRunner(calls, settings)](size_t i) {
                     applyToPicture(run, work, indexes[i]);
+                    report.settled(progress, indexes[i]);
                     bar.step();
                 };
             });
@@ -206,7 +209,7 @@ int workOnAll(BatchParts& parts, const ApplyOptions& options, const std::vector<
     const Terminal results{isStandardStream(options.output) ? terminal.err : terminal.out, terminal.err,
                            terminal.live};
     ApplyProgress progress(parts, options, ledger ? &*ledger : nullptr);
-    ApplyReport report(options.json, results);
+    ApplyReport report(options, results);
     MemoryGate memory(memoryFor(options));
     bool hasNext = progress.next();
     FailureLimit failures(options.mostFailures, progress.totals().failed);
@@ -224,8 +227,8 @@ int workOnAll(BatchParts& parts, const ApplyOptions& options, const std::vector<
     bool isThrough = true;
     for (; hasNext; hasNext = isThrough && progress.next()) {
         showNotes(progress.notes(), terminal);
-        isThrough = workOnPart(work, calls, options, settings, terminal);
-        report.add(progress.items(), progress.reports);
+        isThrough = workOnPart(work, calls, options, settings, report, terminal);
+        report.add(progress);
     }
     const int code = report.finish(progress.totals());
     const std::string unwritten = ledger ? ledger->finish(isThrough) : "";

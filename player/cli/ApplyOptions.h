@@ -36,7 +36,8 @@ struct ApplyOptions {
     bool firstFrame = false;
     /// Pictures processed in parallel; 0 for one per processor.
     unsigned jobs = 0;
-    bool json = false;
+    /// Prints results as JSON, and how long each step takes.
+    bool json = false, timings = false;
     /// Name of each output in the folder, such as `{folder}/{stem}_small.{ext}`; empty for the input's own.
     std::string nameTemplate;
     /// A file with one input in each line, or `-` for standard input.

@@ -4,6 +4,7 @@
 
 #include "player/cli/CatalogueCalls.h"
 #include "player/cli/ReadRetry.h"
+#include "player/cli/Stopwatch.h"
 #include "player/pictures/FileAccess.h"
 #include "player/pictures/PictureMetadata.h"
 
@@ -54,13 +55,19 @@ std::string runAll(const ApplyRunner& run, const std::vector<ReadyLook>& looks,
     for (const ReadyLook& look : looks) {
         CallReport& made = report.calls.emplace_back();
         made.call = "look " + look.name;
-        made.outcome = run.look(picture, look);
+        {
+            const Stopwatch watch(made.milliseconds);
+            made.outcome = run.look(picture, look);
+        }
         if (!made.outcome.ok()) return "";
     }
     for (const ChainCall& call : chain) {
         CallReport& made = report.calls.emplace_back();
         made.call = call.lingo(picture.width, picture.height);
-        made.outcome = run.call(picture, call);
+        {
+            const Stopwatch watch(made.milliseconds);
+            made.outcome = run.call(picture, call);
+        }
         const bool plain = made.outcome.shown.empty() || made.outcome.shown == "[#error: 0]";
         made.telling = !plain && !(made.outcome.ok() && call.method().makesPicture());
         if (!made.outcome.ok()) return sizeHint(call, picture);
@@ -72,6 +79,12 @@ std::string textOf(const Bitmap& picture) {
     return std::to_string(picture.width) + " by " + std::to_string(picture.height) + " pixels";
 }
 
+/// Both get the sum of their times, call by call.
+void addTimes(std::vector<CallReport>& sums, std::vector<CallReport>& made) {
+    for (size_t i = 0; i < sums.size() && i < made.size(); ++i)
+        sums[i].milliseconds = made[i].milliseconds += sums[i].milliseconds;
+}
+
 /// Runs everything on all pages or frames; the report has the calls on the first, or on the one that fails.
 void runOnFrames(const ApplyRunner& run, const ApplyWork& work, const BatchItem& item, PictureFrames& frames,
                  PictureReport& report) {
@@ -81,6 +94,7 @@ void runOnFrames(const ApplyRunner& run, const ApplyWork& work, const BatchItem&
         const std::string hint =
             runAll(run, work.looks, run.moving ? run.moving->at(facts) : work.chain, frame, made);
         const bool hasFailed = !made.calls.empty() && !made.calls.back().outcome.ok();
+        addTimes(report.calls, made.calls);
         if (report.calls.empty() || hasFailed) report.calls = std::move(made.calls);
         if (hasFailed) {
             const CallReport& failed = report.calls.back();
@@ -88,6 +102,7 @@ void runOnFrames(const ApplyRunner& run, const ApplyWork& work, const BatchItem&
             return;
         }
         try {
+            const Stopwatch watch(report.writing);
             if (!work.delivery.isNothing()) deliver(frame, work.delivery);
         } catch (const PictureError& error) {
             report.failure = error.what();
@@ -115,8 +130,10 @@ PictureReport workOn(const ApplyRunner& run, const ApplyWork& work, size_t index
         const bool readsAll = !work.firstFrame && format && holdsFrames(*format);
         const FrameChoice choice = readsAll ? FrameChoice::All : FrameChoice::First;
         const MemoryGate::Share share = shareFor(item, choice, work);
-        PictureFrames frames =
-            readPatiently(item.input, work.retries, [&] { return readFrames(item.input, choice); });
+        PictureFrames frames = readPatiently(item.input, work.retries, [&] {
+            const Stopwatch watch(report.reading);
+            return readFrames(item.input, choice);
+        });
         if (const auto& metadata = frames.pictures.front().metadata)
             for (const std::string& loss : metadata->losses)
                 report.notes.push_back(item.input.string() + " loses " + loss);
@@ -130,6 +147,7 @@ PictureReport workOn(const ApplyRunner& run, const ApplyWork& work, size_t index
         work.progress.calledAll(index, report);
         WriteOptions options = work.options;
         options.whenWritten = [&] { work.progress.written(index); };
+        const Stopwatch watch(report.writing);
         writeFramesOf(item.input, item.output, frames, options);
         report.written = true;
     } catch (const ScriptError& error) {

@@ -23,16 +23,17 @@ Json unpacked(const std::string& bytes) { return Json::from_cbor(bytes); }
 std::string packed(const PictureReport& report) {
     Json calls = Json::array();
     for (const CallReport& made : report.calls)
-        calls.push_back({made.call, made.outcome.error, made.outcome.shown, made.telling});
-    return packed({report.failure, calls, report.notes});
+        calls.push_back({made.call, made.outcome.error, made.outcome.shown, made.telling, made.milliseconds});
+    return packed({report.failure, calls, report.notes, report.reading});
 }
 
 PictureReport reportOf(const std::string& bytes) {
     const Json json = unpacked(bytes);
     PictureReport report;
     report.failure = json[0];
-    for (const Json& made : json[1]) report.calls.push_back({made[0], {made[1], made[2]}, made[3]});
+    for (const Json& made : json[1]) report.calls.push_back({made[0], {made[1], made[2]}, made[3], made[4]});
     report.notes = json[2].get<std::vector<std::string>>();
+    report.reading = json[3];
     return report;
 }
 
@@ -59,6 +60,7 @@ bool ApplyProgress::next() {
     items_ = planBatch(*part, options_, &notes_);
     if (ledger_) ledger_->leaveOutDone(items_, notes_);
     reports.assign(items_.size(), {});
+    shown_.assign(items_.size(), 0);
     alone_.clear();
     together_.resize(items_.size());
     std::iota(together_.begin(), together_.end(), size_t{0});
@@ -89,6 +91,7 @@ void ApplyProgress::readPlan(const std::string& text) {
     for (const Json& item : json["items"])
         items_.push_back({item[0].get<std::string>(), item[1].get<std::string>(), item[2], item[3]});
     reports.resize(items_.size());
+    shown_.resize(items_.size());
     totals_ = {json["totals"][0], json["totals"][1], json["totals"][2]};
     parts_.continueAt({json["place"][0], json["place"][1]});
     if (ledger_) ledger_->continueWith(json["ledger"]);
@@ -100,6 +103,12 @@ void ApplyProgress::calledAll(size_t item, const PictureReport& report) const {
 
 void ApplyProgress::failed(size_t item, const PictureReport& report) const {
     if (journal_.kept()) journal_.note(JournalEntry::Kind::Failed, item, packed(report));
+}
+
+void ApplyProgress::showOnce(size_t item, const std::function<void()>& print) {
+    if (shown_[item]) return;
+    journal_.show(item, print);
+    shown_[item] = 1;
 }
 
 /// Any picture in progress may have caused the crash. If there was only one, it did.
@@ -148,6 +157,9 @@ void ApplyProgress::apply(const JournalEntry& entry, std::vector<bool>& begun) {
             return;
         case JournalEntry::Kind::Written:
             reports.at(entry.item).written = true;
+            return;
+        case JournalEntry::Kind::Shown:
+            shown_.at(entry.item) = 1;
             return;
         case JournalEntry::Kind::Crash:
             return;

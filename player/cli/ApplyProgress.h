@@ -15,6 +15,7 @@ struct CallReport {
     CallOutcome outcome;
     /// Whether the result says more than success or a new picture.
     bool telling = false;
+    double milliseconds = 0;  ///< on all pages or frames
 };
 
 /// The outcome for one picture.
@@ -23,6 +24,9 @@ struct PictureReport {
     bool written = false;
     std::vector<std::string> notes;  ///< what else is worth knowing, a line each
     std::string failure;             ///< one line; empty for a picture that was written
+    double reading = 0;              ///< milliseconds
+    /// Milliseconds to resize, convert and write; 0 if a crash came right after.
+    double writing = 0;
 
     bool settled() const { return written || !failure.empty(); }
 };
@@ -62,6 +66,9 @@ public:
     void written(size_t item) const noexcept { journal_.note(JournalEntry::Kind::Written, item); }
     void failed(size_t item, const PictureReport& report) const;
 
+    /// Calls `print` unless this or a crashed program did for this picture. Can be called from any thread.
+    void showOnce(size_t item, const std::function<void()>& print);
+
     std::vector<PictureReport> reports;
 
 private:
@@ -80,6 +87,7 @@ private:
     std::vector<BatchItem> items_;
     std::vector<std::string> notes_;
     std::vector<size_t> alone_, together_;
+    std::vector<char> shown_;  ///< for each item; written by several threads
 };
 
 }  // namespace krl::player

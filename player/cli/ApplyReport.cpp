@@ -1,8 +1,12 @@
 #include "player/cli/ApplyReport.h"
 
+#include <cmath>
+#include <cstdio>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <utility>
+
+#include "catalogue/Catalogue.h"
 
 namespace krl::player {
 
@@ -12,19 +16,50 @@ void showNotes(const std::vector<std::string>& notes, const Terminal& terminal) 
 
 namespace {
 
-nlohmann::ordered_json jsonOf(const BatchItem& item, const PictureReport& report) {
-    nlohmann::ordered_json json = {{"input", item.input.string()}, {"ok", report.failure.empty()}};
+using Json = nlohmann::ordered_json;
+
+double rounded(double milliseconds) { return std::round(milliseconds * 1000) / 1000; }
+
+Json jsonOf(const CallReport& made, bool isTimed) {
+    Json json = {{"call", made.call}, {"result", made.outcome.shown}};
+    if (!made.outcome.ok()) json["error"] = made.outcome.error;
+    if (isTimed) json["milliseconds"] = rounded(made.milliseconds);
+    return json;
+}
+
+/// A line without its end.
+std::string jsonOf(const BatchItem& item, const PictureReport& report, bool isTimed) {
+    Json json = {{"input", item.input.string()}, {"ok", report.failure.empty()}};
     if (report.failure.empty())
         json["output"] = item.output.string();
     else
         json["failure"] = report.failure;
-    json["calls"] = nlohmann::ordered_json::array();
-    for (const CallReport& made : report.calls) {
-        nlohmann::ordered_json call = {{"call", made.call}, {"result", made.outcome.shown}};
-        if (!made.outcome.ok()) call["error"] = made.outcome.error;
-        json["calls"].push_back(call);
+    json["calls"] = Json::array();
+    for (const CallReport& made : report.calls) json["calls"].push_back(jsonOf(made, isTimed));
+    if (!report.notes.empty()) json["notes"] = report.notes;
+    if (isTimed) {
+        json["milliseconds"]["read"] = rounded(report.reading);
+        if (report.writing > 0) json["milliseconds"]["write"] = rounded(report.writing);
     }
-    return json;
+    // File names can hold arbitrary bytes, JSON cannot.
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+/// `in.jpg: read 41.2 ms, brightness 3.1 ms, write 80.4 ms`.
+std::string timingsOf(const BatchItem& item, const PictureReport& report) {
+    std::string line = item.input.string(), divider = ": ";
+    const auto add = [&](const std::string& what, double milliseconds) {
+        char number[32];
+        std::snprintf(number, sizeof number, " %.1f ms", milliseconds);
+        line += std::exchange(divider, ", ") + what + number;
+    };
+    add("read", report.reading);
+    for (const CallReport& made : report.calls) {
+        const Method* method = catalogue().find(made.call.substr(0, made.call.find('(')));
+        add(method ? method->shortName() : made.call, made.milliseconds);
+    }
+    if (report.writing > 0) add("write", report.writing);
+    return line;
 }
 
 void showResults(const PictureReport& report, const Terminal& terminal) {
@@ -32,42 +67,45 @@ void showResults(const PictureReport& report, const Terminal& terminal) {
         if (made.telling) terminal.out << made.outcome.shown << '\n';
 }
 
-void showFailure(const PictureReport& report, const Terminal& terminal) {
-    terminal.err << "krlimage: " << report.failure << '\n';
-}
-
-/// With every line moved to the right, as part of a list.
-std::string indented(const std::string& json) {
-    std::string text = "  ";
-    for (const char letter : json) {
-        text += letter;
-        if (letter == '\n') text += "  ";
-    }
-    return text;
-}
-
 }  // namespace
 
-void ApplyReport::show(const BatchItem& item, const PictureReport& report) {
-    if (json_) {
-        terminal_.out << (std::exchange(isFirst_, false) ? "[\n" : ",\n");
-        // File names can hold arbitrary bytes, JSON cannot.
-        const auto replacing = nlohmann::json::error_handler_t::replace;
-        terminal_.out << indented(jsonOf(item, report).dump(2, ' ', false, replacing));
-    } else {
-        showResults(report, terminal_);
-    }
-    showNotes(report.notes, terminal_);
-    if (!report.failure.empty()) showFailure(report, terminal_);
+void ApplyReport::printLines(ApplyProgress& progress, size_t item) {
+    if (!printsLines()) return;
+    const BatchItem& picture = progress.items()[item];
+    const PictureReport& report = progress.reports[item];
+    const std::string result = json_ ? jsonOf(picture, report, timings_) + '\n' : "";
+    const std::string times = timings_ ? timingsOf(picture, report) + '\n' : "";
+    const std::lock_guard lock(guard_);
+    progress.showOnce(item, [&] {
+        terminal_.out << result << std::flush;
+        if (timings_) terminal_.err << "krlimage: " << times << std::flush;
+    });
 }
 
-void ApplyReport::add(const std::vector<BatchItem>& items, const std::vector<PictureReport>& reports) {
+void ApplyReport::settled(ApplyProgress& progress, size_t item) {
     try {
-        for (size_t i = 0; i < items.size(); ++i)
-            if (reports[i].settled()) show(items[i], reports[i]);
+        if (progress.reports[item].settled()) printLines(progress, item);
+    } catch (const std::bad_alloc&) {
+        // The end of the part tries again.
+    }
+}
+
+void ApplyReport::show(const PictureReport& report) const {
+    if (!json_) showResults(report, terminal_);
+    showNotes(report.notes, terminal_);
+    if (!report.failure.empty()) terminal_.err << "krlimage: " << report.failure << '\n';
+}
+
+void ApplyReport::add(ApplyProgress& progress) {
+    try {
+        for (size_t i = 0; i < progress.reports.size(); ++i) {
+            if (!progress.reports[i].settled()) continue;
+            printLines(progress, i);
+            show(progress.reports[i]);
+        }
     } catch (const std::bad_alloc&) {
         BatchTotals part;
-        part.add(reports);
+        part.add(progress.reports);
         terminal_.err << "krlimage: out of memory after " << part.written << " of " << part.pictures
                       << " pictures were written\n";
         ranOut_ = true;
@@ -75,7 +113,6 @@ void ApplyReport::add(const std::vector<BatchItem>& items, const std::vector<Pic
 }
 
 int ApplyReport::finish(const BatchTotals& totals) {
-    if (json_) terminal_.out << (isFirst_ ? "[]\n" : "\n]\n");
     if (ranOut_) return 1;
     const size_t left = totals.unsettled();
     if (totals.pictures > 1) {

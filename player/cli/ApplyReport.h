@@ -1,8 +1,10 @@
 #pragma once
 
+#include <mutex>
 #include <string>
 #include <vector>
 
+#include "player/cli/ApplyOptions.h"
 #include "player/cli/ApplyProgress.h"
 #include "player/cli/Commands.h"
 
@@ -14,23 +16,29 @@ void showNotes(const std::vector<std::string>& notes, const Terminal& terminal);
 /// Exit code of a batch that ended before all its pictures were tried.
 inline constexpr int kStoppedEarly = 3;
 
-/// Prints the results of a batch, part by part.
+/// Prints the results of a batch: lines for programs and timings while it goes on, the rest part by part.
 class ApplyReport {
 public:
-    ApplyReport(bool json, const Terminal& terminal) : json_(json), terminal_(terminal) {}
+    ApplyReport(const ApplyOptions& options, const Terminal& terminal)
+        : json_(options.json), timings_(options.timings), terminal_(terminal) {}
 
+    /// Whether there is something to print for each picture as it is settled.
+    bool printsLines() const { return json_ || timings_; }
+    /// Prints that, unless it was printed before. Can be called from any thread.
+    void settled(ApplyProgress& progress, size_t item);
     /// Prints the results of a part. If memory runs out meanwhile, it still reports how many pictures were
     /// written.
-    void add(const std::vector<BatchItem>& items, const std::vector<PictureReport>& reports);
+    void add(ApplyProgress& progress);
     /// Prints how many pictures of all parts are done, and returns the exit code.
     int finish(const BatchTotals& totals);
 
 private:
-    void show(const BatchItem& item, const PictureReport& report);
+    void printLines(ApplyProgress& progress, size_t item);
+    void show(const PictureReport& report) const;
 
-    const bool json_;
+    const bool json_, timings_;
     const Terminal& terminal_;
-    bool isFirst_ = true;
+    std::mutex guard_;
     bool ranOut_ = false;  ///< of memory
 };
 

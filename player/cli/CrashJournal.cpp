@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 
 #include "player/pictures/AtomicFile.h"
 
@@ -37,6 +38,37 @@ char** mainWords = nullptr;
 std::atomic<int> journal = -1;
 std::atomic<bool> crashing = false;
 
+constexpr int kCrashes[] = {SIGABRT, SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP};
+
+std::atomic_flag showing = ATOMIC_FLAG_INIT;
+
+/// Waits until no other thread prints what it notes.
+void beginShowing() noexcept {
+    constexpr timespec pause{0, 1'000'000};
+    while (showing.test_and_set(std::memory_order_acquire)) ::nanosleep(&pause, nullptr);
+}
+
+/// Holds off a crash. Signals that end the program still do, so that a reader that stalls cannot stop them.
+class ShowGuard {
+public:
+    ShowGuard() {
+        sigset_t crashes;
+        sigemptyset(&crashes);
+        for (const int signal : kCrashes) sigaddset(&crashes, signal);
+        pthread_sigmask(SIG_BLOCK, &crashes, &before_);
+        beginShowing();
+    }
+    ~ShowGuard() {
+        showing.clear(std::memory_order_release);
+        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+    }
+    ShowGuard(const ShowGuard&) = delete;
+    ShowGuard& operator=(const ShowGuard&) = delete;
+
+private:
+    sigset_t before_{};
+};
+
 void append(Head head, const char* text) noexcept {
     const int file = journal;
     if (file < 0) return;
@@ -49,6 +81,7 @@ void append(Head head, const char* text) noexcept {
 /// Makes only system calls, since memory may be corrupt.
 void endByCrash(int signal) {
     crashing = true;
+    beginShowing();
     removeUnfinishedFiles();
     append({kMark, static_cast<uint32_t>(JournalEntry::Kind::Crash), static_cast<uint32_t>(signal), 0}, "");
     if (journal >= 0) {
@@ -87,8 +120,7 @@ void surviveCrashes(char** words) {
     struct sigaction ending {};
     ending.sa_handler = endByCrash;
     sigfillset(&ending.sa_mask);
-    for (const int signal : {SIGABRT, SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP})
-        sigaction(signal, &ending, nullptr);
+    for (const int signal : kCrashes) sigaction(signal, &ending, nullptr);
 }
 
 std::string crashName(int signal) { return strsignal(signal); }
@@ -130,6 +162,12 @@ void CrashJournal::note(JournalEntry::Kind kind, size_t item, const std::string&
         text.data());
 }
 
+void CrashJournal::show(size_t item, const std::function<void()>& print) const {
+    const ShowGuard guard;
+    print();
+    note(JournalEntry::Kind::Shown, item);
+}
+
 /// Reads up to the first incomplete note, which the crash interrupted.
 void CrashJournal::readPast() {
     const int file = journal;
@@ -155,6 +193,7 @@ CrashJournal::~CrashJournal() = default;
 bool CrashJournal::kept() const { return false; }
 void CrashJournal::restart() {}
 void CrashJournal::note(JournalEntry::Kind, size_t, const std::string&) const noexcept {}
+void CrashJournal::show(size_t, const std::function<void()>& print) const { print(); }
 void CrashJournal::readPast() {}
 
 #endif

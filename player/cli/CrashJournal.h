@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -21,7 +22,7 @@ std::string crashName(int signal);
 
 /// A note about the progress of a program that crashed, in the order of writing.
 struct JournalEntry {
-    enum class Kind : uint32_t { Plan, Begun, Report, Failed, Written, Crash, Restart };
+    enum class Kind : uint32_t { Plan, Begun, Report, Failed, Written, Crash, Restart, Shown };
     Kind kind;
     size_t item = 0;  ///< for a crash, the signal
     std::string text;
@@ -44,6 +45,8 @@ public:
     void restart();
     /// Can be called from any thread; allocates nothing.
     void note(JournalEntry::Kind kind, size_t item, const std::string& text = "") const noexcept;
+    /// Calls `print` and notes that its output is out. A crash in another thread waits for both.
+    void show(size_t item, const std::function<void()>& print) const;
 
 private:
     void readPast();

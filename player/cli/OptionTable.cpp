@@ -171,7 +171,9 @@ void addApplyOptions(CLI::App& app, ApplyOptions& options) {
                  "Leave out all but the first page or frame, which GIF, WebP and TIFF keep otherwise");
     addJobs(app, options.jobs);
     addTimeout(app, options.timeout);
-    app.add_flag("--json", options.json, "Print results as JSON");
+    app.add_flag("--json", options.json, "Print a line of JSON for each picture as soon as it is done");
+    app.add_flag("--timings", options.timings,
+                 "Print the milliseconds of reading, every call and writing; with --json in the line too");
     addChoice(app, "--print", options.print, "lingo",
               "Print the calls as a Lingo script instead of running them");
     addSession(app, options.session, options.threads);

@@ -11,6 +11,7 @@ namespace {
 /// Options that are for picture files.
 const char* optionForFiles(const ApplyOptions& options) {
     const std::pair<bool, const char*> all[] = {{options.json, "--json"},
+                                                {options.timings, "--timings"},
                                                 {!options.format.empty(), "--format"},
                                                 {!options.nameTemplate.empty(), "--name"},
                                                 {!options.inputList.empty(), "--from"},

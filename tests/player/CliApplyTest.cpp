@@ -5,6 +5,8 @@
 #include <unistd.h>
 #endif
 
+#include "player/pictures/FileAccess.h"
+#include "player/pictures/PictureFiles.h"
 #include "tests/player/CliRun.h"
 
 namespace krl::player {
@@ -247,20 +249,103 @@ TEST_F(Apply, PrintsResultsAsJson) {
                                      "brightness(40)", "composite(image(1, 1, 32), #normal)"});
     EXPECT_EQ(done.code, 1);
     const auto json = nlohmann::json::parse(done.out);
-    ASSERT_EQ(json.size(), 1u);
-    EXPECT_EQ(json[0]["input"], at("in.pam"));
-    EXPECT_EQ(json[0]["ok"], false);
-    ASSERT_EQ(json[0]["calls"].size(), 2u);
-    EXPECT_EQ(json[0]["calls"][0]["call"], "krlImageBrightness(40, #RGB)");
-    EXPECT_EQ(json[0]["calls"][0]["result"], "[#error: 0]");
-    EXPECT_NE(json[0]["calls"][1]["error"], "");
+    EXPECT_EQ(json["input"], at("in.pam"));
+    EXPECT_EQ(json["ok"], false);
+    ASSERT_EQ(json["calls"].size(), 2u);
+    EXPECT_EQ(json["calls"][0]["call"], "krlImageBrightness(40, #RGB)");
+    EXPECT_EQ(json["calls"][0]["result"], "[#error: 0]");
+    EXPECT_NE(json["calls"][1]["error"], "");
+    EXPECT_EQ(json.count("milliseconds"), 0u);
+}
+
+TEST_F(Apply, PrintsALineOfJsonForEachPicture) {
+    std::filesystem::create_directory(at("in"));
+    for (const char* name : {"in/a.pam", "in/b.pam", "in/c.pam"}) picture(name);
+    text("in/b.pam", "no picture");
+    const CliResult done =
+        krlimage({"apply", at("in"), "-o", at("out"), "--json", "-j", "1", "invert(#RGB)"}, true);
+    EXPECT_EQ(done.code, 1);
+    const std::vector<nlohmann::json> lines = jsonLines(done.out);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[0]["output"], at("out/a.pam"));
+    EXPECT_EQ(lines[1]["ok"], false);
+    EXPECT_TELLS(lines[1]["failure"].get<std::string>(), "unrecognised picture format");
+    EXPECT_EQ(lines[2]["ok"], true);
+    EXPECT_EQ(done.err.find("left"), std::string::npos) << "a progress bar among the lines: " << done.err;
+}
+
+/// Counts the files in a folder whenever output is flushed.
+class CountingBuffer : public std::stringbuf {
+public:
+    explicit CountingBuffer(std::filesystem::path folder) : folder_(std::move(folder)) {}
+    std::vector<size_t> counts;
+
+private:
+    int sync() override {
+        counts.push_back(0);
+        for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder_))
+            ++counts.back();
+        return 0;
+    }
+    const std::filesystem::path folder_;
+};
+
+TEST_F(Apply, PrintsEachLineOfJsonAsSoonAsItsPictureIsWritten) {
+    const std::vector<std::string> words = {"apply", picture("a.pam"), picture("b.pam"), picture("c.pam"),
+                                            "-o",    at("out"),        "--json",         "-j",
+                                            "1",     "invert(#RGB)"};
+    CountingBuffer buffer(at("out"));
+    std::ostream out(&buffer);
+    std::ostringstream err;
+    EXPECT_EQ(runCommandLine(words, Terminal{out, err, false}), 0) << err.str();
+    EXPECT_EQ(buffer.counts, (std::vector<size_t>{1, 2, 3}));
+    EXPECT_EQ(jsonLines(buffer.str()).size(), 3u);
+}
+
+TEST_F(Apply, PrintsHowLongEachStepTakes) {
+    const std::vector<std::string> words = {"apply",     picture("in.pam", 600, 400),  "-o",
+                                            at("o.pam"), "fastGaussianBlur(40, #RGB)", "invert(#RGB)",
+                                            "--timings"};
+    const CliResult shown = krlimage(words);
+    EXPECT_EQ(shown.out, "");
+    double read = 0, blur = 0, invert = 0, write = 0;
+    const std::string start = "krlimage: " + at("in.pam") + ": ";
+    ASSERT_EQ(shown.err.rfind(start, 0), 0u) << shown.err;
+    ASSERT_EQ(std::sscanf(shown.err.c_str() + start.size(),
+                          "read %lf ms, fastGaussianBlur %lf ms, invert %lf ms, write %lf ms", &read, &blur,
+                          &invert, &write),
+              4)
+        << shown.err;
+    std::vector<std::string> all = words;
+    all.push_back("--json");
+    const CliResult done = krlimage(all);
+    EXPECT_TELLS(done.err, ": read ");
+    const auto json = nlohmann::json::parse(done.out);
+    EXPECT_GT(json["calls"][0]["milliseconds"], json["calls"][1]["milliseconds"]);
+    EXPECT_GT(json["milliseconds"]["read"], 0);
+    EXPECT_GT(json["milliseconds"]["write"], 0);
+}
+
+TEST_F(Apply, AddsTheTimesOfAllFrames) {
+    if (!isPictureName("x.gif")) GTEST_SKIP() << "no animations";
+    PictureFrames frames;
+    for (uint32_t i = 0; i < 6; ++i) frames.pictures.push_back(noise(300, 200, i));
+    frames.delays.assign(6, 100);
+    writeFramesOf(at("none"), folder / "six.gif", frames, {});
+    const auto timeOf = [&](const std::vector<std::string>& more) {
+        std::vector<std::string> words = {
+            "apply", at("six.gif"), "-o", at("out.gif"), "--json", "--timings", "fastGaussianBlur(60, #RGB)"};
+        words.insert(words.end(), more.begin(), more.end());
+        return nlohmann::json::parse(krlimage(words).out)["calls"][0]["milliseconds"].get<double>();
+    };
+    EXPECT_GT(timeOf({}), 2 * timeOf({"--first-frame"}));
 }
 
 TEST_F(Apply, PrintsNamesThatAreNotUtf8AsJson) {
     const CliResult done =
         krlimage({"apply", picture("caf\xE9.pam"), "-o", at("out.pam"), "--json", "invert(#RGB)"});
     EXPECT_EQ(done.code, 0) << done.err;
-    EXPECT_EQ(nlohmann::json::parse(done.out)[0]["input"], at("caf\xEF\xBF\xBD.pam"));
+    EXPECT_EQ(nlohmann::json::parse(done.out)["input"], at("caf\xEF\xBF\xBD.pam"));
 }
 
 TEST_F(Apply, PrintsAChainAsAScriptThatDoesTheSame) {

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "core/Random.h"
@@ -84,6 +85,13 @@ inline size_t countOf(const std::string& text, const std::string& part) {
     for (size_t found = text.find(part); found != std::string::npos; found = text.find(part, found + 1))
         ++count;
     return count;
+}
+
+inline std::vector<nlohmann::json> jsonLines(const std::string& text) {
+    std::vector<nlohmann::json> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) lines.push_back(nlohmann::json::parse(line));
+    return lines;
 }
 
 #define EXPECT_TELLS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
