@@ -155,6 +155,21 @@ void requireOutput(const ApplyOptions& options, const std::vector<ChainCall>& ch
         throw UsageError("--name: {n} counts the pictures of one run, and --shard makes several");
 }
 
+/// What a watch, which has no end, cannot do.
+void refuseWithWatch(const ApplyOptions& options, const std::vector<fs::path>& inputs,
+                     const std::vector<MovingCall>& calls) {
+    const std::pair<bool, const char*> all[] = {
+        {!inputs.empty(), "inputs"},          {!options.inputList.empty(), "--from"},
+        {!options.raw.empty(), "--raw"},      {options.inPlace, "--in-place"},
+        {options.dryRun, "--dry-run"},        {options.plan, "--plan"},
+        {!options.shard.empty(), "--shard"},  {options.keepsLedger(), "--ledger and --resume"},
+        {moves(calls), "arguments that move"}};
+    for (const auto& [isGiven, what] : all)
+        if (isGiven) throw UsageError(std::string("--watch goes on until interrupted: leave out ") + what);
+    if (options.output.empty() || isStandardStream(options.output) || Sequence::named(options.output))
+        throw UsageError("--watch needs -o DIR");
+}
+
 /// Works on the pictures of a part. Returns whether the next part can follow.
 bool workOnPart(const ApplyWork& work, const std::vector<MovingCall>& calls, const ApplyOptions& options,
                 const SessionOptions& settings, ApplyReport& report, const Terminal& terminal) {
@@ -238,7 +253,9 @@ int workOnAll(BatchParts& parts, const ApplyOptions& options, const std::vector<
 
 }  // namespace
 
-int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
+int applyCalls(const ApplyOptions& asked, const Terminal& terminal) {
+    ApplyOptions options = asked;
+    if (!options.watch.empty()) options.root = options.watch;
     const TimeLimit limit(options.timeout, terminal.live);
     std::vector<fs::path> inputs;
     std::vector<MovingCall> calls;
@@ -259,7 +276,8 @@ int applyCalls(const ApplyOptions& options, const Terminal& terminal) {
         throw UsageError(
             "arguments that move need all frames: name a sequence or a folder instead of --from");
     if (!options.print.empty()) return printScript(inputs, calls, chain, options, terminal);
-    if (inputs.empty() && options.inputList.empty())
+    if (!options.watch.empty()) refuseWithWatch(options, inputs, calls);
+    if (inputs.empty() && options.inputList.empty() && options.watch.empty())
         throw UsageError("no input: name a picture or a folder" + exampleOf(chain));
     requireOutput(options, chain);
     if (!options.raw.empty()) {

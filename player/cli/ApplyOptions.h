@@ -42,6 +42,8 @@ struct ApplyOptions {
     std::string nameTemplate;
     /// A file with one input in each line, or `-` for standard input.
     std::filesystem::path inputList;
+    /// A folder whose pictures are taken as they appear.
+    std::filesystem::path watch;
     /// Whether names in the list end with a zero byte instead of a line's end.
     bool endsWithZero = false;
     /// Outputs are placed in the output folder as their inputs are in this one; empty for by their names.

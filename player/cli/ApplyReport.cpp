@@ -73,7 +73,11 @@ void ApplyReport::printLines(ApplyProgress& progress, size_t item) {
     if (!printsLines()) return;
     const BatchItem& picture = progress.items()[item];
     const PictureReport& report = progress.reports[item];
-    const std::string result = json_ ? jsonOf(picture, report, timings_) + '\n' : "";
+    std::string result;
+    if (json_)
+        result = jsonOf(picture, report, timings_) + '\n';
+    else if (isWatching_ && report.written)
+        result = picture.input.string() + " -> " + picture.output.string() + '\n';
     const std::string times = timings_ ? timingsOf(picture, report) + '\n' : "";
     const std::lock_guard lock(guard_);
     progress.showOnce(item, [&] {
@@ -110,6 +114,7 @@ void ApplyReport::add(ApplyProgress& progress) {
                       << " pictures were written\n";
         ranOut_ = true;
     }
+    terminal_.out << std::flush;
 }
 
 int ApplyReport::finish(const BatchTotals& totals) {

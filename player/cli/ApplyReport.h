@@ -20,10 +20,13 @@ inline constexpr int kStoppedEarly = 3;
 class ApplyReport {
 public:
     ApplyReport(const ApplyOptions& options, const Terminal& terminal)
-        : json_(options.json), timings_(options.timings), terminal_(terminal) {}
+        : json_(options.json),
+          timings_(options.timings),
+          isWatching_(!options.watch.empty()),
+          terminal_(terminal) {}
 
     /// Whether there is something to print for each picture as it is settled.
-    bool printsLines() const { return json_ || timings_; }
+    bool printsLines() const { return json_ || timings_ || isWatching_; }
     /// Prints that, unless it was printed before. Can be called from any thread.
     void settled(ApplyProgress& progress, size_t item);
     /// Prints the results of a part. If memory runs out meanwhile, it still reports how many pictures were
@@ -36,7 +39,7 @@ private:
     void printLines(ApplyProgress& progress, size_t item);
     void show(const PictureReport& report) const;
 
-    const bool json_, timings_;
+    const bool json_, timings_, isWatching_;
     const Terminal& terminal_;
     std::mutex guard_;
     bool ranOut_ = false;  ///< of memory

@@ -10,6 +10,7 @@ namespace krl::player {
 
 BatchParts::BatchParts(std::vector<std::filesystem::path> named, const ApplyOptions& options)
     : options_(options), named_(std::move(named)), shard_(shardOf(options)) {
+    if (!options.watch.empty()) watch_ = std::make_unique<FolderWatch>(options);
     if (options.inputList.empty()) return;
     const auto isStream = [](const std::filesystem::path& input) { return isStandardStream(input); };
     if (isStream(options.inputList) && std::any_of(named_.begin(), named_.end(), isStream))
@@ -21,6 +22,7 @@ BatchParts::BatchParts(std::vector<std::filesystem::path> named, const ApplyOpti
 }
 
 std::optional<BatchPart> BatchParts::next() {
+    if (watch_) return BatchPart{{}, watch_->next(), true};
     BatchPart part;
     const bool isFirst = std::exchange(isFirst_, false);
     if (isFirst) part.named = named_;
@@ -48,11 +50,15 @@ void BatchParts::requireOutputsOfTheirOwn() const {
         throw UsageError(size + "needs {folder} in --name");
 }
 
-InputList::Place BatchParts::place() const { return list_ ? list_->place() : InputList::Place(); }
+InputList::Place BatchParts::place() const {
+    if (watch_) return {0, watch_->seen()};
+    return list_ ? list_->place() : InputList::Place();
+}
 
 void BatchParts::continueAt(const InputList::Place& place) {
     isFirst_ = false;
     if (list_) list_->continueAt(place);
+    if (watch_) watch_->continueAfter(place.unread);
 }
 
 }  // namespace krl::player

@@ -4,13 +4,15 @@
 #include <optional>
 
 #include "player/cli/Batch.h"
+#include "player/cli/FolderWatch.h"
 #include "player/cli/InputList.h"
 #include "player/cli/Shard.h"
 
 namespace krl::player {
 
 /// The inputs of a batch in parts of some thousand. The first part has all that the command line names, and
-/// every part the names that follow in the list of `--from`.
+/// every part the names that follow in the list of `--from`. With `--watch`, each part has the pictures that
+/// have appeared, and there is no last one.
 class BatchParts {
 public:
     /// Throws `CommandError` for a list that cannot be read.
@@ -35,6 +37,7 @@ private:
     std::vector<std::filesystem::path> named_;
     std::optional<Shard> shard_;
     std::unique_ptr<InputList> list_;
+    std::unique_ptr<FolderWatch> watch_;
     bool isFirst_ = true;
 };
 

@@ -137,6 +137,8 @@ void addApplyOptions(CLI::App& app, ApplyOptions& options) {
     app.add_flag("-0,--null", options.endsWithZero,
                  "Names in the list end with a zero byte, as find -print0 has them")
         ->needs(from);
+    addPath(app, "--watch", options.watch, "DIR",
+            "Take the pictures in DIR, and those that appear there, until interrupted");
     addPath(app, "--root", options.root, "DIR", "Keep the place of the inputs below DIR in OUT");
     addBatchOptions(app, options);
     app.add_flag("-r,--recursive", options.recursive, "Also take pictures in folders within folders");

@@ -302,6 +302,26 @@ TEST_F(Apply, PrintsEachLineOfJsonAsSoonAsItsPictureIsWritten) {
     EXPECT_EQ(jsonLines(buffer.str()).size(), 3u);
 }
 
+TEST_F(Apply, RefusesWhatAWatchCannotDo) {
+    std::filesystem::create_directories(at("in/out"));
+    const auto refuses = [&](std::vector<std::string> words, const std::string& complaint) {
+        words.insert(words.begin(), {"apply", "--watch", at("in"), "sepia"});
+        const CliResult done = krlimage(words);
+        EXPECT_EQ(done.code, 2) << complaint;
+        EXPECT_TELLS(done.err, complaint);
+    };
+    refuses({}, "--watch needs -o DIR");
+    refuses({"-o", "-"}, "--watch needs -o DIR");
+    refuses({"-o", at("out"), picture("a.pam")}, "leave out inputs");
+    refuses({"-o", at("out"), "--resume"}, "leave out --ledger and --resume");
+    refuses({"-o", at("out"), "--dry-run"}, "leave out --dry-run");
+    refuses({"--in-place"}, "leave out --in-place");
+    refuses({"-o", at("in")}, "would be found as new pictures");
+    refuses({"-o", at("in/out"), "-r"}, "would be found as new pictures");
+    EXPECT_TELLS(krlimage({"apply", "--watch", at("none"), "sepia", "-o", at("out")}).err,
+                 "there is no such folder");
+}
+
 TEST_F(Apply, PrintsHowLongEachStepTakes) {
     const std::vector<std::string> words = {"apply",     picture("in.pam", 600, 400),  "-o",
                                             at("o.pam"), "fastGaussianBlur(40, #RGB)", "invert(#RGB)",

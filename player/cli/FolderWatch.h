@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "player/cli/ApplyOptions.h"
+
+namespace krl::player {
+
+/// Finds pictures that appear in a folder, or change there.
+class FolderWatch {
+public:
+    /// Throws `UsageError` if `options` would put outputs where they are found again.
+    explicit FolderWatch(const ApplyOptions& options);
+
+    /// Waits for pictures that are whole: their files have not changed from one look to the next.
+    std::vector<std::filesystem::path> next();
+
+    /// What was found so far, and how to leave that out after a crash.
+    std::string seen() const;
+    void continueAfter(const std::string& seen);
+
+private:
+    /// Size and time of writing.
+    using State = std::pair<uint64_t, int64_t>;
+
+    std::map<std::string, State> look() const;
+    template <class Entries>
+    void add(const Entries& entries, std::map<std::string, State>& found) const;
+
+    const ApplyOptions& options_;
+    std::map<std::string, State> seen_, last_;
+};
+
+}  // namespace krl::player
