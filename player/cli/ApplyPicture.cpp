@@ -162,6 +162,14 @@ PictureReport workOn(const ApplyRunner& run, const ApplyWork& work, size_t index
 
 }  // namespace
 
+Bitmap changedBy(const ApplyRunner& run, const std::vector<ChainCall>& chain, Bitmap picture) {
+    PictureReport report;
+    const std::string hint = runAll(run, {}, chain, picture, report);
+    if (!report.calls.empty() && !report.calls.back().outcome.ok())
+        throw CommandError(report.calls.back().outcome.error + " from " + report.calls.back().call + hint);
+    return picture;
+}
+
 /// Changes frames by looks and calls.
 FrameWorker frameWorker(const std::vector<ReadyLook>& looks, const std::vector<ChainCall>& chain,
                         const std::vector<MovingCall>& calls, const ApplyOptions& options,

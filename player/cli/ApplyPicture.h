@@ -57,6 +57,9 @@ struct ApplyRunner {
 /// Belongs to one thread.
 ApplyRunner makeRunner(const std::vector<MovingCall>& written, const SessionOptions& options);
 
+/// The picture after all calls. Throws `CommandError` for the first that fails.
+Bitmap changedBy(const ApplyRunner& run, const std::vector<ChainCall>& chain, Bitmap picture);
+
 /// Changes the frames of a pipe by looks and calls. Belongs to one thread.
 FrameWorker frameWorker(const std::vector<ReadyLook>& looks, const std::vector<ChainCall>& chain,
                         const std::vector<MovingCall>& calls, const ApplyOptions& options,

@@ -10,6 +10,7 @@
 #include "player/cli/LedgerCommand.h"
 #include "player/cli/OptionTable.h"
 #include "player/cli/Settings.h"
+#include "player/cli/Sweep.h"
 
 namespace krl::player {
 
@@ -32,6 +33,8 @@ public:
         addApply();
         addListAndHelp();
         addGallery();
+        addSweep();
+        addShow();
         addCheck();
         addLook();
         addCompare();
@@ -199,6 +202,40 @@ private:
         addJobs(app, gallery_.jobs);
     }
 
+    void addSweep() {
+        CLI::App& app = command(
+            "sweep", "Make a sheet of variants: sweep IN 'vignette(blur: 20..200 by 30)' -o sheet.png",
+            [this] { return sweepCalls(sweep_, terminal_); });
+        addPath(app, "IN", sweep_.picture, "", "The picture to change")->required();
+        app.add_option("CALL", sweep_.calls,
+                       "Calls with ranges, blur: 20..200 by 30, or alternatives, #screen | #multiply")
+            ->type_name("")
+            ->required();
+        addPath(app, "-o,--output", sweep_.output, "OUT", "The sheet to write")->required();
+        app.add_option("--size", sweep_.size, "Longest side of a variant on the sheet (default 320)")
+            ->type_name("N")
+            ->check(CLI::Range(16, 4096).description(""));
+        app.add_option("--columns", sweep_.columns,
+                       "Variants in a row (default: the values of the last argument that varies)")
+            ->type_name("N")
+            ->check(CLI::Range(size_t{1}, kMostVariants).description(""));
+        addJobs(app, sweep_.jobs);
+    }
+
+    void addShow() {
+        CLI::App& app = command("show", "Show a picture in the terminal, after calls",
+                                [this] { return showPicture(show_, terminal_); });
+        addPath(app, "IN", show_.picture, "", "The picture to show")->required();
+        app.add_option("CALL", show_.calls, "Calls to apply first")->type_name("");
+        addChoice(
+            app, "--as", show_.as, "blocks|shades|sixel|kitty",
+            "Print coloured half blocks, shades without colours, or the pixels of a protocol (default:\n"
+            "the best that the terminal has); works in a pipe too");
+        app.add_option("--columns", show_.columns, "Width in columns (default: as wide as fits)")
+            ->type_name("N")
+            ->check(CLI::Range(1, 4096).description(""));
+    }
+
     void addCheck() {
         CLI::App& app = command("check", "Check scripts for mistakes without running them",
                                 [this] { return checkScripts(check_, terminal_); });
@@ -300,6 +337,8 @@ private:
     ListOptions list_;
     HelpOptions help_;
     GalleryOptions gallery_;
+    SweepOptions sweep_;
+    ShowOptions show_;
     CheckOptions check_;
     DocsOptions docs_;
     LookOptions look_;

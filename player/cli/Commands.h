@@ -13,12 +13,20 @@
 /// Each returns the exit code: 0, or 1 after a failure that it has reported on `err`.
 namespace krl::player {
 
+/// The size of a terminal, in cells and of a cell in pixels; 0 for what is unknown.
+struct TerminalSize {
+    int columns = 0, rows = 0;
+    int cellWidth = 0, cellHeight = 0;
+};
+
 /// The output streams of a command.
 struct Terminal {
     std::ostream& out;
     std::ostream& err;
     /// Whether `err` is a terminal, where a line can be redrawn.
     bool live = false;
+    /// Of `out`; no columns if that is no terminal.
+    TerminalSize size = {};
 };
 
 /// Ends a command with one line on standard error and exit code 1.
@@ -76,6 +84,33 @@ struct GalleryOptions {
 };
 /// Makes a contact sheet that shows every effect.
 int makeGallery(const GalleryOptions& options, const Terminal& terminal);
+
+struct SweepOptions {
+    std::filesystem::path picture;
+    /// Calls whose arguments can be ranges or alternatives.
+    std::vector<std::string> calls;
+    std::filesystem::path output;
+    /// Longest side of a variant on the sheet.
+    int32_t size = 320;
+    /// Variants in a row; 0 to choose.
+    size_t columns = 0;
+    unsigned jobs = 0;
+    SessionOptions session;
+};
+/// Makes a sheet with all variants of a chain of calls.
+int sweepCalls(const SweepOptions& options, const Terminal& terminal);
+
+struct ShowOptions {
+    std::filesystem::path picture;
+    std::vector<std::string> calls;
+    /// `blocks`, `shades`, `sixel` or `kitty`; empty for the best that the terminal has.
+    std::string as;
+    /// Width in cells; 0 for as many as fit.
+    int columns = 0;
+    SessionOptions session;
+};
+/// Prints a picture on the terminal, after calls.
+int showPicture(const ShowOptions& options, const Terminal& terminal);
 
 struct CompareOptions {
     std::filesystem::path first, second;

@@ -6,7 +6,9 @@
 
 #if defined(_WIN32)
 #include <io.h>
+#include <windows.h>
 #else
+#include <sys/ioctl.h>
 #include <unistd.h>
 #endif
 
@@ -22,6 +24,26 @@ bool isTerminal(std::FILE* stream) {
 #else
     return isatty(fileno(stream)) != 0;
 #endif
+}
+
+/// The size of the terminal that standard output is, if it is one.
+krl::player::TerminalSize terminalSize() {
+    constexpr int usualColumns = 80, usualRows = 24;
+    if (!isTerminal(stdout)) return {};
+    krl::player::TerminalSize size{usualColumns, usualRows};
+#if defined(_WIN32)
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    HANDLE console = GetStdHandle(STD_OUTPUT_HANDLE);
+    if (!GetConsoleScreenBufferInfo(console, &info)) return size;
+    size.columns = info.srWindow.Right - info.srWindow.Left + 1;
+    size.rows = info.srWindow.Bottom - info.srWindow.Top + 1;
+#else
+    winsize window{};
+    if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &window) != 0 || window.ws_col == 0 || window.ws_row == 0)
+        return size;
+    size = {window.ws_col, window.ws_row, window.ws_xpixel / window.ws_col, window.ws_ypixel / window.ws_row};
+#endif
+    return size;
 }
 
 /// Whether the cursor may be at the end of a progress bar.
@@ -59,7 +81,7 @@ void endCleanlyBySignals() {
 int run(int count, char** words) {
     std::ios::sync_with_stdio(false);
     if (isTerminal(stdout)) std::cout << std::unitbuf;
-    const krl::player::Terminal terminal{std::cout, std::cerr, barMayStand != 0};
+    const krl::player::Terminal terminal{std::cout, std::cerr, barMayStand != 0, terminalSize()};
     const int code = krl::player::runCommandLine({words + 1, words + count}, terminal);
     if (std::cout.flush()) return code;
     std::cerr << "krlimage: cannot write to standard output\n";
