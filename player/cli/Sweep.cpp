@@ -85,7 +85,7 @@ std::optional<std::vector<std::string>> numbersOf(const std::string& text) {
 }
 
 SweptArgument readArgument(const std::string& text) {
-    static const std::regex named(R"((\s*(\w+)\s*:\s*)([\s\S]*))");
+    static const std::regex named(R"(\s*((\w+)\s*:\s*)([\s\S]*))");
     SweptArgument argument;
     std::smatch parts;
     std::string value = text;
@@ -169,7 +169,7 @@ Sweep readSweep(const std::vector<std::string>& texts) {
     if (sweep.counts.empty())
         throw UsageError(
             "nothing varies: write a range, as in 'vignette(blur: 20..200 by 30)', or "
-            "alternatives, as in 'solidColorize(rgb(255, 0, 0), 80, #screen | #multiply)'");
+            "alternatives, as in 'brightness(40, #RGB | #Alpha)'");
     if (all > kMostVariants)
         throw UsageError("the ranges make more than " + std::to_string(kMostVariants) +
                          " variants: use larger steps");
