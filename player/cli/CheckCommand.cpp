@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <ostream>
+#include <unordered_set>
 
 #include "catalogue/Arguments.h"
 #include "player/cli/ArgumentCheck.h"
@@ -26,8 +27,10 @@ public:
 
     size_t mistakes() {
         const auto script = parseScript(source_, symbols_, mistakes_);
+        std::unordered_set<SymbolId> handlers;
+        for (const auto& handler : script->handlers) handlers.insert(handler->name);
         visitCalls(*script, [&](const CallExpression& call) {
-            if (!script->handler(call.name)) check(call);
+            if (!handlers.contains(call.name)) check(call);
         });
         if (names_)
             checkNames(*script, symbols_,

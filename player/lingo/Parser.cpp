@@ -1,6 +1,7 @@
 #include "player/lingo/Parser.h"
 
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 #include "catalogue/NearestName.h"
@@ -111,7 +112,7 @@ private:
         auto made = std::make_unique<Handler>();
         made->place = name.place;
         made->name = symbols_.identifier(name.text);
-        if (script_->handler(made->name))
+        if (handlerNames_.contains(made->name))
             failAt(name.place, "the handler \"" + name.text + "\" is already defined");
         parameters(*made);
         passLineEnds();
@@ -127,6 +128,7 @@ private:
         }
         unresolved_.push_back({made.get(), std::move(variables_), handlerGlobals_});
         variables_.clear();
+        handlerNames_.insert(made->name);
         script_->handlers.push_back(std::move(made));
     }
 
@@ -169,6 +171,7 @@ private:
         return static_cast<int>(locals.size() - 1);
     }
 
+    std::unordered_set<SymbolId> handlerNames_;
     std::vector<Unresolved> unresolved_;
 };
 
