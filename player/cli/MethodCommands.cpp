@@ -21,21 +21,12 @@ int listMethods(const ListOptions& options, const Terminal& terminal) {
 
 namespace {
 
-/// Other words that people search for; empty where the catalogue has none.
-template <class AnyMethod>
-std::string searchWordsOf(const AnyMethod& method) {
-    if constexpr (requires { method.searchWords(); })
-        return method.searchWords();
-    else
-        return "";
-}
-
 /// How well a method fits a word in lower case: by its name best, then by what it is said to be for, then by
 /// the meanings of its arguments.
 int fitOf(const Method& method, const std::string& word) {
     const auto holds = [&](const std::string& text) { return folded(text).find(word) != std::string::npos; };
     if (holds(method.shortName())) return 4;
-    if (holds(searchWordsOf(method)) || holds(method.summaryText())) return 3;
+    if (holds(method.searchWords()) || holds(method.summaryText())) return 3;
     if (holds(method.heading())) return 2;
     for (const Argument& argument : method.arguments())
         if (holds(argument.name) || holds(argument.meaning)) return 1;

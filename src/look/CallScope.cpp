@@ -21,19 +21,10 @@ const Argument* argumentOf(std::string_view method, std::string_view name, size_
     return argument != declared.end() ? &*argument : nullptr;
 }
 
-/// Whether a number is a length in pixels.
-template <class Range>
-bool isLength(const Range& range) {
-    if constexpr (requires { range.pixels; })
-        return range.pixels;
-    else
-        return true;
-}
-
 PercentKind percentOf(const Argument* argument, std::string_view name) {
     if (!argument) return percentOfExtent(name).value_or(PercentKind::None);
     const bool isNumber = argument->kind == ArgumentKind::Integer || argument->kind == ArgumentKind::Real;
-    if (!isNumber || !isLength(argument->range)) return PercentKind::None;
+    if (!isNumber || !argument->range.pixels) return PercentKind::None;
     return argument->kind == ArgumentKind::Integer ? PercentKind::Whole : PercentKind::Real;
 }
 
