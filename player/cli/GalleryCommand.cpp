@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <ostream>
@@ -37,26 +38,63 @@ Bitmap mirrored(const Bitmap& picture) {
     return turned;
 }
 
-/// Builds the contact sheet.
-class Gallery {
+/// Where the pictures are that come with the program: in its sources, or where it is installed.
+std::vector<fs::path> sampleFolders() {
+    std::vector<fs::path> folders = {KRL_SAMPLES};
+    std::error_code unknown;
+    const fs::path program = fs::read_symlink("/proc/self/exe", unknown);
+    if (!unknown) folders.push_back(program.parent_path() / "../share/krlimage/pictures");
+    return folders;
+}
+
+/// The share of the pixels that `test` accepts.
+template <class Test>
+double shareOf(const Bitmap& picture, const Test& test) {
+    const auto count = std::count_if(picture.pixels.begin(), picture.pixels.end(), test);
+    return double(count) / double(picture.pixels.size());
+}
+
+bool hasScreen(const Bitmap& picture) {
+    constexpr int purest = 60;
+    constexpr double least = 0.05;
+    return shareOf(picture, [](const Pixel& p) {
+               return p.green - p.red > purest && p.green - p.blue > purest;
+           }) > least;
+}
+
+bool hasTransparency(const Bitmap& picture) {
+    constexpr double least = 0.01;
+    return shareOf(picture, [](const Pixel& p) { return p.alpha < 255; }) > least;
+}
+
+/// Families that show little on a picture without what they work on, and a picture that has it.
+struct Need {
+    const char* family;
+    bool (*isMet)(const Bitmap& picture);
+    const char* sample;
+};
+constexpr Need kNeeds[] = {{"Keys", hasScreen, "greenscreen.png"},
+                           {"Alpha", hasTransparency, "logo.png"},
+                           {"Compositing and glows", hasTransparency, "logo.png"}};
+
+/// A picture that effects are shown on, with the second pictures of their examples in its size.
+class Stage {
 public:
-    Gallery(const GalleryOptions& options)
-        : folder_(fs::absolute(options.folder)),
-          source_(options.picture),
-          picture_(noWiderThan(readPicture(options.picture), kWidest)) {
-        original_ = {options.picture.filename().string(), "before.webp", "thumbnails/before.webp",
-                     picture_.width, picture_.height};
-        makeFolder(folder_ / "thumbnails");
-        makeFolder(folder_ / "samples");
-        save(picture_, "before");
+    Stage(const fs::path& file, const std::string& name, const fs::path& folder)
+        : picture_(noWiderThan(readPicture(file), kWidest)), folder_(folder), source_(file), name_(name) {
+        original_ = {file.filename().string(), name + ".webp", "thumbnails/" + name + ".webp", picture_.width,
+                     picture_.height};
+        save(picture_, name);
     }
 
+    const Bitmap& picture() const { return picture_; }
+    const GalleryOriginal& original() const { return original_; }
+
     /// Scales the second pictures of the examples to the size of the picture, as most methods require.
-    void prepareSamples(const std::vector<const Method*>& methods) {
-        for (const Method* method : methods)
-            for (const Argument& argument : method->arguments())
-                if (argument.kind == ArgumentKind::SecondImage && samples_.count(argument.example) == 0)
-                    samples_[argument.example] = prepareSample(argument.example);
+    void prepareSamples(const Method& method) {
+        for (const Argument& argument : method.arguments())
+            if (argument.kind == ArgumentKind::SecondImage && samples_.count(argument.example) == 0)
+                samples_[argument.example] = prepareSample(argument.example);
     }
 
     GalleryCard work(Session& session, const Method& method) const {
@@ -64,7 +102,7 @@ public:
             method.heading(), method.shortName(), method.summaryText(), shortCall(method, {}), "", "", ""};
         Bitmap picture = picture_;
         try {
-            const CallOutcome outcome = session.apply(picture, exampleOn(method));
+            const CallOutcome outcome = session.apply(picture, shortCall(method, samples_));
             if (!outcome.ok())
                 card.answer = outcome.error;
             else if (outcome.shown != "[#error: 0]" && !method.makesPicture())
@@ -87,12 +125,6 @@ public:
         return card;
     }
 
-    fs::path writePage(const std::vector<GalleryCard>& cards) const {
-        fs::path page = folder_ / "index.html";
-        writeText(page, galleryPage(original_, cards));
-        return page;
-    }
-
 private:
     void show(const Bitmap& picture, GalleryCard& card) const {
         save(picture, card.name);
@@ -107,12 +139,14 @@ private:
 
     std::string prepareSample(const std::string& name) const {
         Bitmap sample = mirrored(picture_);
-        for (const fs::path& place : {source_.parent_path() / name, fs::path(KRL_SAMPLES) / name}) {
-            if (!fs::exists(place)) continue;
-            sample = scaled(readPicture(place), picture_.width, picture_.height);
+        std::vector<fs::path> folders = sampleFolders();
+        folders.insert(folders.begin(), source_.parent_path());
+        for (const fs::path& place : folders) {
+            if (!fs::exists(place / name)) continue;
+            sample = scaled(readPicture(place / name), picture_.width, picture_.height);
             break;
         }
-        const fs::path path = folder_ / "samples" / fs::path(name).filename();
+        const fs::path path = folder_ / "samples" / (name_ + "-" + fs::path(name).filename().string());
         writePicture(path, sample);
         return path.string();
     }
@@ -130,13 +164,73 @@ private:
         return method.shortName() + exampleCall(method, setting).substr(std::strlen(method.name()));
     }
 
-    std::string exampleOn(const Method& method) const { return shortCall(method, samples_); }
-
-    const fs::path folder_;
-    const fs::path source_;
-    const Bitmap picture_;
+    Bitmap picture_;
+    fs::path folder_, source_;
+    std::string name_;  ///< of its files
     GalleryOriginal original_;
     std::map<std::string, std::string> samples_;
+};
+
+/// Builds the contact sheet.
+class Gallery {
+public:
+    Gallery(const GalleryOptions& options, std::vector<const Method*> methods)
+        : folder_(fs::absolute(options.folder)), methods_(std::move(methods)) {
+        makeFolder(folder_ / "thumbnails");
+        makeFolder(folder_ / "samples");
+        stages_.emplace_back(options.picture, "before", folder_);
+        for (const Method* method : methods_) {
+            places_.push_back(stageFor(*method));
+            stages_[places_.back()].prepareSamples(*method);
+        }
+    }
+
+    size_t methods() const { return methods_.size(); }
+
+    /// Can be called from any thread, with a session of its own.
+    GalleryCard work(Session& session, size_t method) const {
+        GalleryCard card = stages_[places_[method]].work(session, *methods_[method]);
+        card.original = places_[method];
+        return card;
+    }
+    GalleryCard work(CatalogueCalls& calls, const ReadyLook& look) const {
+        return stages_.front().work(calls, look);
+    }
+
+    fs::path writePage(const std::vector<GalleryCard>& cards) const {
+        fs::path page = folder_ / "index.html";
+        std::vector<GalleryOriginal> originals;
+        for (const Stage& stage : stages_) originals.push_back(stage.original());
+        const std::string counts = std::to_string(methods()) + " of " +
+                                   std::to_string(shortMethodNames().size()) + " methods and " +
+                                   std::to_string(cards.size() - methods()) + " looks";
+        writeText(page, galleryPage(originals, cards, counts));
+        return page;
+    }
+
+private:
+    /// The given picture, or one that has what the method's family works on.
+    size_t stageFor(const Method& method) {
+        for (const Need& need : kNeeds) {
+            if (method.heading() != need.family || need.isMet(stages_.front().picture())) continue;
+            const auto found = std::find_if(stages_.begin(), stages_.end(), [&](const Stage& stage) {
+                return stage.original().name == need.sample;
+            });
+            if (found != stages_.end()) return size_t(found - stages_.begin());
+            for (const fs::path& folder : sampleFolders()) {
+                if (!fs::exists(folder / need.sample)) continue;
+                stages_.emplace_back(folder / need.sample, "before-" + fs::path(need.sample).stem().string(),
+                                     folder_);
+                return stages_.size() - 1;
+            }
+        }
+        return 0;
+    }
+
+    const fs::path folder_;
+    const std::vector<const Method*> methods_;
+    std::vector<Stage> stages_;   ///< the first has the given picture
+    std::vector<size_t> places_;  ///< stage of each method
 };
 
 }  // namespace
@@ -144,9 +238,7 @@ private:
 int makeGallery(const GalleryOptions& options, const Terminal& terminal) {
     if (!isPictureName("x.webp"))
         throw CommandError("a gallery needs WebP, which this build does not support");
-    Gallery gallery(options);
-    const std::vector<const Method*> methods = shownMethods();
-    gallery.prepareSamples(methods);
+    Gallery gallery(options, shownMethods());
     SessionOptions settings = options.session;
     settings.allowedFolders.push_back(fs::absolute(options.folder));
     // The same pictures on every machine; effects run side by side instead.
@@ -155,7 +247,7 @@ int makeGallery(const GalleryOptions& options, const Terminal& terminal) {
     std::vector<std::string> names;
     for (const ShippedLook& look : shippedLooks()) names.push_back(look.name);
     const std::vector<ReadyLook> looks = readyLooks(names, {});
-    std::vector<GalleryCard> cards(methods.size() + looks.size());
+    std::vector<GalleryCard> cards(gallery.methods() + looks.size());
     {
         ProgressBar progress(terminal, cards.size(), "effects");
         workSideBySide(cards.size(), options.jobs, [&]() -> Worker {
@@ -164,7 +256,7 @@ int makeGallery(const GalleryOptions& options, const Terminal& terminal) {
             return [&, session, calls](size_t i) {
                 // Looks are shown first.
                 cards[i] = i < looks.size() ? gallery.work(*calls, looks[i])
-                                            : gallery.work(*session, *methods[i - looks.size()]);
+                                            : gallery.work(*session, i - looks.size());
                 progress.step();
             };
         });

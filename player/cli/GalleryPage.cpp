@@ -53,10 +53,27 @@ code { flex: 1; min-width: 0; max-height: 4.4em; overflow: auto; overflow-wrap: 
 dialog { width: min(96vw, 1320px); max-height: 96vh; padding: 1rem; border: 1px solid var(--line); border-radius: .8rem;
   background: var(--card); color: inherit; }
 dialog::backdrop { background: rgb(10 10 11 / .85); }
+dialog .title { display: flex; align-items: center; justify-content: space-between; gap: 1rem; margin-bottom: .8rem; }
+dialog h2 { margin: 0; font-size: 1.05rem; color: var(--text); }
+.close { width: 2.2rem; height: 2.2rem; border: 1px solid var(--line); border-radius: 50%; background: none;
+  color: var(--quiet); font: 1.3rem/1 inherit; cursor: pointer; }
+.close:hover { color: var(--text); border-color: var(--quiet); }
+.none { margin: 4rem 0; text-align: center; color: var(--quiet); }
 dialog .view { cursor: ew-resize; border-radius: .4rem; overflow: hidden; }
 dialog .view img { max-height: 78vh; }
 dialog .call { padding-top: .8rem; }
 [hidden] { display: none !important; }
+@media (max-width: 640px) {
+  header { gap: .35rem .8rem; padding: .5rem .8rem; }
+  header p { font-size: .8rem; flex: 1 1 100%; order: 1; white-space: nowrap; overflow: hidden; text-overflow: ellipsis; }
+  input { flex: 1 1 8rem; width: auto; }
+  nav { order: 2; flex-wrap: nowrap; overflow-x: auto; padding-bottom: .2rem; scrollbar-width: none; white-space: nowrap; }
+  main { padding: 0 .8rem 3rem; }
+  h2 { margin: 1.4rem 0 .6rem; scroll-margin-top: 7.5rem; }
+  .sheet { grid-template-columns: 1fr; }
+  dialog { width: 100vw; max-width: 100vw; padding: .7rem; }
+  .copy { padding: .35rem .8rem; }
+}
 )css";
 
 constexpr const char* kBehaviour = R"js(
@@ -74,10 +91,16 @@ document.querySelectorAll('.view').forEach(wipe);
 
 const dialog = document.querySelector('dialog'), large = dialog.querySelector('.view');
 document.querySelectorAll('.card .view').forEach(view => view.addEventListener('click', () => {
+  const card = view.closest('.card');
   large.querySelector('.after').src = view.dataset.picture;
-  dialog.querySelector('code').textContent = view.closest('.card').querySelector('code').textContent;
+  large.querySelector('.before').src = view.dataset.before;
+  large.style.aspectRatio = view.style.aspectRatio;
+  large.style.maxWidth = `calc(78vh * (${view.style.aspectRatio}))`;
+  dialog.querySelector('h2').textContent = card.querySelector('h3').textContent;
+  dialog.querySelector('code').textContent = card.querySelector('code').textContent;
   dialog.showModal();
 }));
+dialog.querySelector('.close').addEventListener('click', () => dialog.close());
 dialog.addEventListener('click', event => { if (event.target === dialog) dialog.close(); });
 
 document.querySelectorAll('.copy').forEach(button => button.addEventListener('click', async () => {
@@ -92,8 +115,10 @@ document.querySelectorAll('.copy').forEach(button => button.addEventListener('cl
   setTimeout(() => { button.textContent = 'Copy'; }, 1200);
 }));
 
+const none = document.querySelector('.none');
 document.querySelector('input').addEventListener('input', event => {
-  const word = event.target.value.toLowerCase();
+  const word = event.target.value.trim().toLowerCase();
+  let all = 0;
   document.querySelectorAll('section').forEach(section => {
     let shown = 0;
     section.querySelectorAll('.card').forEach(card => {
@@ -101,7 +126,10 @@ document.querySelector('input').addEventListener('input', event => {
       shown += !card.hidden;
     });
     section.hidden = shown === 0;
+    all += shown;
   });
+  none.hidden = all > 0;
+  none.textContent = all > 0 ? '' : `No effect matches \u201c${event.target.value.trim()}\u201d.`;
 });
 )js";
 
@@ -137,8 +165,9 @@ std::string anchorOf(std::string heading) {
 std::string viewOf(const GalleryOriginal& original, const GalleryCard& card) {
     const std::string shape = std::to_string(original.width) + " / " + std::to_string(original.height);
     return "<button class=\"view\" style=\"aspect-ratio: " + shape + "\" data-picture=\"" +
-           safe(card.picture) +
-           "\" title=\"Compare before and after\"><img class=\"after\" loading=\"lazy\" alt=\"" +
+           safe(card.picture) + "\" data-before=\"" + safe(original.picture) +
+           "\" title=\"Compare before and after\"><img class=\"after\" loading=\"lazy\" decoding=\"async\" "
+           "alt=\"" +
            safe(card.name) + "\" src=\"" + safe(card.thumbnail) +
            "\"><img class=\"before\" loading=\"lazy\" alt=\"\" src=\"" + safe(original.thumbnail) +
            "\"></button>\n";
@@ -154,6 +183,7 @@ std::string cardOf(const GalleryOriginal& original, const GalleryCard& card) {
     std::string text =
         plain ? "<article class=\"card plain\">\n" : "<article class=\"card\">\n" + viewOf(original, card);
     text += "<div class=\"words\"><h3>" + safe(card.name) + "</h3><p>" + safe(card.summary) + "</p>\n";
+    if (card.original > 0 && !plain) text += "<p>On " + safe(original.name) + ", which it is made for.</p>\n";
     if (plain && card.answer.empty()) text += "<p>This picture is unchanged.</p>\n";
     if (!card.answer.empty()) text += "<p class=\"answer\">" + safe(card.answer) + "</p>\n";
     return text + callRow(card.call) + "</div>\n</article>\n";
@@ -172,10 +202,10 @@ std::vector<std::pair<std::string, std::vector<const GalleryCard*>>> grouped(
     return groups;
 }
 
-std::string headerOf(const GalleryOriginal& original, const std::vector<GalleryCard>& cards) {
+std::string headerOf(const GalleryOriginal& original, const std::vector<GalleryCard>& cards,
+                     const std::string& counts) {
     std::string text =
-        "<header><h1>KRLImageXtra</h1><p>" + std::to_string(cards.size()) + " effects on " +
-        safe(original.name) +
+        "<header><h1>KRLImageXtra</h1><p>" + safe(counts) + " on " + safe(original.name) +
         "</p><input type=\"search\" placeholder=\"Find an effect\" aria-label=\"Find an effect\">"
         "<nav>";
     for (const auto& [heading, members] : grouped(cards))
@@ -185,22 +215,27 @@ std::string headerOf(const GalleryOriginal& original, const std::vector<GalleryC
 
 }  // namespace
 
-std::string galleryPage(const GalleryOriginal& original, const std::vector<GalleryCard>& cards) {
+std::string galleryPage(const std::vector<GalleryOriginal>& originals, const std::vector<GalleryCard>& cards,
+                        const std::string& counts) {
+    const GalleryOriginal& first = originals.front();
     std::string page =
         "<!doctype html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">\n"
         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>Effects on " +
-        safe(original.name) + "</title>\n<style>" + kStyle + "</style></head>\n<body>\n" +
-        headerOf(original, cards) + "<main>\n";
+        safe(first.name) + "</title>\n<style>" + kStyle + "</style></head>\n<body>\n" +
+        headerOf(first, cards, counts) + "<main>\n";
     for (const auto& [heading, members] : grouped(cards)) {
         page += "<section><h2 id=\"" + anchorOf(heading) + "\">" + safe(heading) + " <small>" +
                 std::to_string(members.size()) + "</small></h2>\n<div class=\"sheet\">\n";
-        for (const GalleryCard* card : members) page += cardOf(original, *card);
+        for (const GalleryCard* card : members) page += cardOf(originals[card->original], *card);
         page += "</div></section>\n";
     }
     return page +
-           "</main>\n<dialog><div class=\"view\"><img class=\"after\" alt=\"After\"><img class=\"before\" " +
-           "alt=\"Before\" src=\"" + safe(original.picture) + "\"></div>" + callRow("") +
-           "</dialog>\n<script>" + kBehaviour + "</script>\n</body></html>\n";
+           "<p class=\"none\" role=\"status\" hidden></p>\n</main>\n"
+           "<dialog aria-labelledby=\"shown\"><div class=\"title\"><h2 id=\"shown\"></h2>"
+           "<button class=\"close\" aria-label=\"Close\">&times;</button></div>\n"
+           "<div class=\"view\"><img class=\"after\" alt=\"After\"><img class=\"before\" alt=\"Before\">"
+           "</div>" +
+           callRow("") + "</dialog>\n<script>" + kBehaviour + "</script>\n</body></html>\n";
 }
 
 }  // namespace krl::player

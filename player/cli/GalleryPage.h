@@ -14,9 +14,10 @@ struct GalleryCard {
     std::string answer;   ///< the result, if it is more than success, or the error
     std::string picture;  ///< file names; empty for a method that leaves the picture unchanged
     std::string thumbnail;
+    size_t original = 0;  ///< index of the picture that it is compared with
 };
 
-/// The picture that every effect is compared with.
+/// A picture that effects are compared with.
 struct GalleryOriginal {
     std::string name;
     std::string picture;
@@ -24,7 +25,9 @@ struct GalleryOriginal {
     int32_t width = 0, height = 0;
 };
 
-/// The contact sheet as a self-contained HTML page.
-std::string galleryPage(const GalleryOriginal& original, const std::vector<GalleryCard>& cards);
+/// The contact sheet as a self-contained HTML page. The first original is the picture that the gallery is of;
+/// `counts` says how much there is, `106 of 112 methods and 17 looks`.
+std::string galleryPage(const std::vector<GalleryOriginal>& originals, const std::vector<GalleryCard>& cards,
+                        const std::string& counts);
 
 }  // namespace krl::player

@@ -1,3 +1,4 @@
+#include <ctime>
 #include <nlohmann/json.hpp>
 
 #include "catalogue/ExampleCall.h"
@@ -186,6 +187,17 @@ TEST_F(Check, NamesWhatThereIsNotAndWhatNeedsAStage) {
     EXPECT_EQ(countOf(errors, "^\n"), 6u) << errors;
 }
 
+TEST_F(Check, TakesManyHandlersInTheirOrder) {
+    std::string script;
+    for (int i = 0; i < 80000; ++i)
+        script += "on h" + std::to_string(i) + "\n  return h" + std::to_string(i / 2) + "()\nend\n";
+    const std::clock_t start = std::clock();
+    EXPECT_EQ(krlimage({"check", text("many.ls", script)}).code, 0);
+    EXPECT_LT(double(std::clock() - start) / CLOCKS_PER_SEC, 3) << "seconds";
+    EXPECT_TELLS(krlimage({"check", text("twice.ls", script + "on h7\nend\n")}).err,
+                 "the handler \"h7\" is already defined");
+}
+
 TEST_F(Check, ReportsScriptsThatCannotBeParsedOrRead) {
     EXPECT_TELLS(errorsOf("  if 1 put 2"), "a.ls:2:");
     EXPECT_EQ(krlimage({"check", at("none.ls")}).code, 1);
@@ -222,6 +234,28 @@ TEST_F(Sheet, ShowsEveryEffectWithItsPicture) {
     EXPECT_TRUE(std::filesystem::exists(at("sheet/thumbnails/invert.webp")));
     EXPECT_TELLS(page, "data-picture=\"invert.webp\"");
     EXPECT_TELLS(page, "src=\"thumbnails/invert.webp\"");
+    const std::string all = " of " + std::to_string(shortMethodNames().size()) + " methods and ";
+    EXPECT_TELLS(page, all);
+}
+
+TEST_F(Sheet, ShowsKeysAndAlphaOnPicturesThatFitThem) {
+    if (!isPictureName("x.webp")) GTEST_SKIP() << "this build supports only PAM";
+    writePicture(at("grey.pam"), Bitmap{48, 32, std::vector<Pixel>(1536, Pixel{99, 99, 99, 255}), nullptr});
+    ASSERT_EQ(krlimage({"gallery", at("grey.pam"), "-o", at("sheet")}).code, 0);
+    EXPECT_NE(readPicture(at("sheet/chromaKey.webp")).width, 48);
+    EXPECT_NE(readPicture(at("sheet/outerGlow.webp")).width, 48);
+    EXPECT_EQ(readPicture(at("sheet/brightness.webp")).width, 48);
+    const std::string page = contentOf(at("sheet/index.html"));
+    EXPECT_TELLS(page, "On greenscreen.png, which it is made for.");
+    EXPECT_TELLS(page, "data-before=\"before-logo.webp\"");
+    EXPECT_EQ(countOf(page, "Failed "), 0u);
+
+    Bitmap screen{48, 32, std::vector<Pixel>(1536, Pixel{20, 200, 20, 255}), nullptr};
+    screen.pixels.resize(1536 - 100);
+    screen.pixels.resize(1536, Pixel{0, 0, 0, 0});
+    writePicture(at("screen.pam"), screen);
+    ASSERT_EQ(krlimage({"gallery", at("screen.pam"), "-o", at("own")}).code, 0);
+    EXPECT_EQ(countOf(contentOf(at("own/index.html")), "which it is made for"), 0u);
 }
 
 }  // namespace
