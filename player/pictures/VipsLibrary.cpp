@@ -31,14 +31,16 @@ void* vipsLibrary() {
     // Not to be unloaded: neither the library nor those behind it can end before the program does.
     static void* const library = [] {
         void* opened = ::dlopen(kLibrary, RTLD_LAZY | RTLD_LOCAL);
-        return opened ? opened : (fail(), nullptr);
+        if (!opened) fail();
+        return opened;
     }();
     return library;
 }
 
 void* vipsSymbol(const char* name) {
     void* symbol = ::dlsym(vipsLibrary(), name);
-    return symbol ? symbol : (fail(), nullptr);
+    if (!symbol) fail();
+    return symbol;
 }
 
 }  // namespace krl::player
