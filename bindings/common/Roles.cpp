@@ -1,5 +1,6 @@
 #include "common/Roles.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace krl::bindings {
@@ -21,6 +22,14 @@ bool takesSize(const krl_method_info& method) {
 
 bool isSize(const krl_argument_info& argument) {
     return isIntegerNamed(argument, "width") || isIntegerNamed(argument, "height");
+}
+
+bool isSwitch(const krl_argument_info& argument) {
+    const auto has = [&](const char* name) {
+        return std::any_of(argument.choices, argument.choices + argument.choice_count,
+                           [&](const char* choice) { return std::strcmp(choice, name) == 0; });
+    };
+    return argument.choice_count == 2 && has("true") && has("false");
 }
 
 Role roleOf(const krl_method_info& method) {

@@ -17,6 +17,9 @@ Role roleOf(const krl_method_info& method);
 /// Whether the argument says how wide or high the picture of a source is.
 bool isSize(const krl_argument_info& argument);
 
+/// Whether the argument takes `true` or `false`.
+bool isSwitch(const krl_argument_info& argument);
+
 /// Calls `use(method, role)` for every method that has a role, family by family.
 template <class Use>
 void forEachWithRole(Use&& use) {

@@ -4,6 +4,7 @@
 #include <mutex>
 #include <new>
 
+#include "common/Titles.h"
 #include "gegl/Properties.h"
 
 namespace krl::gegl {
@@ -307,8 +308,8 @@ void initialiseClass(gpointer table, gpointer data) {
     else
         GEGL_OPERATION_FILTER_CLASS(table)->process = processFilter;
     gegl_operation_class_set_keys(operations, "name", kind.name.c_str(), "title",
-                                  titleOf(kind.method.name).c_str(), "categories", kind.method.family,
-                                  "description", kind.method.summary, nullptr);
+                                  bindings::titleOf(kind.method.name).c_str(), "categories",
+                                  kind.method.family, "description", kind.method.summary, nullptr);
 }
 
 GType parentOf(Role role) {

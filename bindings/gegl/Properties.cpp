@@ -5,6 +5,9 @@
 #include <cstring>
 #include <limits>
 
+#include "common/Roles.h"
+#include "common/Titles.h"
+
 namespace krl::gegl {
 
 namespace {
@@ -15,14 +18,6 @@ constexpr int32_t kGrid = 1000;
 
 /// What GEGL keeps pointing at stays for as long as the program runs.
 const char* kept(const std::string& text) { return g_intern_string(text.c_str()); }
-
-bool isSwitch(const krl_argument_info& argument) {
-    const auto has = [&](const char* name) {
-        return std::any_of(argument.choices, argument.choices + argument.choice_count,
-                           [&](const char* choice) { return std::strcmp(choice, name) == 0; });
-    };
-    return argument.choice_count == 2 && has("true") && has("false");
-}
 
 int choiceOf(const krl_argument_info& argument, const char* name) {
     for (size_t i = 0; i < argument.choice_count; ++i)
@@ -81,7 +76,7 @@ GParamSpec* placeSpec(const krl_argument_info& argument, const std::string& titl
 GParamSpec* symbolSpec(const krl_method_info& method, const krl_argument_info& argument, const char* title,
                        const krl_value& example) {
     const char* const chosen = krl_get_text(&example);
-    if (isSwitch(argument))
+    if (bindings::isSwitch(argument))
         return g_param_spec_boolean(argument.name, title, argument.meaning,
                                     g_ascii_strcasecmp(chosen, "true") == 0, kFlags);
     return gegl_param_spec_enum(argument.name, title, argument.meaning,
@@ -89,10 +84,18 @@ GParamSpec* symbolSpec(const krl_method_info& method, const krl_argument_info& a
                                 choiceOf(argument, chosen), kFlags);
 }
 
+/// The unit of a number as dialogs know it, or null. What texts may give in percent is a length.
+const char* unitOf(const krl_method_info& method, const krl_argument_info& argument) {
+    const bool isNumber = argument.kind == KRL_KIND_INTEGER || argument.kind == KRL_KIND_REAL;
+    const bool isLength = bindings::Value(krl_parse_argument(method.name, argument.name, "10%", kGrid, kGrid,
+                                                             nullptr, 0)) != nullptr;
+    return isNumber && isLength ? "pixel-distance" : nullptr;
+}
+
 std::vector<Property> propertiesOf(const krl_method_info& method, size_t index) {
     const krl_argument_info& argument = *method.arguments[index];
     const bindings::Value example(krl_example(method.name, index, kGrid, kGrid));
-    const char* const title = kept(titleOf(argument.name));
+    const char* const title = kept(bindings::titleOf(argument.name));
     switch (argument.kind) {
         case KRL_KIND_PICTURE:
             return {};
@@ -101,7 +104,7 @@ std::vector<Property> propertiesOf(const krl_method_info& method, size_t index) 
         case KRL_KIND_REAL:
             return {{index, PropertyKind::Real, realSpec(argument, title, *example)}};
         case KRL_KIND_SYMBOL:
-            return {{index, isSwitch(argument) ? PropertyKind::Switch : PropertyKind::Choice,
+            return {{index, bindings::isSwitch(argument) ? PropertyKind::Switch : PropertyKind::Choice,
                      symbolSpec(method, argument, title, *example)}};
         case KRL_KIND_COLOUR:
             return {{index, PropertyKind::Colour, colourSpec(argument, title, *example)}};
@@ -142,7 +145,7 @@ int32_t pixelOf(const GValue& share, int32_t size) {
 void registerChoices(GTypeModule* module, const krl_method_info& method) {
     for (size_t a = 0; a < method.argument_count; ++a) {
         const krl_argument_info& argument = *method.arguments[a];
-        if (argument.kind != KRL_KIND_SYMBOL || isSwitch(argument)) continue;
+        if (argument.kind != KRL_KIND_SYMBOL || bindings::isSwitch(argument)) continue;
         auto* values = g_new0(GEnumValue, argument.choice_count + 1);
         for (size_t i = 0; i < argument.choice_count; ++i)
             values[i] = {static_cast<gint>(i), argument.choices[i], argument.choices[i]};
@@ -153,7 +156,11 @@ void registerChoices(GTypeModule* module, const krl_method_info& method) {
 std::vector<Property> propertiesOf(const krl_method_info& method) {
     std::vector<Property> all;
     for (size_t i = 0; i < method.argument_count; ++i)
-        for (const Property& property : propertiesOf(method, i)) all.push_back(property);
+        for (const Property& property : propertiesOf(method, i)) {
+            if (const char* unit = unitOf(method, *method.arguments[i]))
+                gegl_param_spec_set_property_key(property.spec, "unit", unit);
+            all.push_back(property);
+        }
     return all;
 }
 
@@ -178,19 +185,6 @@ bindings::Value valueOf(const krl_argument_info& argument, PropertyKind kind, co
                 krl_point(pixelOf(first, picture.width), pixelOf(*second, picture.height)));
     }
     return nullptr;
-}
-
-std::string titleOf(const char* name) {
-    std::string title;
-    for (const char* c = name; *c; ++c) {
-        const bool isWordStart = c > name && g_ascii_isupper(*c) && g_ascii_islower(c[-1]);
-        if (isWordStart || *c == '_') title += ' ';
-        if (*c == '_') continue;
-        const bool isInitials = g_ascii_isupper(*c) && g_ascii_isupper(c[1]);
-        title += isWordStart && !isInitials ? g_ascii_tolower(*c) : *c;
-    }
-    title[0] = g_ascii_toupper(title[0]);
-    return title;
 }
 
 }  // namespace krl::gegl

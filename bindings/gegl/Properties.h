@@ -28,7 +28,4 @@ std::vector<Property> propertiesOf(const krl_method_info& method);
 bindings::Value valueOf(const krl_argument_info& argument, PropertyKind kind, const GValue& first,
                         const GValue* second, const GeglRectangle& picture, std::string& problem);
 
-/// A camel-case name in words: `colourBalance` is "Colour balance".
-std::string titleOf(const char* name);
-
 }  // namespace krl::gegl

@@ -1,6 +1,6 @@
 /* A plug-in that lets a batch of GIMP run one of our operations on a picture: GIMP's own scripts can name only the
  * operations that it has procedures for. It applies `operation` with its defaults to `drawable`, in the format and
- * by the buffers of GIMP, and prints how many of our operations GEGL knows there. */
+ * by the buffers of GIMP, and prints how many of our operations GEGL knows there and some units of properties. */
 #include <libgimp/gimp.h>
 #include <string.h>
 
@@ -18,6 +18,12 @@ static guint count_operations(void) {
     for (i = 0; i < count; ++i) ours += strncmp(names[i], "krl:", 4) == 0;
     g_free(names);
     return ours;
+}
+
+/* The unit by which dialogs show a property. */
+static const gchar* unit_of(const gchar* operation, const gchar* property) {
+    const gchar* unit = gegl_param_spec_get_property_key(gegl_operation_find_property(operation, property), "unit");
+    return unit ? unit : "no unit";
 }
 
 static void apply(gint32 drawable, const gchar* operation) {
@@ -45,6 +51,8 @@ static void run(const gchar* name, gint count, const GimpParam* arguments, gint*
     if (count != 3) return;
     gegl_init(NULL, NULL);
     g_print("%u operations\n", count_operations());
+    g_print("%s, %s, %s\n", unit_of("krl:vignette", "blur"), unit_of("krl:radialBlur", "radialPoint-x"),
+            unit_of("krl:vignette", "scaleX"));
     apply(arguments[1].data.d_drawable, arguments[2].data.d_string);
     value.data.d_status = GIMP_PDB_SUCCESS;
 }

@@ -25,6 +25,7 @@ gimp_three() {
     gimp_runs krl:hueShift krl:twirl krl:vignette >"$scratch/gimp-log" 2>&1
     cat "$scratch/gimp-log"
     grep -q "^$(wc -l <"$scratch/methods") operations$" "$scratch/gimp-log"
+    grep -q '^pixel-distance, relative-coordinate, no unit$' "$scratch/gimp-log"
     judged hueShift <"$scratch/frame" | judged twirl | judged vignette >"$scratch/wanted"
     same_frames "$scratch/made" "$scratch/wanted" $((width * height * 4))
 }
