@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <string_view>
 
 #include "common/Roles.h"
 
@@ -12,19 +11,8 @@ namespace krl::frei0r {
 
 namespace {
 
-std::string numberText(double number) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.6g", number);
-    return text;
-}
-
-bool isSwitch(const krl_argument_info& argument) {
-    const auto has = [&](std::string_view name) {
-        return std::any_of(argument.choices, argument.choices + argument.choice_count,
-                           [&](const char* choice) { return name == choice; });
-    };
-    return argument.choice_count == 2 && has("true") && has("false");
-}
+/// In explanations, for people.
+constexpr int kExplainedDigits = 6;
 
 ParameterKind kindOf(const krl_argument_info& argument) {
     switch (argument.kind) {
@@ -32,7 +20,7 @@ ParameterKind kindOf(const krl_argument_info& argument) {
         case KRL_KIND_REAL:
             return ParameterKind::Number;
         case KRL_KIND_SYMBOL:
-            return isSwitch(argument) ? ParameterKind::Switch : ParameterKind::Choice;
+            return bindings::isSwitch(argument) ? ParameterKind::Switch : ParameterKind::Choice;
         case KRL_KIND_COLOUR:
             return ParameterKind::Colour;
         case KRL_KIND_POINT:
@@ -50,7 +38,8 @@ double stepOf(const krl_argument_info& argument, size_t index) {
 std::string choicesText(const krl_argument_info& argument) {
     std::string text;
     for (size_t i = 0; i < argument.choice_count; ++i)
-        text += (i ? ", " : "") + numberText(stepOf(argument, i)) + " is " + argument.choices[i];
+        text += (i ? ", " : "") + numberText(stepOf(argument, i), kExplainedDigits) + " is " +
+                argument.choices[i];
     return text;
 }
 
@@ -58,7 +47,8 @@ std::string choicesText(const krl_argument_info& argument) {
 std::string mappingOf(const krl_argument_info& argument, ParameterKind kind) {
     switch (kind) {
         case ParameterKind::Number:
-            return "0 is " + numberText(argument.from) + ", 1 is " + numberText(argument.to);
+            return "0 is " + numberText(argument.from, kExplainedDigits) + ", 1 is " +
+                   numberText(argument.to, kExplainedDigits);
         case ParameterKind::Choice:
             return choicesText(argument);
         case ParameterKind::Place:
@@ -88,7 +78,7 @@ Parameter parameterOf(const krl_method_info& method, size_t index, ParameterKind
 /// The number nearest to `number` from 0 to 1, said in `problem` where that is another one.
 double unitOf(double number, std::string& problem) {
     if (number >= 0 && number <= 1) return number;
-    problem = "expected a number from 0 to 1, got " + numberText(number);
+    problem = "expected a number from 0 to 1, got " + numberText(number, kExplainedDigits);
     return number > 1 ? 1 : 0;
 }
 
@@ -138,6 +128,19 @@ bindings::Value notationValue(const std::string& text, std::string& problem) {
 }
 
 }  // namespace
+
+std::string numberText(double number, int digits) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.*g", digits, number);
+    return text;
+}
+
+std::string colourText(const f0r_param_color_t& colour) {
+    char text[8];
+    std::snprintf(text, sizeof text, "%02x%02x%02x", unsigned{levelOf(colour.r)}, unsigned{levelOf(colour.g)},
+                  unsigned{levelOf(colour.b)});
+    return text;
+}
 
 int Parameter::type() const {
     switch (kind) {

@@ -33,6 +33,13 @@ struct Parameter {
 /// the names of choices.
 std::vector<Parameter> parametersOf(const krl_method_info& method);
 
+/// Enough digits for a number that a host sets.
+constexpr int kExactDigits = 9;
+/// A number with at most so many digits.
+std::string numberText(double number, int digits);
+/// A colour as six hexadecimal digits.
+std::string colourText(const f0r_param_color_t& colour);
+
 /// The value of a parameter in the forms that hosts set and ask for.
 struct Setting {
     double number = 0;

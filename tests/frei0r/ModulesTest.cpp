@@ -94,13 +94,20 @@ TEST(Frei0r, ModulesAreThoseOfTheCatalogue) {
     EXPECT_FALSE(found.count("krl_broadcastCombine.so"));
 }
 
+/// What is in a file that describes modules.
+std::string descriptionIn(const std::string& file) {
+    std::ifstream in(KRL_FREI0R_MODULES "/../share/" + file);
+    EXPECT_TRUE(in) << file;
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
 TEST(Frei0r, DescriptionsForKdenliveHaveEveryField) {
     for (const krl_method_info* method : moduleMethods()) {
         if (isSource(*method)) continue;
         const bool isMixer = method->flags & KRL_NEEDS_SECOND_PICTURE;
-        std::ifstream in(std::string(KRL_FREI0R_MODULES "/../kdenlive/") +
-                         (isMixer ? "transitions" : "effects") + "/frei0r_krl_" + method->name + ".xml");
-        const std::string text{std::istreambuf_iterator<char>(in), {}};
+        const std::string text =
+            descriptionIn(std::string("kdenlive/") + (isMixer ? "transitions" : "effects") + "/frei0r_krl_" +
+                          method->name + ".xml");
         EXPECT_NE(text.find(std::string(" tag=\"frei0r.krl_") + method->name + "\""), std::string::npos);
         const LoadedModule module(method->name);
         for (const f0r_param_info_t& parameter : module.parameters) {
@@ -110,6 +117,25 @@ TEST(Frei0r, DescriptionsForKdenliveHaveEveryField) {
             EXPECT_EQ(isFound, hasField) << method->name << ": " << parameter.name;
         }
     }
+}
+
+TEST(Frei0r, DescriptionsForMltHaveEveryParameter) {
+    for (const krl_method_info* method : moduleMethods()) {
+        const char* const type = isSource(*method)                          ? "producer"
+                                 : method->flags & KRL_NEEDS_SECOND_PICTURE ? "transition"
+                                                                            : "filter";
+        const std::string text =
+            descriptionIn(std::string("mlt-7/frei0r/") + type + "_frei0r.krl_" + method->name + ".yml");
+        EXPECT_NE(text.find(std::string("identifier: frei0r.krl_") + method->name + "\n"), std::string::npos);
+        const LoadedModule module(method->name);
+        size_t found = 0;
+        for (const f0r_param_info_t& parameter : module.parameters) {
+            found = text.find(std::string("  - identifier: ") + parameter.name + "\n", found);
+            EXPECT_NE(found, std::string::npos) << method->name << ": " << parameter.name;
+        }
+    }
+    const std::string composite = descriptionIn("mlt-7/frei0r/transition_frei0r.krl_composite.yml");
+    EXPECT_NE(composite.find("      - multiply\n"), std::string::npos) << "the choices by name";
 }
 
 TEST(Frei0r, ModulesSayWhatTheyAre) {

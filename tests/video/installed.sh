@@ -24,6 +24,7 @@ packaged_modules() {
     dpkg-deb -x "$scratch"/krlimage-video_*.deb "$scratch/package"
     modules_below "$scratch/package"
     [ -s "$scratch/package/usr/share/kdenlive/effects/frei0r_krl_vignette.xml" ]
+    [ "$(ls "$scratch"/package/usr/share/mlt-7/frei0r/*_frei0r.krl_*.yml | wc -l)" = "$(wc -l <"$scratch/methods")" ]
 }
 
 part "installed modules" installed_modules
