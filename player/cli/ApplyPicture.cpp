@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "player/cli/CatalogueCalls.h"
+#include "player/cli/RawFrames.h"
 #include "player/cli/ReadRetry.h"
 #include "player/cli/Stopwatch.h"
 #include "player/pictures/FileAccess.h"
@@ -10,10 +11,12 @@
 
 namespace krl::player {
 
-ApplyRunner makeRunner(const std::vector<MovingCall>& written, const SessionOptions& options) {
+ApplyRunner makeRunner(const std::vector<MovingCall>& written, const SessionOptions& options,
+                       WorkingMemory memory) {
     const auto moving = moves(written) ? std::make_shared<MovingChain>(written, options) : nullptr;
     if (options.xtraFile.empty()) {
         const auto calls = std::make_shared<CatalogueCalls>(options.threads);
+        if (memory == WorkingMemory::Kept) calls->keepMemory();
         return {[calls](Bitmap& picture, const ChainCall& call) {
                     const auto [width, height] = std::pair(picture.width, picture.height);
                     return calls->apply(picture, call.method(), call.arguments(width, height),
@@ -174,7 +177,8 @@ Bitmap changedBy(const ApplyRunner& run, const std::vector<ChainCall>& chain, Bi
 FrameWorker frameWorker(const std::vector<ReadyLook>& looks, const std::vector<ChainCall>& chain,
                         const std::vector<MovingCall>& calls, const ApplyOptions& options,
                         const SessionOptions& settings) {
-    return [&looks, &chain, &options, run = makeRunner(calls, settings)](Bitmap& frame, size_t number) {
+    const ApplyRunner run = makeRunner(calls, sessionForFrames(options, settings), WorkingMemory::Kept);
+    return [&looks, &chain, &options, run](Bitmap& frame, size_t number) {
         PictureReport report;
         const FrameFacts facts{number, options.frames, options.fps, frame.width, frame.height};
         const std::string hint =

@@ -54,8 +54,12 @@ struct ApplyRunner {
     std::shared_ptr<MovingChain> moving;
 };
 
+/// What becomes of the working memory of a call.
+enum class WorkingMemory { GivenBack, Kept };
+
 /// Belongs to one thread.
-ApplyRunner makeRunner(const std::vector<MovingCall>& written, const SessionOptions& options);
+ApplyRunner makeRunner(const std::vector<MovingCall>& written, const SessionOptions& options,
+                       WorkingMemory memory = WorkingMemory::GivenBack);
 
 /// The picture after all calls. Throws `CommandError` for the first that fails.
 Bitmap changedBy(const ApplyRunner& run, const std::vector<ChainCall>& chain, Bitmap picture);

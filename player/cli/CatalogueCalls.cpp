@@ -9,6 +9,9 @@ namespace krl::player {
 
 namespace {
 
+/// The working memory that is kept, in pictures of the last one's size.
+constexpr size_t kKeptPictures = 16;
+
 /// The memory of a picture as the catalogue has it.
 krl::Picture viewOf(Bitmap& picture) {
     krl::Picture view;
@@ -69,6 +72,7 @@ CallOutcome CatalogueCalls::apply(Bitmap& picture, const Method& method,
     try {
         result = callWithin(extent, view, [&] {
             const LoadedPicture loaded(engine_, view);
+            if (keepsMemory_) keptMemory_.set(engine_.buffer()->bytes() * kKeptPictures);
             return callMethod(method, engine_,
                               method.changedPicture() ? withCopiedPictures(arguments) : arguments);
         });

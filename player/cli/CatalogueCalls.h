@@ -4,6 +4,7 @@
 
 #include "catalogue/Method.h"
 #include "catalogue/Value.h"
+#include "core/Scratch.h"
 #include "look/Extent.h"
 #include "player/cli/LookFiles.h"
 #include "player/lingo/Session.h"
@@ -16,6 +17,10 @@ class CatalogueCalls {
 public:
     explicit CatalogueCalls(ThreadChoice threads);
 
+    /// Keeps the working memory of a call for the next one, which is faster where pictures of one size follow
+    /// each other.
+    void keepMemory() { keepsMemory_ = true; }
+
     /// Rewrites `picture`, or replaces it by the new picture that the method makes.
     CallOutcome apply(Bitmap& picture, const Method& method, const std::vector<krl::Value>& arguments,
                       const Extent& extent = {});
@@ -25,6 +30,8 @@ public:
 private:
     ImageEngine engine_;
     const int32_t bands_;  ///< 0 for one for each processor
+    bool keepsMemory_ = false;
+    ScratchAllowance keptMemory_;  ///< beside that of the engine, which ends with a call
 };
 
 }  // namespace krl::player

@@ -1,8 +1,7 @@
 #include "player/cli/RawFrames.h"
 
 #include <algorithm>
-
-#include "player/cli/ApplyOptions.h"
+#include <thread>
 
 namespace krl::player {
 
@@ -29,6 +28,14 @@ const char* optionForFiles(const ApplyOptions& options) {
 }
 
 }  // namespace
+
+SessionOptions sessionForFrames(const ApplyOptions& options, const SessionOptions& settings) {
+    SessionOptions made = settings;
+    const bool isOnAll = options.jobs == 0 || options.jobs >= std::thread::hardware_concurrency();
+    const bool isFree = made.threads == ThreadChoice::AsScripted && made.xtraFile.empty();
+    if (isOnAll && isFree) made.threads = ThreadChoice::One;
+    return made;
+}
 
 int applyToFrames(const ApplyOptions& options, const std::vector<std::filesystem::path>& inputs,
                   const std::function<FrameWorker()>& makeWorker) {
