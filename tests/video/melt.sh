@@ -21,8 +21,14 @@ done
 # Renders what the words say into the raw clip "made", on $threads threads.
 threads=1
 melt_renders() {
-    melt -silent -profile "$scratch/profile" "$@" -consumer "avformat:$scratch/made.nut" real_time=-$threads \
-        mlt_image_format=rgba vcodec=rawvideo pix_fmt=rgba an=1
+    local attempt
+    rm -f "$scratch/made.nut"
+    # Now and then melt ends before its consumer begins, with an empty file.
+    for attempt in 1 2 3; do
+        melt -silent -profile "$scratch/profile" "$@" -consumer "avformat:$scratch/made.nut" real_time=-$threads \
+            mlt_image_format=rgba vcodec=rawvideo pix_fmt=rgba an=1
+        [ ! -s "$scratch/made.nut" ] || break
+    done
     ffmpeg -v error -y -i "$scratch/made.nut" -f rawvideo -pix_fmt bgra "$scratch/made"
 }
 
@@ -61,10 +67,37 @@ melt_bad_list() {
     same_frames "$scratch/made" "$scratch/clip" $clip_bytes
 }
 
+# A project in a file, as editors write and read it.
+melt_project() {
+    melt -silent -profile "$scratch/profile" "$scratch/long.nut" -filter frei0r.krl_brightness brightnessInt=0.8 \
+        -consumer "xml:$scratch/project.mlt"
+    melt_gives "$scratch/project.mlt" -- brightness brightnessInt=153
+}
+
 melt_describes() {
     melt -query "filter=frei0r.krl_vignette" >"$scratch/description" 2>/dev/null
     cat "$scratch/description"
     grep -q 'transparency' "$scratch/description"
+}
+
+# With our descriptions among those of Debian's MLT it reads them, all of them whole.
+melt_reads_descriptions() {
+    local data=$scratch/mlt described service
+    mkdir -p "$data/frei0r"
+    ln -s /usr/share/mlt-7/* "$data" 2>/dev/null || true
+    ln -s /usr/share/mlt-7/frei0r/* "$bin"/bindings/frei0r/share/mlt-7/frei0r/* "$data/frei0r"
+    export MLT_DATA=$data
+    for described in "$data"/frei0r/*_frei0r.krl_*.yml; do
+        service=${described##*/}
+        service=${service%.yml}
+        [ "$step" = 1 ] || [[ $service = *_vignette || $service = *_composite ]] || continue
+        melt -query "${service%%_*}=${service#*_}" >"$scratch/description" 2>/dev/null
+        diff <(grep -E '^ *(- )?identifier:' "$described") <(grep -E '^ *(- )?identifier:' "$scratch/description")
+    done
+    melt -query transition=frei0r.krl_composite >"$scratch/description" 2>/dev/null
+    grep -q 'title: Blend method' "$scratch/description"
+    grep -q -- '- multiply' "$scratch/description"
+    melt_gives "$scratch/long.nut" -filter frei0r.krl_vignette -- vignette
 }
 
 part "melt, frames as they are" melt_passes_frames
@@ -90,4 +123,6 @@ part "melt, every mode of composite" melt_modes
 part "melt, a chain of three" melt_chain
 part "melt, a chain on four threads" melt_on_threads
 part "melt, a bad list" melt_bad_list
+part "melt, a project" melt_project
 part "melt, descriptions" melt_describes
+part "melt, descriptions of ours" melt_reads_descriptions
