@@ -14,6 +14,18 @@ std::string alternatives(const std::vector<std::string>& choices) {
     return text;
 }
 
+/// Takes numbers from 0.001 to a million. `CLI::Range` lets NaN pass.
+CLI::Validator positiveNumber() {
+    return CLI::Validator(
+        [](const std::string& text) -> std::string {
+            double number = 0;
+            const bool isNumber = CLI::detail::lexical_cast(text, number);
+            if (isNumber && number >= 0.001 && number <= 1e6) return "";
+            return "expected a number from 0.001 to 1000000, got " + text;
+        },
+        "");
+}
+
 }  // namespace
 
 CLI::Option* addPath(CLI::App& app, const char* name, std::filesystem::path& target, const char* type,
@@ -68,7 +80,7 @@ void addTimeout(CLI::App& app, double& seconds) {
         app.add_option("--timeout", seconds,
                        "Stop after SECONDS, with exit code 124; finished pictures stay, no other is written")
             ->type_name("SECONDS")
-            ->check(CLI::Range(0.001, 1e6).description("")));
+            ->check(positiveNumber()));
 }
 
 void addSession(CLI::App& app, SessionOptions& session, std::string& threads) {
@@ -152,7 +164,7 @@ void addApplyOptions(CLI::App& app, ApplyOptions& options) {
         ->type_name("SIZE");
     app.add_option("--fps", options.fps, "Frames in a second, for arguments that use `seconds`")
         ->type_name("N")
-        ->check(CLI::Range(0.001, 1e6).description(""));
+        ->check(positiveNumber());
     app.add_option("--frames", options.frames,
                    "Frames that come through --raw, for arguments that use `frames` or `t`")
         ->type_name("N")
