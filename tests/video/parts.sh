@@ -17,7 +17,8 @@ part() {
     else
         failed=$((failed + 1))
         echo "FAILED: $name"
-        tail -n 12 "$scratch/log"
+        # Without what melt says at every start.
+        grep -av -e LADSPA -e '^$' "$scratch/log" | tail -n 12
     fi
 }
 
