@@ -15,7 +15,8 @@ gimp_runs() {
     local load="(car (gimp-file-load RUN-NONINTERACTIVE \"$scratch/in.png\" \"in.png\"))" script operation
     script="(let* ((image $load) (layer (car (gimp-image-get-active-layer image))))"
     for operation in "$@"; do script+=" (krl-test-apply RUN-NONINTERACTIVE layer \"$operation\")"; done
-    script+=" (gimp-file-save RUN-NONINTERACTIVE image layer \"$scratch/gimp.png\" \"gimp.png\"))"
+    # The last number keeps the colours of transparent pixels.
+    script+=" (file-png-save2 RUN-NONINTERACTIVE image layer \"$scratch/gimp.png\" \"gimp.png\" 0 9 0 0 0 0 0 0 1))"
     env -u GEGL_PATH -u DISPLAY XDG_DATA_HOME="$scratch/data" timeout 240 gimp-console -i -d -f -b "$script" \
         -b "(gimp-quit 0)" </dev/null
     ffmpeg -v error -y -i "$scratch/gimp.png" -f rawvideo -pix_fmt bgra "$scratch/made"
