@@ -39,6 +39,7 @@ private:
 
 inline const VipsFunction<&::g_free> g_free{"g_free"};
 inline const VipsFunction<&::g_getenv> g_getenv{"g_getenv"};
+inline const VipsFunction<&::g_markup_escape_text> g_markup_escape_text{"g_markup_escape_text"};
 inline const VipsFunction<&::g_module_make_resident> g_module_make_resident{"g_module_make_resident"};
 inline const VipsFunction<&::g_module_open> g_module_open{"g_module_open"};
 inline const VipsFunction<&::g_object_ref> g_object_ref{"g_object_ref"};
@@ -118,7 +119,9 @@ inline const VipsFunction<&::vips_source_new_from_descriptor> vips_source_new_fr
     "vips_source_new_from_descriptor"};
 inline const VipsFunction<&::vips_target_new_to_descriptor> vips_target_new_to_descriptor{
     "vips_target_new_to_descriptor"};
+inline const VipsFunction<&::vips_text> vips_text{"vips_text"};
 inline const VipsFunction<&::vips_thumbnail_image> vips_thumbnail_image{"vips_thumbnail_image"};
+inline const VipsFunction<&::vips_type_find> vips_type_find{"vips_type_find"};
 inline const VipsFunction<&::vips_unpremultiply> vips_unpremultiply{"vips_unpremultiply"};
 inline const VipsFunction<&::vips_version> vips_version{"vips_version"};
 
