@@ -175,7 +175,7 @@ TEST_F(Shells, AlsoCompleteInZsh) {
     const std::string script = krlimage({"completions", "zsh"}).out;
     EXPECT_EQ(script.rfind("#compdef krlimage\n", 0), 0u);
     for (const char* part : {"'apply:", "'--quality[", ":mt|st:(mt st)", "brightness", ":DIR:_files'",
-                             ":OUT:_files'", "'--json[Print results as JSON]'"})
+                             ":OUT:_files'", "'--json[Print JSON]'"})
         EXPECT_TELLS(script, part);
 }
 
