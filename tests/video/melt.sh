@@ -21,14 +21,16 @@ done
 # Renders what the words say into the raw clip "made", on $threads threads.
 threads=1
 melt_renders() {
-    local attempt
+    local attempt status
     rm -f "$scratch/made.nut"
-    # Now and then melt ends before its consumer begins, with an empty file.
+    # On a busy machine melt now and then ends, or waits for ever, before its consumer begins: the file is empty then.
     for attempt in 1 2 3; do
+        status=0
         melt -silent -profile "$scratch/profile" "$@" -consumer "avformat:$scratch/made.nut" real_time=-$threads \
-            mlt_image_format=rgba vcodec=rawvideo pix_fmt=rgba an=1
+            mlt_image_format=rgba vcodec=rawvideo pix_fmt=rgba an=1 || status=$?
         [ ! -s "$scratch/made.nut" ] || break
     done
+    [ $status = 0 ]
     ffmpeg -v error -y -i "$scratch/made.nut" -f rawvideo -pix_fmt bgra "$scratch/made"
 }
 

@@ -3,7 +3,7 @@ passed=0 failed=0
 
 # The programs that are tested, each bounded in time and without a keyboard.
 ffmpeg() { timeout 60 ffmpeg -nostdin "$@"; }
-melt() { timeout 60 melt "$@" </dev/null; }
+melt() { timeout 30 melt "$@" </dev/null; }
 gegl() { timeout 60 gegl "$@" </dev/null; }
 
 # Runs one part of the tests, in a shell of its own that ends at the first failure, and shows what it printed.
