@@ -73,9 +73,9 @@ struct Need {
     bool (*isMet)(const Bitmap& picture);
     const char* sample;
 };
-constexpr Need kNeeds[] = {{"Keys", hasScreen, "greenscreen.png"},
-                           {"Alpha", hasTransparency, "logo.png"},
-                           {"Compositing and glows", hasTransparency, "logo.png"}};
+constexpr Need kNeeds[] = {{"key", hasScreen, "greenscreen.png"},
+                           {"alpha", hasTransparency, "logo.png"},
+                           {"composite", hasTransparency, "logo.png"}};
 
 /// A picture that effects are shown on, with the second pictures of their examples in its size.
 class Stage {
@@ -212,7 +212,7 @@ private:
     /// The given picture, or one that has what the method's family works on.
     size_t stageFor(const Method& method) {
         for (const Need& need : kNeeds) {
-            if (method.heading() != need.family || need.isMet(stages_.front().picture())) continue;
+            if (method.family() != need.family || need.isMet(stages_.front().picture())) continue;
             const auto found = std::find_if(stages_.begin(), stages_.end(), [&](const Stage& stage) {
                 return stage.original().name == need.sample;
             });
