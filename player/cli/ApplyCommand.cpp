@@ -209,8 +209,9 @@ std::string wordsOf(const ApplyOptions& options, const std::vector<MovingCall>& 
 }
 
 /// Pictures in parallel leave some for what their sizes do not show.
-uint64_t memoryFor(const ApplyOptions& options) {
-    return options.memory > 0 || options.jobs == 1 ? options.memory : availableMemory() / 8 * 7;
+uint64_t memoryFor(const ApplyOptions& options, size_t pictures) {
+    const bool isParallel = options.jobs != 1 && (pictures > 1 || !options.inputList.empty());
+    return options.memory > 0 || !isParallel ? options.memory : availableMemory() / 8 * 7;
 }
 
 int workOnAll(BatchParts& parts, const ApplyOptions& options, const std::vector<MovingCall>& calls,
@@ -225,8 +226,8 @@ int workOnAll(BatchParts& parts, const ApplyOptions& options, const std::vector<
                            terminal.live};
     ApplyProgress progress(parts, options, ledger ? &*ledger : nullptr);
     ApplyReport report(options, results);
-    MemoryGate memory(memoryFor(options));
     bool hasNext = progress.next();
+    MemoryGate memory(memoryFor(options, progress.items().size()));
     FailureLimit failures(options.mostFailures, progress.totals().failed);
     const ApplyWork work{looks,
                          chain,

@@ -173,7 +173,6 @@ Bitmap changedBy(const ApplyRunner& run, const std::vector<ChainCall>& chain, Bi
     return picture;
 }
 
-/// Changes frames by looks and calls.
 FrameWorker frameWorker(const std::vector<ReadyLook>& looks, const std::vector<ChainCall>& chain,
                         const std::vector<MovingCall>& calls, const ApplyOptions& options,
                         const SessionOptions& settings) {
