@@ -75,9 +75,7 @@ private:
             settings_ = settingsFor(app_, *command);
             // Of a wrong value, the last place is blamed.
             for (const std::string& word : words)
-                std::erase_if(settings_, [&](const Setting& setting) {
-                    return word == setting.option || word.starts_with(setting.option + '=');
-                });
+                std::erase_if(settings_, [&](const Setting& setting) { return setting.isGivenBy(word); });
         }
         for (size_t i = 0; i < settings_.size(); ++i)
             words.insert(words.begin() + 1 + static_cast<std::ptrdiff_t>(i), settings_[i].word());
@@ -86,7 +84,7 @@ private:
     /// A complaint about an option, with the file or variable that gave it.
     std::string withSource(const std::string& complaint) const {
         for (auto setting = settings_.rbegin(); setting != settings_.rend(); ++setting)
-            if (complaint.starts_with(setting->option + ':')) return setting->source + ": " + complaint;
+            if (complaint.starts_with(setting->name() + ':')) return setting->source + ": " + complaint;
         return complaint;
     }
 

@@ -65,7 +65,8 @@ std::string settings(const CommandList& commands) {
         "Lines below the name of a command in brackets are for that command. Environment variables win over "
         "the file, and the command line wins over both.\n";
     for (const auto& [option, names] : users)
-        text += ".TP\n" + bold(variableFor(option)) + "\n" + bold(option) + " of " + plain(names) + ".\n";
+        text += ".TP\n" + bold(variableFor(option.substr(2))) + "\n" + bold(option) + " of " + plain(names) +
+                ".\n";
     return text;
 }
 

@@ -48,7 +48,7 @@ public:
         for (const CLI::ConfigItem& item : items_)
             if (item.parents.empty() == isForAll && (isForAll || item.parents.front() == command.get_name()))
                 if (const CLI::Option* option = optionOf(command, item.name))
-                    settings.push_back({name_, "--" + option->get_lnames().front(), item.inputs.front()});
+                    settings.push_back({name_, option, item.inputs.front()});
     }
 
 private:
@@ -81,7 +81,7 @@ private:
 
 std::string variableFor(const std::string& option) {
     std::string name = "KRLIMAGE_";
-    for (const char letter : option.substr(option.find_first_not_of('-')))
+    for (const char letter : option)
         name += letter == '-' ? '_' : static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
     return name;
 }
@@ -94,10 +94,9 @@ std::vector<Setting> settingsFor(const CLI::App& program, const CLI::App& comman
         file.addTo(settings, command, false);
     }
     for (const CLI::Option* option : settableOf(command)) {
-        const std::string name = "--" + option->get_lnames().front();
-        const std::string variable = variableFor(name);
+        const std::string variable = variableFor(option->get_lnames().front());
         const char* value = std::getenv(variable.c_str());
-        if (value && *value) settings.push_back({variable, name, value});
+        if (value && *value) settings.push_back({variable, option, value});
     }
     return settings;
 }

@@ -66,6 +66,15 @@ TEST_F(Settings, ThatAreWrongNameTheirSource) {
     EXPECT_NE(result.err.find("KRLIMAGE_JOBS: "), std::string::npos) << result.err;
 }
 
+TEST_F(Settings, AreNotBlamedForTheCommandLine) {
+    setenv("KRLIMAGE_JOBS", "2", 1);
+    for (const char* word : {"-jmany", "--jobs=many"}) {
+        const CliResult result = apply({word});
+        EXPECT_EQ(result.code, 2);
+        EXPECT_EQ(result.err.find("KRLIMAGE_JOBS"), std::string::npos) << result.err;
+    }
+}
+
 TEST_F(Settings, ThatDoNotExistAreRefused) {
     write("qualty = 85\n");
     EXPECT_NE(apply().err.find("config: there is no setting qualty, did you mean quality?"),
