@@ -18,9 +18,10 @@ constexpr const char* kMovingNames[] = {"frame", "frames", "t", "seconds", "widt
 
 bool isWordLetter(char letter) { return std::isalnum(static_cast<unsigned char>(letter)) || letter == '_'; }
 
-/// The names of `kMovingNames` in an expression, texts, symbols and properties of objects aside.
-std::set<std::string> movingNamesIn(const std::string& expression) {
-    std::set<std::string> found;
+/// Calls `visit` with each word of an expression and the index behind it, texts, symbols and properties of
+/// objects aside.
+template <class Visit>
+void forEachWord(const std::string& expression, Visit&& visit) {
     char before = ' ';
     for (size_t i = 0; i < expression.size();) {
         const size_t start = i;
@@ -28,14 +29,21 @@ std::set<std::string> movingNamesIn(const std::string& expression) {
             i = std::min(expression.find('"', i + 1), expression.size() - 1) + 1;
         } else if (isWordLetter(expression[i])) {
             while (i < expression.size() && isWordLetter(expression[i])) ++i;
-            const std::string word = expression.substr(start, i - start);
-            for (const char* name : kMovingNames)
-                if (before != '#' && before != '.' && sameLetters(word, name)) found.insert(name);
+            if (before != '#' && before != '.') visit(expression.substr(start, i - start), i);
         } else {
             ++i;
         }
         if (expression[i - 1] != ' ') before = expression[i - 1];
     }
+}
+
+/// The names of `kMovingNames` in an expression.
+std::set<std::string> movingNamesIn(const std::string& expression) {
+    std::set<std::string> found;
+    forEachWord(expression, [&](const std::string& word, size_t) {
+        for (const char* name : kMovingNames)
+            if (sameLetters(word, name)) found.insert(name);
+    });
     return found;
 }
 
@@ -44,8 +52,9 @@ std::string trimmed(const std::string& text) {
     return first == std::string::npos ? "" : text.substr(first, last - first + 1);
 }
 
-/// The arguments of a call, divided at commas outside of brackets and texts.
-std::vector<std::string> argumentsIn(const std::string& text) {
+/// The arguments of a call whose bracket ends with the text or before it, divided at commas outside of
+/// brackets and texts.
+std::vector<std::string> argumentsIn(std::string_view text) {
     std::vector<std::string> found;
     std::string argument;
     int depth = 0;
@@ -53,6 +62,7 @@ std::vector<std::string> argumentsIn(const std::string& text) {
     for (const char letter : text) {
         if (letter == '"') isQuoted = !isQuoted;
         if (!isQuoted) depth += (letter == '(' || letter == '[') - (letter == ')' || letter == ']');
+        if (depth < 0) break;
         if (letter == ',' && depth == 0 && !isQuoted)
             found.push_back(std::exchange(argument, {}));
         else
@@ -60,6 +70,34 @@ std::vector<std::string> argumentsIn(const std::string& text) {
     }
     if (!trimmed(argument).empty() || !found.empty()) found.push_back(argument);
     return found;
+}
+
+/// A function for expressions, and how many values it takes.
+struct MovingFunction {
+    const char* name;
+    size_t least, most;
+    const char* form;
+};
+
+constexpr MovingFunction kMovingFunctions[] = {
+    {"ease", 3, 3, "ease(from, to, share)"},
+    {"key", 1, 2, "key([frame: value, ...]) or key([frame: value, ...], #smooth)"},
+    {"digits", 2, 2, "digits(number, least)"},
+};
+
+/// Throws `UsageError` where a function of `kMovingFunctions` has too few values or too many; the language
+/// itself takes missing ones as VOID.
+void requireForms(const std::string& expression) {
+    forEachWord(expression, [&](const std::string& word, size_t end) {
+        const size_t bracket = expression.find_first_not_of(' ', end);
+        if (bracket == std::string::npos || expression[bracket] != '(') return;
+        for (const MovingFunction& function : kMovingFunctions) {
+            if (!sameLetters(word, function.name)) continue;
+            const size_t count = argumentsIn(std::string_view(expression).substr(bracket + 1)).size();
+            if (count < function.least || count > function.most)
+                throw UsageError(expression + ": expected " + function.form);
+        }
+    });
 }
 
 /// The name before an argument's colon, or nothing.
@@ -93,6 +131,7 @@ MovingCall::MovingCall(const std::string& text) : text_(trimmed(text)) {
         Part part;
         part.expression = trimmed(argument);
         if (!part.expression.empty()) part.name = nameBefore(part.expression);
+        requireForms(part.expression);
         const std::set<std::string> names = movingNamesIn(part.expression);
         part.moves = !names.empty();
         part.file = fileIn(part.expression);

@@ -23,6 +23,7 @@ struct FrameFacts {
 /// A call as written, with each argument's name and expression.
 class MovingCall {
 public:
+    /// Throws `UsageError` where `ease`, `key` or `digits` has too few values or too many.
     explicit MovingCall(const std::string& text);
 
     /// Whether an argument moves; the others are as they are for every frame.
