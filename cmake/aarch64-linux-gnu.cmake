@@ -1,12 +1,4 @@
-# Cross-compiles for 64-bit ARM; programs link statically and run under qemu-user.
-set(CMAKE_SYSTEM_NAME Linux)
-set(CMAKE_SYSTEM_PROCESSOR aarch64)
-set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
-set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
-set(CMAKE_FIND_ROOT_PATH /usr/aarch64-linux-gnu)
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+# Cross-compiles for 64-bit ARM, for qemu-user.
+set(krl_processor aarch64)
+include(${CMAKE_CURRENT_LIST_DIR}/linux-gnu.cmake)
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64)
-set(CMAKE_EXE_LINKER_FLAGS_INIT -static)

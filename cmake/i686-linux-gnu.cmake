@@ -1,11 +1,3 @@
-# Compiles for 32-bit x86 with SSE2; the programs link statically, so that any 64-bit x86 Linux runs them.
-set(CMAKE_SYSTEM_NAME Linux)
-set(CMAKE_SYSTEM_PROCESSOR i686)
-set(CMAKE_C_COMPILER i686-linux-gnu-gcc)
-set(CMAKE_CXX_COMPILER i686-linux-gnu-g++)
-set(CMAKE_FIND_ROOT_PATH /usr/i686-linux-gnu)
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
+# Compiles for 32-bit x86 with SSE2, which any 64-bit x86 Linux runs.
+set(krl_processor i686)
+include(${CMAKE_CURRENT_LIST_DIR}/linux-gnu.cmake)

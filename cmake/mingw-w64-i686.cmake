@@ -10,11 +10,7 @@ set(CMAKE_CXX_COMPILER i686-w64-mingw32-g++-${krl_mingw_threads})
 set(CMAKE_RC_COMPILER i686-w64-mingw32-windres)
 # The first folder, made by cmake/windows-libraries, has static libraries alone.
 set(CMAKE_FIND_ROOT_PATH ${CMAKE_CURRENT_LIST_DIR}/../build/windows-libraries /usr/i686-w64-mingw32)
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+include(${CMAKE_CURRENT_LIST_DIR}/cross.cmake)
 # Callers of this system align the stack to 4 bytes, vectors want it at 16.
 set(CMAKE_CXX_FLAGS_INIT "-mstackrealign")
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
 set(CMAKE_MODULE_LINKER_FLAGS_INIT "-static")
