@@ -20,11 +20,18 @@ endif()
 find_package(Threads REQUIRED)
 target_link_libraries(krl_compiler INTERFACE Threads::Threads)
 
-# Reads headers that most files of a target include once for all of them, which halves the time that the engine
-# takes. Every file still includes what it uses: the release build does without. A compiler cache would not work.
+# Reads headers that most files of a target include once for all of them, which halves the time that a build takes.
+# krl_precompile(TARGET HEADER...), or krl_precompile(TARGET REUSE_FROM OTHER) for a target with the same options as
+# another. Every file still includes what it uses, which builds with a compiler cache show, where this would not work.
 function(krl_precompile target)
   if(KRL_PRECOMPILED AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    target_precompile_headers(${target} PRIVATE ${ARGN})
+    # More false positives for string concatenation, in headers that count as ours when they are precompiled.
+    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow>)
+    if("${ARGV1}" STREQUAL REUSE_FROM)
+      target_precompile_headers(${target} ${ARGN})
+    else()
+      target_precompile_headers(${target} PRIVATE ${ARGN})
+    endif()
   endif()
 endfunction()
 
