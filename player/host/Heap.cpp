@@ -1,5 +1,6 @@
 #include "player/host/Heap.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "player/host/HostError.h"
@@ -129,17 +130,28 @@ void Heap::freeDoomed() noexcept {
 }
 
 void Heap::mustHold(uint64_t moreBytes) const {
-    if (moreBytes <= limitBytes_ && bytes_ <= limitBytes_ - moreBytes) return;
+    if (canHold(moreBytes)) return;
     throw HostError("out of memory: the script's values and images may take " +
                     std::to_string(limitBytes_ >> 20) + " MB together");
+}
+
+void Heap::mustFit(const char* limitedName, uint64_t bytes) const {
+    if (bytes <= limitOfEach_) return;
+    throw HostError(std::string("a ") + limitedName + " may take at most " +
+                    std::to_string(limitOfEach_ >> 20) + " MB");
+}
+
+uint64_t Heap::grown(const char* limitedName, uint64_t bytes, uint64_t needed) const {
+    mustHold(needed);
+    mustFit(limitedName, needed);
+    const uint64_t generous = std::max(needed, std::min(bytes * 2, limitOfEach_));
+    return canHold(generous) ? generous : needed;
 }
 
 void Heap::charge(Object& object) {
     const size_t bytes = object.bytes();
     if (bytes > object.charged_) mustHold(bytes - object.charged_);
-    if (const char* name = object.limitedName(); name && bytes > limitOfEach_)
-        throw HostError(std::string("a ") + name + " may take at most " + std::to_string(limitOfEach_ >> 20) +
-                        " MB");
+    if (const char* name = object.limitedName()) mustFit(name, bytes);
     bytes_ = bytes_ - object.charged_ + bytes;
     object.charged_ = bytes;
 }

@@ -38,6 +38,8 @@ enum class Kind : uint8_t {
     ByteArray,
     Transform,
     Environment,
+    CastLib,
+    Collection,
 };
 
 /// How a script wrote a colour, which decides how it is shown.

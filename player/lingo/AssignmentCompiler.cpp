@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "player/host/Compare.h"
 #include "player/lingo/Operations.h"
 #include "player/lingo/StatementCompiler.h"
@@ -15,7 +17,9 @@ const Expression& firstJoined(const BinaryExpression& joined) {
 }
 
 bool isChannel(const std::string& name) {
-    return compareText(name, "red") == 0 || compareText(name, "green") == 0 || compareText(name, "blue") == 0;
+    constexpr const char* kChannels[] = {"red", "green", "blue", "colorType", "paletteIndex"};
+    return std::any_of(std::begin(kChannels), std::end(kChannels),
+                       [&](const char* channel) { return compareText(name, channel) == 0; });
 }
 
 }  // namespace

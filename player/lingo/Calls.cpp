@@ -18,7 +18,7 @@ bool hasMethods(Kind kind) {
 /// of the movie; then the built-in functions.
 Value Interpreter::callByName(SymbolId name, std::span<const Value> arguments, bool asMethod) {
     // `_movie.go(5)` is `go(5)`.
-    if (asMethod && arguments.front().is(Kind::Environment))
+    if (asMethod && (arguments.front().is(Kind::Environment) || arguments.front().is(Kind::CastLib)))
         return callByName(name, arguments.subspan(1), false);
     if (skipsStage() && asMethod && arguments.front().isVoid()) return Value();
     if (!arguments.empty() && hasMethods(arguments.front().kind())) {
@@ -32,7 +32,7 @@ Value Interpreter::callByName(SymbolId name, std::span<const Value> arguments, b
         for (const LoadedScript* script : {frame_ ? &frame_->script : nullptr, movie_})
             if (const HandlerCode* handler = script ? script->handler(name) : nullptr) {
                 const bool own = frame_ && script == &frame_->script;
-                return callHandler(*script, *handler, arguments, own ? frame_->owner : Value());
+                return callHandler(*script, *handler, arguments, own ? frame_->owner : movieOwner_);
             }
     if (const Builtin* known = builtin(name)) return callBuiltin(*known, arguments);
     if (const char* need = neededBy(symbols.spelling(name))) return missing(need, name, &arguments);
@@ -43,6 +43,7 @@ bool Interpreter::skipsStage() const { return options_.stageless == Stageless::I
 
 /// Refuses what needs a stage, or counts it and answers VOID.
 Value Interpreter::missing(const char* need, SymbolId name, const std::span<const Value>* arguments) {
+    if (name == goName_ && arguments && goesToFrame(*arguments)) return Value();
     const std::string& spelled = symbols.spelling(name);
     if (skipsStage()) {
         ++skipped_[spelled];
@@ -52,6 +53,21 @@ Value Interpreter::missing(const char* need, SymbolId name, const std::span<cons
     for (size_t i = 0; arguments && i < arguments->size(); ++i)
         what += (i > 0 ? ", " : "") + shownText(style(), (*arguments)[i]);
     throw HostError(refusalOf(need, arguments ? what + ')' : what));
+}
+
+bool Interpreter::goesToFrame(std::span<const Value> arguments) {
+    if (!inFrames || arguments.size() != 1) return false;
+    const Value& to = arguments.front();
+    const std::string where = to.is(Kind::String) ? folded(plain(to)) : "";
+    if (to.isInteger())
+        nextFrame = std::max(to.integer(), 1);
+    else if (where == "next")
+        nextFrame = frameNumber + 1;
+    else if (where == "loop" || where == "previous")
+        nextFrame = 1;  // without markers
+    else
+        return false;
+    return true;
 }
 
 bool Interpreter::callOnObject(SymbolId name, std::span<const Value> arguments, Value& answer) {

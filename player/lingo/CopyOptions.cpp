@@ -99,7 +99,7 @@ CopyOptions copyOptionsOf(const Runtime& runtime, const PropertyListObject& list
             if (compareText(name, option.name) == 0) found = &option;
         if (!found)
             throw HostError("copyPixels: there is no option #" + name + didYouMean(name, copyOptionNames()));
-        found->set(runtime, options, value);
+        if (!value.isVoid()) found->set(runtime, options, value);
     }
     return options;
 }

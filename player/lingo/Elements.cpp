@@ -52,7 +52,7 @@ size_t placeToWrite(const Value& index, const char* function) {
 
 void lengthen(Runtime& runtime, ListObject& list, size_t count) {
     if (count <= list.items.size()) return;
-    runtime.heap.mustHold((count - list.items.size()) * sizeof(Value));
+    makeRoom(runtime, list.items, count);
     list.items.resize(count, Value::integer(0));
     runtime.heap.recount(list);
 }
@@ -64,7 +64,9 @@ Entry* entryUnder(const Runtime& runtime, PropertyListObject& list, const Value&
 void insertEntry(Runtime& runtime, PropertyListObject& list, std::vector<Entry>::iterator place,
                  const Value& key, const Value& value) {
     if (place != list.entries.end()) list.reordered();
-    list.entries.insert(place, {key, value});
+    const auto index = place - list.entries.begin();
+    makeRoom(runtime, list.entries, list.entries.size() + 1);
+    list.entries.insert(list.entries.begin() + index, {key, value});
     runtime.heap.recount(list);
 }
 

@@ -16,6 +16,15 @@ size_t countOf(const Value& value);
 size_t placeIn(size_t count, int32_t index, const char* function);
 /// Converts an index that may be beyond the end.
 size_t placeToWrite(const Value& index, const char* function);
+/// Reserves room for the elements of a list, within the limits of memory.
+template <class Element>
+void makeRoom(Runtime& runtime, std::vector<Element>& elements, size_t count) {
+    if (count <= elements.capacity()) return;
+    const uint64_t bytes =
+        runtime.heap.grown("list", elements.capacity() * sizeof(Element), count * sizeof(Element));
+    elements.reserve(static_cast<size_t>(bytes / sizeof(Element)));
+}
+
 /// Pads a list with zeros so that it has `count` elements.
 void lengthen(Runtime& runtime, ListObject& list, size_t count);
 

@@ -173,8 +173,7 @@ Operation Operations::jumpUnlessBinary(Operator operation) {
 }
 
 Next Operations::join(Interpreter& interpreter, Frame& frame, const Instruction& at) {
-    std::string whole;
-    for (int32_t i = 0; i < at.c; ++i) interpreter.addTo(whole, frame.registers[at.b + i]);
+    std::string whole = interpreter.joined(nullptr, {frame.registers + at.b, static_cast<size_t>(at.c)});
     frame.drop(at.b, at.c);
     frame.registers[at.a] = interpreter.text(std::move(whole));
     return &at + 1;
@@ -184,14 +183,12 @@ Next Operations::join(Interpreter& interpreter, Frame& frame, const Instruction&
 template <VariableScope kScope>
 Next Operations::appendTo(Interpreter& interpreter, Frame& frame, const Instruction& at) {
     Value& held = variable<kScope>(interpreter, frame, at, at.d);
+    const std::span<const Value> added{frame.registers + at.b, static_cast<size_t>(at.c)};
     if (held.is(Kind::String) && interpreter.heap.isSole(held.words())) {
         auto& text = *held.as<StringObject>();
-        for (int32_t i = 0; i < at.c; ++i) interpreter.grow(text, frame.registers[at.b + i]);
+        for (const Value& one : added) interpreter.grow(text, one);
     } else {
-        std::string whole;
-        interpreter.addTo(whole, held);
-        for (int32_t i = 0; i < at.c; ++i) interpreter.addTo(whole, frame.registers[at.b + i]);
-        held = interpreter.text(std::move(whole));
+        held = interpreter.text(interpreter.joined(&held, added));
     }
     frame.drop(at.b, at.c);
     return &at + 1;

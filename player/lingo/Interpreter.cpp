@@ -55,7 +55,9 @@ Interpreter::Interpreter(EmbeddedHost& embedded, Xtra& plugIn, const SessionOpti
       options_(options),
       newName_(symbols.identifier("new")),
       ancestorName_(symbols.identifier("ancestor")),
-      tablesName_(symbols.identifier("krlImageCreateLookupTables")) {
+      tablesName_(symbols.identifier("krlImageCreateLookupTables")),
+      goName_(symbols.identifier("go")),
+      countName_(symbols.identifier("count")) {
     for (const auto& family : builtinFamilies())
         for (const Builtin& entry : family) under(builtins_, symbols.identifier(entry.name)) = &entry;
     for (const auto& family : propertyFamilies())
@@ -84,7 +86,13 @@ const LoadedScript& Interpreter::load(std::shared_ptr<const Source> source, cons
 
 Value Interpreter::run(const LoadedScript& script, const HandlerCode& handler,
                        std::span<const Value> arguments) {
-    return callHandler(script, handler, arguments, Value());
+    return callHandler(script, handler, arguments, &script == movie_ ? movieOwner_ : Value());
+}
+
+void Interpreter::setMovieScript(const LoadedScript& script) {
+    movie_ = &script;
+    const Value& known = scriptValues_[folded(script.name)] = heap.make<ScriptObject>(script);
+    movieOwner_ = script.syntax->properties.empty() ? Value() : known;
 }
 
 Value Interpreter::evaluateText(std::string name, std::string_view text) {
@@ -134,9 +142,9 @@ Value Interpreter::callOn(const Value& instance, std::string name, std::string_v
 
 void Interpreter::close() {
     globals_.clear();
-    members_.clear();
+    members.clear();
     scriptValues_.clear();
-    result = actorList = Value();
+    result = actorList = movieOwner_ = Value();
     for (Value& letter : letters_) letter = Value();
     heap.freeCycles();
     for (LoadedScript& script : scripts_)
@@ -266,17 +274,42 @@ void withPlainText(const Runtime& runtime, const Value& value, Use&& use) {
 
 }  // namespace
 
-void Interpreter::addTo(std::string& whole, const Value& value) {
-    withPlainText(*this, value, [&](const std::string& more) {
-        heap.mustHold(whole.size() + more.size());
+std::string Interpreter::joined(const Value* first, std::span<const Value> others) {
+    std::string whole;
+    size_t left = 0;  // in the strings that follow
+    const auto eachOne = [&](auto&& visit) {
+        if (first) visit(*first);
+        for (const Value& one : others) visit(one);
+    };
+    eachOne([&](const Value& value) {
+        if (const auto* string = value.as<StringObject>()) left += string->text.size();
+    });
+    const auto makeRoom = [&] {
+        if (whole.size() + left <= whole.capacity()) return;
+        heap.mustHold(whole.capacity() + whole.size() + left);
+        heap.mustFit("string", whole.size() + left);
+        whole.reserve(whole.size() + left);
+    };
+    makeRoom();
+    eachOne([&](const Value& value) {
+        if (const auto* string = value.as<StringObject>()) {
+            left -= string->text.size();
+            whole += string->text;
+            return;
+        }
+        const std::string more = plain(value);
+        left += more.size();
+        makeRoom();
+        left -= more.size();
         whole += more;
     });
+    return whole;
 }
 
 void Interpreter::grow(StringObject& text, const Value& value) {
     withPlainText(*this, value, [&](const std::string& more) {
-        const size_t whole = text.text.size() + more.size();
-        if (whole > text.text.capacity()) heap.mustHold(whole);
+        const size_t whole = text.text.size() + more.size(), room = text.text.capacity();
+        if (whole > room) text.text.reserve(static_cast<size_t>(heap.grown("string", room, whole)));
         text.append(more);
         heap.recount(text);
     });
@@ -293,20 +326,6 @@ Value Interpreter::scriptNamed(const std::string& name) {
     Value made = heap.make<ScriptObject>(script);
     scriptValues_.emplace(folded(name), made);
     return made;
-}
-
-Value Interpreter::memberNamed(const std::string& name) {
-    auto [known, added] = members_.try_emplace(folded(name));
-    if (added) known->second = heap.make<MemberObject>(name);
-    return known->second;
-}
-
-std::vector<std::string> Interpreter::castMemberNames() const {
-    std::vector<std::string> extensions = pictureExtensions();
-    extensions.push_back(".txt");
-    std::vector<std::string> names = sandbox.memberNames(extensions);
-    std::sort(names.begin(), names.end());
-    return names;
 }
 
 Value Interpreter::newInstance(const Value& script, std::span<const Value> arguments) {

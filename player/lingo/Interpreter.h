@@ -33,7 +33,7 @@ public:
     /// prefix of the method name is optional.
     Value callOn(const Value& instance, std::string name, std::string_view text);
     /// Lets every script call the handlers of `script`.
-    void setMovieScript(const LoadedScript& script) { movie_ = &script; }
+    void setMovieScript(const LoadedScript& script);
     /// Releases everything that scripts hold.
     void close();
 
@@ -41,10 +41,8 @@ public:
     bool responds(const Value& object, SymbolId name) const override;
     Value sendToAncestor(SymbolId name, std::span<const Value> arguments) override;
     void runText(const std::string& text) override;
-    std::vector<std::string> castMemberNames() const override;
     Value valueOf(const std::string& text) override;
     Value scriptNamed(const std::string& name) override;
-    Value memberNamed(const std::string& name) override;
     Value propertyNamed(const Value& object, const Value& name) override;
     void setPropertyNamed(const Value& object, const Value& name, const Value& value) override;
     Value newInstance(const Value& script, std::span<const Value> arguments) override;
@@ -65,7 +63,8 @@ private:
     // Texts.
     Value asText(Value value);
     Value piece(std::string_view part);
-    void addTo(std::string& whole, const Value& value);
+    /// The texts of `first`, if there is one, and of `others`, one after the other.
+    std::string joined(const Value* first, std::span<const Value> others);
     void grow(StringObject& text, const Value& value);
 
     // Properties and elements of objects.
@@ -101,6 +100,8 @@ private:
     const Builtin* functionAsProperty(Kind kind, SymbolId name) const;
     [[noreturn]] void unknownCall(SymbolId name, std::span<const Value> arguments, bool asMethod);
     bool skipsStage() const;
+    /// Sets the next frame, while frames run and if the arguments of `go` name one.
+    bool goesToFrame(std::span<const Value> arguments);
     Value missing(const char* need, SymbolId name, const std::span<const Value>* arguments);
     [[noreturn]] void unknownVariable(SymbolId variable);
     [[noreturn]] void unknownProperty(const Value& object, SymbolId name);
@@ -118,13 +119,13 @@ private:
     const SessionOptions& options_;
     std::deque<LoadedScript> scripts_;
     std::map<std::string, Value> scriptValues_;
-    std::map<std::string, Value> members_;
     Globals globals_;
     std::vector<const Builtin*> builtins_;                       ///< by symbol
     std::vector<std::vector<const PropertyEntry*>> properties_;  ///< by symbol; the last of each kind counts
     std::map<std::string, int64_t> skipped_;                     ///< what needed a stage
     const LoadedScript* movie_ = nullptr;
-    SymbolId newName_, ancestorName_, tablesName_;
+    Value movieOwner_;  ///< has the movie script's properties, if it declares any
+    SymbolId newName_, ancestorName_, tablesName_, goName_, countName_;
     Frame* frame_ = nullptr;
     RegisterStack stack_;
     std::array<Value, 128> letters_;  ///< texts of one character, as they are first needed

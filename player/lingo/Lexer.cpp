@@ -78,7 +78,7 @@ private:
     }
 
     /// A comment that ends with a continuation mark goes on in the next line if it has its line to itself.
-    /// After code, it is the code that goes on.
+    /// After code, it is the code that goes on, if it is unfinished.
     void skipComment() {
         const bool alone = tokens_.empty() || tokens_.back().kind == TokenKind::LineEnd;
         do {
@@ -87,8 +87,22 @@ private:
             size_t last = at_;
             while (last > begin && isBlank(text_[last - 1])) --last;
             if (text_[last - 1] != '\\' || at_ == text_.size()) return;
+            if (!alone && !isUnfinished()) return;
             passLineEnd();
         } while (alone);
+    }
+
+    /// Whether the statement of this line needs the next line: a bracket is open, or an operand is missing
+    /// before or after the line end here.
+    bool isUnfinished() const {
+        const Token& last = tokens_.back();
+        if (brackets_ > 0 || last.isAnyWord({"and", "or", "not", "mod", "contains", "starts"})) return true;
+        if (last.kind == TokenKind::Mark && !last.isAnyMark({")", "]", "}"})) return true;
+        size_t next = at_ + (peek() == '\r' && peek(1) == '\n' ? 2 : 1);
+        while (next < text_.size() && isBlank(text_[next])) ++next;
+        const std::string_view rest = text_.substr(next);
+        const bool comment = rest.substr(0, 2) == "--";
+        return !comment && !rest.empty() && std::string_view("+-*/&=<>,.)]}").find(rest.front()) < SIZE_MAX;
     }
 
     bool atLineEnd() const { return at_ >= text_.size() || peek() == '\n' || peek() == '\r'; }
@@ -102,6 +116,7 @@ private:
 
     void endLine() {
         if (!tokens_.empty() && tokens_.back().kind != TokenKind::LineEnd) add(TokenKind::LineEnd, at_);
+        brackets_ = 0;
         passLineEnd();
     }
 
@@ -231,7 +246,8 @@ private:
             const std::string_view wanted(mark);
             if (text_.substr(at_, wanted.size()) != wanted) continue;
             at_ += wanted.size();
-            add(TokenKind::Mark, begin);
+            const Token& token = add(TokenKind::Mark, begin);
+            brackets_ += token.isAnyMark({"(", "[", "{"}) - token.isAnyMark({")", "]", "}"});
             return;
         }
         const bool shown = peek() > ' ' && peek() < 0x7F;
@@ -246,6 +262,7 @@ private:
     size_t at_ = 0;
     size_t lineStart_ = 0;
     int line_ = 1;
+    int brackets_ = 0;  ///< open ones in this statement
     std::vector<Token> tokens_;
 };
 

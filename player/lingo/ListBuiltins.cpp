@@ -73,6 +73,7 @@ Value makePropertyList(Runtime& runtime, const Arguments& arguments) {
 
 Value add(Runtime& runtime, const Arguments& arguments) {
     auto& list = arguments.object<ListObject>(0);
+    makeRoom(runtime, list.items, list.items.size() + 1);
     const auto place =
         list.sorted ? sortedPlace(runtime, list.items, arguments[1], itself) : list.items.end();
     list.items.insert(place, arguments[1]);
@@ -82,6 +83,7 @@ Value add(Runtime& runtime, const Arguments& arguments) {
 
 Value append(Runtime& runtime, const Arguments& arguments) {
     auto& list = arguments.object<ListObject>(0);
+    makeRoom(runtime, list.items, list.items.size() + 1);
     list.items.push_back(arguments[1]);
     runtime.heap.recount(list);
     return Value();
@@ -91,6 +93,7 @@ Value addAt(Runtime& runtime, const Arguments& arguments) {
     auto& list = arguments.object<ListObject>(0);
     const size_t place = placeToWrite(arguments[1], "addAt");
     lengthen(runtime, list, place);
+    makeRoom(runtime, list.items, list.items.size() + 1);
     list.items.insert(list.items.begin() + static_cast<ptrdiff_t>(place), arguments[2]);
     runtime.heap.recount(list);
     return Value();

@@ -26,9 +26,6 @@ Value movieName(Runtime& runtime, const Value&) { return runtime.text(runtime.sc
 Value frame(Runtime& runtime, const Value&) { return Value::integer(runtime.frameNumber); }
 Value result(Runtime& runtime, const Value&) { return runtime.result; }
 Value freeBytes(Runtime&, const Value&) { return Value::integer(INT32_MAX); }
-Value memberCount(Runtime& runtime, const Value&) {
-    return Value::integer(static_cast<int32_t>(runtime.castMemberNames().size()));
-}
 Value folder(Runtime& runtime, const Value&) {
     return runtime.text((runtime.sandbox.scriptFolder() / "").string());
 }
@@ -112,12 +109,13 @@ constexpr PropertyEntry kProperties[] = {
     {Kind::Void, "exitLock", number<0>, ignored},
     {Kind::Void, "trace", number<0>, ignored},
     {Kind::Void, "traceLoad", number<0>, ignored},
+    {Kind::Void, "traceScript", number<0>, ignored},
+    {Kind::Void, "preLoadRAM", number<0>, ignored},
+    {Kind::Void, "romanLingo", number<0>, ignored},
+    {Kind::Void, "quickTimePresent", number<0>, nullptr},
+    {Kind::Void, "machineType", number<256>, nullptr},
     {Kind::Void, "safePlayer", number<1>, ignored},
     {Kind::Void, "debugPlaybackEnabled", number<0>, ignored},
-    {Kind::Void, "number of xtras", number<1>, nullptr},
-    {Kind::Void, "number of castLibs", number<1>, nullptr},
-    {Kind::Void, "number of members", memberCount, nullptr},
-    {Kind::Void, "number of castMembers", memberCount, nullptr},
 };
 
 }  // namespace

@@ -48,10 +48,13 @@ void Performance::run(const Value& arguments, int frames) {
         if (const HandlerCode* first = entry(frames > 0)) interpreter_.run(script_, *first, {&arguments, 1});
     });
     bool running = started;
+    interpreter_.inFrames = true;
     for (int i = 0; running && i < frames; ++i) {
+        interpreter_.nextFrame = interpreter_.frameNumber + 1;
         running = unlessHalted([this] { frame(); });
-        ++interpreter_.frameNumber;
+        interpreter_.frameNumber = interpreter_.nextFrame;
     }
+    interpreter_.inFrames = false;
     unlessHalted([this] { send("stopMovie"); });
 }
 

@@ -149,11 +149,7 @@ void setMemberName(Runtime& runtime, const Value& object, const Value& value) {
 }
 
 Value memberNumber(Runtime& runtime, const Value& object) {
-    const std::vector<std::string> names = runtime.castMemberNames();
-    const auto found = std::find_if(names.begin(), names.end(), [&](const std::string& name) {
-        return compareText(name, object.as<MemberObject>()->name) == 0;
-    });
-    return Value::integer(found == names.end() ? -1 : static_cast<int32_t>(found - names.begin()) + 1);
+    return Value::integer(runtime.members.numberOf(object));
 }
 
 Value memberType(Runtime& runtime, const Value& object) {
@@ -234,8 +230,10 @@ constexpr PropertyEntry kProperties[] = {
     {Kind::Member, "picture", memberImage, setMemberImage},
     {Kind::Member, "media", memberImage, setMemberImage},
     {Kind::Member, "number", memberNumber, nullptr},
+    {Kind::Member, "memberNum", memberNumber, nullptr},
     {Kind::Member, "type", memberType, nullptr},
     {Kind::Member, "castLibNum", [](Runtime&, const Value&) { return Value::integer(1); }, nullptr},
+    {Kind::Member, "castLib", [](Runtime& r, const Value&) { return r.heap.make<CastLibObject>(); }, nullptr},
     {Kind::Member, "regPoint", memberRegPoint, setMemberRegPoint},
     {Kind::Member, "width", ofMemberImage<imageWidth>, nullptr},
     {Kind::Member, "height", ofMemberImage<imageHeight>, nullptr},

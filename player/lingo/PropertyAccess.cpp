@@ -13,6 +13,8 @@ namespace krl::player {
 Value Interpreter::property(const Value& object, SymbolId name) {
     if (const auto* environment = object.as<EnvironmentObject>())
         return environmentProperty(*environment, name);
+    if (const auto* collection = object.as<CollectionObject>(); collection && name == countName_)
+        return systemProperty(symbols.identifier(collection->counted));
     if (skipsStage() && object.isVoid()) return Value();
     if (const auto* list = object.as<PropertyListObject>())
         if (const auto* entry = findEntry(symbols, *list, Value::symbol(name))) return entry->value;
@@ -82,6 +84,9 @@ Value Interpreter::systemProperty(SymbolId property) {
 Value Interpreter::item(const Value& object, const Value& index) {
     if (skipsStage() && object.isVoid()) return Value();
     if (holderOf(object) && index.is(Kind::Symbol)) return property(object, index.symbol());
+    if (object.is(Kind::Environment)) return propertyNamed(object, index);
+    if (const auto* collection = object.as<CollectionObject>())
+        return callByName(symbols.identifier(collection->of), {&index, 1}, false);
     return elementOf(*this, object, index);
 }
 
@@ -97,6 +102,7 @@ void Interpreter::setSystemProperty(SymbolId name, const Value& value) {
 /// `object[index] = value`
 void Interpreter::setItem(const Value& object, const Value& index, const Value& value) {
     if (skipsStage() && object.isVoid()) return;
+    if (object.is(Kind::Environment)) return setProperty(object, symbols.identifier(plain(index)), value);
     Value* property = index.is(Kind::Symbol) ? instanceProperty(object, index.symbol()) : nullptr;
     if (!property) return setElement(*this, object, index, value);
     const Value gone = std::exchange(*property, value);
@@ -124,9 +130,24 @@ void Interpreter::setProperty(const Value& object, SymbolId name, const Value& v
     entry->write(*this, object, value);
 }
 
-/// A copy of a colour with another level of red, green or blue.
+namespace {
+
+/// The same colour as `#rgb`, or the nearest of the palette as `#paletteIndex`.
+Value colourOfType(const Value& value, const std::string& type) {
+    const Colour colour = value.colour();
+    if (compareText(type, "rgb") == 0) return Value::colour(colour);
+    if (compareText(type, "paletteIndex") != 0)
+        throw HostError("expected the colorType #rgb or #paletteIndex, not " + type);
+    return indexedColour(
+        nearestIndex(Palette::System, 8, {colour.blue(), colour.green(), colour.red(), 255}));
+}
+
+}  // namespace
+
+/// A copy of a colour with another level of red, green or blue, another index or in another form.
 Value Interpreter::withChannel(const Value& colour, SymbolId name, const Value& level) {
     static constexpr const char* channels[] = {"red", "green", "blue"};
+    if (compareText(symbols.spelling(name), "colorType") == 0) return colourOfType(colour, plain(level));
     uint32_t word = colour.colour().word;
     for (int i = 0; i < 3; ++i) {
         if (compareText(symbols.spelling(name), channels[i]) != 0) continue;
@@ -136,6 +157,8 @@ Value Interpreter::withChannel(const Value& colour, SymbolId name, const Value& 
         word = (word & ~(0xFFu << i * 8)) | uint32_t(clampByte(whole)) << i * 8;
         return Value::colour(Colour(word));
     }
+    if (compareText(symbols.spelling(name), "paletteIndex") == 0 && level.isInteger())
+        return indexedColour(clampByte(level.integer()));
     unknownProperty(colour, name);
 }
 

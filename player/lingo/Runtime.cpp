@@ -18,14 +18,14 @@ uint32_t Runtime::nextRandom() {
 }
 
 std::vector<std::span<const Builtin>> builtinFamilies() {
-    return {mathBuiltins(),   textBuiltins(), listBuiltins(),     shapeBuiltins(),
-            imageBuiltins(),  drawBuiltins(), systemBuiltins(),   objectBuiltins(),
-            vectorBuiltins(), dataBuiltins(), transformBuiltins()};
+    return {mathBuiltins(),   textBuiltins(), listBuiltins(),      shapeBuiltins(),
+            imageBuiltins(),  drawBuiltins(), systemBuiltins(),    objectBuiltins(),
+            vectorBuiltins(), dataBuiltins(), transformBuiltins(), castBuiltins()};
 }
 
 std::vector<std::span<const PropertyEntry>> propertyFamilies() {
-    return {objectProperties(), systemProperties(), movieProperties(),    scriptProperties(),
-            vectorProperties(), dataProperties(),   transformProperties()};
+    return {objectProperties(), systemProperties(), movieProperties(),     scriptProperties(),
+            vectorProperties(), dataProperties(),   transformProperties(), castProperties()};
 }
 
 const Value& Arguments::operator[](size_t index) const {

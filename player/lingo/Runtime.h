@@ -9,6 +9,7 @@
 #include "player/host/EmbeddedHost.h"
 #include "player/host/Objects.h"
 #include "player/host/Xtra.h"
+#include "player/lingo/Members.h"
 #include "player/lingo/PictureTable.h"
 #include "player/lingo/Sandbox.h"
 #include "player/lingo/ScriptObjects.h"
@@ -50,9 +51,6 @@ public:
     virtual Value valueOf(const std::string& text) = 0;
     /// `script "Name"`
     virtual Value scriptNamed(const std::string& name) = 0;
-    virtual Value memberNamed(const std::string& name) = 0;
-    /// The names of all members, sorted.
-    virtual std::vector<std::string> castMemberNames() const = 0;
     /// A property of an object under a symbol or string.
     virtual Value propertyNamed(const Value& object, const Value& name) = 0;
     virtual void setPropertyNamed(const Value& object, const Value& name, const Value& value) = 0;
@@ -76,8 +74,12 @@ public:
     Value result;     ///< of the last handler
     Value actorList;  ///< VOID before its first use
     int32_t frameNumber = 1;
+    int32_t nextFrame = 2;  ///< where `go` leads while frames run
+    bool inFrames = false;
     std::string scriptFile;  ///< the name of the first script's file
     Sandbox sandbox;
+    Members members{heap, sandbox};
+    const SymbolId newMemberName = symbols.identifier("newMember");
     PictureTable* pictures = nullptr;  ///< see `SessionOptions::pictures`
     std::ostream& output;
     std::ostream& alerts;
@@ -132,6 +134,7 @@ std::span<const Builtin> shapeBuiltins();
 std::span<const Builtin> imageBuiltins();
 std::span<const Builtin> drawBuiltins();
 std::span<const Builtin> systemBuiltins();
+std::span<const Builtin> castBuiltins();
 std::span<const Builtin> objectBuiltins();
 std::span<const Builtin> vectorBuiltins();
 std::span<const Builtin> dataBuiltins();
@@ -150,6 +153,7 @@ struct PropertyEntry {
 std::span<const PropertyEntry> objectProperties();
 std::span<const PropertyEntry> systemProperties();
 std::span<const PropertyEntry> movieProperties();
+std::span<const PropertyEntry> castProperties();
 std::span<const PropertyEntry> scriptProperties();
 std::span<const PropertyEntry> vectorProperties();
 std::span<const PropertyEntry> dataProperties();
@@ -161,6 +165,9 @@ const std::vector<std::string>& pictureExtensions();
 /// The text of a member, and what `put ... into field` sets.
 Value memberText(Runtime& runtime, const Value& member);
 void setMemberText(Runtime& runtime, const Value& member, const Value& value);
+
+/// A colour of the usual palette, by its index.
+Value indexedColour(uint8_t index);
 
 /// `object[index]`
 Value elementOf(Runtime& runtime, const Value& object, const Value& index);

@@ -78,7 +78,8 @@ struct MemberObject : Object {
     std::string name;
     Value image;  ///< read on first use, like `text`
     Value text;
-    Value regPoint;  ///< VOID for the middle
+    Value regPoint;      ///< VOID for the middle
+    int32_t number = 0;  ///< of one that was found or made without a name
 };
 
 /// `vector(x, y, z)`
@@ -126,6 +127,22 @@ struct ByteArrayObject : Object {
 
     std::vector<uint8_t> content;
     size_t position = 0;  ///< of the next read or write
+};
+
+/// `castLib(1)`, the only cast there is.
+struct CastLibObject : Object {
+    static constexpr Kind kKind = Kind::CastLib;
+    size_t bytes() const override { return sizeof(*this); }
+};
+
+/// `_movie.member` and the like: `_movie.member["x"]` is `member("x")`.
+struct CollectionObject : Object {
+    static constexpr Kind kKind = Kind::Collection;
+    CollectionObject(const char* function, const char* count) : of(function), counted(count) {}
+    size_t bytes() const override { return sizeof(*this); }
+
+    const char* of;       ///< the function that finds an element
+    const char* counted;  ///< the system property with their number
 };
 
 /// `_movie`, `_player` and the like: the system properties and functions as properties and methods.

@@ -8,6 +8,11 @@
 /// Points, rects and colours.
 namespace krl::player {
 
+Value indexedColour(uint8_t index) {
+    const Pixel pixel = paletteColour(Palette::System, 8, index);
+    return Value::colour(Colour(pixel.red, pixel.green, pixel.blue), ColourForm::PaletteIndex, index);
+}
+
 namespace {
 
 const Value& numeric(const Arguments& arguments, size_t index) {
@@ -128,9 +133,7 @@ Value rgb(Runtime&, const Arguments& arguments) {
 }
 
 Value paletteIndex(Runtime&, const Arguments& arguments) {
-    const uint8_t index = clampByte(arguments.integer(0));
-    const Pixel pixel = paletteColour(Palette::System, 8, index);
-    return Value::colour(Colour(pixel.red, pixel.green, pixel.blue), ColourForm::PaletteIndex, index);
+    return indexedColour(clampByte(arguments.integer(0)));
 }
 
 /// `color(red, green, blue)` or `color(#rgb, red, green, blue)`.

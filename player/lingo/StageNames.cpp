@@ -14,10 +14,10 @@ constexpr const char* kOfAStage[] = {
     "sprite", "go", "play", "puppetSprite", "updateStage", "puppetTempo", "puppetTransition", "puppetPalette",
     "cursor", "window", "open", "close", "forget", "tell", "when", "hilite", "spriteBox", "constrainH",
     "constrainV", "marker", "label", "delay", "pause", "continue", "printFrom", "sendSprite",
-    "sendAllSprites", "timeout", "keyPressed", "installMenu", "dontPassEvent", "stopEvent", "zoomBox",
-    "ramNeeded", "move", "beginRecording", "endRecording", "insertFrame", "deleteFrame", "duplicateFrame",
-    "clearFrame", "updateFrame", "menu", "menuItem", "frameReady", "preLoad", "preLoadMember", "preLoadMovie",
-    "unLoad", "unLoadMember", "unLoadMovie", "charPosToLoc", "locToCharPos", "linePosToLocV", "locVToLinePos",
+    "sendAllSprites", "timeout", "installMenu", "dontPassEvent", "stopEvent", "zoomBox", "ramNeeded", "move",
+    "beginRecording", "endRecording", "insertFrame", "deleteFrame", "duplicateFrame", "clearFrame",
+    "updateFrame", "menu", "menuItem", "frameReady", "preLoad", "preLoadMember", "preLoadMovie", "unLoad",
+    "unLoadMember", "unLoadMovie", "charPosToLoc", "locToCharPos", "linePosToLocV", "locVToLinePos",
     "scrollByLine", "scrollByPage", "mapStageToMember", "mapMemberToStage", "restart", "shutDown",
     "appMinimize", "setScriptList", "newCurve", "camera", "model", "modelUnderLoc", "modelsUnderRay",
     "shader", "makeScriptedSprite", "removeScriptedSprite", "idleLoadDone", "finishIdleLoad",
@@ -67,9 +67,9 @@ constexpr const char* kOfANetwork[] = {"getNetText",
                                        "proxyServer",
                                        "netPresent",
                                        "netThrottleTicks",
-                                       "getPref",
-                                       "setPref",
                                        "getLatestNetID"};
+
+constexpr const char* kOfPreferences[] = {"getPref", "setPref", "getPrefs", "setPrefs"};
 
 template <size_t Count>
 bool holds(const char* const (&names)[Count], std::string_view wanted) {
@@ -82,6 +82,7 @@ bool holds(const char* const (&names)[Count], std::string_view wanted) {
 const char* neededBy(std::string_view name) {
     if (holds(kOfAStage, name)) return "a stage";
     if (holds(kOfSound, name)) return "sound";
+    if (holds(kOfPreferences, name)) return "preferences";
     return holds(kOfANetwork, name) ? "a network" : nullptr;
 }
 

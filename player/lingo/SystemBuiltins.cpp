@@ -20,8 +20,10 @@ Value alert(Runtime& runtime, const Arguments& arguments) {
 Value halt(Runtime&, const Arguments&) { throw Halt(); }
 Value abortHandlers(Runtime&, const Arguments&) { throw Halt{true}; }
 
+/// By its name, or as the first one.
 Value xtraNamed(Runtime& runtime, const Arguments& arguments) {
-    const std::string& name = arguments.text(0);
+    const bool first = arguments[0].isInteger() && arguments[0].integer() == 1;
+    const std::string& name = first ? runtime.xtra.name() : arguments.text(0);
     if (compareText(name, runtime.xtra.name()) != 0)
         throw HostError("there is no xtra \"" + name + "\", only \"" + runtime.xtra.name() + '"');
     return runtime.heap.make<XtraObject>(runtime.xtra);
@@ -30,44 +32,14 @@ Value xtraNamed(Runtime& runtime, const Arguments& arguments) {
 Value scriptNamed(Runtime& runtime, const Arguments& arguments) {
     return runtime.scriptNamed(arguments.text(0));
 }
-/// By its name, or its number in the order of all names.
-Value memberNamed(Runtime& runtime, const Arguments& arguments) {
-    if (arguments[0].is(Kind::Member)) return arguments[0];
-    if (!arguments[0].isNumber()) return runtime.memberNamed(arguments.text(0));
-    const std::vector<std::string> names = runtime.castMemberNames();
-    const int32_t number = arguments.integer(0);
-    if (number < 1 || static_cast<size_t>(number) > names.size())
-        throw HostError(std::string(arguments.function()) + ": expected a number from 1 to " +
-                        std::to_string(names.size()) + " or a name, not " + std::to_string(number));
-    return runtime.memberNamed(names[static_cast<size_t>(number - 1)]);
-}
-
-/// The text of a member.
-Value field(Runtime& runtime, const Arguments& arguments) {
-    return memberText(runtime, memberNamed(runtime, arguments));
-}
 
 Value paramCount(Runtime& runtime, const Arguments&) {
     return Value::integer(static_cast<int32_t>(runtime.handlerArguments().size()));
 }
 
-/// `new(#bitmap)`, `new(#text)`: a member that is nowhere in a file.
-Value newMember(Runtime& runtime, const Arguments& arguments) {
-    const std::string kind = folded(runtime.symbols.spelling(arguments.symbol(0)));
-    if (kind != "bitmap" && kind != "text" && kind != "field")
-        arguments.mismatch(0, "#bitmap, #text or #field");
-    Value made = runtime.heap.make<MemberObject>("");
-    auto& member = *made.as<MemberObject>();
-    if (kind != "bitmap")
-        member.text = runtime.text("");
-    else
-        member.image = makeImage(runtime.heap, 1, 1);
-    return made;
-}
-
 Value makeNew(Runtime& runtime, const Arguments& arguments) {
     if (const auto* plugIn = arguments[0].as<XtraObject>()) return plugIn->xtra.newInstance();
-    if (arguments[0].is(Kind::Symbol)) return newMember(runtime, arguments);
+    if (arguments[0].is(Kind::Symbol)) return runtime.send(runtime.newMemberName, arguments.from(0));
     if (!arguments[0].is(Kind::Script)) arguments.mismatch(0, "an xtra or a script");
     return runtime.newInstance(arguments[0], arguments.from(1));
 }
@@ -133,6 +105,11 @@ Value integerOf(int64_t number) {
     return Value::integer(static_cast<int32_t>(static_cast<uint32_t>(number)));
 }
 
+Value time(Runtime& runtime, const Arguments&) { return now(runtime, "%H:%M"); }
+
+/// No key is ever down.
+Value keyPressed(Runtime&, const Arguments&) { return Value::truth(false); }
+
 Value ticksSince(int64_t start) { return integerOf((milliseconds() - start) * 60 / 1000); }
 
 constexpr Builtin kBuiltins[] = {
@@ -142,15 +119,13 @@ constexpr Builtin kBuiltins[] = {
     {"abort", 0, 0, abortHandlers},
     {"xtra", 1, 1, xtraNamed},
     {"script", 1, 1, scriptNamed},
-    {"member", 1, 2, memberNamed},
-    {"cast", 1, 2, memberNamed},
     {"new", 1, kAnyNumber, makeNew},
-    {"newMember", 1, 1, newMember},
-    {"field", 1, 2, field},
     {"paramCount", 0, 0, paramCount},
     {"param", 1, 1, parameter},
     {"clearGlobals", 0, 0, clearGlobals},
     {"startTimer", 0, 0, startTimer},
+    {"time", 0, 0, time},
+    {"keyPressed", 0, 1, keyPressed},
 };
 
 constexpr PropertyEntry kProperties[] = {

@@ -88,7 +88,7 @@ public:
             case Kind::ScriptInstance:
                 return "<offspring \"" + value.as<InstanceObject>()->name() + "\" " + address(value) + '>';
             case Kind::Member:
-                return "(member \"" + value.as<MemberObject>()->name + "\")";
+                return memberReference(*value.as<MemberObject>());
             case Kind::Vector:
                 return vectorText(value.as<VectorObject>()->parts);
             case Kind::Date:
@@ -99,11 +99,20 @@ public:
                 return transformText(value.as<TransformObject>()->matrix);
             case Kind::Environment:
                 return std::string("(") + value.as<EnvironmentObject>()->name + ')';
+            case Kind::CastLib:
+                return "(castLib 1)";
+            case Kind::Collection:
+                return std::string("(") + value.as<CollectionObject>()->of + ')';
         }
         return "";
     }
 
 private:
+    static std::string memberReference(const MemberObject& member) {
+        if (!member.name.empty() || member.number == 0) return "(member \"" + member.name + "\")";
+        return "(member " + std::to_string(member.number) + " of castLib 1)";
+    }
+
     std::string vectorText(const std::array<double, 3>& parts) const {
         std::string all;
         for (double part : parts) all += (all.empty() ? "" : ", ") + floatText(part, style_.floatPrecision);
@@ -192,15 +201,17 @@ std::string kindName(Kind kind) {
                                             "a date",
                                             "a byte array",
                                             "a transform",
-                                            "an object of the player"};
+                                            "an object of the player",
+                                            "a cast library",
+                                            "a collection"};
     return names[static_cast<size_t>(kind)];
 }
 
 const char* ilkName(Kind kind) {
     static constexpr const char* names[] = {
-        "void",     "integer", "symbol", "color", "float",     "string",    "list",
-        "propList", "point",   "rect",   "image", "xtra",      "instance",  "script",
-        "instance", "member",  "vector", "date",  "byteArray", "transform", "object"};
+        "void",   "integer", "symbol",    "color",     "float",    "string",  "list",     "propList",
+        "point",  "rect",    "image",     "xtra",      "instance", "script",  "instance", "member",
+        "vector", "date",    "byteArray", "transform", "object",   "castLib", "object"};
     return names[static_cast<size_t>(kind)];
 }
 

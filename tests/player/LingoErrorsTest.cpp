@@ -151,6 +151,10 @@ TEST(LingoErrors, WhatNeedsAStageIsRefused) {
               "2:3 this needs sound, which krlimage does not have: puppetSound(\"bang\")");
     EXPECT_EQ(failureOf("  getNetText \"page\""),
               "2:3 this needs a network, which krlimage does not have: getNetText(\"page\")");
+    EXPECT_EQ(failureOf("  put getPref(\"size\")"),
+              "2:7 this needs preferences, which krlimage does not have: getPref(\"size\")");
+    EXPECT_EQ(failureOf("  put member(1) of castLib 2 & castLib(2)"),
+              "2:32 there is no castLib 2, only 1, \"Internal\"");
     EXPECT_EQ(failureOf("  tell window 1\n    f()\n  end tell"),
               "2:8 this needs a stage, which krlimage does not have: window(1)");
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "player/host/Compare.h"
+#include "player/host/HostError.h"
 #include "player/host/Objects.h"
 
 /// Strings that know where their characters are, and property lists that know where their keys are.
@@ -29,6 +30,18 @@ TEST(StringObjects, PlainTextHasOneByteForEachCharacter) {
     text.append("\xC3\xA4z");
     EXPECT_EQ(text.length(), 5u);
     EXPECT_EQ(text.beginOfChar(4), 5u);
+}
+
+TEST(HeapGrowth, LeavesRoomForTheOldAndTheNewObject) {
+    Heap heap(10000);
+    EXPECT_EQ(heap.grown("string", 3000, 3001), 6000u) << "twice as much";
+    EXPECT_EQ(heap.grown("string", 3000, 9000), 9000u);
+    EXPECT_EQ(heap.grown("string", 6000, 6001), 6001u) << "no more than needed if twice as much does not fit";
+    const Value held = heap.string(std::string(4000, 'x'));
+    EXPECT_THROW(heap.grown("string", 6000, 6001), HostError);
+    heap.limitEachTo(5000);
+    EXPECT_EQ(heap.grown("string", 3000, 3001), 5000u);
+    EXPECT_THROW(heap.grown("string", 4000, 5001), HostError);
 }
 
 class Keys : public testing::Test {

@@ -63,6 +63,13 @@ two"
       3)
   -- A comment that goes on \
   in the next line, which is no code.
+  listed = [1] -- A note beside code does not go on \
+  put listed -- \
+  summed = 1 -- unless the next line continues the code \
+    + 2
+  both = TRUE and -- or this one does not end it \
+    summed = 3
+  put summed, both
   put the number of lines in ("a" & RETURN & "b")
   tested = not (1 = 2) and not 0
   put tested
