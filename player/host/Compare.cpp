@@ -138,6 +138,7 @@ bool readNumber(std::string_view text, double& number) {
 bool equal(const SymbolTable& symbols, const Value& a, const Value& b) {
     if (a.isInteger() && b.isInteger()) return a.integer() == b.integer();
     if (a.is(Kind::String) && b.is(Kind::String)) {
+        if (a.sameWords(b)) return true;
         const std::string &first = a.as<StringObject>()->text, &second = b.as<StringObject>()->text;
         return first.size() == second.size() && compareText(first, second) == 0;
     }

@@ -68,36 +68,10 @@ Value Heap::fill(Kind kind, Object* object, double number) noexcept {
     return Value::adopting(*this, wordsOf(kind, slot.generation, index));
 }
 
-const Heap::Slot* Heap::at(const ScriptValue& words) const {
-    const uint32_t index = slotOf(words);
-    if (!onHeap(words) || index >= slots_.size()) return nullptr;
-    const Slot& slot = slots_[index];
-    return slot.kind == kindOf(words) && slot.generation == generationOf(words) ? &slot : nullptr;
-}
-
-Object* Heap::find(const ScriptValue& words) const {
-    const Slot* slot = at(words);
-    return slot ? slot->object : nullptr;
-}
-
 bool Heap::findNumber(const ScriptValue& words, double& number) const {
     const Slot* slot = at(words);
     if (!slot || slot->kind != Kind::Float) return false;
     number = slot->number;
-    return true;
-}
-
-bool Heap::retain(const ScriptValue& words) {
-    if (!onHeap(words)) return true;
-    if (!at(words)) return false;
-    ++slots_[slotOf(words)].references;
-    return true;
-}
-
-bool Heap::release(const ScriptValue& words) noexcept {
-    if (!onHeap(words)) return true;
-    if (!at(words)) return false;
-    if (--slots_[slotOf(words)].references == 0) vacate(slotOf(words));
     return true;
 }
 
@@ -213,17 +187,10 @@ Value Value::sharing(Heap& heap, ScriptValue words) {
 
 double Value::number() const {
     double real = integer();
-    if (is(Kind::Float) && !heap_->findNumber(words_, real))
-        throw HostError("a value was released while it was still in use");
+    if (is(Kind::Float) && !heap_->findNumber(words_, real)) refuseStale();
     return real;
 }
 
-Object* Value::object() const {
-    if (Object* found = heap_->find(words_)) return found;
-    throw HostError("a value was released while it was still in use");
-}
-
-void Value::retain() const { heap_->retain(words_); }
-void Value::drop() noexcept { heap_->release(words_); }
+void Value::refuseStale() { throw HostError("a value was released while it was still in use"); }
 
 }  // namespace krl::player

@@ -121,4 +121,38 @@ private:
     static constexpr uint32_t kLastGeneration = 0xFFFFFF;
 };
 
+inline const Heap::Slot* Heap::at(const ScriptValue& words) const {
+    const uint32_t index = slotOf(words);
+    if (!onHeap(words) || index >= slots_.size()) return nullptr;
+    const Slot& slot = slots_[index];
+    return slot.kind == kindOf(words) && slot.generation == generationOf(words) ? &slot : nullptr;
+}
+
+inline Object* Heap::find(const ScriptValue& words) const {
+    const Slot* slot = at(words);
+    return slot ? slot->object : nullptr;
+}
+
+inline bool Heap::retain(const ScriptValue& words) {
+    if (!onHeap(words)) return true;
+    if (!at(words)) return false;
+    ++slots_[slotOf(words)].references;
+    return true;
+}
+
+inline bool Heap::release(const ScriptValue& words) noexcept {
+    if (!onHeap(words)) return true;
+    if (!at(words)) return false;
+    if (--slots_[slotOf(words)].references == 0) vacate(slotOf(words));
+    return true;
+}
+
+inline Object* Value::object() const {
+    if (Object* found = heap_->find(words_)) return found;
+    refuseStale();
+}
+
+inline void Value::retain() const { heap_->retain(words_); }
+inline void Value::drop() noexcept { heap_->release(words_); }
+
 }  // namespace krl::player

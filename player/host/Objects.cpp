@@ -30,8 +30,7 @@ void StringObject::append(std::string_view more) { text.append(more); }
 
 /// Counts the characters of what was appended since the last time. Continuation bytes at the very beginning
 /// belong to a first character of their own.
-void StringObject::survey() const {
-    if (surveyed_ == text.size()) return;
+void StringObject::surveyRest() const {
     for (size_t place = surveyed_; place < text.size(); ++place) {
         if (!beginsChar(text[place]) && place > 0) {
             if (index_) continue;

@@ -26,6 +26,11 @@ struct StringObject : Object {
     void append(std::string_view more);
     /// The number of characters.
     size_t length() const;
+    /// Whether every character takes one byte.
+    bool isPlain() const {
+        survey();
+        return !index_;
+    }
     /// The byte where the character `number`, from 0, begins; the end of the text if there are fewer.
     size_t beginOfChar(size_t number) const;
 
@@ -33,7 +38,10 @@ struct StringObject : Object {
 
 private:
     static constexpr size_t kStep = 64;
-    void survey() const;
+    void survey() const {
+        if (surveyed_ != text.size()) surveyRest();
+    }
+    void surveyRest() const;
 
     /// In a text beyond ASCII, the byte of every 64th character.
     mutable std::unique_ptr<std::vector<size_t>> index_;

@@ -92,6 +92,12 @@ public:
         if (onHeap(words_)) retain();
     }
     Value(Value&& other) noexcept : words_(std::exchange(other.words_, {})), heap_(other.heap_) {}
+    /// Becomes an integer.
+    void setInteger(int32_t number) {
+        if (onHeap(words_)) drop();
+        words_ = wordsOf(Kind::Integer, 0, static_cast<uint32_t>(number));
+    }
+    void setTruth(bool holds) { setInteger(holds ? 1 : 0); }
     Value& operator=(const Value& other) {
         Value copy(other);
         return *this = std::move(copy);
@@ -110,6 +116,7 @@ public:
     bool isVoid() const { return is(Kind::Void); }
     bool isUnassigned() const { return isVoid() && words_.words[1] == 1; }
     bool isInteger() const { return is(Kind::Integer); }
+    bool hasObject() const { return onHeap(words_); }
     bool isNumber() const { return isInteger() || is(Kind::Float); }
 
     // The stored value; meaningful only for that type.
@@ -128,7 +135,7 @@ public:
     }
 
     /// The object behind the handle of a value that has one.
-    class Object* object() const;
+    inline class Object* object() const;
 
     const ScriptValue& words() const { return words_; }
     /// Releases ownership of the reference to the caller.
@@ -140,8 +147,9 @@ public:
 
 private:
     explicit Value(ScriptValue words) : words_(words) {}
-    void retain() const;
-    void drop() noexcept;
+    inline void retain() const;
+    inline void drop() noexcept;
+    [[noreturn]] static void refuseStale();
 
     ScriptValue words_;
     Heap* heap_ = nullptr;
@@ -150,3 +158,5 @@ private:
 };
 
 }  // namespace krl::player
+
+#include "player/host/Heap.h"  // how values hold their objects

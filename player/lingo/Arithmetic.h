@@ -13,39 +13,39 @@ bool truthOf(const Value& value);
 inline bool operateOnIntegers(Operator operation, int32_t a, int32_t b, Value& result) {
     switch (operation) {
         case Operator::Add:
-            result = Value::integer(wrapAdd(a, b));
+            result.setInteger(wrapAdd(a, b));
             return true;
         case Operator::Subtract:
-            result = Value::integer(wrapSubtract(a, b));
+            result.setInteger(wrapSubtract(a, b));
             return true;
         case Operator::Multiply:
-            result = Value::integer(wrapMultiply(a, b));
+            result.setInteger(wrapMultiply(a, b));
             return true;
         case Operator::Divide:
             if (b <= 0) return false;
-            result = Value::integer(a / b);
+            result.setInteger(a / b);
             return true;
         case Operator::Modulo:
             if (b <= 0) return false;
-            result = Value::integer(a % b);
+            result.setInteger(a % b);
             return true;
         case Operator::Equal:
-            result = Value::truth(a == b);
+            result.setTruth(a == b);
             return true;
         case Operator::Unequal:
-            result = Value::truth(a != b);
+            result.setTruth(a != b);
             return true;
         case Operator::Less:
-            result = Value::truth(a < b);
+            result.setTruth(a < b);
             return true;
         case Operator::Greater:
-            result = Value::truth(a > b);
+            result.setTruth(a > b);
             return true;
         case Operator::LessOrEqual:
-            result = Value::truth(a <= b);
+            result.setTruth(a <= b);
             return true;
         case Operator::GreaterOrEqual:
-            result = Value::truth(a >= b);
+            result.setTruth(a >= b);
             return true;
         default:
             return false;

@@ -127,7 +127,7 @@ void StatementCompiler::assignChunk(const ChunkExpression& target, int32_t value
 void StatementCompiler::chunkSource(const ChunkExpression& chunk, int32_t source, int32_t first) {
     into(*chunk.source, source);
     emit(chunk.source->place, Operations::text, source, source);
-    positions(chunk, source, first);
+    positions(chunk, first);
 }
 
 void StatementCompiler::remove(const Expression& target) {

@@ -6,14 +6,6 @@
 /// Calls of handlers, methods and functions.
 namespace krl::player {
 
-namespace {
-
-bool hasMethods(Kind kind) {
-    return kind == Kind::XtraInstance || kind == Kind::Script || kind == Kind::ScriptInstance;
-}
-
-}  // namespace
-
 /// Looks up an object's own method first; then, unless it is a method call, the handlers of this script and
 /// of the movie; then the built-in functions.
 Value Interpreter::callByName(SymbolId name, std::span<const Value> arguments, bool asMethod) {
@@ -21,19 +13,10 @@ Value Interpreter::callByName(SymbolId name, std::span<const Value> arguments, b
     if (asMethod && (arguments.front().is(Kind::Environment) || arguments.front().is(Kind::CastLib)))
         return callByName(name, arguments.subspan(1), false);
     if (skipsStage() && asMethod && arguments.front().isVoid()) return Value();
-    if (!arguments.empty() && hasMethods(arguments.front().kind())) {
-        Value answer;
-        if (callOnObject(name, arguments, answer)) return answer;
-    }
-    // A parent script's own `new` handler does not create instances of other scripts.
-    const bool making = name == newName_ && !arguments.empty() &&
-                        (arguments.front().is(Kind::Script) || arguments.front().is(Kind::Xtra));
-    if (!asMethod && !making)
-        for (const LoadedScript* script : {frame_ ? &frame_->script : nullptr, movie_})
-            if (const HandlerCode* handler = script ? script->handler(name) : nullptr) {
-                const bool own = frame_ && script == &frame_->script;
-                return callHandler(*script, *handler, arguments, own ? frame_->owner : movieOwner_);
-            }
+    Callee callee;
+    if (findCallee(name, arguments, asMethod, callee)) return callHandler(std::move(callee), arguments);
+    if (const int32_t selector = selectorOf(name, arguments); selector > 0)
+        return callXtra(selector, arguments);
     if (const Builtin* known = builtin(name)) return callBuiltin(*known, arguments);
     if (const char* need = neededBy(symbols.spelling(name))) return missing(need, name, &arguments);
     unknownCall(name, arguments, asMethod);
@@ -70,20 +53,31 @@ bool Interpreter::goesToFrame(std::span<const Value> arguments) {
     return true;
 }
 
-bool Interpreter::callOnObject(SymbolId name, std::span<const Value> arguments, Value& answer) {
-    const Value& object = arguments.front();
-    if (const auto* instance = object.as<XtraInstanceObject>()) {
-        const int32_t selector = instance->xtra.selector(name);
-        if (selector < 1) return false;
-        answer = callXtra(selector, arguments);
-        return true;
-    }
-    if (object.is(Kind::Script) && name == newName_) return false;
-    Value owner;
-    PropertyHolder* holder = handlerAlong(object, name, owner);
-    if (holder)
-        answer = callHandler(holder->script, *holder->script.handler(name), arguments, std::move(owner));
-    return holder != nullptr;
+int32_t Interpreter::selectorOf(SymbolId name, std::span<const Value> arguments) {
+    if (arguments.empty()) return 0;
+    const auto* instance = arguments.front().as<XtraInstanceObject>();
+    return instance ? instance->xtra.selector(name) : 0;
+}
+
+bool Interpreter::findCallee(SymbolId name, std::span<const Value> arguments, bool asMethod,
+                             Callee& found) const {
+    const Kind kind = arguments.empty() ? Kind::Void : arguments.front().kind();
+    if (kind == Kind::XtraInstance && selectorOf(name, arguments) > 0) return false;
+    // A parent script's own `new` handler does not create instances of other scripts.
+    const bool making = name == newName_ && (kind == Kind::Script || kind == Kind::Xtra);
+    if ((kind == Kind::Script || kind == Kind::ScriptInstance) && !making)
+        if (const PropertyHolder* holder = handlerAlong(arguments.front(), name, found.owner)) {
+            found.script = &holder->script;
+            found.code = holder->script.handler(name);
+            return true;
+        }
+    if (asMethod || making) return false;
+    for (const LoadedScript* script : {frame_ ? frame_->script : nullptr, movie_})
+        if (const HandlerCode* handler = script ? script->handler(name) : nullptr) {
+            found = {script, handler, frame_ && script == frame_->script ? frame_->owner : movieOwner_};
+            return true;
+        }
+    return false;
 }
 
 PropertyHolder* Interpreter::handlerAlong(const Value& object, SymbolId name, Value& owner) const {
@@ -118,7 +112,7 @@ Value Interpreter::sendToAncestor(SymbolId name, std::span<const Value> argument
     Value owner;
     if (holder) holder = handlerAlong(ancestorOf(*holder), name, owner);
     if (!holder) throw HostError("no ancestor has the handler \"" + symbols.spelling(name) + '"');
-    return callHandler(holder->script, *holder->script.handler(name), arguments, std::move(owner));
+    return callHandler({&holder->script, holder->script.handler(name), std::move(owner)}, arguments);
 }
 
 Value Interpreter::callXtra(int32_t selector, std::span<const Value> arguments) {
@@ -166,7 +160,7 @@ void Interpreter::unknownCall(SymbolId name, std::span<const Value> arguments, b
 
 std::vector<std::string> Interpreter::functionNames() const {
     std::vector<std::string> names;
-    for (const LoadedScript* script : {frame_ ? &frame_->script : nullptr, movie_})
+    for (const LoadedScript* script : {frame_ ? frame_->script : nullptr, movie_})
         if (script)
             for (const auto& handler : script->syntax->handlers)
                 names.push_back(symbols.spelling(handler->name));

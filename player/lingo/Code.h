@@ -39,16 +39,18 @@ struct HandlerCode {
 
 /// A running handler.
 struct Frame {
-    const LoadedScript& script;
-    const HandlerCode& code;
+    const LoadedScript* script = nullptr;
+    const HandlerCode* code = nullptr;
     std::span<const Value> arguments;
-    Value owner;                 ///< the instance or script whose properties are in scope, or VOID
-    PropertyHolder* properties;  ///< those of the owner; null if it is VOID
-    Value* registers;
-    const Value* constants;
-    int32_t locals;
+    Value owner;                           ///< whose properties are in scope: an instance or script, or VOID
+    PropertyHolder* properties = nullptr;  ///< those of the owner; null if it is VOID
+    Value* registers = nullptr;
+    const Value* constants = nullptr;
+    int32_t locals = 0;
+    bool outermost = false;  ///< not called by an instruction
     const Instruction* at = nullptr;
-    Value answer{};
+    Frame* caller = nullptr;
+    Value answer;  ///< of an outermost one
 
     /// The value in a register, or a constant, whose numbers are below 0.
     const Value& operand(int32_t number) const { return number < 0 ? constants[~number] : registers[number]; }
@@ -60,12 +62,13 @@ struct Frame {
     }
     /// Releases a temporary value.
     void drop(int32_t number) {
-        if (number >= locals) registers[number] = Value();
+        if (number >= locals && registers[number].hasObject()) registers[number] = Value();
     }
     void drop(int32_t first, int32_t count) {
-        for (int32_t i = 0; i < count; ++i) registers[first + i] = Value();
+        for (int32_t i = 0; i < count; ++i)
+            if (registers[first + i].hasObject()) registers[first + i] = Value();
     }
-    Place place() const { return code.places[static_cast<size_t>(at - code.instructions.data())]; }
+    Place place() const { return code->places[static_cast<size_t>(at - code->instructions.data())]; }
 };
 
 }  // namespace krl::player

@@ -20,6 +20,11 @@ const BinaryExpression* asJoin(const Expression& expression) {
     return joins ? &binary : nullptr;
 }
 
+const LiteralExpression* asInteger(const Expression& expression) {
+    const bool integer = expression.kind == ExpressionKind::Integer;
+    return integer ? &static_cast<const LiteralExpression&>(expression) : nullptr;
+}
+
 size_t ExpressionCompiler::emit(Place place, Operation run, int32_t a, int32_t b, int32_t c, int32_t d) {
     code_.instructions.push_back({run, a, b, c, d});
     code_.places.push_back(place);
@@ -150,6 +155,11 @@ void ExpressionCompiler::binary(const BinaryExpression& expression, int32_t targ
         emit(expression.place, Operations::join, target, row.first, row.count);
         return;
     }
+    if (const LiteralExpression* number = asInteger(*expression.right)) {
+        const int32_t left = operand(*expression.left);
+        emit(expression.place, Operations::binaryBy(expression.operation), target, left, number->integer);
+        return;
+    }
     const auto [left, right] = operands(expression);
     emit(expression.place, Operations::binary(expression.operation), target, left, right);
 }
@@ -214,15 +224,9 @@ void ExpressionCompiler::item(const IndexExpression& expression, int32_t target)
     emit(expression.place, Operations::item, target, object, index);
 }
 
-void ExpressionCompiler::position(const ExpressionPointer& written, int32_t target, int32_t source) {
-    if (!written) return;
-    into(*written, target);
-    if (written->kind != ExpressionKind::Integer) emit(written->place, Operations::position, target, source);
-}
-
-void ExpressionCompiler::positions(const ChunkExpression& chunk, int32_t source, int32_t first) {
-    position(chunk.first, first, source);
-    position(chunk.last, first + 1, source);
+void ExpressionCompiler::positions(const ChunkExpression& chunk, int32_t first) {
+    if (chunk.first) into(*chunk.first, first);
+    if (chunk.last) into(*chunk.last, first + 1);
 }
 
 int32_t ExpressionCompiler::formOf(const ChunkExpression& chunk) {
@@ -233,8 +237,13 @@ void ExpressionCompiler::chunk(const ChunkExpression& expression, int32_t target
     const bool calls =
         (expression.first && expression.first->calls) || (expression.last && expression.last->calls);
     const int32_t source = operand(*expression.source, calls);
-    const int32_t first = temporary(2);
-    positions(expression, source, first);
+    int32_t first = 0;
+    if (expression.first && !expression.last) {
+        first = operand(*expression.first);
+    } else {
+        first = temporary(2);
+        positions(expression, first);
+    }
     emit(expression.place, Operations::chunk, target, source, first, formOf(expression));
 }
 

@@ -59,8 +59,8 @@ protected:
         int32_t first, count;
     };
     Row joinedValues(const BinaryExpression& joined, bool fromSecond);
-    /// The positions of a chunk of `source` in two registers.
-    void positions(const ChunkExpression& chunk, int32_t source, int32_t first);
+    /// The positions of a chunk in two registers.
+    void positions(const ChunkExpression& chunk, int32_t first);
     static int32_t formOf(const ChunkExpression& chunk);
     /// Without a target, its result is ignored.
     void call(const CallExpression& expression, int32_t target = -1);
@@ -81,7 +81,6 @@ private:
     void binary(const BinaryExpression& expression, int32_t target);
     void list(const ListExpression& expression, int32_t target);
     void item(const IndexExpression& expression, int32_t target);
-    void position(const ExpressionPointer& written, int32_t target, int32_t source);
     void chunk(const ChunkExpression& expression, int32_t target);
     void chunkCount(const ChunkExpression& expression, int32_t target);
     int32_t space();
@@ -93,6 +92,8 @@ private:
 
 /// The slot of a local variable; -1 for any other expression.
 int32_t localSlot(const Expression& expression);
+/// An integer as written; null for any other expression.
+const LiteralExpression* asInteger(const Expression& expression);
 /// The operands of `&` and `&&`; null for any other expression.
 const BinaryExpression* asJoin(const Expression& expression);
 

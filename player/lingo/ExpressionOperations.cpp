@@ -134,6 +134,29 @@ Next Operations::calculate(Interpreter& interpreter, Frame& frame, const Instruc
     return result(frame, at, operate(interpreter, kOperation, left, right));
 }
 
+/// The right operand is an integer as written.
+template <Operator kOperation>
+Next Operations::calculateBy(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    const Value& left = frame.operand(at.b);
+    if (left.isInteger() && operateOnIntegers(kOperation, left.integer(), at.c, frame.registers[at.a]))
+        return &at + 1;
+    Value made = operate(interpreter, kOperation, left, Value::integer(at.c));
+    frame.drop(at.b);
+    frame.registers[at.a] = std::move(made);
+    return &at + 1;
+}
+
+template <Operator kOperation>
+Next Operations::unlessBy(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    const Value& left = frame.operand(at.a);
+    Value found;
+    if (left.isInteger() && operateOnIntegers(kOperation, left.integer(), at.b, found))
+        return &at + (found.integer() != 0 ? 1 : at.d);
+    const bool holds = truthOf(operate(interpreter, kOperation, left, Value::integer(at.b)));
+    frame.drop(at.a);
+    return &at + (holds ? 1 : at.d);
+}
+
 /// Two integers make no value for the result.
 template <Operator kOperation>
 Next Operations::unless(Interpreter& interpreter, Frame& frame, const Instruction& at) {
@@ -163,6 +186,18 @@ constexpr auto kEveryOperator = std::make_index_sequence<static_cast<size_t>(Ope
 Operation Operations::binary(Operator operation) {
     static constexpr auto kTable =
         tableOf([]<Operator kOperation>() -> Operation { return &calculate<kOperation>; }, kEveryOperator);
+    return kTable[static_cast<size_t>(operation)];
+}
+
+Operation Operations::binaryBy(Operator operation) {
+    static constexpr auto kTable =
+        tableOf([]<Operator kOperation>() -> Operation { return &calculateBy<kOperation>; }, kEveryOperator);
+    return kTable[static_cast<size_t>(operation)];
+}
+
+Operation Operations::jumpUnlessBinaryBy(Operator operation) {
+    static constexpr auto kTable =
+        tableOf([]<Operator kOperation>() -> Operation { return &unlessBy<kOperation>; }, kEveryOperator);
     return kTable[static_cast<size_t>(operation)];
 }
 

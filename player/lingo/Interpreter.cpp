@@ -86,7 +86,7 @@ const LoadedScript& Interpreter::load(std::shared_ptr<const Source> source, cons
 
 Value Interpreter::run(const LoadedScript& script, const HandlerCode& handler,
                        std::span<const Value> arguments) {
-    return callHandler(script, handler, arguments, &script == movie_ ? movieOwner_ : Value());
+    return callHandler({&script, &handler, &script == movie_ ? movieOwner_ : Value()}, arguments);
 }
 
 void Interpreter::setMovieScript(const LoadedScript& script) {
@@ -98,7 +98,7 @@ void Interpreter::setMovieScript(const LoadedScript& script) {
 Value Interpreter::evaluateText(std::string name, std::string_view text) {
     auto source = std::make_shared<Source>(Source{std::move(name), std::string(text)});
     const LoadedScript script = makeScript("", parseExpression(std::move(source), symbols));
-    return callHandler(script, *script.codes.front(), {}, Value());
+    return callHandler({&script, script.codes.front().get(), Value()}, {});
 }
 
 /// The method of the plug-in that is meant, whose prefix may be missing.
@@ -137,7 +137,7 @@ Value Interpreter::callOn(const Value& instance, std::string name, std::string_v
     answer.expression = sentTo(receiver, *answer.expression, *source);
     globals_.named(receiver) = instance;
     const LoadedScript script = makeScript("", std::move(syntax));
-    return callHandler(script, *script.codes.front(), {}, Value());
+    return callHandler({&script, script.codes.front().get(), Value()}, {});
 }
 
 void Interpreter::close() {
@@ -151,38 +151,65 @@ void Interpreter::close() {
         for (const auto& code : script.codes) code->constants.clear();
 }
 
-Value Interpreter::callHandler(const LoadedScript& script, const HandlerCode& code,
-                               std::span<const Value> arguments, Value owner) {
-    if (handlers_ >= options_.recursionLimit)
-        throw HostError("handlers call each other more than " + std::to_string(options_.recursionLimit) +
-                        " deep; \"" + symbols.spelling(code.handler->name) + "\" may never end");
-    Registers registers(stack_, code.registers);
-    Frame made = frameOf(script, code, arguments, std::move(owner), registers.data());
-    for (size_t i = 0; i < std::min(code.handler->parameters, arguments.size()); ++i)
-        made.registers[i] = arguments[i];
-    runBody(made);
+Value Interpreter::callHandler(Callee callee, std::span<const Value> arguments) {
+    const Execution execution(*this);
+    begin(callee, arguments);
+    Frame& made = *frame_;
+    made.outermost = true;
+    execute();
     result = std::move(made.answer);
     return result;
 }
 
-Frame Interpreter::frameOf(const LoadedScript& script, const HandlerCode& code,
-                           std::span<const Value> arguments, Value owner, Value* registers) {
-    PropertyHolder* const properties = holderOf(owner);
-    for (size_t i = code.handler->parameters; i < code.handler->locals.size(); ++i)
-        registers[i] = Value::unassigned();
-    return {script,       code, arguments, std::move(owner), properties, registers, code.constants.data(),
-            code.locals()};
+Frame& Interpreter::push(Callee& callee, std::span<const Value> arguments) {
+    if (running_ >= kDeepestEvaluation) Execution::refuse();
+    const auto level = static_cast<size_t>(running_);
+    if (level == frames_.size()) frames_.push_back(std::make_unique<Frame>());
+    Frame& made = *frames_[level];
+    const HandlerCode& code = *callee.code;
+    made.registers = stack_.take(static_cast<size_t>(code.registers));
+    made.script = callee.script;
+    made.code = &code;
+    made.arguments = arguments;
+    made.properties = callee.owner.isVoid() ? nullptr : holderOf(callee.owner);
+    made.owner = std::move(callee.owner);
+    made.constants = code.constants.data();
+    made.locals = code.locals();
+    made.outermost = false;
+    made.at = code.instructions.data();
+    made.caller = frame_;
+    const size_t parameters = code.handler->parameters, given = std::min(parameters, arguments.size());
+    for (size_t i = 0; i < given; ++i) made.registers[i] = arguments[i];
+    for (size_t i = given; i < parameters; ++i) made.registers[i] = Value();
+    for (size_t i = parameters; i < static_cast<size_t>(made.locals); ++i)
+        made.registers[i] = Value::unassigned();
+    frame_ = &made;
+    ++running_;
+    return made;
 }
 
-/// Executes a handler in its frame; errors get their place.
-void Interpreter::runBody(Frame& made) {
-    const FrameScope scope(*this, made);
+void Interpreter::pop() noexcept {
+    Frame& done = *frame_;
+    stack_.giveBack(done.registers, static_cast<size_t>(done.code->registers));
+    done.owner = done.answer = Value();
+    frame_ = done.caller;
+    --running_;
+}
+
+void Interpreter::refuseDepth(const HandlerCode& code) const {
+    throw HostError("handlers call each other more than " + std::to_string(options_.recursionLimit) +
+                    " deep; \"" + symbols.spelling(code.handler->name) + "\" may never end");
+}
+
+/// Runs the handler that was pushed last, and those that it calls, to its end; errors get their place.
+void Interpreter::execute() {
     try {
-        const Instruction* at = made.code.instructions.data();
-        while (at) {
-            made.at = at;
-            at = at->run(*this, made, *at);
-        }
+        const Instruction* at = frame_->at;
+        do {
+            Frame& frame = *frame_;
+            frame.at = at;
+            at = at->run(*this, frame, *at);
+        } while (at);
     } catch (const ScriptError& error) {
         if (error.place().line > 0) throw;
         throw placed(error.message());
@@ -193,13 +220,12 @@ void Interpreter::runBody(Frame& made) {
     }
 }
 
-void Interpreter::countStep() {
-    if (++steps_ > options_.stepLimit)
-        throw HostError("the script takes more than " + std::to_string(options_.stepLimit) + " steps");
+void Interpreter::refuseSteps() const {
+    throw HostError("the script takes more than " + std::to_string(options_.stepLimit) + " steps");
 }
 
 ScriptError Interpreter::placed(const std::string& message) const {
-    return frame_->script.syntax->source->error(frame_->place(), message);
+    return frame_->script->syntax->source->error(frame_->place(), message);
 }
 
 Value Interpreter::send(SymbolId name, std::span<const Value> arguments) {
@@ -224,29 +250,32 @@ void Interpreter::runText(const std::string& statements) {
 Surroundings Interpreter::surroundings() const {
     if (!frame_) return {};
     Surroundings found;
-    const std::vector<SymbolId>& names = frame_->code.handler->locals;
+    const std::vector<SymbolId>& names = frame_->code->handler->locals;
     for (size_t i = 0; i < names.size(); ++i)
         if (!frame_->registers[i].isUnassigned()) found.locals.push_back(names[i]);
-    found.properties = frame_->script.syntax->properties;
+    found.properties = frame_->script->syntax->properties;
     return found;
 }
 
 /// Runs a text with the variables of the running handler, which get the values that it has set.
 Value Interpreter::runInFrame(std::unique_ptr<Script> syntax) {
     const LoadedScript script = makeScript("", std::move(syntax));
-    const HandlerCode& code = *script.codes.front();
-    Registers registers(stack_, code.registers);
-    Frame made = frameOf(script, code, {}, frame_ ? frame_->owner : Value(), registers.data());
+    Frame* const outer = frame_;
+    const Execution execution(*this);
+    Callee text{&script, script.codes.front().get(), outer ? outer->owner : Value()};
+    Frame& made = push(text, {});
+    made.outermost = true;
+    const Handler& handler = *made.code->handler;
     const auto eachShared = [&](auto&& visit) {
-        if (!frame_) return;
-        const std::vector<SymbolId>& outer = frame_->code.handler->locals;
-        for (size_t i = 0; i < outer.size(); ++i)
-            for (size_t j = 0; j < code.handler->parameters; ++j)
-                if (code.handler->locals[j] == outer[i]) visit(frame_->registers[i], made.registers[j]);
+        if (!outer) return;
+        const std::vector<SymbolId>& names = outer->code->handler->locals;
+        for (size_t i = 0; i < names.size(); ++i)
+            for (size_t j = 0; j < handler.parameters; ++j)
+                if (handler.locals[j] == names[i]) visit(outer->registers[i], made.registers[j]);
     };
-    eachShared([](const Value& outer, Value& inner) { inner = outer; });
-    runBody(made);
-    eachShared([](Value& outer, const Value& inner) { outer = inner; });
+    eachShared([](const Value& theirs, Value& own) { own = theirs; });
+    execute();
+    eachShared([](Value& theirs, const Value& own) { theirs = own; });
     return std::move(made.answer);
 }
 
@@ -255,10 +284,20 @@ Value Interpreter::asText(Value value) { return value.is(Kind::String) ? value :
 
 /// A part of a text. Single letters are values that are made once.
 Value Interpreter::piece(std::string_view part) {
-    const auto letter = part.size() == 1 ? static_cast<unsigned char>(part.front()) : letters_.size();
-    if (letter >= letters_.size()) return text(std::string(part));
-    if (letters_[letter].isVoid()) letters_[letter] = text(std::string(part));
-    return letters_[letter];
+    const bool plainLetter = part.size() == 1 && static_cast<unsigned char>(part.front()) < letters_.size();
+    return plainLetter ? letter(part.front()) : text(std::string(part));
+}
+
+const Value& Interpreter::letter(char character) {
+    Value& known = letters_[static_cast<unsigned char>(character)];
+    if (known.isVoid()) known = text(std::string(1, character));
+    return known;
+}
+
+const Value* Interpreter::letterOf(const StringObject& text, int32_t number) {
+    if (number < 1 || static_cast<size_t>(number) > text.text.size() || !text.isPlain()) return nullptr;
+    const char found = text.text[static_cast<size_t>(number - 1)];
+    return static_cast<unsigned char>(found) < letters_.size() ? &letter(found) : nullptr;
 }
 
 namespace {
@@ -335,7 +374,7 @@ Value Interpreter::newInstance(const Value& script, std::span<const Value> argum
     if (!handler) return made;
     std::vector<Value> all = {made};
     all.insert(all.end(), arguments.begin(), arguments.end());
-    return callHandler(loaded, *handler, all, made);
+    return callHandler({&loaded, handler, made}, all);
 }
 
 std::span<const Value> Interpreter::handlerArguments() const {

@@ -54,15 +54,22 @@ public:
 
 private:
     friend struct Operations;
-    class FrameScope;
-    class DepthGuard;
+    class Execution;
 
-    /// Throws when the script has taken more steps than it may.
-    void countStep();
+    /// Counts statements that are carried out, and turns of loops. Throws when there are more than there may
+    /// be.
+    void countSteps(int32_t number) {
+        steps_ += static_cast<uint64_t>(number);
+        if (steps_ > options_.stepLimit) refuseSteps();
+    }
+    [[noreturn]] void refuseSteps() const;
 
     // Texts.
     Value asText(Value value);
     Value piece(std::string_view part);
+    /// An ASCII character of a text whose characters take one byte each; null for any other.
+    const Value* letterOf(const StringObject& text, int32_t number);
+    const Value& letter(char character);
     /// The texts of `first`, if there is one, and of `others`, one after the other.
     std::string joined(const Value* first, std::span<const Value> others);
     void grow(StringObject& text, const Value& value);
@@ -86,14 +93,29 @@ private:
 
     // Calls.
     Value callByName(SymbolId name, std::span<const Value> arguments, bool asMethod);
-    /// Sends to an instance or the plug-in; false if the object has no such method.
-    bool callOnObject(SymbolId name, std::span<const Value> arguments, Value& answer);
+    /// A handler that a call leads to.
+    struct Callee {
+        const LoadedScript* script = nullptr;
+        const HandlerCode* code = nullptr;
+        Value owner;
+    };
+    /// Finds the handler of a script, an instance or the movie that a call leads to; false if it leads
+    /// elsewhere.
+    bool findCallee(SymbolId name, std::span<const Value> arguments, bool asMethod, Callee& found) const;
+    /// The selector of a method of the plug-in's instance that is called; not above 0 for any other call.
+    static int32_t selectorOf(SymbolId name, std::span<const Value> arguments);
     Value callXtra(int32_t selector, std::span<const Value> arguments);
-    Value callHandler(const LoadedScript& script, const HandlerCode& code, std::span<const Value> arguments,
-                      Value owner);
-    /// A frame whose parameters are not set yet.
-    static Frame frameOf(const LoadedScript& script, const HandlerCode& code,
-                         std::span<const Value> arguments, Value owner, Value* registers);
+    /// Calls a handler and waits for its end.
+    Value callHandler(Callee callee, std::span<const Value> arguments);
+    /// Begins a handler, within the limit of nested calls.
+    void begin(Callee& callee, std::span<const Value> arguments) {
+        if (running_ >= options_.recursionLimit) refuseDepth(*callee.code);
+        push(callee, arguments);
+    }
+    /// Makes a frame the running one.
+    Frame& push(Callee& callee, std::span<const Value> arguments);
+    void pop() noexcept;
+    [[noreturn]] void refuseDepth(const HandlerCode& code) const;
     Value callBuiltin(const Builtin& builtin, std::span<const Value> arguments);
     const Builtin* builtin(SymbolId name) const;
     const PropertyEntry* propertyOf(Kind kind, SymbolId name) const;
@@ -112,7 +134,7 @@ private:
     ExpressionPointer sentTo(SymbolId receiver, Expression& written, const Source& source);
     Surroundings surroundings() const;
     Value runInFrame(std::unique_ptr<Script> syntax);
-    void runBody(Frame& made);
+    void execute();
     LoadedScript makeScript(const std::string& name, std::unique_ptr<Script> syntax);
     ScriptError placed(const std::string& message) const;
 
@@ -127,10 +149,10 @@ private:
     Value movieOwner_;  ///< has the movie script's properties, if it declares any
     SymbolId newName_, ancestorName_, tablesName_, goName_, countName_;
     Frame* frame_ = nullptr;
+    std::vector<std::unique_ptr<Frame>> frames_;  ///< the first `running_` are in use
+    int running_ = 0;
     RegisterStack stack_;
     std::array<Value, 128> letters_;  ///< texts of one character, as they are first needed
-    int handlers_ = 0;
-    int depth_ = 0;
     uint64_t steps_ = 0;
     uintptr_t stackBase_ = 0;  ///< stack address at the first level
 };

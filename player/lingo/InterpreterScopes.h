@@ -17,44 +17,25 @@ inline constexpr intptr_t kMostStackBytes = intptr_t(4) << 20;
 /// The approximate current stack address.
 inline uintptr_t stackPlace() { return reinterpret_cast<uintptr_t>(__builtin_frame_address(0)); }
 
-/// Adds one level during its lifetime.
-class Interpreter::DepthGuard {
+/// The handlers that run from here on. Those that have not ended when it goes are ended.
+class Interpreter::Execution {
 public:
-    explicit DepthGuard(Interpreter& interpreter) : depth_(interpreter.depth_) {
-        if (depth_ == 0) interpreter.stackBase_ = stackPlace();
+    explicit Execution(Interpreter& interpreter) : interpreter_(interpreter), level_(interpreter.running_) {
+        if (level_ == 0) interpreter.stackBase_ = stackPlace();
         // The stack grows downwards on all supported platforms.
-        const bool full = static_cast<intptr_t>(interpreter.stackBase_ - stackPlace()) > kMostStackBytes;
-        if (depth_ >= kDeepestEvaluation || full)
-            throw HostError("the calls and expressions are nested too deeply");
-        ++depth_;
+        if (static_cast<intptr_t>(interpreter.stackBase_ - stackPlace()) > kMostStackBytes) refuse();
     }
-    ~DepthGuard() { --depth_; }
-    DepthGuard(const DepthGuard&) = delete;
-    DepthGuard& operator=(const DepthGuard&) = delete;
+    ~Execution() {
+        while (interpreter_.running_ > level_) interpreter_.pop();
+    }
+    Execution(const Execution&) = delete;
+    Execution& operator=(const Execution&) = delete;
 
-private:
-    int& depth_;
-};
-
-/// Makes a frame the current one during its lifetime.
-class Interpreter::FrameScope {
-public:
-    FrameScope(Interpreter& interpreter, Frame& frame)
-        : interpreter_(interpreter), caller_(interpreter.frame_), depth_(interpreter) {
-        interpreter_.frame_ = &frame;
-        ++interpreter_.handlers_;
-    }
-    ~FrameScope() {
-        interpreter_.frame_ = caller_;
-        --interpreter_.handlers_;
-    }
-    FrameScope(const FrameScope&) = delete;
-    FrameScope& operator=(const FrameScope&) = delete;
+    [[noreturn]] static void refuse() { throw HostError("the calls and expressions are nested too deeply"); }
 
 private:
     Interpreter& interpreter_;
-    Frame* caller_;
-    const DepthGuard depth_;
+    const int level_;
 };
 
 }  // namespace krl::player

@@ -11,6 +11,7 @@ struct ChunkForm {
     ChunkKind kind;
     bool first, last;
 
+    bool isOneChar() const { return kind == ChunkKind::Char && first && !last; }
     int32_t packed() const { return static_cast<int32_t>(kind) * 4 + first * 2 + last; }
     static ChunkForm of(int32_t number) {
         return {static_cast<ChunkKind>(number / 4), (number & 2) != 0, (number & 1) != 0};
@@ -41,6 +42,8 @@ struct Operations {
     static Run invert;  ///< a = not b
     /// a = b op c
     static Operation binary(Operator operation);
+    /// The same with an integer c
+    static Operation binaryBy(Operator operation);
     static Run join;  ///< a = b & ..., c values
     /// variable a & b & ..., c values, called d
     static Operation append(VariableScope scope);
@@ -59,7 +62,6 @@ struct Operations {
     // Texts.
     static Run text;         ///< a = b as text
     static Run show;         ///< a = b as `put` shows it
-    static Run position;     ///< a as a position in b
     static Run chunk;        ///< a = chunk c to c + 1 of b, form d
     static Run chunkCount;   ///< a = the number of chunks in b, form d
     static Run putChunk;     ///< a = b with c + 2 in its place
@@ -72,25 +74,32 @@ struct Operations {
     static Run end;
 
     // Statements.
-    static Run step;        ///< begins a statement or a turn of a loop
+    static Run step;        ///< begins a block of a statements, or a turn of a loop with them
     static Run put;         ///< put a, ..., b values as shown
     static Run jump;        ///< to d
     static Run jumpUnless;  ///< to d unless a
     /// to d unless a op b
     static Operation jumpUnlessBinary(Operator operation);
+    /// The same with an integer b
+    static Operation jumpUnlessBinaryBy(Operator operation);
     static Run jumpIfEqual;  ///< to d if a = b; keeps a
     static Run count;        ///< a = b as an integer
-    static Run countTurn;    ///< to d if a is beyond b; steps by c
-    static Run countOn;      ///< a = b + c and back to d
+    static Run countTurn;    ///< to d if a is beyond b; c steps, below 0 to count down
+    static Run countOn;      ///< a = b + 1, or - 1 if c is below 0, and back to d
+    static Run countAgain;   ///< the same of a, back to d unless it is beyond b; c steps
     static Run each;         ///< begins with the list a, a + 1 = 0
-    static Run eachTurn;     ///< a = next of the list b, or to d
+    static Run eachTurn;     ///< a = next of the list b and c steps, or to d
     static Run refuse;       ///< there is nothing to assign to
 
 private:
     template <Operator kOperation>
     static Next calculate(Interpreter&, Frame&, const Instruction&);
     template <Operator kOperation>
+    static Next calculateBy(Interpreter&, Frame&, const Instruction&);
+    template <Operator kOperation>
     static Next unless(Interpreter&, Frame&, const Instruction&);
+    template <Operator kOperation>
+    static Next unlessBy(Interpreter&, Frame&, const Instruction&);
     template <VariableScope kScope>
     static Next appendTo(Interpreter&, Frame&, const Instruction&);
     template <VariableScope kScope>
@@ -98,7 +107,10 @@ private:
     static Next result(Frame& frame, const Instruction& at, Value made);
     template <bool kMethod>
     static Next callBy(Interpreter&, Frame&, const Instruction&);
+    static Next leave(Interpreter&, Frame&, Value answer);
     static int32_t whole(Interpreter&, Frame&, int32_t operand);
+    static int32_t converted(Interpreter&, Frame&, int32_t operand);
+    static int32_t position(Interpreter&, const Frame&, int32_t operand);
     static std::pair<int32_t, int32_t> range(Interpreter&, Frame&, const Instruction&, std::string_view text);
 };
 

@@ -16,9 +16,11 @@ Value Interpreter::property(const Value& object, SymbolId name) {
     if (const auto* collection = object.as<CollectionObject>(); collection && name == countName_)
         return systemProperty(symbols.identifier(collection->counted));
     if (skipsStage() && object.isVoid()) return Value();
-    if (const auto* list = object.as<PropertyListObject>())
+    if (const auto* list = object.as<PropertyListObject>()) {
         if (const auto* entry = findEntry(symbols, *list, Value::symbol(name))) return entry->value;
-    if (const Value* found = instanceProperty(object, name)) return *found;
+    } else if (holderOf(object)) {
+        if (const Value* found = instanceProperty(object, name)) return *found;
+    }
     if (const PropertyEntry* entry = propertyOf(object.kind(), name)) return entry->read(*this, object);
     if (const Builtin* function = functionAsProperty(object.kind(), name))
         return callBuiltin(*function, {&object, 1});
@@ -183,11 +185,11 @@ std::vector<std::string> Interpreter::propertyNames(Kind kind) const {
 void Interpreter::unknownVariable(SymbolId variable) {
     const std::string& name = symbols.spelling(variable);
     std::vector<std::string> known;
-    for (const SymbolId local : frame_->code.handler->locals)
+    for (const SymbolId local : frame_->code->handler->locals)
         if (local != variable) known.push_back(symbols.spelling(local));
-    for (const SymbolId property : frame_->script.syntax->properties)
+    for (const SymbolId property : frame_->script->syntax->properties)
         known.push_back(symbols.spelling(property));
-    for (const SymbolId global : frame_->script.syntax->globals) known.push_back(symbols.spelling(global));
+    for (const SymbolId global : frame_->script->syntax->globals) known.push_back(symbols.spelling(global));
     throw HostError("the variable \"" + name + "\" has no value yet" + didYouMean(name, known));
 }
 

@@ -10,7 +10,7 @@ namespace krl::player {
 /// The registers of all running handlers, in pieces that never move.
 class RegisterStack {
 public:
-    /// The next `count` registers, which hold VOID.
+    /// The next `count` registers. They hold anything without an object.
     Value* take(size_t count) {
         if (pieces_.empty() || pieces_[current_].size - pieces_[current_].used < count) advance(count);
         Piece& piece = pieces_[current_];
@@ -19,7 +19,8 @@ public:
     }
     /// Returns the last ones that were taken.
     void giveBack(Value* registers, size_t count) {
-        for (size_t i = 0; i < count; ++i) registers[i] = Value();
+        for (size_t i = 0; i < count; ++i)
+            if (registers[i].hasObject()) registers[i] = Value();
         pieces_[current_].used -= count;
         if (pieces_[current_].used == 0 && current_ > 0) --current_;
     }
@@ -43,23 +44,6 @@ private:
 
     std::vector<Piece> pieces_;
     size_t current_ = 0;
-};
-
-/// The registers of one handler while it runs.
-class Registers {
-public:
-    Registers(RegisterStack& stack, int32_t count)
-        : stack_(stack), count_(static_cast<size_t>(count)), values_(stack.take(count_)) {}
-    ~Registers() { stack_.giveBack(values_, count_); }
-    Registers(const Registers&) = delete;
-    Registers& operator=(const Registers&) = delete;
-
-    Value* data() { return values_; }
-
-private:
-    RegisterStack& stack_;
-    const size_t count_;
-    Value* const values_;
 };
 
 }  // namespace krl::player

@@ -14,9 +14,19 @@ HandlerCode StatementCompiler::compile() {
 }
 
 void StatementCompiler::block(const Block& statements) {
+    if (statements.empty()) return;
+    emit(statements.front()->place, Operations::step, stepsOf(statements));
+    body(statements);
+}
+
+int32_t StatementCompiler::stepsOf(const Block& statements) {
+    return static_cast<int32_t>(statements.size());
+}
+
+/// A block whose statements are counted elsewhere.
+void StatementCompiler::body(const Block& statements) {
     for (const StatementPointer& one : statements) {
         const Temporaries inner(*this);
-        emit(one->place, Operations::step);
         statement(*one);
     }
 }
@@ -92,6 +102,11 @@ size_t StatementCompiler::jumpUnless(const Expression& condition) {
     const Temporaries inner(*this);
     if (condition.kind == ExpressionKind::Binary && !asJoin(condition)) {
         const auto& binary = static_cast<const BinaryExpression&>(condition);
+        if (const LiteralExpression* number = asInteger(*binary.right)) {
+            const int32_t left = operand(*binary.left);
+            return emit(binary.place, Operations::jumpUnlessBinaryBy(binary.operation), left,
+                        number->integer);
+        }
         const auto [left, right] = operands(binary);
         return emit(binary.place, Operations::jumpUnlessBinary(binary.operation), left, right);
     }
@@ -142,7 +157,7 @@ template <class Again>
 void StatementCompiler::turns(const RepeatStatement& statement, size_t turn, Again&& again) {
     Loop loop;
     Loop* const outer = std::exchange(loop_, &loop);
-    block(statement.body);
+    body(statement.body);
     loop_ = outer;
     finish(loop.nexts);
     again();
@@ -153,14 +168,17 @@ void StatementCompiler::turns(const RepeatStatement& statement, size_t turn, Aga
 void StatementCompiler::repeatWhile(const RepeatStatement& statement) {
     const size_t begin = here();
     const size_t turn = jumpUnless(*statement.condition);
-    emit(statement.place, Operations::step);
+    emit(statement.place, Operations::step, 1 + stepsOf(statement.body));
     turns(statement, turn, [&] { land(emit(statement.place, Operations::jump), begin); });
 }
 
 /// The end is evaluated again for every turn, and the body may change the variable.
 void StatementCompiler::repeatWith(const RepeatStatement& statement) {
     const VariableExpression& variable = *statement.variable;
-    const int32_t direction = statement.down ? -1 : 1;
+    const int32_t steps = 1 + stepsOf(statement.body), direction = statement.down ? -steps : steps;
+    if (localSlot(variable) >= 0 &&
+        (localSlot(*statement.to) >= 0 || statement.to->kind <= ExpressionKind::Void))
+        return countLocal(statement, direction);
     const int32_t number = temporary(), assigned = temporary();
     emit(statement.place, Operations::count, number, operand(*statement.from));
     const size_t begin = here();
@@ -175,6 +193,17 @@ void StatementCompiler::repeatWith(const RepeatStatement& statement) {
     });
 }
 
+/// Counts with a local variable to an end that needs no evaluation.
+void StatementCompiler::countLocal(const RepeatStatement& statement, int32_t direction) {
+    const int32_t number = statement.variable->slot;
+    emit(statement.place, Operations::count, number, operand(*statement.from));
+    const int32_t end = operand(*statement.to);
+    const size_t turn = emit(statement.place, Operations::countTurn, number, end, direction);
+    const size_t begin = here();
+    turns(statement, turn,
+          [&] { land(emit(statement.place, Operations::countAgain, number, end, direction), begin); });
+}
+
 void StatementCompiler::repeatIn(const RepeatStatement& statement) {
     const VariableExpression& variable = *statement.variable;
     const int32_t list = temporary(3), item = list + 2;
@@ -182,7 +211,8 @@ void StatementCompiler::repeatIn(const RepeatStatement& statement) {
     emit(statement.place, Operations::each, list);
     const size_t begin = here();
     const bool local = localSlot(variable) >= 0;
-    const size_t turn = emit(statement.place, Operations::eachTurn, local ? variable.slot : item, list);
+    const size_t turn = emit(statement.place, Operations::eachTurn, local ? variable.slot : item, list,
+                             1 + stepsOf(statement.body));
     if (!local) assignVariable(variable, item);
     turns(statement, turn, [&] { land(emit(statement.place, Operations::jump), begin); });
     emit(statement.place, Operations::clear, list);

@@ -20,6 +20,8 @@ private:
     };
 
     void block(const Block& statements);
+    void body(const Block& statements);
+    static int32_t stepsOf(const Block& statements);
     void statement(const Statement& statement);
     void evaluate(const Expression& expression);
     void put(const PutStatement& statement);
@@ -32,6 +34,7 @@ private:
     void turns(const RepeatStatement& statement, size_t turn, Again&& again);
     void repeatWhile(const RepeatStatement& statement);
     void repeatWith(const RepeatStatement& statement);
+    void countLocal(const RepeatStatement& statement, int32_t direction);
     void repeatIn(const RepeatStatement& statement);
     void finish(const std::vector<size_t>& ends);
 

@@ -1,3 +1,5 @@
+#include <cstdlib>
+
 #include "player/host/Compare.h"
 #include "player/host/HostError.h"
 #include "player/lingo/Chunks.h"
@@ -18,6 +20,12 @@ const char* chunkName(ChunkKind kind) {
     return names[static_cast<size_t>(kind)];
 }
 
+void dropPositions(Frame& frame, const Instruction& at) {
+    const ChunkForm form = ChunkForm::of(at.d);
+    if (form.first) frame.drop(at.c);
+    if (form.last) frame.drop(at.c + 1);
+}
+
 }  // namespace
 
 Next Operations::text(Interpreter& interpreter, Frame& frame, const Instruction& at) {
@@ -31,15 +39,14 @@ Next Operations::show(Interpreter& interpreter, Frame& frame, const Instruction&
     return &at + 1;
 }
 
-/// `list.item[2]` looks like a chunk but is the property of that name, which can have any key.
-Next Operations::position(Interpreter& interpreter, Frame& frame, const Instruction& at) {
-    Value& value = frame.registers[at.a];
-    if (value.isInteger() || isKeyed(frame.operand(at.b))) return &at + 1;
+/// A number in an operand as the position of a chunk.
+int32_t Operations::position(Interpreter& interpreter, const Frame& frame, int32_t operand) {
+    const Value& value = frame.operand(operand);
+    if (value.isInteger()) return value.integer();
     Value found;
     if (!numberIn(value, found, interpreter.heap))
         throw HostError("expected a number for the position of the chunk, not " + kindName(value.kind()));
-    value = Value::integer(found.isInteger() ? found.integer() : rounded(found.number()));
-    return &at + 1;
+    return found.isInteger() ? found.integer() : rounded(found.number());
 }
 
 /// The chunks that are meant, from 1; without positions the last one.
@@ -51,18 +58,27 @@ std::pair<int32_t, int32_t> Operations::range(Interpreter& interpreter, Frame& f
         const int32_t count = countChunks(text, form.kind, delimiter);
         return {count, count};
     }
-    const int32_t first = frame.registers[at.c].integer();
-    const int32_t last = form.last ? frame.registers[at.c + 1].integer() : first;
+    const int32_t first = position(interpreter, frame, at.c);
+    const int32_t last = form.last ? position(interpreter, frame, at.c + 1) : first;
     return rangeOf(text, form.kind, first, last, delimiter);
 }
 
+/// `list.item[2]` looks like a chunk but is the property of that name, which can have any key.
 Next Operations::chunk(Interpreter& interpreter, Frame& frame, const Instruction& at) {
     const ChunkForm form = ChunkForm::of(at.d);
+    const Value& source = frame.operand(at.b);
     Value found;
-    if (const Value& source = frame.operand(at.b); isKeyed(source)) {
+    if (form.isOneChar() && source.is(Kind::String) && frame.operand(at.c).isInteger())
+        if (const Value* letter =
+                interpreter.letterOf(*source.as<StringObject>(), frame.operand(at.c).integer())) {
+            found = Value(*letter);
+            frame.drop(at.b);
+            frame.registers[at.a] = std::move(found);
+            return &at + 1;
+        }
+    if (isKeyed(source)) {
         found = interpreter.property(source, interpreter.symbols.identifier(chunkName(form.kind)));
-        if (form.first) found = elementOf(interpreter, found, frame.registers[at.c]);
-        frame.drop(at.c, form.first + form.last);
+        if (form.first) found = elementOf(interpreter, found, frame.operand(at.c));
     } else {
         const Value held = interpreter.asText(source);
         const auto& whole = *held.as<StringObject>();
@@ -70,6 +86,7 @@ Next Operations::chunk(Interpreter& interpreter, Frame& frame, const Instruction
         const Stretch place = findIn(whole, form.kind, first, last, interpreter.settings.itemDelimiter);
         found = interpreter.piece(place.of(whole.text));
     }
+    dropPositions(frame, at);
     frame.drop(at.b);
     frame.registers[at.a] = std::move(found);
     return &at + 1;
@@ -88,6 +105,7 @@ Next Operations::putChunk(Interpreter& interpreter, Frame& frame, const Instruct
     const std::string& whole = source.as<StringObject>()->text;
     const std::string& more = added.as<StringObject>()->text;
     const auto [first, last] = range(interpreter, frame, at, whole);
+    dropPositions(frame, at);
     interpreter.heap.mustHold(whole.size() + more.size() + static_cast<size_t>(std::max(first, 0)));
     frame.registers[at.a] = interpreter.text(
         withChunk(whole, ChunkForm::of(at.d).kind, first, last, interpreter.settings.itemDelimiter, more));
@@ -98,6 +116,7 @@ Next Operations::deleteChunk(Interpreter& interpreter, Frame& frame, const Instr
     const Value source = frame.take(at.b);
     const std::string& whole = source.as<StringObject>()->text;
     const auto [first, last] = range(interpreter, frame, at, whole);
+    dropPositions(frame, at);
     frame.registers[at.a] = interpreter.text(
         withoutChunk(whole, ChunkForm::of(at.d).kind, first, last, interpreter.settings.itemDelimiter));
     return &at + 1;
@@ -114,21 +133,42 @@ Next Operations::send(Interpreter& interpreter, Frame& frame, const Instruction&
 template <bool kMethod>
 Next Operations::callBy(Interpreter& interpreter, Frame& frame, const Instruction& at) {
     const std::span<const Value> arguments{frame.registers + at.c, static_cast<size_t>(at.d)};
+    Interpreter::Callee callee;
+    if (interpreter.findCallee(at.b, arguments, kMethod, callee)) {
+        interpreter.begin(callee, arguments);
+        return interpreter.frame_->at;
+    }
     Value answer = interpreter.callByName(at.b, arguments, kMethod);
     frame.drop(at.c, at.d);
     if (at.a >= 0) frame.registers[at.a] = std::move(answer);
     return &at + 1;
 }
 
-Next Operations::answer(Interpreter&, Frame& frame, const Instruction& at) {
-    frame.answer = frame.take(at.a);
-    return nullptr;
+/// Ends a handler; its caller goes on after the call.
+Next Operations::leave(Interpreter& interpreter, Frame& frame, Value answer) {
+    if (frame.outermost) {
+        frame.answer = std::move(answer);
+        return nullptr;
+    }
+    interpreter.pop();
+    Frame& caller = *interpreter.frame_;
+    const Instruction& call = *caller.at;
+    caller.drop(call.c, call.d);
+    if (call.a >= 0) caller.registers[call.a] = Value(answer);
+    interpreter.result = std::move(answer);
+    return &call + 1;
 }
 
-Next Operations::end(Interpreter&, Frame&, const Instruction&) { return nullptr; }
+Next Operations::answer(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    return leave(interpreter, frame, frame.take(at.a));
+}
+
+Next Operations::end(Interpreter& interpreter, Frame& frame, const Instruction&) {
+    return leave(interpreter, frame, Value());
+}
 
 Next Operations::step(Interpreter& interpreter, Frame&, const Instruction& at) {
-    interpreter.countStep();
+    interpreter.countSteps(at.a);
     return &at + 1;
 }
 
@@ -155,9 +195,13 @@ Next Operations::jumpIfEqual(Interpreter& interpreter, Frame& frame, const Instr
 }
 
 /// The number in an operand of a loop that counts.
-int32_t Operations::whole(Interpreter& interpreter, Frame& frame, int32_t operand) {
+inline int32_t Operations::whole(Interpreter& interpreter, Frame& frame, int32_t operand) {
     const Value& value = frame.operand(operand);
-    if (value.isInteger()) return value.integer();
+    return value.isInteger() ? value.integer() : converted(interpreter, frame, operand);
+}
+
+int32_t Operations::converted(Interpreter& interpreter, Frame& frame, int32_t operand) {
+    const Value& value = frame.operand(operand);
     Value number;
     if (!numberIn(value, number, interpreter.heap))
         throw HostError("expected a number to count with, not " + kindName(value.kind()));
@@ -173,7 +217,7 @@ Next Operations::count(Interpreter& interpreter, Frame& frame, const Instruction
 Next Operations::countTurn(Interpreter& interpreter, Frame& frame, const Instruction& at) {
     const int32_t number = frame.registers[at.a].integer(), end = whole(interpreter, frame, at.b);
     if (at.c < 0 ? number < end : number > end) return &at + at.d;
-    interpreter.countStep();
+    interpreter.countSteps(std::abs(at.c));
     return &at + 1;
 }
 
@@ -181,7 +225,18 @@ Next Operations::countTurn(Interpreter& interpreter, Frame& frame, const Instruc
 Next Operations::countOn(Interpreter& interpreter, Frame& frame, const Instruction& at) {
     const int32_t number = whole(interpreter, frame, at.b);
     if (number == (at.c < 0 ? INT32_MIN : INT32_MAX)) return &at + 1;
-    frame.registers[at.a] = Value::integer(number + at.c);
+    frame.registers[at.a].setInteger(at.c < 0 ? number - 1 : number + 1);
+    return &at + at.d;
+}
+
+Next Operations::countAgain(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    const int32_t reached = whole(interpreter, frame, at.a);
+    if (reached == (at.c < 0 ? INT32_MIN : INT32_MAX)) return &at + 1;
+    const int32_t number = at.c < 0 ? reached - 1 : reached + 1;
+    frame.registers[at.a].setInteger(number);
+    const int32_t end = whole(interpreter, frame, at.b);
+    if (at.c < 0 ? number < end : number > end) return &at + 1;
+    interpreter.countSteps(std::abs(at.c));
     return &at + at.d;
 }
 
@@ -203,7 +258,7 @@ Next Operations::eachTurn(Interpreter& interpreter, Frame& frame, const Instruct
     if (i >= (linear ? linear->items.size() : properties->entries.size())) return &at + at.d;
     frame.registers[at.a] = Value(linear ? linear->items[i] : properties->entries[i].value);
     frame.registers[at.b + 1] = Value::integer(place + 1);
-    interpreter.countStep();
+    interpreter.countSteps(at.c);
     return &at + 1;
 }
 

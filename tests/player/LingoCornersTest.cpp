@@ -93,7 +93,8 @@ TEST(LingoCorners, EndsAfterAsManyStepsAsTheHostAllows) {
     EXPECT_EQ(outcomeOf(endless, uint64_t{1} << 20, 100), "2:3 the script takes more than 100 steps");
     EXPECT_EQ(outcomeOf("on main\n  put 1\nend\n", uint64_t{1} << 20, 1), "-- 1\n");
     EXPECT_EQ(outcomeOf("on main\n  put 1\n  put 2\nend\n", uint64_t{1} << 20, 1),
-              "3:3 the script takes more than 1 steps");
+              "2:3 the script takes more than 1 steps")
+        << "a block counts when it begins";
 }
 
 }  // namespace
