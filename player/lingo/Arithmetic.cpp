@@ -161,8 +161,8 @@ private:
         if (a.is(Kind::PropertyList) || b.is(Kind::PropertyList)) refuse(a, b);
         const std::span<const Value> first = elements(a), second = elements(b);
         const bool both = isSequence(a) && isSequence(b);
-        const size_t count =
-            both ? std::min(first.size(), second.size()) : std::max(first.size(), second.size());
+        const size_t one = isSequence(a) ? first.size() : second.size();
+        const size_t count = both ? std::min(first.size(), second.size()) : one;
         std::vector<Value> results;
         results.reserve(count);
         for (size_t i = 0; i < count; ++i)

@@ -21,6 +21,8 @@ auto asScriptError(Work&& work) {
         return work();
     } catch (const ScriptError&) {
         throw;
+    } catch (const Halt&) {
+        throw ScriptError("halt, quit and abort end a script, and here is none");
     } catch (const std::bad_alloc&) {
         throw ScriptError("out of memory");
     } catch (const std::exception& error) {

@@ -55,7 +55,8 @@ TEST(SessionApply, ReportsTheMethodsOwnMessage) {
 
 TEST(SessionApply, ReturnsThePictureInEveryCase) {
     Session session({});
-    for (const char* call : {"nonsense(1)", "brightness(", "brightness(undefined(), #RGB)", "1 + 2", ""}) {
+    for (const char* call : {"nonsense(1)", "brightness(", "brightness(undefined(), #RGB)", "1 + 2", "",
+                             "brightness(halt(), #RGB)"}) {
         Bitmap picture = greyPicture(2, 2, 40);
         EXPECT_THROW(session.apply(picture, call), ScriptError) << call;
         EXPECT_EQ(picture.pixels.size(), 4u);
@@ -225,6 +226,13 @@ TEST(WrittenCall, ReportsSyntaxErrors) {
     } catch (const ScriptError& error) {
         EXPECT_EQ(error.place().column, 17);
     }
+}
+
+TEST(SessionEvaluate, EndsWithAnErrorWhereAScriptWouldEnd) {
+    Session session({});
+    for (const char* text : {"halt()", "quit()", "abort()"})
+        EXPECT_THROW(session.evaluate(text), ScriptError) << text;
+    EXPECT_TRUE(session.close().none());
 }
 
 TEST(LeakReport, ListsUnreleasedObjects) {

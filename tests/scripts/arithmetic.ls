@@ -29,4 +29,5 @@ on main
   b = random(100)
   the randomSeed = 5
   put a = random(100), b = random(100), a >= 1 and a <= 100
+  put 1 + [], [] * 2, -[], [1] + [], [[], 1] + 1
 end
