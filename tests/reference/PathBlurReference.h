@@ -13,17 +13,18 @@ namespace krl::test {
 
 inline int limitedPlace(int place, int size) { return place < 0 ? 0 : place >= size ? size - 1 : place; }
 
-/// Sums of one path as the three reductions use them.
+/// Sums of one path as the three reductions use them; those of colour are of type `Sum`.
+template <class Sum>
 struct ReferenceSums {
-    int count = 0;
-    int colour[3] = {}, scaled[3] = {}, alpha = 0;
+    int count = 0, alpha = 0;
+    Sum colour[3] = {}, scaled[3] = {};
     float weight = 0;
 
     void add(const Pixel& p, bool dimmed) {
         ++count;
         for (size_t c = 0; c < 3; ++c) {
-            colour[c] += p[c];
-            scaled[c] += dimmed ? p[c] * p.alpha >> 8 : sharedTables().scaleByte[p.alpha][p[c]];
+            colour[c] += Sum(p[c]);
+            scaled[c] += Sum(dimmed ? p[c] * p.alpha >> 8 : sharedTables().scaleByte[p.alpha][p[c]]);
         }
         alpha += p.alpha;
         weight += sharedTables().unitFromByte[p.alpha];
@@ -33,10 +34,10 @@ struct ReferenceSums {
         if (target == ChannelTarget::RGBA) {
             if (weight == 0) return false;
             for (size_t c = 0; c < 3; ++c)
-                p[c] = uint8_t(truncate(clampTo(scaled[c] / double(weight), 0.0, 255.0)));
+                p[c] = uint8_t(truncate(clampTo(double(scaled[c]) / double(weight), 0.0, 255.0)));
             p.alpha = uint8_t(alpha / count);
         } else if (target == ChannelTarget::RGB) {
-            for (size_t c = 0; c < 3; ++c) p[c] = uint8_t(colour[c] / count);
+            for (size_t c = 0; c < 3; ++c) p[c] = uint8_t(truncate(double(colour[c]) / count));
         } else {
             p.alpha = uint8_t(alpha / count);
         }
@@ -50,7 +51,7 @@ inline Picture referenceTrail(const Picture& copy, int distance, int angle, Chan
     Picture result = copy;
     for (int y = 0; y < copy.height(); ++y)
         for (int x = 0; x < copy.width(); ++x) {
-            ReferenceSums sums;
+            ReferenceSums<int> sums;
             for (int i = 0; i < distance; ++i)
                 sums.add(copy.at(limitedPlace(x + truncate(double(i) * cosine), copy.width()),
                                  limitedPlace(y + truncate(double(i) * sine), copy.height())),
@@ -67,6 +68,7 @@ inline Picture referenceMotionBlur(const Picture& source, int distance, int angl
     return blurCount == BlurCount::Single ? first : referenceTrail(first, distance, angle + 180, target);
 }
 
+/// Sums of colour are in single precision.
 inline Picture referenceRadialBlur(const Picture& copy, int radialLength, Point point, ChannelTarget target) {
     if (radialLength < 1) return copy;
     Picture result = copy;
@@ -75,7 +77,7 @@ inline Picture referenceRadialBlur(const Picture& copy, int radialLength, Point 
             const int dx = point.x - x, dy = point.y - y;
             const double r = std::sqrt(double(dx * dx + dy * dy));
             const float a = float(std::atan2(double(dy), double(dx)));
-            ReferenceSums sums;
+            ReferenceSums<float> sums;
             for (int i = -radialLength; i <= radialLength; ++i) {
                 const double t = i * 0.017453292519943295 + a;
                 sums.add(copy.at(limitedPlace(truncate(point.x - std::cos(t) * r), copy.width()),
@@ -99,7 +101,7 @@ inline Picture referenceZoomBlur(const Picture& copy, int zoomLength, Point poin
             const double r = std::sqrt(double(dx * dx + dy * dy)), a = std::atan2(double(dy), double(dx));
             const int count = truncate(r * scale);
             if (count <= 0) continue;
-            ReferenceSums sums;
+            ReferenceSums<int> sums;
             for (int k = 0; k < count; ++k) {
                 const double d = direction == ZoomDirection::Out ? r - k : r + k;
                 sums.add(copy.at(limitedPlace(nearest(point.x - std::cos(a) * d), w),

@@ -21,5 +21,8 @@ inline constexpr const char* kThresholdMeaning =
 
 /// A target that none of the symbols gives: the blurs along a path pass it on without a failure.
 inline constexpr UnknownSymbol kUnsetTarget = otherwise(ChannelTarget{});
+constexpr bool isUnset(ChannelTarget target) {
+    return target != ChannelTarget::RGBA && target != ChannelTarget::RGB && target != ChannelTarget::Alpha;
+}
 
 }  // namespace krl

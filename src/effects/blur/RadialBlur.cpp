@@ -1,8 +1,8 @@
+#include <algorithm>
 #include <cmath>
 #include <new>
 
 #include "catalogue/Catalogue.h"
-#include "core/Doubts.h"
 #include "core/ExactFunctions.h"
 #include "core/VectorLevels.h"
 #include "effects/blur/BlurChoices.h"
@@ -46,29 +46,22 @@ private:
 
 /// The circle through one pixel about the point.
 struct Circle {
+    /// More than the error of an angle from `angleSizes`.
+    static constexpr double kAngleError = 2e-14;
+
     Point centre;
     double radius;
-    float angle;            ///< of the pixel's own place, as it is rounded
-    double alongX, alongY;  ///< from the pixel to the centre, at the rounded angle
+    float angle;  ///< of the pixel's own place, as it is rounded
 
-    /// `angleSize` is the size of the pixel's angle, within some 1e-14.
-    Circle(Point point, const PointReach& reach, double angleSize) : centre(point) {
-        constexpr double kError = 2e-14;
-        const double rough = std::copysign(angleSize, double(reach.dy));
+    Circle(Point point, int32_t x, int32_t y) : centre(point) {
+        const PointReach reach(point, x, y);
         radius = reach.distance;
-        angle = static_cast<float>(rough + kError);
-        if (angle != static_cast<float>(rough - kError)) angle = static_cast<float>(reach.angle());
-        if (reach.hasWrapped) {
-            alongX = exactCosine(double(angle)) * radius;
-            alongY = exactSine(double(angle)) * radius;
-        } else {
-            // The rounding turns the pixel's own direction by so little that two terms of its sine and
-            // cosine are all of them.
-            const double turn = angle - rough, shrink = 1.0 - turn * turn / 2;
-            alongX = reach.dx * shrink - reach.dy * turn;
-            alongY = reach.dy * shrink + reach.dx * turn;
-        }
+        angle = static_cast<float>(reach.angle());
     }
+
+    /// From the pixel to the centre, at the rounded angle.
+    double alongX() const { return exactCosine(double(angle)) * radius; }
+    double alongY() const { return exactSine(double(angle)) * radius; }
 
     /// Offset of the sample `degree` degrees on, by its definition.
     int32_t offsetAt(int32_t degree, const PathSource& source) const {
@@ -78,78 +71,220 @@ struct Circle {
     }
 };
 
-/// Calls `visit(i, circle)` for the circles of `count` pixels from (`x`, `y`) on in a row of a tile.
-template <class Visit>
-void forCirclesOfRow(Point point, int32_t x, int32_t y, int32_t count, Visit&& visit) {
-    double across[PathTile::kWidth] = {}, sizes[PathTile::kWidth];
-    for (int32_t i = 0; i < count; ++i) across[i] = PointReach(point, x + i, y).dx;
-    angleSizes(across, PointReach(point, x, y).dy, sizes, static_cast<size_t>(count));
-    for (int32_t i = 0; i < count; ++i) visit(i, Circle(point, PointReach(point, x + i, y), sizes[i]));
-}
-
-/// The circles of a tile, as far as they are turned.
-struct TileCircles {
+/// From each pixel of a tile to the centre, at its rounded angle.
+struct Directions {
     double alongX[PathTile::kPixels], alongY[PathTile::kPixels];
-
-    TileCircles(const PathTile& tile, Point point) {
-        for (int32_t row = 0; row < tile.height; ++row)
-            forCirclesOfRow(point, tile.left, tile.top + row, tile.width,
-                            [&](int32_t i, const Circle& circle) {
-                                alongX[row * tile.width + i] = circle.alongX;
-                                alongY[row * tile.width + i] = circle.alongY;
-                            });
-    }
 };
 
-/// Turns every circle of a tile by one angle; returns whether any place is in doubt.
+/// What an arc shares with all others of its tile.
+struct Turn {
+    double cosine, sine, centreX, centreY;
+
+    double x(double alongX, double alongY) const { return centreX - (alongX * cosine - alongY * sine); }
+    double y(double alongX, double alongY) const { return centreY - (alongY * cosine + alongX * sine); }
+};
+
+/// Finds the rounded directions of a row of pixels that are `across[i]` and `down` from the centre, at angles
+/// of the given sizes. The rounding turns a pixel's own direction by so little that two terms of the sine and
+/// cosine are all of them. Returns whether any rounding is in doubt.
 KRL_VECTOR_LEVELS
-bool turn(const TileCircles& circles, int32_t count, double cosine, double sine, Point centre, int32_t width,
-          int32_t height, double error, TilePlaces& places) {
-    const double centreX = centre.x, centreY = centre.y;
+bool roundDirections(const double* __restrict across, double down, const double* __restrict sizes,
+                     int32_t count, double* __restrict alongX, double* __restrict alongY,
+                     int32_t* __restrict doubts) {
     int32_t any = 0;
     for (int32_t i = 0; i < count; ++i) {
-        const double x = centreX - (circles.alongX[i] * cosine - circles.alongY[i] * sine);
-        const double y = centreY - (circles.alongY[i] * cosine + circles.alongX[i] * sine);
-        const Placement place(x, y, width, height, error);
-        places.offset[i] = place.offset;
-        places.doubt[i] = place.doubt;
-        any |= place.doubt;
+        const double rough = down < 0 ? -sizes[i] : sizes[i];
+        const auto angle = static_cast<float>(rough + Circle::kAngleError);
+        doubts[i] = angle != static_cast<float>(rough - Circle::kAngleError) ? 1 : 0;
+        any |= doubts[i];
+        const double turn = angle - rough, shrink = 1.0 - turn * turn / 2;
+        alongX[i] = across[i] * shrink - down * turn;
+        alongY[i] = down * shrink + across[i] * turn;
     }
     return any != 0;
 }
 
-template <ChannelTarget kTarget>
-Status blurArcs(ImageEngine& engine, int32_t degrees, Point point) {
-    constexpr bool kWeighted = kTarget == ChannelTarget::RGBA;
-    const ArcTables arc(engine, degrees);
-    const PathSource source(engine, kWeighted);
+/// Places the whole tile in double precision, good enough where only the last roundings can differ.
+KRL_VECTOR_LEVELS
+void turnEach(const Directions& directions, PathTile tile, Turn turn, const PathSource& source, double error,
+              TilePlaces& places) {
+    for (int32_t row = 0; row < tile.height; ++row) {
+        int32_t any = 0;
+        for (int32_t i = row * tile.width; i < (row + 1) * tile.width; ++i) {
+            const double alongX = directions.alongX[i], alongY = directions.alongY[i];
+            const Placement place(turn.x(alongX, alongY), turn.y(alongX, alongY), source.width(),
+                                  source.height(), error);
+            places.offset[i] = place.offset;
+            places.doubt[i] = -place.doubt;
+            any |= places.doubt[i];
+        }
+        places.rowDoubt[row] = any;
+    }
+}
+
+/// Where a tile's rows begin when turned, and the way from one pixel to the next, in fixed point.
+struct TurnedRows {
+    int32_t x[PathTile::kHeight], y[PathTile::kHeight], stepX, stepY;
+};
+
+/// Places the whole tile as if no angle were rounded: then turning it is one rotation for all of it.
+KRL_VECTOR_LEVELS
+void turnTogether(TurnedRows rows, PathTile tile, FixedPlaces fixed, TilePlaces& places) {
+    for (int32_t row = 0; row < tile.height; ++row) {
+        int32_t* offset = places.offset + row * tile.width;
+        int32_t* doubt = places.doubt + row * tile.width;
+        int32_t any = 0;
+        for (int32_t i = 0; i < tile.width; ++i) {
+            offset[i] = fixed.offset(rows.x[row] + i * rows.stepX, rows.y[row] + i * rows.stepY, doubt[i]);
+            any |= doubt[i];
+        }
+        places.rowDoubt[row] = any;
+    }
+}
+
+/// The arcs of a tile's pixels.
+class TileArcs {
+public:
+    /// No arc has more than `degrees` to each side.
+    TileArcs(const PathTile& tile, Point centre, const PathSource& source, int32_t degrees)
+        : tile_(tile), centre_(centre), source_(source), reach_(centre, tile) {
+        // An angle is wrong by twice `kAngleError` at most. The larger it is, the more it is rounded.
+        error_ = 2 * Circle::kAngleError * reach_.farthest + placeRoundings(centre, source) + degrees * 1e-12;
+        for (int32_t row = 0; row < tile.height; ++row) setRow(row);
+    }
+
+    /// Places the sample of every pixel `degree` degrees on.
+    void place(int32_t degree, double cosine, double sine, TilePlaces& places) const {
+        const Turn turn{cosine, sine, double(centre_.x), double(centre_.y)};
+        // Quarter turns lead from pixels to pixels, where the rounding of the angle always decides.
+        if (reach_.hasWrapped || degree % 90 == 0) {
+            turnEach(directions_, tile_, turn, source_, error_, places);
+            places.settle(tile_, [&](int32_t i) { places.offset[i] = exactOffset(i, degree); });
+            return;
+        }
+        placeTogether(turn, places);
+        places.settle(tile_, [&](int32_t i) {
+            const double alongX = directions_.alongX[i], alongY = directions_.alongY[i];
+            const Placement place(turn.x(alongX, alongY), turn.y(alongX, alongY), source_.width(),
+                                  source_.height(), error_);
+            places.offset[i] = place.doubt ? exactOffset(i, degree) : place.offset;
+        });
+    }
+
+private:
+    void setRow(int32_t row) {
+        const int32_t y = tile_.top + row, first = row * tile_.width;
+        double across[PathTile::kWidth] = {}, sizes[PathTile::kWidth];
+        int32_t doubts[PathTile::kWidth];
+        for (int32_t i = 0; i < tile_.width; ++i) across[i] = double(centre_.x) - (tile_.left + i);
+        const double down = double(centre_.y) - y;
+        angleSizes(across, down, sizes, static_cast<size_t>(tile_.width));
+        const bool any = roundDirections(across, down, sizes, tile_.width, directions_.alongX + first,
+                                         directions_.alongY + first, doubts);
+        if (!any && !reach_.hasWrapped) return;
+        for (int32_t i = 0; i < tile_.width; ++i) {
+            if (!reach_.hasWrapped && !doubts[i]) continue;
+            const Circle circle(centre_, tile_.left + i, y);
+            directions_.alongX[first + i] = circle.alongX();
+            directions_.alongY[first + i] = circle.alongY();
+        }
+    }
+
+    void placeTogether(const Turn& turn, TilePlaces& places) const {
+        // A rounded angle is wrong by up to half of the last bit of a `float` below 4.
+        constexpr double kAngleRounding = 0x1.001p-23;
+        constexpr int32_t kBits = 23;
+        const double alongX = double(centre_.x) - tile_.left, alongY = double(centre_.y) - tile_.top;
+        const double left = std::floor(turn.x(alongX, alongY)), top = std::floor(turn.y(alongX, alongY));
+        FixedPlaces fixed{
+            kBits,           0, static_cast<int32_t>(left), static_cast<int32_t>(top), source_.width(),
+            source_.height()};
+        const double unit = fixed.unit();
+        // The steps of a row are rounded, each by half a unit at most, and so is where it begins.
+        fixed.error = PathTile::kWidth / 2 + 2 +
+                      static_cast<int32_t>((reach_.farthest * kAngleRounding + error_) * unit);
+        TurnedRows rows;
+        for (int32_t row = 0; row < tile_.height; ++row) {
+            rows.x[row] = static_cast<int32_t>((turn.x(alongX, alongY - row) - left) * unit);
+            rows.y[row] = static_cast<int32_t>((turn.y(alongX, alongY - row) - top) * unit);
+        }
+        rows.stepX = static_cast<int32_t>(std::lround(turn.cosine * unit));
+        rows.stepY = static_cast<int32_t>(std::lround(turn.sine * unit));
+        turnTogether(rows, tile_, fixed, places);
+    }
+
+    int32_t exactOffset(int32_t i, int32_t degree) const {
+        return Circle(centre_, tile_.x(i), tile_.y(i)).offsetAt(degree, source_);
+    }
+
+    const PathTile& tile_;
+    Point centre_;
+    const PathSource& source_;
+    double error_;
+    TileReach reach_;
+    Directions directions_;
+};
+
+/// The sums of a tile's arcs where colours may sum to more than single precision holds exactly: sums are
+/// rounded to it after each sample.
+class RoundedSums {
+public:
+    RoundedSums(const ImageEngine& engine, const PathSource& source, bool weighted)
+        : units_(engine.tables().unitFromByte), pixels_(source.pixels()), weighted_(weighted) {}
+
+    void add(const int32_t* offsets, int32_t count) {
+        for (int32_t i = 0; i < count; ++i) {
+            const Pixel p = pixels_[offsets[i]];
+            for (size_t c = 0; c < 3; ++c) colours_[c][i] += p[c];
+            alphas_[i] += p.alpha;
+            weights_[i] += units_[p.alpha];
+        }
+    }
+    void means(int32_t count, const int32_t* samples, int32_t, Pixel* results) const {
+        for (int32_t i = 0; i < count; ++i) {
+            const double divisor = weighted_ ? double(weights_[i]) : samples[i];
+            for (size_t c = 0; c < 3; ++c)
+                results[i][c] = static_cast<uint8_t>(truncate(colours_[c][i] / divisor));
+            results[i].alpha = static_cast<uint8_t>(static_cast<int32_t>(alphas_[i]) / samples[i]);
+        }
+    }
+    float weight(int32_t i) const { return weights_[i]; }
+
+    /// Up to as many samples the rounding changes nothing.
+    static constexpr int32_t kExactSamples = (1 << 24) / 255;
+
+private:
+    const float* units_;
+    const Pixel* pixels_;
+    bool weighted_;
+    float colours_[3][PathTile::kPixels] = {}, weights_[PathTile::kPixels] = {};
+    uint32_t alphas_[PathTile::kPixels] = {};
+};
+
+template <class Sums>
+Status blurArcs(const ImageEngine& engine, const ArcTables& arc, Point point, ChannelTarget target) {
+    const bool weighted = target == ChannelTarget::RGBA;
+    const PathSource source(engine, weighted);
     if (source.status()) return source.status();
-    // The larger an angle, the more it is rounded.
-    const double error = placeError(point, source) + degrees * 1e-12;
+    const int32_t degrees = arc.count() / 2;
     return forEachPathTile(engine, [&](const PathTile& tile) {
-        const int32_t pixels = tile.count();
-        const TileCircles circles(tile, point);
+        const TileArcs arcs(tile, point, source, degrees);
         TilePlaces places;
-        TileSums<kWeighted> sums(engine, source);
+        Sums sums(engine, source, weighted);
         for (int32_t n = 0; n < arc.count(); ++n) {
             if (n % kAtOnce == 0) engine.throwIfCancelled();
-            const bool any = turn(circles, pixels, arc.cosine(n), arc.sine(n), point, source.width(),
-                                  source.height(), error, places);
-            settleDoubts(any, places.doubt, pixels, [&](int32_t i) {
-                forCirclesOfRow(point, tile.x(i), tile.y(i), 1, [&](int32_t, const Circle& circle) {
-                    places.offset[i] = circle.offsetAt(n - degrees, source);
-                });
-            });
-            sums.add(places.offset, pixels);
+            arcs.place(n - degrees, arc.cosine(n), arc.sine(n), places);
+            sums.add(places.offset, tile.count());
         }
-        sums.gather();
-        for (int32_t i = 0; i < pixels; ++i) {
-            Pixel& p = engine.buffer()->row(tile.y(i))[tile.x(i)];
-            if constexpr (!kWeighted)
-                p = ChannelMask(kTarget).merge(p, sums[i].mean(arc.count()));
-            else if (sums[i].weight != 0.0f)
-                p = sums[i].weighted(arc.count());
-        }
+        int32_t samples[PathTile::kPixels];
+        std::fill_n(samples, tile.count(), arc.count());
+        Pixel means[PathTile::kPixels];
+        sums.means(tile.count(), samples, arc.count(), means);
+        const ChannelMask mask(target);
+        if (!weighted) return writeTile(tile, *engine.buffer(), means, mask);
+        forEachPixelOf(tile, *engine.buffer(), [&](int32_t i, Pixel& p) {
+            if (sums.weight(i) != 0.0f) p = means[i];
+        });
     });
 }
 
@@ -159,16 +294,11 @@ Status blurArcs(ImageEngine& engine, int32_t degrees, Point point) {
 Status radialBlur(ImageEngine& engine, int32_t radialLength, Point radialPoint, ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
     if (radialLength < 1) return kStatusOk;
-    switch (target) {
-        case ChannelTarget::RGBA:
-            return blurArcs<ChannelTarget::RGBA>(engine, radialLength, radialPoint);
-        case ChannelTarget::RGB:
-            return blurArcs<ChannelTarget::RGB>(engine, radialLength, radialPoint);
-        case ChannelTarget::Alpha:
-            return blurArcs<ChannelTarget::Alpha>(engine, radialLength, radialPoint);
-        default:
-            return kStatusOk;
-    }
+    if (isUnset(target)) return kStatusOk;
+    const ArcTables arc(engine, radialLength);
+    return arc.count() <= RoundedSums::kExactSamples
+               ? blurArcs<TileSums>(engine, arc, radialPoint, target)
+               : blurArcs<RoundedSums>(engine, arc, radialPoint, target);
 }
 
 void describeRadialBlur(Catalogue& catalogue) {

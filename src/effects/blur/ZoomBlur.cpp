@@ -1,7 +1,8 @@
+#include <algorithm>
+#include <bit>
 #include <cmath>
 
 #include "catalogue/Catalogue.h"
-#include "core/Doubts.h"
 #include "core/ExactFunctions.h"
 #include "core/VectorLevels.h"
 #include "effects/blur/BlurChoices.h"
@@ -36,81 +37,189 @@ struct Ray {
     }
 };
 
-/// The rays of a tile: direction toward the point, distance from it, and how many samples each has.
-struct TileRays {
-    double alongX[PathTile::kPixels], alongY[PathTile::kPixels], distance[PathTile::kPixels];
-    int32_t count[PathTile::kPixels];
-
-    void set(int32_t i, const PointReach& reach, int32_t samples) {
-        alongX[i] = reach.hasWrapped ? exactCosine(reach.angle()) : reach.dx / reach.distance;
-        alongY[i] = reach.hasWrapped ? exactSine(reach.angle()) : reach.dy / reach.distance;
-        distance[i] = reach.distance;
-        count[i] = samples;
-    }
-};
-
-/// What of a zoom all tiles share.
+/// What all tiles of a zoom share.
 struct Zoom {
     Point point;
     double step;
-    int32_t width, height, nothing;
+    double scale;  ///< samples for each pixel of distance
     double error;
 };
 
-/// Places sample `k` of every ray of a tile that has as many; returns whether any place is in doubt.
+/// The rays of a tile: direction toward the point, distance from it, and how many samples each has.
+struct TileRays {
+    double alongX[PathTile::kPixels], alongY[PathTile::kPixels], distance[PathTile::kPixels];
+    int32_t samples[PathTile::kPixels];
+};
+
+/// Casts the rays of a row of pixels, the first of which is `across` and `down` from the point.
 KRL_VECTOR_LEVELS
-bool advance(const TileRays& rays, int32_t pixels, int32_t k, const Zoom& zoom, TilePlaces& places) {
-    const double pointX = zoom.point.x + 0.5, pointY = zoom.point.y + 0.5, walked = zoom.step * k;
-    int32_t any = 0;
-    for (int32_t i = 0; i < pixels; ++i) {
-        const double d = rays.distance[i] + walked;
-        const Placement place(pointX - rays.alongX[i] * d, pointY - rays.alongY[i] * d, zoom.width,
-                              zoom.height, zoom.error);
-        const int32_t onRay = k < rays.count[i] ? -1 : 0;
-        places.offset[i] = zoom.nothing + ((place.offset - zoom.nothing) & onRay);
-        places.doubt[i] = place.doubt & onRay;
-        any |= places.doubt[i];
+void castRow(double across, double down, int32_t count, double scale, double* __restrict alongX,
+             double* __restrict alongY, double* __restrict distances, int32_t* __restrict samples) {
+    for (int32_t i = 0; i < count; ++i) {
+        const double dx = across - i, distance = std::sqrt(dx * dx + down * down);
+        const double divisor = distance > 0 ? distance : 1.0;
+        alongX[i] = dx / divisor;
+        alongY[i] = down / divisor;
+        distances[i] = distance;
+        samples[i] = truncate(distance * scale);
     }
-    return any != 0;
 }
 
-template <ChannelTarget kTarget>
+/// Places sample `k` of every ray in double precision.
+KRL_VECTOR_LEVELS
+void placeEach(const TileRays& rays, PathTile tile, int32_t k, Zoom zoom, const PathSource& source,
+               TilePlaces& places) {
+    const double pointX = zoom.point.x + 0.5, pointY = zoom.point.y + 0.5, walked = zoom.step * k;
+    for (int32_t row = 0; row < tile.height; ++row) {
+        int32_t any = 0;
+        for (int32_t i = row * tile.width; i < (row + 1) * tile.width; ++i) {
+            const double d = rays.distance[i] + walked;
+            const Placement place(pointX - rays.alongX[i] * d, pointY - rays.alongY[i] * d, source.width(),
+                                  source.height(), zoom.error);
+            places.offset[i] = place.offset;
+            places.doubt[i] = -place.doubt;
+            any |= places.doubt[i];
+        }
+        places.rowDoubt[row] = any;
+    }
+}
+
+/// How far the rays of a tile are walked, in fixed point from the tile's first pixel.
+struct WalkedRays {
+    int32_t x[PathTile::kPixels], y[PathTile::kPixels];
+    int32_t stepX[PathTile::kPixels], stepY[PathTile::kPixels];
+};
+
+/// Puts the rays at sample `k`. Half a pixel makes truncation round.
+KRL_VECTOR_LEVELS
+void startAt(const TileRays& rays, PathTile tile, double walked, double step, double unit, WalkedRays& to) {
+    for (int32_t row = 0; row < tile.height; ++row)
+        for (int32_t column = 0; column < tile.width; ++column) {
+            const int32_t i = row * tile.width + column;
+            to.x[i] = static_cast<int32_t>((column + 0.5 - rays.alongX[i] * walked) * unit);
+            to.y[i] = static_cast<int32_t>((row + 0.5 - rays.alongY[i] * walked) * unit);
+            to.stepX[i] = static_cast<int32_t>(-rays.alongX[i] * step * unit);
+            to.stepY[i] = static_cast<int32_t>(-rays.alongY[i] * step * unit);
+        }
+}
+
+/// Places the next sample of every ray.
+KRL_VECTOR_LEVELS
+void advance(PathTile tile, FixedPlaces fixed, WalkedRays& rays, TilePlaces& places) {
+    for (int32_t row = 0; row < tile.height; ++row) {
+        int32_t any = 0;
+        for (int32_t i = row * tile.width; i < (row + 1) * tile.width; ++i) {
+            places.offset[i] = fixed.offset(rays.x[i], rays.y[i], places.doubt[i]);
+            any |= places.doubt[i];
+            rays.x[i] += rays.stepX[i];
+            rays.y[i] += rays.stepY[i];
+        }
+        places.rowDoubt[row] = any;
+    }
+}
+
+/// Leaves out sample `k` of the rays that have fewer.
+KRL_VECTOR_LEVELS
+void leaveOutEnded(const TileRays& rays, int32_t pixels, int32_t k, int32_t nothing, TilePlaces& places) {
+    for (int32_t i = 0; i < pixels; ++i) {
+        const bool ended = k >= rays.samples[i];
+        places.offset[i] = ended ? nothing : places.offset[i];
+        places.doubt[i] = ended ? 0 : places.doubt[i];
+    }
+}
+
+struct Range {
+    int32_t least, most;
+};
+
+Range rangeOf(const int32_t* numbers, int32_t count) {
+    Range range{numbers[0], numbers[0]};
+    for (int32_t i = 1; i < count; ++i) {
+        range.least = numbers[i] < range.least ? numbers[i] : range.least;
+        range.most = numbers[i] > range.most ? numbers[i] : range.most;
+    }
+    return range;
+}
+
 class ZoomedTile {
 public:
-    static constexpr bool kWeighted = kTarget == ChannelTarget::RGBA;
-
-    ZoomedTile(const ImageEngine& engine, const PathSource& source, const Zoom& zoom, double scale,
-               const PathTile& tile)
-        : image_(*engine.buffer()), source_(source), zoom_(zoom), tile_(tile), sums_(engine, source) {
-        for (int32_t i = 0; i < tile.count(); ++i) {
-            const PointReach reach = reachOf(i);
-            counts_[i] = truncate(reach.distance * scale);
-            rays_.set(i, reach, isLong(i) ? 0 : counts_[i]);
-        }
+    ZoomedTile(const ImageEngine& engine, const PathSource& source, const Zoom& zoom, const PathTile& tile,
+               ChannelTarget target)
+        : engine_(engine),
+          source_(source),
+          zoom_(zoom),
+          tile_(tile),
+          target_(target),
+          isWeighted_(target == ChannelTarget::RGBA),
+          sums_(engine, source, isWeighted_),
+          hasWrapped_(TileReach(zoom.point, tile).hasWrapped) {
+        castRays();
+        const int32_t pixels = tile.count();
+        std::copy_n(rays_.samples, pixels, counts_);
+        most_ = rangeOf(counts_, pixels).most;
+        if (most_ <= longRay()) return;
+        for (int32_t i = 0; i < pixels; ++i)
+            if (isLong(i)) rays_.samples[i] = 0;
     }
 
     void blur() {
-        const int32_t longest = *std::max_element(rays_.count, rays_.count + tile_.count());
+        const auto [shortest, longest] = rangeOf(rays_.samples, tile_.count());
+        // Places are limited to 2^30 units from the tile, and the steps of a ray are rounded: it is put where
+        // it belongs after some.
+        constexpr int32_t kSteps = 64, kFewestBits = 12;
+        const int32_t bits = 29 - std::bit_width(static_cast<uint32_t>(longest + PathTile::kWidth));
+        const bool isFixed = !hasWrapped_ && bits >= kFewestBits;
+        FixedPlaces fixed{bits, 0, tile_.left, tile_.top, source_.width(), source_.height()};
+        const double unit = isFixed ? fixed.unit() : 1;
+        fixed.error = kSteps + 2 + static_cast<int32_t>(zoom_.error * unit);
         for (int32_t k = 0; k < longest; ++k) {
-            const bool any = advance(rays_, tile_.count(), k, zoom_, places_);
-            settleDoubts(any, places_.doubt, tile_.count(),
-                         [&](int32_t i) { places_.offset[i] = rayOf(i).offsetAt(k, source_); });
+            if (!isFixed) {
+                placeEach(rays_, tile_, k, zoom_, source_, places_);
+            } else {
+                if (k % kSteps == 0) startAt(rays_, tile_, zoom_.step * k, zoom_.step, unit, walked_);
+                advance(tile_, fixed, walked_, places_);
+            }
+            if (k >= shortest) leaveOutEnded(rays_, tile_.count(), k, source_.nothing(), places_);
+            places_.settle(tile_, [&](int32_t i) { places_.offset[i] = offsetOf(i, k); });
             sums_.add(places_.offset, tile_.count());
         }
-        sums_.gather();
-        for (int32_t i = 0; i < tile_.count(); ++i) {
-            if (isLong(i)) sumLongRay(i);
-            if (counts_[i] > 0) write(i);
-        }
+        write();
     }
 
 private:
     PointReach reachOf(int32_t i) const { return {zoom_.point, tile_.x(i), tile_.y(i)}; }
     Ray rayOf(int32_t i) const { return {zoom_.point, reachOf(i), zoom_.step}; }
 
+    void castRays() {
+        if (hasWrapped_) {
+            for (int32_t i = 0; i < tile_.count(); ++i) {
+                const Ray ray = rayOf(i);
+                rays_.alongX[i] = ray.cosine;
+                rays_.alongY[i] = ray.sine;
+                rays_.distance[i] = ray.distance;
+                rays_.samples[i] = truncate(ray.distance * zoom_.scale);
+            }
+            return;
+        }
+        for (int32_t row = 0, i = 0; row < tile_.height; ++row, i += tile_.width)
+            castRow(double(zoom_.point.x) - tile_.left, double(zoom_.point.y) - (tile_.top + row),
+                    tile_.width, zoom_.scale, rays_.alongX + i, rays_.alongY + i, rays_.distance + i,
+                    rays_.samples + i);
+    }
+
+    /// Offset of sample `k` of pixel `i`, by its definition unless double precision is good enough.
+    int32_t offsetOf(int32_t i, int32_t k) const {
+        const double d = rays_.distance[i] + zoom_.step * k;
+        const Placement place(zoom_.point.x + 0.5 - rays_.alongX[i] * d,
+                              zoom_.point.y + 0.5 - rays_.alongY[i] * d, source_.width(), source_.height(),
+                              zoom_.error);
+        return place.doubt ? rayOf(i).offsetAt(k, source_) : place.offset;
+    }
+
     /// A ray that is much longer than the picture keeps sampling the same pixels of its border, and is
     /// summed by itself, many equal samples at once.
-    bool isLong(int32_t i) const { return counts_[i] > 4 * (int64_t(zoom_.width) + zoom_.height); }
+    int64_t longRay() const { return 4 * (int64_t(source_.width()) + source_.height()); }
+    bool isLong(int32_t i) const { return counts_[i] > longRay(); }
     void sumLongRay(int32_t i) {
         const Ray ray = rayOf(i);
         for (int64_t first = 0; first < counts_[i];) {
@@ -122,41 +231,33 @@ private:
         }
     }
 
-    void write(int32_t i) {
-        Pixel& p = image_.row(tile_.y(i))[tile_.x(i)];
-        if constexpr (!kWeighted)
-            p = ChannelMask(kTarget).merge(p, sums_[i].mean(counts_[i]));
-        else if (sums_[i].weight != 0.0f)
-            p = sums_[i].weighted(counts_[i]);
-        else
-            p.alpha = sums_[i].meanAlpha(counts_[i]);
+    void write() {
+        for (int32_t i = 0; most_ > longRay() && i < tile_.count(); ++i)
+            if (isLong(i)) sumLongRay(i);
+        Pixel means[PathTile::kPixels];
+        sums_.means(tile_.count(), counts_, most_, means);
+        const ChannelMask mask(target_), onlyAlpha(ChannelTarget::Alpha);
+        if (!isWeighted_ && rangeOf(counts_, tile_.count()).least > 0)
+            return writeTile(tile_, *engine_.buffer(), means, mask);
+        forEachPixelOf(tile_, *engine_.buffer(), [&](int32_t i, Pixel& p) {
+            if (counts_[i] <= 0) return;
+            p = (isWeighted_ && sums_.weight(i) == 0.0f ? onlyAlpha : mask).merge(p, means[i]);
+        });
     }
 
-    const ImageBuffer& image_;
+    const ImageEngine& engine_;
     const PathSource& source_;
     const Zoom& zoom_;
     const PathTile& tile_;
+    ChannelTarget target_;
+    bool isWeighted_;
+    TileSums sums_;
+    bool hasWrapped_;
     TileRays rays_;
+    WalkedRays walked_;
     TilePlaces places_;
-    TileSums<kWeighted> sums_;
-    int32_t counts_[PathTile::kPixels];
+    int32_t counts_[PathTile::kPixels], most_;
 };
-
-template <ChannelTarget kTarget>
-Status blurRays(ImageEngine& engine, int32_t zoomLength, Point point, ZoomDirection direction) {
-    const PathSource source(engine, ZoomedTile<kTarget>::kWeighted);
-    if (source.status()) return source.status();
-    const double diagonal = std::sqrt(double(PointReach::sumOfSquares(source.height(), source.width())));
-    const double scale = 1.0 / diagonal * zoomLength;
-    const Zoom zoom{point,
-                    direction == ZoomDirection::Out ? -1.0 : 1.0,
-                    source.width(),
-                    source.height(),
-                    source.nothing(),
-                    placeError(point, source)};
-    return forEachPathTile(
-        engine, [&](const PathTile& tile) { ZoomedTile<kTarget>(engine, source, zoom, scale, tile).blur(); });
-}
 
 }  // namespace
 
@@ -164,16 +265,14 @@ Status blurRays(ImageEngine& engine, int32_t zoomLength, Point point, ZoomDirect
 Status zoomBlur(ImageEngine& engine, int32_t zoomLength, Point zoomPoint, ZoomDirection direction,
                 ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
-    switch (target) {
-        case ChannelTarget::RGBA:
-            return blurRays<ChannelTarget::RGBA>(engine, zoomLength, zoomPoint, direction);
-        case ChannelTarget::RGB:
-            return blurRays<ChannelTarget::RGB>(engine, zoomLength, zoomPoint, direction);
-        case ChannelTarget::Alpha:
-            return blurRays<ChannelTarget::Alpha>(engine, zoomLength, zoomPoint, direction);
-        default:
-            return kStatusOk;
-    }
+    if (isUnset(target)) return kStatusOk;
+    const PathSource source(engine, target == ChannelTarget::RGBA);
+    if (source.status()) return source.status();
+    const double diagonal = std::sqrt(double(PointReach::sumOfSquares(source.height(), source.width())));
+    const Zoom zoom{zoomPoint, direction == ZoomDirection::Out ? -1.0 : 1.0, 1.0 / diagonal * zoomLength,
+                    1e-9 + placeRoundings(zoomPoint, source)};
+    return forEachPathTile(
+        engine, [&](const PathTile& tile) { ZoomedTile(engine, source, zoom, tile, target).blur(); });
 }
 
 void describeZoomBlur(Catalogue& catalogue) {

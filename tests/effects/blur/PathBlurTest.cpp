@@ -140,6 +140,28 @@ TEST(RadialBlur, EqualsItsDefinition) {
     });
 }
 
+TEST(RadialBlur, LongArcsEqualTheirDefinition) {
+    // From 65,794 samples on, 255 of each add to more than single precision holds exactly.
+    const Picture picture = Picture::random(3, 2), solid = Picture(3, 2, {255, 253, 251, 255});
+    for (int32_t length : {32896, 32897, 50000})
+        for (ChannelTarget target : kTargets)
+            for (const Picture& each : {picture, opaque(picture), solid})
+                EXPECT_EQ(each.after(spin(length, {0, 4}, target)),
+                          referenceRadialBlur(each, length, {0, 4}, target))
+                    << length << ' ' << int(target);
+    EXPECT_NE(solid.after(spin(50000, {0, 4}, ChannelTarget::RGB)), solid);
+}
+
+TEST(RadialBlur, TurnsLargePicturesByItsDefinition) {
+    // Rows and columns through the point and corners far from it: the angles that are rounded least and most.
+    const Picture picture = Picture::random(701, 67, 5);
+    for (Point point : {Point{33, 350}, {-900, 700}, {20000, -20000}})
+        for (int32_t length : {3, 91})
+            EXPECT_EQ(picture.after(spin(length, point, ChannelTarget::RGB)),
+                      referenceRadialBlur(picture, length, point, ChannelTarget::RGB))
+                << point.x << ' ' << length;
+}
+
 TEST(RadialBlur, TransparentArcLeavesThePixel) {
     const Picture clear(2, {{9, 8, 7, 0}, {6, 5, 4, 0}, {3, 2, 1, 0}, {0, 1, 2, 0}});
     EXPECT_EQ(clear.after(spin(90, {0, 0}, ChannelTarget::RGBA)), clear);
@@ -172,6 +194,16 @@ TEST(ZoomBlur, EqualsItsDefinition) {
                               referenceZoomBlur(picture, length, point, direction, target))
                         << length << ' ' << point.x << ' ' << point.y << ' ' << int(direction);
     });
+}
+
+TEST(ZoomBlur, LongRaysEqualTheirDefinition) {
+    const Picture picture = Picture::random(203, 37, 5);
+    for (Point point : {Point{18, 101}, {-300, 260}})
+        for (int32_t length : {100, 1500})
+            for (ZoomDirection direction : {ZoomDirection::In, ZoomDirection::Out})
+                EXPECT_EQ(picture.after(zoom(length, point, direction, ChannelTarget::RGBA)),
+                          referenceZoomBlur(picture, length, point, direction, ChannelTarget::RGBA))
+                    << point.x << ' ' << length << ' ' << int(direction);
 }
 
 TEST(ZoomBlur, TransparentRayTakesAlphaAlone) {
