@@ -146,12 +146,7 @@ void turnTogether(TurnedRows rows, PathTile tile, FixedPlaces fixed, TilePlaces&
 class TileArcs {
 public:
     /// No arc has more than `degrees` to each side.
-    TileArcs(const PathTile& tile, Point centre, const PathSource& source, int32_t degrees)
-        : tile_(tile), centre_(centre), source_(source), reach_(centre, tile) {
-        // An angle is wrong by twice `kAngleError` at most. The larger it is, the more it is rounded.
-        error_ = 2 * Circle::kAngleError * reach_.farthest + placeRoundings(centre, source) + degrees * 1e-12;
-        for (int32_t row = 0; row < tile.height; ++row) setRow(row);
-    }
+    TileArcs(const PathTile& tile, Point centre, const PathSource& source, int32_t degrees);
 
     /// Places the sample of every pixel `degree` degrees on.
     void place(int32_t degree, double cosine, double sine, TilePlaces& places) const {
@@ -225,6 +220,13 @@ private:
     Directions directions_;
 };
 
+TileArcs::TileArcs(const PathTile& tile, Point centre, const PathSource& source, int32_t degrees)
+    : tile_(tile), centre_(centre), source_(source), reach_(centre, tile) {
+    // An angle is wrong by twice `kAngleError` at most. The larger it is, the more it is rounded.
+    error_ = 2 * Circle::kAngleError * reach_.farthest + placeRoundings(centre, source) + degrees * 1e-12;
+    for (int32_t row = 0; row < tile.height; ++row) setRow(row);
+}
+
 /// The sums of a tile's arcs where colours may sum to more than single precision holds exactly: sums are
 /// rounded to it after each sample.
 class RoundedSums {
@@ -243,9 +245,8 @@ public:
     void means(int32_t count, const int32_t* samples, int32_t, Pixel* results) const {
         for (int32_t i = 0; i < count; ++i) {
             const double divisor = weighted_ ? double(weights_[i]) : samples[i];
-            for (size_t c = 0; c < 3; ++c)
-                results[i][c] = static_cast<uint8_t>(truncate(colours_[c][i] / divisor));
-            results[i].alpha = static_cast<uint8_t>(static_cast<int32_t>(alphas_[i]) / samples[i]);
+            for (size_t c = 0; c < 3; ++c) results[i][c] = quotientByte(colours_[c][i], divisor);
+            results[i].alpha = quotientByte(static_cast<int32_t>(alphas_[i]), samples[i]);
         }
     }
     float weight(int32_t i) const { return weights_[i]; }
@@ -261,30 +262,24 @@ private:
     uint32_t alphas_[PathTile::kPixels] = {};
 };
 
+/// Sums the arcs of a tile and writes what they give.
 template <class Sums>
-Status blurArcs(const ImageEngine& engine, const ArcTables& arc, Point point, ChannelTarget target) {
-    const bool weighted = target == ChannelTarget::RGBA;
-    const PathSource source(engine, weighted);
-    if (source.status()) return source.status();
-    const int32_t degrees = arc.count() / 2;
-    return forEachPathTile(engine, [&](const PathTile& tile) {
-        const TileArcs arcs(tile, point, source, degrees);
-        TilePlaces places;
-        Sums sums(engine, source, weighted);
-        for (int32_t n = 0; n < arc.count(); ++n) {
-            if (n % kAtOnce == 0) engine.throwIfCancelled();
-            arcs.place(n - degrees, arc.cosine(n), arc.sine(n), places);
-            sums.add(places.offset, tile.count());
-        }
-        int32_t samples[PathTile::kPixels];
-        std::fill_n(samples, tile.count(), arc.count());
-        Pixel means[PathTile::kPixels];
-        sums.means(tile.count(), samples, arc.count(), means);
-        const ChannelMask mask(target);
-        if (!weighted) return writeTile(tile, *engine.buffer(), means, mask);
-        forEachPixelOf(tile, *engine.buffer(), [&](int32_t i, Pixel& p) {
-            if (sums.weight(i) != 0.0f) p = means[i];
-        });
+void blurTile(const ImageEngine& engine, const PathTile& tile, const TileArcs& arcs, const ArcTables& table,
+              Sums&& sums, ChannelTarget target) {
+    const int32_t degrees = table.count() / 2;
+    TilePlaces places;
+    for (int32_t n = 0; n < table.count(); ++n) {
+        if (n % kAtOnce == 0) engine.throwIfCancelled();
+        arcs.place(n - degrees, table.cosine(n), table.sine(n), places);
+        sums.add(places.offset, tile.count());
+    }
+    int32_t samples[PathTile::kPixels];
+    std::fill_n(samples, tile.count(), table.count());
+    Pixel means[PathTile::kPixels];
+    sums.means(tile.count(), samples, table.count(), means);
+    if (target != ChannelTarget::RGBA) return writeTile(tile, *engine.buffer(), means, ChannelMask(target));
+    forEachPixelOf(tile, *engine.buffer(), [&](int32_t i, Pixel& p) {
+        if (sums.weight(i) != 0.0f) p = means[i];
     });
 }
 
@@ -295,10 +290,17 @@ Status radialBlur(ImageEngine& engine, int32_t radialLength, Point radialPoint, 
     if (Status state = engine.imageStatus()) return state;
     if (radialLength < 1) return kStatusOk;
     if (isUnset(target)) return kStatusOk;
-    const ArcTables arc(engine, radialLength);
-    return arc.count() <= RoundedSums::kExactSamples
-               ? blurArcs<TileSums>(engine, arc, radialPoint, target)
-               : blurArcs<RoundedSums>(engine, arc, radialPoint, target);
+    const bool weighted = target == ChannelTarget::RGBA;
+    const ArcTables table(engine, radialLength);
+    const PathSource source(engine, weighted);
+    if (source.status()) return source.status();
+    return forEachPathTile(engine, [&](const PathTile& tile) {
+        const TileArcs arcs(tile, radialPoint, source, radialLength);
+        if (table.count() <= RoundedSums::kExactSamples)
+            blurTile(engine, tile, arcs, table, TileSums(engine, source, weighted), target);
+        else
+            blurTile(engine, tile, arcs, table, RoundedSums(engine, source, weighted), target);
+    });
 }
 
 void describeRadialBlur(Catalogue& catalogue) {

@@ -65,25 +65,6 @@ void castRow(double across, double down, int32_t count, double scale, double* __
     }
 }
 
-/// Places sample `k` of every ray in double precision.
-KRL_VECTOR_LEVELS
-void placeEach(const TileRays& rays, PathTile tile, int32_t k, Zoom zoom, const PathSource& source,
-               TilePlaces& places) {
-    const double pointX = zoom.point.x + 0.5, pointY = zoom.point.y + 0.5, walked = zoom.step * k;
-    for (int32_t row = 0; row < tile.height; ++row) {
-        int32_t any = 0;
-        for (int32_t i = row * tile.width; i < (row + 1) * tile.width; ++i) {
-            const double d = rays.distance[i] + walked;
-            const Placement place(pointX - rays.alongX[i] * d, pointY - rays.alongY[i] * d, source.width(),
-                                  source.height(), zoom.error);
-            places.offset[i] = place.offset;
-            places.doubt[i] = -place.doubt;
-            any |= places.doubt[i];
-        }
-        places.rowDoubt[row] = any;
-    }
-}
-
 /// How far the rays of a tile are walked, in fixed point from the tile's first pixel.
 struct WalkedRays {
     int32_t x[PathTile::kPixels], y[PathTile::kPixels];
@@ -124,7 +105,6 @@ void leaveOutEnded(const TileRays& rays, int32_t pixels, int32_t k, int32_t noth
     for (int32_t i = 0; i < pixels; ++i) {
         const bool ended = k >= rays.samples[i];
         places.offset[i] = ended ? nothing : places.offset[i];
-        places.doubt[i] = ended ? 0 : places.doubt[i];
     }
 }
 
@@ -173,14 +153,14 @@ public:
         const double unit = isFixed ? fixed.unit() : 1;
         fixed.error = kSteps + 2 + static_cast<int32_t>(zoom_.error * unit);
         for (int32_t k = 0; k < longest; ++k) {
-            if (!isFixed) {
-                placeEach(rays_, tile_, k, zoom_, source_, places_);
-            } else {
+            if (isFixed) {
                 if (k % kSteps == 0) startAt(rays_, tile_, zoom_.step * k, zoom_.step, unit, walked_);
                 advance(tile_, fixed, walked_, places_);
+                places_.settle(tile_, [&](int32_t i) { places_.offset[i] = offsetOf(i, k); });
+            } else {
+                for (int32_t i = 0; i < tile_.count(); ++i) places_.offset[i] = offsetOf(i, k);
             }
             if (k >= shortest) leaveOutEnded(rays_, tile_.count(), k, source_.nothing(), places_);
-            places_.settle(tile_, [&](int32_t i) { places_.offset[i] = offsetOf(i, k); });
             sums_.add(places_.offset, tile_.count());
         }
         write();

@@ -4,10 +4,13 @@
 
 #include "catalogue/Catalogue.h"
 #include "core/Bands.h"
+#include "core/ByteArithmetic.h"
+#include "core/Doubts.h"
 #include "core/ExactDivision.h"
 #include "core/LookupTables.h"
+#include "core/PixelWord.h"
 #include "core/Scratch.h"
-#include "kernels/blend/AlphaScale.h"
+#include "core/VectorLevels.h"
 #include "kernels/path/PixelFields.h"
 #include "krlimage/stylise.h"
 
@@ -17,6 +20,36 @@ namespace {
 
 constexpr int32_t kMostBrush = 5;
 constexpr int32_t kMostSamples = (2 * kMostBrush + 1) * (2 * kMostBrush + 1);
+
+/// Pixels whose bins are decided together.
+constexpr int32_t kSpan = 256;
+
+/// Scales the colours of at most `kSpan` pixels by alpha and puts the bin of their brightness in its place,
+/// in single precision: `levelScale` is bins for each level. Returns whether any bin is in doubt.
+///
+/// The brightness in thousandths is a whole number that `float` holds. Its scale and the product are rounded
+/// three times, by less than 2^-16 of a bin each; the true brightness is the sum of three numbers that are
+/// rounded by less than 2^-16 together; and adding the error rounds by as much again.
+KRL_VECTOR_LEVELS
+bool mixSpan(const Pixel* __restrict pixels, int32_t count, float levelScale, Pixel* __restrict mixed,
+             int32_t* __restrict doubts) {
+    constexpr float kError = 0x1p-13f;
+    const float scale = levelScale / 1000.0f;
+    int32_t any = 0;
+    for (int32_t i = 0; i < count; ++i) {
+        const uint32_t word = wordOf(pixels[i]), alpha = word >> 24;
+        const int32_t blue = byteAt(word, 0), green = byteAt(word, 8), red = byteAt(word, 16);
+        const float thousandths = float(red) * 299.0f + float(green) * 587.0f + float(blue) * 114.0f;
+        const float level = thousandths * scale;
+        const auto bin = static_cast<int32_t>(level + kError);
+        doubts[i] = bin - static_cast<int32_t>(level - kError);
+        any |= doubts[i];
+        const auto scaled = [=](int32_t byte) { return dividedBy255(alpha * static_cast<uint32_t>(byte)); };
+        storeWord(mixed[i],
+                  scaled(blue) | scaled(green) << 8 | scaled(red) << 16 | static_cast<uint32_t>(bin) << 24);
+    }
+    return any != 0;
+}
 
 /// The picture as the brush sees it: colours scaled by alpha, and in place of alpha the number of the
 /// bin that a pixel's brightness falls into.
@@ -28,15 +61,20 @@ public:
           pixels_(static_cast<size_t>(image.width) * static_cast<size_t>(image.height)) {}
 
     void mixRow(const LookupTables& tables, int32_t y) const {
-        const Pixel* row = image_.row(y);
-        Pixel* mixed = at(y);
-        for (int32_t x = 0; x < image_.width; ++x) {
-            const Pixel p = row[x];
-            const double luma =
-                double(tables.lumaRed[p.red]) + tables.lumaGreen[p.green] + tables.lumaBlue[p.blue];
-            mixed[x] = scaledByAlpha(p);
-            mixed[x].alpha = static_cast<uint8_t>(truncate(luma * levelScale_));
+        int32_t doubts[kSpan];
+        for (int32_t x = 0; x < image_.width; x += kSpan) {
+            const Pixel* row = image_.row(y) + x;
+            Pixel* mixed = at(y) + x;
+            const int32_t count = std::min(kSpan, image_.width - x);
+            const bool any = mixSpan(row, count, static_cast<float>(levelScale_), mixed, doubts);
+            settleDoubts(any, doubts, count, [&](int32_t i) { mixed[i].alpha = binOf(tables, row[i]); });
         }
+    }
+
+    uint8_t binOf(const LookupTables& tables, Pixel p) const {
+        const double luma =
+            double(tables.lumaRed[p.red]) + tables.lumaGreen[p.green] + tables.lumaBlue[p.blue];
+        return static_cast<uint8_t>(truncate(luma * levelScale_));
     }
 
     Pixel* at(int32_t y) const { return pixels_.data() + ptrdiff_t(y) * image_.width; }
@@ -58,59 +96,140 @@ constexpr Means kMeans = []<size_t... Count>(std::index_sequence<Count...>) {
 }
 (std::make_index_sequence<size_t(kMostSamples)>());
 
-/// The histogram under the brush: how many pixels each bin holds, and the sums of their colours.
-class Brush {
+/// The histograms of the columns of pixels under the brush, for a strip of the picture and the brush's reach
+/// to both sides of it: how many pixels each bin holds, and the sums of their colours.
+class Columns {
 public:
-    explicit Brush(int32_t bins) : scanned_((bins + 15) / 16 * 16) {}
+    static constexpr int32_t kStrip = 128, kMostColumns = kStrip + 2 * kMostBrush;
+    explicit Columns(int32_t bins)
+        : bins_(bins), stride_(static_cast<size_t>(bins | 1)), colours_(kMostColumns * stride_) {}
 
-    void lift() {
+    int32_t bins() const { return bins_; }
+    /// Counters of a bin, column by column.
+    const int8_t* counts(int32_t bin) const { return counts_[bin]; }
+    /// Whether a pixel in a row from `y` on has been of this bin.
+    bool isSince(int32_t y, int32_t bin) const { return lastRow_[bin] >= y; }
+    /// Sums of a bin's colours, column by column.
+    const uint64_t* colours(int32_t column, int32_t bin) const {
+        return colours_.data() + static_cast<size_t>(column) * stride_ + bin;
+    }
+    size_t stride() const { return stride_; }
+
+    void clear() {
         std::memset(counts_, 0, sizeof counts_);
-        std::memset(colours_, 0, sizeof colours_);
+        std::fill_n(lastRow_, bins_, -1);
+        std::fill(colours_.begin(), colours_.end(), uint64_t{});
     }
-    void add(Pixel p) {
-        ++counts_[p.alpha];
-        colours_[p.alpha] += fieldsOf(p);
+    /// Adds `count` pixels of row `y`, one to each column from `column` on.
+    void add(const Pixel* pixels, int32_t count, int32_t column, int32_t y) {
+        uint64_t* colours = colours_.data() + static_cast<size_t>(column) * stride_;
+        for (int32_t i = 0; i < count; ++i, colours += stride_) {
+            const Pixel p = pixels[i];
+            ++counts_[p.alpha][column + i];
+            colours[p.alpha] += fieldsOf(p);
+            lastRow_[p.alpha] = y;
+        }
     }
-    void remove(Pixel p) {
-        --counts_[p.alpha];
-        colours_[p.alpha] -= fieldsOf(p);
-    }
-
-    /// Mean colour of the fullest bin, the lowest of equals.
-    Pixel colour(uint8_t alpha) const {
-        uint8_t most = 0;
-        for (int32_t i = 0; i < scanned_; ++i) most = counts_[i] > most ? counts_[i] : most;
-        const auto* found =
-            static_cast<const uint8_t*>(std::memchr(counts_, most, static_cast<size_t>(scanned_)));
-        const uint64_t sums = colours_[found - counts_];
-        const ByteMean mean = kMeans.of[most];
-        return {mean(blueField(sums)), mean(greenField(sums)), mean(redField(sums)), alpha};
+    void remove(const Pixel* pixels, int32_t count, int32_t column) {
+        uint64_t* colours = colours_.data() + static_cast<size_t>(column) * stride_;
+        for (int32_t i = 0; i < count; ++i, colours += stride_) {
+            const Pixel p = pixels[i];
+            --counts_[p.alpha][column + i];
+            colours[p.alpha] -= fieldsOf(p);
+        }
     }
 
 private:
-    int32_t scanned_;  ///< bins to look through, in whole vectors
-    uint8_t counts_[256];
-    uint64_t colours_[256];
+    int32_t bins_;
+    size_t stride_;  ///< of columns; odd, so that a bin of all columns does not crowd one set of the cache
+    int8_t counts_[256][kMostColumns];
+    int32_t lastRow_[256];
+    Scratch<uint64_t> colours_;
 };
 
-/// Paints one row, sliding the brush along it.
-void paintRow(const Palette& palette, int32_t brushSize, int32_t y, Brush& brush, Pixel* row) {
-    const int32_t width = palette.width();
-    const int32_t top = std::max(0, y - brushSize), bottom = std::min(palette.height() - 1, y + brushSize);
-    const auto forColumn = [&](int32_t x, const auto& each) {
-        const Pixel* p = palette.at(top) + x;
-        for (int32_t i = top; i <= bottom; ++i, p += width) each(*p);
-    };
-    const auto add = [&](Pixel p) { brush.add(p); };
-    const auto remove = [&](Pixel p) { brush.remove(p); };
-    brush.lift();
-    for (int32_t x = 0; x < std::min(brushSize, width); ++x) forColumn(x, add);
-    for (int32_t x = 0; x < width; ++x) {
-        if (x + brushSize < width) forColumn(x + brushSize, add);
-        if (x - brushSize > 0) forColumn(x - brushSize - 1, remove);
-        row[x] = brush.colour(row[x].alpha);
+/// The fullest bin under the brush at each pixel of a strip, the lowest of equals.
+struct Winners {
+    int8_t count[Columns::kStrip];
+    uint8_t bin[Columns::kStrip];
+};
+
+template <int32_t kBrush>
+KRL_VECTOR_LEVELS void challenge(const int8_t* __restrict counts, uint8_t bin, Winners& __restrict winners) {
+    for (int32_t x = 0; x < Columns::kStrip; ++x) {
+        int8_t count = counts[x];
+        for (int32_t i = 1; i <= 2 * kBrush; ++i) count = static_cast<int8_t>(count + counts[x + i]);
+        const bool wins = count > winners.count[x];
+        winners.bin[x] = wins ? bin : winners.bin[x];
+        winners.count[x] = wins ? count : winners.count[x];
     }
 }
+
+/// Paints pixels in the mean colour of their winners.
+template <int32_t kBrush>
+void paintWinners(const Columns& columns, const Winners& winners, Pixel* row, int32_t width) {
+    const size_t stride = columns.stride();
+    for (int32_t x = 0; x < width; ++x) {
+        const uint64_t* colours = columns.colours(x, winners.bin[x]);
+        uint64_t sums = *colours;
+        for (int32_t i = 1; i <= 2 * kBrush; ++i) sums += *(colours += stride);
+        const ByteMean mean = kMeans.of[winners.count[x]];
+        row[x] = {mean(blueField(sums)), mean(greenField(sums)), mean(redField(sums)), row[x].alpha};
+    }
+}
+
+/// The loops over a brush's columns, which are unrolled for each size.
+struct BrushLoops {
+    void (*challenge)(const int8_t* __restrict, uint8_t, Winners& __restrict);
+    void (*paint)(const Columns&, const Winners&, Pixel*, int32_t);
+};
+template <int32_t kBrush>
+constexpr BrushLoops kLoopsOf{challenge<kBrush>, paintWinners<kBrush>};
+constexpr BrushLoops kLoops[] = {kLoopsOf<1>, kLoopsOf<2>, kLoopsOf<3>, kLoopsOf<4>, kLoopsOf<kMostBrush>};
+static_assert(kMostSamples < 128);
+
+/// Paints strips of the picture from top to bottom. The brush's histogram is the sum of those of its columns;
+/// of colours, only the fullest bin's are summed.
+class StripPainter {
+public:
+    StripPainter(const Palette& palette, int32_t brushSize, int32_t bins)
+        : palette_(palette), brush_(brushSize), columns_(bins) {}
+
+    /// Paints `width` pixels from column `left` on in `rows` of `image`.
+    void paint(const ImageEngine& engine, IndexRange rows, int32_t left, int32_t width) {
+        first_ = std::max(0, left - brush_);
+        count_ = std::min(palette_.width(), left + width + brush_) - first_;
+        column_ = first_ - (left - brush_);
+        columns_.clear();
+        for (int32_t y = std::max(0, rows.first - brush_); y < rows.first + brush_; ++y) add(y);
+        for (int32_t y = rows.first; y < rows.last; ++y) {
+            engine.throwIfCancelled();
+            add(y + brush_);
+            if (y > rows.first && y > brush_)
+                columns_.remove(palette_.at(y - brush_ - 1) + first_, count_, column_);
+            paintRow(engine.buffer()->row(y) + left, width, y);
+        }
+    }
+
+private:
+    void add(int32_t y) {
+        if (y < palette_.height()) columns_.add(palette_.at(y) + first_, count_, column_, y);
+    }
+
+    void paintRow(Pixel* row, int32_t width, int32_t y) const {
+        const BrushLoops& loops = kLoops[brush_ - 1];
+        Winners winners = {};
+        for (int32_t bin = 0; bin < columns_.bins(); ++bin)
+            if (columns_.isSince(y - brush_, bin))
+                loops.challenge(columns_.counts(bin), static_cast<uint8_t>(bin), winners);
+        loops.paint(columns_, winners, row, width);
+    }
+
+    const Palette& palette_;
+    int32_t brush_;
+    int32_t first_ = 0, count_ = 0;  ///< columns of the picture that the strip's brushes reach
+    int32_t column_ = 0;             ///< the first one's number in `columns_`
+    Columns columns_;
+};
 
 }  // namespace
 
@@ -122,11 +241,10 @@ Status oilPaint(ImageEngine& engine, int32_t brushSize, int32_t intensity) {
     const Status mixed = forEachRow(engine, [&](Pixel*, int32_t y) { palette.mixRow(engine.tables(), y); });
     if (mixed) return mixed;
     return forEachRowRange(engine, [&](IndexRange rows) {
-        Brush brush(levels + 1);
-        for (int32_t y = rows.first; y < rows.last; ++y) {
-            engine.throwIfCancelled();
-            paintRow(palette, size, y, brush, engine.buffer()->row(y));
-        }
+        StripPainter painter(palette, size, levels + 1);
+        const int32_t width = palette.width();
+        for (int32_t left = 0; left < width; left += std::min(Columns::kStrip, width - left))
+            painter.paint(engine, rows, left, std::min(Columns::kStrip, width - left));
     });
 }
 

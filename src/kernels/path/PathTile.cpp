@@ -73,24 +73,14 @@ void TileSums::gather(int32_t count) {
 
 void TileSums::means(int32_t count, const int32_t* samples, int32_t most, Pixel* results) {
     gather(count);
-    const auto dividedBySamples = [&](int32_t i, size_t c) {
-        return static_cast<uint8_t>(static_cast<int32_t>(sums_[c][i]) / samples[i]);
-    };
-    if (most <= static_cast<int32_t>(MiddleByteQuotient::kLargestWeight))
-        divideBySamples(sums_, samples, count, results);
-    else
-        for (int32_t i = 0; i < count; ++i)
-            for (size_t c = 0; c < 4; ++c)
-                results[i][c] = samples[i] > 0 ? dividedBySamples(i, c) : uint8_t{};
-    if (units_) weigh(count, results);
+    if (!units_ && most <= static_cast<int32_t>(MiddleByteQuotient::kLargestWeight))
+        return divideBySamples(sums_, samples, count, results);
+    for (int32_t i = 0; i < count; ++i)
+        for (size_t c = 0; c < 4; ++c)
+            results[i][c] = quotientByte(static_cast<int32_t>(sums_[c][i]),
+                                         units_ && c < 3 ? weights_[i] : double(samples[i]));
 }
 
-void TileSums::weigh(int32_t count, Pixel* results) const {
-    for (int32_t i = 0; i < count; ++i) {
-        const double weight = weights_[i];
-        for (size_t c = 0; c < 3; ++c)
-            results[i][c] = static_cast<uint8_t>(truncate(static_cast<int32_t>(sums_[c][i]) / weight));
-    }
-}
+uint8_t quotientByte(double sum, double divisor) { return static_cast<uint8_t>(truncate(sum / divisor)); }
 
 }  // namespace krl

@@ -14,7 +14,7 @@ namespace krl {
 
 /// A tile of pixels, numbered row by row.
 struct PathTile {
-    static constexpr int32_t kWidth = 64, kHeight = 16, kPixels = kWidth * kHeight;
+    static constexpr int32_t kWidth = 64, kHeight = 4, kPixels = kWidth * kHeight;
 
     int32_t left, top, width, height;
 
@@ -82,6 +82,9 @@ private:
     }
 };
 
+/// The low byte of a truncated quotient; 0 over 0. Of whole numbers of 32 bits it is that of their quotient.
+uint8_t quotientByte(double sum, double divisor);
+
 /// The sums of a tile's paths: one array for each channel, 32-bit integers that wrap, and the weight of
 /// colour: alpha on 0..1, added sample by sample in single precision.
 class TileSums {
@@ -105,8 +108,6 @@ private:
     static constexpr int32_t kFieldSamples = 256;
 
     void gather(int32_t count);
-    /// Puts colours over the weight.
-    void weigh(int32_t count, Pixel* results) const;
 
     const float* units_;
     const Pixel* pixels_;

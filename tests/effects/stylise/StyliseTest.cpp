@@ -80,6 +80,22 @@ TEST(OilPaint, EqualsItsDefinition) {
             }
 }
 
+TEST(OilPaint, BinsOfGreysEqualTheirDefinition) {
+    // The brightness of many greys is the border of a bin, where the rounding of its parts decides.
+    const Picture ramp = Picture::ramp(2);
+    for (int32_t intensity = 10; intensity <= 255; ++intensity)
+        EXPECT_EQ(ramp.after(paint(1, intensity)), referenceOilPaint(ramp, 1, intensity)) << intensity;
+}
+
+TEST(OilPaint, StripsOfAWidePictureMeet) {
+    const Picture picture = Picture::random(300, 20, 3);
+    for (int32_t brushSize : {1, 2, 3, 4, 5})
+        EXPECT_EQ(picture.after(paint(brushSize, 12)), referenceOilPaint(picture, brushSize, 12))
+            << brushSize;
+    for (int32_t bands : {2, 5, 20})
+        EXPECT_EQ(picture.after(paint(3, 12), bands), picture.after(paint(3, 12))) << bands;
+}
+
 TEST(OilPaint, FullCountersOfAFlatPictureHold) {
     const Picture white(25, 25, {255, 255, 255, 255});
     EXPECT_EQ(white.after(paint(5, 255)), white);
