@@ -1,8 +1,10 @@
 #include "effects/hue/HlsChange.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 
+#include "core/Gather.h"
 #include "core/VectorLevels.h"
 #include "kernels/colour/ColourSpace.h"
 #include "kernels/colour/HlsLanes.h"
@@ -48,20 +50,32 @@ Status recolourSingly(ImageEngine& engine, const HlsChange& change) {
     });
 }
 
-KRL_VECTOR_LEVELS void apply(const HlsChange& change, HlsLanes& hls) {
-    for (size_t i = 0; i < kBatchPixels; ++i) {
-        hls.hue[i] = change.hues[hls.hue[i] + 1];
-        hls.lightness[i] = change.lightnesses[hls.lightness[i]];
-    }
+/// Replaces every lane by what `changes` says of it.
+void change(const int32_t* changes, int32_t (&lanes)[kBatchPixels]) {
+    int32_t changed[kBatchPixels];
+    gatherWords(changes, lanes, kBatchPixels, changed);
+    std::memcpy(lanes, changed, sizeof lanes);
 }
 
 /// The same for lanes.
-void recolour(ColourLanes& colours, const HlsChange& change) {
-    HlsLanes hls;
-    toHls(colours, hls);
-    apply(change, hls);
-    fromHls(hls, colours);
-}
+class LaneRecolouring {
+public:
+    explicit LaneRecolouring(const HlsChange& change)
+        : change_(change),
+          keepsLightness_(std::ranges::equal(change.lightnesses, unchangedHls().lightnesses)) {}
+
+    void operator()(ColourLanes& colours) const {
+        HlsLanes hls;
+        toHls(colours, hls);
+        change(change_.hues + 1, hls.hue);
+        if (!keepsLightness_) change(change_.lightnesses, hls.lightness);
+        fromHls(hls, colours);
+    }
+
+private:
+    const HlsChange& change_;
+    bool keepsLightness_;
+};
 
 /// Moves each lane from what it was as far toward what it became as `gain` says.
 template <class Gain>
@@ -74,14 +88,16 @@ KRL_VECTOR_LEVELS void blendLanes(int32_t (&became)[kBatchPixels], const int32_t
 
 Status recolourByHls(ImageEngine& engine, const HlsChange& change) {
     if (!suitsLanes(change)) return recolourSingly(engine, change);
-    return forEachLaneBatch(engine, [&](ColourLanes& colours) { recolour(colours, change); });
+    return forEachLaneBatch(engine, LaneRecolouring(change));
 }
 
 Status recolourByHls(ImageEngine& engine, const HlsChange& change, int32_t density) {
+    if (density == 100 && givesBytes(change)) return recolourByHls(engine, change);
+    const LaneRecolouring recolour(change);
     const auto blend = [&](auto gain) {
         return forEachLaneBatch(engine, [&, gain](ColourLanes& colours) {
             const ColourLanes before = colours;
-            recolour(colours, change);
+            recolour(colours);
             blendLanes(colours.red, before.red, gain);
             blendLanes(colours.green, before.green, gain);
             blendLanes(colours.blue, before.blue, gain);

@@ -1,5 +1,7 @@
 #include "kernels/colour/HlsLanes.h"
 
+#include <bit>
+
 #include "core/VectorLevels.h"
 
 namespace krl {
@@ -9,6 +11,23 @@ namespace {
 /// Integer quotient, toward zero. Divisors are at most 510 and quotients small, so a quotient that is
 /// no integer differs from the next one by far more than `float` rounds away.
 int32_t quotient(float numerator, float divisor) { return static_cast<int32_t>(numerator / divisor); }
+
+/// The least `float` that is not below 1 / `divisor`.
+constexpr float reciprocalAbove(int32_t divisor) {
+    const float nearest = 1.0f / static_cast<float>(divisor);
+    const bool below = double(nearest) * divisor < 1.0;
+    return below ? std::bit_cast<float>(std::bit_cast<uint32_t>(nearest) + 1) : nearest;
+}
+
+/// The same of a whole number below 2^21 in size by a constant, as a multiplication. With a factor that is
+/// not below the reciprocal a product never rounds below an exact quotient, and quotients of up to 2^13 are
+/// less than 2^13 * 2^-22 too large, which does not reach the next integer.
+template <int32_t kDivisor>
+int32_t quotient(float numerator) {
+    static_assert(kDivisor <= 510);
+    constexpr float kReciprocal = reciprocalAbove(kDivisor);
+    return static_cast<int32_t>(numerator * kReciprocal);
+}
 
 }  // namespace
 
@@ -21,7 +40,7 @@ KRL_VECTOR_LEVELS void toHls(const ColourLanes& colours, HlsLanes& hls) {
         const int32_t max = larger > blue ? larger : blue, min = smaller < blue ? smaller : blue;
         const int32_t sum = max + min, delta = max - min, middle = red + green + blue - sum;
 
-        const int32_t lightness = quotient(float(sum) * 360.0f + 255.0f, 510.0f);
+        const int32_t lightness = quotient<510>(float(sum) * 360.0f + 255.0f);
         const int32_t divisor = lightness <= 180 ? sum : 510 - sum;
         hls.lightness[i] = lightness;
         const int32_t halfDivisor = divisor / 2, halfDelta = delta / 2;  // they round the quotients
@@ -51,8 +70,8 @@ int32_t channelAt(int32_t hue, float low, float spread) {
     const int32_t falling = turned < 240 ? 240 - turned : 0;
     const int32_t rising = turned < 60 ? turned : 60;
     const int32_t slope = rising < falling ? rising : falling;
-    const float level = low + float(quotient(spread * float(slope) + 30.0f, 60.0f));
-    return quotient(level * 255.0f + 180.0f, 360.0f);
+    const float level = low + float(quotient<60>(spread * float(slope) + 30.0f));
+    return quotient<360>(level * 255.0f + 180.0f);
 }
 
 }  // namespace
@@ -63,7 +82,7 @@ KRL_VECTOR_LEVELS void fromHls(const HlsLanes& hls, ColourLanes& colours) {
     ColourLanes coloured;
     for (size_t i = 0; i < kBatchPixels; ++i) {
         const int32_t hue = hls.hue[i], lightness = hls.lightness[i], saturation = hls.saturation[i];
-        const int32_t share = quotient(float(lightness) * float(saturation) + 180.0f, 360.0f);
+        const int32_t share = quotient<360>(float(lightness) * float(saturation) + 180.0f);
         const int32_t reach = lightness <= 180 ? share : saturation - share;
         const float low = float(lightness - reach), spread = float(2 * reach);
         coloured.red[i] = channelAt(hue + 120, low, spread);
@@ -71,7 +90,7 @@ KRL_VECTOR_LEVELS void fromHls(const HlsLanes& hls, ColourLanes& colours) {
         coloured.blue[i] = channelAt(hue - 120, low, spread);
     }
     for (size_t i = 0; i < kBatchPixels; ++i) {
-        const int32_t grey = quotient(float(hls.lightness[i]) * 255.0f, 360.0f);
+        const int32_t grey = quotient<360>(float(hls.lightness[i]) * 255.0f);
         // All ones where it holds, so that the choice stays one of bits.
         const int32_t isGrey = -int32_t{hls.saturation[i] == 0}, isUndefined = -int32_t{hls.hue[i] == -1};
         const auto choose = [=](int32_t own, int32_t other) {

@@ -1,9 +1,9 @@
 #include "kernels/path/PathTile.h"
 
 #include "core/ExactDivision.h"
+#include "core/Gather.h"
 #include "core/PixelWord.h"
 #include "core/VectorLevels.h"
-#include "kernels/path/GatherPixels.h"
 
 namespace krl {
 
@@ -53,7 +53,7 @@ void divideBySamples(const uint32_t (&sums)[4][PathTile::kPixels], const int32_t
 
 void TileSums::add(const int32_t* offsets, int32_t count) {
     uint32_t words[PathTile::kPixels];
-    gatherPixels(pixels_, offsets, count, words);
+    gatherWords(pixels_, offsets, count, words);
     addFields(words, count, blueAndRed_, greenAndAlpha_);
     if (units_) addWeights(words, count, units_, weights_);
     if (++held_ == kFieldSamples) gather(count);

@@ -44,7 +44,7 @@ TEST(HlsLanes, HoldTheEquationForEveryColour) {
 TEST(HlsLanes, ComeBackAsTheEquationSaysForEveryHueTheyTake) {
     HlsLanes hls;
     for (int32_t hue = -kWidestHue; hue <= kWidestHue; hue += hue >= -2 && hue < 361 ? 1 : 7)
-        for (int32_t lightness = 0; lightness <= 360; lightness += 9) {
+        for (int32_t lightness = 0; lightness <= 360; lightness += 3) {
             ColourLanes colours;
             for (size_t i = 0; i < kBatchPixels; ++i) {
                 hls.hue[i] = hue;
