@@ -1,5 +1,6 @@
 #include "core/Gather.h"
 
+#include <cstddef>
 #include <cstring>
 
 // Compilers make single loads of this loop, which take more instructions than AVX2's own.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -31,6 +32,12 @@ public:
         const __m128i low = _mm_and_si128(limited(scaled(factor), 255), _mm_set1_epi32(255));
         const __m128i words = _mm_packs_epi32(low, low);
         return std::bit_cast<Pixel>(_mm_cvtsi128_si32(_mm_packus_epi16(words, words)));
+    }
+    /// The low 16 bits of each.
+    std::array<uint16_t, 4> words() const {
+        alignas(16) int32_t sums[4];
+        _mm_store_si128(reinterpret_cast<__m128i*>(sums), sums_);
+        return {uint16_t(sums[0]), uint16_t(sums[1]), uint16_t(sums[2]), uint16_t(sums[3])};
     }
     bool operator==(const RaySums& other) const {
         return _mm_movemask_epi8(_mm_cmpeq_epi32(sums_, other.sums_)) == 0xFFFF;
@@ -74,6 +81,9 @@ private:
         low.scale(factor);
         low.limit(255);
         return {uint8_t(low.sums_[0]), uint8_t(low.sums_[1]), uint8_t(low.sums_[2]), uint8_t(low.sums_[3])};
+    }
+    std::array<uint16_t, 4> words() const {
+        return {uint16_t(sums_[0]), uint16_t(sums_[1]), uint16_t(sums_[2]), uint16_t(sums_[3])};
     }
     bool operator==(const RaySums& other) const { return std::memcmp(sums_, other.sums_, sizeof sums_) == 0; }
     bool unchangedOrRisenAbove(int32_t level, const RaySums& before) const {

@@ -4,14 +4,16 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <optional>
 
+#include "core/PixelWord.h"
+#include "core/VectorLevels.h"
 #include "effects/composite/RaySums.h"
+#include "effects/composite/RayWords.h"
 
 namespace krl {
 
 namespace {
-
-constexpr int32_t kMostLight = 25500;
 
 /// The places of a ray from the centre to an end, one for each step s from 0 to its length:
 /// `centre - d * s / length`, truncated toward the centre.
@@ -27,6 +29,13 @@ public:
     }
 
     int32_t length() const { return length_; }
+    /// Whether no product of a step wraps.
+    bool isExact() const { return exact_; }
+    /// How each coordinate grows in one step of an exact ray, in 2^-32nds. They are rounded away from 0, by
+    /// less than the 46340th of a pixel in all steps of a ray, which is what a place that is no whole number
+    /// lacks to the next at least.
+    int64_t stepX() const { return x_.step(length_); }
+    int64_t stepY() const { return y_.step(length_); }
 
     /// Calls `visit(x, y, s)` at every step.
     template <class Visit>
@@ -41,6 +50,10 @@ private:
 
         int32_t at(int32_t s, int32_t length) const {
             return wrapSubtract(start, wrapMultiply(d, s) / length);
+        }
+        int64_t step(int32_t length) const {
+            const int64_t size = ((int64_t(std::abs(d)) << 32) + length - 1) / length;
+            return d < 0 ? size : -size;
         }
     };
     /// An axis on its way. It moves by one at most in a step, as `d` is no longer than the ray.
@@ -74,8 +87,23 @@ private:
     int32_t length_;
 };
 
+/// Lists `count` places of a ray from (`x`, `y`) on in a picture of `width`, all of which are within, and the
+/// places that they read in one that is smaller by the bits `shift`. A step is an amount of 2^-32nds.
+KRL_VECTOR_LEVELS
+void listPlaces(int32_t x, int32_t y, int64_t stepX, int64_t stepY, int32_t count, int32_t width,
+                int32_t shift, int32_t* __restrict places, int32_t* __restrict sources) {
+    // Truncated toward the ray's beginning: forward downward, backward upward.
+    const int64_t upX = stepX < 0 ? 0xFFFFFFFF : 0, upY = stepY < 0 ? 0xFFFFFFFF : 0;
+    for (int32_t s = 0; s < count; ++s) {
+        const int32_t column = x + static_cast<int32_t>((stepX * s + upX) >> 32);
+        const int32_t row = y + static_cast<int32_t>((stepY * s + upY) >> 32);
+        places[s] = row * width + column;
+        sources[s] = (row >> shift) * (width >> shift) + (column >> shift);
+    }
+}
+
 /// The picture that rays run through and what they leave. `scale` is how many pixels of the field, in each
-/// direction, read one pixel of the source.
+/// direction, read one pixel of the source: 1 or 2.
 template <int32_t scale>
 class RayField {
 public:
@@ -89,7 +117,8 @@ public:
           distance_(wrapMultiply(settings.userDistance, scale)),
           share_(static_cast<float>(1.0 / distance_)),
           target_(static_cast<size_t>(width_) * static_cast<size_t>(height_)),
-          written_(target_.size()) {
+          written_(target_.size()),
+          mostSteps_(mostSteps()) {
         const double falloff = settings.falloff;
         falloff_ = scale == 1 ? settings.falloff : static_cast<float>(falloff + (1 - falloff) * 0.5);
         std::memset(static_cast<void*>(target_.data()), 0, target_.size() * sizeof(Pixel));
@@ -97,6 +126,8 @@ public:
         for (int32_t i = 0; i < 256; ++i) bright_[i] = truncate(i * static_cast<double>(settings.strength));
         // Below this no sum can overflow before it is limited.
         mayStopRising_ = settings.strength < 400;
+        step_ = RayStep::of(bright_, settings.strength, falloff_, share_);
+        makeRays();
     }
 
     /// The rays to each edge: the bottom upward along its indices, the right downward, the top downward, the
@@ -110,37 +141,180 @@ public:
             for (int32_t i = width_ - 1; i >= 0; --i) cast({0, i});
         if (centre_.x >= 0)
             for (int32_t i = 0; i < height_; ++i) cast({i, 0});
+        finish();
     }
 
     Scratch<Pixel>& target() { return target_; }
 
 private:
+    /// A ray within the field.
+    struct Ray {
+        int32_t *places, *sources;  ///< in the field and in the source, step by step
+        Pixel* early;               ///< what it shines by in its first steps
+        int32_t first;              ///< the number of its first step within
+        int32_t count;              ///< of steps within
+        int32_t walked;             ///< steps that it has walked alone
+        int32_t written;            ///< steps that are written
+        RaySums sums;
+    };
+
+    void makeRays() {
+        const auto steps = static_cast<size_t>(mostSteps_);
+        const size_t listed = 2 * steps + FourRays::kSoon;
+        lists_ = Scratch<int32_t>(2 * FourRays::kRays * listed);
+        colours_ = Scratch<Pixel>(2 * FourRays::kRays * steps);
+        int32_t* list = lists_.data();
+        later_ = colours_.data();
+        Pixel* early = later_ + FourRays::kRays * steps;
+        for (Ray& ray : rays_) {
+            ray.places = list;
+            ray.sources = list + listed;
+            ray.early = early;
+            list += 2 * listed;
+            early += steps;
+        }
+    }
+
+    /// Steps of a ray within, at most. Unless products wrap, the coordinate that changes more does so by 0.7
+    /// or more in each.
+    int32_t mostSteps() const {
+        constexpr int64_t kLongestRay = 46341;
+        const auto farther = [](int64_t centre, int64_t size) {
+            return std::max(std::abs(centre), std::abs(centre - size));
+        };
+        const int64_t x = farther(centre_.x, width_), y = farther(centre_.y, height_);
+        const bool mayWrap =
+            x > kLongestRay || y > kLongestRay || x * x + y * y > std::numeric_limits<int32_t>::max();
+        const int64_t most = 2 * int64_t(std::max(width_, height_)) + 4;
+        return static_cast<int32_t>(mayWrap ? kLongestRay : std::min(most, kLongestRay));
+    }
+
+    bool isWithin(int32_t x, int32_t y) const {
+        return static_cast<uint32_t>(x) < static_cast<uint32_t>(width_) &&
+               static_cast<uint32_t>(y) < static_cast<uint32_t>(height_);
+    }
+
     void cast(Point end) {
         engine_.throwIfCancelled();
         const RayPath path(centre_, end);
         if (path.length() == 0) return;
-        RaySums sums;
+        if (!path.isExact()) finish();
+        Ray& ray = rays_[held_];
+        list(path, ray);
+        std::fill_n(ray.places + ray.count, FourRays::kSoon, 0);
+        walkAlone(ray);
+        last_ = &ray;
+        if (++held_ == FourRays::kRays || !path.isExact()) finish();
+    }
+
+    void list(const RayPath& path, Ray& ray) const {
+        ray.first = ray.count = 0;
+        if (path.isExact() && isWithin(centre_.x, centre_.y)) {
+            ray.count = path.length() + 1;
+            listPlaces(centre_.x, centre_.y, path.stepX(), path.stepY(), ray.count, width_, scale - 1,
+                       ray.places, ray.sources);
+            return;
+        }
         path.walk([&](int32_t x, int32_t y, int32_t s) {
-            const bool inside = static_cast<uint32_t>(x) < static_cast<uint32_t>(width_) &&
-                                static_cast<uint32_t>(y) < static_cast<uint32_t>(height_);
-            if (!inside) return;
-            const RaySums light = lightAt(x, y);
-            sums.add(light);
-            if (s < distance_) runIn(sums, light, distance_ - s);
-            sums.limit(kMostLight);
-            const size_t place =
-                static_cast<size_t>(y) * static_cast<size_t>(width_) + static_cast<size_t>(x);
-            if (!written_[place]) {
-                target_[place] = sums.bytes(share_);
-                written_[place] = 255;
-            }
-            sums.scale(falloff_);
+            if (!isWithin(x, y)) return;
+            if (ray.count == 0) ray.first = s;
+            ray.places[ray.count] = y * width_ + x;
+            ray.sources[ray.count++] = y / scale * (width_ / scale) + x / scale;
         });
     }
 
-    RaySums lightAt(int32_t x, int32_t y) const {
-        const size_t row = static_cast<size_t>(y / scale), column = static_cast<size_t>(x / scale);
-        const Pixel p = source_[row * static_cast<size_t>(width_ / scale) + column];
+    /// Walks the steps in which a ray runs in, or all where the four cannot walk together. What neighbours
+    /// have in common near the centre is walked once.
+    void walkAlone(Ray& ray) {
+        const int64_t runningIn = std::clamp<int64_t>(int64_t(distance_) - ray.first, 0, ray.count);
+        const int32_t steps = step_ ? static_cast<int32_t>(runningIn) : ray.count;
+        ray.written = 0;
+        ray.sums = {};
+        if (last_ && last_ != &ray && last_->first == ray.first) {
+            const int32_t most = std::min({steps, last_->walked, kRemembered});
+            ray.written = static_cast<int32_t>(
+                std::mismatch(ray.places, ray.places + most, last_->places).first - ray.places);
+            if (ray.written > 0) ray.sums = remembered_[ray.written - 1];
+        }
+        for (int32_t i = ray.written; i < steps; ++i) {
+            const RaySums light = lightAt(ray.sources[i]);
+            ray.sums.add(light);
+            const int32_t s = ray.first + i;
+            if (s < distance_) runIn(ray.sums, light, distance_ - s);
+            ray.sums.limit(RayStep::kMost);
+            ray.early[i] = ray.sums.bytes(share_);
+            ray.sums.scale(falloff_);
+            if (i < kRemembered) remembered_[i] = ray.sums;
+        }
+        ray.walked = steps;
+    }
+
+    /// Walks the rest of the rays that are held, and writes what all leave, in their order.
+    void finish() {
+        if (held_ == 0) return;
+        if (step_) walkTogether();
+        // Side by side, so that neighbours meet in the cache. Two rays come to the same pixel within 4 steps:
+        // what they move in one is up to the 1 / length part longer than a pixel, and a place is less
+        // than 1.5 from its pixel's corner. A ray that is ahead of the next by more writes before it.
+        constexpr int32_t kBlock = 64, kAhead = 8;
+        for (int32_t end = firstStep() + kBlock; !areWritten(); end += kBlock)
+            for (int32_t number = 0; number < held_; ++number)
+                writeUpTo(end + kAhead * (held_ - 1 - number), number);
+        held_ = 0;
+    }
+
+    int32_t firstStep() const {
+        const auto earlier = [](const Ray& a, const Ray& b) { return a.first < b.first; };
+        return std::min_element(rays_, rays_ + held_, earlier)->first;
+    }
+    bool areWritten() const {
+        return std::all_of(rays_, rays_ + held_, [](const Ray& ray) { return ray.written == ray.count; });
+    }
+
+    /// Writes the steps of a ray below `end`.
+    void writeUpTo(int32_t end, int32_t number) {
+        Ray& ray = rays_[number];
+        const int32_t last = clampTo(end - ray.first, ray.written, ray.count);
+        const int32_t early = std::min(last, ray.walked);
+        if (ray.written < early) {
+            write(ray.places + ray.written, early - ray.written, ray.early + ray.written, 1);
+            ray.written = early;
+        }
+        const Pixel* later = later_ + FourRays::kRays * (ray.written - ray.walked) + number;
+        if (ray.written < last) write(ray.places + ray.written, last - ray.written, later, FourRays::kRays);
+        ray.written = last;
+    }
+
+    void walkTogether() {
+        FourRays together;
+        int32_t most = 0;
+        for (int32_t i = 0; i < held_; ++i) most = std::max(most, rays_[i].count - rays_[i].walked);
+        for (int32_t i = 0; i < FourRays::kRays; ++i) {
+            const Ray& ray = rays_[i < held_ ? i : 0];
+            std::fill(ray.sources + ray.count, ray.sources + ray.walked + most + FourRays::kSoon, 0);
+            together.set(i, ray.sums.words(), ray.sources + ray.walked);
+        }
+        together.walk(source_.data(), *step_, most, later_);
+    }
+
+    /// Writes one colour in each `stride` to the places that no ray has reached. There is no telling which,
+    /// so that a choice costs less than a branch.
+    void write(const int32_t* places, int32_t count, const Pixel* colours, int32_t stride) {
+        Pixel* target = target_.data();
+        uint8_t* written = written_.data();
+        for (int32_t i = 0; i < count; ++i, colours += stride) {
+            const int32_t place = places[i], soon = places[i + FourRays::kSoon];
+            __builtin_prefetch(target + soon, 1);
+            __builtin_prefetch(written + soon, 1);
+            const uint32_t old = wordOf(target[place]), fresh = wordOf(*colours);
+            const uint32_t isOld = 0u - (written[place] & 1u);
+            storeWord(target[place], (old & isOld) | (fresh & ~isOld));
+            written[place] = 255;
+        }
+    }
+
+    RaySums lightAt(int32_t place) const {
+        const Pixel p = source_[static_cast<size_t>(place)];
         return {bright_[p.blue], bright_[p.green], bright_[p.red], bright_[p.alpha]};
     }
 
@@ -152,7 +326,7 @@ private:
             const RaySums before = sums;
             sums.scale(falloff_);
             sums.add(light);
-            if (mayStopRising_ && sums.unchangedOrRisenAbove(kMostLight, before)) return;
+            if (mayStopRising_ && sums.unchangedOrRisenAbove(RayStep::kMost, before)) return;
             ++passed;
             if (sums == remembered) rounds = static_cast<int32_t>((rounds - 1) % passed) + 1;
             if (passed == span) {
@@ -173,6 +347,16 @@ private:
     int32_t bright_[256];
     Scratch<Pixel> target_;
     Scratch<uint8_t> written_;
+    int32_t mostSteps_;
+    std::optional<RayStep> step_;
+    Scratch<int32_t> lists_;
+    Scratch<Pixel> colours_;
+    Ray rays_[FourRays::kRays];
+    int32_t held_ = 0;
+    const Ray* last_ = nullptr;
+    Pixel* later_;  ///< what the rays shine by that walk together, side by side
+    static constexpr int32_t kRemembered = 128;
+    RaySums remembered_[kRemembered];  ///< of the last ray, after its first steps
 };
 
 }  // namespace

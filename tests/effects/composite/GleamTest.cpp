@@ -156,6 +156,22 @@ TEST(GleamZoom, FollowsTheSlowRoad) {
                 }
 }
 
+TEST(GleamZoom, RaysSideBySideFollowTheSlowRoad) {
+    const Picture image = Picture::random(190, 83, 1), front = Picture::random(190, 83, 2);
+    for (SampleQuality quality : {SampleQuality::Standard, SampleQuality::Antialiased})
+        for (Point centre : {Point{41, 95}, {0, 189}, {-60, 30}, {300, 400}, {46300, 95}, {46400, 95}})
+            for (float strength : {0.03f, 0.7f, 1.37f, 28.0f, 31.5f}) {
+                GleamNumbers n;
+                n.quality = quality;
+                n.centre = centre;
+                n.distance = 9;
+                n.strength = strength;
+                n.falloff = 0.4f;
+                EXPECT_EQ(image.after(zooming(front, n)), slowGleamZoom(image, front, n))
+                    << int(quality) << ' ' << centre.y << ' ' << strength;
+            }
+}
+
 TEST(GleamZoom, ColoursTheLightAfterTheRays) {
     const Picture image = Picture::random(31, 19, 1), front = Picture::random(31, 19, 2);
     for (const auto& colours : kColourLists) {
