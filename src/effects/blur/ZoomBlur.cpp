@@ -147,7 +147,9 @@ public:
         // Places are limited to 2^30 units from the tile, and the steps of a ray are rounded: it is put where
         // it belongs after some.
         constexpr int32_t kSteps = 64, kFewestBits = 12;
-        const int32_t bits = 29 - std::bit_width(static_cast<uint32_t>(longest + PathTile::kWidth));
+        const int32_t bits =
+            29 -
+            static_cast<int32_t>(std::bit_width(static_cast<uint64_t>(int64_t(longest) + PathTile::kWidth)));
         const bool isFixed = !hasWrapped_ && bits >= kFewestBits;
         FixedPlaces fixed{bits, 0, tile_.left, tile_.top, source_.width(), source_.height()};
         const double unit = isFixed ? fixed.unit() : 1;
