@@ -5,6 +5,10 @@
 packages_for() {
     case $1 in
         debian) echo "${build_packages[@]}" debhelper dpkg-dev libgegl-dev ;;
+        windows) echo "${build_packages[@]}" zip g++-mingw-w64-i686-win32 g++-mingw-w64-i686-posix binutils-mingw-w64-i686 ;;
+        python) echo "${build_packages[@]}" python3-dev pybind11-dev python3-setuptools python3-wheel python3-build \
+            python3-venv python3-numpy python3-pil ;;
+        npm | site) echo "${build_packages[@]}" zip emscripten; command -v npm >/dev/null || echo npm ;;
     esac
 }
 
@@ -17,6 +21,15 @@ exported() {
 
 # A compiler cache where there is one.
 launcher() { ! command -v ccache >/dev/null || echo "-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"; }
+
+# A compiler's flag that leaves nothing of path $1 in what it compiles.
+anywhere() { echo "-ffile-prefix-map=$1=."; }
+
+# Packs folder $2 of $1 as a zip file with the commit's time and in one order.
+zipped() {
+    find "$1/$2" -exec touch -h -d "@$SOURCE_DATE_EPOCH" {} +
+    (cd "$1" && find "$2" -type f | sort | zip -q -X -9 -@ "$out/$2.zip")
+}
 
 make_source() {
     git archive --format=tar --prefix="krlimage-$version/" HEAD | gzip -n -9 >"$out/krlimage-$version.tar.gz"
@@ -32,4 +45,57 @@ make_debian() {
     DEB_BUILD_OPTIONS="noautodbgsym parallel=$(nproc)" KRL_CMAKE_OPTIONS=$(launcher) \
         dpkg-buildpackage --build=binary --no-sign -d
     mv "$work"/debian/*.deb "$out"
+}
+
+make_windows() {
+    local tree=$work/windows/tree folder=krlimage-$version-windows
+    local place=$work/windows/$folder
+    exported "$tree"
+    cmake/windows-libraries
+    mkdir -p "$tree/build" "$place/examples"
+    cp -r build/windows-libraries "$tree/build"
+    cd "$tree"
+    local preset options=(-DCMAKE_CXX_FLAGS="-mstackrealign $(anywhere "$tree")" -DKRL_TESTS=OFF $(launcher))
+    for preset in windows windows-programs; do cmake --preset $preset "${options[@]}"; done
+    cmake --build build/windows --target krlImageXtra
+    cmake --build build/windows-programs --target krlimage
+    i686-w64-mingw32-strip build/windows-programs/player/krlimage.exe
+    cp build/windows/src/krlImageXtra.x32 build/windows-programs/player/krlimage.exe LICENSE CHANGELOG.md \
+        docs/methods.md "$place"
+    cp packaging/windows.md "$place/README.md"
+    cp -r build/windows-libraries/licences "$place"
+    local package
+    for package in libcli11-dev nlohmann-json3-dev mingw-w64-common gcc-mingw-w64-base; do
+        cp /usr/share/doc/$package/copyright "$place/licences/$package.txt"
+    done
+    cp examples/*.ls "$place/examples"
+    zipped "$work/windows" "$folder"
+}
+
+make_python() {
+    local tree=$work/python/tree
+    exported "$tree"
+    cd "$tree"
+    CXXFLAGS=$(anywhere "$tree") /usr/bin/python3 -m build --no-isolation --wheel --outdir "$out" bindings/python
+}
+
+# The npm package in a tree that the page is made from, too.
+built_npm() {
+    local tree=$work/npm/tree
+    [ ! -e "$tree/build/javascript/krlimage.tgz" ] || return 0
+    exported "$tree"
+    CXXFLAGS=$(anywhere "$tree") "$tree/bindings/javascript/build"
+}
+
+make_npm() {
+    built_npm
+    cp "$work/npm/tree/build/javascript/krlimage.tgz" "$out/krlimage-npm-$version.tgz"
+}
+
+make_site() {
+    local folder=krlimage-$version-page
+    built_npm
+    "$work/npm/tree/site/build"
+    mv "$work/npm/tree/build/site" "$work/$folder"
+    zipped "$work" "$folder"
 }
