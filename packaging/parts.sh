@@ -4,7 +4,7 @@
 # The Debian packages that part $1 is made with.
 packages_for() {
     case $1 in
-        debian) echo "${build_packages[@]}" debhelper dpkg-dev libgegl-dev ;;
+        debian) echo "${build_packages[@]}" debhelper dpkg-dev libchafa-dev libgegl-dev ;;
         windows) echo "${build_packages[@]}" zip g++-mingw-w64-i686-win32 g++-mingw-w64-i686-posix binutils-mingw-w64-i686 ;;
         python) echo "${build_packages[@]}" python3-dev pybind11-dev python3-setuptools python3-wheel python3-build \
             python3-venv python3-numpy python3-pil ;;
@@ -12,11 +12,14 @@ packages_for() {
     esac
 }
 
+# The committed tree as a tar archive whose names begin with $1, with the same modes for everybody.
+archived() { git -c tar.umask=0022 archive --format=tar --prefix="$1" HEAD; }
+
 # The committed tree as folder $1.
 exported() {
     rm -rf "$1"
     mkdir -p "$1"
-    git archive HEAD | tar -x -C "$1"
+    archived "" | tar -x -C "$1"
 }
 
 # A compiler cache where there is one.
@@ -32,7 +35,7 @@ zipped() {
 }
 
 make_source() {
-    git archive --format=tar --prefix="krlimage-$version/" HEAD | gzip -n -9 >"$out/krlimage-$version.tar.gz"
+    archived "krlimage-$version/" | gzip -n -9 >"$out/krlimage-$version.tar.gz"
 }
 
 make_debian() {
@@ -55,7 +58,8 @@ make_windows() {
     mkdir -p "$tree/build" "$place/examples"
     cp -r build/windows-libraries "$tree/build"
     cd "$tree"
-    local preset options=(-DCMAKE_CXX_FLAGS="-mstackrealign $(anywhere "$tree")" -DKRL_TESTS=OFF $(launcher))
+    # Precompiled headers, used where there is no compiler cache, must make no difference.
+    local preset options=(-DCMAKE_CXX_FLAGS="-mstackrealign $(anywhere "$tree")" -DKRL_TESTS=OFF -DKRL_PRECOMPILED=OFF $(launcher))
     for preset in windows windows-programs; do cmake --preset $preset "${options[@]}"; done
     cmake --build build/windows --target krlImageXtra
     cmake --build build/windows-programs --target krlimage
