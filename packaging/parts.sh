@@ -69,7 +69,7 @@ make_windows() {
     cp packaging/windows.md "$place/README.md"
     cp -r build/windows-libraries/licences "$place"
     local package
-    for package in libcli11-dev nlohmann-json3-dev mingw-w64-common gcc-mingw-w64-base; do
+    for package in libcli11-dev nlohmann-json3-dev libxxhash-dev mingw-w64-common gcc-mingw-w64-base; do
         cp /usr/share/doc/$package/copyright "$place/licences/$package.txt"
     done
     cp examples/*.ls "$place/examples"
