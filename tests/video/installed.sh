@@ -1,4 +1,4 @@
-# The modules where they are installed, and in the package.
+# The modules where they are installed; ./test --packages tries those of the Debian package.
 
 # Modules below prefix $1 find the library there, and give what they should.
 modules_below() {
@@ -19,13 +19,4 @@ installed_modules() {
     modules_below "$scratch/moved"
 }
 
-packaged_modules() {
-    bindings/package "$bin" "$scratch"
-    dpkg-deb -x "$scratch"/krlimage-video_*.deb "$scratch/package"
-    modules_below "$scratch/package"
-    [ -s "$scratch/package/usr/share/kdenlive/effects/frei0r_krl_vignette.xml" ]
-    [ "$(ls "$scratch"/package/usr/share/mlt-7/frei0r/*_frei0r.krl_*.yml | wc -l)" = "$(wc -l <"$scratch/methods")" ]
-}
-
 part "installed modules" installed_modules
-part "packaged modules" packaged_modules
