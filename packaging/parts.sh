@@ -58,8 +58,9 @@ make_windows() {
     mkdir -p "$tree/build" "$place/examples"
     cp -r build/windows-libraries "$tree/build"
     cd "$tree"
-    # Precompiled headers, used where there is no compiler cache, must make no difference.
-    local preset options=(-DCMAKE_CXX_FLAGS="-mstackrealign $(anywhere "$tree")" -DKRL_TESTS=OFF -DKRL_PRECOMPILED=OFF $(launcher))
+    # Precompiled headers, used where there is no compiler cache, must make no difference, and no path may be compiled in.
+    local preset options=(-DCMAKE_CXX_FLAGS="-mstackrealign $(anywhere "$tree")" -DKRL_TESTS=OFF -DKRL_PRECOMPILED=OFF
+        -DKRL_SAMPLES:STRING=pictures $(launcher))
     for preset in windows windows-programs; do cmake --preset $preset "${options[@]}"; done
     cmake --build build/windows --target krlImageXtra
     cmake --build build/windows-programs --target krlimage
