@@ -22,11 +22,9 @@ exported() {
     archived "" | tar -x -C "$1"
 }
 
-# A compiler cache where there is one.
+# A compiler cache where there is one. Release builds have neither assertions nor debugging information, and so nothing of
+# the folder that they are compiled in.
 launcher() { ! command -v ccache >/dev/null || echo "-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"; }
-
-# A compiler's flag that leaves nothing of path $1 in what it compiles.
-anywhere() { echo "-ffile-prefix-map=$1=."; }
 
 # Packs folder $2 of $1 as a zip file with the commit's time and in one order.
 zipped() {
@@ -58,9 +56,9 @@ make_windows() {
     mkdir -p "$tree/build" "$place/examples"
     cp -r build/windows-libraries "$tree/build"
     cd "$tree"
-    # Precompiled headers, used where there is no compiler cache, must make no difference, and no path may be compiled in.
-    local preset options=(-DCMAKE_CXX_FLAGS="-mstackrealign $(anywhere "$tree")" -DKRL_TESTS=OFF -DKRL_PRECOMPILED=OFF
-        -DKRL_SAMPLES:STRING=pictures $(launcher))
+    # Precompiled headers, used where there is no compiler cache, must make no difference.
+    local preset options=(-DKRL_TESTS=OFF -DKRL_PRECOMPILED=OFF -DKRL_SAMPLES:STRING=pictures)
+    options+=($(launcher))
     for preset in windows windows-programs; do cmake --preset $preset "${options[@]}"; done
     cmake --build build/windows --target krlImageXtra
     cmake --build build/windows-programs --target krlimage
@@ -81,7 +79,7 @@ make_python() {
     local tree=$work/python/tree
     exported "$tree"
     cd "$tree"
-    CXXFLAGS=$(anywhere "$tree") /usr/bin/python3 -m build --no-isolation --wheel --outdir "$out" bindings/python
+    /usr/bin/python3 -m build --no-isolation --wheel --outdir "$out" bindings/python
 }
 
 # The npm package in a tree that the page is made from, too.
@@ -89,7 +87,7 @@ built_npm() {
     local tree=$work/npm/tree
     [ ! -e "$tree/build/javascript/krlimage.tgz" ] || return 0
     exported "$tree"
-    CXXFLAGS=$(anywhere "$tree") "$tree/bindings/javascript/build"
+    "$tree/bindings/javascript/build"
 }
 
 make_npm() {
