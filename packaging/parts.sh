@@ -42,8 +42,11 @@ make_debian() {
     cp -r "$tree/packaging/debian" "$tree/debian"
     "$tree/packaging/debian-changelog" "$tree/CHANGELOG.md" >"$tree/debian/changelog"
     cd "$tree"
-    # No records of this machine, and no packages of debugging symbols.
-    DEB_BUILD_OPTIONS="noautodbgsym parallel=$(nproc)" KRL_CMAKE_OPTIONS=$(launcher) \
+    # No records of this machine, and no packages of debugging symbols. The compiler cache is that of the home folder, which
+    # debhelper replaces by another.
+    local options
+    options=$(launcher)
+    DEB_BUILD_OPTIONS="noautodbgsym parallel=$(nproc)" KRL_CMAKE_OPTIONS=${options:+"'${options/=ccache/=env;HOME=$HOME;ccache}'"} \
         dpkg-buildpackage --build=binary --no-sign -d
     mv "$work"/debian/*.deb "$out"
 }
