@@ -11,6 +11,7 @@
 #include "core/Random.h"
 #include "player/cli/CommandLine.h"
 #include "player/pictures/Picture.h"
+#include "support/ScratchFolder.h"
 
 namespace krl::player {
 
@@ -32,16 +33,9 @@ inline CliResult krlimage(const std::vector<std::string>& words, bool live = fal
 
 /// A temporary folder with the files of a test, removed at the end.
 class CliTest : public testing::Test {
-protected:
-    CliTest() {
-        const testing::TestInfo& info = *testing::UnitTest::GetInstance()->current_test_info();
-        folder = std::filesystem::temp_directory_path() /
-                 ("krl-cli-" + std::string(info.test_suite_name()) + "-" + info.name());
-        std::filesystem::remove_all(folder);
-        std::filesystem::create_directories(folder);
-    }
-    ~CliTest() override { std::filesystem::remove_all(folder); }
+    const test::ScratchFolder scratch_;
 
+protected:
     std::string at(const std::string& name) const { return (folder / name).string(); }
 
     /// A picture of noise with varying alpha.
@@ -77,7 +71,7 @@ protected:
         return count;
     }
 
-    std::filesystem::path folder;
+    const std::filesystem::path& folder = scratch_.path();
 };
 
 inline size_t countOf(const std::string& text, const std::string& part) {

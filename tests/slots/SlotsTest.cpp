@@ -5,6 +5,7 @@
 
 #include "host/HostSlots.h"
 #include "player/lingo/Session.h"
+#include "tests/support/ScratchFolder.h"
 
 /// Frame and player built with another table of slots: nothing but that table knows where a host's
 /// operations stand.
@@ -14,7 +15,8 @@ namespace {
 static_assert(host::slots::kInternSymbol == 20, "this program is built with the other table");
 
 TEST(OtherSlots, RunAScriptAsTheUsualOnesDo) {
-    const std::filesystem::path script = std::filesystem::temp_directory_path() / "krl-slots.ls";
+    const test::ScratchFolder folder;
+    const std::filesystem::path script = folder.path() / "a.ls";
     std::ofstream(script) << "on main\n"
                              "  picture = image(4, 4, 32)\n"
                              "  grader = new(xtra \"KRLImageXtra\")\n"
@@ -39,7 +41,6 @@ TEST(OtherSlots, RunAScriptAsTheUsualOnesDo) {
               "-- [#error: 0]\n"
               "-- rgb( 200, 200, 200 )\n");
     EXPECT_TRUE(session.close().none());
-    std::filesystem::remove(script);
 }
 
 }  // namespace
