@@ -12,23 +12,20 @@ namespace krl::player {
 /// Throws `PictureError` for a size that is empty or beyond the limit, before anything is allocated.
 void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_t height);
 
-/// Portable arbitrary map, `P7` with `RGB_ALPHA`: read and written without any library.
-Bitmap readPam(const InputFile& file);
+/// Portable arbitrary map, `P7` with `RGB_ALPHA`.
 void writePam(AtomicFile& file, const Bitmap& picture);
 
-/// The same, and portable maps of one byte or two a sample, `P5` and `P6`; nothing for another format. Throws
-/// `PictureError`.
-std::optional<Bitmap> readNetpbm(const InputFile& file);
+/// How to read a format without libvips. Both functions throw `PictureError`.
+struct FormatReader {
+    bool (*isFormatOf)(const InputFile& file);
+    Bitmap (*read)(const InputFile& file);
+    PictureSize (*readSize)(const InputFile& file);
+};
 
-/// The size of a portable map; nothing for another format.
-std::optional<PictureSize> readNetpbmSize(const InputFile& file);
-
-/// For builds without libvips: PNG through libpng and JPEG through libjpeg, with the same pixels. Reading
-/// returns nothing for another format. Throws `PictureError`.
-std::optional<Bitmap> readPng(const InputFile& file);
-std::optional<Bitmap> readJpeg(const InputFile& file);
-std::optional<PictureSize> readPngSize(const InputFile& file);
-std::optional<PictureSize> readJpegSize(const InputFile& file);
+/// PAM, and portable maps of one byte or two a sample, `P5` and `P6`.
+extern const FormatReader kNetpbmReader;
+/// For builds without libvips: PNG through libpng and JPEG through libjpeg, with the same pixels.
+extern const FormatReader kPngReader, kJpegReader;
 void writePng(AtomicFile& file, const Bitmap& picture, const WriteOptions& options);
 void writeJpeg(AtomicFile& file, const Bitmap& picture, const WriteOptions& options);
 

@@ -268,13 +268,8 @@ private:
 
 }  // namespace
 
-std::optional<Bitmap> readJpeg(const InputFile& file) {
-    return isJpeg(file) ? std::optional(JpegReader(file).read()) : std::nullopt;
-}
-
-std::optional<PictureSize> readJpegSize(const InputFile& file) {
-    return isJpeg(file) ? std::optional(JpegReader(file).readSize()) : std::nullopt;
-}
+const FormatReader kJpegReader{isJpeg, [](const InputFile& file) { return JpegReader(file).read(); },
+                               [](const InputFile& file) { return JpegReader(file).readSize(); }};
 
 void writeJpeg(AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
     JpegWriter(file, picture, options).write();

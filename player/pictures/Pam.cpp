@@ -153,39 +153,22 @@ Bitmap readMap(const std::filesystem::path& path, PamFile& file) {
     return picture;
 }
 
-bool beginsWith(const InputFile& file, std::string_view mark) {
+/// The digit after the `P` that a file of these formats begins with, or 0.
+char kindOf(const InputFile& file) {
     char start[2] = {};
     std::FILE* stream = file.fromStart();
     if (std::fread(start, 1, 2, stream) < 2 && std::ferror(stream)) refuse(file.path(), std::strerror(errno));
-    return std::string_view(start, 2) == mark;
+    return start[0] == 'P' && start[1] >= '1' && start[1] <= '7' ? start[1] : char{0};
 }
 
-}  // namespace
+bool isNetpbm(const InputFile& file) { return kindOf(file) != 0; }
 
-std::optional<Bitmap> readNetpbm(const InputFile& file) {
-    if (beginsWith(file, "P7")) return readPam(file);
-    if (beginsWith(file, "P5") || beginsWith(file, "P6")) {
-        PamFile map(file);
-        return readMap(file.path(), map);
-    }
-    for (const char* other : {"P1", "P2", "P3", "P4"})
-        if (beginsWith(file, other))
-            refuse(file.path(), "of the Netpbm formats, P5 (.pgm), P6 (.ppm) and P7 (.pam) can be read");
-    return std::nullopt;
-}
-
-std::optional<PictureSize> readNetpbmSize(const InputFile& file) {
-    const bool isPam = beginsWith(file, "P7");
-    if (!isPam && !beginsWith(file, "P5") && !beginsWith(file, "P6")) return std::nullopt;
-    PamFile map(file);
-    if (isPam) {
-        const PamHeader header = readHeader(file.path(), map);
-        return PictureSize{header.width, header.height};
-    }
-    char start[2] = {};
-    map.read(start, 2);
-    const int64_t width = map.readNumber();
-    return PictureSize{width, map.readNumber()};
+/// Whether it is PAM and not a portable map. Refuses the other kinds.
+bool isPam(const InputFile& file) {
+    const char kind = kindOf(file);
+    if (kind < '5')
+        refuse(file.path(), "of the Netpbm formats, P5 (.pgm), P6 (.ppm) and P7 (.pam) can be read");
+    return kind == '7';
 }
 
 Bitmap readPam(const InputFile& input) {
@@ -205,6 +188,29 @@ Bitmap readPam(const InputFile& input) {
     for (Pixel& p : picture.pixels) std::swap(p.blue, p.red);
     return picture;
 }
+
+Bitmap readNetpbm(const InputFile& file) {
+    if (isPam(file)) return readPam(file);
+    PamFile map(file);
+    return readMap(file.path(), map);
+}
+
+PictureSize readNetpbmSize(const InputFile& file) {
+    const bool isArbitrary = isPam(file);
+    PamFile map(file);
+    if (isArbitrary) {
+        const PamHeader header = readHeader(file.path(), map);
+        return {header.width, header.height};
+    }
+    char start[2] = {};
+    map.read(start, 2);
+    const int64_t width = map.readNumber();
+    return {width, map.readNumber()};
+}
+
+}  // namespace
+
+const FormatReader kNetpbmReader{isNetpbm, readNetpbm, readNetpbmSize};
 
 void writePam(AtomicFile& file, const Bitmap& picture) {
     file.write("P7\nWIDTH " + std::to_string(picture.width) + "\nHEIGHT " + std::to_string(picture.height) +

@@ -48,41 +48,43 @@ std::string lowerExtension(const std::filesystem::path& path) {
     return extension;
 }
 
+/// The formats that are read without libvips.
+constexpr const FormatReader* kReaders[] = {
+    &kNetpbmReader,
+#if defined(KRL_WITH_PNG_JPEG)
+    &kPngReader,
+    &kJpegReader,
+#endif
+};
+
+/// The reader for a file; null for libvips.
+const FormatReader* readerFor(const InputFile& file) {
+    for (const FormatReader* reader : kReaders)
+        if (reader->isFormatOf(file)) return reader;
 #if !defined(KRL_WITH_VIPS)
-[[noreturn]] void refuseFormat(const InputFile& file) {
     throw PictureError(file.path().string() + " is not a " + kReadFormats +
                        " picture, the only formats that this build reads");
-}
+#else
+    return nullptr;
 #endif
+}
 
 PictureFrames read(const InputFile& file, [[maybe_unused]] FrameChoice choice) {
-    std::optional<Bitmap> picture = readNetpbm(file);
+    const FormatReader* reader = readerFor(file);
 #if defined(KRL_WITH_VIPS)
-    if (!picture) return readWithVips(file, choice);
-#elif defined(KRL_WITH_PNG_JPEG)
-    if (!picture) picture = readPng(file);
-    if (!picture) picture = readJpeg(file);
-#endif
-#if !defined(KRL_WITH_VIPS)
-    if (!picture) refuseFormat(file);
+    if (!reader) return readWithVips(file, choice);
 #endif
     PictureFrames one;
-    one.pictures.push_back(std::move(*picture));
+    one.pictures.push_back(reader->read(file));
     return one;
 }
 
 PictureSize readSize(const InputFile& file) {
-    std::optional<PictureSize> size = readNetpbmSize(file);
+    const FormatReader* reader = readerFor(file);
 #if defined(KRL_WITH_VIPS)
-    if (!size) return readSizeWithVips(file);
-#elif defined(KRL_WITH_PNG_JPEG)
-    if (!size) size = readPngSize(file);
-    if (!size) size = readJpegSize(file);
+    if (!reader) return readSizeWithVips(file);
 #endif
-#if !defined(KRL_WITH_VIPS)
-    if (!size) refuseFormat(file);
-#endif
-    return *size;
+    return reader->readSize(file);
 }
 
 Bitmap readFirst(const InputFile& file) { return std::move(read(file, FrameChoice::First).pictures.front()); }

@@ -257,13 +257,8 @@ private:
 
 }  // namespace
 
-std::optional<Bitmap> readPng(const InputFile& file) {
-    return isPng(file) ? std::optional(PngReader(file).read()) : std::nullopt;
-}
-
-std::optional<PictureSize> readPngSize(const InputFile& file) {
-    return isPng(file) ? std::optional(PngReader(file).readSize()) : std::nullopt;
-}
+const FormatReader kPngReader{isPng, [](const InputFile& file) { return PngReader(file).read(); },
+                              [](const InputFile& file) { return PngReader(file).readSize(); }};
 
 void writePng(AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
     PngWriter(file, picture, options).write();

@@ -194,7 +194,7 @@ TEST_F(Pictures, ReportWhyTheyCannotBeWrittenByTheirOwnNames) {
 TEST_F(Pictures, ReportWhyReadingFails) {
     const auto failureOfPam = [](const fs::path& path) -> std::string {
         try {
-            readPam(InputFile(path));
+            kNetpbmReader.read(InputFile(path));
         } catch (const PictureError& error) {
             return error.what();
         }

@@ -61,8 +61,14 @@ class PngJpeg : public CliTest {
 protected:
     static std::optional<Bitmap> read(const std::string& path) {
         const InputFile file(path);
-        std::optional<Bitmap> picture = readPng(file);
-        return picture ? picture : readJpeg(file);
+        const FormatReader* reader = readerFor(file);
+        return reader ? std::optional(reader->read(file)) : std::nullopt;
+    }
+
+    static const FormatReader* readerFor(const InputFile& file) {
+        for (const FormatReader* reader : {&kPngReader, &kJpegReader})
+            if (reader->isFormatOf(file)) return reader;
+        return nullptr;
     }
 
     template <class Write>
@@ -120,11 +126,10 @@ protected:
         EXPECT_EQ(ours->pixels, theirs.pixels);
         EXPECT_EQ(ours->metadata->losses, theirs.metadata->losses);
         const PictureSize size = readPictureSize(path, FrameChoice::First);
-        const std::optional<PictureSize> png = readPngSize(InputFile(path)),
-                                         jpeg = readJpegSize(InputFile(path));
-        ASSERT_NE(png.has_value(), jpeg.has_value());
-        EXPECT_EQ((png ? png : jpeg)->width, size.width);
-        EXPECT_EQ((png ? png : jpeg)->height, size.height);
+        const InputFile file(path);
+        EXPECT_NE(kPngReader.isFormatOf(file), kJpegReader.isFormatOf(file));
+        EXPECT_EQ(readerFor(file)->readSize(file).width, size.width);
+        EXPECT_EQ(readerFor(file)->readSize(file).height, size.height);
     }
 
     std::string errorOf(const std::string& path) const {
