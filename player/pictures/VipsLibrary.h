@@ -37,93 +37,85 @@ private:
     mutable std::atomic<void*> found_ = nullptr;
 };
 
-inline const VipsFunction<&::g_free> g_free{"g_free"};
-inline const VipsFunction<&::g_getenv> g_getenv{"g_getenv"};
-inline const VipsFunction<&::g_markup_escape_text> g_markup_escape_text{"g_markup_escape_text"};
-inline const VipsFunction<&::g_module_make_resident> g_module_make_resident{"g_module_make_resident"};
-inline const VipsFunction<&::g_module_open> g_module_open{"g_module_open"};
-inline const VipsFunction<&::g_object_ref> g_object_ref{"g_object_ref"};
-inline const VipsFunction<&::g_object_unref> g_object_unref{"g_object_unref"};
-inline const VipsFunction<&::g_setenv> g_setenv{"g_setenv"};
-inline const VipsFunction<&::g_strdup> g_strdup{"g_strdup"};
-inline const VipsFunction<&::g_strfreev> g_strfreev{"g_strfreev"};
-inline const VipsFunction<&::g_type_check_instance_cast> g_type_check_instance_cast{
-    "g_type_check_instance_cast"};
-inline const VipsFunction<&::g_unsetenv> g_unsetenv{"g_unsetenv"};
-inline const VipsFunction<&::vips_area_unref> vips_area_unref{"vips_area_unref"};
-inline const VipsFunction<&::vips_array_double_newv> vips_array_double_newv{"vips_array_double_newv"};
-inline const VipsFunction<&::vips_autorot> vips_autorot{"vips_autorot"};
-inline const VipsFunction<&::vips_bandjoin> vips_bandjoin{"vips_bandjoin"};
-inline const VipsFunction<&::vips_bandjoin2> vips_bandjoin2{"vips_bandjoin2"};
-inline const VipsFunction<&::vips_bandjoin_const1> vips_bandjoin_const1{"vips_bandjoin_const1"};
-inline const VipsFunction<&::vips_blob_get> vips_blob_get{"vips_blob_get"};
-inline const VipsFunction<&::vips_block_untrusted_set> vips_block_untrusted_set{"vips_block_untrusted_set"};
-inline const VipsFunction<&::vips_cache_set_max> vips_cache_set_max{"vips_cache_set_max"};
-inline const VipsFunction<&::vips_cast_uchar> vips_cast_uchar{"vips_cast_uchar"};
-inline const VipsFunction<&::vips_cast_ushort> vips_cast_ushort{"vips_cast_ushort"};
-inline const VipsFunction<&::vips_colourspace> vips_colourspace{"vips_colourspace"};
-inline const VipsFunction<&::vips_concurrency_set> vips_concurrency_set{"vips_concurrency_set"};
-inline const VipsFunction<&::vips_copy> vips_copy{"vips_copy"};
-inline const VipsFunction<&::vips_error_buffer> vips_error_buffer{"vips_error_buffer"};
-inline const VipsFunction<&::vips_error_clear> vips_error_clear{"vips_error_clear"};
-inline const VipsFunction<&::vips_extract_area> vips_extract_area{"vips_extract_area"};
-inline const VipsFunction<&::vips_extract_band> vips_extract_band{"vips_extract_band"};
-inline const VipsFunction<&::vips_flatten> vips_flatten{"vips_flatten"};
-inline const VipsFunction<&::vips_foreign_find_load_source> vips_foreign_find_load_source{
-    "vips_foreign_find_load_source"};
-inline const VipsFunction<&::vips_format_sizeof> vips_format_sizeof{"vips_format_sizeof"};
-inline const VipsFunction<&::vips_icc_transform> vips_icc_transform{"vips_icc_transform"};
-inline const VipsFunction<&::vips_image_copy_memory> vips_image_copy_memory{"vips_image_copy_memory"};
-inline const VipsFunction<&::vips_image_get_array_int> vips_image_get_array_int{"vips_image_get_array_int"};
-inline const VipsFunction<&::vips_image_get_bands> vips_image_get_bands{"vips_image_get_bands"};
-inline const VipsFunction<&::vips_image_get_blob> vips_image_get_blob{"vips_image_get_blob"};
-inline const VipsFunction<&::vips_image_get_fields> vips_image_get_fields{"vips_image_get_fields"};
-inline const VipsFunction<&::vips_image_get_format> vips_image_get_format{"vips_image_get_format"};
-inline const VipsFunction<&::vips_image_get_height> vips_image_get_height{"vips_image_get_height"};
-inline const VipsFunction<&::vips_image_get_int> vips_image_get_int{"vips_image_get_int"};
-inline const VipsFunction<&::vips_image_get_n_pages> vips_image_get_n_pages{"vips_image_get_n_pages"};
-inline const VipsFunction<&::vips_image_get_orientation> vips_image_get_orientation{
-    "vips_image_get_orientation"};
-inline const VipsFunction<&::vips_image_get_page_height> vips_image_get_page_height{
-    "vips_image_get_page_height"};
-inline const VipsFunction<&::vips_image_get_string> vips_image_get_string{"vips_image_get_string"};
-inline const VipsFunction<&::vips_image_get_typeof> vips_image_get_typeof{"vips_image_get_typeof"};
-inline const VipsFunction<&::vips_image_get_width> vips_image_get_width{"vips_image_get_width"};
-inline const VipsFunction<&::vips_image_get_xres> vips_image_get_xres{"vips_image_get_xres"};
-inline const VipsFunction<&::vips_image_get_yres> vips_image_get_yres{"vips_image_get_yres"};
-inline const VipsFunction<&::vips_image_guess_interpretation> vips_image_guess_interpretation{
-    "vips_image_guess_interpretation"};
-inline const VipsFunction<&::vips_image_new> vips_image_new{"vips_image_new"};
-inline const VipsFunction<&::vips_image_new_from_memory> vips_image_new_from_memory{
-    "vips_image_new_from_memory"};
-inline const VipsFunction<&::vips_image_new_from_source> vips_image_new_from_source{
-    "vips_image_new_from_source"};
-inline const VipsFunction<&::vips_image_set_array_int> vips_image_set_array_int{"vips_image_set_array_int"};
-inline const VipsFunction<&::vips_image_set_blob_copy> vips_image_set_blob_copy{"vips_image_set_blob_copy"};
-inline const VipsFunction<&::vips_image_set_int> vips_image_set_int{"vips_image_set_int"};
-inline const VipsFunction<&::vips_image_set_string> vips_image_set_string{"vips_image_set_string"};
-inline const VipsFunction<&::vips_image_write_to_memory> vips_image_write_to_memory{
-    "vips_image_write_to_memory"};
-inline const VipsFunction<&::vips_image_write_to_target> vips_image_write_to_target{
-    "vips_image_write_to_target"};
-inline const VipsFunction<&::vips_init> vips_init{"vips_init"};
-inline const VipsFunction<&::vips_linear1> vips_linear1{"vips_linear1"};
-inline const VipsFunction<&::vips_object_get_type> vips_object_get_type{"vips_object_get_type"};
-inline const VipsFunction<&::vips_object_local_array> vips_object_local_array{"vips_object_local_array"};
-inline const VipsFunction<&::vips_operation_block_set> vips_operation_block_set{"vips_operation_block_set"};
-inline const VipsFunction<&::vips_premultiply> vips_premultiply{"vips_premultiply"};
-inline const VipsFunction<&::vips_profile_load> vips_profile_load{"vips_profile_load"};
-inline const VipsFunction<&::vips_rot> vips_rot{"vips_rot"};
-inline const VipsFunction<&::vips_rotate> vips_rotate{"vips_rotate"};
-inline const VipsFunction<&::vips_source_new_from_descriptor> vips_source_new_from_descriptor{
-    "vips_source_new_from_descriptor"};
-inline const VipsFunction<&::vips_target_new_to_descriptor> vips_target_new_to_descriptor{
-    "vips_target_new_to_descriptor"};
-inline const VipsFunction<&::vips_text> vips_text{"vips_text"};
-inline const VipsFunction<&::vips_thumbnail_image> vips_thumbnail_image{"vips_thumbnail_image"};
-inline const VipsFunction<&::vips_type_find> vips_type_find{"vips_type_find"};
-inline const VipsFunction<&::vips_unpremultiply> vips_unpremultiply{"vips_unpremultiply"};
-inline const VipsFunction<&::vips_version> vips_version{"vips_version"};
+#define KRL_VIPS_FUNCTION(name) \
+    inline const VipsFunction<&::name> name { #name }
+KRL_VIPS_FUNCTION(g_free);
+KRL_VIPS_FUNCTION(g_getenv);
+KRL_VIPS_FUNCTION(g_markup_escape_text);
+KRL_VIPS_FUNCTION(g_module_make_resident);
+KRL_VIPS_FUNCTION(g_module_open);
+KRL_VIPS_FUNCTION(g_object_ref);
+KRL_VIPS_FUNCTION(g_object_unref);
+KRL_VIPS_FUNCTION(g_setenv);
+KRL_VIPS_FUNCTION(g_strdup);
+KRL_VIPS_FUNCTION(g_strfreev);
+KRL_VIPS_FUNCTION(g_type_check_instance_cast);
+KRL_VIPS_FUNCTION(g_unsetenv);
+KRL_VIPS_FUNCTION(vips_area_unref);
+KRL_VIPS_FUNCTION(vips_array_double_newv);
+KRL_VIPS_FUNCTION(vips_autorot);
+KRL_VIPS_FUNCTION(vips_bandjoin);
+KRL_VIPS_FUNCTION(vips_bandjoin2);
+KRL_VIPS_FUNCTION(vips_bandjoin_const1);
+KRL_VIPS_FUNCTION(vips_blob_get);
+KRL_VIPS_FUNCTION(vips_block_untrusted_set);
+KRL_VIPS_FUNCTION(vips_cache_set_max);
+KRL_VIPS_FUNCTION(vips_cast_uchar);
+KRL_VIPS_FUNCTION(vips_cast_ushort);
+KRL_VIPS_FUNCTION(vips_colourspace);
+KRL_VIPS_FUNCTION(vips_concurrency_set);
+KRL_VIPS_FUNCTION(vips_copy);
+KRL_VIPS_FUNCTION(vips_error_buffer);
+KRL_VIPS_FUNCTION(vips_error_clear);
+KRL_VIPS_FUNCTION(vips_extract_area);
+KRL_VIPS_FUNCTION(vips_extract_band);
+KRL_VIPS_FUNCTION(vips_flatten);
+KRL_VIPS_FUNCTION(vips_foreign_find_load_source);
+KRL_VIPS_FUNCTION(vips_format_sizeof);
+KRL_VIPS_FUNCTION(vips_icc_transform);
+KRL_VIPS_FUNCTION(vips_image_copy_memory);
+KRL_VIPS_FUNCTION(vips_image_get_array_int);
+KRL_VIPS_FUNCTION(vips_image_get_bands);
+KRL_VIPS_FUNCTION(vips_image_get_blob);
+KRL_VIPS_FUNCTION(vips_image_get_fields);
+KRL_VIPS_FUNCTION(vips_image_get_format);
+KRL_VIPS_FUNCTION(vips_image_get_height);
+KRL_VIPS_FUNCTION(vips_image_get_int);
+KRL_VIPS_FUNCTION(vips_image_get_n_pages);
+KRL_VIPS_FUNCTION(vips_image_get_orientation);
+KRL_VIPS_FUNCTION(vips_image_get_page_height);
+KRL_VIPS_FUNCTION(vips_image_get_string);
+KRL_VIPS_FUNCTION(vips_image_get_typeof);
+KRL_VIPS_FUNCTION(vips_image_get_width);
+KRL_VIPS_FUNCTION(vips_image_get_xres);
+KRL_VIPS_FUNCTION(vips_image_get_yres);
+KRL_VIPS_FUNCTION(vips_image_guess_interpretation);
+KRL_VIPS_FUNCTION(vips_image_new);
+KRL_VIPS_FUNCTION(vips_image_new_from_memory);
+KRL_VIPS_FUNCTION(vips_image_new_from_source);
+KRL_VIPS_FUNCTION(vips_image_set_array_int);
+KRL_VIPS_FUNCTION(vips_image_set_blob_copy);
+KRL_VIPS_FUNCTION(vips_image_set_int);
+KRL_VIPS_FUNCTION(vips_image_set_string);
+KRL_VIPS_FUNCTION(vips_image_write_to_memory);
+KRL_VIPS_FUNCTION(vips_image_write_to_target);
+KRL_VIPS_FUNCTION(vips_init);
+KRL_VIPS_FUNCTION(vips_linear1);
+KRL_VIPS_FUNCTION(vips_object_get_type);
+KRL_VIPS_FUNCTION(vips_object_local_array);
+KRL_VIPS_FUNCTION(vips_operation_block_set);
+KRL_VIPS_FUNCTION(vips_premultiply);
+KRL_VIPS_FUNCTION(vips_profile_load);
+KRL_VIPS_FUNCTION(vips_rot);
+KRL_VIPS_FUNCTION(vips_rotate);
+KRL_VIPS_FUNCTION(vips_source_new_from_descriptor);
+KRL_VIPS_FUNCTION(vips_target_new_to_descriptor);
+KRL_VIPS_FUNCTION(vips_text);
+KRL_VIPS_FUNCTION(vips_thumbnail_image);
+KRL_VIPS_FUNCTION(vips_type_find);
+KRL_VIPS_FUNCTION(vips_unpremultiply);
+KRL_VIPS_FUNCTION(vips_version);
+#undef KRL_VIPS_FUNCTION
 
 }  // namespace krl::player
 
