@@ -6,7 +6,9 @@ namespace krl::player {
 
 namespace {
 
-constexpr size_t kEntryBytes = 12;
+constexpr uint16_t kLongType = 4;
+/// More entries than this are damage.
+constexpr uint64_t kMostEntries = UINT16_MAX;
 
 /// A type of values: its bytes, and the bytes of the numbers that it consists of.
 struct ValueType {
@@ -23,8 +25,8 @@ const ValueType* typeOf(uint16_t type) {
     return found == std::end(kTypes) ? nullptr : found;
 }
 
-uint32_t numberAt(const uint8_t* bytes, size_t count, bool isLittle) {
-    uint32_t number = 0;
+uint64_t numberAt(const uint8_t* bytes, size_t count, bool isLittle) {
+    uint64_t number = 0;
     for (size_t i = 0; i < count; ++i) number = number << 8 | bytes[isLittle ? count - 1 - i : i];
     return number;
 }
@@ -50,76 +52,101 @@ TiffFilter filterWithin(uint16_t pointer) {
 /// Reads directories until their values are too many.
 class DirectoryReader {
 public:
-    DirectoryReader(const TiffSource& source, bool isLittle) : source_(source), isLittle_(isLittle) {}
+    DirectoryReader(const TiffSource& source, const TiffHeader& header)
+        : source_(source),
+          isLittle_(header.isLittle),
+          countBytes_(header.isBig ? 8 : 2),
+          fieldBytes_(header.isBig ? 8 : 4) {}
 
-    TiffDirectory read(uint32_t place, const TiffFilter& filter, uint32_t* next = nullptr) {
+    TiffDirectory read(uint64_t place, const TiffFilter& filter, uint64_t* next = nullptr) {
         TiffDirectory directory;
-        uint8_t size[2], link[4];
-        if (!source_(place, size, sizeof size)) return directory;
-        std::vector<uint8_t> bytes(number(size, 2) * kEntryBytes);
-        if (!source_(place + uint64_t{2}, bytes.data(), bytes.size())) return directory;
-        for (size_t at = 0; at < bytes.size(); at += kEntryBytes)
+        uint8_t size[8], link[8];
+        if (!source_(place, size, countBytes_)) return directory;
+        const uint64_t count = number(size, countBytes_);
+        if (count > kMostEntries) return directory;
+        const size_t entryBytes = 4 + 2 * fieldBytes_;
+        std::vector<uint8_t> bytes(static_cast<size_t>(count) * entryBytes);
+        if (!source_(place + countBytes_, bytes.data(), bytes.size())) return directory;
+        for (size_t at = 0; at < bytes.size(); at += entryBytes)
             if (std::optional<TiffEntry> entry = entryAt(&bytes[at], filter))
                 directory.push_back(std::move(*entry));
-        const bool isLinked = source_(place + uint64_t{2} + bytes.size(), link, sizeof link);
-        if (next) *next = isLinked ? number(link, 4) : 0;
+        const bool isLinked = source_(place + countBytes_ + bytes.size(), link, fieldBytes_);
+        if (next) *next = isLinked ? number(link, fieldBytes_) : 0;
         return directory;
     }
 
 private:
-    uint32_t number(const uint8_t* bytes, size_t count) const { return numberAt(bytes, count, isLittle_); }
+    uint64_t number(const uint8_t* bytes, size_t count) const { return numberAt(bytes, count, isLittle_); }
 
+    /// Tag, type, how many values, and the values or where they are.
     std::optional<TiffEntry> entryAt(const uint8_t* at, const TiffFilter& filter) {
         TiffEntry entry;
         entry.tag = static_cast<uint16_t>(number(at, 2));
         entry.type = static_cast<uint16_t>(number(at + 2, 2));
-        entry.count = number(at + 4, 4);
+        const uint64_t count = number(at + 4, fieldBytes_);
+        const uint8_t* held = at + 4 + fieldBytes_;
+        if (count > UINT32_MAX) return std::nullopt;
+        entry.count = static_cast<uint32_t>(count);
         const TiffChoice choice = filter(entry.tag);
-        if (choice == TiffChoice::KeepPlace) entry.place = number(at + 8, 4);
+        if (choice == TiffChoice::KeepPlace) entry.place = static_cast<uint32_t>(number(held, 4));
         const bool isRead = choice == TiffChoice::Read || choice == TiffChoice::ReadBytes;
         const bool isKept =
-            isRead ? readValues(at + 8, entry, choice == TiffChoice::Read) : entry.place.has_value();
+            isRead ? readValues(held, entry, choice == TiffChoice::Read) : entry.place.has_value();
         return isKept ? std::optional(std::move(entry)) : std::nullopt;
     }
 
     /// Reads the values of an entry, or the directory that it points to; false if there are none.
     bool readValues(const uint8_t* held, TiffEntry& entry, bool isOrdered) {
+        if (isPointer(entry.tag)) return entry.count == 1 && readDirectory(number(held, fieldBytes_), entry);
         const ValueType* type = typeOf(entry.type);
         const uint64_t size = type ? uint64_t{type->bytes} * entry.count : 0;
         if (size == 0 || size > bytesLeft_) return false;
         bytesLeft_ -= size;
         const auto bytes = static_cast<size_t>(size);
-        if (isPointer(entry.tag)) {
-            entry.directory = read(number(held, 4), filterWithin(entry.tag));
-            return !entry.directory.empty();
-        }
-        entry.values.assign(held, held + std::min<size_t>(bytes, 4));
-        if (bytes > 4) {
+        entry.values.assign(held, held + std::min(bytes, fieldBytes_));
+        if (bytes > fieldBytes_) {
             entry.values.resize(bytes);
-            if (!source_(number(held, 4), entry.values.data(), bytes)) return false;
+            if (!source_(number(held, fieldBytes_), entry.values.data(), bytes)) return false;
         }
         if (isOrdered) reorder(entry.values, type->number, isLittle_);
         return true;
     }
 
+    bool readDirectory(uint64_t place, TiffEntry& entry) {
+        if (bytesLeft_ < fieldBytes_) return false;
+        bytesLeft_ -= fieldBytes_;
+        entry.type = kLongType;  // in BigTIFF it may be one that is not known elsewhere
+        entry.directory = read(place, filterWithin(entry.tag));
+        return !entry.directory.empty();
+    }
+
     const TiffSource& source_;
     const bool isLittle_;
+    const size_t countBytes_, fieldBytes_;
     uint64_t bytesLeft_ = uint64_t{16} << 20;  // a maker's note takes some hundred kilobytes
 };
 
 }  // namespace
 
 std::optional<TiffHeader> readTiffHeader(const TiffSource& source) {
-    uint8_t bytes[8];
-    if (!source(0, bytes, sizeof bytes) || bytes[0] != bytes[1]) return std::nullopt;
-    const bool isLittle = bytes[0] == 'I';
-    if ((!isLittle && bytes[0] != 'M') || numberAt(bytes + 2, 2, isLittle) != 42) return std::nullopt;
-    return TiffHeader{isLittle, numberAt(bytes + 4, 4, isLittle)};
+    uint8_t bytes[16];
+    if (!source(0, bytes, 8) || bytes[0] != bytes[1]) return std::nullopt;
+    TiffHeader header;
+    header.isLittle = bytes[0] == 'I';
+    if (!header.isLittle && bytes[0] != 'M') return std::nullopt;
+    const auto number = [&](size_t place, size_t count) {
+        return numberAt(bytes + place, count, header.isLittle);
+    };
+    header.isBig = number(2, 2) == 43;
+    if (!header.isBig && number(2, 2) != 42) return std::nullopt;
+    if (header.isBig && (number(4, 2) != 8 || !source(0, bytes, sizeof bytes))) return std::nullopt;
+    header.first = header.isBig ? number(8, 8) : number(4, 4);
+    return header;
 }
 
-TiffDirectory readTiffDirectory(const TiffSource& source, bool isLittle, uint32_t place,
-                                const TiffFilter& filter, uint32_t* next) {
-    return DirectoryReader(source, isLittle).read(place, filter, next);
+TiffDirectory readTiffDirectory(const TiffSource& source, const TiffHeader& header, const TiffFilter& filter,
+                                uint64_t* next) {
+    return DirectoryReader(source, header).read(header.first, filter, next);
 }
 
 void appendTiffNumber(std::string& bytes, uint32_t number, size_t count, bool isLittle) {

@@ -31,9 +31,10 @@ using TiffSource = std::function<bool(uint64_t place, uint8_t* bytes, size_t cou
 /// Where the first directory is and how numbers are stored.
 struct TiffHeader {
     bool isLittle = true;
-    uint32_t first = 0;
+    bool isBig = false;  ///< BigTIFF, whose files may be larger than 4 GB
+    uint64_t first = 0;
 };
-/// Nothing for all that is not a TIFF of at most 4 GB.
+/// Nothing for all that is not a TIFF.
 std::optional<TiffHeader> readTiffHeader(const TiffSource& source);
 
 /// Which tags to read, and whether the tag's values stay where they are.
@@ -41,14 +42,14 @@ enum class TiffChoice {
     Skip,
     Read,
     ReadBytes,  ///< in the order of the file, whatever their type
-    KeepPlace,
+    KeepPlace,  ///< not for BigTIFF
 };
 using TiffFilter = std::function<TiffChoice(uint16_t tag)>;
 
-/// The directory at a place, with those that it points to. Skips entries that make no sense; `next`, if not
-/// null, receives the place of the next directory.
-TiffDirectory readTiffDirectory(const TiffSource& source, bool isLittle, uint32_t place,
-                                const TiffFilter& filter, uint32_t* next = nullptr);
+/// The first directory, with those that it points to. Skips entries that make no sense; `next`, if not null,
+/// receives the place of the next directory.
+TiffDirectory readTiffDirectory(const TiffSource& source, const TiffHeader& header, const TiffFilter& filter,
+                                uint64_t* next = nullptr);
 
 /// Appends a directory, in the order of tags, to the bytes that begin at `base`; returns its place.
 uint32_t appendTiffDirectory(std::string& bytes, uint32_t base, const TiffDirectory& directory, bool isLittle,

@@ -48,8 +48,7 @@ TiffSource sourceWithin(const std::vector<uint8_t>& bytes, size_t start) {
 
 TiffDirectory descriptionIn(const TiffSource& source) {
     const std::optional<TiffHeader> header = readTiffHeader(source);
-    return header ? readTiffDirectory(source, header->isLittle, header->first, chooseDescription)
-                  : TiffDirectory();
+    return header ? readTiffDirectory(source, *header, chooseDescription) : TiffDirectory();
 }
 
 TiffDirectory descriptionInExif(const std::vector<uint8_t>& exif) {
@@ -84,9 +83,7 @@ TiffFacts readTiffFacts(const InputFile& file) {
     const TiffSource source = sourceOf(file);
     const std::optional<TiffHeader> header = readTiffHeader(source);
     if (!header) return {};
-    const auto read = [&](const TiffFilter& filter) {
-        return readTiffDirectory(source, header->isLittle, header->first, filter);
-    };
+    const auto read = [&](const TiffFilter& filter) { return readTiffDirectory(source, *header, filter); };
     TiffFacts facts;
     if (const TiffDirectory found = read(chooseDescription); !found.empty()) facts.exif = exifWith(found);
     const auto isIptc = [](uint16_t tag) {
@@ -106,11 +103,11 @@ void addTiffFacts(AtomicFile& file, const TiffFacts& facts) {
     };
     const TiffSource source = sourceOf(file);
     const std::optional<TiffHeader> header = readTiffHeader(source);
-    if (!header) refuse();
-    uint32_t next = 0;
+    if (!header || header->isBig) refuse();
+    uint64_t next = 0;
     // The new directory replaces the one there, whose values stay where they are.
     TiffDirectory all = readTiffDirectory(
-        source, header->isLittle, header->first,
+        source, *header,
         [&](uint16_t tag) {
             const auto same = [&](const TiffEntry& entry) { return entry.tag == tag; };
             return std::any_of(added.begin(), added.end(), same) ? TiffChoice::Skip : TiffChoice::KeepPlace;
@@ -120,8 +117,8 @@ void addTiffFacts(AtomicFile& file, const TiffFacts& facts) {
     const uint64_t end = file.size();
     if (end > UINT32_MAX - facts.exif.size() - facts.iptc.size() - 65536 * 12) refuse();
     std::string bytes, link;
-    const uint32_t place =
-        appendTiffDirectory(bytes, static_cast<uint32_t>(end), all, header->isLittle, next);
+    const uint32_t place = appendTiffDirectory(bytes, static_cast<uint32_t>(end), all, header->isLittle,
+                                               static_cast<uint32_t>(next));
     appendTiffNumber(link, place, 4, header->isLittle);
     file.writeAt(end, bytes);
     file.writeAt(4, link);
