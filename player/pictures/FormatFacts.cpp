@@ -104,6 +104,8 @@ std::vector<std::string> lossesOfWriting(const std::filesystem::path& path, cons
          "EXIF data of " + std::to_string(metadata->exif.size()) + " bytes");
     lose(!metadata->xmp.empty() && !facts.xmp, "XMP data");
     lose(!metadata->iptc.empty() && !facts.iptc, "IPTC records");
+    if (metadata->hasOtherResources)
+        losses.push_back("resources beside the IPTC records, such as guides and paths, which are not kept");
     lose(!metadata->texts.empty() && !facts.texts, "texts");
     lose(!metadata->colourProfile.empty() && !facts.profile, "the colour profile");
     return losses;

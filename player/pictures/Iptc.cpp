@@ -21,26 +21,46 @@ uint32_t numberAt(std::string_view bytes, size_t place, size_t count) {
     return number;
 }
 
-/// Resources follow one another: a mark, a number, a name and the data, the last two of even length.
-std::string_view iptcResourceIn(std::string_view bytes) {
+/// Numbers of resources: what the file's other metadata has too, and a small picture of what was there
+/// before.
+bool isElsewhere(uint32_t resource) {
+    static constexpr uint32_t numbers[] = {1005, 1033, 1036, 1039, 1058, 1059, 1060, 1061};
+    return std::find(std::begin(numbers), std::end(numbers), resource) != std::end(numbers);
+}
+
+/// Calls `visit` with the number and the data of each resource until it returns true. Resources follow one
+/// another: a mark, a number, a name and the data, the last two of even length.
+template <class Visit>
+bool findResource(const std::vector<uint8_t>& data, const Visit& visit) {
+    std::string_view bytes(reinterpret_cast<const char*>(data.data()), data.size());
+    if (bytes.starts_with(kWrapper)) bytes.remove_prefix(kWrapper.size());
     while (bytes.starts_with(kResource)) {
         const size_t nameBytes = (1 + numberAt(bytes, 6, 1) + 1) / 2 * 2;
         const size_t start = 6 + nameBytes + 4, size = numberAt(bytes, start - 4, 4);
         if (start > bytes.size() || size > bytes.size() - start) break;
-        if (numberAt(bytes, 4, 2) == kIptcResource) return bytes.substr(start, size);
+        if (visit(numberAt(bytes, 4, 2), bytes.substr(start, size))) return true;
         bytes.remove_prefix(std::min(bytes.size(), start + (size + 1) / 2 * 2));
     }
-    return {};
+    return false;
 }
 
 }  // namespace
 
 std::vector<uint8_t> bareIptc(const std::vector<uint8_t>& data) {
     if (data.empty() || data.front() == kRecordMark) return data;
-    std::string_view bytes(reinterpret_cast<const char*>(data.data()), data.size());
-    if (bytes.starts_with(kWrapper)) bytes.remove_prefix(kWrapper.size());
-    const std::string_view found = iptcResourceIn(bytes);
-    return {found.begin(), found.end()};
+    std::vector<uint8_t> records;
+    findResource(data, [&](uint32_t resource, std::string_view found) {
+        if (resource != kIptcResource) return false;
+        records.assign(found.begin(), found.end());
+        return true;
+    });
+    return records;
+}
+
+bool hasMoreThanIptc(const std::vector<uint8_t>& data) {
+    return findResource(data, [](uint32_t resource, std::string_view) {
+        return resource != kIptcResource && !isElsewhere(resource);
+    });
 }
 
 std::vector<uint8_t> iptcForJpeg(const std::vector<uint8_t>& records) {

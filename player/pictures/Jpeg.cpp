@@ -136,7 +136,7 @@ private:
             else if (marker->marker == kExifSegment && data.starts_with(kXmpMark) && metadata.xmp.empty())
                 metadata.xmp.assign(data.begin() + kXmpMark.size(), data.end());
             else if (marker->marker == kIptcSegment && metadata.iptc.empty())
-                metadata.iptc = bareIptc({data.begin(), data.end()});
+                readResources({data.begin(), data.end()}, metadata);
         }
         const jpeg_component_info* parts = jpeg_.comp_info;
         const bool isColour = jpeg_.num_components == 3;
@@ -147,6 +147,11 @@ private:
         if (unit == 0) return;
         metadata.pixelsPerMillimetreX = jpeg_.X_density / unit;
         metadata.pixelsPerMillimetreY = jpeg_.Y_density / unit;
+    }
+
+    static void readResources(const std::vector<uint8_t>& data, PictureMetadata& metadata) {
+        metadata.iptc = bareIptc(data);
+        metadata.hasOtherResources = hasMoreThanIptc(data);
     }
 
     void readProfile(PictureMetadata& metadata) {

@@ -15,7 +15,8 @@ struct PictureText {
 struct PictureMetadata {
     std::vector<uint8_t> colourProfile;  ///< ICC
     std::vector<uint8_t> exif, xmp;
-    std::vector<uint8_t> iptc;  ///< the bare records
+    std::vector<uint8_t> iptc;       ///< the bare records
+    bool hasOtherResources = false;  ///< beside these, which are not kept
     std::vector<PictureText> texts;
     std::string chroma;  ///< of a JPEG: `4:2:0`, or another subsampling of the colours
     double pixelsPerMillimetreX = 0, pixelsPerMillimetreY = 0;  ///< 0 when unknown

@@ -42,18 +42,29 @@ std::vector<PictureText> textsOf(VipsImage* image) {
     return texts;
 }
 
+std::vector<std::string> precisionLost(VipsImage* image) {
+    const VipsBandFormat format = vips_image_get_format(image);
+    if (format == VIPS_FORMAT_UCHAR) return {};
+    return {"the precision of " + std::to_string(vips_format_sizeof(format) * 8) +
+            " bits a sample, as pictures have 8"};
+}
+
 std::shared_ptr<PictureMetadata> metadataOf(VipsImage* image, const InputFile& file, bool profileFits) {
     auto metadata = std::make_shared<PictureMetadata>();
     if (profileFits) metadata->colourProfile = blobOf(image, VIPS_META_ICC_NAME);
     metadata->exif = withoutThumbnail(blobOf(image, VIPS_META_EXIF_NAME));
     metadata->xmp = blobOf(image, VIPS_META_XMP_NAME);
-    metadata->iptc = bareIptc(blobOf(image, VIPS_META_IPTC_NAME));
+    std::vector<uint8_t> resources = blobOf(image, VIPS_META_IPTC_NAME);
+    metadata->iptc = bareIptc(resources);
     // The library has no EXIF data of a TIFF, and other bytes than its IPTC records.
     if (TiffFacts facts = readTiffFacts(file); textOf(image, VIPS_META_LOADER) == "tiffload_source") {
+        resources = blobOf(image, VIPS_META_PHOTOSHOP_NAME);
         metadata->exif = std::move(facts.exif);
         metadata->iptc = std::move(facts.iptc);
-        if (metadata->iptc.empty()) metadata->iptc = bareIptc(blobOf(image, VIPS_META_PHOTOSHOP_NAME));
+        if (metadata->iptc.empty()) metadata->iptc = bareIptc(resources);
     }
+    metadata->losses = precisionLost(image);
+    metadata->hasOtherResources = hasMoreThanIptc(resources);
     metadata->texts = textsOf(image);
     metadata->chroma = textOf(image, "jpeg-chroma-subsample");
     metadata->pixelsPerMillimetreX = vips_image_get_xres(image);
@@ -190,13 +201,6 @@ Bitmap pixelsOf(VipsChain& chain, const std::string& doing) {
     return picture;
 }
 
-std::vector<std::string> precisionLost(VipsImage* image) {
-    const VipsBandFormat format = vips_image_get_format(image);
-    if (format == VIPS_FORMAT_UCHAR) return {};
-    return {"the precision of " + std::to_string(vips_format_sizeof(format) * 8) +
-            " bits a sample, as pictures have 8"};
-}
-
 /// The pages or frames of an image that has them all, below one another.
 std::vector<Bitmap> framesOf(VipsImage* opened, const std::string& doing) {
     VipsChain all(opened);
@@ -239,7 +243,6 @@ PictureFrames read(const InputFile& file, FrameChoice choice) {
     const int pages = vips_image_get_n_pages(first.get());
     requirePictureSize(path, width, height);
     auto metadata = metadataOf(first.get(), file, isColour(vips_image_guess_interpretation(first.get())));
-    metadata->losses = precisionLost(first.get());
     PictureFrames read;
     if (pages > 1 && choice == FrameChoice::All) {
         requirePictureSize(path, width, int64_t{height} * pages);

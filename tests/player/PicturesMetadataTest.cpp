@@ -163,6 +163,27 @@ TEST_F(Metadata, OfIptcIsFoundInEveryWrapping) {
     for (size_t size = 0; size < two.size(); ++size)
         EXPECT_LE(bareIptc({two.begin(), two.begin() + ptrdiff_t(size)}).size(), records.size());
     EXPECT_TRUE(iptcForJpeg({}).empty());
+    EXPECT_FALSE(hasMoreThanIptc({two.begin(), two.end()})) << "a resolution, which is kept elsewhere";
+    two[18] = 7, two[19] = char(0xD0);
+    EXPECT_TRUE(hasMoreThanIptc({two.begin(), two.end()})) << "a path";
+    EXPECT_FALSE(hasMoreThanIptc(records));
+}
+
+TEST_F(Metadata, ThatIsNotKeptIsReported) {
+    described("in.tif");
+    apply("in.tif", "a.jpg");
+    std::string jpeg = contentOf(at("a.jpg"));
+    // Add a path to the segment with the IPTC records, whose length is in front of it.
+    const size_t wrapper = jpeg.find("Photoshop 3.0"), records = wrapper + 14;
+    const std::string path("8BIM\x07\xD0\0\0\0\0\0\2ab", 14);
+    jpeg.insert(records, path);
+    jpeg[wrapper - 1] = char(jpeg[wrapper - 1] + int(path.size()));
+    text("b.jpg", jpeg);
+    EXPECT_EQ(apply("b.jpg", "c.jpg").err,
+              "krlimage: note: " + at("b.jpg") +
+                  " loses resources beside the IPTC records, such as guides and paths, which are not kept\n");
+    EXPECT_TELLS(contentOf(at("c.jpg")), kHeadline);
+    EXPECT_EQ(apply("b.jpg", "d.jpg", {"--strip"}).err, "") << "nothing is to be kept";
 }
 
 TEST_F(Metadata, KeepsTheTextsOfAPng) {
