@@ -3,7 +3,10 @@
 #include <set>
 
 #include "catalogue/NearestName.h"
+#include "host/MessageTable.h"
 #include "player/cli/CallWalk.h"
+#include "player/host/Compare.h"
+#include "player/host/MessageTableReader.h"
 #include "player/lingo/ImageTools.h"
 #include "player/lingo/Runtime.h"
 #include "player/lingo/StageNames.h"
@@ -69,8 +72,17 @@ private:
     void checkCall(const CallExpression& call) {
         const std::string& name = symbols_.spelling(call.name);
         checkOptions(call, 4);
+        if (folded(name) == "xtra") checkXtra(call);
         if (folded(name).rfind("krlimage", 0) != 0)
             complain(functions_, name, call.place, "handler or function \"", "\"");
+    }
+
+    void checkXtra(const CallExpression& call) {
+        if (call.arguments.size() != 1 || call.arguments.front()->kind != ExpressionKind::String) return;
+        const auto& name = static_cast<const LiteralExpression&>(*call.arguments.front());
+        static const std::string known = readMessageTable(host::messageTable().head()).xtraName;
+        if (compareText(name.text, known) != 0)
+            report_(name.place, "there is no xtra \"" + name.text + "\", only \"" + known + '"');
     }
 
     void require(const NameSet& known, const PropertyExpression& property, const char* before,

@@ -19,7 +19,8 @@ namespace {
 std::shared_ptr<const Source> readSource(const std::filesystem::path& file) {
     std::ifstream in(file, std::ios::binary);
     std::ostringstream text;
-    if (!(in && text << in.rdbuf()) && !in.eof()) throw HostError("cannot read the script " + file.string());
+    const bool isEmpty = in.peek() == std::ifstream::traits_type::eof() && in.is_open() && !in.bad();
+    if (!isEmpty && !(text << in.rdbuf())) throw HostError("cannot read the script " + file.string());
     return std::make_shared<Source>(Source{file.string(), text.str()});
 }
 

@@ -55,6 +55,8 @@ void StatementParser::recoveringStatementInto(Block& body) {
         statementInto(body);
         passLineEnds();
     } catch (const ScriptError& mistake) {
+        // Every line further in would be the same mistake: give the handler up.
+        if (statements_ > kDeepestStatement) throw;
         record(mistake);
         statements_ = statements;
         inCase_ = inCase;
@@ -69,6 +71,7 @@ void StatementParser::record(const ScriptError& mistake) {
     if (!mistakes_) throw mistake;
     mistakes_->push_back(mistake);
     resetNesting();
+    statements_ = inCase_ = 0;
 }
 
 void StatementParser::recover(const Token& first) {

@@ -146,6 +146,36 @@ TEST_F(Check, FindsMistakesWithPositionAndLineWithoutRunning) {
     EXPECT_EQ(countOf(errors, "^\n"), 6u) << errors;
 }
 
+TEST_F(Check, KnowsTheOnlyXtra) {
+    const std::string script =
+        text("xtras.ls",
+             "on main\n  a = new(xtra \"KRLimagextra\")\n  b = new(xtra \"Blur\")\n  return [a, b]\nend\n");
+    const CliResult done = krlimage({"check", "--names", script});
+    EXPECT_EQ(done.code, 1);
+    EXPECT_TELLS(done.err, "xtras.ls:3:16: there is no xtra \"Blur\", only \"KRLImageXtra\"");
+    EXPECT_EQ(countOf(done.err, "^\n"), 1u) << done.err;
+}
+
+TEST_F(Check, ReportsTooDeepNestingOnce) {
+    const auto nested = [](const char* first, const char* last) {
+        std::string script = "on main\n";
+        for (int i = 0; i < 20000; ++i) script += first;
+        script += "put 1\n";
+        for (int i = 0; i < 20000; ++i) script += last;
+        return script + "end\non other\n  if 1 put 2\nend\n";
+    };
+    const std::pair<const char*, const char*> blocks[] = {
+        {"if 1 then\n", "end if\n"}, {"repeat while 1\n", "end repeat\n"}, {"case 1 of\n1:\n", "end case\n"}};
+    for (const auto& [first, last] : blocks) {
+        const std::string script = text("deep.ls", nested(first, last));
+        const CliResult done = krlimage({"check", script});
+        EXPECT_EQ(done.code, 1);
+        EXPECT_EQ(countOf(done.err, "the statements are nested too deeply"), 1u) << first;
+        EXPECT_EQ(countOf(done.err, "^\n"), 2u) << "and the mistake of the other handler";
+        EXPECT_EQ(countOf(krlimage({"run", script}).err, "^\n"), 1u) << first;
+    }
+}
+
 TEST_F(Check, ChecksEveryFormOfStatement) {
     const std::string wrong = "x.krlImageInvert(1)";
     const std::vector<std::string> bodies = {
