@@ -9,6 +9,7 @@
 #include "player/cli/CommandList.h"
 #include "player/cli/LedgerCommand.h"
 #include "player/cli/OptionTable.h"
+#include "player/cli/PlainOutput.h"
 #include "player/cli/Settings.h"
 #include "player/cli/Sweep.h"
 
@@ -348,7 +349,11 @@ private:
 
 }  // namespace
 
-int runCommandLine(const std::vector<std::string>& words, const Terminal& terminal) {
+int runCommandLine(const std::vector<std::string>& words, const Terminal& streams) {
+    PlainOutput out(streams.out), err(streams.err);
+    // A pipe gets every byte.
+    const bool isTerminal = streams.size.columns > 0;
+    const Terminal terminal{isTerminal ? out : streams.out, err, streams.live, streams.size};
     try {
         return Parser(terminal).run(words);
     } catch (const ScriptError& error) {

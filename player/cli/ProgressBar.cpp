@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <ostream>
 
+#include "player/cli/PlainOutput.h"
+
 namespace krl::player {
 
 namespace {
@@ -25,7 +27,7 @@ ProgressBar::ProgressBar(const Terminal& terminal, size_t total, std::string uni
     : terminal_(terminal), total_(total), unit_(std::move(unit)) {}
 
 ProgressBar::~ProgressBar() {
-    if (drawn_ != Clock::time_point()) terminal_.err << kBackToStart << std::flush;
+    if (drawn_ != Clock::time_point()) unfiltered(terminal_.err) << kBackToStart << std::flush;
 }
 
 void ProgressBar::step() {
@@ -35,7 +37,7 @@ void ProgressBar::step() {
     if (!terminal_.live || now - drawn_ < kBetweenDraws) return;
     drawn_ = now;
     const double seconds = std::chrono::duration<double>(now - start_).count();
-    terminal_.err << kBackToStart << lineFor(done_, total_, seconds, unit_) << std::flush;
+    unfiltered(terminal_.err) << kBackToStart << lineFor(done_, total_, seconds, unit_) << std::flush;
 }
 
 std::string ProgressBar::lineFor(size_t done, size_t total, double seconds, const std::string& unit) {

@@ -2,6 +2,7 @@
 #include <ostream>
 
 #include "player/cli/ApplyPicture.h"
+#include "player/cli/PlainOutput.h"
 #include "player/cli/TerminalPicture.h"
 #include "player/pictures/Picture.h"
 
@@ -56,7 +57,7 @@ int showPicture(const ShowOptions& options, const Terminal& terminal) {
     Session session(settings);
     for (ChainCall& call : chain) call.evaluate(session);
     const Bitmap picture = changedBy(makeRunner({}, settings), chain, readPicture(options.picture));
-    terminal.out << textOf(picture, options.as, space) << std::flush;
+    unfiltered(terminal.out) << textOf(picture, options.as, space) << std::flush;
     return 0;
 }
 
