@@ -7,6 +7,7 @@
 #include "catalogue/NearestName.h"
 #include "player/cli/ApplyOptions.h"
 #include "player/cli/CommandList.h"
+#include "player/cli/FittedText.h"
 #include "player/cli/LedgerCommand.h"
 #include "player/cli/OptionTable.h"
 #include "player/cli/PlainOutput.h"
@@ -55,8 +56,7 @@ public:
             terminal_.out << "krlimage " << kVersion << '\n';
             return 0;
         } catch (const CLI::CallForHelp&) {
-            terminal_.out << app_.help();
-            return 0;
+            return printHelp(app_.help());
         } catch (const CLI::ExtrasError& error) {
             return refuse(app_.get_subcommands().empty() ? unknownCommand(firstWord) : error.what());
         } catch (const CLI::ParseError& error) {
@@ -117,16 +117,10 @@ private:
         app.add_option("--steps", session.stepLimit, "Stop after N statements (default: no limit)")
             ->type_name("N")
             ->check(CLI::Range(uint64_t{1}, uint64_t{1} << 62).description(""));
-        app.add_option_function<uint64_t>(
-               "--memory", [&session](uint64_t megabytes) { session.memoryLimit = megabytes << 20; },
-               "Stop at N MB of values and images (default 4096)")
-            ->type_name("N")
-            ->check(CLI::Range(1, 1 << 24).description(""));
-        app.add_option_function<uint64_t>(
-               "--value-size", [&session](uint64_t megabytes) { session.valueLimit = megabytes << 20; },
-               "Stop at a string or list of N MB (default 1024)")
-            ->type_name("N")
-            ->check(CLI::Range(1, 1 << 24).description(""));
+        addMemory(app, "--memory", session.memoryLimit,
+                  "Stop when values and images take SIZE, such as 500M (default 4G)");
+        addMemory(app, "--value-size", session.valueLimit,
+                  "Stop at a string or list of SIZE, such as 100M (default 1G)");
         app.add_option("--depth", session.recursionLimit, "Stop at N nested handler calls (default 400)")
             ->type_name("N")
             ->check(CLI::Range(1, 100000).description(""));
@@ -161,7 +155,8 @@ private:
     void addListAndHelp() {
         CLI::App& list = command("list", "List all methods, or those matching a word",
                                  [this] { return listMethods(list_, terminal_); });
-        list.add_option("WORD", list_.word, "Text to search for in names, headings and summaries")
+        list.add_option("WORD", list_.word,
+                        "Text to search for in names, headings, summaries and other words for the same")
             ->type_name("");
         list.add_flag("--json", list_.json, "Print JSON");
 
@@ -171,9 +166,11 @@ private:
             ->type_name("")
             ->required();
 
-        CLI::App& help = command("help", "Show help for a method or command", [this] { return tell(); });
-        help.add_option("METHOD", help_.method,
-                        "Name of a method or command; the prefix krlImage is optional")
+        CLI::App& help =
+            command("help", "Show help for a method, a family or a command", [this] { return tell(); });
+        help.add_option(
+                "METHOD", help_.method,
+                "Name of a method, whose prefix krlImage is optional, a family such as blur, or a command")
             ->type_name("");
         help.add_flag("--json", help_.json, "Print JSON");
     }
@@ -181,15 +178,17 @@ private:
     int tell() {
         if (help_.method.empty()) {
             // `app_.help()` would print the help of the chosen command, `help` itself.
-            terminal_.out << app_.get_formatter()->make_help(&app_, "krlimage", CLI::AppFormatMode::Normal);
-            return 0;
+            return printHelp(app_.get_formatter()->make_help(&app_, "krlimage", CLI::AppFormatMode::Normal));
         }
         const auto named = [this](const CLI::App* one) { return one->check_name(help_.method); };
-        for (const CLI::App* command : app_.get_subcommands(named)) {
-            terminal_.out << command->help("krlimage");
-            return 0;
-        }
+        for (const CLI::App* command : app_.get_subcommands(named))
+            return printHelp(command->help("krlimage"));
         return helpOnMethod(help_, terminal_);
+    }
+
+    int printHelp(const std::string& text) const {
+        terminal_.out << fittedText(text, terminal_.size.columns);
+        return 0;
     }
 
     void addGallery() {

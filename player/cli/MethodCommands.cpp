@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "player/cli/Commands.h"
+#include "player/cli/FittedText.h"
 #include "player/cli/MethodFacts.h"
 #include "player/cli/MethodHelp.h"
 #include "player/cli/TextFile.h"
@@ -15,7 +16,7 @@ namespace krl::player {
 int listMethods(const ListOptions& options, const Terminal& terminal) {
     const std::string text = options.json ? listJson(options.word) : listText(options.word);
     if (text.empty()) throw CommandError("no method matches " + options.word);
-    terminal.out << text;
+    terminal.out << (options.json ? text : fittedText(text, terminal.size.columns));
     return 0;
 }
 
@@ -80,8 +81,13 @@ int findMethods(const FindOptions& options, const Terminal& terminal) {
 }
 
 int helpOnMethod(const HelpOptions& options, const Terminal& terminal) {
-    const Method& method = requireMethod(options.method);
-    terminal.out << (options.json ? helpJson(method) : helpText(method));
+    const Method* method = catalogue().find(options.method);
+    const Family* family = method || options.json ? nullptr : familyCalled(options.method);
+    if (!method && !family) method = &requireMethod(options.method);
+    if (options.json)
+        terminal.out << helpJson(*method);
+    else
+        terminal.out << fittedText(family ? helpText(*family) : helpText(*method), terminal.size.columns);
     return 0;
 }
 

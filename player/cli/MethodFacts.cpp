@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <sstream>
 
 #include "catalogue/Arguments.h"
 #include "catalogue/ExampleCall.h"
@@ -43,9 +44,22 @@ const Method& requireMethod(std::string_view name) {
     throw CommandError("there is no method " + std::string(name) + methodMeantBy(name));
 }
 
+const Family* familyCalled(const std::string& word) {
+    const std::string wanted = lowerCase(word);
+    const auto holds = [&](const Family& family) {
+        std::istringstream words(lowerCase(family.heading));
+        for (std::string one; words >> one;)
+            if (one == wanted && one != "and") return true;
+        return family.name == wanted || lowerCase(family.heading) == wanted;
+    };
+    const std::vector<Family>& families = catalogue().families();
+    const auto found = std::find_if(families.begin(), families.end(), holds);
+    return found == families.end() ? nullptr : &*found;
+}
+
 bool isFound(const Method& method, const std::string& word) {
-    const std::string text =
-        std::string(method.name()) + '\n' + method.heading() + '\n' + method.summaryText();
+    const std::string text = std::string(method.name()) + '\n' + method.heading() + '\n' +
+                             method.summaryText() + '\n' + method.searchWords();
     return lowerCase(text).find(lowerCase(word)) != std::string::npos;
 }
 

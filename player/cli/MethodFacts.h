@@ -17,7 +17,10 @@ std::string methodMeantBy(std::string_view name);
 /// The method of that name; throws a `CommandError` that suggests the nearest one.
 const Method& requireMethod(std::string_view name);
 
-/// Whether the method's name, heading or summary contains `word`, ignoring case.
+/// The family of that name or with that word in its heading, ignoring case; null if there is none.
+const Family* familyCalled(const std::string& word);
+
+/// Whether the method's name, heading, summary or search words contain `word`, ignoring case.
 bool isFound(const Method& method, const std::string& word);
 
 /// The sensible range of a number, `0 to 255`.

@@ -64,17 +64,26 @@ std::string helpText(const Method& method) {
     return text + section("Errors", failures);
 }
 
+namespace {
+
+std::string listText(const Family& family, const std::string& word) {
+    Rows rows;
+    for (const Method* method : family.methods)
+        if (isFound(*method, word)) rows.push_back({method->shortName(), method->summaryText()});
+    return rows.empty() ? "" : family.heading + '\n' + columns(rows);
+}
+
+}  // namespace
+
 std::string listText(const std::string& word) {
     std::string text;
-    for (const Family& group : catalogue().families()) {
-        Rows rows;
-        for (const Method* method : group.methods)
-            if (isFound(*method, word)) rows.push_back({method->shortName(), method->summaryText()});
-        if (rows.empty()) continue;
-        if (!text.empty()) text += '\n';
-        text += group.heading + '\n' + columns(rows);
+    for (const Family& family : catalogue().families()) {
+        const std::string one = listText(family, word);
+        text += (text.empty() || one.empty() ? "" : "\n") + one;
     }
     return text;
 }
+
+std::string helpText(const Family& family) { return listText(family, ""); }
 
 }  // namespace krl::player

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "catalogue/Method.h"
+#include "catalogue/Catalogue.h"
 
 /// Method documentation as text for a terminal, as JSON and as a reference page.
 namespace krl::player {
@@ -10,10 +10,13 @@ namespace krl::player {
 /// The help of a method.
 std::string helpText(const Method& method);
 
+/// The methods of a family.
+std::string helpText(const Family& family);
+
 /// The help of a method as a JSON object.
 std::string helpJson(const Method& method);
 
-/// The methods whose name, heading or summary contains `word`, ignoring case; all if it is empty.
+/// The methods that are found by `word`, in their families; all if it is empty.
 std::string listText(const std::string& word);
 std::string listJson(const std::string& word);
 

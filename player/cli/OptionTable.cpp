@@ -26,6 +26,36 @@ CLI::Validator positiveNumber() {
         "");
 }
 
+/// Makes bytes of a size such as 500M; a number alone counts megabytes.
+CLI::Validator memorySize() {
+    return CLI::Validator(
+        [](std::string& text) -> std::string {
+            constexpr uint64_t least = uint64_t{1} << 20, most = uint64_t{1} << 44;
+            std::string bytes = text;
+            if (!bytes.empty() && std::isdigit(static_cast<unsigned char>(bytes.back()))) bytes += 'M';
+            uint64_t number = 0;
+            try {
+                CLI::AsSizeValue(false)(bytes);
+                if (!CLI::detail::lexical_cast(bytes, number)) number = 0;
+            } catch (const CLI::ValidationError&) {
+                number = 0;
+            }
+            if (number < least || number > most) return "expected a size such as 500M or 4G, got " + text;
+            text = bytes;
+            return "";
+        },
+        "");
+}
+
+/// Refuses the empty name, which a variable of the shell that is not set leaves.
+CLI::Validator named() {
+    return CLI::Validator(
+        [](const std::string& text) -> std::string {
+            return text.empty() ? "expected the name of a file or folder, got none" : "";
+        },
+        "");
+}
+
 }  // namespace
 
 CLI::Option* addPath(CLI::App& app, const char* name, std::filesystem::path& target, const char* type,
@@ -33,7 +63,8 @@ CLI::Option* addPath(CLI::App& app, const char* name, std::filesystem::path& tar
     return app
         .add_option_function<std::string>(
             name, [&target](const std::string& text) { target = text; }, meaning)
-        ->type_name(type);
+        ->type_name(type)
+        ->check(named());
 }
 
 CLI::Option* addPaths(CLI::App& app, const char* name, std::vector<std::filesystem::path>& target,
@@ -43,7 +74,8 @@ CLI::Option* addPaths(CLI::App& app, const char* name, std::vector<std::filesyst
             name,
             [&target](const std::vector<std::string>& texts) { target.assign(texts.begin(), texts.end()); },
             meaning)
-        ->type_name(type);
+        ->type_name(type)
+        ->check(named());
 }
 
 CLI::Option* addTexts(CLI::App& app, const char* name, std::vector<std::string>& target, const char* type,
@@ -73,6 +105,10 @@ void addJobs(CLI::App& app, unsigned& jobs) {
     settable(app.add_option("-j,--jobs", jobs, "Pictures processed in parallel (default: one per processor)")
                  ->type_name("N")
                  ->check(CLI::Range(1, 256).description("")));
+}
+
+CLI::Option* addMemory(CLI::App& app, const char* name, uint64_t& bytes, const char* meaning) {
+    return app.add_option(name, bytes, meaning)->type_name("SIZE")->transform(memorySize());
 }
 
 void addTimeout(CLI::App& app, double& seconds) {
@@ -117,12 +153,9 @@ void addBatchOptions(CLI::App& app, ApplyOptions& options) {
                    "Start no further picture after N failures, and end with exit code 3")
         ->type_name("N")
         ->check(CLI::Range(1, 1'000'000'000).description(""));
-    settable(
-        app.add_option("--memory", options.memory,
+    settable(addMemory(app, "--memory", options.memory,
                        "Hold pictures back while those in progress take SIZE, such as 500M or 4G (default:\n"
-                       "most of the memory that is available)")
-            ->type_name("SIZE")
-            ->transform(CLI::AsSizeValue(false).description("")));
+                       "most of the memory that is available)"));
     app.add_flag(
         "--plan", options.plan,
         "Print how many pictures and pixels there are and how much memory they take, and write nothing");

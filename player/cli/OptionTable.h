@@ -30,6 +30,9 @@ CLI::Option* settable(CLI::Option* option);
 /// `--jobs`.
 void addJobs(CLI::App& app, unsigned& jobs);
 
+/// An option for an amount of memory, `500M` or `4G`.
+CLI::Option* addMemory(CLI::App& app, const char* name, uint64_t& bytes, const char* meaning);
+
 /// `--timeout`.
 void addTimeout(CLI::App& app, double& seconds);
 

@@ -15,13 +15,26 @@ namespace {
 
 TEST(CommandLine, PrintsUsageAndReturnsTwoForInvalidUsage) {
     using Words = std::vector<std::string>;
-    for (const Words& words :
-         {Words{}, Words{"grade"}, Words{"--louder"}, Words{"run"}, Words{"apply"},
-          Words{"apply", "a.pam", "invert(#RGB)"}, Words{"apply", "invert(#RGB)", "-o", "x.pam"},
-          Words{"apply", "a.pam", "-o", "b.pam", "--quality", "101"},
-          Words{"apply", "a.pam", "-o", "b.pam", "--jobs", "0"},
-          Words{"apply", "a.pam", "-o", "b.pam", "--threads", "many"}, Words{"gallery", "a.pam"},
-          Words{"completions", "fish"}, Words{"run", "a.ls", "--xtra"}}) {
+    for (const Words& words : {Words{},
+                               Words{"grade"},
+                               Words{"--louder"},
+                               Words{"run"},
+                               Words{"apply"},
+                               Words{"apply", "a.pam", "invert(#RGB)"},
+                               Words{"apply", "invert(#RGB)", "-o", "x.pam"},
+                               Words{"apply", "a.pam", "-o", "b.pam", "--quality", "101"},
+                               Words{"apply", "a.pam", "-o", "b.pam", "--jobs", "0"},
+                               Words{"apply", "a.pam", "-o", "b.pam", "--threads", "many"},
+                               Words{"gallery", "a.pam"},
+                               Words{"completions", "fish"},
+                               Words{"run", "a.ls", "--xtra"},
+                               Words{"run", "a.ls", "--xtra", ""},
+                               Words{"run", "a.ls", "--allow", ""},
+                               Words{"run", ""},
+                               Words{"run", "a.ls", "--memory", "1K"},
+                               Words{"run", "a.ls", "--memory", "0"},
+                               Words{"run", "a.ls", "--memory", "4 horses"},
+                               Words{"apply", "a.pam", "-o", "b.pam", "--memory", "-4G"}}) {
         const CliResult done = krlimage(words);
         EXPECT_EQ(done.code, 2) << testing::PrintToString(words);
         EXPECT_EQ(done.out, "");
@@ -76,6 +89,34 @@ TEST_F(Scripts, SaveInAFolderThatIsCreatedForThem) {
     EXPECT_EQ(refused.code, 1);
     EXPECT_EQ(refused.out, "") << "must fail before the script runs";
     EXPECT_EQ(refused.err, "krlimage: cannot create the folder " + at("a.ls/out") + ": Not a directory\n");
+}
+
+TEST_F(Scripts, ThatAreEmptyHaveNothingToRun) {
+    const CliResult done = krlimage({"run", text("empty.ls", "")});
+    EXPECT_EQ(done.code, 1);
+    EXPECT_EQ(done.err, "krlimage: " + at("empty.ls") + ": expected a handler to run\n");
+}
+
+TEST_F(Scripts, TakeSizesOfMemory) {
+    const std::string script =
+        text("a.ls", "on main\n s = \"abcdefgh\"\n repeat while 1\n  s = s & s\n end repeat\nend\n");
+    for (const char* size : {"8", "8M", "8mb", "8192K"})
+        EXPECT_TELLS(krlimage({"run", script, "--memory", size}).err, "may take 8 MB together") << size;
+}
+
+TEST_F(Scripts, SendNoControlCharactersToATerminal) {
+    const std::string script =
+        text("a.ls", "on main\n put \"\x1b[2Jtwo\tlines\" & RETURN & \"\x07 ä \xC2\x9B\"\nend\n");
+    const auto printed = [&](int columns) {
+        std::ostringstream out, err;
+        EXPECT_EQ(runCommandLine({"run", script}, Terminal{out, err, false, {columns, 24}}), 0) << err.str();
+        return out.str();
+    };
+    EXPECT_EQ(printed(80), "-- \"^[[2Jtwo\tlines\n^G ä \xC2?\"\n");
+    EXPECT_EQ(printed(0), "-- \"\x1b[2Jtwo\tlines\n\x07 ä \xC2\x9B\"\n") << "a pipe gets every byte";
+    EXPECT_TELLS(krlimage({"run", text("b.ls", "on main\n x = \x1b[2J\nend\n")}).err, "\n x = ^[[2J\n");
+    EXPECT_TELLS(krlimage({"apply", at("\x1b]0;title\x07.png"), "-o", at("o.png"), "sepia"}).err,
+                 "/^[]0;title^G.png");
 }
 
 TEST(Jobs, ProcessEveryItemOnce) {

@@ -3,6 +3,7 @@
 
 #include "catalogue/ExampleCall.h"
 #include "player/cli/ArgumentCheck.h"
+#include "player/cli/FittedText.h"
 #include "player/cli/MethodFacts.h"
 #include "player/cli/MethodHelp.h"
 #include "player/pictures/Scale.h"
@@ -39,6 +40,36 @@ TEST(Help, SuggestsTheNearestMethod) {
     EXPECT_EQ(done.err, "krlimage: there is no method brigthness, did you mean brightness?\n");
 }
 
+TEST(Help, IsAvailableForFamilies) {
+    const std::string keys = krlimage({"help", "KEYS"}).out;
+    EXPECT_EQ(keys.rfind("Keys\n  autoColor ", 0), 0u) << keys;
+    EXPECT_EQ(keys.find("brightness  "), std::string::npos);
+    EXPECT_EQ(krlimage({"help", "blur"}).out, krlimage({"help", "Blur and sharpen"}).out);
+    EXPECT_EQ(krlimage({"help", "and"}).code, 1);
+    EXPECT_EQ(krlimage({"help", "keys", "--json"}).code, 1);
+}
+
+TEST(Help, FitsTheTerminal) {
+    using Words = std::vector<std::string>;
+    for (const Words& words : {Words{"help", "vignette"}, Words{"help", "apply"}, Words{"help"},
+                               Words{"list"}, Words{"apply", "--help"}}) {
+        std::ostringstream out, err;
+        EXPECT_EQ(runCommandLine(words, Terminal{out, err, false, {64, 24}}), 0);
+        const std::string wide = krlimage(words).out, text = out.str();
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);)
+            EXPECT_TRUE(line.size() <= 64 || line.find("krlimage apply in.png") != std::string::npos) << line;
+        EXPECT_GT(countOf(text, "\n"), countOf(wide, "\n"));
+        const auto bare = [](std::string all) {
+            std::erase_if(all, [](char letter) { return letter == ' ' || letter == '\n'; });
+            return all;
+        };
+        EXPECT_EQ(bare(text), bare(wide)) << "no word is lost";
+    }
+    EXPECT_EQ(fittedText("  a  one two three four\n", 26), "  a  one two three four\n");
+    EXPECT_EQ(fittedText("  a  one two three four five\n", 26), "  a  one two three four\n     five\n");
+}
+
 TEST(Help, IsAvailableAsJson) {
     const auto json = nlohmann::json::parse(krlimage({"help", "brightness", "--json"}).out);
     EXPECT_EQ(json["method"], "krlImageBrightness");
@@ -53,7 +84,7 @@ TEST(Help, IsAvailableForEveryMethod) {
         const CliResult done = krlimage({"help", name});
         EXPECT_EQ(done.code, 0) << name;
         EXPECT_TELLS(done.out, catalogue().find(name)->summaryText());
-        EXPECT_NO_THROW(nlohmann::json::parse(krlimage({"help", name, "--json"}).out)) << name;
+        EXPECT_TRUE(nlohmann::json::accept(krlimage({"help", name, "--json"}).out)) << name;
     }
 }
 
@@ -69,6 +100,7 @@ TEST(List, IsFilteredByAWord) {
     EXPECT_TELLS(some, "invert");
     EXPECT_EQ(some.find("brightness"), std::string::npos);
     EXPECT_EQ(krlimage({"list", "xyzzy"}).code, 1);
+    EXPECT_TELLS(krlimage({"list", "greenscreen"}).out, "chromaKey") << "a word that is in none of its texts";
 }
 
 TEST(Docs, InTheTreeMatchTheGeneratedPage) {
