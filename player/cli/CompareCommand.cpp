@@ -7,6 +7,7 @@
 
 #include "catalogue/Notation.h"
 #include "player/cli/Commands.h"
+#include "player/cli/Similarity.h"
 #include "player/pictures/Picture.h"
 
 namespace krl::player {
@@ -21,6 +22,7 @@ struct Difference {
     uint64_t sum = 0, squares = 0, samples = 0;
     uint64_t pixels = 0;          ///< pixels that differ by more than is allowed
     std::optional<size_t> first;  ///< the first of them
+    double similarity = 1;
 
     double mean() const { return static_cast<double>(sum) / static_cast<double>(samples); }
     /// Peak signal-to-noise ratio in decibels; infinite for equal pictures.
@@ -46,6 +48,7 @@ Difference differenceOf(const Bitmap& a, const Bitmap& b, int allowed) {
         ++found.pixels;
         if (!found.first) found.first = i;
     }
+    if (found.squares > 0) found.similarity = structuralSimilarity(a, b);
     return found;
 }
 
@@ -79,6 +82,7 @@ void print(const Difference& found, const Bitmap& picture, const CompareOptions&
                                        {"mean", found.mean()},
                                        {"pixels", found.pixels}};
         if (found.squares > 0) json["psnr"] = found.psnr();
+        json["ssim"] = found.similarity;
         if (found.first) json["first"] = {column(), row()};
         terminal.out << json.dump(2) << '\n';
         return;
@@ -87,7 +91,8 @@ void print(const Difference& found, const Bitmap& picture, const CompareOptions&
                  << "mean difference     " << rounded(found.mean()) << '\n'
                  << "pixels that differ  " << found.pixels << " of " << picture.pixels.size() << '\n'
                  << "PSNR                "
-                 << (found.squares > 0 ? rounded(found.psnr()) + " dB" : std::string("infinite")) << '\n';
+                 << (found.squares > 0 ? rounded(found.psnr()) + " dB" : std::string("infinite")) << '\n'
+                 << "SSIM                " << rounded(found.similarity) << '\n';
     if (found.first) terminal.out << "first at            " << column() << ", " << row() << '\n';
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "player/cli/Similarity.h"
 #include "player/pictures/ExifData.h"
 #include "player/pictures/FileAccess.h"
 #include "tests/player/CliRun.h"
@@ -204,12 +205,36 @@ TEST_F(Compare, MeasuresHowFarPicturesDiffer) {
     EXPECT_EQ(other.code, 1);
     EXPECT_EQ(other.out,
               "largest difference  2\nmean difference     0.042\npixels that differ  1 of 12\n"
-              "PSNR                58.923 dB\nfirst at            2, 1\n");
+              "PSNR                58.923 dB\nSSIM                1.0\nfirst at            2, 1\n");
     EXPECT_EQ(readPicture(at("d.pam")).pixels[6], (Pixel{0, 2, 0, 255}));
     EXPECT_EQ(krlimage({"compare", at("a.pam"), at("b.pam"), "--max", "2"}).code, 0);
     const CliResult sizes = krlimage({"compare", at("a.pam"), at("c.pam")});
     EXPECT_EQ(sizes.code, 1);
     EXPECT_TELLS(sizes.err, "the sizes differ");
+}
+
+TEST_F(Compare, SaysHowAlikePicturesAre) {
+    const auto plain = [](uint8_t level, uint8_t alpha) {
+        return Bitmap{20, 13, std::vector<Pixel>(260, Pixel{level, level, level, alpha}), nullptr};
+    };
+    // Without contrast, the term of brightness remains: (2 * 100 * 120 + c) / (100² + 120² + c), c = 2.55².
+    EXPECT_NEAR(structuralSimilarity(plain(100, 255), plain(120, 255)), 24006.5025 / 24406.5025, 1e-12);
+    EXPECT_NEAR(structuralSimilarity(plain(100, 255), plain(100, 0)), 6.5025 / (65025 + 6.5025), 1e-12);
+    Bitmap a = noise(37, 21), b = a;
+    EXPECT_EQ(structuralSimilarity(a, b), 1);
+    for (Pixel& p : b.pixels)
+        p = {uint8_t(255 - p.blue), uint8_t(255 - p.green), uint8_t(255 - p.red), p.alpha};
+    EXPECT_LT(structuralSimilarity(a, b), -0.8) << "a negative";
+    // One pixel in a corner is in one window, and counts no less than elsewhere.
+    b = plain(100, 255), a = b;
+    b.pixels.back() = {0, 0, 0, 255};
+    EXPECT_LT(structuralSimilarity(a, b), 1);
+    EXPECT_EQ(structuralSimilarity(Bitmap{1, 1, {Pixel{1, 2, 3, 4}}, nullptr},
+                                   Bitmap{1, 1, {Pixel{1, 2, 3, 4}}, nullptr}),
+              1);
+    writePicture(at("a.pam"), plain(100, 255)), writePicture(at("b.pam"), plain(120, 255));
+    EXPECT_TELLS(krlimage({"compare", at("a.pam"), at("b.pam")}).out, "SSIM                0.984\n");
+    EXPECT_TELLS(krlimage({"compare", at("a.pam"), at("b.pam"), "--json"}).out, "\"ssim\": 0.98");
 }
 
 using Find = CliTest;
