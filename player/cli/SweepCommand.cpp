@@ -10,6 +10,7 @@
 #include "player/cli/Sweep.h"
 #include "player/pictures/Label.h"
 #include "player/pictures/Picture.h"
+#include "player/pictures/PictureMetadata.h"
 #include "player/pictures/Scale.h"
 
 namespace krl::player {
@@ -69,6 +70,7 @@ public:
         const Head head = headOf(name, calls, across);
         Bitmap sheet =
             plain(2 * kMargin + across, 2 * kMargin + head.height + kMargin + rows * rowHeight - kGap);
+        sheet.metadata = profileOf(original_);
         drawHead(sheet, head);
         for (size_t i = 0; i < cells_.size(); ++i)
             drawCell(sheet, cells_[i], kMargin + int32_t(i) % columns_ * (cellWidth_ + kGap),
@@ -96,6 +98,14 @@ private:
         head.y = fits ? std::max(0, original_.height - title) : original_.height + kLabelGap;
         head.height = std::max(original_.height, head.name ? head.y + title : 0);
         return head;
+    }
+
+    /// Its colours mean the same on the sheet.
+    static std::shared_ptr<const PictureMetadata> profileOf(const Bitmap& picture) {
+        if (!picture.metadata) return nullptr;
+        PictureMetadata profile;
+        profile.colourProfile = picture.metadata->colourProfile;
+        return std::make_shared<PictureMetadata>(std::move(profile));
     }
 
     static int32_t heightOf(const std::optional<Bitmap>& label) { return label ? label->height : 0; }

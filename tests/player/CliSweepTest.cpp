@@ -3,6 +3,7 @@
 #include "player/cli/Commands.h"
 #include "player/cli/Sweep.h"
 #include "player/pictures/Label.h"
+#include "player/pictures/PictureMetadata.h"
 #include "tests/player/CliRun.h"
 
 namespace krl::player {
@@ -100,6 +101,23 @@ TEST_F(SweepTest, LaysOutVariantsInRowsAndColumns) {
         EXPECT_TRUE(hasLetters);
     }
 }
+
+#if defined(KRL_WITH_VIPS)
+TEST_F(SweepTest, HasTheColourProfileOfItsPicture) {
+    Bitmap original = noise(20, 12);
+    for (Pixel& p : original.pixels) p.alpha = 255;
+    auto metadata = std::make_shared<PictureMetadata>();
+    metadata->colourProfile.assign(400, 7);
+    metadata->xmp = {'<', 'x', '/', '>'};
+    original.metadata = metadata;
+    writePicture(at("in.tif"), original);
+    const CliResult done = krlimage({"sweep", at("in.tif"), "brightness(1..3 by 1)", "-o", at("sheet.tif")});
+    ASSERT_EQ(done.code, 0) << done.err;
+    const Bitmap sheet = readPicture(at("sheet.tif"));
+    EXPECT_EQ(sheet.metadata->colourProfile, metadata->colourProfile);
+    EXPECT_TRUE(sheet.metadata->xmp.empty()) << "which is about the original";
+}
+#endif
 
 TEST_F(SweepTest, DrawsTransparentPicturesOverSquares) {
     Bitmap clear{32, 16, std::vector<Pixel>(512, Pixel{255, 0, 0, 0}), nullptr};
