@@ -48,25 +48,25 @@ h3 { margin: 0; font-size: .98rem; font-weight: 600; }
 code { flex: 1; min-width: 0; max-height: 4.4em; overflow: auto; overflow-wrap: anywhere; color: #d6d6dc;
   font: .78rem/1.45 ui-monospace, "SF Mono", Menlo, Consolas, "DejaVu Sans Mono", monospace; }
 .copy { padding: .1rem .6rem; border: 1px solid var(--line); border-radius: .4rem; background: none; color: var(--quiet);
-  font: .78rem/1.5 inherit; font-family: inherit; cursor: pointer; }
+  font: inherit; font-size: .78rem; cursor: pointer; }
 .copy:hover { color: var(--text); border-color: var(--quiet); }
-dialog { width: min(96vw, 1320px); max-height: 96vh; padding: 1rem; border: 1px solid var(--line); border-radius: .8rem;
+dialog { width: min(96vw, 1320px, max(24rem, 78vh * (var(--shape, 3 / 2)) + 2rem)); max-height: 96vh; padding: 1rem; border: 1px solid var(--line); border-radius: .8rem;
   background: var(--card); color: inherit; }
 dialog::backdrop { background: rgb(10 10 11 / .85); }
 dialog .title { display: flex; align-items: center; justify-content: space-between; gap: 1rem; margin-bottom: .8rem; }
 dialog h2 { margin: 0; font-size: 1.05rem; color: var(--text); }
 .close { width: 2.2rem; height: 2.2rem; border: 1px solid var(--line); border-radius: 50%; background: none;
-  color: var(--quiet); font: 1.3rem/1 inherit; cursor: pointer; }
+  color: var(--quiet); font: inherit; font-size: 1.4rem; line-height: 1; cursor: pointer; }
 .close:hover { color: var(--text); border-color: var(--quiet); }
 .none { margin: 4rem 0; text-align: center; color: var(--quiet); }
-dialog .view { cursor: ew-resize; border-radius: .4rem; overflow: hidden; }
+dialog .view { margin: 0 auto; max-width: calc(78vh * (var(--shape, 3 / 2))); cursor: ew-resize; border-radius: .4rem; overflow: hidden; }
 dialog .view img { max-height: 78vh; }
 dialog .call { padding-top: .8rem; }
 [hidden] { display: none !important; }
 @media (max-width: 640px) {
   header { gap: .35rem .8rem; padding: .5rem .8rem; }
   header p { font-size: .8rem; flex: 1 1 100%; order: 1; white-space: nowrap; overflow: hidden; text-overflow: ellipsis; }
-  input { flex: 1 1 8rem; width: auto; }
+  input { flex: 1 1 8rem; width: auto; min-width: 0; padding: .25rem .7rem; }
   nav { order: 2; flex-wrap: nowrap; overflow-x: auto; padding-bottom: .2rem; scrollbar-width: none; white-space: nowrap; }
   main { padding: 0 .8rem 3rem; }
   h2 { margin: 1.4rem 0 .6rem; scroll-margin-top: 7.5rem; }
@@ -95,7 +95,7 @@ document.querySelectorAll('.card .view').forEach(view => view.addEventListener('
   large.querySelector('.after').src = view.dataset.picture;
   large.querySelector('.before').src = view.dataset.before;
   large.style.aspectRatio = view.style.aspectRatio;
-  large.style.maxWidth = `calc(78vh * (${view.style.aspectRatio}))`;
+  dialog.style.setProperty('--shape', view.style.aspectRatio);
   dialog.querySelector('h2').textContent = card.querySelector('h3').textContent;
   dialog.querySelector('code').textContent = card.querySelector('code').textContent;
   dialog.showModal();
