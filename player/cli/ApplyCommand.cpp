@@ -159,11 +159,16 @@ void requireOutput(const ApplyOptions& options, const std::vector<ChainCall>& ch
 void refuseWithWatch(const ApplyOptions& options, const std::vector<fs::path>& inputs,
                      const std::vector<MovingCall>& calls) {
     const std::pair<bool, const char*> all[] = {
-        {!inputs.empty(), "inputs"},          {!options.inputList.empty(), "--from"},
-        {!options.raw.empty(), "--raw"},      {options.inPlace, "--in-place"},
-        {options.dryRun, "--dry-run"},        {options.plan, "--plan"},
-        {!options.shard.empty(), "--shard"},  {options.keepsLedger(), "--ledger and --resume"},
-        {moves(calls), "arguments that move"}};
+        {!inputs.empty(), "inputs"},
+        {!options.inputList.empty(), "--from"},
+        {!options.raw.empty(), "--raw"},
+        {options.inPlace, "--in-place"},
+        {options.dryRun, "--dry-run"},
+        {options.plan, "--plan"},
+        {!options.shard.empty(), "--shard"},
+        {options.keepsLedger(), "--ledger and --resume"},
+        {moves(calls), "arguments that move"},
+        {options.nameTemplate.find("{n}") != std::string::npos, "{n} in --name"}};
     for (const auto& [isGiven, what] : all)
         if (isGiven) throw UsageError(std::string("--watch goes on until interrupted: leave out ") + what);
     if (options.output.empty() || isStandardStream(options.output) || Sequence::named(options.output))

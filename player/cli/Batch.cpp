@@ -296,6 +296,7 @@ std::vector<BatchItem> planBatch(const BatchPart& part, const ApplyOptions& opti
                                  std::vector<std::string>* notes) {
     std::vector<std::string> unread;
     std::vector<std::string>& told = notes ? *notes : unread;
+    told.insert(told.end(), part.notes.begin(), part.notes.end());
     std::vector<Found> found = Search(options, told).in(part);
     std::vector<BatchItem> items = pairs(found, hasSeveral(part, options), options);
     for (BatchItem& item : items)

@@ -21,6 +21,7 @@ struct BatchPart {
     std::vector<std::filesystem::path> named;   ///< pictures, and folders of pictures
     std::vector<std::filesystem::path> listed;  ///< the same, from a list
     bool isOneOfSeveral = false;                ///< whether there may be other parts
+    std::vector<std::string> notes = {};        ///< a line for each picture that is left out
 };
 
 /// Pairs pictures, and those in folders, with their outputs, and makes the folders for these unless it is a

@@ -22,7 +22,7 @@ BatchParts::BatchParts(std::vector<std::filesystem::path> named, const ApplyOpti
 }
 
 std::optional<BatchPart> BatchParts::next() {
-    if (watch_) return BatchPart{{}, watch_->next(), true};
+    if (watch_) return watch_->next();
     BatchPart part;
     const bool isFirst = std::exchange(isFirst_, false);
     if (isFirst) part.named = named_;

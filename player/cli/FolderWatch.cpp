@@ -63,30 +63,42 @@ std::map<std::string, FolderWatch::State> FolderWatch::look() const {
     return found;
 }
 
-std::vector<fs::path> FolderWatch::next() {
+bool FolderWatch::hasOutputOfItsOwn(const std::string& input, std::vector<std::string>& notes) {
+    const auto [one, isFirst] = inputs_.emplace(outputName(input, options_), input);
+    if (isFirst || one->second == input) return true;
+    notes.push_back("skipped " + input + ": " + (options_.output / fs::path(one->first)).string() +
+                    " is the result of " + one->second);
+    return false;
+}
+
+BatchPart FolderWatch::next() {
     for (;;) {
         const std::map<std::string, State> now = look();
-        std::vector<fs::path> whole;
+        BatchPart whole{{}, {}, true};
         for (const auto& [name, state] : now) {
             const auto before = last_.find(name), known = seen_.find(name);
             if (before == last_.end() || before->second != state || state.first == 0) continue;
             if (known != seen_.end() && known->second == state) continue;
             seen_[name] = state;
-            whole.emplace_back(name);
+            if (hasOutputOfItsOwn(name, whole.notes)) whole.listed.emplace_back(name);
         }
         // A folder that cannot be read now may be back soon.
         if (!now.empty()) std::erase_if(seen_, [&](const auto& one) { return !now.contains(one.first); });
         last_ = now;
-        if (!whole.empty()) return whole;
+        if (!whole.listed.empty() || !whole.notes.empty()) return whole;
         std::this_thread::sleep_for(kBetweenLooks);
     }
 }
 
 std::string FolderWatch::seen() const {
-    const std::vector<uint8_t> bytes = nlohmann::json::to_cbor(seen_);
+    const std::vector<uint8_t> bytes = nlohmann::json::to_cbor(nlohmann::json::array({seen_, inputs_}));
     return {bytes.begin(), bytes.end()};
 }
 
-void FolderWatch::continueAfter(const std::string& seen) { nlohmann::json::from_cbor(seen).get_to(seen_); }
+void FolderWatch::continueAfter(const std::string& seen) {
+    const nlohmann::json json = nlohmann::json::from_cbor(seen);
+    json[0].get_to(seen_);
+    json[1].get_to(inputs_);
+}
 
 }  // namespace krl::player

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "player/cli/ApplyOptions.h"
+#include "player/cli/Batch.h"
 
 namespace krl::player {
 
@@ -17,8 +18,9 @@ public:
     /// Throws `UsageError` if `options` would put outputs where they are found again.
     explicit FolderWatch(const ApplyOptions& options);
 
-    /// Waits for pictures that are whole: their files have not changed from one look to the next.
-    std::vector<std::filesystem::path> next();
+    /// Waits for pictures that are whole: their files have not changed from one look to the next. Leaves out
+    /// a picture that would overwrite the result of another.
+    BatchPart next();
 
     /// What was found so far, and how to leave that out after a crash.
     std::string seen() const;
@@ -32,8 +34,11 @@ private:
     template <class Entries>
     void add(const Entries& entries, std::map<std::string, State>& found) const;
 
+    bool hasOutputOfItsOwn(const std::string& input, std::vector<std::string>& notes);
+
     const ApplyOptions& options_;
     std::map<std::string, State> seen_, last_;
+    std::map<std::string, std::string> inputs_;  ///< of each output
 };
 
 }  // namespace krl::player

@@ -5,6 +5,8 @@
 #include <unistd.h>
 #endif
 
+#include "player/cli/ApplyOptions.h"
+#include "player/cli/FolderWatch.h"
 #include "player/pictures/FileAccess.h"
 #include "player/pictures/PictureFiles.h"
 #include "tests/player/CliRun.h"
@@ -318,10 +320,34 @@ TEST_F(Apply, RefusesWhatAWatchCannotDo) {
     refuses({"-o", at("out"), "--resume"}, "leave out --ledger and --resume");
     refuses({"-o", at("out"), "--dry-run"}, "leave out --dry-run");
     refuses({"--in-place"}, "leave out --in-place");
+    refuses({"-o", at("out"), "--name", "{n}.{ext}"}, "leave out {n} in --name");
     refuses({"-o", at("in")}, "would be found as new pictures");
     refuses({"-o", at("in/out"), "-r"}, "would be found as new pictures");
     EXPECT_TELLS(krlimage({"apply", "--watch", at("none"), "sepia", "-o", at("out")}).err,
                  "there is no such folder");
+}
+
+TEST_F(Apply, LeavesOutAWatchedPictureThatWouldOverwriteAResult) {
+    std::filesystem::create_directories(at("in"));
+    ApplyOptions options;
+    options.watch = options.root = at("in");
+    options.output = at("out");
+    options.format = "pam";
+    picture("in/a.pam"), text("in/a.ppm", "P6 1 1 255 abc"), picture("in/b.pam");
+    FolderWatch watch(options);
+    const BatchPart first = watch.next();
+    EXPECT_EQ(first.listed, (std::vector<std::filesystem::path>{at("in/a.pam"), at("in/b.pam")}));
+    const std::string note =
+        "skipped " + at("in/a.ppm") + ": " + at("out/a.pam") + " is the result of " + at("in/a.pam");
+    EXPECT_EQ(first.notes, std::vector<std::string>{note});
+    // Also later, and in the program that goes on after a crash.
+    text("in/b.ppm", "P6 1 1 255 abc"), picture("in/b.pam", 9, 9);
+    FolderWatch next(options);
+    next.continueAfter(watch.seen());
+    const BatchPart second = next.next();
+    EXPECT_EQ(second.listed, std::vector<std::filesystem::path>{at("in/b.pam")}) << "which has changed";
+    EXPECT_EQ(second.notes.size(), 1u);
+    EXPECT_EQ(planBatch(second, options).size(), 1u);
 }
 
 TEST_F(Apply, PrintsHowLongEachStepTakes) {
