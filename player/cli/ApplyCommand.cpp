@@ -151,6 +151,8 @@ void requireOutput(const ApplyOptions& options, const std::vector<ChainCall>& ch
         throw UsageError("no output: use -o FILE or -o DIR" + exampleOf(chain));
     if (options.keepsLedger() && (options.output.empty() || isStandardStream(options.output)))
         throw UsageError("--ledger and --resume need -o DIR, which has the ledger");
+    if (options.overwrite && (options.skipExisting || options.newer))
+        throw UsageError("--overwrite excludes --skip-existing and --newer");
     if (!options.shard.empty() && options.nameTemplate.find("{n}") != std::string::npos)
         throw UsageError("--name: {n} counts the pictures of one run, and --shard makes several");
 }
@@ -231,6 +233,7 @@ int workOnAll(BatchParts& parts, const ApplyOptions& options, const std::vector<
                            terminal.live};
     ApplyProgress progress(parts, options, ledger ? &*ledger : nullptr);
     ApplyReport report(options, results);
+    report.listFailures(options, progress.isContinued());
     bool hasNext = progress.next();
     MemoryGate memory(memoryFor(options, progress.items().size()));
     FailureLimit failures(options.mostFailures, progress.totals().failed);

@@ -42,6 +42,8 @@ struct ApplyOptions {
     std::string nameTemplate;
     /// A file with one input in each line, or `-` for standard input.
     std::filesystem::path inputList;
+    /// Where to list the inputs that failed, in the same way; empty for nowhere.
+    std::filesystem::path failures;
     /// A folder whose pictures are taken as they appear.
     std::filesystem::path watch;
     /// Whether names in the list end with a zero byte instead of a line's end.
@@ -66,6 +68,8 @@ struct ApplyOptions {
     bool inPlace = false;
     /// Leaves out pictures whose output exists, or exists and is newer.
     bool skipExisting = false, newer = false;
+    /// Asks for what happens otherwise.
+    bool overwrite = false;
     /// Prints what would be written, and writes nothing.
     bool dryRun = false;
     /// Refuses calls that would only be noted as unusual.

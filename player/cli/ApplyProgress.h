@@ -51,6 +51,8 @@ public:
     /// Plans the next part, or resumes that of a program that crashed; false if there is none.
     bool next();
 
+    /// Whether this program replaces one that crashed.
+    bool isContinued() const { return !journal_.past().empty(); }
     /// What became of all parts up to this one.
     BatchTotals totals() const;
     const std::vector<BatchItem>& items() const { return items_; }

@@ -1,7 +1,9 @@
 #include "player/cli/ApplyReport.h"
 
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <utility>
@@ -69,8 +71,21 @@ void showResults(const PictureReport& report, const Terminal& terminal) {
 
 }  // namespace
 
+void ApplyReport::listFailures(const ApplyOptions& options, bool isContinued) {
+    failuresFile_ = options.failures;
+    if (failuresFile_.empty()) return;
+    std::error_code missing;
+    if (std::filesystem::equivalent(failuresFile_, options.inputList, missing))
+        throw UsageError("--failures " + failuresFile_.string() +
+                         " is the list of --from: name another file");
+    failures_.open(failuresFile_, std::ios::binary | (isContinued ? std::ios::app : std::ios::trunc));
+    if (!failures_)
+        throw CommandError("cannot write " + failuresFile_.string() + ": " + std::strerror(errno));
+    if (options.endsWithZero) afterName_ = '\0';
+}
+
 void ApplyReport::printLines(ApplyProgress& progress, size_t item) {
-    if (!printsLines()) return;
+    if (!printsLines() && failuresFile_.empty()) return;
     const BatchItem& picture = progress.items()[item];
     const PictureReport& report = progress.reports[item];
     std::string result;
@@ -83,6 +98,8 @@ void ApplyReport::printLines(ApplyProgress& progress, size_t item) {
     progress.showOnce(item, [&] {
         terminal_.out << result << std::flush;
         if (timings_) terminal_.err << "krlimage: " << times << std::flush;
+        // At once, so that an interruption leaves a whole list.
+        if (!report.failure.empty()) failures_ << picture.input.string() << afterName_ << std::flush;
     });
 }
 
@@ -126,8 +143,10 @@ int ApplyReport::finish(const BatchTotals& totals) {
         if (left > 0) terminal_.err << ", " << left << " not started";
         terminal_.err << '\n';
     }
+    const bool isListed = failuresFile_.empty() || failures_;
+    if (!isListed) terminal_.err << "krlimage: cannot write all of " << failuresFile_.string() << '\n';
     if (left > 0) return kStoppedEarly;
-    return totals.failed > 0 ? 1 : 0;
+    return totals.failed > 0 || !isListed ? 1 : 0;
 }
 
 }  // namespace krl::player

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <filesystem>
+#include <fstream>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -25,9 +27,11 @@ public:
           isWatching_(!options.watch.empty()),
           terminal_(terminal) {}
 
+    /// Opens the list of failures, and goes on with that of a program that crashed. Throws `CommandError`.
+    void listFailures(const ApplyOptions& options, bool isContinued);
     /// Whether there is something to print for each picture as it is settled.
     bool printsLines() const { return json_ || timings_ || isWatching_; }
-    /// Prints that, unless it was printed before. Can be called from any thread.
+    /// Prints that, and lists a failure, unless that was done before. Can be called from any thread.
     void settled(ApplyProgress& progress, size_t item);
     /// Prints the results of a part. If memory runs out meanwhile, it still reports how many pictures were
     /// written.
@@ -41,6 +45,9 @@ private:
 
     const bool json_, timings_, isWatching_;
     const Terminal& terminal_;
+    std::filesystem::path failuresFile_;
+    std::ofstream failures_;
+    char afterName_ = '\n';
     std::mutex guard_;
     bool ranOut_ = false;  ///< of memory
 };

@@ -182,6 +182,8 @@ void addApplyOptions(CLI::App& app, ApplyOptions& options) {
     app.add_flag("-0,--null", options.endsWithZero,
                  "Names in the list end with a zero byte, as find -print0 has them")
         ->needs(from);
+    addPath(app, "--failures", options.failures, "FILE",
+            "List the pictures that failed in FILE, which --from takes again");
     addPath(app, "--watch", options.watch, "DIR",
             "Take the pictures in DIR, and those that appear there, until interrupted");
     addPath(app, "--root", options.root, "DIR", "Keep the place of the inputs below DIR in OUT");
@@ -190,6 +192,7 @@ void addApplyOptions(CLI::App& app, ApplyOptions& options) {
     app.add_flag("--in-place", options.inPlace, "Let outputs replace their inputs; -o can be left out");
     app.add_flag("--skip-existing", options.skipExisting, "Leave out pictures whose output exists");
     app.add_flag("--newer", options.newer, "Leave out pictures whose output is newer than they are");
+    app.add_flag("--overwrite", options.overwrite, "Replace outputs that exist, the default");
     app.add_flag("--dry-run", options.dryRun, "Print what would be written, and write nothing");
     app.add_option("--raw", options.raw,
                    "Read raw frames of this size from standard input (-) and write them to standard\n"

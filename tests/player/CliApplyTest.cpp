@@ -187,6 +187,40 @@ TEST_F(Apply, ContinuesAfterABrokenPictureAndListsItAtTheEnd) {
     EXPECT_EQ(files(), 200u + 199u);
 }
 
+TEST_F(Apply, ListsFailuresForAnotherRun) {
+    const std::string whole = picture("whole.pam"), broken = text("broken.pam", "P7\nWIDTH 4\n"),
+                      list = at("failed.txt"), out = at("out");
+    const std::vector<std::string> words = {"apply", whole,        broken, "-o",
+                                            out,     "--failures", list,   "invert(#RGB)"};
+    EXPECT_EQ(krlimage(words).code, 1);
+    EXPECT_EQ(contentOf(list), broken + '\n');
+    writePicture(broken, noise(4, 3));
+    const CliResult again = krlimage({"apply", "--from", list, "-o", out, "invert(#RGB)"});
+    EXPECT_EQ(again.code, 0) << again.err;
+    EXPECT_TRUE(std::filesystem::exists(at("out/broken.pam")));
+    EXPECT_EQ(krlimage(words).code, 0);
+    EXPECT_EQ(contentOf(list), "") << "of the last run";
+    const CliResult same = krlimage({"apply", "--from", list, "-o", out, "--failures", list, "invert(#RGB)"});
+    EXPECT_EQ(same.code, 2);
+    EXPECT_TELLS(same.err, "is the list of --from: name another file");
+    EXPECT_TELLS(krlimage({"apply", whole, "-o", out, "--failures", at("no/list"), "sepia"}).err,
+                 "cannot write " + at("no/list"));
+    EXPECT_EQ(
+        krlimage({"apply", broken, "-o", "/dev/null", "--format", "pam", "--failures", "/dev/full", "sepia"})
+            .code,
+        0);
+    text("broken.pam", "P7\n");
+    EXPECT_TELLS(krlimage({"apply", broken, "-o", out, "--failures", "/dev/full", "sepia"}).err,
+                 "cannot write all of /dev/full");
+}
+
+TEST_F(Apply, TakesNoTwoWordsOnWhatToOverwrite) {
+    const std::string in = picture("in.pam"), out = picture("out.pam");
+    EXPECT_EQ(krlimage({"apply", in, "-o", out, "--overwrite", "invert(#RGB)"}).code, 0);
+    EXPECT_NE(contentOf(in), contentOf(out));
+    EXPECT_EQ(krlimage({"apply", in, "-o", out, "--overwrite", "--newer", "invert(#RGB)"}).code, 2);
+}
+
 TEST_F(Apply, GivesTheSameBytesForAnyNumberOfJobs) {
     std::filesystem::create_directories(folder / "in");
     for (int i = 0; i < 9; ++i)
