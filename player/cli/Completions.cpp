@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <sstream>
 
+#include "look/Look.h"
 #include "player/cli/CommandList.h"
 #include "player/cli/MethodFacts.h"
 
@@ -20,9 +22,29 @@ std::string quotable(const std::string& text) {
     return safe;
 }
 
+bool takesCalls(const OptionDescription& word) {
+    return word.names.front().find("CALL") != std::string::npos;
+}
+
 /// Whether names of methods are among the positional arguments.
 bool takesMethods(const CommandDescription& command) {
-    return command.name == "help" || command.name == "list" || command.name == "apply";
+    const auto takes = [](const OptionDescription& word) {
+        return word.names.front() == "METHOD" || takesCalls(word);
+    };
+    const auto hasChoices = [](const OptionDescription& word) { return !word.choices().empty(); };
+    return command.name == "list" || (std::any_of(command.words.begin(), command.words.end(), takes) &&
+                                      std::none_of(command.words.begin(), command.words.end(), hasChoices));
+}
+
+std::string lookNames() {
+    std::vector<std::string> names;
+    for (const ShippedLook& look : shippedLooks()) names.push_back(look.name);
+    return joined(names, " ");
+}
+
+/// What completes the value of an option; nothing for a file.
+std::string valuesOf(const OptionDescription& option) {
+    return option.value == "LOOK" ? lookNames() : joined(option.choices(), " ");
 }
 
 /// The words that complete a command's positional arguments.
@@ -37,9 +59,9 @@ std::string bashCase(const CommandDescription& command) {
     std::string options, values;
     for (const OptionDescription& option : command.options) {
         options += (options.empty() ? "" : " ") + joined(option.names, " ");
-        if (!option.choices().empty())
-            values += "            " + joined(option.names, " | ") + ") words='" +
-                      joined(option.choices(), " ") + "' ;;\n";
+        if (!option.value.empty())
+            values +=
+                "            " + joined(option.names, " | ") + ") words='" + valuesOf(option) + "' ;;\n";
     }
     return "    " + command.name +
            ")\n"
@@ -81,8 +103,8 @@ std::string bashScript(const CommandList& commands) {
 
 std::string zshArgument(const OptionDescription& option) {
     std::string action;
-    if (!option.choices().empty())
-        action = ":" + option.value + ":(" + joined(option.choices(), " ") + ")";
+    if (!valuesOf(option).empty())
+        action = ":" + option.value + ":(" + valuesOf(option) + ")";
     else if (!option.value.empty())
         action = ":" + option.value + ":_files";
     std::string text;
@@ -96,10 +118,10 @@ std::string zshCase(const CommandDescription& command) {
     for (const OptionDescription& option : command.options) text += zshArgument(option);
     const bool methods = takesMethods(command);
     for (const OptionDescription& word : command.words) {
-        if (methods && command.name == "apply")
+        if (takesCalls(word))
             text += " \\\n            '*:picture or call:{compadd " + joined(shortMethodNames(), " ") +
                     "; _files}'";
-        else if (methods)
+        else if (methods && command.words.size() == 1)
             text += " \\\n            '*:method:(" + joined(shortMethodNames(), " ") + ")'";
         else if (!word.choices().empty())
             text += " \\\n            '1:" + word.names.front() + ":(" + joined(word.choices(), " ") + ")'";

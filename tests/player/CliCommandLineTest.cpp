@@ -210,6 +210,10 @@ TEST_F(Shells, CompleteCommandsOptionsMethodsAndValues) {
     EXPECT_EQ(completed("apply --qual", 2), "--quality\n");
     EXPECT_EQ(completed("run --threads m", 3), "mt\n");
     EXPECT_EQ(completed("completions z", 2), "zsh\n");
+    EXPECT_EQ(completed("show a.png vign", 3), "vignette\n");
+    EXPECT_EQ(completed("apply a.png --look noi", 4), "noir\n");
+    EXPECT_EQ(completed("apply a.png -o vign", 4), "\n") << "a file, which the shell completes";
+    EXPECT_EQ(completed("look sh", 2), "show\n");
 }
 
 TEST_F(Shells, AlsoCompleteInZsh) {
