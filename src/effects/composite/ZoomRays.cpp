@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "core/PixelWord.h"
-#include "core/VectorLevels.h"
+#include "effects/composite/RayPlaces.h"
 #include "effects/composite/RaySums.h"
 #include "effects/composite/RayWords.h"
 
@@ -86,21 +86,6 @@ private:
     bool exact_;
     int32_t length_;
 };
-
-/// Lists `count` places of a ray from (`x`, `y`) on in a picture of `width`, all of which are within, and the
-/// places that they read in one that is smaller by the bits `shift`. A step is an amount of 2^-32nds.
-KRL_VECTOR_LEVELS
-void listPlaces(int32_t x, int32_t y, int64_t stepX, int64_t stepY, int32_t count, int32_t width,
-                int32_t shift, int32_t* __restrict places, int32_t* __restrict sources) {
-    // Truncated toward the ray's beginning: forward downward, backward upward.
-    const int64_t upX = stepX < 0 ? 0xFFFFFFFF : 0, upY = stepY < 0 ? 0xFFFFFFFF : 0;
-    for (int32_t s = 0; s < count; ++s) {
-        const int32_t column = x + static_cast<int32_t>((stepX * s + upX) >> 32);
-        const int32_t row = y + static_cast<int32_t>((stepY * s + upY) >> 32);
-        places[s] = row * width + column;
-        sources[s] = (row >> shift) * (width >> shift) + (column >> shift);
-    }
-}
 
 /// The picture that rays run through and what they leave. `scale` is how many pixels of the field, in each
 /// direction, read one pixel of the source: 1 or 2.

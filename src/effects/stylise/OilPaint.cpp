@@ -10,7 +10,7 @@
 #include "core/LookupTables.h"
 #include "core/PixelWord.h"
 #include "core/Scratch.h"
-#include "core/VectorLevels.h"
+#include "effects/stylise/BrushBins.h"
 #include "kernels/path/PixelFields.h"
 #include "krlimage/stylise.h"
 
@@ -18,38 +18,7 @@ namespace krl {
 
 namespace {
 
-constexpr int32_t kMostBrush = 5;
 constexpr int32_t kMostSamples = (2 * kMostBrush + 1) * (2 * kMostBrush + 1);
-
-/// Pixels whose bins are decided together.
-constexpr int32_t kSpan = 256;
-
-/// Scales the colours of at most `kSpan` pixels by alpha and puts the bin of their brightness in its place,
-/// in single precision: `levelScale` is bins for each level. Returns whether any bin is in doubt.
-///
-/// The brightness in thousandths is a whole number that `float` holds. Its scale and the product are rounded
-/// three times, by less than 2^-16 of a bin each; the true brightness is the sum of three numbers that are
-/// rounded by less than 2^-16 together; and adding the error rounds by as much again.
-KRL_VECTOR_LEVELS
-bool mixSpan(const Pixel* __restrict pixels, int32_t count, float levelScale, Pixel* __restrict mixed,
-             int32_t* __restrict doubts) {
-    constexpr float kError = 0x1p-13f;
-    const float scale = levelScale / 1000.0f;
-    int32_t any = 0;
-    for (int32_t i = 0; i < count; ++i) {
-        const uint32_t word = wordOf(pixels[i]), alpha = word >> 24;
-        const int32_t blue = byteAt(word, 0), green = byteAt(word, 8), red = byteAt(word, 16);
-        const float thousandths = float(red) * 299.0f + float(green) * 587.0f + float(blue) * 114.0f;
-        const float level = thousandths * scale;
-        const auto bin = static_cast<int32_t>(level + kError);
-        doubts[i] = bin - static_cast<int32_t>(level - kError);
-        any |= doubts[i];
-        const auto scaled = [=](int32_t byte) { return dividedBy255(alpha * static_cast<uint32_t>(byte)); };
-        storeWord(mixed[i],
-                  scaled(blue) | scaled(green) << 8 | scaled(red) << 16 | static_cast<uint32_t>(bin) << 24);
-    }
-    return any != 0;
-}
 
 /// The picture as the brush sees it: colours scaled by alpha, and in place of alpha the number of the
 /// bin that a pixel's brightness falls into.
@@ -100,7 +69,7 @@ constexpr Means kMeans = []<size_t... Count>(std::index_sequence<Count...>) {
 /// to both sides of it: how many pixels each bin holds, and the sums of their colours.
 class Columns {
 public:
-    static constexpr int32_t kStrip = 128, kMostColumns = kStrip + 2 * kMostBrush;
+    static constexpr int32_t kStrip = Winners::kStrip, kMostColumns = kStrip + 2 * kMostBrush;
     explicit Columns(int32_t bins)
         : bins_(bins), stride_(static_cast<size_t>(bins | 1)), colours_(kMostColumns * stride_) {}
 
@@ -147,23 +116,6 @@ private:
     Scratch<uint64_t> colours_;
 };
 
-/// The fullest bin under the brush at each pixel of a strip, the lowest of equals.
-struct Winners {
-    int8_t count[Columns::kStrip];
-    uint8_t bin[Columns::kStrip];
-};
-
-template <int32_t kBrush>
-KRL_VECTOR_LEVELS void challenge(const int8_t* __restrict counts, uint8_t bin, Winners& __restrict winners) {
-    for (int32_t x = 0; x < Columns::kStrip; ++x) {
-        int8_t count = counts[x];
-        for (int32_t i = 1; i <= 2 * kBrush; ++i) count = static_cast<int8_t>(count + counts[x + i]);
-        const bool wins = count > winners.count[x];
-        winners.bin[x] = wins ? bin : winners.bin[x];
-        winners.count[x] = wins ? count : winners.count[x];
-    }
-}
-
 /// Paints pixels in the mean colour of their winners.
 template <int32_t kBrush>
 void paintWinners(const Columns& columns, const Winners& winners, Pixel* row, int32_t width) {
@@ -179,11 +131,10 @@ void paintWinners(const Columns& columns, const Winners& winners, Pixel* row, in
 
 /// The loops over a brush's columns, which are unrolled for each size.
 struct BrushLoops {
-    void (*challenge)(const int8_t* __restrict, uint8_t, Winners& __restrict);
     void (*paint)(const Columns&, const Winners&, Pixel*, int32_t);
 };
 template <int32_t kBrush>
-constexpr BrushLoops kLoopsOf{challenge<kBrush>, paintWinners<kBrush>};
+constexpr BrushLoops kLoopsOf{paintWinners<kBrush>};
 constexpr BrushLoops kLoops[] = {kLoopsOf<1>, kLoopsOf<2>, kLoopsOf<3>, kLoopsOf<4>, kLoopsOf<kMostBrush>};
 static_assert(kMostSamples < 128);
 
@@ -220,7 +171,7 @@ private:
         Winners winners = {};
         for (int32_t bin = 0; bin < columns_.bins(); ++bin)
             if (columns_.isSince(y - brush_, bin))
-                loops.challenge(columns_.counts(bin), static_cast<uint8_t>(bin), winners);
+                challenge(brush_, columns_.counts(bin), static_cast<uint8_t>(bin), winners);
         loops.paint(columns_, winners, row, width);
     }
 
