@@ -26,7 +26,8 @@ target_link_libraries(krl_compiler INTERFACE Threads::Threads)
 function(krl_precompile target)
   if(KRL_PRECOMPILED AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     # More false positives for string concatenation, in headers that count as ours when they are precompiled.
-    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow>)
+    target_compile_options(${target} PRIVATE
+      "$<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread>")
     if("${ARGV1}" STREQUAL REUSE_FROM)
       target_precompile_headers(${target} ${ARGN})
     else()
