@@ -281,7 +281,7 @@ Value Interpreter::runInFrame(std::unique_ptr<Script> syntax) {
 }
 
 /// The value itself if it is a string, so that its index of characters is used again.
-Value Interpreter::asText(Value value) { return value.is(Kind::String) ? value : text(plain(value)); }
+Value Interpreter::asText(const Value& value) { return value.is(Kind::String) ? value : text(plain(value)); }
 
 /// A part of a text. Single letters are values that are made once.
 Value Interpreter::piece(std::string_view part) {

@@ -65,7 +65,7 @@ private:
     [[noreturn]] void refuseSteps() const;
 
     // Texts.
-    Value asText(Value value);
+    Value asText(const Value& value);
     Value piece(std::string_view part);
     /// An ASCII character of a text whose characters take one byte each; null for any other.
     const Value* letterOf(const StringObject& text, int32_t number);

@@ -29,8 +29,8 @@ void dropPositions(Frame& frame, const Instruction& at) {
 }  // namespace
 
 Next Operations::text(Interpreter& interpreter, Frame& frame, const Instruction& at) {
-    Value taken = frame.take(at.b);
-    frame.registers[at.a] = interpreter.asText(std::move(taken));
+    const Value taken = frame.take(at.b);
+    frame.registers[at.a] = interpreter.asText(taken);
     return &at + 1;
 }
 
