@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Stage.h"
+#include "core/Scratch.h"
 #include "host/MethodRegistry.h"
 
 /// Times every method of the registry with its example arguments, called through the embedded host.
@@ -14,6 +15,9 @@
 /// - `ms`, and `ns` per pixel;
 /// - `GB/s` of picture data;
 /// - `passes`: the time in units of one read and write of the whole picture, timed between the runs.
+///
+/// Working memory stays at hand from call to call, as for programs that embed the engine; the plug-in itself
+/// gives it back to its host.
 namespace krl::bench {
 namespace {
 
@@ -73,6 +77,8 @@ int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
     krl::bench::registerAll();
+    krl::ScratchAllowance kept;
+    kept.set(size_t{1} << 30);
     benchmark::RunSpecifiedBenchmarks();
     return 0;
 }
