@@ -41,7 +41,7 @@ extern "C" {
 
 /* Version of this interface. The major number changes when a program would have to. */
 #define KRL_INTERFACE_MAJOR 1
-#define KRL_INTERFACE_MINOR 2
+#define KRL_INTERFACE_MINOR 3
 #define KRL_INTERFACE_VERSION (KRL_INTERFACE_MAJOR * 1000 + KRL_INTERFACE_MINOR)
 
 /* `KRL_INTERFACE_VERSION` of the library that is loaded. */
@@ -85,8 +85,9 @@ enum { KRL_BGRA = 0, KRL_RGBA = 1 };
  *
  * Methods work in BGRA without padding. A picture of that form is used where it is. One of RGBA that the
  * method rewrites is reordered in place before the call and back after it. Others are copied for the call,
- * and copied back if the method changes them; bytes between the rows are never written. Memory that a method
- * only reads is never written either: it may be read only, or in use by other threads. */
+ * and copied back if the method changes them. Where the method works per pixel, all this is done in parts
+ * that fit into the processor's cache. Bytes between the rows are never written. Memory that a method only
+ * reads is never written either: it may be read only, or in use by other threads. */
 typedef struct krl_picture {
     size_t size;         /* sizeof(krl_picture) */
     void* pixels;        /* first byte of the first row */
@@ -235,6 +236,16 @@ KRL_API krl_code krl_call(krl_engine* engine, const krl_picture* picture, const 
 KRL_API krl_code krl_apply(krl_engine* engine, const krl_picture* picture, const char* call,
                            krl_result** result);
 
+/* The same for a result in another picture: `to` becomes what the call makes of a copy of `from`. Both have
+ * the same size, and each its own order and rows; they may share memory. `from` is only read, unless it
+ * shares memory with `to`. Methods with the flag KRL_WORKS_PER_PIXEL
+ * read and write the pixels once for all this. */
+KRL_API krl_code krl_call_into(krl_engine* engine, const krl_picture* from, const krl_picture* to,
+                               const char* method, const krl_argument* arguments, size_t count,
+                               krl_result** result);
+KRL_API krl_code krl_apply_into(krl_engine* engine, const krl_picture* from, const krl_picture* to,
+                                const char* call, krl_result** result);
+
 /* NULL is fine, for all of these: it is the result of a call without memory. */
 KRL_API void krl_result_free(krl_result* result);
 KRL_API krl_code krl_result_code(const krl_result* result);
@@ -305,10 +316,15 @@ KRL_API krl_code krl_look_add_call(krl_look* look, const char* call, krl_result*
 KRL_API size_t krl_look_write(const krl_look* look, char* text, size_t text_size);
 
 /* Makes the look's calls in turn on `picture`, which is rewritten in place. If a call makes a new picture,
- * those after it work on that one, and the result's value has it under `#picture`. A failure leaves what the
- * calls before it have made: KRL_METHOD_FAILED, with the line if the look was read from a text. */
+ * those after it work on that one, and the result's value has it under `#picture`. Calls that follow each
+ * other and have the flag KRL_WORKS_PER_PIXEL are made together, part by part of the picture. A failure may
+ * leave what calls before it have made: KRL_METHOD_FAILED, with the line if the look was read from a text. */
 KRL_API krl_code krl_look_apply(krl_engine* engine, const krl_look* look, const krl_picture* picture,
                                 krl_result** result);
+
+/* The same into another picture, as `krl_call_into`. */
+KRL_API krl_code krl_look_apply_into(krl_engine* engine, const krl_look* look, const krl_picture* from,
+                                     const krl_picture* to, krl_result** result);
 
 /* The line of a look that is wrong or whose call failed, from 1; 0 for other results. */
 KRL_API int32_t krl_result_line(const krl_result* result);

@@ -8,7 +8,8 @@
 #include "catalogue/Catalogue.h"
 #include "catalogue/DirectCall.h"
 #include "look/CallScope.h"
-#include "look/Extent.h"
+#include "look/PictureMemory.h"
+#include "look/TiledCalls.h"
 
 /// Engines, calls and results of the C interface.
 namespace krl::c {
@@ -38,9 +39,10 @@ krl_code codeOf(CallCode failure) {
 
 void giveOrder(Value& value, PixelOrder order) {
     Picture* picture = value.as<Picture>();
-    if (!picture || order == picture->order) return;
-    reorder(*picture);
+    if (!picture) return;
+    const Picture before = *picture;
     picture->order = order;
+    copyPixels(before, *picture);
 }
 
 namespace {
@@ -53,39 +55,69 @@ const Method& methodNamed(std::string_view name) {
     return *method;
 }
 
-std::optional<Picture> loadedPicture(const Method& method, const krl_picture* picture) {
-    if (!picture) {
+/// The pictures of a caller; `from` is null for a call in place.
+std::optional<Route> routeOf(const Method& method, const krl_picture* from, const krl_picture* to) {
+    if (!from && !to) {
         if (method.rewritesPicture())
             throw Problem{KRL_MISSING, method.shortName() + " works on a picture, got none"};
         return std::nullopt;
     }
-    if (!isPicture(picture))
-        throw Problem{KRL_BAD_PICTURE, method.shortName() + ": the picture has no pixels, a size that " +
-                                           "cannot be, or rows shorter than their pixels"};
-    return pictureOf(*picture);
+    return requireRoute(from, to, method.shortName() + ": ");
+}
+
+/// Copies of the pictures in `value` that share memory with `target`.
+void separate(Value& value, const Picture& target) {
+    if (auto* picture = value.as<Picture>()) {
+        if (sharesMemory(*picture, target)) *picture = copyOf(*picture);
+    } else if (auto* list = value.as<ListValue>()) {
+        for (Value& item : *list) separate(item, target);
+    } else if (auto* properties = value.as<PropertyListValue>()) {
+        for (auto& entry : *properties) separate(entry.second, target);
+    }
+}
+
+/// Lets a call into another picture write that one, whatever is read from the same memory.
+void separate(Route& route, ReadyCall& call) {
+    if (route.isInPlace()) return;
+    route.from = route.apartFrom();
+    if (!call.method.rewritesPicture()) return;
+    for (Value& argument : call.arguments) separate(argument, route.to);
+    if (call.extent.mask && sharesMemory(*call.extent.mask, route.to))
+        call.extent.mask = copyOf(*call.extent.mask);
 }
 
 /// Runs the method on pictures in the form that it takes; those of the caller have the outcome on return.
-CallResult run(krl_engine& engine, const Method& method, const std::optional<Picture>& picture,
-               const std::vector<Value>& arguments, Extent extent) {
+CallResult runWhole(krl_engine& engine, const ReadyCall& call, const std::optional<Route>& route) {
+    const Method& method = call.method;
     NativePictures pictures;
+    Extent extent = call.extent;
     if (extent.mask) extent.mask = *pictures.lend(*extent.mask).as<Picture>();
     std::vector<Value> native;
-    for (size_t i = 0; i < arguments.size(); ++i)
+    for (size_t i = 0; i < call.arguments.size(); ++i)
         native.push_back(&method.arguments()[i] == method.changedPicture()
-                             ? pictures.lendToChange(arguments[i])
-                             : pictures.lend(arguments[i]));
+                             ? pictures.lendToChange(call.arguments[i])
+                             : pictures.lend(call.arguments[i]));
     Picture own;
-    if (picture)
-        own = method.rewritesPicture() ? pictures.rewrite(*picture) : *pictures.lend(*picture).as<Picture>();
+    if (route && (method.rewritesPicture() || !route->isInPlace()))
+        own = pictures.rewrite(route->to, route->from);
+    else if (route)
+        own = *pictures.lend(route->to).as<Picture>();
     chooseBands(engine.engine, method, engine.bands);
     return callWithin(extent, own, [&] {
         std::optional<LoadedPicture> loaded;
-        if (picture) loaded.emplace(engine.engine, own);
-        if (picture && engine.keepsMemory)
+        if (route) loaded.emplace(engine.engine, own);
+        if (route && engine.keepsMemory)
             engine.keptMemory.set(engine.engine.buffer()->bytes() * KRL_KEPT_PICTURES);
         return callMethod(method, engine.engine, native);
     });
+}
+
+CallResult run(krl_engine& engine, ReadyCall& call, std::optional<Route>& route) {
+    if (!route) return runWhole(engine, call, route);
+    separate(*route, call);
+    const bool isDirect = route->isInPlace() && isNative(route->to);
+    if (isDirect || !canRunOnTiles(call, route->from, route->to)) return runWhole(engine, call, route);
+    return runOnTiles(engine.engine, engine.bands, {&call, 1}, route->from, route->to).result;
 }
 
 /// The entries as a property list, or the list of pictures.
@@ -100,41 +132,72 @@ Value treeOf(const Method& method, CallResult outcome, PixelOrder order) {
     return entries;
 }
 
-void finish(krl_result& result, const Method& method, const std::optional<Picture>& picture,
-            CallResult outcome) {
+void finish(krl_result& result, const Method& method, PixelOrder order, CallResult outcome) {
     if (!outcome.ok()) {
         result.code = codeOf(outcome.code);
         result.message = method.shortName() + ": " + outcome.error;
         if (result.code != KRL_CANCELLED) result.error = outcome.error;
     }
-    result.value = treeOf(method, std::move(outcome), picture ? picture->order : PixelOrder::BGRA);
+    result.value = treeOf(method, std::move(outcome), order);
 }
 
-void call(krl_engine* engine, const krl_picture* picture, std::string_view name,
-          std::vector<GivenArgument> given, krl_result& result) {
+/// A method's name and what is given for its arguments.
+struct WrittenCall {
+    std::string_view name;
+    std::vector<GivenArgument> given;
+};
+
+/// `from` is null for a call in place.
+void call(krl_engine* engine, const krl_picture* from, const krl_picture* to, WrittenCall written,
+          krl_result& result) {
     if (!engine) throw Problem{KRL_BAD_USE, "there is no engine"};
-    const Method& method = methodNamed(name);
-    const std::optional<Picture> loaded = loadedPicture(method, picture);
-    const Extent extent = takeExtent(method, given);
+    const Method& method = methodNamed(written.name);
+    std::optional<Route> route = routeOf(method, from, to);
+    Extent extent = takeExtent(method, written.given);
     ExampleSetting setting;
-    if (loaded) setting = {loaded->info.width, loaded->info.height, {}};
-    const std::vector<Value> arguments = arrangeArguments(method, given, setting);
+    if (route) setting = {route->to.info.width, route->to.info.height, {}};
+    ReadyCall ready{method, std::move(extent), arrangeArguments(method, written.given, setting)};
     try {
-        checkArguments(method, arguments);
+        checkArguments(method, ready.arguments);
     } catch (const ArgumentError&) {
         // The method refuses these while it reads them; no picture is loaded that it could reach.
-        result.error = callMethod(method, engine->engine, arguments).error;
+        result.error = callMethod(method, engine->engine, ready.arguments).error;
         throw;
     }
-    finish(result, method, loaded, run(*engine, method, loaded, arguments, extent));
+    const PixelOrder order = route ? route->to.order : PixelOrder::BGRA;
+    finish(result, method, order, run(*engine, ready, route));
+}
+
+krl_code callMethodOf(krl_engine* engine, const krl_picture* from, const krl_picture* to, const char* method,
+                      const krl_argument* arguments, size_t count, krl_result** result) {
+    return answer(result, [&](krl_result& out) {
+        if (!method) throw Problem{KRL_BAD_USE, "there is no method name"};
+        if (!arguments && count > 0) throw Problem{KRL_BAD_USE, "there are no arguments"};
+        WrittenCall written{method, {}};
+        for (size_t i = 0; i < count; ++i)
+            written.given.push_back(
+                {arguments[i].name ? arguments[i].name : "", valueOf(arguments[i].value)});
+        call(engine, from, to, std::move(written), out);
+    });
+}
+
+krl_code callText(krl_engine* engine, const krl_picture* from, const krl_picture* to, const char* text,
+                  krl_result** result) {
+    return answer(result, [&](krl_result& out) {
+        if (!text) throw Problem{KRL_BAD_USE, "there is no call"};
+        ImageInfo size;
+        if (isPicture(to)) size = pictureOf(*to).info;
+        const CallNotation notation = readCallNotation(text, callScope(size.width, size.height));
+        WrittenCall written{notation.name, {}};
+        for (const CallNotation::Argument& argument : notation.arguments)
+            written.given.push_back({argument.name, &argument.value});
+        call(engine, from, to, std::move(written), out);
+    });
 }
 
 }  // namespace
 
 }  // namespace krl::c
-
-using krl::c::answer;
-using krl::c::Problem;
 
 int32_t krl_result_line(const krl_result* result) { return result ? result->line : 0; }
 
@@ -168,29 +231,21 @@ void krl_engine_resume(krl_engine* engine) {
 
 krl_code krl_call(krl_engine* engine, const krl_picture* picture, const char* method,
                   const krl_argument* arguments, size_t count, krl_result** result) {
-    return answer(result, [&](krl_result& out) {
-        if (!method) throw Problem{KRL_BAD_USE, "there is no method name"};
-        if (!arguments && count > 0) throw Problem{KRL_BAD_USE, "there are no arguments"};
-        std::vector<krl::GivenArgument> given;
-        for (size_t i = 0; i < count; ++i)
-            given.push_back(
-                {arguments[i].name ? arguments[i].name : "", krl::c::valueOf(arguments[i].value)});
-        krl::c::call(engine, picture, method, std::move(given), out);
-    });
+    return krl::c::callMethodOf(engine, nullptr, picture, method, arguments, count, result);
 }
 
 krl_code krl_apply(krl_engine* engine, const krl_picture* picture, const char* call, krl_result** result) {
-    return answer(result, [&](krl_result& out) {
-        if (!call) throw Problem{KRL_BAD_USE, "there is no call"};
-        krl::ImageInfo size;
-        if (krl::c::isPicture(picture)) size = krl::c::pictureOf(*picture).info;
-        const krl::CallNotation notation =
-            krl::readCallNotation(call, krl::callScope(size.width, size.height));
-        std::vector<krl::GivenArgument> given;
-        for (const krl::CallNotation::Argument& argument : notation.arguments)
-            given.push_back({argument.name, &argument.value});
-        krl::c::call(engine, picture, notation.name, std::move(given), out);
-    });
+    return krl::c::callText(engine, nullptr, picture, call, result);
+}
+
+krl_code krl_call_into(krl_engine* engine, const krl_picture* from, const krl_picture* to, const char* method,
+                       const krl_argument* arguments, size_t count, krl_result** result) {
+    return krl::c::callMethodOf(engine, krl::c::given(from), to, method, arguments, count, result);
+}
+
+krl_code krl_apply_into(krl_engine* engine, const krl_picture* from, const krl_picture* to, const char* call,
+                        krl_result** result) {
+    return krl::c::callText(engine, krl::c::given(from), to, call, result);
 }
 
 void krl_result_free(krl_result* result) { delete result; }

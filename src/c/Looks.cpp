@@ -23,34 +23,36 @@ krl_code changeLook(krl_look* look, krl_result** result, Change&& change) {
     });
 }
 
-Picture pictureFor(const krl_picture* picture) {
-    if (!isPicture(picture))
-        throw Problem{KRL_BAD_PICTURE,
-                      "the picture has no pixels, a size that cannot be, or rows shorter than their pixels"};
-    return pictureOf(*picture);
-}
-
-void apply(krl_engine& engine, const krl_look& look, const Picture& callers, krl_result& result) {
-    Picture working;
-    const uint8_t* first = nullptr;
-    {
-        NativePictures pictures;
-        std::map<std::string, Picture> named;
-        for (const auto& [name, picture] : look.pictures) named[name] = *pictures.lend(picture).as<Picture>();
-        working = pictures.rewrite(callers);
-        first = working.pixels;
-        if (engine.keepsMemory)
-            engine.keptMemory.set(static_cast<size_t>(working.info.rowBytes) *
-                                  static_cast<size_t>(working.info.height) * KRL_KEPT_PICTURES);
-        look.look.apply(engine.engine, working, engine.bands, [&](const std::string& name) {
+void apply(krl_engine& engine, const krl_look& look, const Route& route, krl_result& result) {
+    NativePictures pictures;
+    std::map<std::string, Picture> named;
+    for (const auto& [name, picture] : look.pictures) {
+        const bool isApart = route.isInPlace() || !sharesMemory(picture, route.to);
+        named[name] = *pictures.lend(isApart ? picture : copyOf(picture)).as<Picture>();
+    }
+    const Picture to = pictures.tight(route.to);
+    if (engine.keepsMemory)
+        engine.keptMemory.set(static_cast<size_t>(to.info.rowBytes) * static_cast<size_t>(to.info.height) *
+                              KRL_KEPT_PICTURES);
+    const Picture done =
+        look.look.apply(engine.engine, route.apartFrom(), to, engine.bands, [&](const std::string& name) {
             const auto found = named.find(name);
             return found != named.end() ? found->second : Picture();
         });
-    }
-    if (working.pixels == first) return;
-    Value made = working;
-    giveOrder(made, callers.order);
+    if (done.pixels == to.pixels) return;
+    Value made = done;
+    giveOrder(made, route.to.order);
     result.value = PropertyListValue{{Symbol{"picture"}, made}};
+}
+
+/// `from` is null for a look in place.
+krl_code applyLook(krl_engine* engine, const krl_look* look, const krl_picture* from, const krl_picture* to,
+                   krl_result** result) {
+    return answer(result, [&](krl_result& out) {
+        require(engine, "engine");
+        require(look, "look");
+        apply(*engine, *look, requireRoute(from, to), out);
+    });
 }
 
 }  // namespace
@@ -127,7 +129,7 @@ krl_code krl_look_set_picture(krl_look* look, const char* name, const krl_pictur
     return answer(nullptr, [&](krl_result&) {
         krl::c::require(look, "look");
         krl::c::require(name, "name");
-        look->pictures[name] = krl::c::pictureFor(picture);
+        look->pictures[name] = krl::c::requirePicture(picture);
     });
 }
 
@@ -171,11 +173,12 @@ size_t krl_look_write(const krl_look* look, char* text, size_t text_size) {
 
 krl_code krl_look_apply(krl_engine* engine, const krl_look* look, const krl_picture* picture,
                         krl_result** result) {
-    return answer(result, [&](krl_result& out) {
-        krl::c::require(engine, "engine");
-        krl::c::require(look, "look");
-        krl::c::apply(*engine, *look, krl::c::pictureFor(picture), out);
-    });
+    return krl::c::applyLook(engine, look, nullptr, picture, result);
+}
+
+krl_code krl_look_apply_into(krl_engine* engine, const krl_look* look, const krl_picture* from,
+                             const krl_picture* to, krl_result** result) {
+    return krl::c::applyLook(engine, look, krl::c::given(from), to, result);
 }
 
 size_t krl_shipped_look_count(void) {

@@ -1,8 +1,8 @@
 #include "c/Pictures.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
+
+#include "c/Handles.h"
 
 namespace krl::c {
 
@@ -10,22 +10,9 @@ namespace {
 
 constexpr ptrdiff_t kPixelBytes = sizeof(Pixel);
 
-bool isTight(const Picture& picture) { return picture.info.rowBytes == picture.info.width * kPixelBytes; }
-bool isNative(const Picture& picture) { return isTight(picture) && picture.order == PixelOrder::BGRA; }
-
 bool isSame(const Picture& a, const Picture& b) {
-    return a.pixels == b.pixels && a.order == b.order && a.info.width == b.info.width &&
-           a.info.height == b.info.height && a.info.rowBytes == b.info.rowBytes;
-}
-
-Pixel* rowOf(const Picture& picture, int32_t y) {
-    return reinterpret_cast<Pixel*>(picture.pixels + ptrdiff_t{picture.info.rowBytes} * y);
-}
-
-/// The pixels of each row, and not what is between the rows.
-void copyRows(const Picture& from, const Picture& to) {
-    for (int32_t y = 0; y < from.info.height; ++y)
-        std::memcpy(rowOf(to, y), rowOf(from, y), static_cast<size_t>(from.info.width) * sizeof(Pixel));
+    return isSamePlace(a, b) && a.order == b.order && a.info.width == b.info.width &&
+           a.info.height == b.info.height;
 }
 
 }  // namespace
@@ -54,28 +41,30 @@ krl_picture describe(const Picture& picture) {
             picture.info.height, picture.info.rowBytes, static_cast<int32_t>(picture.order)};
 }
 
-void reorder(const Picture& picture) {
-    // Pixels are words here, since compilers make no vector loop of their bytes.
-    constexpr uint32_t alphaAndGreen = std::endian::native == std::endian::little ? 0xff00ff00 : 0x00ff00ff;
-    const int32_t width = picture.info.width;
-    for (int32_t y = 0; y < picture.info.height; ++y) {
-        Pixel* const row = rowOf(picture, y);
-        for (int32_t x = 0; x < width; ++x) {
-            uint32_t word;
-            std::memcpy(&word, row + x, sizeof word);
-            word = (word & alphaAndGreen) | (std::rotl(word, 16) & ~alphaAndGreen);
-            std::memcpy(row + x, &word, sizeof word);
-        }
-    }
+Picture requirePicture(const krl_picture* picture, const std::string& prefix) {
+    if (!isPicture(picture))
+        throw Problem{KRL_BAD_PICTURE, prefix + "the picture has no pixels, a size that cannot be, or rows " +
+                                           "shorter than their pixels"};
+    return pictureOf(*picture);
+}
+
+Route requireRoute(const krl_picture* from, const krl_picture* to, const std::string& prefix) {
+    const Picture target = requirePicture(to, prefix);
+    if (!from) return {target, target};
+    const Picture source = requirePicture(from, prefix);
+    if (source.info.width != target.info.width || source.info.height != target.info.height)
+        throw Problem{KRL_BAD_PICTURE, prefix + "the two pictures have different sizes"};
+    return {source, target};
+}
+
+const krl_picture* given(const krl_picture* picture) {
+    static constexpr krl_picture none = {};
+    return picture ? picture : &none;
 }
 
 NativePictures::~NativePictures() {
-    for (const Copy& copy : copies_) {
-        if (!copy.isChanged) continue;
-        if (copy.callers.order == PixelOrder::RGBA) reorder(copy.native);
-        copyRows(copy.native, copy.callers);
-    }
-    if (reordered_.pixels) reorder(reordered_);
+    for (const Copy& copy : copies_)
+        if (copy.isChanged) copyPixels(copy.native, copy.callers);
 }
 
 Value NativePictures::convert(const Value& value, bool isChanged) {
@@ -93,11 +82,16 @@ Value NativePictures::convert(const Value& value, bool isChanged) {
     return value;
 }
 
-Picture NativePictures::rewrite(const Picture& picture) {
-    if (isNative(picture) || !isTight(picture) || findCopy(picture)) return nativeOf(picture, true);
-    reordered_ = picture;
-    reorder(picture);
-    return picture;
+Picture NativePictures::rewrite(const Picture& picture, const Picture& from) {
+    Picture native = picture;
+    if (hasOwnForm(picture)) {
+        native.order = PixelOrder::BGRA;
+        if (!isNative(picture)) copies_.push_back({picture, native, true});
+    } else {
+        native = nativeOf(picture, true);
+    }
+    if (!isSame(from, picture) || isSamePlace(native, picture)) copyPixels(from, native);
+    return native;
 }
 
 const Picture& NativePictures::nativeOf(const Picture& picture, bool isChanged) {
@@ -105,8 +99,7 @@ const Picture& NativePictures::nativeOf(const Picture& picture, bool isChanged) 
     Copy* copy = findCopy(picture);
     if (!copy) {
         copy = &copies_.emplace_back(Copy{picture, Picture::blank(picture.info.width, picture.info.height)});
-        copyRows(picture, copy->native);
-        if (picture.order == PixelOrder::RGBA) reorder(copy->native);
+        copyPixels(picture, copy->native);
     }
     copy->isChanged |= isChanged;
     return copy->native;

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 #include "catalogue/Letters.h"
 #include "kernels/colour/Grey.h"
+#include "look/PictureMemory.h"
 
 namespace krl {
 
@@ -173,13 +173,6 @@ std::optional<PercentKind> percentOfExtent(std::string_view argument) {
     const std::optional<ExtentPart> part = partNamed(argument);
     if (!part) return std::nullopt;
     return part == ExtentPart::Feather ? PercentKind::Whole : PercentKind::None;
-}
-
-Picture copyOf(const Picture& picture) {
-    Picture copy = Picture::blank(picture.info.width, picture.info.height);
-    std::memcpy(copy.pixels, picture.pixels,
-                static_cast<size_t>(copy.info.rowBytes) * static_cast<size_t>(copy.info.height));
-    return copy;
 }
 
 CallResult callWithin(const Extent& extent, const Picture& picture, const std::function<CallResult()>& call) {

@@ -35,9 +35,6 @@ Extent takeExtent(const Method& method, std::vector<GivenArgument>& given);
 /// How these arguments take a percentage; nothing for other names.
 std::optional<PercentKind> percentOfExtent(std::string_view argument);
 
-/// A picture of its own memory with the same pixels, without padding as `picture` has to be.
-Picture copyOf(const Picture& picture);
-
 /// Runs `call`, which rewrites `picture`, and leaves of the change what is within `extent`. Throws
 /// `ArgumentError` for a mask of another size. `picture` and the mask have no padding.
 CallResult callWithin(const Extent& extent, const Picture& picture, const std::function<CallResult()>& call);

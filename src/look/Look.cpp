@@ -1,11 +1,13 @@
 #include "look/Look.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "catalogue/Catalogue.h"
 #include "catalogue/Letters.h"
 #include "look/CallScope.h"
-#include "look/Extent.h"
+#include "look/PictureMemory.h"
+#include "look/TiledCalls.h"
 
 namespace krl {
 
@@ -51,13 +53,6 @@ void findPictures(CallNotation& call, const PictureFinder& find) {
         });
 }
 
-/// A call with everything in the place where it takes effect.
-struct ReadyCall {
-    const Method& method;
-    Extent extent;
-    std::vector<Value> arguments;
-};
-
 ReadyCall readyCall(const CallNotation& call, int32_t width, int32_t height) {
     const Method& method = methodNamed(call.name);
     std::vector<GivenArgument> given;
@@ -68,6 +63,93 @@ ReadyCall readyCall(const CallNotation& call, int32_t width, int32_t height) {
     checkArguments(method, ready.arguments);
     return ready;
 }
+
+/// The calls of a look on the way from one picture to another, or back to the same. Those that treat every
+/// pixel alone wait for more of their kind.
+class LookRun {
+public:
+    /// `to` is tight.
+    LookRun(ImageEngine& engine, int32_t bands, const Picture& from, const Picture& to)
+        : engine_(engine), bands_(bands), now_(from), native_(to), to_(to) {
+        native_.order = PixelOrder::BGRA;
+    }
+    /// After a failure `to` has its own order again.
+    ~LookRun() {
+        if (isSamePlace(now_, to_)) copyPixels(now_, to_);
+    }
+    LookRun(const LookRun&) = delete;
+    LookRun& operator=(const LookRun&) = delete;
+
+    const ImageInfo& size() const { return now_.info; }
+
+    /// Throws `LookError` for this call or one that waited.
+    void add(int32_t line, ReadyCall call) {
+        const bool canWait = canRunOnTiles(call, now_, native_);
+        if (!canWait) runThose(native_);
+        lines_.push_back(line);
+        calls_.push_back(std::move(call));
+        if (!canWait) runWhole();
+    }
+
+    /// Runs the calls that wait. Throws `LookError`.
+    void runWaiting() { runThose(native_); }
+
+    /// The picture after all calls: `to`, or the one that a call has made. Throws `LookError`.
+    Picture finish() {
+        runThose(to_);
+        moveTo(to_);
+        return to_;
+    }
+
+private:
+    void runThose(const Picture& target) {
+        if (calls_.empty()) return;
+        if (calls_.size() == 1 && isIn(now_, native_)) return runWhole();
+        settle(runOnTiles(engine_, bands_, calls_, now_, target));
+        now_ = target;
+    }
+
+    void runWhole() {
+        moveTo(native_);
+        const ReadyCall& call = calls_.front();
+        CallResult made;
+        try {
+            made = callWithin(call.extent, native_, [&] {
+                const LoadedPicture loaded(engine_, native_);
+                chooseBands(engine_, call.method, bands_);
+                return callMethod(call.method, engine_, call.arguments);
+            });
+        } catch (const ArgumentError& error) {
+            throw LookError(lines_.front(), error.what());
+        }
+        const Picture* const picture = made.firstPicture();
+        settle({made, 0});
+        if (!picture) return;
+        moveTo(to_);
+        now_ = native_ = to_ = *picture;
+    }
+
+    void settle(const ChainResult& made) {
+        if (!made.result.ok())
+            throw LookError(lines_[made.failed],
+                            calls_[made.failed].method.shortName() + ": " + made.result.error)
+                .causedBy(made.result);
+        lines_.clear();
+        calls_.clear();
+    }
+
+    static bool isIn(const Picture& a, const Picture& b) { return isSamePlace(a, b) && a.order == b.order; }
+    void moveTo(const Picture& target) {
+        if (!isIn(now_, target)) copyPixels(now_, target);
+        now_ = target;
+    }
+
+    ImageEngine& engine_;
+    const int32_t bands_;
+    Picture now_, native_, to_;
+    std::vector<int32_t> lines_;
+    std::vector<ReadyCall> calls_;
+};
 
 }  // namespace
 
@@ -169,32 +251,35 @@ bool Look::takesBefore() const {
 }
 
 void Look::apply(ImageEngine& engine, Picture& picture, int32_t bands, const PictureFinder& find) const {
-    const Picture before = takesBefore() ? copyOf(picture) : Picture();
+    picture = apply(engine, picture, picture, bands, find);
+}
+
+Picture Look::apply(ImageEngine& engine, const Picture& from, const Picture& to, int32_t bands,
+                    const PictureFinder& find) const {
+    const Picture before = takesBefore() ? copyOf(from, PixelOrder::BGRA) : Picture();
     const PictureFinder findAny = [&](const std::string& name) {
         return name == "$before" ? before : find ? find(name) : Picture();
     };
+    LookRun run(engine, bands, from, to);
     for (const LookStep& step : steps_) {
-        const int32_t width = picture.info.width, height = picture.info.height;
-        CallResult result;
-        std::string name;
+        std::optional<ReadyCall> ready;
+        std::string mistake;
         try {
-            CallNotation call = notationOf(step, width, height);
+            CallNotation call = notationOf(step, run.size().width, run.size().height);
             findPictures(call, findAny);
-            const ReadyCall ready = readyCall(call, width, height);
-            name = ready.method.shortName();
-            result = callWithin(ready.extent, picture, [&] {
-                const LoadedPicture loaded(engine, picture);
-                chooseBands(engine, ready.method, bands);
-                return callMethod(ready.method, engine, ready.arguments);
-            });
+            ready.emplace(readyCall(call, run.size().width, run.size().height));
         } catch (const std::bad_alloc&) {
             throw;
         } catch (const std::exception& error) {
-            throw LookError(step.line, error.what());
+            mistake = error.what();
         }
-        if (!result.ok()) throw LookError(step.line, name + ": " + result.error).causedBy(result);
-        if (const Picture* made = result.firstPicture()) picture = *made;
+        if (!ready) {
+            run.runWaiting();
+            throw LookError(step.line, mistake);
+        }
+        run.add(step.line, std::move(*ready));
     }
+    return run.finish();
 }
 
 }  // namespace krl

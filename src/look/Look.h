@@ -62,8 +62,7 @@ struct LookStep {
     int32_t line = 0;  ///< 0 for a call that no file holds
 };
 
-/// The picture of a name, without padding and in the order of the pixels that the look is applied to; no
-/// pixels if there is none.
+/// The picture of a name, BGRA without padding; no pixels if there is none.
 using PictureFinder = std::function<Picture(const std::string& name)>;
 
 class Look {
@@ -102,6 +101,11 @@ public:
     /// Makes the calls in turn on `picture`, which is BGRA without padding; one that makes a new picture puts
     /// it in the place of `picture`. `bands` is as in `chooseBands`. Throws `LookError`.
     void apply(ImageEngine& engine, Picture& picture, int32_t bands, const PictureFinder& find = {}) const;
+    /// The same from one picture into another of its size, in any order; `to` is without padding, and has the
+    /// place of `from` or shares no memory with it. Returns the outcome: `to`, or a picture that a call has
+    /// made. Pictures of names are BGRA and share no memory with `to`, unless it is `from`.
+    Picture apply(ImageEngine& engine, const Picture& from, const Picture& to, int32_t bands,
+                  const PictureFinder& find = {}) const;
 
 private:
     friend class LookReader;

@@ -29,20 +29,6 @@ krl_value* pictureOver(std::vector<uint8_t>& pixels, const Tile& tile) {
     return krl_picture_value(&picture);
 }
 
-/// A value for an argument: the example's, the ends of its range, or another choice.
-krl_value* variantOf(const krl_method_info& method, size_t index, int variant) {
-    const krl_argument_info& argument = *method.arguments[index];
-    const double numbers[] = {argument.from, argument.to};
-    const bool isNumber = argument.kind == KRL_KIND_INTEGER || argument.kind == KRL_KIND_REAL;
-    if (isNumber && variant > 0 && variant < 3) {
-        const double number = numbers[variant - 1];
-        return argument.kind == KRL_KIND_REAL ? krl_real(number) : krl_integer(static_cast<int32_t>(number));
-    }
-    if (argument.kind == KRL_KIND_SYMBOL && variant > 0)
-        return krl_symbol(argument.choices[size_t(variant) % argument.choice_count]);
-    return krl_example(method.name, index, kWidth, kHeight);
-}
-
 /// What the method makes of a tile of the picture, with the same tile of the second one.
 std::vector<uint8_t> outcome(const krl_method_info& method, const Tile& tile, int variant) {
     static const Canvas first(kWidth, kHeight), other(kWidth, kHeight, KRL_BGRA, 0, 2);
@@ -53,7 +39,8 @@ std::vector<uint8_t> outcome(const krl_method_info& method, const Tile& tile, in
     std::vector<krl_argument> arguments;
     for (size_t i = 0; i < method.argument_count; ++i) {
         const bool isPicture = method.arguments[i]->kind == KRL_KIND_PICTURE;
-        values.emplace_back(isPicture ? pictureOver(beside, tile) : variantOf(method, i, variant));
+        values.emplace_back(isPicture ? pictureOver(beside, tile)
+                                      : variantOf(method, i, variant, kWidth, kHeight));
         arguments.push_back({nullptr, values.back().get()});
     }
     const EnginePointer engine(krl_engine_new(1));

@@ -142,6 +142,22 @@ static void use_pictures(krl_engine* engine) {
     krl_value_free(kept);
 }
 
+static void use_calls_into_other_pictures(krl_engine* engine) {
+    uint8_t pixels[WIDTH * HEIGHT * 4], others[WIDTH * HEIGHT * 4], expected[WIDTH * HEIGHT * 4];
+    krl_picture picture = picture_over(pixels, KRL_BGRA), other = picture_over(others, KRL_BGRA);
+    krl_picture inverted = picture_over(expected, KRL_BGRA);
+    krl_look* look = krl_look_new();
+    CHECK(krl_apply(engine, &inverted, "invert", NULL) == KRL_OK);
+    CHECK(krl_call_into(engine, &picture, &other, "invert", NULL, 0, NULL) == KRL_OK);
+    CHECK(memcmp(others, expected, sizeof others) == 0 && pixels[1] == 1);
+    CHECK(krl_apply_into(engine, &picture, &other, "brightness(0)", NULL) == KRL_OK);
+    CHECK(memcmp(others, pixels, sizeof others) == 0);
+    CHECK(krl_look_add_call(look, "invert", NULL) == KRL_OK);
+    CHECK(krl_look_apply_into(engine, look, &picture, &other, NULL) == KRL_OK);
+    CHECK(memcmp(others, expected, sizeof others) == 0 && pixels[1] == 1);
+    krl_look_free(look);
+}
+
 static void use_catalogue(void) {
     const krl_catalogue_info* catalogue = krl_catalogue();
     size_t f, m, a, e, methods = 0, choices = 0;
@@ -251,6 +267,7 @@ int main(void) {
     use_lists();
     use_calls(engine);
     use_pictures(engine);
+    use_calls_into_other_pictures(engine);
     use_catalogue();
     use_looks(engine);
     CHECK(krl_engine_keep_memory(engine, 0) == KRL_OK);

@@ -93,9 +93,13 @@ private:
                     method->arguments[bytes_.below(static_cast<uint32_t>(method->argument_count))]->name;
             arguments.push_back({argument, anyValue()});
         }
+        const krl_picture other = this->picture();
         keep([&](krl_result** out) {
-            return krl_call(engine(), bytes_.oneIn(8) ? nullptr : &picture, name.c_str(), arguments.data(),
-                            arguments.size(), out);
+            const krl_picture* const to = bytes_.oneIn(8) ? nullptr : &picture;
+            if (bytes_.below(2))
+                return krl_call(engine(), to, name.c_str(), arguments.data(), arguments.size(), out);
+            return krl_call_into(engine(), bytes_.oneIn(8) ? nullptr : &other, to, name.c_str(),
+                                 arguments.data(), arguments.size(), out);
         });
     }
 
@@ -103,7 +107,11 @@ private:
         const krl_picture picture = this->picture();
         std::string text = methodName();
         if (bytes_.below(2)) text += '(' + bytes_.text(bytes_.below(24)) + ')';
-        keep([&](krl_result** out) { return krl_apply(engine(), &picture, text.c_str(), out); });
+        const krl_picture other = this->picture();
+        keep([&](krl_result** out) {
+            return bytes_.below(2) ? krl_apply(engine(), &picture, text.c_str(), out)
+                                   : krl_apply_into(engine(), &other, &picture, text.c_str(), out);
+        });
     }
 
     /// A call whose code, result and texts must agree.

@@ -4,6 +4,7 @@
 #include "core/Random.h"
 #include "look/Extent.h"
 #include "look/Look.h"
+#include "look/PictureMemory.h"
 
 namespace krl {
 namespace {
