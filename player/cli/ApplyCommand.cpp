@@ -185,9 +185,10 @@ bool workOnPart(const ApplyWork& work, const std::vector<MovingCall>& calls, con
         // Lines that are printed meanwhile show the progress as well.
         const Terminal quiet{terminal.out, terminal.err, terminal.live && !report.printsLines()};
         ProgressBar bar(quiet, progress.alone().size() + progress.together().size(), "pictures");
+        const CallOrder order = options.timings ? CallOrder::OneByOne : CallOrder::Together;
         const auto workOnEach = [&](const std::vector<size_t>& indexes, unsigned jobs) {
             workSideBySide(indexes.size(), jobs, [&]() -> Worker {
-                return [&, run = makeRunner(calls, settings)](size_t i) {
+                return [&, run = makeRunner(calls, settings, WorkingMemory::GivenBack, order)](size_t i) {
                     applyToPicture(run, work, indexes[i]);
                     report.settled(progress, indexes[i]);
                     bar.step();

@@ -1,6 +1,7 @@
 #include "player/cli/ApplyPicture.h"
 
 #include <memory>
+#include <utility>
 
 #include "player/cli/CatalogueCalls.h"
 #include "player/cli/RawFrames.h"
@@ -11,26 +12,43 @@
 
 namespace krl::player {
 
+namespace {
+
+/// The first calls, made ready for `picture`: all that treat every pixel alone, which leave its size as it
+/// is, or one.
+std::vector<ReadyCall> readyCalls(const Bitmap& picture, std::span<const ChainCall> chain) {
+    std::vector<ReadyCall> ready;
+    for (const ChainCall& call : chain) {
+        if (!ready.empty() && !call.method().isPerPixel()) break;
+        ready.push_back({call.method(), call.extent(picture.width, picture.height),
+                         call.arguments(picture.width, picture.height)});
+        if (!call.method().isPerPixel()) break;
+    }
+    return ready;
+}
+
+}  // namespace
+
 ApplyRunner makeRunner(const std::vector<MovingCall>& written, const SessionOptions& options,
-                       WorkingMemory memory) {
+                       WorkingMemory memory, CallOrder order) {
     const auto moving = moves(written) ? std::make_shared<MovingChain>(written, options) : nullptr;
     if (options.xtraFile.empty()) {
         const auto calls = std::make_shared<CatalogueCalls>(options.threads);
         if (memory == WorkingMemory::Kept) calls->keepMemory();
-        return {[calls](Bitmap& picture, const ChainCall& call) {
-                    const auto [width, height] = std::pair(picture.width, picture.height);
-                    return calls->apply(picture, call.method(), call.arguments(width, height),
-                                        call.extent(width, height));
+        return {[calls, order](Bitmap& picture, std::span<const ChainCall> chain) {
+                    const size_t most = order == CallOrder::Together ? chain.size() : 1;
+                    return calls->apply(picture, readyCalls(picture, chain.first(most)));
                 },
                 [calls](Bitmap& picture, const ReadyLook& look) { return calls->apply(picture, look); },
                 moving};
     }
     const auto session = std::make_shared<Session>(options);
-    return {[session](Bitmap& picture, const ChainCall& call) {
-                return session->apply(picture, call.lingo(picture.width, picture.height));
-            },
-            {},
-            moving};
+    return {
+        [session](Bitmap& picture, std::span<const ChainCall> chain) {
+            return std::vector{session->apply(picture, chain.front().lingo(picture.width, picture.height))};
+        },
+        {},
+        moving};
 }
 
 namespace {
@@ -64,16 +82,25 @@ std::string runAll(const ApplyRunner& run, const std::vector<ReadyLook>& looks,
         }
         if (!made.outcome.ok()) return "";
     }
-    for (const ChainCall& call : chain) {
-        CallReport& made = report.calls.emplace_back();
-        made.call = call.lingo(picture.width, picture.height);
+    for (std::span<const ChainCall> rest = chain; !rest.empty();) {
+        const auto [width, height] = std::pair(picture.width, picture.height);
+        double milliseconds = 0;
+        std::vector<CallOutcome> outcomes;
         {
-            const Stopwatch watch(made.milliseconds);
-            made.outcome = run.call(picture, call);
+            const Stopwatch watch(milliseconds);
+            outcomes = run.calls(picture, rest);
         }
-        const bool plain = made.outcome.shown.empty() || made.outcome.shown == "[#error: 0]";
-        made.telling = !plain && !(made.outcome.ok() && call.method().makesPicture());
-        if (!made.outcome.ok()) return sizeHint(call, picture);
+        for (CallOutcome& outcome : outcomes) {
+            const ChainCall& call = rest.front();
+            CallReport& made = report.calls.emplace_back();
+            made.call = call.lingo(width, height);
+            made.outcome = std::move(outcome);
+            made.milliseconds = std::exchange(milliseconds, 0);
+            const bool plain = made.outcome.shown.empty() || made.outcome.shown == "[#error: 0]";
+            made.telling = !plain && !(made.outcome.ok() && call.method().makesPicture());
+            if (!made.outcome.ok()) return sizeHint(call, picture);
+            rest = rest.subspan(1);
+        }
     }
     return "";
 }

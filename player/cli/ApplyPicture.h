@@ -3,6 +3,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "player/cli/ApplyLedger.h"
@@ -48,7 +49,8 @@ struct ApplyWork {
 
 /// Runs looks and calls on a picture: through the catalogue, or calls through a plug-in from a file.
 struct ApplyRunner {
-    std::function<CallOutcome(Bitmap& picture, const ChainCall& call)> call;
+    /// Runs the first calls of a chain, at least one; returns their outcomes up to the first that fails.
+    std::function<std::vector<CallOutcome>(Bitmap& picture, std::span<const ChainCall> chain)> calls;
     std::function<CallOutcome(Bitmap& picture, const ReadyLook& look)> look;
     /// The calls at each frame; null where they are the same for all.
     std::shared_ptr<MovingChain> moving;
@@ -57,9 +59,13 @@ struct ApplyRunner {
 /// What becomes of the working memory of a call.
 enum class WorkingMemory { GivenBack, Kept };
 
+/// Whether calls that treat every pixel alone run together, or each has a time of its own.
+enum class CallOrder { Together, OneByOne };
+
 /// Belongs to one thread.
 ApplyRunner makeRunner(const std::vector<MovingCall>& written, const SessionOptions& options,
-                       WorkingMemory memory = WorkingMemory::GivenBack);
+                       WorkingMemory memory = WorkingMemory::GivenBack,
+                       CallOrder order = CallOrder::Together);
 
 /// The picture after all calls. Throws `CommandError` for the first that fails.
 Bitmap changedBy(const ApplyRunner& run, const std::vector<ChainCall>& chain, Bitmap picture);

@@ -1,5 +1,6 @@
 #include "player/cli/CatalogueCalls.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "catalogue/DirectCall.h"
@@ -35,6 +36,13 @@ std::string shownText(const Method& method, const CallResult& result) {
     return writeNotation(shown);
 }
 
+CallOutcome outcomeOf(const Method& method, const CallResult& result) {
+    CallOutcome outcome;
+    outcome.error = result.error;
+    outcome.shown = shownText(method, result);
+    return outcome;
+}
+
 void replace(Bitmap& picture, const krl::Picture& made) {
     picture.width = made.info.width;
     picture.height = made.info.height;
@@ -63,27 +71,42 @@ CatalogueCalls::CatalogueCalls(ThreadChoice threads) : bands_(threads == ThreadC
     engine_.buildTables();
 }
 
-CallOutcome CatalogueCalls::apply(Bitmap& picture, const Method& method,
-                                  const std::vector<krl::Value>& arguments, const Extent& extent) {
+CallOutcome CatalogueCalls::apply(Bitmap& picture, const ReadyCall& call) {
+    const Method& method = call.method;
     chooseBands(engine_, method, bands_);
     const krl::Picture view = viewOf(picture);
-    CallOutcome outcome;
     CallResult result;
     try {
-        result = callWithin(extent, view, [&] {
+        result = callWithin(call.extent, view, [&] {
             const LoadedPicture loaded(engine_, view);
             if (keepsMemory_) keptMemory_.set(engine_.buffer()->bytes() * kKeptPictures);
             return callMethod(method, engine_,
-                              method.changedPicture() ? withCopiedPictures(arguments) : arguments);
+                              method.changedPicture() ? withCopiedPictures(call.arguments) : call.arguments);
         });
     } catch (const ArgumentError& error) {
+        CallOutcome outcome;
         outcome.error = error.what();
         return outcome;
     }
-    outcome.error = result.error;
-    outcome.shown = shownText(method, result);
     if (const krl::Picture* made = result.firstPicture()) replace(picture, *made);
-    return outcome;
+    return outcomeOf(method, result);
+}
+
+std::vector<CallOutcome> CatalogueCalls::apply(Bitmap& picture, std::span<const ReadyCall> calls) {
+    const krl::Picture view = viewOf(picture);
+    const bool areTiled = calls.size() > 1 &&
+                          std::all_of(calls.begin(), calls.end(),
+                                      [&](const ReadyCall& call) { return canRunOnTiles(call, view, view); });
+    std::vector<CallOutcome> outcomes;
+    if (!areTiled) {
+        for (const ReadyCall& call : calls)
+            if (!outcomes.emplace_back(apply(picture, call)).ok()) break;
+        return outcomes;
+    }
+    const ChainResult made = runOnTiles(engine_, bands_, calls, view, view);
+    for (size_t i = 0; i < std::min(calls.size(), made.failed + 1); ++i)
+        outcomes.push_back(outcomeOf(calls[i].method, i == made.failed ? made.result : CallResult()));
+    return outcomes;
 }
 
 CallOutcome CatalogueCalls::apply(Bitmap& picture, const ReadyLook& look) {

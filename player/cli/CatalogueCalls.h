@@ -1,11 +1,12 @@
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "catalogue/Method.h"
 #include "catalogue/Value.h"
 #include "core/Scratch.h"
-#include "look/Extent.h"
+#include "look/TiledCalls.h"
 #include "player/cli/LookFiles.h"
 #include "player/lingo/Session.h"
 
@@ -22,8 +23,10 @@ public:
     void keepMemory() { keepsMemory_ = true; }
 
     /// Rewrites `picture`, or replaces it by the new picture that the method makes.
-    CallOutcome apply(Bitmap& picture, const Method& method, const std::vector<krl::Value>& arguments,
-                      const Extent& extent = {});
+    CallOutcome apply(Bitmap& picture, const ReadyCall& call);
+    /// The same with calls that treat every pixel alone, together if they can be. Returns the outcome of each
+    /// up to the first that fails.
+    std::vector<CallOutcome> apply(Bitmap& picture, std::span<const ReadyCall> calls);
     /// The same with all calls of a look.
     CallOutcome apply(Bitmap& picture, const ReadyLook& look);
 

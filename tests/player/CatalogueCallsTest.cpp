@@ -58,7 +58,7 @@ TEST_P(EitherWay, GivesTheSameBytesAndTheSameError) {
     Bitmap byDoor = colourful(1), direct = colourful(1);
     const CallOutcome expected = session_->apply(byDoor, callText());
     CatalogueCalls calls(ThreadChoice::One);
-    const CallOutcome outcome = calls.apply(direct, *GetParam(), arguments());
+    const CallOutcome outcome = calls.apply(direct, ReadyCall{*GetParam(), {}, arguments()});
     EXPECT_EQ(outcome.error, expected.error);
     EXPECT_EQ(direct.width, byDoor.width);
     EXPECT_EQ(direct.height, byDoor.height);
@@ -67,8 +67,8 @@ TEST_P(EitherWay, GivesTheSameBytesAndTheSameError) {
 
 TEST_P(EitherWay, DoesNotDependOnTheNumberOfProcessors) {
     Bitmap one = colourful(1), many = colourful(1);
-    CatalogueCalls(ThreadChoice::One).apply(one, *GetParam(), arguments());
-    CatalogueCalls(ThreadChoice::Many).apply(many, *GetParam(), arguments());
+    CatalogueCalls(ThreadChoice::One).apply(one, ReadyCall{*GetParam(), {}, arguments()});
+    CatalogueCalls(ThreadChoice::Many).apply(many, ReadyCall{*GetParam(), {}, arguments()});
     EXPECT_TRUE(one.pixels == many.pixels);
 }
 
