@@ -200,7 +200,7 @@ def overhead():
         return min(times) / 500 * 1e6
 
     whole = best(lambda: krlimage.invert(pixel, out=pixel, order="BGR"))
-    engine = best(lambda: _native.call("invert", pixel, _native.BGRA, symbol, [], 1))
+    engine = best(lambda: _native.call("invert", (pixel, _native.BGRA), None, symbol, [], 1))
     print(f"\nA call on one pixel takes {whole:.1f} microseconds, {engine:.1f} of them in the engine.")
 
 

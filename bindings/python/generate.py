@@ -333,7 +333,7 @@ def needs_picture(native, effect, blank):
             given.append(native.list_of([blank] * len(argument.example)))
         else:
             given.append(None)
-    return native.call(effect.name, None, native.BGRA, given, [], 1)[0] != 0
+    return native.call(effect.name, None, None, given, [], 1)[0] != 0
 
 
 def write_effects(package):

@@ -118,6 +118,49 @@ def test_out_may_overlap_the_picture(picture):
     np.testing.assert_array_equal(shared[:-1], expected)
 
 
+@pytest.mark.parametrize("order", ["RGB", "BGR"])
+@pytest.mark.parametrize("effect", ["hueShift", "fastGaussianBlur"])
+def test_the_result_in_another_array_is_that_in_place(picture, order, effect):
+    large = np.tile(picture, (5, 4, 1))
+    large[..., 3] = np.arange(large.shape[1]) % 256
+    call, before = getattr(krlimage, effect), large.copy()
+    expected = large.copy()
+    call(expected, out=expected, order=order)
+    memory = np.zeros((large.shape[0], large.shape[1] + 3, 4), np.uint8)
+    for out in [np.zeros_like(large), memory[:, :-3], np.zeros((*large.shape[:2], 8), np.uint8)[..., ::2]]:
+        assert call(large, out=out, order=order) is out
+        np.testing.assert_array_equal(out, expected)
+    np.testing.assert_array_equal(call(large, order=order), expected)
+    np.testing.assert_array_equal(call(large[:, 1:], order=order), call(large[:, 1:].copy(), order=order))
+    np.testing.assert_array_equal(large, before)
+    assert not memory[:, -3:].any()
+
+
+@pytest.mark.parametrize("order", ["RGB", "BGR"])
+def test_the_result_may_take_the_place_of_the_second_picture(picture, order):
+    other = np.ascontiguousarray(picture[::-1])
+    expected = krlimage.composite(picture, other, "multiply", order=order)
+    krlimage.composite(picture, other, "multiply", order=order, out=other)
+    np.testing.assert_array_equal(other, expected)
+
+
+def test_a_wrong_call_leaves_the_other_array_alone(picture):
+    out = np.full_like(picture, 7)
+    with pytest.raises(krlimage.KrlError):
+        krlimage.brightness(picture, 1.5, out=out)
+    with pytest.raises(krlimage.KrlError):
+        krlimage.colourTemperature(picture, "x", out=out)
+    assert (out == 7).all()
+
+
+def test_no_calls_copy_the_picture(picture):
+    for out in [np.zeros_like(picture), np.zeros((48, 64, 8), np.uint8)[..., ::2]]:
+        assert krlimage.apply(picture, out=out) is out
+        np.testing.assert_array_equal(out, picture)
+    np.testing.assert_array_equal(krlimage.apply(picture), picture)
+
+
+
 EXPECTED = ("expected an array of uint8 with the shape (height, width, 4), (height, width, 3) or (height, width), "
             "got ")
 

@@ -122,7 +122,7 @@ def test_the_defaults_are_the_values_of_the_example(picture):
         if not effect.rewrites_picture or any(argument.kind == "picture" for argument in effect.arguments):
             continue
         pixels = picture.copy()
-        code, message, _, _ = _native.call(effect.name, pixels, _native.RGBA, [None] * len(effect.arguments), [], 1)
+        code, message, _, _ = _native.call(effect.name, (pixels, _native.RGBA), None, [None] * len(effect.arguments), [], 1)
         assert (code, message) == (0, "")
         made = effect.function(picture)
         np.testing.assert_array_equal(made[0] if isinstance(made, tuple) else made, pixels)

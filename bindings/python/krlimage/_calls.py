@@ -12,7 +12,7 @@ from . import _native
 from ._catalogue import Effect, effects
 from ._errors import KrlError, failure, wrong
 from ._native import Value
-from ._pictures import Canvas, Source, as_array, as_value, in_form, order_number
+from ._pictures import Canvas, Ordered, Source, as_array, as_value, in_form, order_number
 from ._types import Array
 from ._values import CONVERTERS, Mismatch, relative_text, tree
 
@@ -138,7 +138,7 @@ def run(method: str, given: Sequence[Any], out: Any = None, order: str = "RGB") 
     if changed is None:
         return _made(plan, _call(plan, None, values), None, number)
     canvas = Canvas(given[changed], out, number, f"{method}: {plan.names[changed]}")
-    values[changed] = _native.picture(canvas.pixels, canvas.order)
+    values[changed] = _native.picture(canvas.fill(), canvas.order)
     _call(plan, None, values)
     return canvas.finish(method)
 
@@ -175,9 +175,11 @@ def apply(picture: Any, *calls: str, out: Array | None = None, order: Literal["R
     """
     number = order_number(order)
     canvas = Canvas(picture, out, number, "picture")
+    if not calls:
+        canvas.fill()
     pixels = canvas.pixels
     for text in calls:
-        pixels = _applied(text, pixels, canvas.order)
+        pixels = _applied(text, *(canvas.route() if pixels is canvas.pixels else ((pixels, canvas.order), None)))
     if pixels is canvas.pixels:
         return canvas.finish("apply")
     made = pixels if canvas.order == number else in_form(pixels, canvas.channels, number, "apply")
@@ -186,15 +188,15 @@ def apply(picture: Any, *calls: str, out: Array | None = None, order: Literal["R
     return made
 
 
-def _applied(text: str, pixels: Array, order: int) -> Array:
+def _applied(text: str, pixels: Ordered, source: Ordered | None) -> Array:
     """`pixels`, rewritten, or the new picture that the call has made."""
     name = _method_of(text)
     plan = _plans.get(name)
-    code, message, error, entries = _native.apply(text, pixels, order, plan.bands() if plan else 1)
+    code, message, error, entries = _native.apply(text, pixels, source, plan.bands() if plan else 1)
     if code:
         raise failure(code, message, error, name, [*plan.names, *EXTENT] if plan else [])
     made = entries if isinstance(entries, list) else list(entries.values())
-    return next((value for value in made if isinstance(value, np.ndarray)), pixels)
+    return next((value for value in made if isinstance(value, np.ndarray)), pixels[0])
 
 
 def bands_of_look(calls: Sequence[str]) -> int:
@@ -230,8 +232,8 @@ def _method_of(text: str) -> str:
 def _call(plan: _Plan, on: Source | Canvas | None, values: list[Value | None],
           named: Sequence[tuple[str, Value]] = ()) -> Any:
     """The entries of the result."""
-    pixels, order = (on.pixels, on.order) if on else (None, _native.BGRA)
-    code, message, text, entries = _native.call(plan.effect.name, pixels, order, values, named, plan.bands())
+    pixels, source = on.route() if on else (None, None)
+    code, message, text, entries = _native.call(plan.effect.name, pixels, source, values, named, plan.bands())
     if code:
         raise failure(code, message, text, plan.effect.name, [*plan.names, *EXTENT])
     return entries

@@ -148,8 +148,8 @@ class Look:
         _native.look_check(self.text, values)
         canvas = Canvas(picture, out, number, "picture")
         code, message, error, entries = _native.look_apply(
-            self.text, values, {name: (source.pixels, source.order) for name, source in sources.items()},
-            canvas.pixels, canvas.order, bands_of_look(self.calls))
+            self.text, values, {name: source.route()[0] for name, source in sources.items()}, *canvas.route(),
+            bands_of_look(self.calls))
         if code:
             raise look_failure(code, message, error)
         made = entries.get("picture")

@@ -35,14 +35,16 @@ def release() -> str: ...
 def code_text(code: int, /) -> str: ...
 def call(
     method: str,
-    pixels: Optional[Array],
-    order: int,
+    pixels: Optional[Tuple[Array, int]],
+    source: Optional[Tuple[Array, int]],
     given: Sequence[Optional[Value]],
     named: Sequence[Tuple[str, Value]],
     bands: int,
     /,
 ) -> Tuple[int, str, str, Any]: ...
-def apply(text: str, pixels: Optional[Array], order: int, bands: int, /) -> Tuple[int, str, str, Any]: ...
+def apply(
+    text: str, pixels: Tuple[Array, int], source: Optional[Tuple[Array, int]], bands: int, /
+) -> Tuple[int, str, str, Any]: ...
 def look_facts(
     text: str, /
 ) -> Tuple[str, str, Tuple[str, ...], Tuple[Tuple[str, str, str, str, str], ...], Tuple[str, ...]]: ...
@@ -54,8 +56,8 @@ def look_apply(
     text: str,
     settings: Dict[str, str],
     pictures: Dict[str, Tuple[Array, int]],
-    pixels: Array,
-    order: int,
+    pixels: Tuple[Array, int],
+    source: Optional[Tuple[Array, int]],
     bands: int,
     /,
 ) -> Tuple[int, str, str, Any]: ...

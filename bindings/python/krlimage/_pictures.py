@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from typing import Any
+from typing import Any, Optional, Tuple
 
 import numpy as np
 
@@ -12,6 +12,12 @@ from ._types import Array
 
 EXPECTED = "expected an array of uint8 with the shape (height, width, 4), (height, width, 3) or (height, width)"
 MOST_BYTES = 2**31 - 1
+
+Ordered = Tuple[Array, int]
+"""An array and the engine's number for the order of its channels."""
+
+Route = Tuple[Ordered, Optional[Ordered]]
+"""Pixels that a call works on, and the ones that it reads instead if that is another array."""
 
 ORDERS = {"RGB": _native.RGBA, "BGR": _native.BGRA}
 
@@ -121,6 +127,10 @@ class Source:
         else:
             self.pixels, self.order = _native.unpack(array, order), _native.BGRA
 
+    def route(self) -> Route:
+        """What a call of the engine works on, and that there is nowhere else to read it from."""
+        return (self.pixels, self.order), None
+
 
 def as_value(picture: Any, order: int, name: str) -> Value:
     """The picture as an argument that is only read."""
@@ -131,22 +141,43 @@ def as_value(picture: Any, order: int, name: str) -> Value:
 class Canvas:
     """A picture that a call rewrites: `pixels` and `order` for the engine before, the caller's form after.
 
-    Where `out` has rows that the engine takes, `pixels` is `out` itself.
+    Where `out` has rows that the engine takes, `pixels` is `out` itself. The first call reads the picture where it
+    is if the engine takes that.
     """
 
     def __init__(self, picture: Any, out: Any, order: int, name: str) -> None:
         source = as_array(picture, name)
         target = None if out is None else as_target(out, source.shape)
+        is_direct = _native.is_direct(source)
         self.channels = channels_of(source)
         self._callers_order = order
         self._target: Array | None = None
-        if target is not None and _native.is_direct(target):
-            if out is not picture:
-                np.copyto(target, source)
-            self.pixels, self.order, self._is_finished = target, order, True
+        self._source = (source, order) if is_direct and out is not picture else None
+        self._is_finished = is_direct if target is None else _native.is_direct(target)
+        if self._is_finished:
+            self.pixels, self.order = _native.new_array(source.shape) if target is None else target, order
+            if not is_direct:
+                np.copyto(self.pixels, source)
+        elif is_direct:
+            self.pixels, self.order, self._target = _native.new_array(source.shape), _native.BGRA, target
         else:
-            self.pixels, self.order, self._is_finished = _native.unpack(source, order), _native.BGRA, False
-            self._target = target
+            self.pixels, self.order, self._target = _native.unpack(source, order), _native.BGRA, target
+
+    def route(self) -> Route:
+        """What the next call works on, and where it reads its pixels if that is another array."""
+        source, self._source = self._source, None
+        return (self.pixels, self.order), source
+
+    def fill(self) -> Array:
+        """`pixels` with the picture in them, for what reads it nowhere else."""
+        if self._source is not None:
+            source, order = self._source
+            self._source = None
+            if order == self.order:
+                np.copyto(self.pixels, source)
+            else:
+                self.pixels = _native.unpack(source, order)
+        return self.pixels
 
     def finish(self, method: str) -> Array:
         """The result in the caller's form."""

@@ -35,19 +35,30 @@ namespace {
 using NamedValue = std::pair<std::string, const Value*>;
 
 /// Calls a method with arguments in order, and after them some by name.
-py::tuple call(const char* method, const std::optional<Array>& pixels, int32_t order,
-               const std::vector<const Value*>& given, const std::vector<NamedValue>& named, int32_t bands) {
+py::tuple call(const char* method, const std::optional<OrderedArray>& pixels,
+               const std::optional<OrderedArray>& source, const std::vector<const Value*>& given,
+               const std::vector<NamedValue>& named, int32_t bands) {
     std::vector<krl_argument> arguments;
     for (const Value* value : given) arguments.push_back({nullptr, value ? value->get() : nullptr});
     for (const auto& [name, value] : named) arguments.push_back({name.c_str(), value->get()});
-    return runCall(bands, pixels, order, [&](auto* engine, auto* picture, auto** result) {
-        krl_call(engine, picture, method, arguments.data(), arguments.size(), result);
+    const Route route(pixels, source);
+    return runCall(bands, [&](auto* engine, auto** result) {
+        if (route.from())
+            krl_call_into(engine, route.from(), route.to(), method, arguments.data(), arguments.size(),
+                          result);
+        else
+            krl_call(engine, route.to(), method, arguments.data(), arguments.size(), result);
     });
 }
 
-py::tuple apply(const char* text, const std::optional<Array>& pixels, int32_t order, int32_t bands) {
-    return runCall(bands, pixels, order, [&](auto* engine, auto* picture, auto** result) {
-        krl_apply(engine, picture, text, result);
+py::tuple apply(const char* text, const OrderedArray& pixels, const std::optional<OrderedArray>& source,
+                int32_t bands) {
+    const Route route(pixels, source);
+    return runCall(bands, [&](auto* engine, auto** result) {
+        if (route.from())
+            krl_apply_into(engine, route.from(), route.to(), text, result);
+        else
+            krl_apply(engine, route.to(), text, result);
     });
 }
 
@@ -60,8 +71,9 @@ void bindCalls(py::module_& module) {
     module.attr("OUT_OF_MEMORY") = int{KRL_OUT_OF_MEMORY};
     module.def("release", krl_release);
     module.def("code_text", krl_code_text);
-    module.def("call", call, py::arg(), py::arg().noconvert(), py::arg(), py::arg(), py::arg(), py::arg());
-    module.def("apply", apply, py::arg(), py::arg().noconvert(), py::arg(), py::arg());
+    module.def("call", call, py::arg(), py::arg().noconvert(), py::arg().noconvert(), py::arg(), py::arg(),
+               py::arg());
+    module.def("apply", apply, py::arg(), py::arg().noconvert(), py::arg().noconvert(), py::arg());
 }
 
 }  // namespace krl::python

@@ -92,16 +92,20 @@ Look settledLook(const std::string& text, const Settings& settings) {
 
 /// Applies a look with other values of its parameters to a picture. Gives what `call` does.
 py::tuple lookApply(const std::string& text, const Settings& settings,
-                    const std::map<std::string, std::pair<Array, int32_t>>& pictures, const Array& pixels,
-                    int32_t order, int32_t bands) {
+                    const std::map<std::string, OrderedArray>& pictures, const OrderedArray& pixels,
+                    const std::optional<OrderedArray>& source, int32_t bands) {
     const Look look = settledLook(text, settings);
     for (const auto& [name, picture] : pictures) {
         const krl_picture described = pictureOf(picture.first, picture.second);
         if (const krl_code code = krl_look_set_picture(look.get(), name.c_str(), &described); code != KRL_OK)
             throw py::value_error(name + ": " + krl_code_text(code));
     }
-    return runCall(bands, pixels, order, [&](auto* engine, auto* picture, auto** result) {
-        krl_look_apply(engine, look.get(), picture, result);
+    const Route route(pixels, source);
+    return runCall(bands, [&](auto* engine, auto** result) {
+        if (route.from())
+            krl_look_apply_into(engine, look.get(), route.from(), route.to(), result);
+        else
+            krl_look_apply(engine, look.get(), route.to(), result);
     });
 }
 

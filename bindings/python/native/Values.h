@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 /// Values of the C interface as Python has them.
@@ -70,17 +71,36 @@ private:
     Engine engine_;
 };
 
-/// Runs `work(engine, picture, result)` without the interpreter's lock; there may be no picture. Gives its
-/// outcome.
+/// An array and the order of its channels.
+using OrderedArray = std::pair<Array, int32_t>;
+
+/// What a call works on: pixels that it rewrites, and where they come from if that is another array.
+class Route {
+public:
+    Route(const std::optional<OrderedArray>& pixels, const std::optional<OrderedArray>& source)
+        : to_(pictureOf(pixels)), from_(pictureOf(source)) {}
+
+    /// Null for a call on no picture.
+    const krl_picture* to() const { return to_ ? &*to_ : nullptr; }
+    /// Null for a call in place.
+    const krl_picture* from() const { return from_ ? &*from_ : nullptr; }
+
+private:
+    static std::optional<krl_picture> pictureOf(const std::optional<OrderedArray>& pixels) {
+        if (!pixels) return std::nullopt;
+        return python::pictureOf(pixels->first, pixels->second);
+    }
+    std::optional<krl_picture> to_, from_;
+};
+
+/// Runs `work(engine, result)` without the interpreter's lock. Gives its outcome.
 template <class Work>
-py::tuple runCall(int32_t bands, const std::optional<Array>& pixels, int32_t order, const Work& work) {
+py::tuple runCall(int32_t bands, const Work& work) {
     const LentEngine engine(bands);
-    std::optional<krl_picture> picture;
-    if (pixels) picture = pictureOf(*pixels, order);
     krl_result* made = nullptr;
     {
         const py::gil_scoped_release unlocked;
-        work(engine.get(), picture ? &*picture : nullptr, &made);
+        work(engine.get(), &made);
     }
     return outcomeOf(Result(made).get());
 }
