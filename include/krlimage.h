@@ -238,8 +238,8 @@ KRL_API krl_code krl_apply(krl_engine* engine, const krl_picture* picture, const
 
 /* The same for a result in another picture: `to` becomes what the call makes of a copy of `from`. Both have
  * the same size, and each its own order and rows; they may share memory. `from` is only read, unless it
- * shares memory with `to`. Methods with the flag KRL_WORKS_PER_PIXEL
- * read and write the pixels once for all this. */
+ * shares memory with `to`. Methods with the flag KRL_WORKS_PER_PIXEL read and write the pixels once for all
+ * this. */
 KRL_API krl_code krl_call_into(krl_engine* engine, const krl_picture* from, const krl_picture* to,
                                const char* method, const krl_argument* arguments, size_t count,
                                krl_result** result);

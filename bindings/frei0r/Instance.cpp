@@ -130,23 +130,26 @@ void Instance::update(const uint32_t* first, const uint32_t* second, uint32_t* o
 }
 
 void Instance::rewrite(const uint32_t* first, const uint32_t* second, uint32_t* out) {
-    copy(first, out);
-    if (!isGood() || (effect_.role == bindings::Role::Mixer && !second)) return;
-    const krl_picture picture = bindings::pictureOver(out, width_, height_);
-    // The interface only reads this one.
-    const krl_picture beside = bindings::pictureOver(const_cast<uint32_t*>(second), width_, height_);
+    const bool isPossible = isGood() && (effect_.role != bindings::Role::Mixer || second);
     const bool isLoaded = effect_.method.flags & KRL_REWRITES_PICTURE;
+    if (!isPossible || !isLoaded) copy(first, out);
+    if (!isPossible) return;
+    // The interface only reads these two.
+    const krl_picture from = bindings::pictureOver(const_cast<uint32_t*>(first), width_, height_);
+    const krl_picture beside = bindings::pictureOver(const_cast<uint32_t*>(second), width_, height_);
+    const krl_picture to = bindings::pictureOver(out, width_, height_);
     bindings::Result result;
-    if (!call(isLoaded ? &picture : nullptr, isLoaded ? beside : picture, beside, result)) copy(first, out);
+    if (!(isLoaded ? call({&from, &to}, beside, beside, result) : call({}, to, beside, result)))
+        copy(first, out);
 }
 
 void Instance::makePicture() {
     const krl_picture none = {};
-    call(nullptr, none, none, made_);
+    call({}, none, none, made_);
 }
 
 /// Calls the method; its first argument that is a picture is `changed`, further ones are `second`.
-bool Instance::call(const krl_picture* loaded, const krl_picture& changed, const krl_picture& second,
+bool Instance::call(const Loaded& loaded, const krl_picture& changed, const krl_picture& second,
                     bindings::Result& result) {
     const krl_picture* next = &changed;
     for (size_t i = 0; i < arguments_.size(); ++i) {
@@ -157,8 +160,11 @@ bool Instance::call(const krl_picture* loaded, const krl_picture& changed, const
         given_[i].value = arguments_[i].value.get();
     }
     krl_result* out = nullptr;
+    const char* const method = effect_.method.name;
     const krl_code code =
-        krl_call(engine_.get(), loaded, effect_.method.name, given_.data(), given_.size(), &out);
+        loaded.to
+            ? krl_call_into(engine_.get(), loaded.from, loaded.to, method, given_.data(), given_.size(), &out)
+            : krl_call(engine_.get(), nullptr, method, given_.data(), given_.size(), &out);
     result.reset(out);
     if (code == KRL_OK) return true;
     complain(krl_result_message(out));

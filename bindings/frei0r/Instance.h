@@ -46,7 +46,12 @@ private:
     bindings::Value valueFor(size_t argument, std::string& problem) const;
     void rewrite(const uint32_t* first, const uint32_t* second, uint32_t* out);
     void makePicture();
-    bool call(const krl_picture* loaded, const krl_picture& changed, const krl_picture& second,
+    /// The frame that a method rewrites, and where it leaves the outcome; null for a method that rewrites
+    /// none.
+    struct Loaded {
+        const krl_picture *from = nullptr, *to = nullptr;
+    };
+    bool call(const Loaded& loaded, const krl_picture& changed, const krl_picture& second,
               bindings::Result& result);
     bool isGood() const;
     void complain(const std::string& problem);

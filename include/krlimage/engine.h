@@ -13,6 +13,7 @@ namespace krl {
 
 struct LookupTables;
 class ScratchAllowance;
+class SpanTaker;
 
 /// The host's description of an image.
 struct ImageInfo {
@@ -41,6 +42,7 @@ struct ImageBuffer {
 struct SecondImage {
     const uint8_t* pixels = nullptr;
     ImageInfo info;
+    bool isRedFirst = false;  ///< RGBA, which only methods take that treat every pixel alone
 
     /// The whole block in address order, padding included.
     std::span<const Pixel> block() const {
@@ -105,6 +107,12 @@ public:
     void requireThreads(bool required) { requiresThreads_ = required; }
     bool requiresThreads() const { return requiresThreads_; }
 
+    /// Above 2^24 pixels the size of a band, a single-precision number, can come out short, so that the last
+    /// pixels belong to none. Where short bands are kept these stay as they are, which is what scripts get;
+    /// otherwise, as at the start, the last band has them, and no result depends on the number of bands.
+    void keepShortBands(bool keep) { keepsShortBands_ = keep; }
+    bool keepsShortBands() const { return keepsShortBands_; }
+
     /// Ends the effect that is running, and every one that begins before `resume`, with `Cancelled`. Can be
     /// called from any thread. Effects test for it once a row or once a small part of the picture.
     void cancel() noexcept { cancelled_.store(true, std::memory_order_relaxed); }
@@ -112,6 +120,10 @@ public:
     void throwIfCancelled() const {
         if (cancelled_.load(std::memory_order_relaxed)) throw Cancelled();
     }
+
+    /// Hands what methods do to every pixel alone to `taker`, which runs it; null, as at the start, for none.
+    void handSpansTo(SpanTaker* taker) { spanTaker_ = taker; }
+    SpanTaker* spanTaker() const { return spanTaker_; }
 
     /// Whether working memory of the size of the loaded picture, at most, stays at hand from one
     /// effect to the next: faster, and not given back before `unload`. At the start it does where
@@ -147,7 +159,9 @@ private:
     bool useWidePath_ = false;
     bool keepsScratch_ = sizeof(void*) > 4;
     bool requiresThreads_ = false;
+    bool keepsShortBands_ = false;
     std::atomic<bool> cancelled_ = false;
+    SpanTaker* spanTaker_ = nullptr;
     std::unique_ptr<ScratchAllowance> scratch_;
 };
 

@@ -64,6 +64,14 @@ std::vector<krl::Value> withCopiedPictures(std::vector<krl::Value> arguments) {
     return arguments;
 }
 
+/// How many of the first calls can run together on `picture`.
+size_t countFusible(std::span<const ReadyCall> calls, const krl::Picture& picture) {
+    const std::span<const ReadyCall> few = calls.first(std::min(calls.size(), kMostFused));
+    const auto end = std::find_if(few.begin(), few.end(),
+                                  [&](const ReadyCall& call) { return !canFuse(call, picture, picture); });
+    return static_cast<size_t>(end - few.begin());
+}
+
 }  // namespace
 
 CatalogueCalls::CatalogueCalls(ThreadChoice threads) : bands_(threads == ThreadChoice::One ? 1 : 0) {
@@ -94,18 +102,18 @@ CallOutcome CatalogueCalls::apply(Bitmap& picture, const ReadyCall& call) {
 
 std::vector<CallOutcome> CatalogueCalls::apply(Bitmap& picture, std::span<const ReadyCall> calls) {
     const krl::Picture view = viewOf(picture);
-    const bool areTiled = calls.size() > 1 &&
-                          std::all_of(calls.begin(), calls.end(),
-                                      [&](const ReadyCall& call) { return canRunOnTiles(call, view, view); });
     std::vector<CallOutcome> outcomes;
-    if (!areTiled) {
-        for (const ReadyCall& call : calls)
-            if (!outcomes.emplace_back(apply(picture, call)).ok()) break;
-        return outcomes;
+    while (outcomes.size() < calls.size() && (outcomes.empty() || outcomes.back().ok())) {
+        const std::span<const ReadyCall> left = calls.subspan(outcomes.size());
+        const size_t count = countFusible(left, view);
+        if (count < 2) {
+            outcomes.push_back(apply(picture, left.front()));
+            continue;
+        }
+        const ChainResult made = runFused(engine_, bands_, left.first(count), view, view);
+        for (size_t i = 0; i <= made.number; ++i)
+            outcomes.push_back(outcomeOf(left[i].method, i == made.number ? made.result : CallResult()));
     }
-    const ChainResult made = runOnTiles(engine_, bands_, calls, view, view);
-    for (size_t i = 0; i < std::min(calls.size(), made.failed + 1); ++i)
-        outcomes.push_back(outcomeOf(calls[i].method, i == made.failed ? made.result : CallResult()));
     return outcomes;
 }
 

@@ -6,7 +6,7 @@
 #include "catalogue/Method.h"
 #include "catalogue/Value.h"
 #include "core/Scratch.h"
-#include "look/TiledCalls.h"
+#include "look/FusedCalls.h"
 #include "player/cli/LookFiles.h"
 #include "player/lingo/Session.h"
 

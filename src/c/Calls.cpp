@@ -9,7 +9,7 @@
 #include "catalogue/DirectCall.h"
 #include "look/CallScope.h"
 #include "look/PictureMemory.h"
-#include "look/TiledCalls.h"
+#include "look/FusedCalls.h"
 
 /// Engines, calls and results of the C interface.
 namespace krl::c {
@@ -116,8 +116,8 @@ CallResult run(krl_engine& engine, ReadyCall& call, std::optional<Route>& route)
     if (!route) return runWhole(engine, call, route);
     separate(*route, call);
     const bool isDirect = route->isInPlace() && isNative(route->to);
-    if (isDirect || !canRunOnTiles(call, route->from, route->to)) return runWhole(engine, call, route);
-    return runOnTiles(engine.engine, engine.bands, {&call, 1}, route->from, route->to).result;
+    if (isDirect || !canFuse(call, route->from, route->to)) return runWhole(engine, call, route);
+    return runFused(engine.engine, engine.bands, {&call, 1}, route->from, route->to).result;
 }
 
 /// The entries as a property list, or the list of pictures.

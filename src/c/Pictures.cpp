@@ -8,8 +8,6 @@ namespace krl::c {
 
 namespace {
 
-constexpr ptrdiff_t kPixelBytes = sizeof(Pixel);
-
 bool isSame(const Picture& a, const Picture& b) {
     return isSamePlace(a, b) && a.order == b.order && a.info.width == b.info.width &&
            a.info.height == b.info.height;

@@ -148,6 +148,7 @@ Outcome Call::lockSecondImages() {
         if (!usable || !locks_.emplace_back(caller_, argument.value).held())
             return failure(method_.failedText());
         argument.image.pixels = locks_.back().pixels();
+        argument.image.isRedFirst = caller_.isRedFirst(argument.value);
     }
     return succeeded();
 }

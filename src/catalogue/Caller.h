@@ -49,6 +49,8 @@ public:
 
     // Pictures.
     virtual CallCode describePicture(const ValueHandle& picture, ImageInfo& out) = 0;
+    /// Whether its pixels are RGBA, which methods take for a second picture if they treat every pixel alone.
+    virtual bool isRedFirst(const ValueHandle&) { return false; }
     /// The pixels, at one place until `unlockPicture`.
     virtual CallCode lockPicture(const ValueHandle& picture, uint8_t*& out) = 0;
     virtual CallCode unlockPicture(const ValueHandle& picture) = 0;

@@ -81,6 +81,10 @@ public:
         out = held->info;
         return kCallOk;
     }
+    bool isRedFirst(const ValueHandle& picture) override {
+        const Picture* held = contentOf<Picture>(picture);
+        return held && held->order == PixelOrder::RGBA;
+    }
     CallCode lockPicture(const ValueHandle& picture, uint8_t*& out) override {
         const Picture* held = contentOf<Picture>(picture);
         if (!held) return kWrongKind;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <functional>
-#include <span>
 #include <utility>
 
 #include "core/Numbers.h"
@@ -36,27 +35,42 @@ inline void leftOutWithoutThreads(Status) {}
 
 /// The pixels of band `band`, numbered through the whole block regardless of rows.
 IndexRange pixelBand(const ImageBuffer& image, int32_t threadCount, int32_t band);
+/// The same of the engine's image; without short bands the last one ends with the last pixel of all rows.
+IndexRange pixelBand(const ImageEngine& engine, int32_t bandCount, int32_t band);
 /// The rows, or columns, of band `band` out of `lineCount`.
 IndexRange lineBand(int32_t lineCount, int32_t threadCount, int32_t band);
 
-/// Pixels of a band between two tests for cancellation.
-inline constexpr int32_t kPiecePixels = 1 << 16;
+/// What a pass does to the pixels from `first` up to `last`.
+using SpanWork = std::function<void(Pixel* first, Pixel* last)>;
+/// The same with the pixels at the same places in another image.
+using SpanPairWork = std::function<void(Pixel* first, size_t count, const Pixel* beside)>;
 
-/// Calls `work(first, last)` with the bounds of each band's pixels, piece by piece, after the state tests.
+/// Takes over what passes do to every pixel alone, to run several of them together.
+class SpanTaker {
+public:
+    /// Runs `work` on all pixels before it returns.
+    virtual Status take(const SpanWork& work) = 0;
+
+protected:
+    ~SpanTaker() = default;
+};
+
+/// Calls `work` for each band's pixels, piece by piece, after the state tests.
+Status runSpans(const ImageEngine& engine, const SpanWork& work);
+/// The same with the pixels at the same positions in `other`, which is one contiguous span and never read
+/// past its end; the last bands would exceed it if only the loaded rows are padded. The caller checks the
+/// sizes.
+Status runSpansBeside(const ImageEngine& engine, const SecondImage& other, const SpanPairWork& work);
+
+/// The same on the calling thread alone, for methods whose definition starts no threads.
+Status runSpansHere(const ImageEngine& engine, const SpanWork& work);
+/// The same row by row, without what is between the rows.
+Status runRowsHere(const ImageEngine& engine, const SpanWork& work);
+
+/// Calls `work(first, last)` as `runSpans`.
 template <class Work>
 Status forEachSpan(const ImageEngine& engine, Work&& work) {
-    if (Status state = engine.imageStatus()) return state;
-    const ImageBuffer& image = *engine.buffer();
-    return runBands(engine, engine.getThreadCount(), [&](int32_t band) {
-        IndexRange run = pixelBand(image, engine.getThreadCount(), band);
-        Pixel* pixels = reinterpret_cast<Pixel*>(image.pixels);
-        while (run.first < run.last) {
-            engine.throwIfCancelled();
-            const int32_t end = run.first + std::min(run.last - run.first, kPiecePixels);
-            work(pixels + run.first, pixels + end);
-            run.first = end;
-        }
-    });
+    return runSpans(engine, std::ref(work));
 }
 
 /// Calls `perPixel(Pixel&)` for every pixel, after the state tests.
@@ -67,17 +81,10 @@ Status forEachPixel(const ImageEngine& engine, PerPixel&& perPixel) {
     });
 }
 
-/// Calls `work(Pixel* first, size_t count, const Pixel* beside)` for the pieces of each band and the pixels
-/// at the same positions in `other`. `other` is one contiguous span and never read past its end, which the
-/// last bands would exceed if only the loaded rows are padded. The caller checks the sizes.
+/// Calls `work(first, count, beside)` as `runSpansBeside`.
 template <class Work>
 Status forEachSpanBeside(const ImageEngine& engine, const SecondImage& other, Work&& work) {
-    const std::span<const Pixel> block = other.block();
-    return forEachSpan(engine, [&](Pixel* first, Pixel* last) {
-        const ptrdiff_t start = first - engine.buffer()->row(0);
-        const ptrdiff_t count = std::min(last - first, static_cast<ptrdiff_t>(block.size()) - start);
-        if (count > 0) work(first, static_cast<size_t>(count), block.data() + start);
-    });
+    return runSpansBeside(engine, other, std::ref(work));
 }
 
 /// Calls `perPair(Pixel&, const Pixel&)` for every pixel that has a counterpart at the same position in

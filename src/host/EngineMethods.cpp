@@ -35,6 +35,7 @@ Outcome createLookupTables(HostCall& call) {
     engine->buildTables();
     engine->configureExecution(!threaded);
     engine->requireThreads(true);
+    engine->keepShortBands(true);
     engine->keepScratch(false);  // the host's process may have little room
     call.instance().engine = engine.release();
     return {nullptr, unread};

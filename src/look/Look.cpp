@@ -6,8 +6,8 @@
 #include "catalogue/Catalogue.h"
 #include "catalogue/Letters.h"
 #include "look/CallScope.h"
+#include "look/FusedCalls.h"
 #include "look/PictureMemory.h"
-#include "look/TiledCalls.h"
 
 namespace krl {
 
@@ -84,8 +84,8 @@ public:
 
     /// Throws `LookError` for this call or one that waited.
     void add(int32_t line, ReadyCall call) {
-        const bool canWait = canRunOnTiles(call, now_, native_);
-        if (!canWait) runThose(native_);
+        const bool canWait = canFuse(call, now_, native_);
+        if (!canWait || calls_.size() == kMostFused) runThose(native_);
         lines_.push_back(line);
         calls_.push_back(std::move(call));
         if (!canWait) runWhole();
@@ -105,7 +105,7 @@ private:
     void runThose(const Picture& target) {
         if (calls_.empty()) return;
         if (calls_.size() == 1 && isIn(now_, native_)) return runWhole();
-        settle(runOnTiles(engine_, bands_, calls_, now_, target));
+        settle(runFused(engine_, bands_, calls_, now_, target));
         now_ = target;
     }
 
@@ -131,8 +131,8 @@ private:
 
     void settle(const ChainResult& made) {
         if (!made.result.ok())
-            throw LookError(lines_[made.failed],
-                            calls_[made.failed].method.shortName() + ": " + made.result.error)
+            throw LookError(lines_[made.number],
+                            calls_[made.number].method.shortName() + ": " + made.result.error)
                 .causedBy(made.result);
         lines_.clear();
         calls_.clear();

@@ -2,13 +2,11 @@
 
 #include <cstring>
 
-#include "kernels/colour/ChannelOrder.h"
+#include "core/ChannelOrder.h"
 
 namespace krl {
 
 namespace {
-
-constexpr ptrdiff_t kPixelBytes = sizeof(Pixel);
 
 ptrdiff_t rowPixelBytes(const Picture& picture) { return picture.info.width * kPixelBytes; }
 
@@ -19,13 +17,6 @@ uint8_t* rowOf(const Picture& picture, int32_t y) {
 /// The first byte after the last pixel.
 uintptr_t endOf(const Picture& picture) {
     return reinterpret_cast<uintptr_t>(rowOf(picture, picture.info.height - 1) + rowPixelBytes(picture));
-}
-
-void copySpan(const uint8_t* from, uint8_t* to, size_t count, bool isReordered) {
-    if (isReordered)
-        exchangeRedAndBlue(from, to, count);
-    else if (from != to)
-        std::memcpy(to, from, count * sizeof(Pixel));
 }
 
 }  // namespace
@@ -43,14 +34,11 @@ bool sharesMemory(const Picture& a, const Picture& b) {
            reinterpret_cast<uintptr_t>(b.pixels) < endOf(a);
 }
 
-Picture partOf(const Picture& picture, const Tile& tile) {
-    Picture part = picture;
-    part.pixels = rowOf(picture, tile.y) + tile.x * kPixelBytes;
-    part.info.width = tile.width;
-    part.info.height = tile.height;
-    // The distance between the rows of a single one is nobody's.
-    if (tile.height == 1) part.info.rowBytes = static_cast<int32_t>(rowPixelBytes(part));
-    return part;
+void copySpan(const uint8_t* from, uint8_t* to, size_t count, bool isReordered) {
+    if (isReordered)
+        exchangeRedAndBlue(from, to, count);
+    else if (from != to)
+        std::memcpy(to, from, count * sizeof(Pixel));
 }
 
 void copyPixels(const Picture& from, const Picture& to) {

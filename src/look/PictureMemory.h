@@ -5,10 +5,8 @@
 /// Pictures as memory: copies, parts, and what two of them share.
 namespace krl {
 
-/// Part of a picture.
-struct Tile {
-    int32_t x = 0, y = 0, width = 0, height = 0;
-};
+/// Bytes of a pixel.
+inline constexpr ptrdiff_t kPixelBytes = sizeof(Pixel);
 
 /// Whether methods take the picture as it is: BGRA without padding.
 bool isNative(const Picture& picture);
@@ -19,8 +17,9 @@ bool isSamePlace(const Picture& a, const Picture& b);
 /// Whether a byte belongs to the rows of both.
 bool sharesMemory(const Picture& a, const Picture& b);
 
-/// The part of the picture, in its memory.
-Picture partOf(const Picture& picture, const Tile& tile);
+/// Copies `count` pixels, with red and blue exchanged if they are to be reordered. `to` is `from`, or they
+/// share no memory.
+void copySpan(const uint8_t* from, uint8_t* to, size_t count, bool isReordered);
 
 /// Writes the pixels of `from` to `to`, of the same size, in the order of `to`. Both have the same place or
 /// share no memory; where nothing changes, nothing is written. What is between the rows of `to` stays.

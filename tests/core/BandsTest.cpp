@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <climits>
 #include <cmath>
@@ -64,6 +65,26 @@ TEST(PixelBands, ComeOutShortWhereSinglePrecisionRoundsTheQuotientDown) {
     EXPECT_EQ(ceilingShare(beyond, 1), 1 << 24);
     EXPECT_EQ(ceilingShare(beyond + 2, 1), beyond + 3);  // rounded up: the block's end clips it
     EXPECT_EQ(ceilingShare(beyond, 2), 1 << 23);         // the half is lost, and the last pixel with it
+}
+
+/// One pixel more than single precision can count.
+TEST(PixelBands, ReachTheLastPixelUnlessShortBandsAreKept) {
+    std::vector<Pixel> pixels(97 * 257 * 673);
+    ASSERT_EQ(pixels.size(), (1u << 24) + 1);
+    ImageEngine engine;
+    const ImageInfo info{673, 97 * 257, 673 * 4, 0, 0, 0};
+    engine.load(firstByte(pixels.data()), info);
+    for (const int32_t bands : {1, 2, 3})
+        for (const bool isKept : {false, true}) {
+            std::fill(pixels.begin(), pixels.end(), Pixel{});
+            engine.setThreadCount(bands);
+            engine.keepShortBands(isKept);
+            EXPECT_EQ(forEachPixel(engine, [](Pixel& p) { ++p.blue; }), kStatusOk);
+            const auto untouched = std::count(pixels.begin(), pixels.end(), Pixel{});
+            EXPECT_EQ(untouched, isKept && bands < 3 ? 1 : 0) << bands;
+            EXPECT_EQ(std::count(pixels.begin(), pixels.end(), Pixel{1, 0, 0, 0}) + untouched,
+                      ptrdiff_t(pixels.size()));
+        }
 }
 
 TEST(PixelBands, StopAtTheEndOfTheBlockWhenRowsArePadded) {

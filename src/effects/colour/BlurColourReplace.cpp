@@ -11,10 +11,8 @@ Status blurColourReplace(ImageEngine& engine, Colour colour) {
         const auto share = static_cast<float>(level / 255.0);
         return byteCurve([=](int32_t i) { return truncatedByte(share * (i / 255.0) * 255.0); });
     };
-    const ImageBuffer& image = *engine.buffer();
-    applyCurves(image.row(0), image.row(0) + image.bytes() / sizeof(Pixel),
-                {scaledBy(colour.blue()), scaledBy(colour.green()), scaledBy(colour.red())});
-    return kStatusOk;
+    const ColourCurves curves = {scaledBy(colour.blue()), scaledBy(colour.green()), scaledBy(colour.red())};
+    return runSpansHere(engine, [&](Pixel* first, Pixel* last) { applyCurves(first, last, curves); });
 }
 
 void describeBlurColourReplace(Catalogue& catalogue) {

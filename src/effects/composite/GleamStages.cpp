@@ -49,7 +49,7 @@ GleamStages::GleamStages(const ImageEngine& engine, const SecondImage& foregroun
 
 Status GleamStages::extractLight(Scratch<Pixel>& light) const {
     const ByteCurve levels = byteCurve(LevelsStretch(look_.black, look_.white));
-    std::fill(light.begin() + pixelsBeside(*engine_.buffer(), foreground_), light.end(), Pixel{0, 0, 0, 0});
+    std::fill(light.begin() + pixelsBeside(engine_, foreground_), light.end(), Pixel{0, 0, 0, 0});
     return forEachSpanBeside(engine_, foreground_, [&](Pixel* pixels, size_t count, const Pixel* front) {
         Pixel* out = light.data() + (pixels - engine_.buffer()->row(0));
         forEachBatch(count, [&](size_t start, size_t size) {

@@ -27,7 +27,7 @@ KRL_STREAM_LEVELS void copyOpenings(Pixel* __restrict out, const Pixel* __restri
 Status copyWithHoles(const ImageEngine& engine, const SecondImage& background, Scratch<Pixel>& light) {
     const ImageBuffer& image = *engine.buffer();
     const std::span<const Pixel> block(image.row(0), image.bytes() / sizeof(Pixel));
-    const ptrdiff_t beyond = pixelsBeside(image, background);
+    const ptrdiff_t beyond = pixelsBeside(engine, background);
     std::copy(block.begin() + beyond, block.end(), light.begin() + beyond);
     return forEachSpanBeside(engine, background, [&](Pixel* pixels, size_t count, const Pixel* beside) {
         copyOpenings(light.data() + (pixels - image.row(0)), pixels, beside, count);

@@ -71,7 +71,7 @@ Status noise(ImageEngine& engine, float varience, int32_t seed, ChannelTarget ta
                                                       : noiseAlpha;
     const int32_t bands = engine.getThreadCount();
     return runBands(engine, bands, [&](int32_t band) {
-        const IndexRange share = pixelBand(*engine.buffer(), bands, band);
+        const IndexRange share = pixelBand(engine, bands, band);
         if (share.first >= share.last) return;
         // A band reads one draw for each pixel of a sequence that has one for each byte.
         Random random(seed);

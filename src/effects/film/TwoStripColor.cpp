@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "catalogue/Catalogue.h"
+#include "core/Bands.h"
 #include "core/Numbers.h"
 #include "effects/film/PairTable.h"
 #include "krlimage/film.h"
@@ -26,16 +27,13 @@ PairTable magentaPrint() {
 /// Leaves the green channel, and black in the others. The three numbers change nothing.
 Status twoStripColor(ImageEngine& engine, int32_t, int32_t, int32_t) {
     if (Status state = engine.imageStatus()) return state;
-    const ImageBuffer& image = *engine.buffer();
     const PairTable print = magentaPrint();
-    for (int32_t y = 0; y < image.height; ++y) {
-        Pixel* row = image.row(y);
-        for (Pixel* p = row; p != row + image.width; ++p) {
+    return runRowsHere(engine, [&](Pixel* first, Pixel* last) {
+        for (Pixel* p = first; p != last; ++p) {
             const uint8_t brightest = std::max({p->blue, p->green, p->red});
             *p = {0, print(brightest, p->green), 0, p->alpha};
         }
-    }
-    return kStatusOk;
+    });
 }
 
 void describeTwoStripColor(Catalogue& catalogue) {

@@ -14,7 +14,7 @@ Status measureBands(const ImageEngine& engine, std::vector<Finding>& findings, M
     const int32_t bandCount = engine.getThreadCount();
     findings.resize(size_t(bandCount));
     return runBands(engine, bandCount, [&](int32_t band) {
-        const IndexRange run = pixelBand(*engine.buffer(), bandCount, band);
+        const IndexRange run = pixelBand(engine, bandCount, band);
         Pixel* const pixels = engine.buffer()->row(0);
         if (run.first < run.last) findings[size_t(band)] = measure(pixels + run.first, pixels + run.last);
     });

@@ -1,3 +1,4 @@
+#include "core/Bands.h"
 #include "effects/key/ComponentKey.h"
 #include "effects/key/ExtremesTable.h"
 #include "kernels/matte/KeyMatte.h"
@@ -12,11 +13,11 @@ Status saturationKey(ImageEngine& engine, Colour pColor, float dynamicRange, int
     const UnitRamp ramp(hsvOf(engine.tables(), pColor).saturation, dynamicRange, black, white);
     const ExtremesTable table(engine.tables(),
                               [&](const Hsv& colour) { return ramp.matte(colour.saturation); });
-    Pixel* const first = engine.buffer()->row(0);
-    keySpan(
-        first, first + engine.buffer()->bytes() / sizeof(Pixel), keep, invert,
-        [&](const Pixel* pixels, size_t count, uint8_t* mattes) { table.mattesOf(pixels, count, mattes); });
-    return kStatusOk;
+    return runSpansHere(engine, [&](Pixel* first, Pixel* last) {
+        keySpan(first, last, keep, invert, [&](const Pixel* pixels, size_t count, uint8_t* mattes) {
+            table.mattesOf(pixels, count, mattes);
+        });
+    });
 }
 
 void describeSaturationKey(Catalogue& catalogue) {

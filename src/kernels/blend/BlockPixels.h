@@ -14,8 +14,8 @@ inline size_t blockPixels(const ImageBuffer& image) {
 }
 
 /// Pixels at the beginning of the loaded image's block that `forEachSpanBeside` pairs with those of `other`.
-inline ptrdiff_t pixelsBeside(const ImageBuffer& image, const SecondImage& other) {
-    const ptrdiff_t loaded = pixelBand(image, 1, 0).last;
+inline ptrdiff_t pixelsBeside(const ImageEngine& engine, const SecondImage& other) {
+    const ptrdiff_t loaded = pixelBand(engine, 1, 0).last;
     return std::clamp<ptrdiff_t>(loaded, 0, static_cast<ptrdiff_t>(other.block().size()));
 }
 

@@ -1,4 +1,4 @@
-#include "kernels/colour/ChannelOrder.h"
+#include "core/ChannelOrder.h"
 
 #include <bit>
 #include <cstring>

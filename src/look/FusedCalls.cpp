@@ -1,0 +1,116 @@
+#include "look/FusedCalls.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "core/Bands.h"
+#include "look/PictureMemory.h"
+
+namespace krl {
+
+namespace {
+
+bool hasSizeOf(const Picture& picture, const Picture& other) {
+    return picture.info.width == other.info.width && picture.info.height == other.info.height;
+}
+
+bool holdsPictures(const Value& value) {
+    if (const auto* list = value.as<ListValue>())
+        return std::any_of(list->begin(), list->end(), holdsPictures);
+    if (const auto* properties = value.as<PropertyListValue>())
+        return std::any_of(properties->begin(), properties->end(),
+                           [](const auto& entry) { return holdsPictures(entry.second); });
+    return value.as<Picture>();
+}
+
+/// Each method prepares itself and hands its pass over; the next one is called from there, while the tables
+/// of those before still exist. The last one's pass then runs them all.
+class Fusion final : public SpanTaker {
+public:
+    Fusion(ImageEngine& engine, std::span<const ReadyCall> calls, const Picture& from, const Picture& to)
+        : engine_(engine), calls_(calls), from_(from), to_(to) {
+        passes_.reserve(calls.size());
+    }
+
+    ~Fusion() { engine_.handSpansTo(nullptr); }
+    Fusion(const Fusion&) = delete;
+    Fusion& operator=(const Fusion&) = delete;
+
+    ChainResult run() {
+        const LoadedPicture loaded(engine_, to_);
+        engine_.handSpansTo(this);
+        goOn();
+        return std::move(made_);
+    }
+
+    Status take(const SpanWork& work) override {
+        if (isOver_) throw std::logic_error("a method that treats every pixel alone makes a second pass");
+        passes_.push_back(&work);
+        goOn();
+        return status_;
+    }
+
+private:
+    /// Makes the calls that are left, and runs the passes of all.
+    void goOn() {
+        if (next_ == calls_.size()) return runPasses();
+        const size_t number = next_++, before = passes_.size();
+        CallResult result = callMethod(calls_[number].method, engine_, calls_[number].arguments);
+        const bool isFailure = !result.ok(), hasHandedOver = passes_.size() > before;
+        if (made_.result.ok() && (isFailure || number + 1 == calls_.size()))
+            made_ = {std::move(result), number};
+        isOver_ |= isFailure;
+        if (!isFailure && !hasHandedOver) goOn();  // it had nothing to do
+    }
+
+    void runPasses() {
+        isOver_ = true;
+        engine_.handSpansTo(nullptr);
+        const Pixel* const start = engine_.buffer()->row(0);
+        const uint8_t* const source = from_.pixels;
+        status_ = forEachSpan(engine_, [&](Pixel* first, Pixel* last) {
+            const auto count = static_cast<size_t>(last - first);
+            uint8_t* const piece = firstByte(first);
+            copySpan(source + (first - start) * kPixelBytes, piece, count, from_.order == PixelOrder::RGBA);
+            for (const SpanWork* pass : passes_) (*pass)(first, last);
+            if (to_.order == PixelOrder::RGBA) copySpan(piece, piece, count, true);
+        });
+        engine_.handSpansTo(this);
+    }
+
+    ImageEngine& engine_;
+    const std::span<const ReadyCall> calls_;
+    const Picture &from_, &to_;
+    size_t next_ = 0;
+    bool isOver_ = false;  ///< the passes have run, or never will
+    std::vector<const SpanWork*> passes_;
+    Status status_ = kStatusOk;
+    ChainResult made_;
+};
+
+}  // namespace
+
+bool canFuse(const ReadyCall& call, const Picture& from, const Picture& to) {
+    if (!call.method.isPerPixel() || !call.extent.isWhole()) return false;
+    if (!isTight(from) || !isTight(to) || (!isSamePlace(from, to) && sharesMemory(from, to))) return false;
+    return std::all_of(call.arguments.begin(), call.arguments.end(), [&](const Value& argument) {
+        const auto* picture = argument.as<Picture>();
+        if (!picture) return !holdsPictures(argument);
+        return isTight(*picture) && hasSizeOf(*picture, from) && !sharesMemory(*picture, to);
+    });
+}
+
+ChainResult runFused(ImageEngine& engine, int32_t bands, std::span<const ReadyCall> calls,
+                     const Picture& from, const Picture& to) {
+    chooseBands(engine, calls.front().method, bands);
+    try {
+        return Fusion(engine, calls, from, to).run();
+    } catch (const Cancelled& cancelled) {
+        ChainResult ended;
+        ended.result.error = cancelled.what();
+        ended.result.code = kCallCancelled;
+        return ended;
+    }
+}
+
+}  // namespace krl
