@@ -143,24 +143,24 @@ Status runBands(const ImageEngine& engine, int32_t bandCount, const std::functio
     return runBands(engine, engine.requiresThreads(), bandCount, work);
 }
 
-Status runSpans(const ImageEngine& engine, const SpanWork& work) {
+Status runSpans(const ImageEngine& engine, const SpanWork& work, const ChannelCurves* curves) {
     if (Status state = engine.imageStatus()) return state;
-    if (SpanTaker* const taker = engine.spanTaker()) return taker->take(work);
+    if (SpanTaker* const taker = engine.spanTaker()) return taker->take(work, curves);
     return runBands(engine, engine.getThreadCount(), [&](int32_t band) {
         runPieces(engine, pixelBand(engine, engine.getThreadCount(), band), work);
     });
 }
 
-Status runSpansHere(const ImageEngine& engine, const SpanWork& work) {
+Status runSpansHere(const ImageEngine& engine, const SpanWork& work, const ChannelCurves* curves) {
     if (Status state = engine.imageStatus()) return state;
-    if (SpanTaker* const taker = engine.spanTaker()) return taker->take(work);
+    if (SpanTaker* const taker = engine.spanTaker()) return taker->take(work, curves);
     runPieces(engine, {0, static_cast<int32_t>(engine.buffer()->bytes() / sizeof(Pixel))}, work);
     return kStatusOk;
 }
 
 Status runRowsHere(const ImageEngine& engine, const SpanWork& work) {
     if (Status state = engine.imageStatus()) return state;
-    if (SpanTaker* const taker = engine.spanTaker()) return taker->take(work);
+    if (SpanTaker* const taker = engine.spanTaker()) return taker->take(work, nullptr);
     const ImageBuffer& image = *engine.buffer();
     for (int32_t y = 0; y < image.height; ++y) {
         engine.throwIfCancelled();

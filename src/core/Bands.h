@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/Numbers.h"
+#include "core/SpanTaker.h"
 #include "krlimage/engine.h"
 
 /// Distribution of an effect's work over threads: the image is divided into `threadCount` bands. The last
@@ -40,30 +41,19 @@ IndexRange pixelBand(const ImageEngine& engine, int32_t bandCount, int32_t band)
 /// The rows, or columns, of band `band` out of `lineCount`.
 IndexRange lineBand(int32_t lineCount, int32_t threadCount, int32_t band);
 
-/// What a pass does to the pixels from `first` up to `last`.
-using SpanWork = std::function<void(Pixel* first, Pixel* last)>;
-/// The same with the pixels at the same places in another image.
+/// What a pass does to `count` pixels beside those at the same places in another image.
 using SpanPairWork = std::function<void(Pixel* first, size_t count, const Pixel* beside)>;
 
-/// Takes over what passes do to every pixel alone, to run several of them together.
-class SpanTaker {
-public:
-    /// Runs `work` on all pixels before it returns.
-    virtual Status take(const SpanWork& work) = 0;
-
-protected:
-    ~SpanTaker() = default;
-};
-
-/// Calls `work` for each band's pixels, piece by piece, after the state tests.
-Status runSpans(const ImageEngine& engine, const SpanWork& work);
+/// Calls `work` for each band's pixels, piece by piece, after the state tests. `curves` says what `work` does
+/// if it is nothing else.
+Status runSpans(const ImageEngine& engine, const SpanWork& work, const ChannelCurves* curves = nullptr);
 /// The same with the pixels at the same positions in `other`, which is one contiguous span and never read
 /// past its end; the last bands would exceed it if only the loaded rows are padded. The caller checks the
 /// sizes.
 Status runSpansBeside(const ImageEngine& engine, const SecondImage& other, const SpanPairWork& work);
 
 /// The same on the calling thread alone, for methods whose definition starts no threads.
-Status runSpansHere(const ImageEngine& engine, const SpanWork& work);
+Status runSpansHere(const ImageEngine& engine, const SpanWork& work, const ChannelCurves* curves = nullptr);
 /// The same row by row, without what is between the rows.
 Status runRowsHere(const ImageEngine& engine, const SpanWork& work);
 

@@ -1,9 +1,11 @@
 #include "look/FusedCalls.h"
 
 #include <algorithm>
+#include <optional>
 #include <stdexcept>
 
 #include "core/Bands.h"
+#include "kernels/curve/PixelCurves.h"
 #include "look/PictureMemory.h"
 
 namespace krl {
@@ -43,20 +45,40 @@ public:
         return std::move(made_);
     }
 
-    Status take(const SpanWork& work) override {
+    Status take(const SpanWork& work, const ChannelCurves* curves) override {
         if (isOver_) throw std::logic_error("a method that treats every pixel alone makes a second pass");
-        passes_.push_back(&work);
+        ++handedOver_;
+        if (curves && !passes_.empty() && passes_.back().curves) {
+            passes_.back().curves->append(*curves);
+            passes_.back().work = nullptr;
+        } else {
+            passes_.push_back({&work, std::nullopt});
+            if (curves) passes_.back().curves.emplace().append(*curves);
+        }
         goOn();
         return status_;
     }
 
 private:
+    /// What a method does to a piece, or the curves of several methods after one another.
+    struct Pass {
+        const SpanWork* work;
+        std::optional<PixelCurves> curves;
+
+        void run(Pixel* first, Pixel* last) const {
+            if (work)
+                (*work)(first, last);
+            else
+                curves->apply(first, last);
+        }
+    };
+
     /// Makes the calls that are left, and runs the passes of all.
     void goOn() {
         if (next_ == calls_.size()) return runPasses();
-        const size_t number = next_++, before = passes_.size();
+        const size_t number = next_++, before = handedOver_;
         CallResult result = callMethod(calls_[number].method, engine_, calls_[number].arguments);
-        const bool isFailure = !result.ok(), hasHandedOver = passes_.size() > before;
+        const bool isFailure = !result.ok(), hasHandedOver = handedOver_ > before;
         if (made_.result.ok() && (isFailure || number + 1 == calls_.size()))
             made_ = {std::move(result), number};
         isOver_ |= isFailure;
@@ -72,7 +94,7 @@ private:
             const auto count = static_cast<size_t>(last - first);
             uint8_t* const piece = firstByte(first);
             copySpan(source + (first - start) * kPixelBytes, piece, count, from_.order == PixelOrder::RGBA);
-            for (const SpanWork* pass : passes_) (*pass)(first, last);
+            for (const Pass& pass : passes_) pass.run(first, last);
             if (to_.order == PixelOrder::RGBA) copySpan(piece, piece, count, true);
         });
         engine_.handSpansTo(this);
@@ -82,8 +104,9 @@ private:
     const std::span<const ReadyCall> calls_;
     const Picture &from_, &to_;
     size_t next_ = 0;
-    bool isOver_ = false;  ///< the passes have run, or never will
-    std::vector<const SpanWork*> passes_;
+    bool isOver_ = false;    ///< the passes have run, or never will
+    size_t handedOver_ = 0;  ///< passes
+    std::vector<Pass> passes_;
     Status status_ = kStatusOk;
     ChainResult made_;
 };

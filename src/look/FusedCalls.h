@@ -7,8 +7,8 @@
 #include "look/Extent.h"
 
 /// Calls that treat every pixel alone, run together piece by piece: the picture is read and written once,
-/// whatever the number of calls, its order, and where the result goes. The bytes are those of the calls one
-/// after another on the whole picture.
+/// whatever the number of calls, its order, and where the result goes; curves become one. The bytes are those
+/// of the calls one after another on the whole picture.
 namespace krl {
 
 /// A call with everything in the place where it takes effect.

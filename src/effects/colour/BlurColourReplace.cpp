@@ -12,7 +12,9 @@ Status blurColourReplace(ImageEngine& engine, Colour colour) {
         return byteCurve([=](int32_t i) { return truncatedByte(share * (i / 255.0) * 255.0); });
     };
     const ColourCurves curves = {scaledBy(colour.blue()), scaledBy(colour.green()), scaledBy(colour.red())};
-    return runSpansHere(engine, [&](Pixel* first, Pixel* last) { applyCurves(first, last, curves); });
+    const ChannelCurves channels = curves.byChannel();
+    return runSpansHere(
+        engine, [&](Pixel* first, Pixel* last) { applyCurves(first, last, curves); }, &channels);
 }
 
 void describeBlurColourReplace(Catalogue& catalogue) {

@@ -17,7 +17,9 @@ void applyCurves(Pixel* first, Pixel* last, const ColourCurves& curves) {
 }
 
 Status applyCurves(ImageEngine& engine, const ColourCurves& curves) {
-    return forEachSpan(engine, [&](Pixel* first, Pixel* last) { applyCurves(first, last, curves); });
+    const ChannelCurves channels = curves.byChannel();
+    return runSpans(
+        engine, [&](Pixel* first, Pixel* last) { applyCurves(first, last, curves); }, &channels);
 }
 
 Status shiftSaturated(ImageEngine& engine, Pixel step, bool subtract) {

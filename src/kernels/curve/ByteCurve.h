@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 #include "core/Bands.h"
 #include "core/Numbers.h"
@@ -15,6 +16,8 @@ namespace krl {
 /// One curve for each colour byte, in the order of the bytes.
 struct ColourCurves {
     ByteCurve blue, green, red;
+
+    ChannelCurves byChannel() const { return {&blue, &green, &red, nullptr}; }
 };
 
 /// The curve of `entry(i)`, of which the low byte is kept, for `i` from 0 to 255.
@@ -35,8 +38,10 @@ void applyCurveTo(Pixel* first, Pixel* last, const ByteCurve& curve) {
 /// The same over the loaded image, in bands.
 template <size_t... channel>
 Status applyCurveTo(ImageEngine& engine, const ByteCurve& curve) {
-    return forEachSpan(engine,
-                       [&](Pixel* first, Pixel* last) { applyCurveTo<channel...>(first, last, curve); });
+    ChannelCurves curves{};
+    ((curves[channel] = &curve), ...);
+    const auto apply = [&](Pixel* first, Pixel* last) { applyCurveTo<channel...>(first, last, curve); };
+    return runSpans(engine, std::ref(apply), &curves);
 }
 
 /// Sends the bytes of `target` through `curve`: the three colour bytes, or alpha alone.

@@ -1,14 +1,11 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 
+#include "core/SpanTaker.h"
 #include "krlimage/pixel.h"
 
 namespace krl {
-
-/// What each byte becomes.
-using ByteCurve = std::array<uint8_t, 256>;
 
 /// A curve and the channels that go through it: bit 0 blue to bit 3 alpha.
 struct ChannelCurve {
