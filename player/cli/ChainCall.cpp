@@ -175,13 +175,17 @@ Extent ChainCall::extent(int32_t width, int32_t height) const {
     }
 }
 
-Placement ChainCall::placement(int32_t width, int32_t height) const {
-    Placement placement;
-    if (!hasPlacement_) return placement;
-    for (const CallNotation::Argument& argument : notation(width, height).arguments)
-        if (isOfPlacement(*method_, argument.name))
-            setPlacement(placement, *method_, argument.name, argument.value);
-    return placement;
+std::optional<Placement> ChainCall::placement(int32_t width, int32_t height) const {
+    if (!hasPlacement_) return std::nullopt;
+    const CallNotation call = notation(width, height);
+    std::vector<GivenArgument> given;
+    for (const CallNotation::Argument& argument : call.arguments)
+        given.push_back({argument.name, &argument.value});
+    try {
+        return takePlacement(*method_, given);
+    } catch (const ArgumentError& error) {
+        throw CommandError(error.what());
+    }
 }
 
 const krl::Value& ChainCall::given(size_t index) const {
@@ -197,9 +201,9 @@ std::vector<krl::Value> ChainCall::arguments(int32_t width, int32_t height) cons
             all[i] = standInFor(*method_, method_->arguments()[i], {width, height, {}});
         else if (isMeasure(relative[i]))
             all[i] = relative[i];
-        else if (const auto* second = all[i].as<krl::Picture>(); second && hasPlacement_)
-            all[i] = placed(*second, placement(width, height), width, height);
     }
+    if (const std::optional<Placement> where = placement(width, height))
+        placePictures(*method_, *where, width, height, all);
     return all;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -8,7 +9,7 @@
 #include "catalogue/Method.h"
 #include "catalogue/Value.h"
 #include "look/Extent.h"
-#include "player/cli/Placement.h"
+#include "look/Placement.h"
 #include "player/lingo/Session.h"
 
 namespace krl::player {
@@ -50,7 +51,7 @@ public:
 private:
     void take(const WrittenCall& call);
     CallNotation notation(int32_t width, int32_t height) const;
-    Placement placement(int32_t width, int32_t height) const;
+    std::optional<Placement> placement(int32_t width, int32_t height) const;
     /// The arguments of a relative call in signature order, as they are for a picture of this size; nothing
     /// for omitted arguments.
     std::vector<krl::Value> relativeValues(int32_t width, int32_t height) const;

@@ -8,8 +8,9 @@
 #include "catalogue/Catalogue.h"
 #include "catalogue/DirectCall.h"
 #include "look/CallScope.h"
-#include "look/PictureMemory.h"
 #include "look/FusedCalls.h"
+#include "look/PictureMemory.h"
+#include "look/Placement.h"
 
 /// Engines, calls and results of the C interface.
 namespace krl::c {
@@ -154,6 +155,7 @@ void call(krl_engine* engine, const krl_picture* from, const krl_picture* to, Wr
     const Method& method = methodNamed(written.name);
     std::optional<Route> route = routeOf(method, from, to);
     Extent extent = takeExtent(method, written.given);
+    const std::optional<Placement> placement = takePlacement(method, written.given);
     ExampleSetting setting;
     if (route) setting = {route->to.info.width, route->to.info.height, {}};
     ReadyCall ready{method, std::move(extent), arrangeArguments(method, written.given, setting)};
@@ -164,6 +166,8 @@ void call(krl_engine* engine, const krl_picture* from, const krl_picture* to, Wr
         result.error = callMethod(method, engine->engine, ready.arguments).error;
         throw;
     }
+    if (placement && route)
+        placePictures(method, *placement, route->to.info.width, route->to.info.height, ready.arguments);
     const PixelOrder order = route ? route->to.order : PixelOrder::BGRA;
     finish(result, method, order, run(*engine, ready, route));
 }

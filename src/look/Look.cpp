@@ -8,6 +8,7 @@
 #include "look/CallScope.h"
 #include "look/FusedCalls.h"
 #include "look/PictureMemory.h"
+#include "look/Placement.h"
 
 namespace krl {
 
@@ -59,7 +60,9 @@ ReadyCall readyCall(const CallNotation& call, int32_t width, int32_t height) {
     for (const CallNotation::Argument& argument : call.arguments)
         given.push_back({argument.name, &argument.value});
     Extent extent = takeExtent(method, given);
+    const std::optional<Placement> placement = takePlacement(method, given);
     ReadyCall ready{method, std::move(extent), arrangeArguments(method, given, {width, height, {}})};
+    if (placement) placePictures(method, *placement, width, height, ready.arguments);
     checkArguments(method, ready.arguments);
     return ready;
 }

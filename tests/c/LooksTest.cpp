@@ -124,6 +124,22 @@ TEST_F(Looks, TakeNullsForErrors) {
     krl_look_free(nullptr);
 }
 
+/// In whatever form the pictures are.
+TEST_F(Looks, PutSecondPicturesInTheirPlaceWithSingleCalls) {
+    const LookPointer look = lookOf("composite(image(\"over\"), #normal, fit: #cover, scale: 0.5)");
+    Canvas a(20, 10), b(20, 10, KRL_BGRA, 12), over(6, 4, KRL_RGBA, 3, 8);
+    ASSERT_EQ(krl_look_set_picture(look.get(), "over", &over.picture()), KRL_OK);
+    ASSERT_EQ(apply(look.get(), a), KRL_OK) << message();
+    for (int32_t y = 0; y < 10; ++y) std::memcpy(b.row(y), Canvas(20, 10).row(y), 80);
+    const ValuePointer second(krl_picture_value(&over.picture())), half(krl_real(0.5)),
+        mode(krl_symbol("normal")), fit(krl_symbol("cover"));
+    const krl_argument arguments[] = {
+        {nullptr, second.get()}, {nullptr, mode.get()}, {"fit", fit.get()}, {"scale", half.get()}};
+    ASSERT_EQ(krl_call(engine_.get(), &b.picture(), "composite", arguments, 4, nullptr), KRL_OK);
+    for (int32_t y = 0; y < 10; ++y) EXPECT_EQ(std::memcmp(a.row(y), b.row(y), 80), 0) << y;
+    EXPECT_NE(a.bytes(), Canvas(20, 10).bytes());
+}
+
 TEST_F(Looks, ShareWhereAndHowMuchWithSingleCalls) {
     Canvas a(20, 10), b(20, 10);
     const LookPointer look = lookOf("invert(#RGB, region: rect(10%, 10%, 90%, 90%), feather: 2, mix: 0.7)");

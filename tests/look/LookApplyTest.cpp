@@ -1,21 +1,15 @@
 #include <gtest/gtest.h>
 
 #include "catalogue/Catalogue.h"
-#include "core/Random.h"
 #include "look/Extent.h"
 #include "look/Look.h"
+#include "look/NoisePicture.h"
 #include "look/PictureMemory.h"
 
 namespace krl {
 namespace {
 
-Picture noise(int32_t width, int32_t height, int32_t seed = 3) {
-    Picture picture = Picture::blank(width, height);
-    Random random(seed);
-    for (int32_t i = 0; i < picture.info.rowBytes * height; ++i)
-        picture.pixels[i] = static_cast<uint8_t>(random.next() >> 5);
-    return picture;
-}
+using test::noise;
 
 std::string bytesOf(const Picture& picture) {
     return {reinterpret_cast<const char*>(picture.pixels),

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "catalogue/Value.h"
+#include "core/Random.h"
+
+namespace krl::test {
+
+/// A picture of random bytes.
+inline Picture noise(int32_t width, int32_t height, int32_t seed = 3) {
+    Picture picture = Picture::blank(width, height);
+    Random random(seed);
+    for (int32_t i = 0; i < picture.info.rowBytes * height; ++i)
+        picture.pixels[i] = static_cast<uint8_t>(random.next() >> 5);
+    return picture;
+}
+
+}  // namespace krl::test
