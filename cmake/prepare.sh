@@ -1,7 +1,7 @@
 # Shared by ./run and ./test: installs missing packages, configures a preset and builds it.
 # Silent unless something takes long or fails; on a terminal, builds show how far they are.
 
-build_packages=(cmake ninja-build g++ pkg-config libvips-dev libcli11-dev nlohmann-json3-dev libxxhash-dev)
+build_packages=(cmake ninja-build g++ pkg-config libvips-dev libpng-dev libjpeg-dev libcli11-dev nlohmann-json3-dev libxxhash-dev)
 test_packages=(libgtest-dev)
 build_options=()  # added to those of a preset
 

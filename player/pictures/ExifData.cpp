@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <optional>
 
 namespace krl::player {
 
@@ -10,6 +9,10 @@ namespace {
 
 constexpr size_t kEntryBytes = 12;
 constexpr uint32_t kOrientation = 0x0112, kThumbnailOffset = 0x0201, kThumbnailBytes = 0x0202;
+constexpr uint32_t kXResolution = 0x011A, kYResolution = 0x011B, kResolutionUnit = 0x0128;
+constexpr uint32_t kCameraDirectory = 0x8769, kPixelsAcross = 0xA002, kPixelsDown = 0xA003;
+constexpr uint32_t kLong = 4;  // the type of numbers of 32 bits
+constexpr double kMillimetresPerInch = 25.4, kMillimetresPerCentimetre = 10;
 
 /// Numbers in the body of EXIF data, whose offsets count from its byte order mark. Beyond the end they are 0.
 class ExifBody {
@@ -25,11 +28,29 @@ public:
         return value;
     }
 
-    /// One byte, at the end that counts, of a number.
-    void setLowest(size_t place, size_t count, uint8_t value) {
-        clear(place, count);
-        const size_t lowest = place + (isLittle_ ? 0 : count - 1);
-        if (lowest < size()) bytes_[start_ + lowest] = value;
+    void setNumber(size_t place, size_t count, uint32_t value) {
+        for (size_t i = 0; i < count; ++i, value >>= 8) {
+            const size_t at = place + (isLittle_ ? i : count - 1 - i);
+            if (at < size()) bytes_[start_ + at] = static_cast<uint8_t>(value);
+        }
+    }
+
+    size_t firstDirectory() const { return number(4, 4); }
+
+    /// The place of an entry in a directory; 0 for none.
+    size_t entryIn(size_t directory, uint32_t tag) const {
+        const size_t count = number(directory, 2);
+        for (size_t i = 0; i < count && directory + 2 + i * kEntryBytes < size(); ++i)
+            if (const size_t entry = directory + 2 + i * kEntryBytes; number(entry, 2) == tag) return entry;
+        return 0;
+    }
+
+    /// The quotient that an entry of the first directory points to; 0 for none.
+    double quotient(uint32_t tag) const {
+        const size_t entry = entryIn(firstDirectory(), tag);
+        const size_t place = entry == 0 ? size() : number(entry + 8, 4);
+        const uint32_t divisor = number(place + 4, 4);
+        return divisor == 0 ? 0 : static_cast<double>(number(place, 4)) / divisor;
     }
 
     void clear(size_t place, size_t count) {
@@ -60,35 +81,51 @@ std::vector<uint8_t> withoutThumbnail(std::vector<uint8_t> exif) {
     std::optional<ExifBody> found = bodyOf(exif);
     if (!found) return exif;
     ExifBody& body = *found;
-    const size_t first = body.number(4, 4);
+    const size_t first = body.firstDirectory();
     const size_t link = first + 2 + body.number(first, 2) * kEntryBytes;  // to the thumbnail's directory
     const size_t second = body.number(link, 4);
     if (second == 0) return exif;
-    const size_t count = body.number(second, 2);
-    uint32_t place = 0, bytes = 0;
-    for (size_t i = 0; i < count && second + 2 + i * kEntryBytes < body.size(); ++i) {
-        const size_t entry = second + 2 + i * kEntryBytes;
-        if (body.number(entry, 2) == kThumbnailOffset) place = body.number(entry + 8, 4);
-        if (body.number(entry, 2) == kThumbnailBytes) bytes = body.number(entry + 8, 4);
-    }
-    if (place > 0) body.clear(place, bytes);
-    body.clear(second, 2 + count * kEntryBytes + 4);
+    const size_t place = body.entryIn(second, kThumbnailOffset),
+                 bytes = body.entryIn(second, kThumbnailBytes);
+    if (place > 0 && bytes > 0) body.clear(body.number(place + 8, 4), body.number(bytes + 8, 4));
+    body.clear(second, 2 + body.number(second, 2) * kEntryBytes + 4);
     body.clear(link, 4);
     return exif;
 }
 
 int takeOrientation(std::vector<uint8_t>& exif) {
     std::optional<ExifBody> body = bodyOf(exif);
-    if (!body) return 1;
-    const size_t first = body->number(4, 4), count = body->number(first, 2);
-    for (size_t i = 0; i < count && first + 2 + i * kEntryBytes < body->size(); ++i) {
-        const size_t entry = first + 2 + i * kEntryBytes;
-        if (body->number(entry, 2) != kOrientation) continue;
-        const uint32_t orientation = body->number(entry + 8, 2);
-        body->setLowest(entry + 8, 2, 1);
-        return orientation >= 1 && orientation <= 8 ? static_cast<int>(orientation) : 1;
-    }
-    return 1;
+    const size_t entry = body ? body->entryIn(body->firstDirectory(), kOrientation) : 0;
+    if (entry == 0) return 1;
+    const uint32_t orientation = body->number(entry + 8, 2);
+    body->setNumber(entry + 8, 2, 1);
+    return orientation >= 1 && orientation <= 8 ? static_cast<int>(orientation) : 1;
+}
+
+std::optional<ExifResolution> resolutionOf(std::vector<uint8_t> exif) {
+    const std::optional<ExifBody> body = bodyOf(exif);
+    if (!body) return std::nullopt;
+    const ExifResolution found{body->quotient(kXResolution), body->quotient(kYResolution)};
+    const size_t entry = body->entryIn(body->firstDirectory(), kResolutionUnit);
+    const uint32_t unit = entry == 0 ? 2 : body->number(entry + 8, 2);
+    if (found.x == 0 || found.y == 0 || (unit != 2 && unit != 3)) return std::nullopt;
+    const double millimetres = unit == 2 ? kMillimetresPerInch : kMillimetresPerCentimetre;
+    return ExifResolution{found.x / millimetres, found.y / millimetres};
+}
+
+std::vector<uint8_t> withSize(std::vector<uint8_t> exif, int32_t width, int32_t height) {
+    std::optional<ExifBody> body = bodyOf(exif);
+    const size_t camera = body ? body->entryIn(body->firstDirectory(), kCameraDirectory) : 0;
+    if (camera == 0) return exif;
+    const auto set = [&](uint32_t tag, int32_t pixels) {
+        const size_t entry = body->entryIn(body->number(camera + 8, 4), tag);
+        if (entry == 0) return;
+        body->setNumber(entry + 2, 2, kLong);
+        body->setNumber(entry + 8, 4, static_cast<uint32_t>(pixels));
+    };
+    set(kPixelsAcross, width);
+    set(kPixelsDown, height);
+    return exif;
 }
 
 }  // namespace krl::player

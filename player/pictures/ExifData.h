@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -15,5 +16,15 @@ std::vector<uint8_t> withoutThumbnail(std::vector<uint8_t> exif);
 
 /// The orientation in EXIF data, from 1 to 8, which becomes 1: for a picture that is turned accordingly.
 int takeOrientation(std::vector<uint8_t>& exif);
+
+/// Pixels per millimetre, across and down.
+struct ExifResolution {
+    double x = 0, y = 0;
+};
+/// The resolution in EXIF data, if there is one.
+std::optional<ExifResolution> resolutionOf(std::vector<uint8_t> exif);
+
+/// The EXIF data with the picture's size, wherever it has one.
+std::vector<uint8_t> withSize(std::vector<uint8_t> exif, int32_t width, int32_t height);
 
 }  // namespace krl::player

@@ -15,16 +15,16 @@ struct FormatFacts {
     const char* name;
     bool frames, exif, xmp, iptc, texts, profile, sixteenBits, chroma;
     std::string_view compressions;  ///< names with blanks between them
-    size_t mostExifBytes = SIZE_MAX;
+    size_t mostExifBytes = SIZE_MAX, mostXmpBytes = SIZE_MAX;
 };
 
 constexpr bool yes = true, no = false;
 constexpr const char* kLossless = "lossless";
 
-// EXIF data of a JPEG must fit in one segment.
+// EXIF and XMP data of a JPEG must fit in one segment each, the latter behind a mark of 29 bytes.
 constexpr FormatFacts kFacts[] = {
     // Has                              frames exif xmp iptc texts profile 16 chroma
-    {PictureFormat::Jpeg, "JPEG", no, yes, yes, yes, no, yes, no, yes, "", 65533},
+    {PictureFormat::Jpeg, "JPEG", no, yes, yes, yes, no, yes, no, yes, "", 65533, 65504},
     {PictureFormat::Png, "PNG", no, yes, yes, no, yes, yes, yes, no, "0 1 2 3 4 5 6 7 8 9"},
     {PictureFormat::Tiff, "TIFF", yes, yes, yes, yes, no, yes, yes, no, "none packbits lzw deflate zstd"},
     {PictureFormat::Webp, "WebP", yes, yes, yes, no, no, yes, no, no, kLossless},
@@ -103,6 +103,8 @@ std::vector<std::string> lossesOfWriting(const std::filesystem::path& path, cons
     lose(facts.exif && metadata->exif.size() > facts.mostExifBytes,
          "EXIF data of " + std::to_string(metadata->exif.size()) + " bytes");
     lose(!metadata->xmp.empty() && !facts.xmp, "XMP data");
+    lose(facts.xmp && metadata->xmp.size() > facts.mostXmpBytes,
+         "XMP data of " + std::to_string(metadata->xmp.size()) + " bytes");
     lose(!metadata->iptc.empty() && !facts.iptc, "IPTC records");
     if (metadata->hasOtherResources)
         losses.push_back("resources beside the IPTC records, such as guides and paths, which are not kept");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <span>
 
 #include "player/pictures/AtomicFile.h"
@@ -15,6 +16,42 @@ void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_
 /// Portable arbitrary map, `P7` with `RGB_ALPHA`.
 void writePam(AtomicFile& file, const Bitmap& picture);
 
+#if defined(KRL_WITH_VIPS)
+inline constexpr bool kHasVips = true;
+#else
+inline constexpr bool kHasVips = false;
+#endif
+
+/// Thrown for what only libvips reads or writes of a format that does not need it otherwise.
+class NeedsVips : public PictureError {
+public:
+    using PictureError::PictureError;
+};
+
+/// Writes for a library in C, which no exception may pass through.
+class GuardedWriter {
+public:
+    explicit GuardedWriter(AtomicFile& file) : file_(file) {}
+
+    /// Returns whether that succeeded.
+    bool write(const uint8_t* bytes, size_t count) noexcept {
+        try {
+            file_.write({reinterpret_cast<const char*>(bytes), count});
+        } catch (...) {
+            failure_ = std::current_exception();
+        }
+        return !failure_;
+    }
+    /// Throws what writing has thrown, if anything.
+    void rethrow() const {
+        if (failure_) std::rethrow_exception(failure_);
+    }
+
+private:
+    AtomicFile& file_;
+    std::exception_ptr failure_;
+};
+
 /// How to read a format without libvips. Both functions throw `PictureError`.
 struct FormatReader {
     bool (*isFormatOf)(const InputFile& file);
@@ -24,7 +61,7 @@ struct FormatReader {
 
 /// PAM, and portable maps of one byte or two a sample, `P5` and `P6`.
 extern const FormatReader kNetpbmReader;
-/// For builds without libvips: PNG through libpng and JPEG through libjpeg, with the same pixels.
+/// PNG through libpng and JPEG through libjpeg, which start faster than libvips and read the same pixels.
 extern const FormatReader kPngReader, kJpegReader;
 void writePng(AtomicFile& file, const Bitmap& picture, const WriteOptions& options);
 void writeJpeg(AtomicFile& file, const Bitmap& picture, const WriteOptions& options);

@@ -2,12 +2,41 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "player/pictures/Formats.h"
 #include "player/pictures/Scale.h"
 #include "player/pictures/VipsChain.h"
 
 namespace krl::player {
+
+namespace {
+
+/// Turned clockwise by a number of right angles, from 0 to 3.
+Bitmap turnedByQuarters(const Bitmap& picture, long quarters) {
+    Bitmap result = picture;
+    if (quarters == 2) std::reverse(result.pixels.begin(), result.pixels.end());
+    if (quarters % 2 == 0) return result;
+    std::swap(result.width, result.height);
+    const int32_t right = picture.width - 1, bottom = picture.height - 1;
+    // In squares, so that the rows that one row of the result is made of stay in the cache.
+    constexpr int32_t kSide = 32;
+    for (int32_t top = 0; top < result.height; top += kSide)
+        for (int32_t left = 0; left < result.width; left += kSide)
+            for (int32_t y = top; y < std::min(top + kSide, result.height); ++y)
+                for (int32_t x = left; x < std::min(left + kSide, result.width); ++x)
+                    result.row(y)[x] = quarters == 1 ? picture.row(bottom - x)[y] : picture.row(x)[right - y];
+    return result;
+}
+
+/// The right angles in an angle from -360 to 360 degrees; none for one in between.
+std::optional<long> quartersOf(double degrees) {
+    const double quarters = degrees / 90;
+    if (quarters != std::round(quarters)) return std::nullopt;
+    return (std::lround(quarters) + 4) % 4;
+}
+
+}  // namespace
 
 #if defined(KRL_WITH_VIPS)
 
@@ -39,8 +68,6 @@ Bitmap worked(const Bitmap& picture, const std::string& doing, const Work& work)
     });
 }
 
-constexpr VipsAngle kQuarters[] = {VIPS_ANGLE_D0, VIPS_ANGLE_D90, VIPS_ANGLE_D180, VIPS_ANGLE_D270};
-
 }  // namespace
 
 Bitmap resized(const Bitmap& picture, int32_t width, int32_t height) {
@@ -55,15 +82,9 @@ Bitmap resized(const Bitmap& picture, int32_t width, int32_t height) {
 }
 
 Bitmap turned(const Bitmap& picture, double degrees) {
+    if (const std::optional<long> quarters = quartersOf(degrees)) return turnedByQuarters(picture, *quarters);
     const std::string doing = "rotate the picture";
-    const double quarters = degrees / 90;
     return worked(picture, doing, [&](VipsChain& chain) {
-        if (quarters == std::round(quarters)) {
-            const VipsAngle angle = kQuarters[static_cast<size_t>(std::lround(quarters) + 4) % 4];
-            chain.then(doing,
-                       [&](VipsImage* in, VipsImage** out) { return vips_rot(in, out, angle, nullptr); });
-            return;
-        }
         chain.then(doing, [](VipsImage* in, VipsImage** out) { return vips_premultiply(in, out, nullptr); });
         chain.then(doing,
                    [&](VipsImage* in, VipsImage** out) { return vips_rotate(in, out, degrees, nullptr); });
@@ -84,18 +105,8 @@ Bitmap resized(const Bitmap& picture, int32_t width, int32_t height) {
 }
 
 Bitmap turned(const Bitmap& picture, double degrees) {
-    const double quarters = degrees / 90;
-    if (quarters != std::round(quarters))
-        throw PictureError("this build rotates by multiples of 90 degrees only");
-    Bitmap result = picture;
-    for (long turns = (std::lround(quarters) + 4) % 4; turns > 0; --turns) {
-        const Bitmap before = result;
-        std::swap(result.width, result.height);
-        for (int32_t y = 0; y < result.height; ++y)
-            for (int32_t x = 0; x < result.width; ++x)
-                result.row(y)[x] = before.row(before.height - 1 - x)[y];
-    }
-    return result;
+    if (const std::optional<long> quarters = quartersOf(degrees)) return turnedByQuarters(picture, *quarters);
+    throw PictureError("this build rotates by multiples of 90 degrees only");
 }
 
 #endif
@@ -112,7 +123,8 @@ Bitmap upright(Bitmap picture, int orientation) {
     for (int32_t y = 0; isMirrored && y < picture.height; ++y)
         std::reverse(picture.row(y), picture.row(y) + picture.width);
     const double degrees = kDegrees[orientation - 1];
-    return degrees == 0 ? picture : turned(picture, degrees);
+    if (degrees == 0) return picture;
+    return turned(picture, degrees);
 }
 
 }  // namespace krl::player

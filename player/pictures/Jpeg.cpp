@@ -96,8 +96,8 @@ public:
 
     Bitmap read() {
         const auto [width, height, frames] = readSize();
-        if (jpeg_.jpeg_color_space == JCS_CMYK || jpeg_.jpeg_color_space == JCS_YCCK)
-            refuse("this build reads JPEG pictures in colour or grey, not in CMYK");
+        if (jpeg_.num_components != 1 && jpeg_.num_components != 3)
+            throw NeedsVips(cannotRead() + "this build reads JPEG pictures in colour or grey, not in CMYK");
         requirePictureSize(file_.path(), width, height);
         auto metadata = std::make_shared<PictureMetadata>();
         readMetadata(*metadata);
@@ -108,11 +108,9 @@ public:
     }
 
 private:
-    [[noreturn]] void refuse(const std::string& why) const {
-        throw PictureError("cannot read " + file_.path().string() + ": " + why);
-    }
+    std::string cannotRead() const { return "cannot read " + file_.path().string() + ": "; }
     void require(bool isDone) const {
-        if (!isDone) refuse(std::string("it is damaged: ") + errors_.reason);
+        if (!isDone) throw PictureError(cannotRead() + "it is damaged: " + errors_.reason);
     }
 
     void readPixels(Bitmap& picture) {
@@ -143,10 +141,17 @@ private:
         if (isColour) readProfile(metadata);
         if (isColour)
             metadata.chroma = parts[0].h_samp_factor == 2 && parts[0].v_samp_factor == 2 ? "4:2:0" : "4:4:4";
+        readResolution(metadata);
+    }
+
+    /// Cameras write it into EXIF data.
+    void readResolution(PictureMetadata& metadata) const {
         const double unit = jpeg_.density_unit == 1 ? kMillimetresPerInch : jpeg_.density_unit == 2 ? 10 : 0;
-        if (unit == 0) return;
-        metadata.pixelsPerMillimetreX = jpeg_.X_density / unit;
-        metadata.pixelsPerMillimetreY = jpeg_.Y_density / unit;
+        ExifResolution found;
+        if (unit != 0) found = {jpeg_.X_density / unit, jpeg_.Y_density / unit};
+        found = resolutionOf(metadata.exif).value_or(found);
+        metadata.pixelsPerMillimetreX = found.x;
+        metadata.pixelsPerMillimetreY = found.y;
     }
 
     static void readResources(const std::vector<uint8_t>& data, PictureMetadata& metadata) {
@@ -173,33 +178,58 @@ bool isJpeg(const InputFile& file) {
     return file.readAt(0, start, sizeof start) && start[0] == 0xFF && start[1] == 0xD8 && start[2] == 0xFF;
 }
 
+/// Where libjpeg puts what it has packed.
+struct Destination : jpeg_destination_mgr {
+    explicit Destination(AtomicFile& file) : jpeg_destination_mgr{}, writer(file) {
+        init_destination = [](j_compress_ptr jpeg) { of(jpeg).restart(); };
+        empty_output_buffer = [](j_compress_ptr jpeg) -> boolean {
+            of(jpeg).pass(jpeg, sizeof bytes);
+            return TRUE;
+        };
+        term_destination = [](j_compress_ptr jpeg) {
+            of(jpeg).pass(jpeg, sizeof bytes - of(jpeg).free_in_buffer);
+        };
+    }
+
+    static Destination& of(j_compress_ptr jpeg) { return *static_cast<Destination*>(jpeg->dest); }
+    void restart() {
+        next_output_byte = bytes;
+        free_in_buffer = sizeof bytes;
+    }
+    void pass(j_compress_ptr jpeg, size_t count) {
+        if (!writer.write(bytes, count)) giveUp(reinterpret_cast<j_common_ptr>(jpeg));
+        restart();
+    }
+
+    GuardedWriter writer;
+    JOCTET bytes[1 << 16];
+};
+
 class JpegWriter {
 public:
     JpegWriter(AtomicFile& file, const Bitmap& picture, const WriteOptions& options)
-        : file_(file), picture_(picture), options_(options) {
+        : file_(file), picture_(picture), options_(options), destination_(file) {
         jpeg_.err = startErrors(errors_);
         require(completes(errors_, [&] { jpeg_create_compress(&jpeg_); }));
+        jpeg_.dest = &destination_;
     }
-    ~JpegWriter() {
-        jpeg_destroy_compress(&jpeg_);
-        std::free(content_);
-    }
+    ~JpegWriter() { jpeg_destroy_compress(&jpeg_); }
     JpegWriter(const JpegWriter&) = delete;
     JpegWriter& operator=(const JpegWriter&) = delete;
 
     void write() {
         const PictureMetadata none;
         const PictureMetadata& metadata = picture_.metadata ? *picture_.metadata : none;
+        const std::vector<uint8_t> exif = withSize(metadata.exif, picture_.width, picture_.height);
         const std::vector<uint8_t> iptc = iptcForJpeg(metadata.iptc);
         std::string xmp(kXmpMark);
         xmp.append(metadata.xmp.begin(), metadata.xmp.end());
         std::vector<Pixel> row(static_cast<size_t>(picture_.width));
         require(completes(errors_, [&] {
-            jpeg_mem_dest(&jpeg_, &content_, &bytes_);
             configure(metadata);
             jpeg_start_compress(&jpeg_, TRUE);
             if (!options_.isStripped) {
-                writeSegment(kExifSegment, metadata.exif.data(), metadata.exif.size());
+                writeSegment(kExifSegment, exif.data(), exif.size());
                 if (!metadata.xmp.empty())
                     writeSegment(kExifSegment, reinterpret_cast<const uint8_t*>(xmp.data()), xmp.size());
                 writeSegment(kIptcSegment, iptc.data(), iptc.size());
@@ -208,19 +238,18 @@ public:
             if (!profile.empty())
                 jpeg_write_icc_profile(&jpeg_, profile.data(), static_cast<unsigned>(profile.size()));
             while (jpeg_.next_scanline < jpeg_.image_height) {
-                std::transform(picture_.row(static_cast<int32_t>(jpeg_.next_scanline)),
-                               picture_.row(static_cast<int32_t>(jpeg_.next_scanline) + 1), row.begin(),
-                               onWhite);
+                const Pixel* pixels = picture_.row(static_cast<int32_t>(jpeg_.next_scanline));
+                std::transform(pixels, pixels + picture_.width, row.begin(), onWhite);
                 auto* samples = reinterpret_cast<JSAMPROW>(row.data());
                 jpeg_write_scanlines(&jpeg_, &samples, 1);
             }
             jpeg_finish_compress(&jpeg_);
         }));
-        file_.write({reinterpret_cast<const char*>(content_), bytes_});
     }
 
 private:
     void require(bool isDone) const {
+        destination_.writer.rethrow();
         if (!isDone) throw PictureError("cannot write " + file_.target().string() + ": " + errors_.reason);
     }
 
@@ -256,6 +285,7 @@ private:
 
     /// JPEG has no transparency.
     static Pixel onWhite(const Pixel& p) {
+        if (p.alpha == 255) return p;
         const auto laid = [&](uint8_t level) {
             return static_cast<uint8_t>((level * p.alpha + 255 * (255 - p.alpha)) / 255);
         };
@@ -267,8 +297,7 @@ private:
     const WriteOptions& options_;
     Errors errors_{};
     jpeg_compress_struct jpeg_{};
-    unsigned char* content_ = nullptr;
-    unsigned long bytes_ = 0;
+    Destination destination_;
 };
 
 }  // namespace

@@ -69,15 +69,25 @@ const FormatReader* readerFor(const InputFile& file) {
 #endif
 }
 
-PictureFrames read(const InputFile& file, [[maybe_unused]] FrameChoice choice) {
-    const FormatReader* reader = readerFor(file);
-#if defined(KRL_WITH_VIPS)
-    if (!reader) return readWithVips(file, choice);
-#endif
+PictureFrames readWith(const FormatReader& reader, const InputFile& file) {
     PictureFrames one;
-    one.pictures.push_back(reader->read(file));
+    one.pictures.push_back(reader.read(file));
     return one;
 }
+
+#if defined(KRL_WITH_VIPS)
+PictureFrames read(const InputFile& file, FrameChoice choice) {
+    const FormatReader* reader = readerFor(file);
+    if (!reader) return readWithVips(file, choice);
+    try {
+        return readWith(*reader, file);
+    } catch (const NeedsVips&) {
+        return readWithVips(file, choice);
+    }
+}
+#else
+PictureFrames read(const InputFile& file, FrameChoice) { return readWith(*readerFor(file), file); }
+#endif
 
 PictureSize readSize(const InputFile& file) {
     const FormatReader* reader = readerFor(file);
@@ -89,18 +99,53 @@ PictureSize readSize(const InputFile& file) {
 
 Bitmap readFirst(const InputFile& file) { return std::move(read(file, FrameChoice::First).pictures.front()); }
 
-void write(AtomicFile& file, const FramesToWrite& frames, const WriteOptions& options) {
-    const PictureFormat format = *formatFor(file.target(), options);
-    if (format == PictureFormat::Pam) {
-        writePam(file, frames.pictures.front());
-    } else {
-#if defined(KRL_WITH_VIPS)
-        writeWithVips(file, frames, format, options);
-#elif defined(KRL_WITH_PNG_JPEG)
-        const auto write = format == PictureFormat::Png ? writePng : writeJpeg;
-        write(file, frames.pictures.front(), options);
+/// Whether the colours have to be converted to those of another profile; without one they are sRGB.
+bool convertsColours(const Bitmap& picture, const WriteOptions& options) {
+    const bool hasProfile = picture.metadata && !picture.metadata->colourProfile.empty();
+    return !options.profile.empty() && (hasProfile || options.profile != "srgb");
+}
+
+using Writer = void (*)(AtomicFile& file, const Bitmap& picture, const WriteOptions& options);
+
+/// What writes a format without libvips; null for libvips.
+Writer writerFor(PictureFormat format) {
+    switch (format) {
+        case PictureFormat::Pam:
+            return
+                [](AtomicFile& file, const Bitmap& picture, const WriteOptions&) { writePam(file, picture); };
+#if defined(KRL_WITH_PNG_JPEG)
+        case PictureFormat::Png:
+            return writePng;
+        case PictureFormat::Jpeg:
+            return writeJpeg;
 #endif
+        default:
+            return nullptr;
     }
+}
+
+#if defined(KRL_WITH_VIPS)
+void writePictures(AtomicFile& file, const FramesToWrite& frames, PictureFormat format,
+                   const WriteOptions& options) {
+    const Bitmap& first = frames.pictures.front();
+    const Writer writer = writerFor(format);
+    const bool isConverted = format != PictureFormat::Pam && convertsColours(first, options);
+    if (!writer || isConverted) return writeWithVips(file, frames, format, options);
+    try {
+        writer(file, first, options);
+    } catch (const NeedsVips&) {
+        writeWithVips(file, frames, format, options);
+    }
+}
+#else
+void writePictures(AtomicFile& file, const FramesToWrite& frames, PictureFormat format,
+                   const WriteOptions& options) {
+    writerFor(format)(file, frames.pictures.front(), options);
+}
+#endif
+
+void write(AtomicFile& file, const FramesToWrite& frames, const WriteOptions& options) {
+    writePictures(file, frames, *formatFor(file.target(), options), options);
     file.commit(options.whenWritten);
 }
 
@@ -111,9 +156,7 @@ void requireWritable(const std::filesystem::path& path, const Bitmap& picture, c
     const std::string complaint = writeOptionComplaint(*format, options);
     if (!complaint.empty()) throw PictureError("cannot write " + path.string() + ": " + complaint);
 #if !defined(KRL_WITH_VIPS)
-    const bool isInProfile =
-        options.profile == "srgb" && !(picture.metadata && !picture.metadata->colourProfile.empty());
-    if (!options.profile.empty() && !isInProfile)
+    if (convertsColours(picture, options))
         throw PictureError("cannot write " + path.string() +
                            ": this build cannot convert to another colour profile");
 #endif

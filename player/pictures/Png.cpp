@@ -20,9 +20,16 @@ namespace {
 constexpr char kXmpKeyword[] = "XML:com.adobe.xmp";
 constexpr double kMillimetres = 1000;  // in a metre
 
-/// What libpng says when it gives up.
+/// Chunks beside the pixels may be as long as this.
+constexpr png_alloc_size_t kMostChunkBytes = 64u << 20;
+constexpr png_uint_32 kMostPixels = 0x7FFFFFFF;  // in a row or a column
+constexpr size_t kBufferBytes = 1 << 16;
+constexpr const char* kDoubtfulProfile = "libpng does not take the colour profile";
+
+/// What libpng says when it gives up, and about the colour profile.
 struct Reason {
     char text[200] = "";
+    bool doubtsProfile = false;
 };
 
 [[noreturn]] void giveUp(png_structp png, png_const_charp reason) {
@@ -30,7 +37,10 @@ struct Reason {
     png_longjmp(png, 1);
 }
 
-void ignoreWarning(png_structp, png_const_charp) {}
+void weighWarning(png_structp png, png_const_charp text) {
+    if (std::strncmp(text, "iCCP", 4) == 0)
+        static_cast<Reason*>(png_get_error_ptr(png))->doubtsProfile = true;
+}
 
 /// Runs calls of libpng, which jump out of them on failure, past all destructors: `work` owns nothing.
 /// Returns whether they came to their end.
@@ -44,11 +54,15 @@ bool completes(png_structp png, const Work& work) {
 class PngReader {
 public:
     explicit PngReader(const InputFile& file) : file_(file) {
-        png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, &reason_, giveUp, ignoreWarning);
+        png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, &reason_, giveUp, weighWarning);
         info_ = png_ ? png_create_info_struct(png_) : nullptr;
-        if (info_) return;
-        png_destroy_read_struct(&png_, nullptr, nullptr);
-        throw std::bad_alloc();
+        if (!info_) {
+            png_destroy_read_struct(&png_, nullptr, nullptr);
+            throw std::bad_alloc();
+        }
+        png_set_user_limits(png_, kMostPixels, kMostPixels);
+        png_set_chunk_malloc_max(png_, kMostChunkBytes);
+        png_set_option(png_, PNG_SKIP_sRGB_CHECK_PROFILE, PNG_OPTION_ON);
     }
     ~PngReader() { png_destroy_read_struct(&png_, &info_, nullptr); }
     PngReader(const PngReader&) = delete;
@@ -108,6 +122,8 @@ private:
         png_uint_32 count = 0;
         if (isColour_ && png_get_iCCP(png_, info_, &name, &method, &bytes, &count) != 0)
             metadata.colourProfile.assign(bytes, bytes + count);
+        else if (kHasVips && isColour_ && reason_.doubtsProfile)
+            throw NeedsVips(kDoubtfulProfile);
         if (png_get_eXIf_1(png_, info_, &count, &bytes) != 0) {
             metadata.exif.assign(kExifMark.begin(), kExifMark.end());
             metadata.exif.insert(metadata.exif.end(), bytes, bytes + count);
@@ -115,6 +131,10 @@ private:
         }
         metadata.pixelsPerMillimetreX = png_get_x_pixels_per_meter(png_, info_) / kMillimetres;
         metadata.pixelsPerMillimetreY = png_get_y_pixels_per_meter(png_, info_) / kMillimetres;
+        readTexts(metadata);
+    }
+
+    void readTexts(PictureMetadata& metadata) {
         png_textp texts = nullptr;
         int textCount = 0;
         png_get_text(png_, info_, &texts, &textCount);
@@ -138,23 +158,17 @@ bool isPng(const InputFile& file) {
     return file.readAt(0, start, sizeof start) && png_sig_cmp(start, 0, sizeof start) == 0;
 }
 
-/// Collects the bytes of a file.
-void collect(png_structp png, png_bytep bytes, size_t count) {
-    bool isDone = true;
-    try {
-        auto& content = *static_cast<std::string*>(png_get_io_ptr(png));
-        content.append(reinterpret_cast<const char*>(bytes), count);
-    } catch (const std::exception&) {
-        isDone = false;  // to be reported outside the handler, which giving up would jump out of
-    }
-    if (!isDone) png_error(png, "out of memory");
+void pass(png_structp png, png_bytep bytes, size_t count) {
+    if (!static_cast<GuardedWriter*>(png_get_io_ptr(png))->write(bytes, count)) png_error(png, "");
 }
+
+void flush(png_structp) {}
 
 class PngWriter {
 public:
     PngWriter(AtomicFile& file, const Bitmap& picture, const WriteOptions& options)
         : file_(file), picture_(picture), options_(options) {
-        png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, &reason_, giveUp, ignoreWarning);
+        png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, &reason_, giveUp, weighWarning);
         info_ = png_ ? png_create_info_struct(png_) : nullptr;
         if (info_) return;
         png_destroy_write_struct(&png_, nullptr);
@@ -171,11 +185,15 @@ public:
         std::vector<uint8_t> row(static_cast<size_t>(picture_.width) * 8);
         const PictureMetadata none;
         const PictureMetadata& metadata = picture_.metadata ? *picture_.metadata : none;
+        const std::vector<uint8_t> exif = withSize(metadata.exif, picture_.width, picture_.height);
         std::vector<png_text> texts = options_.isStripped ? std::vector<png_text>() : textsOf(metadata);
-        std::string content;
+        GuardedWriter writer(file_);
         const bool isDone = completes(png_, [&] {
-            png_set_write_fn(png_, &content, collect, nullptr);
+            png_set_write_fn(png_, &writer, pass, flush);
             png_set_benign_errors(png_, 1);
+            png_set_option(png_, PNG_SKIP_sRGB_CHECK_PROFILE, PNG_OPTION_ON);
+            png_set_user_limits(png_, kMostPixels, kMostPixels);
+            png_set_compression_buffer_size(png_, kBufferBytes);
             png_set_filter(png_, PNG_FILTER_TYPE_BASE,
                            packing.hasFilters ? PNG_ALL_FILTERS : PNG_FILTER_NONE);
             png_set_compression_level(png_, packing.level);
@@ -183,7 +201,8 @@ public:
                          static_cast<png_uint_32>(picture_.height), options_.depth,
                          isOpaque_ ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_RGBA, PNG_INTERLACE_NONE,
                          PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-            setMetadata(metadata);
+            setProfileAndResolution(metadata);
+            if (!options_.isStripped) setExif(exif);
             png_set_text(png_, info_, texts.data(), static_cast<int>(texts.size()));
             png_write_info(png_, info_);
             for (int32_t y = 0; y < picture_.height; ++y) {
@@ -192,8 +211,8 @@ public:
             }
             png_write_end(png_, info_);
         });
+        writer.rethrow();
         if (!isDone) throw PictureError("cannot write " + file_.target().string() + ": " + reason_.text);
-        file_.write(content);
     }
 
 private:
@@ -214,17 +233,22 @@ private:
         return texts;
     }
 
-    void setMetadata(const PictureMetadata& metadata) {
-        if (!metadata.colourProfile.empty())
+    void setProfileAndResolution(const PictureMetadata& metadata) {
+        if (!metadata.colourProfile.empty()) {
             png_set_iCCP(png_, info_, "icc", PNG_COMPRESSION_TYPE_BASE, metadata.colourProfile.data(),
                          static_cast<png_uint_32>(metadata.colourProfile.size()));
+            if (kHasVips && !png_get_valid(png_, info_, PNG_INFO_iCCP)) throw NeedsVips(kDoubtfulProfile);
+        }
         if (metadata.pixelsPerMillimetreX > 0 && metadata.pixelsPerMillimetreY > 0)
             png_set_pHYs(png_, info_, perMetre(metadata.pixelsPerMillimetreX),
                          perMetre(metadata.pixelsPerMillimetreY), PNG_RESOLUTION_METER);
+    }
+
+    void setExif(const std::vector<uint8_t>& exif) {
         const size_t mark = kExifMark.size();
-        if (!options_.isStripped && metadata.exif.size() > mark)
-            png_set_eXIf_1(png_, info_, static_cast<png_uint_32>(metadata.exif.size() - mark),
-                           const_cast<png_bytep>(metadata.exif.data() + mark));
+        if (exif.size() > mark)
+            png_set_eXIf_1(png_, info_, static_cast<png_uint_32>(exif.size() - mark),
+                           const_cast<png_bytep>(exif.data() + mark));
     }
 
     static png_uint_32 perMetre(double perMillimetre) {

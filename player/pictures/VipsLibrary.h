@@ -106,7 +106,6 @@ KRL_VIPS_FUNCTION(vips_object_local_array);
 KRL_VIPS_FUNCTION(vips_operation_block_set);
 KRL_VIPS_FUNCTION(vips_premultiply);
 KRL_VIPS_FUNCTION(vips_profile_load);
-KRL_VIPS_FUNCTION(vips_rot);
 KRL_VIPS_FUNCTION(vips_rotate);
 KRL_VIPS_FUNCTION(vips_source_new_from_descriptor);
 KRL_VIPS_FUNCTION(vips_target_new_to_descriptor);

@@ -1,3 +1,4 @@
+#include "player/pictures/PictureFiles.h"
 #include "player/pictures/PictureMetadata.h"
 #include "tests/player/CliRun.h"
 
@@ -143,14 +144,17 @@ TEST_F(Conversion, ReportsABrokenPictureInOneLine) {
 
 TEST_F(Conversion, ReportsTheRightReasonForEachBrokenPicture) {
     std::filesystem::create_directories(folder / "in");
-    for (const std::string extension : {".png", ".jpg"}) {
-        writePicture(at("whole" + extension), noise(64, 64));
-        const std::string half = contentOf(at("whole" + extension)).substr(0, 1500);
-        for (int i = 0; i < 40; ++i) text("in/" + std::to_string(i) + extension, half);
+    for (const std::string compression : {"deflate", "lzw"}) {
+        WriteOptions options;
+        options.compression = compression;
+        writePicture(at("whole.tif"), noise(64, 64), options);
+        std::string content = contentOf(at("whole.tif"));
+        content.replace(content.size() / 2, 200, std::string(200, '\xFF'));
+        for (int i = 0; i < 40; ++i) text("in/" + compression + std::to_string(i) + ".tif", content);
     }
     const CliResult done = krlimage({"apply", at("in"), "-o", at("out"), "-j", "8", "invert(#RGB)"});
-    EXPECT_EQ(countOf(done.err, ".png: vipspng: "), 40u) << done.err;
-    EXPECT_EQ(countOf(done.err, ".jpg: VipsJpeg: "), 40u) << done.err;
+    EXPECT_EQ(countOf(done.err, ".tif: ZIPDecode: "), 40u) << done.err;
+    EXPECT_EQ(countOf(done.err, ".tif: source input: Using code"), 40u) << done.err;
 }
 
 }  // namespace

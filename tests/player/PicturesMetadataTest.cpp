@@ -186,6 +186,21 @@ TEST_F(Metadata, ThatIsNotKeptIsReported) {
     EXPECT_EQ(apply("b.jpg", "d.jpg", {"--strip"}).err, "") << "nothing is to be kept";
 }
 
+TEST_F(Metadata, ThatIsTooLongForASegmentIsReported) {
+    auto metadata = std::make_shared<PictureMetadata>();
+    metadata->exif.assign(65534, 1);
+    metadata->xmp.assign(65505, 'x');
+    Bitmap in = noise(8, 6);
+    in.metadata = metadata;
+    const std::vector<std::string> losses = {"EXIF data of 65534 bytes, which JPEG does not hold",
+                                             "XMP data of 65505 bytes, which JPEG does not hold"};
+    EXPECT_EQ(lossesOfWriting("a.jpg", {{in}, {}, 0}, {}), losses);
+    metadata->exif.pop_back(), metadata->xmp.pop_back();
+    EXPECT_TRUE(lossesOfWriting("a.jpg", {{in}, {}, 0}, {}).empty());
+    writePicture(at("a.jpg"), in);
+    EXPECT_EQ(readPicture(at("a.jpg")).metadata->xmp, metadata->xmp);
+}
+
 TEST_F(Metadata, KeepsTheTextsOfAPng) {
     auto metadata = std::make_shared<PictureMetadata>();
     metadata->texts = {{"Title", "Barn"}, {"Comment", "In the snow"}};
