@@ -220,8 +220,11 @@ TEST_F(Shells, AlsoCompleteInZsh) {
     const std::string script = krlimage({"completions", "zsh"}).out;
     EXPECT_EQ(script.rfind("#compdef krlimage\n", 0), 0u);
     for (const char* part : {"'apply:", "'--quality[", ":mt|st:(mt st)", "brightness", ":DIR:_files'",
-                             ":OUT:_files'", "'--json[Print JSON]'"})
+                             ":OUT:_files'", "'--json[Print JSON]'", ":LOOK:(", " noir "})
         EXPECT_TELLS(script, part);
+    const size_t show = script.find("        show)");
+    ASSERT_NE(show, std::string::npos);
+    EXPECT_TELLS(script.substr(show, script.find(";;", show) - show), "picture or call:{compadd");
 }
 
 TEST(Manual, DescribesEveryCommandAndEscapesRoff) {
