@@ -41,6 +41,8 @@ install(TARGETS krlImageXtra LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/krlimag
 install(TARGETS krlimage COMPONENT program)
 install(DIRECTORY examples/pictures COMPONENT program DESTINATION ${CMAKE_INSTALL_DATADIR}/krlimage
   FILES_MATCHING PATTERN "*.png")
+install(FILES docs/methods.md COMPONENT program DESTINATION ${CMAKE_INSTALL_DATADIR}/krlimage/docs)
+install(DIRECTORY docs/pictures/methods COMPONENT program DESTINATION ${CMAKE_INSTALL_DATADIR}/krlimage/docs/pictures)
 install(DIRECTORY looks COMPONENT program DESTINATION ${CMAKE_INSTALL_DATADIR}/krlimage
   FILES_MATCHING PATTERN "*.krl")
 

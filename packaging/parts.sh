@@ -68,6 +68,8 @@ make_windows() {
     i686-w64-mingw32-strip build/windows-programs/player/krlimage.exe
     cp build/windows/src/krlImageXtra.x32 build/windows-programs/player/krlimage.exe LICENSE CHANGELOG.md \
         docs/methods.md "$place"
+    mkdir "$place/pictures"
+    cp -r docs/pictures/methods "$place/pictures"
     cp packaging/windows.md "$place/README.md"
     cp -r build/windows-libraries/licences "$place"
     local package

@@ -285,7 +285,7 @@ private:
     }
 
     void addGenerated() {
-        CLI::App& docs = command("docs", "Write the method reference, methods.md",
+        CLI::App& docs = command("docs", "Write the method reference, methods.md, with its pictures",
                                  [this] { return writeDocs(docs_, terminal_); });
         addPath(docs, "-o,--output", docs_.folder, "DIR", "Folder for methods.md")->required();
 

@@ -9,6 +9,7 @@
 #include "player/cli/LookFiles.h"
 #include "player/cli/MethodFacts.h"
 #include "player/cli/ProgressBar.h"
+#include "player/cli/SamplePictures.h"
 #include "player/cli/SideBySide.h"
 #include "player/cli/TextFile.h"
 #include "player/pictures/Picture.h"
@@ -37,45 +38,6 @@ Bitmap mirrored(const Bitmap& picture) {
     for (int32_t y = 0; y < turned.height; ++y) std::reverse(turned.row(y), turned.row(y) + turned.width);
     return turned;
 }
-
-/// Where the pictures are that come with the program: in its sources, or where it is installed.
-std::vector<fs::path> sampleFolders() {
-    std::vector<fs::path> folders = {KRL_SAMPLES};
-    std::error_code unknown;
-    const fs::path program = fs::read_symlink("/proc/self/exe", unknown);
-    if (!unknown) folders.push_back(program.parent_path() / "../share/krlimage/pictures");
-    return folders;
-}
-
-/// The share of the pixels that `test` accepts.
-template <class Test>
-double shareOf(const Bitmap& picture, const Test& test) {
-    const auto count = std::count_if(picture.pixels.begin(), picture.pixels.end(), test);
-    return double(count) / double(picture.pixels.size());
-}
-
-bool hasScreen(const Bitmap& picture) {
-    constexpr int purest = 60;
-    constexpr double least = 0.05;
-    return shareOf(picture, [](const Pixel& p) {
-               return p.green - p.red > purest && p.green - p.blue > purest;
-           }) > least;
-}
-
-bool hasTransparency(const Bitmap& picture) {
-    constexpr double least = 0.01;
-    return shareOf(picture, [](const Pixel& p) { return p.alpha < 255; }) > least;
-}
-
-/// Families that show little on a picture without what they work on, and a picture that has it.
-struct Need {
-    const char* family;
-    bool (*isMet)(const Bitmap& picture);
-    const char* sample;
-};
-constexpr Need kNeeds[] = {{"key", hasScreen, "greenscreen.png"},
-                           {"alpha", hasTransparency, "logo.png"},
-                           {"composite", hasTransparency, "logo.png"}};
 
 /// A picture that effects are shown on, with the second pictures of their examples in its size.
 class Stage {
@@ -211,20 +173,16 @@ public:
 private:
     /// The given picture, or one that has what the method's family works on.
     size_t stageFor(const Method& method) {
-        for (const Need& need : kNeeds) {
-            if (method.family() != need.family || need.isMet(stages_.front().picture())) continue;
-            const auto found = std::find_if(stages_.begin(), stages_.end(), [&](const Stage& stage) {
-                return stage.original().name == need.sample;
-            });
-            if (found != stages_.end()) return size_t(found - stages_.begin());
-            for (const fs::path& folder : sampleFolders()) {
-                if (!fs::exists(folder / need.sample)) continue;
-                stages_.emplace_back(folder / need.sample, "before-" + fs::path(need.sample).stem().string(),
-                                     folder_);
-                return stages_.size() - 1;
-            }
-        }
-        return 0;
+        const SampleNeed* need = sampleNeedOf(method);
+        if (!need || need->isMet(stages_.front().picture())) return 0;
+        const auto found = std::find_if(stages_.begin(), stages_.end(), [&](const Stage& stage) {
+            return stage.original().name == need->sample;
+        });
+        if (found != stages_.end()) return size_t(found - stages_.begin());
+        const fs::path file = sampleFile(need->sample);
+        if (file.empty()) return 0;
+        stages_.emplace_back(file, "before-" + file.stem().string(), folder_);
+        return stages_.size() - 1;
     }
 
     const fs::path folder_;

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "player/cli/Commands.h"
+#include "player/cli/ExamplePictures.h"
 #include "player/cli/FittedText.h"
 #include "player/cli/MethodFacts.h"
 #include "player/cli/MethodHelp.h"
@@ -94,6 +95,7 @@ int helpOnMethod(const HelpOptions& options, const Terminal& terminal) {
 int writeDocs(const DocsOptions& options, const Terminal& terminal) {
     const std::filesystem::path page = options.folder / "methods.md";
     writeText(page, referencePage());
+    if (isPictureName("x.jpg")) writeExamplePictures(options.folder);
     terminal.out << page.string() << '\n';
     return 0;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "catalogue/Arguments.h"
+#include "player/cli/ExamplePictures.h"
 #include "player/cli/MethodFacts.h"
 
 namespace krl::player {
@@ -61,7 +62,9 @@ std::string helpText(const Method& method) {
     text += section("Notes", notes);
     text += section("Example", {{"krlimage apply in.png -o out.png '" + shortExample(method) + "'"}});
     text += section("Result", results);
-    return text + section("Errors", failures);
+    text += section("Errors", failures);
+    if (hasExamplePicture(method)) text += section("Picture", {{examplePictureAddress(method)}});
+    return text;
 }
 
 namespace {

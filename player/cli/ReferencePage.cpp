@@ -1,3 +1,4 @@
+#include "player/cli/ExamplePictures.h"
 #include "player/cli/MethodFacts.h"
 #include "player/cli/MethodHelp.h"
 
@@ -26,6 +27,8 @@ std::string takesText(const Argument& argument) {
 std::string methodSection(const Method& method) {
     std::string text = "### " + method.shortName() + "\n\n" + method.summaryText() + "\n\n```\n" +
                        shortExample(method) + "\n```\n\n";
+    if (hasExamplePicture(method))
+        text += "![" + method.shortName() + ", before and after](" + examplePictureFile(method) + ")\n\n";
     if (!method.arguments().empty()) {
         text += "| Argument | Takes | Meaning |\n|---|---|---|\n";
         for (const Argument& argument : method.arguments())

@@ -30,7 +30,9 @@ TEST(Help, DescribesAMethodCompletely) {
               "  Brightness input failure (Image)    an argument is missing or of the wrong type\n"
               "  Brightness invalid colourOrAlpha input (Image)\n"
               "                                      colourOrAlpha is an unknown symbol\n"
-              "  Failed Brightness function (Image)  no picture is loaded, or memory ran out\n");
+              "  Failed Brightness function (Image)  no picture is loaded, or memory ran out\n"
+              "\nPicture\n"
+              "  " KRL_SOURCE_DIR "/docs/pictures/methods/brightness.jpg\n");
     EXPECT_EQ(krlimage({"help", "krlImageBrightness"}).out, krlimage({"help", "brightness"}).out);
 }
 
