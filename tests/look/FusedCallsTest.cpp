@@ -11,13 +11,7 @@ namespace {
 
 constexpr int32_t kWidth = 37, kHeight = 19;
 
-Picture noise(int32_t seed) {
-    Picture picture = Picture::blank(kWidth, kHeight);
-    Random random(seed);
-    for (int32_t i = 0; i < picture.info.rowBytes * kHeight; ++i)
-        picture.pixels[i] = static_cast<uint8_t>(random.next() >> 5);
-    return picture;
-}
+Picture noise(int32_t seed) { return test::noise(kWidth, kHeight, seed); }
 
 std::string bytesOf(const Picture& picture) {
     return {reinterpret_cast<const char*>(picture.pixels),
