@@ -2,8 +2,8 @@
 
 #include "catalogue/Catalogue.h"
 #include "catalogue/ExampleCall.h"
-#include "core/Random.h"
 #include "look/FusedCalls.h"
+#include "look/NoisePicture.h"
 #include "look/PictureMemory.h"
 
 namespace krl {
