@@ -13,6 +13,7 @@
 #include "player/cli/PlainOutput.h"
 #include "player/cli/Settings.h"
 #include "player/cli/Sweep.h"
+#include "player/pictures/PixelLimit.h"
 
 namespace krl::player {
 
@@ -51,6 +52,7 @@ public:
             std::reverse(words.begin(), words.end());  // the library expects the words in reverse order
             app_.parse(words);
             if (!chosen_) throw UsageError("no command: name one of those below");
+            const PixelLimit limit(maxPixels_);
             return chosen_();
         } catch (const CLI::CallForVersion&) {
             terminal_.out << "krlimage " << kVersion << '\n';
@@ -142,14 +144,16 @@ private:
             ->type_name("N")
             ->check(CLI::Range(0, 1000000).description(""));
         addTimeout(app, run_.timeout);
+        addMaxPixels(app, maxPixels_);
         addLimits(app, run_.session);
         addSession(app, run_.session, run_.threads);
     }
 
     void addApply() {
-        addApplyOptions(command("apply", "Apply looks and effects to pictures: apply IN... -o OUT CALL...",
-                                [this] { return applyCalls(apply_, terminal_); }),
-                        apply_);
+        CLI::App& app = command("apply", "Apply looks and effects to pictures: apply IN... -o OUT CALL...",
+                                [this] { return applyCalls(apply_, terminal_); });
+        addApplyOptions(app, apply_);
+        addMaxPixels(app, maxPixels_);
     }
 
     void addListAndHelp() {
@@ -198,6 +202,7 @@ private:
         addPath(app, "-o,--output", gallery_.folder, "DIR", "Folder for index.html and its pictures")
             ->required();
         addJobs(app, gallery_.jobs);
+        addMaxPixels(app, maxPixels_);
     }
 
     void addSweep() {
@@ -218,6 +223,7 @@ private:
             ->type_name("N")
             ->check(CLI::Range(size_t{1}, kMostVariants).description(""));
         addJobs(app, sweep_.jobs);
+        addMaxPixels(app, maxPixels_);
     }
 
     void addShow() {
@@ -232,6 +238,7 @@ private:
         app.add_option("--columns", show_.columns, "Width in columns (default: as wide as fits)")
             ->type_name("N")
             ->check(CLI::Range(1, 4096).description(""));
+        addMaxPixels(app, maxPixels_);
     }
 
     void addCheck() {
@@ -272,6 +279,7 @@ private:
             ->type_name("N")
             ->check(CLI::Range(0, 255).description(""));
         app.add_flag("--json", compare_.json, "Print JSON");
+        addMaxPixels(app, maxPixels_);
     }
 
     void addLedger() {
@@ -330,6 +338,7 @@ private:
     std::vector<Setting> settings_;
     CLI::App app_{kPurpose, "krlimage"};
     std::function<int()> chosen_;
+    int64_t maxPixels_ = kUsualPixelLimit;
     RunOptions run_;
     ApplyOptions apply_;
     ListOptions list_;

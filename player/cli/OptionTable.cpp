@@ -3,6 +3,7 @@
 #include "player/cli/ApplyOptions.h"
 #include "player/cli/CommandList.h"
 #include "player/cli/Commands.h"
+#include "player/pictures/Picture.h"
 
 namespace krl::player {
 
@@ -26,22 +27,34 @@ CLI::Validator positiveNumber() {
         "");
 }
 
-/// Makes bytes of a size such as 500M; a number alone counts megabytes.
-CLI::Validator memorySize() {
+/// Numbers that may end with K, M or G.
+struct Amounts {
+    bool areBinary;    ///< whether K is 1024 and not 1000
+    const char* unit;  ///< what a number alone counts, such as `M`; empty for ones
+    uint64_t least, most;
+    const char* expected;
+};
+constexpr Amounts kMemorySizes{true, "M", uint64_t{1} << 20, uint64_t{1} << 44, "a size such as 500M or 4G"};
+constexpr Amounts kPixelCounts{false, "", 1, kPictureByteLimit / sizeof(Pixel),
+                               "a number of pixels such as 100M, at most 536870912"};
+
+/// Makes a plain number of one such as 500M.
+CLI::Validator amount(const Amounts& amounts) {
     return CLI::Validator(
-        [](std::string& text) -> std::string {
-            constexpr uint64_t least = uint64_t{1} << 20, most = uint64_t{1} << 44;
-            std::string bytes = text;
-            if (!bytes.empty() && std::isdigit(static_cast<unsigned char>(bytes.back()))) bytes += 'M';
+        [amounts](std::string& text) -> std::string {
+            std::string plain = text;
+            if (!plain.empty() && std::isdigit(static_cast<unsigned char>(plain.back())))
+                plain += amounts.unit;
             uint64_t number = 0;
             try {
-                CLI::AsSizeValue(false)(bytes);
-                if (!CLI::detail::lexical_cast(bytes, number)) number = 0;
+                CLI::AsSizeValue(!amounts.areBinary)(plain);
+                if (!CLI::detail::lexical_cast(plain, number)) number = 0;
             } catch (const CLI::ValidationError&) {
                 number = 0;
             }
-            if (number < least || number > most) return "expected a size such as 500M or 4G, got " + text;
-            text = bytes;
+            if (number < amounts.least || number > amounts.most)
+                return std::string("expected ") + amounts.expected + ", got " + text;
+            text = plain;
             return "";
         },
         "");
@@ -108,7 +121,15 @@ void addJobs(CLI::App& app, unsigned& jobs) {
 }
 
 CLI::Option* addMemory(CLI::App& app, const char* name, uint64_t& bytes, const char* meaning) {
-    return app.add_option(name, bytes, meaning)->type_name("SIZE")->transform(memorySize());
+    return app.add_option(name, bytes, meaning)->type_name("SIZE")->transform(amount(kMemorySizes));
+}
+
+void addMaxPixels(CLI::App& app, int64_t& pixels) {
+    settable(app.add_option("--max-pixels", pixels,
+                            "Refuse picture files with more than N pixels in all frames, such as 100M\n"
+                            "(default 268435456)")
+                 ->type_name("N")
+                 ->transform(amount(kPixelCounts)));
 }
 
 void addTimeout(CLI::App& app, double& seconds) {

@@ -33,6 +33,9 @@ void addJobs(CLI::App& app, unsigned& jobs);
 /// An option for an amount of memory, `500M` or `4G`.
 CLI::Option* addMemory(CLI::App& app, const char* name, uint64_t& bytes, const char* meaning);
 
+/// `--max-pixels`.
+void addMaxPixels(CLI::App& app, int64_t& pixels);
+
 /// `--timeout`.
 void addTimeout(CLI::App& app, double& seconds);
 

@@ -13,6 +13,9 @@ namespace krl::player {
 /// name has come to mean a file elsewhere since.
 Bitmap readCheckedPicture(const std::filesystem::path& path);
 
+/// Reads the bytes of such a file, whatever they are.
+std::string readCheckedBytes(const std::filesystem::path& path);
+
 /// Writes the picture under a name without links, in the same manner.
 void writeCheckedPicture(const std::filesystem::path& path, const Bitmap& picture);
 

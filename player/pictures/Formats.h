@@ -10,7 +10,10 @@
 /// The formats behind `readPicture` and `writePicture`.
 namespace krl::player {
 
-/// Throws `PictureError` for a size that is empty or beyond the limit, before anything is allocated.
+/// Throws `PictureError` for a size that is empty or larger than any picture, before anything is allocated.
+void requirePossibleSize(const std::filesystem::path& path, int64_t width, int64_t height);
+/// The same for a file to read, which may not exceed the `PixelLimit` either. The height is that of all
+/// frames.
 void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_t height);
 
 /// Portable arbitrary map, `P7` with `RGB_ALPHA`.

@@ -71,7 +71,7 @@ Bitmap worked(const Bitmap& picture, const std::string& doing, const Work& work)
 }  // namespace
 
 Bitmap resized(const Bitmap& picture, int32_t width, int32_t height) {
-    requirePictureSize("the resized picture", width, height);
+    requirePossibleSize("the resized picture", width, height);
     if (width == picture.width && height == picture.height) return picture;
     const std::string doing = "resize the picture";
     return worked(picture, doing, [&](VipsChain& chain) {
@@ -100,7 +100,7 @@ Bitmap turned(const Bitmap& picture, double degrees) {
 #else
 
 Bitmap resized(const Bitmap& picture, int32_t width, int32_t height) {
-    requirePictureSize("the resized picture", width, height);
+    requirePossibleSize("the resized picture", width, height);
     return scaled(picture, width, height);
 }
 

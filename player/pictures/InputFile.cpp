@@ -48,7 +48,7 @@ InputFile::InputFile(const fs::path& path) : path_(path) {
     if (::fstat(::fileno(stream_), &found) == 0 && S_ISREG(found.st_mode)) return;
     std::fclose(stream_);
     // Formats are detected by reading a file twice, which a pipe does not allow.
-    refuse("pictures can be read from files only, not from a pipe or device");
+    refuse("expected a file, got a pipe or device");
 #endif
 }
 
@@ -71,6 +71,16 @@ int InputFile::descriptor() const {
     ::lseek(::fileno(stream_), 0, SEEK_SET);
     return ::fileno(stream_);
 #endif
+}
+
+uint64_t InputFile::size() const {
+#if defined(_WIN32)
+    const auto size = _filelengthi64(_fileno(stream_));
+#else
+    struct stat found {};
+    const auto size = ::fstat(::fileno(stream_), &found) == 0 ? found.st_size : 0;
+#endif
+    return size > 0 ? static_cast<uint64_t>(size) : 0;
 }
 
 bool InputFile::readAt(uint64_t place, uint8_t* bytes, size_t count) const {

@@ -22,6 +22,8 @@ public:
     std::FILE* fromStart() const;
     /// The file descriptor, at its beginning.
     int descriptor() const;
+    /// Its bytes, as the system says.
+    uint64_t size() const;
     /// Reads at a place without moving the one that the descriptor reads from; false beyond the end.
     bool readAt(uint64_t place, uint8_t* bytes, size_t count) const;
     /// Where the open file is, all links resolved; empty where the system does not say.

@@ -18,7 +18,8 @@ namespace {
 /// A file that is read up to its end or the first error.
 class PamFile {
 public:
-    explicit PamFile(const InputFile& file) : path_(file.path()), stream_(file.fromStart()) {}
+    explicit PamFile(const InputFile& file)
+        : path_(file.path()), stream_(file.fromStart()), size_(file.size()) {}
     PamFile(const PamFile&) = delete;
     PamFile& operator=(const PamFile&) = delete;
 
@@ -27,6 +28,12 @@ public:
         const size_t done = std::fread(bytes, 1, count, stream_);
         if (std::ferror(stream_)) refuse(path_, std::strerror(errno));
         return done;
+    }
+
+    /// Bytes that are still to come, as far as the file's size tells.
+    uint64_t left() const {
+        const auto place = static_cast<uint64_t>(std::max(std::ftell(stream_), 0L));
+        return size_ > place ? size_ - place : 0;
     }
 
     /// Reads the next line without its end; false at the end of the file.
@@ -65,6 +72,7 @@ private:
     static constexpr size_t kLongestLine = 1000;
     const std::filesystem::path& path_;
     std::FILE* stream_;
+    uint64_t size_;
 };
 
 struct PamHeader {
@@ -135,12 +143,17 @@ Bitmap readMap(const std::filesystem::path& path, PamFile& file) {
     if (most < 1 || most > 65535) refuse(path, "its largest sample must be from 1 to 65535");
     requirePictureSize(path, width, height);
     const LevelReader reader(most);
+    const size_t rowBytes = static_cast<size_t>(width) * channels * reader.bytes();
+    const auto requireRow = [&](uint64_t y) {
+        if (y < static_cast<uint64_t>(height))
+            refuse(path, "it ends in row " + std::to_string(y + 1) + " of " + std::to_string(height));
+    };
+    requireRow(file.left() / rowBytes);  // before memory is taken
     Bitmap picture{static_cast<int32_t>(width), static_cast<int32_t>(height), {}, nullptr};
     picture.pixels.resize(static_cast<size_t>(width) * static_cast<size_t>(height));
-    std::vector<char> row(static_cast<size_t>(width) * channels * reader.bytes());
+    std::vector<char> row(rowBytes);
     for (int32_t y = 0; y < picture.height; ++y) {
-        if (file.read(row.data(), row.size()) != row.size())
-            refuse(path, "it ends in row " + std::to_string(y + 1) + " of " + std::to_string(height));
+        if (file.read(row.data(), row.size()) != row.size()) requireRow(static_cast<uint64_t>(y));
         const char* sample = row.data();
         const auto next = [&] { return reader.level(std::exchange(sample, sample + reader.bytes())); };
         for (Pixel* p = picture.row(y); p != picture.row(y) + width; ++p) {
@@ -178,13 +191,16 @@ Bitmap readPam(const InputFile& input) {
     if (header.depth != 4 || header.maximum != 255 || header.tupleType != "RGB_ALPHA")
         refuse(path, "a PAM picture must have DEPTH 4, MAXVAL 255 and TUPLTYPE RGB_ALPHA");
     requirePictureSize(path, header.width, header.height);
+    const size_t count = size_t(header.width) * size_t(header.height), bytes = count * sizeof(Pixel);
+    const auto requireAll = [&](uint64_t there) {
+        if (there < bytes)
+            refuse(path, "it ends after " + std::to_string(there) + " of " + std::to_string(bytes) +
+                             " bytes of pixels");
+    };
+    requireAll(file.left());  // before memory is taken
     Bitmap picture{static_cast<int32_t>(header.width), static_cast<int32_t>(header.height), {}, nullptr};
-    picture.pixels.resize(size_t(header.width) * size_t(header.height));
-    const size_t bytes = picture.pixels.size() * sizeof(Pixel);
-    const size_t there = file.read(reinterpret_cast<char*>(picture.pixels.data()), bytes);
-    if (there != bytes)
-        refuse(path, "it ends after " + std::to_string(there) + " of " + std::to_string(bytes) +
-                         " bytes of pixels");
+    picture.pixels.resize(count);
+    requireAll(file.read(reinterpret_cast<char*>(picture.pixels.data()), bytes));
     for (Pixel& p : picture.pixels) std::swap(p.blue, p.red);
     return picture;
 }

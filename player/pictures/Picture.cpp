@@ -8,6 +8,7 @@
 #include "player/pictures/FileAccess.h"
 #include "player/pictures/Formats.h"
 #include "player/pictures/PictureMetadata.h"
+#include "player/pictures/PixelLimit.h"
 
 namespace krl::player {
 
@@ -160,16 +161,29 @@ void requireWritable(const std::filesystem::path& path, const Bitmap& picture, c
         throw PictureError("cannot write " + path.string() +
                            ": this build cannot convert to another colour profile");
 #endif
-    requirePictureSize(path, picture.width, picture.height);
+    requirePossibleSize(path, picture.width, picture.height);
+}
+
+std::string sizeText(int64_t width, int64_t height) {
+    return std::to_string(width) + " by " + std::to_string(height) + " pixels";
 }
 
 }  // namespace
 
-void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_t height) {
-    const std::string size = std::to_string(width) + " by " + std::to_string(height) + " pixels";
-    if (width < 1 || height < 1) throw PictureError(path.string() + " has no pixels: " + size);
+void requirePossibleSize(const std::filesystem::path& path, int64_t width, int64_t height) {
+    if (width < 1 || height < 1)
+        throw PictureError(path.string() + " has no pixels: " + sizeText(width, height));
     if (width > kPictureByteLimit / 4 / height)
-        throw PictureError(path.string() + " is too large: " + size + ", and pictures are limited to 2 GiB");
+        throw PictureError(path.string() + " is too large: " + sizeText(width, height) +
+                           ", and pictures are limited to 2 GiB");
+}
+
+void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_t height) {
+    requirePossibleSize(path, width, height);
+    const int64_t most = PixelLimit::current();
+    if (width > most / height)
+        throw PictureError(path.string() + " is too large: " + sizeText(width, height) +
+                           ", and --max-pixels is " + std::to_string(most));
 }
 
 Bitmap readPicture(const std::filesystem::path& path) { return readFirst(InputFile(path)); }
@@ -181,16 +195,36 @@ PictureFrames readFrames(const std::filesystem::path& path, FrameChoice choice) 
 PictureSize readPictureSize(const std::filesystem::path& path, FrameChoice choice) {
     PictureSize size = readSize(InputFile(path));
     if (choice == FrameChoice::First) size.frames = 1;
-    requirePictureSize(path, size.width, size.height);
+    requirePictureSize(path, size.width, size.height * size.frames);
     return size;
 }
 
+namespace {
+
+/// Throws if the file that is open is not the one that was checked.
+void requireInPlace(const InputFile& file) {
+    const std::filesystem::path place = file.place();
+    if (!place.empty() && place != file.path())
+        throw PictureError("cannot read " + file.path().string() + ": it was replaced by " + place.string());
+}
+
+}  // namespace
+
 Bitmap readCheckedPicture(const std::filesystem::path& path) {
     const InputFile file(path);
-    const std::filesystem::path place = file.place();
-    if (!place.empty() && place != path)
-        throw PictureError("cannot read " + path.string() + ": it was replaced by " + place.string());
+    requireInPlace(file);
     return readFirst(file);
+}
+
+std::string readCheckedBytes(const std::filesystem::path& path) {
+    const InputFile file(path);
+    requireInPlace(file);
+    std::string bytes;
+    char part[65536];
+    std::FILE* const stream = file.fromStart();
+    while (const size_t count = std::fread(part, 1, sizeof part, stream)) bytes.append(part, count);
+    if (std::ferror(stream)) throw PictureError("cannot read " + path.string() + ": " + std::strerror(errno));
+    return bytes;
 }
 
 std::optional<PictureFormat> formatOf(const std::filesystem::path& path) {
