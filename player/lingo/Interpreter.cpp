@@ -10,6 +10,7 @@
 #include "player/lingo/InterpreterScopes.h"
 #include "player/lingo/Parser.h"
 #include "player/lingo/StatementCompiler.h"
+#include "player/pictures/FileAccess.h"
 
 /// Scripts, handlers and texts that are evaluated.
 namespace krl::player {
@@ -362,7 +363,8 @@ Value Interpreter::scriptNamed(const std::string& name) {
     if (file.empty())
         throw HostError("there is no script \"" + name + '"' +
                         didYouMean(name, sandbox.memberNames({".ls"})));
-    const LoadedScript& script = load(scriptSource(file), file.stem().string());
+    Source source{file.string(), readCheckedBytes(sandbox.placeOf(file))};
+    const LoadedScript& script = load(std::make_shared<Source>(std::move(source)), file.stem().string());
     Value made = heap.make<ScriptObject>(script);
     scriptValues_.emplace(folded(name), made);
     return made;

@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 
 #include "catalogue/NearestName.h"
 #include "core/Numbers.h"
@@ -105,9 +103,7 @@ Value memberImage(Runtime& runtime, const Value& object) {
         throw HostError("there is no picture for the member \"" + member.name + '"' +
                         didYouMean(member.name, runtime.sandbox.memberNames(pictureExtensions())));
     // Checked again once it is open: its name may have come to mean a file elsewhere.
-    const std::string name = std::filesystem::absolute(file).string();
-    member.image = runtime.heap.make<ImageObject>(readCheckedPicture(runtime.sandbox.toRead(name)));
-    return member.image;
+    return member.image = runtime.heap.make<ImageObject>(readCheckedPicture(runtime.sandbox.placeOf(file)));
 }
 
 void setMemberImage(Runtime&, const Value& object, const Value& value) {
@@ -127,11 +123,7 @@ Value memberText(Runtime& runtime, const Value& object) {
     if (file.empty())
         throw HostError("there is no text for the member \"" + member.name + '"' +
                         didYouMean(member.name, runtime.sandbox.memberNames(extensions)));
-    std::ifstream in(file, std::ios::binary);
-    std::ostringstream text;
-    if (!(text << in.rdbuf()) && !in.eof()) throw HostError("cannot read the text " + file.string());
-    member.text = runtime.text(text.str());
-    return member.text;
+    return member.text = runtime.text(readCheckedBytes(runtime.sandbox.placeOf(file)));
 }
 
 void setMemberText(Runtime& runtime, const Value& object, const Value& value) {

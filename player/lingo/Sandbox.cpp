@@ -59,8 +59,9 @@ void Sandbox::setScriptFolder(const fs::path& folder) {
     allowed_.push_back(resolved(scriptFolder_));
 }
 
-bool Sandbox::allows(const fs::path& file) const {
-    const fs::path real = resolved(file);
+bool Sandbox::allows(const fs::path& file) const { return holds(resolved(file)); }
+
+bool Sandbox::holds(const fs::path& real) const {
     return std::any_of(allowed_.begin(), allowed_.end(),
                        [&](const fs::path& folder) { return !folder.empty() && within(real, folder); });
 }
@@ -84,7 +85,8 @@ fs::path Sandbox::toRead(const std::string& name) const {
     bool found = false;
     for (const fs::path& place : places) {
         if (!isThere(place)) continue;
-        if (allows(place)) return resolved(place);
+        // Resolved once: a second time, it could lead elsewhere.
+        if (const fs::path real = resolved(place); holds(real)) return real;
         found = true;
     }
     if (found ||
@@ -104,7 +106,9 @@ fs::path Sandbox::toWrite(const std::string& name) const {
     if (!allows(place)) refuse(wanted);
     // Not the file's own link, if it is one: that is replaced, and not what it points at.
     const fs::path folder = place.has_parent_path() ? place.parent_path() : fs::path(".");
-    return resolved(folder) / place.filename();
+    const fs::path real = resolved(folder);
+    if (!holds(real) && !holds(real / place.filename())) refuse(wanted);
+    return real / place.filename();
 }
 
 std::vector<fs::path> Sandbox::castFolders() const {
@@ -130,6 +134,12 @@ fs::path Sandbox::member(const std::string& name, const std::vector<std::string>
         if (!found.empty()) return *std::min_element(found.begin(), found.end());
     }
     return {};
+}
+
+fs::path Sandbox::placeOf(const fs::path& file) const {
+    const fs::path real = resolved(file);
+    if (!holds(real)) refuse(file);
+    return real;
 }
 
 std::vector<std::string> Sandbox::memberNames(const std::vector<std::string>& extensions) const {

@@ -26,11 +26,15 @@ public:
     /// The first file in the script's folder and the cast whose name without extension is `name`,
     /// ignoring case, and whose extension is among `extensions`; empty if there is none.
     std::filesystem::path member(const std::string& name, const std::vector<std::string>& extensions) const;
+    /// Where a file is that `member` found, without links. Throws `HostError` if that is elsewhere by now.
+    std::filesystem::path placeOf(const std::filesystem::path& file) const;
     /// The names that `member` would find, without extensions, for messages.
     std::vector<std::string> memberNames(const std::vector<std::string>& extensions) const;
 
 private:
     bool allows(const std::filesystem::path& file) const;
+    /// Whether a file without links is in an allowed folder.
+    bool holds(const std::filesystem::path& real) const;
     std::vector<std::filesystem::path> castFolders() const;
     [[noreturn]] void refuse(const std::filesystem::path& file) const;
 
