@@ -1,11 +1,14 @@
 #include <atomic>
 #include <chrono>
+#include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <thread>
 
 #include "catalogue/Catalogue.h"
 #include "catalogue/DirectCall.h"
 #include "catalogue/Notation.h"
+#include "core/Faults.h"
 #include "fuzz/PlainReferences.h"
 #include "fuzz/RandomArguments.h"
 
@@ -15,7 +18,8 @@ namespace krl::fuzz {
 
 namespace {
 
-/// Cancels calls that an argument has made too long to wait for.
+/// Cancels calls that an argument has made too long to wait for: by processor time, so that a busy machine
+/// judges as many calls as an idle one.
 class Patience {
 public:
     Patience() {
@@ -23,24 +27,46 @@ public:
     }
     void begin(ImageEngine& engine) {
         engine.resume();
-        started_ = now();
+        started_ = std::clock();
         engine_ = &engine;
     }
     void end() { engine_ = nullptr; }
 
 private:
-    static int64_t now() { return std::chrono::steady_clock::now().time_since_epoch().count(); }
+    static constexpr std::clock_t kLongest = CLOCKS_PER_SEC / 10;
 
     void watch() {
-        const auto longest = std::chrono::nanoseconds(std::chrono::milliseconds(500)).count();
         for (;;) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-            if (ImageEngine* engine = engine_; engine && now() - started_ > longest) engine->cancel();
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            if (ImageEngine* engine = engine_; engine && std::clock() - started_ > kLongest) engine->cancel();
         }
     }
 
     std::atomic<ImageEngine*> engine_ = nullptr;
-    std::atomic<int64_t> started_ = 0;
+    std::atomic<std::clock_t> started_ = 0;
+};
+
+/// What became of the calls, printed at the end of the program.
+struct Tally {
+    ~Tally() {
+        std::printf("%llu calls compared, %llu refused, %llu cancelled\n", compared, refused, cancelled);
+    }
+    unsigned long long compared = 0, refused = 0, cancelled = 0;
+};
+Tally tally;
+
+/// While this object lives, all bands of a call run on the calling thread, one after the other: they divide
+/// the picture as ever, and starting threads would take most of a short call's time.
+class NoThreads {
+public:
+    explicit NoThreads(bool applies) {
+        if (!applies) return;
+        faults().threads = 0;
+        faults().lasting = true;
+    }
+    ~NoThreads() { faults() = {}; }
+    NoThreads(const NoThreads&) = delete;
+    NoThreads& operator=(const NoThreads&) = delete;
 };
 
 ImageEngine& engine() {
@@ -127,18 +153,41 @@ std::vector<const Method*> callable() {
 
 }  // namespace
 
+namespace {
+
+/// Mostly a few pixels, and now and then lines longer than any part that a loop works in.
+Picture pictureToChange(Bytes& bytes) {
+    const auto side = [&](uint32_t most) { return 1 + static_cast<int32_t>(bytes.below(most)); };
+    const uint32_t kind = bytes.below(256);
+    int32_t width = 0, height = 0;
+    if (kind < 254) {
+        const uint32_t most = kind < 224 ? 12 : 40;
+        width = side(most), height = side(most);
+    } else {
+        width = 600 + side(800), height = side(6);
+        if (kind == 255) std::swap(width, height);
+    }
+    return randomPicture(bytes, width, height);
+}
+
+}  // namespace
+
 int runCall(const uint8_t* data, size_t size) {
     static const std::vector<const Method*> methods = callable();
     Bytes bytes(data, size);
     const Method& method = *methods[bytes.below(static_cast<uint32_t>(methods.size()))];
-    const auto width = 1 + static_cast<int32_t>(bytes.below(40));
-    const auto height = 1 + static_cast<int32_t>(bytes.below(40));
-    const Picture picture = randomPicture(bytes, width, height);
-    const std::vector<Value> arguments = randomArguments(bytes, method, width, height);
+    const Picture picture = pictureToChange(bytes);
+    const std::vector<Value> arguments =
+        randomArguments(bytes, method, picture.info.width, picture.info.height);
     const auto bands = 2 + static_cast<int32_t>(bytes.below(15));
+    const NoThreads alone(!bytes.oneIn(32));
     const Aftermath one = after(method, picture, arguments, 1);
     const Aftermath many = after(method, picture, arguments, bands);
-    if (one.result.code == kCallCancelled || many.result.code == kCallCancelled) return 0;
+    if (one.result.code == kCallCancelled || many.result.code == kCallCancelled) {
+        ++tally.cancelled;
+        return 0;
+    }
+    ++(one.result.ok() ? tally.compared : tally.refused);
     if (!method.resultDependsOnBands()) expectSame(method, one, many, bands);
     if (one.result.ok() && differsFromReference(method, picture, arguments, one.picture))
         report(method.shortName() + " differs from its plain reference");

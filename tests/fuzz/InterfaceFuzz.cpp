@@ -14,13 +14,31 @@ namespace {
 constexpr size_t kHandles = 6;
 constexpr int32_t kSide = 6;
 
+/// Engines that outlive a run, one for each number of bands: making one takes longer than a run.
+krl_engine* keptEngine(uint32_t bands) {
+    static const std::array<krl_engine*, 4> engines = {krl_engine_new(0), krl_engine_new(1),
+                                                       krl_engine_new(2), krl_engine_new(3)};
+    return engines[bands];
+}
+
+bool isKept(const krl_engine* engine) {
+    for (uint32_t bands = 0; bands < 4; ++bands)
+        if (engine == keptEngine(bands)) return true;
+    return false;
+}
+
 class Session {
 public:
-    explicit Session(Bytes bytes) : bytes_(bytes) {}
+    explicit Session(Bytes bytes) : bytes_(bytes) {
+        for (uint32_t bands = 0; bands < 4; ++bands) {
+            krl_engine_resume(keptEngine(bands));
+            krl_engine_keep_memory(keptEngine(bands), 0);
+        }
+    }
     ~Session() {
         for (krl_value* value : values_) krl_value_free(value);
         for (krl_result* result : results_) krl_result_free(result);
-        for (krl_engine* engine : engines_) krl_engine_free(engine);
+        for (krl_engine* engine : engines_) free(engine);
     }
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -30,6 +48,10 @@ public:
     }
 
 private:
+    static void free(krl_engine* engine) {
+        if (!isKept(engine)) krl_engine_free(engine);
+    }
+
     size_t place() { return bytes_.below(kHandles); }
     krl_value*& value() { return values_[place()]; }
     const krl_value* anyValue() { return bytes_.oneIn(8) ? nullptr : value(); }
@@ -221,8 +243,9 @@ private:
                 return put(krl_example(methodName().c_str(), bytes_.below(6), kSide, kSide));
             case 7: {
                 krl_engine*& slot = engines_[bytes_.below(2)];
-                krl_engine_free(slot);
-                slot = krl_engine_new(static_cast<int32_t>(bytes_.below(5)) - 1);
+                free(slot);
+                slot = bytes_.oneIn(256) ? krl_engine_new(static_cast<int32_t>(bytes_.below(5)) - 1)
+                                         : keptEngine(bytes_.below(4));
                 return;
             }
             case 8:
@@ -238,7 +261,7 @@ private:
     Bytes bytes_;
     std::array<krl_value*, kHandles> values_{};
     std::array<krl_result*, 2> results_{};
-    std::array<krl_engine*, 2> engines_{krl_engine_new(1), nullptr};
+    std::array<krl_engine*, 2> engines_{keptEngine(1), nullptr};
     std::array<uint8_t, size_t{kSide} * kSide * 4> pixels_{};
     int64_t total_ = 0;
 };

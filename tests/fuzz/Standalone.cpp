@@ -93,7 +93,7 @@ Input freshBytes(std::mt19937_64& random) {
     return input;
 }
 
-/// The input is on disk while it runs, so that a crash leaves it behind.
+/// Keeps the input in reach of the handler that saves it after a crash.
 class Runner {
 public:
     void run(const Input& input) {
