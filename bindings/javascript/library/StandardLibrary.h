@@ -1,7 +1,7 @@
 #pragma once
 
-/// What Emscripten's standard library lacks of C++20, as far as the tree uses it. CMake includes this first in every
-/// file that uses any of it.
+/// What Emscripten's standard library lacks of C++20, as far as the tree uses it. CMake includes this first
+/// in every file that uses any of it.
 
 #include <algorithm>
 #include <bit>
@@ -119,6 +119,10 @@ void fill(Range&& range, const Value& value) {
 template <class Range, class Value>
 auto find(Range&& range, const Value& value) {
     return std::find(std::begin(range), std::end(range), value);
+}
+template <class Range, class Other>
+bool equal(const Range& range, const Other& other) {
+    return std::equal(std::begin(range), std::end(range), std::begin(other), std::end(other));
 }
 template <class Range, class Test>
 bool any_of(Range&& range, Test test) {
