@@ -14,6 +14,11 @@ const VECTOR_PROBE = new Uint8Array([
     253, 12, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 26, 11,
 ]);
 
+/** A module with exceptions: `try; catch_all; end` in a function. */
+const EXCEPTION_PROBE = new Uint8Array([
+    0, 97, 115, 109, 1, 0, 0, 0, 1, 4, 1, 96, 0, 0, 3, 2, 1, 0, 10, 8, 1, 6, 0, 6, 64, 25, 11, 11,
+]);
+
 /** Whether this machine runs the faster module. */
 export function hasVectors(): boolean {
     return WebAssembly.validate(VECTOR_PROBE);
@@ -76,7 +81,8 @@ function ownModule(name: VariantName): Promise<WebAssembly.Module> {
 
 /** A new instance with memory of its own. */
 export async function instantiate(name: VariantName, source?: WasmSource): Promise<Exports> {
-    if (typeof WebAssembly !== "object") throw new Error("this browser cannot run WebAssembly, which the engine needs");
+    if (typeof WebAssembly !== "object" || !WebAssembly.validate(EXCEPTION_PROBE))
+        throw new Error("this browser is too old: the engine needs WebAssembly with exceptions");
     const [module, { default: factory }] = await Promise.all([
         source === undefined ? ownModule(name) : compile(source),
         VARIANTS[name].factory(),
