@@ -24,6 +24,13 @@ function onPaste(event: ClipboardEvent): void {
     if (file) openFile(file).catch(complain);
 }
 
+/** Ways past the many effects, for those who use keys. */
+function SkipLinks() {
+    const link = (label: string, target: string) =>
+        <button type="button" onClick={() => document.querySelector<HTMLElement>(target)?.focus()}>{label}</button>;
+    return <nav class="skip" aria-label="Skip">{link("Skip to the picture", ".view")}{link("Skip to the chain", ".chain")}</nav>;
+}
+
 function App() {
     useEffect(() => {
         document.addEventListener("keydown", onKey);
@@ -35,6 +42,7 @@ function App() {
     }, []);
     const { text, isProblem } = message.value;
     return <>
+        {start.value && tab.value === "studio" && <SkipLinks />}
         <Header />
         <main id="main" role="tabpanel" aria-labelledby={`tab-${tab.value}`}>
             {!start.value && !isProblem && <p class="loading">Loading the effects…</p>}
@@ -54,7 +62,9 @@ Object.assign(globalThis, {
     krlStudio: {
         fullResult,
         effects: () => [...effects.value.values()].map(({ name, scriptName, inert, arguments: taken }) =>
-            ({ name, scriptName, inert, kinds: taken.map(({ kind }) => kind) })),
+            ({
+                name, scriptName, inert, kinds: taken.map(({ kind }) => kind), meanings: taken.map(({ meaning }) => meaning),
+            })),
     },
 });
 

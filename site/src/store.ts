@@ -3,7 +3,7 @@ import type { Family, Picture, Value } from "krlimage";
 import { addressOf, chainOf } from "./model/address.js";
 import { EngineClient } from "./engine/client.js";
 import type { Failure, Rendered, Start } from "./engine/protocol.js";
-import { moved, newStep, scaledChain, takesTree, type Chain, type EffectInfo, type Size, type Step, type Values } from "./model/document.js";
+import { moved, newStep, scaledChain, type Chain, type EffectInfo, type Size, type Step, type Values } from "./model/document.js";
 import * as History from "./model/history.js";
 import { pictureOfFile, SAMPLES, type SampleName } from "./pictures.js";
 
@@ -37,6 +37,8 @@ export const canUndo = computed(() => history.value.past.length > 0);
 export const canRedo = computed(() => history.value.future.length > 0);
 /** The step whose settings and handles are shown. */
 export const selected = signal<number | undefined>(undefined);
+/** The corner of a shape, or the element of a flare, that is worked on. */
+export const chosenPart = signal(0);
 
 export const rendered = signal<Rendered | undefined>(undefined);
 /** Whether `rendered` has every pixel of the picture. */
@@ -229,9 +231,8 @@ export async function addFile(file: File): Promise<string> {
 
 // ---- Rendering
 
-function previewSize({ width, height }: Size, steps: readonly Step[]): Size {
-    const needsFull = steps.some((step) => step.on && takesTree(effects.value.get(step.effect)!));
-    const share = needsFull ? 1 : Math.min(1, Math.sqrt(PREVIEW_PIXELS / (width * height)));
+function previewSize({ width, height }: Size): Size {
+    const share = Math.min(1, Math.sqrt(PREVIEW_PIXELS / (width * height)));
     return { width: Math.max(1, Math.round(width * share)), height: Math.max(1, Math.round(height * share)) };
 }
 
@@ -259,7 +260,7 @@ async function render(name: string, wanted: Chain, size: Size): Promise<void> {
 /** Works on the reduced picture now, and on the whole after a pause. */
 async function renderSoon(name: string, wanted: Chain): Promise<void> {
     clearTimeout(pause);
-    const size = previewSize(wanted.size, wanted.steps);
+    const size = previewSize(wanted.size);
     await render(name, wanted, size);
     const isCurrent = wanted === chain.value && name === source.value?.name;
     if (isCurrent && size.width < wanted.size.width)

@@ -1,35 +1,22 @@
 import type { Argument, Value } from "krlimage";
 import type { EffectInfo } from "../model/document.js";
+import { flareOf } from "../model/flare.js";
+import { isShape } from "../model/shape.js";
 import { chain } from "../store.js";
-import { ChoiceControl } from "./ChoiceControl.js";
-import { ColourControl } from "./ColourControl.js";
-import type { ControlProps } from "./controls.js";
-import { NumberControl } from "./NumberControl.js";
-import { PictureControl } from "./PictureControl.js";
-import { PointControl } from "./PointControl.js";
-import { RampControl } from "./RampControl.js";
-import { TreeControl } from "./TreeControl.js";
+import { FlareControl } from "./FlareControl.js";
+import { ScriptText } from "./ScriptText.js";
+import { ShapeControl } from "./ShapeControl.js";
+import { ValueControl } from "./ValueControl.js";
 
-/** The shorter side of the picture that ranges are given for. */
-const EXAMPLE_SIDE = 640;
-
-/** The control for an argument, by its kind. */
+/** The control for an argument of an effect. */
 export function Control({ effect, argument, value, change }: {
     effect: EffectInfo; argument: Argument; value: Value; change: (value: Value) => void;
 }) {
-    const { width, height } = chain.value.size;
-    const lengthScale = effect.lengths.includes(argument.name) ? Math.min(width, height) / EXAMPLE_SIDE : 1;
-    // The catalogue says which kind the value is of.
-    const props = <V,>() => ({ argument, value, change, lengthScale }) as unknown as ControlProps<V>;
-    switch (argument.kind) {
-        case "integer":
-        case "real": return <NumberControl {...props<number>()} />;
-        case "symbol": return <ChoiceControl {...props<string>()} />;
-        case "colour": return <ColourControl {...props<string>()} />;
-        case "point": return <PointControl {...props<{ x: number; y: number }>()} />;
-        case "colours": return <RampControl {...props<Record<string, string>>()} />;
-        case "picture": return <PictureControl {...props<string>()} />;
-        case "tree":
-            return typeof value === "string" ? <PictureControl {...props<string>()} /> : <TreeControl {...props<Value>()} method={effect.name} />;
-    }
+    if (argument.kind !== "tree" || typeof value === "string")
+        return <ValueControl argument={argument} value={value} change={change} size={chain.value.size}
+            isLength={effect.lengths.includes(argument.name)} />;
+    const props = { argument, value, change, lengthScale: 1, method: effect.name };
+    if (isShape(value)) return <ShapeControl {...props} value={value} />;
+    const flare = flareOf(value);
+    return flare ? <FlareControl {...props} flare={flare} /> : <ScriptText {...props} />;
 }

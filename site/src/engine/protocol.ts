@@ -25,7 +25,7 @@ export interface Failure {
 
 export interface Rendered {
     readonly picture: Picture;
-    /** Milliseconds of each step; none for those that are off or came from the cache. */
+    /** Milliseconds of each step when it last ran; none for those that are off. */
     readonly times: readonly (number | undefined)[];
     /** What the steps measured, in words. */
     readonly measured: readonly (string | undefined)[];

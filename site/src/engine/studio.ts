@@ -17,6 +17,7 @@ function copyOf({ width, height, data }: Picture): Picture {
 interface Outcome {
     readonly picture: Picture;
     readonly measured: string | undefined;
+    readonly milliseconds: number;
 }
 
 function shownValue(value: Value): string {
@@ -117,12 +118,14 @@ export class Studio implements AsyncServices {
     private applyStep(effect: EffectInfo, values: Values, before: Picture): Outcome {
         const picture = copyOf(before);
         const given = this.argumentsOf(effect, values, before);
+        const begun = performance.now();
         const result = this.engine.apply(picture, effect.name as "invert", given as object);
+        const milliseconds = performance.now() - begun;
         const changed = effect.changedArgument ? given[effect.changedArgument] as Picture : result.picture;
         const measured = Object.entries(result.entries as Record<string, Value>)
             .filter(([key, value]) => key !== "error" && (typeof value !== "object" || value === null))
             .map(([key, value]) => `${key}: ${shownValue(value)}`).join(", ");
-        return { picture: changed ?? picture, measured: measured || undefined };
+        return { picture: changed ?? picture, measured: measured || undefined, milliseconds };
     }
 
     async render(source: string, chain: Chain, size: Size): Promise<Rendered | undefined> {
@@ -142,20 +145,17 @@ export class Studio implements AsyncServices {
             const key = JSON.stringify([step.effect, values]);
             let outcome = keeps ? this.cache.find(place, key) : undefined;
             ++place;
-            if (outcome) {
-                times.push(undefined);
-            } else {
+            if (!outcome) {
                 await nextTurn();
                 if (own !== this.lastRender) return undefined;
-                const begun = performance.now();
                 try {
                     outcome = this.applyStep(effect, values, picture);
                 } catch (problem) {
                     return { picture: copyOf(picture), times, measured, failure: failureOf(problem, index) };
                 }
-                times.push(performance.now() - begun);
                 if (keeps) this.cache.add(key, outcome);
             }
+            times.push(outcome.milliseconds);
             measured.push(outcome.measured);
             picture = outcome.picture;
         }
@@ -250,6 +250,7 @@ export class Studio implements AsyncServices {
     }
 
     keep(name: string, picture: Picture): void {
+        if (this.pictures.has(name)) this.cache.open("");  // outcomes can depend on the picture that had the name
         this.pictures.set(name, picture);
     }
 

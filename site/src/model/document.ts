@@ -1,9 +1,9 @@
 import type { Argument, Effect, Value } from "krlimage";
+import { flareOf, scaledFlare, valueOfFlare } from "./flare.js";
+import { isPoint, roundedPoint, scaledPoint, type Size } from "./places.js";
+import { isShape, scaledShape } from "./shape.js";
 
-export interface Size {
-    readonly width: number;
-    readonly height: number;
-}
+export { isPoint, type Size };
 
 export type Values = Readonly<Record<string, Value>>;
 
@@ -44,15 +44,6 @@ export function newStep(effect: string, values: Values, on = true): Step {
     return { id: ++lastId, effect, on, values };
 }
 
-export function isPoint(value: Value): value is { x: number; y: number } {
-    return typeof value === "object" && value !== null && !Array.isArray(value) && "x" in value && "y" in value;
-}
-
-/** Whether the effect works on structures, whose numbers do not say what is a length. */
-export function takesTree(effect: EffectInfo): boolean {
-    return effect.arguments.some(({ kind }) => kind === "tree");
-}
-
 const shortSide = ({ width, height }: Size) => Math.min(width, height);
 
 /** The value on a picture of another size. */
@@ -61,15 +52,14 @@ function scaled(argument: Argument, isLength: boolean, value: Value, from: Size,
         const length = value * shortSide(to) / shortSide(from);
         return argument.kind === "integer" ? Math.round(length) : length;
     }
-    return argument.kind === "point" || argument.kind === "tree" ? scaledPoints(value, from, to) : value;
+    return argument.kind === "point" || argument.kind === "tree" ? scaledPlaces(value, from, to) : value;
 }
 
-function scaledPoints(value: Value, from: Size, to: Size): Value {
-    if (isPoint(value))
-        return { x: Math.round(value.x * to.width / from.width), y: Math.round(value.y * to.height / from.height) };
-    if (Array.isArray(value)) return value.map((item: Value) => scaledPoints(item, from, to));
-    if (typeof value !== "object" || value === null) return value;
-    return Object.fromEntries(Object.entries(value).map(([key, item]) => [key, scaledPoints(item as Value, from, to)]));
+function scaledPlaces(value: Value, from: Size, to: Size): Value {
+    if (isPoint(value)) return roundedPoint(scaledPoint(value, from, to));
+    if (isShape(value)) return scaledShape(value, from, to);
+    const flare = flareOf(value);
+    return flare ? valueOfFlare(scaledFlare(flare, from, to)) : value;
 }
 
 /** The arguments of a step on a picture of another size. */

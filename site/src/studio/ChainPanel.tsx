@@ -15,6 +15,9 @@ function timeText(milliseconds: number | undefined): string {
     return milliseconds < 10 ? `${milliseconds.toFixed(1)} ms` : `${Math.round(milliseconds)} ms`;
 }
 
+/** The step that is being dragged to another place. */
+let dragged: { readonly id: number; readonly index: number } | undefined;
+
 function StepCard({ step, index, count }: { step: Step; index: number; count: number }) {
     const effect = effects.value.get(step.effect)!;
     const name = wordsOf(effect.name);
@@ -28,8 +31,16 @@ function StepCard({ step, index, count }: { step: Step; index: number; count: nu
         else return;
         event.preventDefault();
     };
-    return <li class={`step${isOpen ? " open" : ""}${step.on ? "" : " off"}${failure ? " failed" : ""}`}>
-        <div class="head">
+    return <li onDragOver={(event) => { if (dragged !== undefined) event.preventDefault(); }}
+        onDrop={(event) => {
+            if (dragged === undefined) return;
+            event.preventDefault();
+            moveStep(dragged.id, index - dragged.index);
+        }} class={`step${isOpen ? " open" : ""}${step.on ? "" : " off"}${failure ? " failed" : ""}`}>
+        <div class="head" draggable onDragStart={(event) => {
+            dragged = { id: step.id, index };
+            event.dataTransfer!.effectAllowed = "move";
+        }} onDragEnd={() => { dragged = undefined; }}>
             <input type="checkbox" class="switch" checked={step.on} aria-label={`${name} on`} onChange={() => switchStep(step.id)} />
             <button type="button" class="title" aria-expanded={isOpen} onKeyDown={onKey}
                 onClick={() => { selected.value = isOpen ? undefined : step.id; }}>
@@ -57,7 +68,7 @@ function StepCard({ step, index, count }: { step: Step; index: number; count: nu
 /** The effects that are applied, in order. */
 export function ChainPanel() {
     const { steps } = chain.value;
-    return <section class="chain" aria-label="Chain of effects">
+    return <section class="chain" aria-label="Chain of effects" tabIndex={-1}>
         <header><h2>Chain</h2>
             {steps.length > 0 && <button type="button" class="quiet" onClick={clearChain}>Clear</button>}</header>
         {steps.length === 0

@@ -1,16 +1,15 @@
-import { computed, signal } from "@preact/signals";
+import { computed } from "@preact/signals";
 import type { Picture } from "krlimage";
-import { useEffect, useRef } from "preact/hooks";
+import { useEffect, useLayoutEffect, useRef } from "preact/hooks";
+import { Handles } from "../handles/Handles.js";
 import { asImageData } from "../pictures.js";
-import { complain, isBusy, isFull, openFile, rendered, source } from "../store.js";
-import { Handles } from "./Handles.js";
+import { complain, isBusy, isFull, openFile, rendered, source, type OpenPicture } from "../store.js";
 import { Icon } from "./Icon.js";
+import { split, SplitHandle } from "./SplitHandle.js";
+import { fit, fitted, gestures, onViewKey, shift, showPixels, zoom, zoomBy } from "./view.js";
 
-/** Where the picture before ends and the result begins, in percent of the width. */
-export const split = signal(0);
-const zoom = signal(1);
-const shift = signal({ x: 0, y: 0 });
-const MOST_ZOOM = 16;
+/** From so many pixels of the screen for one of the picture, pixels are shown as squares. */
+const SQUARES_FROM = 3;
 
 function draw(canvas: HTMLCanvasElement | null, picture: Picture | undefined): void {
     if (!canvas || !picture) return;
@@ -19,89 +18,93 @@ function draw(canvas: HTMLCanvasElement | null, picture: Picture | undefined): v
     canvas.getContext("2d")!.putImageData(asImageData(picture), 0, 0);
 }
 
-function setZoom(next: number): void {
-    zoom.value = Math.min(MOST_ZOOM, Math.max(1, next));
-    if (zoom.value === 1) shift.value = { x: 0, y: 0 };
-}
-
 const shown = computed(() => rendered.value?.picture ?? source.value?.picture);
 
-function SplitHandle({ frame }: { frame: { current: HTMLElement | null } }) {
-    const move = (event: PointerEvent) => {
-        const { left, width } = frame.current!.getBoundingClientRect();
-        split.value = Math.min(100, Math.max(0, 100 * (event.clientX - left) / width));
+/** Files that are dropped on the picture are opened. */
+function dropHandlers(view: { current: HTMLElement | null }) {
+    const mark = (isDropping: boolean) => view.current!.classList.toggle("dropping", isDropping);
+    return {
+        onDragOver: (event: DragEvent) => {
+            if (!event.dataTransfer?.types.includes("Files")) return;
+            event.preventDefault();
+            mark(true);
+        },
+        onDragLeave: () => { mark(false); },
+        onDrop: (event: DragEvent) => {
+            event.preventDefault();
+            mark(false);
+            const [file] = event.dataTransfer?.files ?? [];
+            if (file) openFile(file).catch(complain);
+        },
     };
-    const onKey = (event: KeyboardEvent) => {
-        const by = { ArrowLeft: -2, ArrowDown: -2, ArrowRight: 2, ArrowUp: 2, Home: -100, End: 100 }[event.key];
-        if (by === undefined) return;
-        split.value = Math.min(100, Math.max(0, split.value + by));
-        event.preventDefault();
-    };
-    return <div class="split" role="slider" tabIndex={0} aria-label="Before and after" aria-valuemin={0} aria-valuemax={100}
-        aria-valuenow={Math.round(split.value)} aria-valuetext={`${Math.round(split.value)} percent before`}
-        style={{ left: `${split.value}%` }} onKeyDown={onKey}
-        onPointerDown={(event) => event.currentTarget.setPointerCapture(event.pointerId)}
-        onPointerMove={(event) => { if (event.currentTarget.hasPointerCapture(event.pointerId)) move(event); }}>
-        <span><Icon name="split" /></span>
-    </div>;
-}
-
-function droppedFile(event: DragEvent): File | undefined {
-    return [...event.dataTransfer?.files ?? []][0];
 }
 
 /** The picture: the result, and left of the split what it was made of. */
-export function Stage() {
+function View({ open }: { open: OpenPicture | undefined }) {
     const view = useRef<HTMLDivElement>(null), frame = useRef<HTMLDivElement>(null);
     const before = useRef<HTMLCanvasElement>(null), after = useRef<HTMLCanvasElement>(null);
-    const open = source.value, result = shown.value;
+    const result = shown.value;
+    const { width = 3, height = 2 } = open?.picture ?? {};
     useEffect(() => draw(before.current, open?.picture), [open]);
     useEffect(() => draw(after.current, result), [result]);
-    useEffect(() => setZoom(1), [open]);
+    useEffect(fit, [open]);
+    useLayoutEffect(() => {
+        const measure = () => { fitted.value = { width: frame.current!.offsetWidth, height: frame.current!.offsetHeight }; };
+        const watch = new ResizeObserver(measure);
+        watch.observe(frame.current!);
+        measure();
+        return () => watch.disconnect();
+    }, []);
 
+    const placeOf = ({ clientX, clientY }: MouseEvent) => {
+        const box = view.current!.getBoundingClientRect();
+        return { x: clientX - box.left - box.width / 2, y: clientY - box.top - box.height / 2 };
+    };
     const onWheel = (event: WheelEvent) => {
-        if (!event.ctrlKey && !event.metaKey) return;
         event.preventDefault();
-        setZoom(zoom.value * Math.exp(-event.deltaY / 300));
+        zoomBy(Math.exp(-event.deltaY / 300), placeOf(event));
     };
-    const onPan = (event: PointerEvent) => {
-        if (zoom.value === 1 || !view.current!.hasPointerCapture(event.pointerId)) return;
-        shift.value = { x: shift.value.x + event.movementX, y: shift.value.y + event.movementY };
-    };
-    const { width = 3, height = 2 } = open?.picture ?? {};
-    return <section class="stage" aria-label="Picture">
-        <div class="view" ref={view} onWheel={onWheel}
-            onPointerDown={(event) => { if (zoom.value > 1 && event.target !== event.currentTarget) view.current!.setPointerCapture(event.pointerId); }}
-            onPointerMove={onPan}
-            onDragOver={(event) => { event.preventDefault(); view.current!.classList.add("dropping"); }}
-            onDragLeave={() => view.current!.classList.remove("dropping")}
-            onDrop={(event) => {
-                event.preventDefault();
-                view.current!.classList.remove("dropping");
-                const file = droppedFile(event);
-                if (file) openFile(file).catch(complain);
-            }}>
-            <div class="frame" ref={frame} style={{
-                "--ratio": `${width} / ${height}`, "--wide": width / height,
-                transform: `translate(${shift.value.x}px, ${shift.value.y}px) scale(${zoom.value})`,
-            }}>
-                <canvas ref={before} class="before" aria-hidden="true" />
-                <canvas ref={after} class="after" role="img" style={{ clipPath: `inset(0 0 0 ${split.value}%)` }}
-                    aria-label={open ? `${open.name} with the effects of the chain` : "No picture yet"} />
-                {open && <Handles size={open.picture} />}
-                {open && <SplitHandle frame={frame} />}
-            </div>
+    const squares = zoom.value * fitted.value.width / width >= SQUARES_FROM;
+    return <div class="view" ref={view} tabIndex={0} role="group" aria-label="Picture: plus and minus zoom, arrow keys move, 0 fits it"
+        onWheel={onWheel} onKeyDown={onViewKey} {...gestures(placeOf)} {...dropHandlers(view)}>
+        <div class={squares ? "frame squares" : "frame"} ref={frame} style={{
+            "--ratio": `${width} / ${height}`, "--wide": width / height, "--zoom": zoom.value,
+            transform: `translate(${shift.value.x}px, ${shift.value.y}px) scale(${zoom.value})`,
+        }}>
+            <canvas ref={before} class="before" aria-hidden="true" />
+            <canvas ref={after} class="after" role="img" style={{ clipPath: `inset(0 0 0 ${split.value}%)` }}
+                aria-label={open ? `${open.name} with the effects of the chain` : "No picture yet"} />
+            {open && <SplitHandle frame={frame} />}
+            {open && <Handles size={open.picture} />}
         </div>
+    </div>;
+}
+
+/** Pixels of the screen for one of the picture, in percent. */
+const shownPercent = computed(() =>
+    Math.round(100 * zoom.value * fitted.value.width * devicePixelRatio / (source.value?.picture.width ?? fitted.value.width)));
+
+function sizeText({ picture }: OpenPicture): string {
+    if (!rendered.value) return `${picture.width} × ${picture.height}`;
+    const { width, height } = rendered.value.picture;
+    return isFull.value ? `${width} × ${height}` : "preview";
+}
+
+export function Stage() {
+    const open = source.value;
+    return <section class="stage" aria-label="Picture">
+        <View open={open} />
         <footer class="bar">
             <span class="facts" role="status">
-                {open && `${open.name} · ${result!.width === width && isFull.value || !rendered.value ? `${width} × ${height}` :
-                    isFull.value ? `${result!.width} × ${result!.height}` : "preview"}`}
+                {open && `${open.name} · ${sizeText(open)}`}
                 {isBusy.value && <span class="busy"> · working</span>}
             </span>
             <span class="zoom">
-                <button type="button" class="tool" aria-label="Zoom out" title="Zoom out" onClick={() => setZoom(zoom.value / 1.5)}><Icon name="minus" /></button>
-                <button type="button" class="tool wide" aria-label={`${Math.round(zoom.value * 100)} %: fit the picture`} title="Fit the picture" onClick={() => setZoom(1)}>{Math.round(zoom.value * 100)} %</button>
-                <button type="button" class="tool" aria-label="Zoom in" title="Zoom in" onClick={() => setZoom(zoom.value * 1.5)}><Icon name="plus" /></button>
+                <button type="button" class="tool" aria-label="Zoom out" title="Zoom out" onClick={() => zoomBy(1 / 1.5)}><Icon name="minus" /></button>
+                <button type="button" class="tool wide" aria-label={`${shownPercent.value} %: show every pixel`} title="One pixel of the screen for each of the picture"
+                    onClick={() => showPixels(open?.picture.width ?? 1)}>{shownPercent.value} %</button>
+                <button type="button" class="tool" aria-label="Zoom in" title="Zoom in" onClick={() => zoomBy(1.5)}><Icon name="plus" /></button>
+                <button type="button" class="tool" aria-label="Fit the picture" title="Fit the picture" onClick={fit}><Icon name="fit" /></button>
             </span>
         </footer>
     </section>;

@@ -2,10 +2,11 @@ import type { Value } from "krlimage";
 import { useEffect, useId, useState } from "preact/hooks";
 import { engine } from "../store.js";
 import type { ControlProps } from "./controls.js";
-import { Labelled } from "./Labelled.js";
 
-/** A structure, such as a flare, as scripts write it; its points have handles on the picture. */
-export function TreeControl({ argument, value, change, method }: ControlProps & { method: string }) {
+export type TreeProps = ControlProps & { readonly method: string };
+
+/** A structure as scripts write it, for those who know what they want. */
+export function ScriptText({ argument, value, change, method }: TreeProps) {
     const id = useId();
     const [text, setText] = useState("");
     const [problem, setProblem] = useState("");
@@ -23,12 +24,13 @@ export function TreeControl({ argument, value, change, method }: ControlProps & 
             setProblem(error instanceof Error ? error.message : String(error));
         }
     };
-    return <Labelled argument={argument} id={id}>
-        <textarea id={id} class="tree" rows={8} spellcheck={false} value={text} aria-invalid={problem !== ""}
-            aria-describedby={`${id}-problem`} onFocus={() => setEdited(true)} onBlur={() => setEdited(false)}
+    return <details class="script-text">
+        <summary>As a script writes it</summary>
+        <textarea class="tree" rows={8} spellcheck={false} value={text} aria-label={`${argument.name}, as a script writes it`}
+            aria-invalid={problem !== ""} aria-describedby={`${id}-problem`} onFocus={() => setEdited(true)} onBlur={() => setEdited(false)}
             onInput={(event) => void set(event.currentTarget.value)} />
         <span class="problem" id={`${id}-problem`}>{problem}</span>
-    </Labelled>;
+    </details>;
 }
 
 /** A line for each entry of the outermost list. */
