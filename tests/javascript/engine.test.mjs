@@ -2,7 +2,8 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { Engine, KrlError } from "krlimage";
-import { TREE, hashOf, plain, sample } from "./support.mjs";
+import { hashOf, plain } from "./rows.mjs";
+import { TREE, sample } from "./support.mjs";
 import { readFile } from "node:fs/promises";
 
 const engine = await Engine.create();

@@ -3,7 +3,8 @@ import assert from "node:assert/strict";
 import { readFile } from "node:fs/promises";
 import { test } from "node:test";
 import { Engine, LingoError } from "krlimage";
-import { TREE, hashOf, plain, sample } from "./support.mjs";
+import { hashOf, plain } from "./rows.mjs";
+import { TREE, sample } from "./support.mjs";
 
 const engine = await Engine.create();
 

@@ -1,52 +1,14 @@
 import { readFile } from "node:fs/promises";
+import { decodePam } from "./rows.mjs";
 
 /** The folders of the tree and of the small sample pictures. */
 export const TREE = process.env.KRL_TREE;
 const PICTURES = process.env.KRL_HASH_PICTURES;
 
-/** FNV-1a over 64 bits, in two halves. */
-export class Hash {
-    #high = 0xcbf29ce4;
-    #low = 0x84222325;
-
-    add(bytes) {
-        let high = this.#high, low = this.#low;
-        for (const byte of bytes) {
-            low = (low ^ byte) >>> 0;
-            const product = low * 0x1b3;
-            high = (high * 0x1b3 + Math.floor(product / 2 ** 32) + low * 256) % 2 ** 32;
-            low = product % 2 ** 32;
-        }
-        this.#high = high;
-        this.#low = low;
-        return this;
-    }
-
-    toString() {
-        return [this.#high, this.#low].map((half) => half.toString(16).padStart(8, "0")).join("");
-    }
-}
-
-/** The hash of a picture and a message, as in the table. */
-export function hashOf({ width, height, data }, message = "") {
-    const blueFirst = new Uint8Array(data.length);
-    for (let i = 0; i < data.length; i += 4)
-        blueFirst.set([data[i + 2], data[i + 1], data[i], data[i + 3]], i);
-    return new Hash().add(new Uint8Array(new Int32Array([width, height]).buffer)).add(blueFirst)
-        .add(new TextEncoder().encode(message)).toString();
-}
-
 /** Hashes by `"krlImageVignette landscape"`. */
 export async function readTable() {
     const lines = (await readFile(`${TREE}/tests/hashes.txt`, "utf8")).trim().split("\n").map((line) => line.split(" "));
     return new Map(lines.map(([method, picture, hash]) => [`${method} ${picture}`, hash]));
-}
-
-function decodePam(bytes) {
-    const text = bytes.toString("latin1", 0, 200);
-    const side = (name) => Number(new RegExp(`^${name} (\\d+)$`, "m").exec(text)[1]);
-    const start = text.indexOf("ENDHDR\n") + 7;
-    return { width: side("WIDTH"), height: side("HEIGHT"), data: new Uint8ClampedArray(bytes.subarray(start)) };
 }
 
 const samples = new Map();
@@ -56,20 +18,4 @@ export async function sample(name) {
     if (!samples.has(name)) samples.set(name, decodePam(await readFile(`${PICTURES}/${name}.pam`)));
     const { width, height, data } = samples.get(name);
     return { width, height, data: data.slice() };
-}
-
-/** The pictures that an effect needs, as its example names them. */
-export async function picturesFor(effect) {
-    const given = {};
-    for (const { name, kind, example } of effect.arguments) {
-        if (kind === "picture") given[name] = await sample(example.split(".")[0]);
-        if (kind === "tree" && Array.isArray(example) && typeof example[0] === "string")
-            given[name] = example.map(() => plain(480, 320, 255));
-    }
-    return given;
-}
-
-/** A picture of one level in all channels. */
-export function plain(width, height, level) {
-    return { width, height, data: new Uint8ClampedArray(width * height * 4).fill(level) };
 }

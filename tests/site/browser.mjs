@@ -16,13 +16,14 @@ const TYPES = {
     ".svg": "image/svg+xml", ".png": "image/png",
 };
 
-/** Serves a folder on a free port. */
-async function serve(folder) {
+/** Serves a folder on a free port, and others under names of their own. */
+async function serve(folder, others) {
     const server = createServer(async (request, response) => {
         const { pathname } = new URL(request.url, "http://localhost");
         const path = normalize(pathname).replace(/\/$/, "/index.html");
         try {
-            const bytes = await readFile(join(folder, path));
+            const [, name, rest] = /^\/([^/]*)\/(.*)$/.exec(path) ?? [];
+            const bytes = await readFile(others[name] ? join(others[name], rest) : join(folder, path));
             response.writeHead(200, { "content-type": TYPES[extname(path)] ?? "application/octet-stream" }).end(bytes);
         } catch {
             response.writeHead(404).end();
@@ -37,7 +38,7 @@ const FLAGS = ["--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", 
 
 /** The page in a browser; `close` ends all. */
 export async function openSite(folder = `${TREE}/build/site`) {
-    const server = await serve(folder);
+    const server = await serve(folder, { tests: `${TREE}/tests/javascript`, pictures: process.env.KRL_HASH_PICTURES });
     const profile = await mkdtemp(join(tmpdir(), "krl-site-"));
     const context = await chromium.launchPersistentContext(profile, {
         executablePath: "/usr/bin/chromium", args: FLAGS, viewport: { width: 1440, height: 900 }, acceptDownloads: true,
