@@ -148,8 +148,9 @@ void runOnFrames(const ApplyRunner& run, const ApplyWork& work, const BatchItem&
 
 MemoryGate::Share shareFor(const BatchItem& item, FrameChoice choice, const ApplyWork& work) {
     if (!work.memory.hasLimit() || item.input == "/dev/stdin") return {};
-    return work.memory.take(workingMemory(
-        readPatiently(item.input, work.retries, [&] { return readPictureSize(item.input, choice); })));
+    const PictureSize size =
+        readPatiently(item.input, work.retries, [&] { return readPictureSize(item.input, choice); });
+    return work.memory.take(workingMemory(size, formatFor(item.output, work.options)));
 }
 
 PictureReport workOn(const ApplyRunner& run, const ApplyWork& work, size_t index) {

@@ -21,10 +21,10 @@ class Work {
 public:
     Work(unsigned jobs, uint64_t limit) : jobs_(jobs), limit_(limit) {}
 
-    void add(const PictureSize& size) {
+    void add(const PictureSize& size, std::optional<PictureFormat> written) {
         ++pictures_;
         pixels_ += static_cast<uint64_t>(size.width * size.height * size.frames);
-        largest_.push_back(workingMemory(size));
+        largest_.push_back(workingMemory(size, written));
         std::push_heap(largest_.begin(), largest_.end(), std::greater<>());
         if (largest_.size() <= jobs_) return;
         std::pop_heap(largest_.begin(), largest_.end(), std::greater<>());
@@ -79,9 +79,12 @@ public:
         try {
             const PictureSize size = readPatiently(item.input, options_.retries,
                                                    [&] { return readPictureSize(item.input, choice); });
-            all_.add(size);
+            const std::optional<PictureFormat> written =
+                formatOf(options_.format.empty() ? item.output : "x." + options_.format);
+            all_.add(size, written);
             if (shards_)
-                byShard_.at(Shard::indexOf(nameBelowOutput(item.output, options_), *shards_)).add(size);
+                byShard_.at(Shard::indexOf(nameBelowOutput(item.output, options_), *shards_))
+                    .add(size, written);
         } catch (const PictureError& error) {
             ++unreadable_;
             terminal_.err << "krlimage: " << error.what() << '\n';

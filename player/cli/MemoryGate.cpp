@@ -2,15 +2,22 @@
 
 #include <algorithm>
 #include <fstream>
-#include <optional>
 #include <string>
 
 namespace krl::player {
 
 namespace {
 
-/// Copies of 4 bytes a pixel that exist at the same time: the decoder's, the picture, and the encoder's.
-constexpr uint64_t kBytesPerPixel = 16;
+/// Bytes a pixel while effects run: 4 of the picture, 4 of a copy for `mix`, and up to 10 that effects work
+/// in. Decoders take less.
+constexpr uint64_t kBytesPerPixel = 18;
+/// Encoders that take more.
+struct EncoderNeed {
+    PictureFormat format;
+    uint64_t bytesPerPixel;
+};
+constexpr EncoderNeed kEncoderNeeds[] = {
+    {PictureFormat::Gif, 34}, {PictureFormat::Heic, 44}, {PictureFormat::Jxl, 56}, {PictureFormat::Avif, 72}};
 /// Tables and buffers of decoders and encoders.
 constexpr uint64_t kBytesPerPicture = 8u << 20;
 
@@ -25,9 +32,12 @@ std::optional<uint64_t> numberIn(const std::filesystem::path& file, const std::s
 
 }  // namespace
 
-uint64_t workingMemory(const PictureSize& size) {
+uint64_t workingMemory(const PictureSize& size, std::optional<PictureFormat> written) {
     const auto pixels = static_cast<uint64_t>(size.width) * static_cast<uint64_t>(size.height);
-    return kBytesPerPicture + pixels * static_cast<uint64_t>(size.frames) * kBytesPerPixel;
+    uint64_t bytesPerPixel = kBytesPerPixel;
+    for (const EncoderNeed& need : kEncoderNeeds)
+        if (written == need.format) bytesPerPixel = need.bytesPerPixel;
+    return kBytesPerPicture + pixels * static_cast<uint64_t>(size.frames) * bytesPerPixel;
 }
 
 uint64_t availableMemory(const std::filesystem::path& root) {

@@ -4,13 +4,14 @@
 #include <cstdint>
 #include <filesystem>
 #include <mutex>
+#include <optional>
 
 #include "player/pictures/PictureFiles.h"
 
 namespace krl::player {
 
-/// About how much memory a picture takes from reading to writing.
-uint64_t workingMemory(const PictureSize& size);
+/// How much memory a picture takes at most from reading to writing in that format.
+uint64_t workingMemory(const PictureSize& size, std::optional<PictureFormat> written = {});
 
 /// The memory that the system can still give, within the limit of a container; 0 where it does not say. Its
 /// files are below `root`.

@@ -359,6 +359,9 @@ TEST_F(Farm, PlansFromHeadersAlone) {
     EXPECT_EQ(plan["pictures"], 5);
     EXPECT_EQ(plan["pixels"], 3 * 8 * 6 + 6'000'000);
     EXPECT_EQ(plan["memory"], workingMemory({1000, 2000}) + workingMemory({1000, 4000}));
+    const auto heavier = nlohmann::json::parse(apply({"--plan", "--json", "--format", "gif"}).out);
+    EXPECT_EQ(heavier["largestPicture"], workingMemory({1000, 4000}, PictureFormat::Gif));
+    EXPECT_GT(heavier["largestPicture"], plan["largestPicture"]);
     ASSERT_EQ(plan["shards"].size(), 4u);
     size_t pictures = 0;
     for (const auto& shard : plan["shards"]) pictures += shard["pictures"].get<size_t>();
