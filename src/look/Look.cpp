@@ -219,7 +219,7 @@ std::vector<std::string> Look::pictureNames() const {
 
 void Look::addCall(const std::string& text, int32_t line) {
     const LookStep step{text, line};
-    if (text.find_first_of("\r\n") != std::string::npos) throw LookError(line, "a call is one line");
+    requireOneLine("a call", text, line);
     check(step);
     linkParameters(step);
     steps_.push_back(step);

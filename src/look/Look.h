@@ -110,6 +110,7 @@ public:
 private:
     friend class LookReader;
 
+    static void requireOneLine(const std::string& what, std::string_view text, int32_t line = 0);
     LookParameter* parameterNamed(std::string_view name);
     CallNotation notationOf(const LookStep& step, int32_t width, int32_t height,
                             const std::function<void(const Argument*, std::string_view)>& used = {}) const;

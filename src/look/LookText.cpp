@@ -38,6 +38,20 @@ size_t findOutside(std::string_view text, Stop&& stop) {
     return text.size();
 }
 
+bool isControl(char letter) {
+    return (static_cast<unsigned char>(letter) < ' ' && letter != '\t') || letter == 0x7F;
+}
+
+/// Whether a text in script notation is one value.
+bool isValue(const std::string& text, const NotationScope& scope) {
+    try {
+        const CallNotation notation = readCallNotation("value(" + text + ")", scope);
+        return notation.arguments.size() == 1 && notation.arguments.front().name.empty();
+    } catch (const NotationError&) {
+        return false;
+    }
+}
+
 std::string_view withoutComment(std::string_view text) {
     bool isQuoted = false;
     for (size_t i = 0; i < text.size(); ++i) {
@@ -85,8 +99,7 @@ private:
         line = trimmed(line);
         if (line.empty() || line.starts_with("--")) return;
         for (const unsigned char letter : line)
-            if ((letter < ' ' && letter != '\t') || letter == 0x7F)
-                fail("unexpected control character, code " + std::to_string(letter));
+            if (isControl(letter)) fail("unexpected control character, code " + std::to_string(letter));
         if (!hasVersion_) return readVersion(withoutComment(line));
         const std::string_view word = line.substr(0, wordLength(line));
         const std::string_view rest = trimmed(line.substr(word.size()));
@@ -130,6 +143,11 @@ private:
     bool hasVersion_ = false;
 };
 
+void Look::requireOneLine(const std::string& what, std::string_view text, int32_t line) {
+    if (std::any_of(text.begin(), text.end(), isControl))
+        throw LookError(line, what + " is one line without control characters");
+}
+
 Look Look::read(std::string_view text) { return LookReader().read(text); }
 
 LookParameter Look::readParameter(std::string_view text) {
@@ -149,19 +167,16 @@ LookParameter Look::readParameter(std::string_view text) {
     parameter.standard = takeUpTo(text, "from");
     parameter.from = takeUpTo(text, "to");
     parameter.to = text;
-    if (parameter.from.empty() != parameter.to.empty())
-        throw LookError(0, parameter.name + ": expected from A to B");
     return parameter;
 }
 
 void Look::setTitle(const std::string& title) {
-    if (title.find_first_of("\r\n") != std::string::npos) throw LookError(0, "a title is one line");
+    requireOneLine("a title", title);
     title_ = trimmed(title);
 }
 
 void Look::setDescription(const std::string& description) {
-    if (description.find_first_of("\r\n") != std::string::npos)
-        throw LookError(0, "a description is one line");
+    requireOneLine("a description", description);
     description_ = trimmed(description);
 }
 
@@ -172,19 +187,18 @@ void Look::addParameter(LookParameter parameter) {
     if (!isName) throw LookError(0, "a parameter's name is made of letters, digits and _, got " + name);
     if (sameLetters(name, "before")) throw LookError(0, "$before is the picture before the look");
     if (parameterNamed(name)) throw LookError(0, "the parameter " + name + " is given twice");
-    if (parameter.meaning.find_first_of("\"\r\n") != std::string::npos)
-        throw LookError(0, name + ": a meaning is one line without quotation marks");
+    requireOneLine(name + ": a meaning", parameter.meaning);
+    if (parameter.meaning.find('"') != std::string::npos)
+        throw LookError(0, name + ": a meaning has no quotation marks");
+    if (parameter.from.empty() != parameter.to.empty()) throw LookError(0, name + ": expected from A to B");
     NotationScope scope;
     scope.width = scope.height = 1000;
     scope.percent = [](std::string_view, std::string_view, size_t) { return PercentKind::Real; };
     if (parameter.standard.empty()) throw LookError(0, name + ": expected a value, got none");
     for (const std::string* text : {&parameter.standard, &parameter.from, &parameter.to}) {
         if (text->empty()) continue;
-        try {
-            readCallNotation("value(" + *text + ")", scope);
-        } catch (const NotationError&) {
-            throw LookError(0, name + ": expected a value, got " + *text);
-        }
+        requireOneLine(name + ": a value", *text);
+        if (!isValue(*text, scope)) throw LookError(0, name + ": expected a value, got " + *text);
     }
     parameter.value = parameter.standard;
     parameter.argument = nullptr;

@@ -111,6 +111,38 @@ TEST(LookText, TakesOnlyValuesThatTheCallsTake) {
     EXPECT_EQ(look.parameters()[1].value, "rgb(20, 12, 8)");
 }
 
+/// What is added could not be read again once it is written.
+TEST(LookText, TakesNoPartThatNoTextCanHold) {
+    Look look = Look::read(kWarm);
+    const std::string before = look.write();
+    const auto errorOf = [](auto&& change) -> std::string {
+        try {
+            change();
+        } catch (const LookError& error) {
+            return error.what();
+        }
+        return "";
+    };
+    const auto errorOfParameter = [&](LookParameter parameter) {
+        parameter.name = "r";
+        return errorOf([&] { look.addParameter(parameter); });
+    };
+    const std::string oneLine = " is one line without control characters";
+    EXPECT_EQ(errorOf([&] { look.setTitle("a\x1b[1m"); }), "a title" + oneLine);
+    EXPECT_EQ(errorOf([&] { look.setDescription("a\nb"); }), "a description" + oneLine);
+    EXPECT_EQ(errorOf([&] { look.addCall("invert(\v)", 7); }), "line 7: a call" + oneLine);
+    EXPECT_EQ(errorOfParameter({.standard = "\n"}), "r: a value" + oneLine);
+    EXPECT_EQ(errorOfParameter({.standard = "1", .meaning = "a\rb"}), "r: a meaning" + oneLine);
+    EXPECT_EQ(errorOfParameter({.standard = "1", .meaning = "a \"b\""}),
+              "r: a meaning has no quotation marks");
+    EXPECT_EQ(errorOfParameter({.standard = "1", .to = "2"}), "r: expected from A to B");
+    EXPECT_EQ(errorOfParameter({.standard = "blur: 1"}), "r: expected a value, got blur: 1");
+    EXPECT_EQ(errorOfParameter({.standard = "1, 2"}), "r: expected a value, got 1, 2");
+    EXPECT_EQ(look.write(), before);
+    look.setTitle("Tabs\tare blanks");
+    EXPECT_EQ(Look::read(look.write()).title(), "Tabs\tare blanks");
+}
+
 TEST(LookText, TakesSymbolsWithoutTheirSign) {
     Look look = Look::read("krlimage look 1\ntitle: T\nparameter what: #RGB\ninvert($what)\n");
     look.set("what", "Alpha");
