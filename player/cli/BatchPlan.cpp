@@ -79,8 +79,8 @@ public:
         try {
             const PictureSize size = readPatiently(item.input, options_.retries,
                                                    [&] { return readPictureSize(item.input, choice); });
-            const std::optional<PictureFormat> written =
-                formatOf(options_.format.empty() ? item.output : "x." + options_.format);
+            const std::optional<PictureFormat> written = formatOf(
+                options_.format.empty() ? item.output : std::filesystem::path("x." + options_.format));
             all_.add(size, written);
             if (shards_)
                 byShard_.at(Shard::indexOf(nameBelowOutput(item.output, options_), *shards_))

@@ -123,21 +123,19 @@ TEST(LookText, TakesNoPartThatNoTextCanHold) {
         }
         return "";
     };
-    const auto errorOfParameter = [&](LookParameter parameter) {
-        parameter.name = "r";
-        return errorOf([&] { look.addParameter(parameter); });
+    const auto errorOfParameter = [&](const char* value, const char* to = "", const char* meaning = "") {
+        return errorOf([&] { look.addParameter({"r", value, "", "", to, meaning}); });
     };
     const std::string oneLine = " is one line without control characters";
     EXPECT_EQ(errorOf([&] { look.setTitle("a\x1b[1m"); }), "a title" + oneLine);
     EXPECT_EQ(errorOf([&] { look.setDescription("a\nb"); }), "a description" + oneLine);
     EXPECT_EQ(errorOf([&] { look.addCall("invert(\v)", 7); }), "line 7: a call" + oneLine);
-    EXPECT_EQ(errorOfParameter({.standard = "\n"}), "r: a value" + oneLine);
-    EXPECT_EQ(errorOfParameter({.standard = "1", .meaning = "a\rb"}), "r: a meaning" + oneLine);
-    EXPECT_EQ(errorOfParameter({.standard = "1", .meaning = "a \"b\""}),
-              "r: a meaning has no quotation marks");
-    EXPECT_EQ(errorOfParameter({.standard = "1", .to = "2"}), "r: expected from A to B");
-    EXPECT_EQ(errorOfParameter({.standard = "blur: 1"}), "r: expected a value, got blur: 1");
-    EXPECT_EQ(errorOfParameter({.standard = "1, 2"}), "r: expected a value, got 1, 2");
+    EXPECT_EQ(errorOfParameter("\n"), "r: a value" + oneLine);
+    EXPECT_EQ(errorOfParameter("1", "", "a\rb"), "r: a meaning" + oneLine);
+    EXPECT_EQ(errorOfParameter("1", "", "a \"b\""), "r: a meaning has no quotation marks");
+    EXPECT_EQ(errorOfParameter("1", "2"), "r: expected from A to B");
+    EXPECT_EQ(errorOfParameter("blur: 1"), "r: expected a value, got blur: 1");
+    EXPECT_EQ(errorOfParameter("1, 2"), "r: expected a value, got 1, 2");
     EXPECT_EQ(look.write(), before);
     look.setTitle("Tabs\tare blanks");
     EXPECT_EQ(Look::read(look.write()).title(), "Tabs\tare blanks");

@@ -5,6 +5,7 @@
 #include "look/Extent.h"
 #include "look/Look.h"
 #include "look/NoisePicture.h"
+#include "look/PictureMemory.h"
 #include "look/Placement.h"
 #include "look/Resample.h"
 
