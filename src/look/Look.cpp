@@ -217,14 +217,6 @@ std::vector<std::string> Look::pictureNames() const {
     return names;
 }
 
-void Look::addCall(const std::string& text, int32_t line) {
-    const LookStep step{text, line};
-    requireOneLine("a call", text, line);
-    check(step);
-    linkParameters(step);
-    steps_.push_back(step);
-}
-
 void Look::set(std::string_view name, std::string_view value) {
     LookParameter* parameter = parameterNamed(name);
     if (!parameter) {

@@ -180,7 +180,17 @@ void Look::setDescription(const std::string& description) {
     description_ = trimmed(description);
 }
 
+void Look::addCall(const std::string& text, int32_t line) {
+    requireOneLine("a call", text, line);
+    const LookStep step{std::string(withoutComment(trimmed(text))), line};
+    check(step);
+    linkParameters(step);
+    steps_.push_back(step);
+}
+
 void Look::addParameter(LookParameter parameter) {
+    for (std::string* text : {&parameter.standard, &parameter.from, &parameter.to})
+        *text = std::string(trimmed(*text));
     const std::string& name = parameter.name;
     const bool isName = wordLength(name) == name.size() && !name.empty() &&
                         std::isalpha(static_cast<unsigned char>(name.front()));
