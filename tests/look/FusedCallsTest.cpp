@@ -9,14 +9,11 @@
 namespace krl {
 namespace {
 
+using test::bytesOf;
+
 constexpr int32_t kWidth = 37, kHeight = 19;
 
 Picture noise(int32_t seed) { return test::noise(kWidth, kHeight, seed); }
-
-std::string bytesOf(const Picture& picture) {
-    return {reinterpret_cast<const char*>(picture.pixels),
-            static_cast<size_t>(picture.info.rowBytes) * static_cast<size_t>(picture.info.height)};
-}
 
 class FusedCalls : public testing::Test {
 protected:

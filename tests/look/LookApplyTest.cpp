@@ -9,12 +9,8 @@
 namespace krl {
 namespace {
 
+using test::bytesOf;
 using test::noise;
-
-std::string bytesOf(const Picture& picture) {
-    return {reinterpret_cast<const char*>(picture.pixels),
-            static_cast<size_t>(picture.info.rowBytes) * static_cast<size_t>(picture.info.height)};
-}
 
 class LookApply : public testing::Test {
 protected:

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "catalogue/Value.h"
 #include "core/Random.h"
 
@@ -12,6 +14,11 @@ inline Picture noise(int32_t width, int32_t height, int32_t seed = 3) {
     for (int32_t i = 0; i < picture.info.rowBytes * height; ++i)
         picture.pixels[i] = static_cast<uint8_t>(random.next() >> 5);
     return picture;
+}
+
+inline std::string bytesOf(const Picture& picture) {
+    return {reinterpret_cast<const char*>(picture.pixels),
+            static_cast<size_t>(picture.info.rowBytes) * static_cast<size_t>(picture.info.height)};
 }
 
 }  // namespace krl::test
