@@ -86,7 +86,7 @@ constexpr int32_t shareOf(int32_t a, int32_t b) { return (a * b + 127) / 255; }
 /// The share of one column or row: none outside, and growing to full over `feather` pixels inside.
 int32_t rampAt(int32_t place, int32_t first, int32_t end, int32_t feather) {
     if (place < first || place >= end) return 0;
-    const int64_t inside = std::min(place - first, end - 1 - place) + int64_t{1};
+    const int64_t inside = std::min(int64_t{place} - first, int64_t{end} - 1 - place) + 1;
     return static_cast<int32_t>(std::min<int64_t>(255, (inside * 255) / (int64_t{feather} + 1)));
 }
 
