@@ -298,7 +298,7 @@ int applyCalls(const ApplyOptions& asked, const Terminal& terminal) {
     }
     BatchParts parts(inputs, options);
     if (options.dryRun) return printOutputs(parts, options, calls, terminal);
-    if (options.plan) return printPlan(parts, options, terminal);
+    if (options.plan) return printPlan(parts, options, writingFor(options), terminal);
     evaluate(chain, options, settings, terminal);
     return workOnAll(parts, options, calls, chain, settings, terminal);
 }

@@ -65,8 +65,9 @@ private:
 /// Adds the pictures of a batch to all work and to that of their shards, and reports what cannot be read.
 class Survey {
 public:
-    Survey(const ApplyOptions& options, unsigned jobs, const Terminal& terminal)
+    Survey(const ApplyOptions& options, const WriteOptions& writing, unsigned jobs, const Terminal& terminal)
         : options_(options),
+          writing_(writing),
           terminal_(terminal),
           shards_(countOfAllShards(options)),
           all_(jobs, options.memory) {
@@ -79,8 +80,7 @@ public:
         try {
             const PictureSize size = readPatiently(item.input, options_.retries,
                                                    [&] { return readPictureSize(item.input, choice); });
-            const std::optional<PictureFormat> written = formatOf(
-                options_.format.empty() ? item.output : std::filesystem::path("x." + options_.format));
+            const std::optional<PictureFormat> written = formatFor(item.output, writing_);
             all_.add(size, written);
             if (shards_)
                 byShard_.at(Shard::indexOf(nameBelowOutput(item.output, options_), *shards_))
@@ -118,6 +118,7 @@ private:
     }
 
     const ApplyOptions& options_;
+    const WriteOptions& writing_;
     const Terminal& terminal_;
     std::optional<uint32_t> shards_;
     Work all_;
@@ -127,9 +128,10 @@ private:
 
 }  // namespace
 
-int printPlan(BatchParts& parts, const ApplyOptions& options, const Terminal& terminal) {
+int printPlan(BatchParts& parts, const ApplyOptions& options, const WriteOptions& writing,
+              const Terminal& terminal) {
     const unsigned jobs = options.jobs > 0 ? options.jobs : std::max(1u, std::thread::hardware_concurrency());
-    Survey survey(options, jobs, terminal);
+    Survey survey(options, writing, jobs, terminal);
     while (const std::optional<BatchPart> part = parts.next()) {
         std::vector<std::string> notes;
         for (const BatchItem& item : planBatch(*part, options, &notes)) survey.add(item);
