@@ -69,13 +69,17 @@ private:
 
 /// Nothing for data that is too short.
 std::optional<ExifBody> bodyOf(std::vector<uint8_t>& exif) {
-    const bool isMarked =
-        exif.size() >= kExifMark.size() && std::equal(kExifMark.begin(), kExifMark.end(), exif.begin());
-    const size_t start = isMarked ? kExifMark.size() : 0;
+    const size_t start = exifStart(exif);
     return exif.size() < start + 8 ? std::nullopt : std::optional<ExifBody>(std::in_place, exif, start);
 }
 
 }  // namespace
+
+size_t exifStart(const std::vector<uint8_t>& exif) {
+    const bool isMarked =
+        exif.size() >= kExifMark.size() && std::equal(kExifMark.begin(), kExifMark.end(), exif.begin());
+    return isMarked ? kExifMark.size() : 0;
+}
 
 std::vector<uint8_t> withoutThumbnail(std::vector<uint8_t> exif) {
     std::optional<ExifBody> found = bodyOf(exif);

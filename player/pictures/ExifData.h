@@ -10,6 +10,8 @@ namespace krl::player {
 
 /// What EXIF data begins with in a JPEG file.
 inline constexpr std::string_view kExifMark{"Exif\0\0", 6};
+/// Where the TIFF header in EXIF data is, which may begin with `kExifMark` or not.
+size_t exifStart(const std::vector<uint8_t>& exif);
 
 /// The EXIF data without its small picture, which would show what the large one looked like before.
 std::vector<uint8_t> withoutThumbnail(std::vector<uint8_t> exif);

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "player/pictures/ExifData.h"
 #include "player/pictures/Iptc.h"
 #include "player/pictures/Picture.h"
 #include "player/pictures/TiffDirectory.h"
@@ -12,7 +13,6 @@ namespace krl::player {
 
 namespace {
 
-constexpr char kExifMark[] = "Exif\0";  // and the zero at its end
 constexpr uint16_t kIptcTag = 33723, kPixelsAcross = 40962, kPixelsDown = 40963;
 constexpr uint16_t kBytesType = 7;
 
@@ -52,9 +52,7 @@ TiffDirectory descriptionIn(const TiffSource& source) {
 }
 
 TiffDirectory descriptionInExif(const std::vector<uint8_t>& exif) {
-    const bool isMarked =
-        exif.size() >= sizeof kExifMark && !std::memcmp(exif.data(), kExifMark, sizeof kExifMark);
-    TiffDirectory found = descriptionIn(sourceWithin(exif, isMarked ? sizeof kExifMark : 0));
+    TiffDirectory found = descriptionIn(sourceWithin(exif, exifStart(exif)));
     // The size of a TIFF's picture is elsewhere, and may have changed.
     for (TiffEntry& entry : found)
         std::erase_if(entry.directory, [](const TiffEntry& one) {
@@ -69,7 +67,7 @@ std::vector<uint8_t> exifWith(const TiffDirectory& directory) {
     constexpr bool isLittle = true;
     std::string rest;
     const uint32_t first = appendTiffDirectory(rest, 8, directory, isLittle, 0);
-    std::string exif(kExifMark, sizeof kExifMark);
+    std::string exif(kExifMark);
     exif += "II";
     appendTiffNumber(exif, 42, 2, isLittle);
     appendTiffNumber(exif, first, 4, isLittle);
