@@ -130,8 +130,7 @@ void writePictures(AtomicFile& file, const FramesToWrite& frames, PictureFormat 
                    const WriteOptions& options) {
     const Bitmap& first = frames.pictures.front();
     const Writer writer = writerFor(format);
-    const bool isConverted = format != PictureFormat::Pam && convertsColours(first, options);
-    if (!writer || isConverted) return writeWithVips(file, frames, format, options);
+    if (!writer || convertsColours(first, options)) return writeWithVips(file, frames, format, options);
     try {
         writer(file, first, options);
     } catch (const NeedsVips&) {
@@ -150,17 +149,24 @@ void write(AtomicFile& file, const FramesToWrite& frames, const WriteOptions& op
     file.commit(options.whenWritten);
 }
 
+/// Why no other colour profile can be converted to, or an empty text.
+std::string conversionComplaint([[maybe_unused]] PictureFormat format) {
+#if defined(KRL_WITH_VIPS)
+    return format == PictureFormat::Pam ? "PAM is written without converting to another colour profile" : "";
+#else
+    return "this build cannot convert to another colour profile";
+#endif
+}
+
 /// Throws unless the picture can be written under this name, before a file is made.
 void requireWritable(const std::filesystem::path& path, const Bitmap& picture, const WriteOptions& options) {
     const std::optional<PictureFormat> format = formatFor(path, options);
     if (!format) throw PictureError("cannot write " + path.string() + ": its name must end in " + kFormats);
     const std::string complaint = writeOptionComplaint(*format, options);
     if (!complaint.empty()) throw PictureError("cannot write " + path.string() + ": " + complaint);
-#if !defined(KRL_WITH_VIPS)
-    if (convertsColours(picture, options))
-        throw PictureError("cannot write " + path.string() +
-                           ": this build cannot convert to another colour profile");
-#endif
+    const std::string missing = conversionComplaint(*format);
+    if (!missing.empty() && convertsColours(picture, options))
+        throw PictureError("cannot write " + path.string() + ": " + missing);
     requirePossibleSize(path, picture.width, picture.height);
 }
 

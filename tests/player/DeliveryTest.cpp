@@ -174,6 +174,11 @@ TEST_F(Deliveries, ConvertColoursToAProfile) {
         ASSERT_NEAR(back.pixels[i].green, readPicture(at("in.png")).pixels[i].green, 2) << i;
     EXPECT_EQ(delivered(at("p3.png"), {"--profile", "keep"}, "kept.png").metadata->colourProfile,
               wide.metadata->colourProfile);
+    const CliResult unconverted =
+        krlimage({"apply", at("p3.png"), "-o", at("no.pam"), "sepia", "--profile", "srgb"});
+    EXPECT_EQ(unconverted.code, 1);
+    EXPECT_TELLS(unconverted.err, "PAM is written without converting to another colour profile\n");
+    EXPECT_FALSE(std::filesystem::exists(at("no.pam")));
 }
 #endif
 
