@@ -119,7 +119,9 @@ uint64_t Heap::grown(const char* limitedName, uint64_t bytes, uint64_t needed) c
     mustHold(needed);
     mustFit(limitedName, needed);
     const uint64_t generous = std::max(needed, std::min(bytes * 2, limitOfEach_));
-    return canHold(generous) ? generous : needed;
+    // Or half of what is left: growing by what is needed alone would move the whole each time.
+    const uint64_t left = limitBytes_ - bytes_;
+    return canHold(generous) ? generous : std::min(generous, needed + (left - needed) / 2);
 }
 
 void Heap::charge(Object& object) {

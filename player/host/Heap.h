@@ -72,8 +72,8 @@ public:
     bool canHold(uint64_t moreBytes) const {
         return moreBytes <= limitBytes_ && bytes_ <= limitBytes_ - moreBytes;
     }
-    /// The size that a growing object gets which has `bytes` and needs `needed`: twice as many if they fit,
-    /// so that it seldom moves. Throws if there is no room for both the old and the new one.
+    /// The size that a growing object gets which has `bytes` and needs `needed`: up to twice as many, so that
+    /// it seldom moves. Throws if there is no room for both the old and the new one.
     uint64_t grown(const char* limitedName, uint64_t bytes, uint64_t needed) const;
     /// Updates the size of an object after it has grown.
     void recount(Object& object);
