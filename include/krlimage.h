@@ -185,10 +185,10 @@ typedef struct krl_engine krl_engine;
 #define KRL_MOST_BANDS 1024
 
 /* `bands` is the number of threads that share the work of one call, 1 to KRL_MOST_BANDS; 0 is automatic: one
- * for each processor. Results do not depend on the bands, except for the few methods with the flag
- * KRL_DEPENDS_ON_BANDS: automatically these run on one band, so that automatic results are the same on every
- * machine; with a number they run on as many as it says. To be freed; NULL for another number or without
- * memory. */
+ * for each processor, or fewer for a picture so small that starting them would take longer. Results do not
+ * depend on the bands, except for the few methods with the flag KRL_DEPENDS_ON_BANDS: automatically these run
+ * on one band, so that automatic results are the same on every machine; with a number they run on as many as
+ * it says. To be freed; NULL for another number or without memory. */
 KRL_API krl_engine* krl_engine_new(int32_t bands);
 /* With `keep` 1 the engine keeps the working memory of a call for the next one, which makes calls on pictures
  * of one size that follow each other faster, such as those of a film; 0, as at the start, gives it back. What

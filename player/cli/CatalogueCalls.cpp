@@ -81,12 +81,12 @@ CatalogueCalls::CatalogueCalls(ThreadChoice threads) : bands_(threads == ThreadC
 
 CallOutcome CatalogueCalls::apply(Bitmap& picture, const ReadyCall& call) {
     const Method& method = call.method;
-    chooseBands(engine_, method, bands_);
     const krl::Picture view = viewOf(picture);
     CallResult result;
     try {
         result = callWithin(call.extent, view, [&] {
             const LoadedPicture loaded(engine_, view);
+            chooseBands(engine_, method, bands_);
             if (keepsMemory_) keptMemory_.set(engine_.buffer()->bytes() * kKeptPictures);
             return callMethod(method, engine_,
                               method.changedPicture() ? withCopiedPictures(call.arguments) : call.arguments);

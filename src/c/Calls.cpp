@@ -103,10 +103,10 @@ CallResult runWhole(krl_engine& engine, const ReadyCall& call, const std::option
         own = pictures.rewrite(route->to, route->from);
     else if (route)
         own = *pictures.lend(route->to).as<Picture>();
-    chooseBands(engine.engine, method, engine.bands);
     return callWithin(extent, own, [&] {
         std::optional<LoadedPicture> loaded;
         if (route) loaded.emplace(engine.engine, own);
+        chooseBands(engine.engine, method, engine.bands);
         if (route && engine.keepsMemory)
             engine.keptMemory.set(engine.engine.buffer()->bytes() * KRL_KEPT_PICTURES);
         return callMethod(method, engine.engine, native);

@@ -171,10 +171,12 @@ CallResult callMethod(const Method& method, ImageEngine& engine, const std::vect
 }
 
 void chooseBands(ImageEngine& engine, const Method& method, int32_t bands) {
-    if (bands > 0)
-        engine.setThreadCount(bands);
-    else
-        engine.configureExecution(method.resultDependsOnBands());
+    if (bands > 0) return engine.setThreadCount(bands);
+    engine.configureExecution(method.resultDependsOnBands());
+    const size_t pixels = engine.buffer() ? engine.buffer()->bytes() / sizeof(Pixel) : 0;
+    if (pixels == 0) return;
+    const auto most = static_cast<int32_t>(pixels / kLeastBandPixels);
+    engine.setThreadCount(std::min(engine.getThreadCount(), most));
 }
 
 }  // namespace krl

@@ -55,9 +55,12 @@ private:
 /// Pictures in `arguments` stay their owners'; a method may write one that it is given to change.
 CallResult callMethod(const Method& method, ImageEngine& engine, const std::vector<Value>& arguments);
 
+/// A smaller share of a picture takes most methods less time than a thread takes to start.
+inline constexpr size_t kLeastBandPixels = 1 << 16;
+
 /// The rule for programs that promise the same result on every machine: sets the bands that `method` runs on
-/// to `bands`, or for 0 to one for each processor, except that a method whose definition contains the bands
-/// then runs on one.
+/// to `bands`, or for 0 to one for each processor, but none of less than `kLeastBandPixels` of the picture
+/// that is loaded, except that a method whose definition contains the bands then runs on one.
 void chooseBands(ImageEngine& engine, const Method& method, int32_t bands);
 
 }  // namespace krl

@@ -38,8 +38,9 @@ public:
     Fusion(const Fusion&) = delete;
     Fusion& operator=(const Fusion&) = delete;
 
-    ChainResult run() {
+    ChainResult run(int32_t bands) {
         const LoadedPicture loaded(engine_, to_);
+        chooseBands(engine_, calls_.front().method, bands);
         engine_.handSpansTo(this);
         goOn();
         return std::move(made_);
@@ -125,9 +126,8 @@ bool canFuse(const ReadyCall& call, const Picture& from, const Picture& to) {
 
 ChainResult runFused(ImageEngine& engine, int32_t bands, std::span<const ReadyCall> calls,
                      const Picture& from, const Picture& to) {
-    chooseBands(engine, calls.front().method, bands);
     try {
-        return Fusion(engine, calls, from, to).run();
+        return Fusion(engine, calls, from, to).run(bands);
     } catch (const Cancelled& cancelled) {
         ChainResult ended;
         ended.result.error = cancelled.what();

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "catalogue/Catalogue.h"
 #include "catalogue/DirectCall.h"
 #include "catalogue/Notation.h"
@@ -67,15 +69,32 @@ TEST_F(DirectCalls, DoNotManageTheEngine) {
 }
 
 TEST_F(DirectCalls, ChooseBandsSoThatNoResultDependsOnTheMachine) {
+    const Picture large = Picture::blank(1024, 1024);
+    engine_.load(large.pixels, large.info);
     for (const Method* method : catalogue().methods()) {
         engine_.configureExecution(false);
-        const int32_t processors = engine_.getThreadCount();
+        const int32_t processors = std::min(engine_.getThreadCount(), 16);
         chooseBands(engine_, *method, 0);
         EXPECT_EQ(engine_.getThreadCount(), method->resultDependsOnBands() ? 1 : processors)
             << method->name();
         chooseBands(engine_, *method, 7);
         EXPECT_EQ(engine_.getThreadCount(), 7) << method->name();
     }
+}
+
+TEST_F(DirectCalls, OnSmallPicturesStartNoThreadsThatWouldTakeLonger) {
+    const Method& method = *catalogue().find("invert");
+    const auto bandsFor = [&](const Picture& picture) {
+        engine_.load(picture.pixels, picture.info);
+        chooseBands(engine_, method, 0);
+        return engine_.getThreadCount();
+    };
+    engine_.configureExecution(false);
+    const int32_t processors = engine_.getThreadCount();
+    EXPECT_EQ(bandsFor(Picture::blank(256, 256)), 1);
+    EXPECT_EQ(bandsFor(Picture::blank(511, 256)), 1);
+    EXPECT_EQ(bandsFor(Picture::blank(512, 256)), std::min(processors, 2));
+    EXPECT_EQ(bandsFor(Picture::blank(1, 1)), 1);
 }
 
 }  // namespace
