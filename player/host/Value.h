@@ -1,7 +1,8 @@
 #pragma once
 
-#include <array>
+#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <utility>
 
 #include "host/HostTypes.h"
@@ -55,10 +56,23 @@ constexpr uint32_t generationOf(const ScriptValue& words) {
 }
 constexpr uint32_t slotOf(const ScriptValue& words) { return static_cast<uint32_t>(words.words[1]); }
 constexpr ScriptValue wordsOf(Kind kind, uint32_t generation, uint32_t payload) {
-    const std::array<uint32_t, 2> both = {generation << 8 | static_cast<uint32_t>(kind), payload};
-    // In one store of 64 bits, which later loads can take from it at once. Not every library has
-    // `std::bit_cast`.
-    return __builtin_bit_cast(ScriptValue, __builtin_bit_cast(uint64_t, both));
+    return {
+        {static_cast<int32_t>(generation << 8 | static_cast<uint32_t>(kind)), static_cast<int32_t>(payload)}};
+}
+
+/// Copies both words in one load and one store of 64 bits: a later load of both would wait for two stores.
+inline void copyWords(const ScriptValue& from, ScriptValue& to) {
+    uint64_t both;
+    std::memcpy(&both, from.words, sizeof both);
+    std::memcpy(to.words, &both, sizeof both);
+}
+/// Stores those of an integer in the same way.
+inline void setIntegerWords(int32_t number, ScriptValue& to) {
+    constexpr auto kInteger = static_cast<uint64_t>(Kind::Integer);
+    constexpr bool kLittle = std::endian::native == std::endian::little;
+    const uint64_t payload = static_cast<uint32_t>(number);
+    const uint64_t both = kLittle ? payload << 32 | kInteger : kInteger << 32 | payload;
+    std::memcpy(to.words, &both, sizeof both);
 }
 
 /// A value that owns one reference to its object.
@@ -88,14 +102,15 @@ public:
     /// Adds a reference; VOID for a stale handle.
     static Value sharing(Heap& heap, ScriptValue words);
 
-    Value(const Value& other) : words_(other.words_), heap_(other.heap_) {
+    Value(const Value& other) : heap_(other.heap_) {
+        copyWords(other.words_, words_);
         if (onHeap(words_)) retain();
     }
     Value(Value&& other) noexcept : words_(std::exchange(other.words_, {})), heap_(other.heap_) {}
     /// Becomes an integer.
     void setInteger(int32_t number) {
         if (onHeap(words_)) drop();
-        words_ = wordsOf(Kind::Integer, 0, static_cast<uint32_t>(number));
+        setIntegerWords(number, words_);
     }
     void setTruth(bool holds) { setInteger(holds ? 1 : 0); }
     Value& operator=(const Value& other) {
