@@ -16,16 +16,20 @@ constexpr Pixel kSixteen[] = {
     opaque(0x1F, 0xB7, 0x14), opaque(0x00, 0x64, 0x11), opaque(0x56, 0x2C, 0x05), opaque(0x90, 0x71, 0x3A),
     opaque(0xC0, 0xC0, 0xC0), opaque(0x80, 0x80, 0x80), opaque(0x40, 0x40, 0x40), opaque(0x00, 0x00, 0x00)};
 
-/// A cube of six levels from white to black without black, then ten levels each of red, green, blue and grey,
-/// and black.
+constexpr int kCube = 215;  ///< without black
+
+/// A cube of six levels from white to black, which fills what is left.
+constexpr Pixel webColour(int index) {
+    if (index >= kCube) return grey(0);
+    const auto level = [](int step) { return static_cast<uint8_t>(255 - 51 * step); };
+    return opaque(level(index / 36), level(index / 6 % 6), level(index % 6));
+}
+
+/// The same cube, then ten levels each of red, green, blue and grey, and black.
 constexpr Pixel systemColour(int index) {
-    constexpr int kCube = 215, kRamp = 10;
+    constexpr int kRamp = 10;
     constexpr uint8_t kLevels[kRamp] = {0xEE, 0xDD, 0xBB, 0xAA, 0x88, 0x77, 0x55, 0x44, 0x22, 0x11};
-    if (index == 255) return grey(0);
-    if (index < kCube) {
-        const auto level = [](int step) { return static_cast<uint8_t>(255 - 51 * step); };
-        return opaque(level(index / 36), level(index / 6 % 6), level(index % 6));
-    }
+    if (index < kCube || index == 255) return webColour(index);
     const int ramp = (index - kCube) / kRamp;
     const uint8_t level = kLevels[(index - kCube) % kRamp];
     if (ramp == 3) return grey(level);
@@ -33,9 +37,10 @@ constexpr Pixel systemColour(int index) {
                   ramp == 2 ? level : uint8_t{0});
 }
 
-constexpr std::array<Pixel, 256> systemColours() {
+template <Pixel (*kColour)(int)>
+constexpr std::array<Pixel, 256> everyColour() {
     std::array<Pixel, 256> colours{};
-    for (int i = 0; i < 256; ++i) colours[static_cast<size_t>(i)] = systemColour(i);
+    for (int i = 0; i < 256; ++i) colours[static_cast<size_t>(i)] = kColour(i);
     return colours;
 }
 
@@ -47,7 +52,8 @@ constexpr std::array<Pixel, Count> greys() {
     return colours;
 }
 
-constexpr auto kSystem = systemColours();
+constexpr auto kSystem = everyColour<systemColour>();
+constexpr auto kWeb = everyColour<webColour>();
 constexpr auto kTwo = greys<2>();
 constexpr auto kFour = greys<4>();
 constexpr auto kSixteenGreys = greys<16>();
@@ -63,11 +69,15 @@ std::span<const Pixel> coloursOf(Palette palette, int32_t depth) {
         case 4:
             return inGreys ? std::span<const Pixel>(kSixteenGreys) : kSixteen;
         default:
-            return inGreys ? kGreys : kSystem;
+            return inGreys ? kGreys : palette == Palette::Web ? kWeb : kSystem;
     }
 }
 
 int squared(int number) { return number * number; }
+
+int distanceOf(const Pixel& one, const Pixel& other) {
+    return squared(one.red - other.red) + squared(one.green - other.green) + squared(one.blue - other.blue);
+}
 
 }  // namespace
 
@@ -81,15 +91,14 @@ uint8_t nearestIndex(Palette palette, int32_t depth, const Pixel& colour) {
     size_t nearest = 0;
     int least = INT32_MAX;
     for (size_t i = 0; i < colours.size() && least > 0; ++i) {
-        const Pixel& one = colours[i];
-        const int distance = squared(one.red - colour.red) + squared(one.green - colour.green) +
-                             squared(one.blue - colour.blue);
+        const int distance = distanceOf(colours[i], colour);
         if (distance < least) {
             least = distance;
             nearest = i;
         }
     }
-    return static_cast<uint8_t>(nearest);
+    const bool black = distanceOf(colours[nearest], colours.back()) == 0;
+    return static_cast<uint8_t>(black ? colours.size() - 1 : nearest);
 }
 
 }  // namespace krl::player

@@ -8,7 +8,7 @@
 namespace krl::player {
 
 /// In every palette the first colour is white and the last black.
-enum class Palette : uint8_t { System, Greys };
+enum class Palette : uint8_t { System, Greys, Web };
 
 /// The colour of `index` in images of 1, 2, 4 or 8 bits.
 Pixel paletteColour(Palette palette, int32_t depth, uint8_t index);

@@ -24,11 +24,24 @@ struct Pen {
     int32_t lineSize = 0;
 };
 
+/// A colour, or in an image with a palette also an index.
+bool readColour(const Arguments& arguments, const Value& value, Pixel& colour) {
+    const auto& picture = arguments.object<ImageObject>(0);
+    if (value.is(Kind::Colour))
+        colour = pixelFor(picture, value);
+    else if (value.isInteger() && picture.isIndexed())
+        colour = paletteColour(picture.palette, picture.depth, clampByte(value.integer()));
+    else
+        return false;
+    return true;
+}
+
 Pixel colourIn(const Arguments& arguments, const char* name, const Value& value) {
-    if (!value.is(Kind::Colour))
+    Pixel colour;
+    if (!readColour(arguments, value, colour))
         throw HostError(std::string(arguments.function()) + ": expected a colour under #" + name + ", not " +
                         kindName(value.kind()));
-    return pixelFor(arguments.object<ImageObject>(0), value);
+    return colour;
 }
 
 ShapeType shapeIn(const Runtime& runtime, const Arguments& arguments, const Value& value) {
@@ -45,8 +58,9 @@ Pen penOf(const Runtime& runtime, const Arguments& arguments, size_t last, Shape
     Pen pen{usual, kBlack, kBlack, usual == ShapeType::Line ? 1 : 0};
     const auto* list = arguments[last].as<PropertyListObject>();
     if (!list) {
-        if (!arguments[last].is(Kind::Colour)) arguments.mismatch(last, "a colour or a property list");
-        pen.colour = pen.border = pixelFor(arguments.object<ImageObject>(0), arguments[last]);
+        if (!readColour(arguments, arguments[last], pen.colour))
+            arguments.mismatch(last, "a colour or a property list");
+        pen.border = pen.colour;
         return pen;
     }
     bool bordered = false;

@@ -73,8 +73,8 @@ PixelRect pixelRectOf(const RectObject& rect) {
 
 namespace {
 
-constexpr std::pair<const char*, Palette> kPalettes[] = {{"systemMac", Palette::System},
-                                                         {"grayscale", Palette::Greys}};
+constexpr std::pair<const char*, Palette> kPalettes[] = {
+    {"systemMac", Palette::System}, {"grayscale", Palette::Greys}, {"web216", Palette::Web}};
 
 }  // namespace
 
@@ -82,7 +82,8 @@ Palette paletteNamed(const Runtime& runtime, const Value& name) {
     const std::string wanted = runtime.plain(name);
     for (const auto& [known, palette] : kPalettes)
         if (name.is(Kind::Symbol) && compareText(wanted, known) == 0) return palette;
-    throw HostError("expected the palette #systemMac or #grayscale, not " + shownText(runtime.style(), name));
+    throw HostError("expected the palette #systemMac, #grayscale or #web216, not " +
+                    shownText(runtime.style(), name));
 }
 
 const char* paletteName(Palette palette) { return kPalettes[static_cast<size_t>(palette)].first; }

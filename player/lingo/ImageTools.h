@@ -20,14 +20,14 @@ inline PixelRect boundsOf(const ImageObject& image) { return {0, 0, image.width(
 
 /// The palette that a symbol names; throws `HostError` for others.
 Palette paletteNamed(const Runtime& runtime, const Value& name);
-/// `systemMac` or `grayscale`.
+/// The symbol of a palette, such as `systemMac`.
 const char* paletteName(Palette palette);
 /// A colour or palette index as the image has it.
 Pixel pixelFor(const ImageObject& image, const Value& colour);
 /// The index of a pixel in the palette of an image of up to 8 bits. In a mask, this is how much of it shows:
 /// white nothing, black all.
 uint8_t indexOf(const ImageObject& image, const Pixel& pixel);
-/// To be called after `part` was drawn on: gives it the colours that the image's format has.
+/// Gives `part`, after drawing on it, the nearest colours that the image's format has.
 void settle(ImageObject& image, const PixelRect& part);
 
 /// A copy of an image.
@@ -58,7 +58,7 @@ void copyIntoQuad(ImageObject& target, const ImageObject& source, const Quad& to
 /// Which pixels the matte of an image shows: those that no path of white pixels joins to its edge, or, with
 /// alpha, those with more than `level`.
 std::vector<bool> matteOf(const ImageObject& image, int32_t level = 0);
-/// Gives the pixels around `x`, `y` that have its colour another one.
+/// Fills the pixel at `x`, `y`, and those of its colour that are joined to it, with another colour.
 void floodFill(ImageObject& image, int32_t x, int32_t y, const Value& colour);
 /// The smallest part of an image that holds all pixels that are not white.
 PixelRect inkedPart(const ImageObject& image);

@@ -49,6 +49,18 @@ on main
   white = image(2, 1, 32)
   white.copyPixels(red, white.rect, red.rect, [#maskImage: mask])
   put white.getPixel(0, 0), white.getPixel(1, 0)
+
+  -- A cube of six levels; black is the last colour, whichever others are black.
+  web = image(4, 1, 8, #web216)
+  web.setPixel(0, 0, rgb(0, 0, 0))
+  web.setPixel(1, 0, rgb(250, 3, 4))
+  web.setPixel(2, 0, 1)
+  web.setPixel(3, 0, 216)
+  put web.paletteRef, rowOf(web), web.getPixel(1, 0) = rgb(255, 0, 0), web.getPixel(2, 0) = rgb(255, 255, 204)
+  web.fill(web.rect, 35)
+  put rowOf(web), web.getPixel(0, 0) = rgb(255, 0, 0)
+  web.draw(web.rect, [#shapeType: #rect, #color: 0])
+  put rowOf(web)
   img.paletteRef = #rainbow
 end
 
