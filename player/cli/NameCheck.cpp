@@ -89,9 +89,25 @@ private:
                  const char* after) {
         const std::string& name = symbols_.spelling(property.name);
         if (property.kind == ExpressionKind::Property &&
-            (functions_.holds(name) || systemProperties_.holds(name)))
+            (functions_.holds(name) || systemProperties_.holds(name) || isOfStage(*property.object)))
             return;
+        if (property.kind == ExpressionKind::Property && !known.holds(name) && isOfStageObjects(name))
+            return report_(property.place, refusalOf("a stage", name));
         complain(known, name, property.place, before, after);
+    }
+
+    /// Whether a stage would be needed for an object, so that nothing is known of its properties.
+    bool isOfStage(const Expression& object) const {
+        switch (object.kind) {
+            case ExpressionKind::Call:
+                return neededBy(symbols_.spelling(static_cast<const CallExpression&>(object).name));
+            case ExpressionKind::SystemProperty:
+                return neededBy(symbols_.spelling(static_cast<const PropertyExpression&>(object).name));
+            case ExpressionKind::Property:
+                return isOfStage(*static_cast<const PropertyExpression&>(object).object);
+            default:
+                return false;
+        }
     }
 
     void complain(const NameSet& known, const std::string& name, Place place, const std::string& before,

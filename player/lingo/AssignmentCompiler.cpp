@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <iterator>
+#include <span>
 
 #include "player/host/Compare.h"
 #include "player/lingo/Operations.h"
@@ -16,10 +18,13 @@ const Expression& firstJoined(const BinaryExpression& joined) {
     return *first;
 }
 
-bool isChannel(const std::string& name) {
-    constexpr const char* kChannels[] = {"red", "green", "blue", "colorType", "paletteIndex"};
-    return std::any_of(std::begin(kChannels), std::end(kChannels),
-                       [&](const char* channel) { return compareText(name, channel) == 0; });
+constexpr const char* kChannels[] = {"red", "green", "blue", "colorType", "paletteIndex"};
+/// Calls that name a member.
+constexpr const char* kFields[] = {"field", "member", "cast"};
+
+bool isAnyOf(std::span<const char* const> names, const std::string& wanted) {
+    return std::any_of(names.begin(), names.end(),
+                       [&](const char* name) { return compareText(wanted, name) == 0; });
 }
 
 }  // namespace
@@ -90,7 +95,7 @@ void StatementCompiler::assignVariable(const VariableExpression& target, int32_t
 }
 
 void StatementCompiler::assignProperty(const PropertyExpression& target, int32_t value) {
-    if (!isChannel(symbols_.spelling(target.name))) {
+    if (!isAnyOf(kChannels, symbols_.spelling(target.name))) {
         emit(target.place, Operations::setProperty, operand(*target.object), target.name, value);
         return;
     }
@@ -106,9 +111,9 @@ void StatementCompiler::assignItem(const IndexExpression& target, int32_t value)
     emit(target.place, Operations::setItem, object, index, value);
 }
 
-// `put text into field "name"`
+/// `put text into field "name"`, or into a chunk of `member "name"`
 void StatementCompiler::assignField(const CallExpression& target, int32_t value) {
-    if (target.arguments.empty() || target.name != symbols_.identifier("field")) {
+    if (target.arguments.empty() || !isAnyOf(kFields, symbols_.spelling(target.name))) {
         emit(target.place, Operations::refuse);
         return;
     }
@@ -126,7 +131,9 @@ void StatementCompiler::assignChunk(const ChunkExpression& target, int32_t value
 /// The text that chunks are changed in, and their positions.
 void StatementCompiler::chunkSource(const ChunkExpression& chunk, int32_t source, int32_t first) {
     into(*chunk.source, source);
-    emit(chunk.source->place, Operations::text, source, source);
+    if (chunk.inBrackets) emit(chunk.place, Operations::requireText, source);
+    const bool named = chunk.source->kind == ExpressionKind::Call;
+    emit(chunk.source->place, Operations::chunkText, source, source, named);
     positions(chunk, first);
 }
 

@@ -17,7 +17,7 @@ Value Interpreter::callByName(SymbolId name, std::span<const Value> arguments, b
     if (findCallee(name, arguments, asMethod, callee)) return callHandler(std::move(callee), arguments);
     if (const int32_t selector = selectorOf(name, arguments); selector > 0)
         return callXtra(selector, arguments);
-    if (const Builtin* known = builtin(name)) return callBuiltin(*known, arguments);
+    if (const Builtin* known = builtin(name)) return callBuiltin(*known, arguments, asMethod);
     if (const char* need = neededBy(symbols.spelling(name))) return missing(need, name, &arguments);
     unknownCall(name, arguments, asMethod);
 }
@@ -129,15 +129,16 @@ const Builtin* Interpreter::builtin(SymbolId name) const {
     return id < builtins_.size() ? builtins_[id] : nullptr;
 }
 
-Value Interpreter::callBuiltin(const Builtin& entry, std::span<const Value> arguments) {
+Value Interpreter::callBuiltin(const Builtin& entry, std::span<const Value> arguments, bool asMethod) {
     if (arguments.size() < entry.least || arguments.size() > entry.most) {
         const bool few = arguments.size() < entry.least;
-        const size_t wanted = few ? entry.least : entry.most;
+        const size_t limit = few ? entry.least : entry.most;
+        const size_t object = asMethod && limit > 0 ? 1 : 0, wanted = limit - object;
         throw HostError(std::string(entry.name) + " takes " + (few ? "at least " : "at most ") +
                         std::to_string(wanted) + (wanted == 1 ? " argument, not " : " arguments, not ") +
-                        std::to_string(arguments.size()));
+                        std::to_string(arguments.size() - object));
     }
-    return entry.run(*this, Arguments(entry.name, arguments));
+    return entry.run(*this, Arguments(entry.name, arguments, asMethod));
 }
 
 void Interpreter::unknownCall(SymbolId name, std::span<const Value> arguments, bool asMethod) {

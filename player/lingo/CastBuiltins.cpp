@@ -1,5 +1,6 @@
 #include "player/host/Compare.h"
 #include "player/host/HostError.h"
+#include "player/lingo/ImageTools.h"
 #include "player/lingo/Runtime.h"
 
 /// The cast and its members.
@@ -47,6 +48,12 @@ Value newMember(Runtime& runtime, const Arguments& arguments) {
     return made;
 }
 
+/// `findEmpty(member 5)`: the number of the first empty member from there on.
+Value findEmpty(Runtime& runtime, const Arguments& arguments) {
+    if (!arguments[0].is(Kind::Member)) arguments.mismatch(0, "a member");
+    return Value::integer(runtime.members.nextEmpty(arguments[0]));
+}
+
 /// Empties a member.
 Value erase(Runtime&, const Arguments& arguments) {
     auto& member = arguments.object<MemberObject>(0);
@@ -56,8 +63,9 @@ Value erase(Runtime&, const Arguments& arguments) {
 }
 
 constexpr Builtin kBuiltins[] = {
-    {"member", 1, 2, memberNamed}, {"cast", 1, 2, memberNamed},    {"field", 1, 2, field},
-    {"castLib", 1, 1, castLib},    {"newMember", 1, 2, newMember}, {"erase", 1, 1, erase},
+    {"member", 1, 2, memberNamed},  {"cast", 1, 2, memberNamed},    {"field", 1, 2, field},
+    {"castLib", 1, 1, castLib},     {"newMember", 1, 2, newMember}, {"erase", 1, 1, erase},
+    {"findEmpty", 1, 1, findEmpty},
 };
 
 template <const char* const& Function, const char* const& Count>
@@ -96,6 +104,22 @@ constexpr PropertyEntry kProperties[] = {
 };
 
 }  // namespace
+
+Value duplicateMember(Runtime& runtime, const Value& member, const Value& place) {
+    const auto part = [&](const char* name) { return runtime.propertyNamed(member, runtime.symbol(name)); };
+    const std::string type = runtime.plain(part("type"));
+    Value made = place.is(Kind::Member) ? place
+                 : place.isInteger()    ? runtime.members.numbered(place.integer())
+                                        : runtime.heap.make<MemberObject>("");
+    auto& copy = *made.as<MemberObject>();
+    if (type == "bitmap") copy.image = duplicateImage(runtime, *part("image").as<ImageObject>());
+    if (type == "text") copy.text = part("text");
+    if (type == "bitmap") copy.regPoint = part("regPoint");
+    const std::string& name = member.as<MemberObject>()->name;
+    if (!name.empty()) copy.name = name;
+    if (place.isVoid()) runtime.members.add(made);
+    return made;
+}
 
 std::span<const Builtin> castBuiltins() { return kBuiltins; }
 std::span<const PropertyEntry> castProperties() { return kProperties; }

@@ -2,6 +2,7 @@
 
 #include "player/host/HostError.h"
 #include "player/lingo/Arithmetic.h"
+#include "player/lingo/Chunks.h"
 
 namespace krl::player {
 
@@ -17,6 +18,17 @@ const Value& coordinate(const Value& value) {
     if (!value.isNumber())
         throw HostError("expected a number for a coordinate, not " + kindName(value.kind()));
     return value;
+}
+
+/// A negative number is the last character; beyond the text there is an empty one.
+Value character(Runtime& runtime, const StringObject& text, int32_t number) {
+    const auto [first, last] = rangeOf(text.text, ChunkKind::Char, number, number, ',');
+    return runtime.text(std::string(findIn(text, ChunkKind::Char, first, last, ',').of(text.text)));
+}
+
+[[noreturn]] void refuse(const char* expected, const Value& object, const std::string& instead) {
+    const std::string hint = object.is(Kind::String) ? ": " + instead + " changes a text" : "";
+    throw HostError(std::string(expected) + ", not " + kindName(object.kind()) + hint);
 }
 
 template <class Sequence>
@@ -85,6 +97,7 @@ Value elementOf(Runtime& runtime, const Value& object, const Value& index) {
         return entry ? entry->value : Value();
     }
     const int32_t number = numberOf(index);
+    if (const auto* text = object.as<StringObject>()) return character(runtime, *text, number);
     if (const auto* list = object.as<ListObject>())
         return list->items[placeIn(list->items.size(), number, "list")];
     if (const auto* point = object.as<PointObject>())
@@ -116,7 +129,7 @@ void setElement(Runtime& runtime, const Value& object, const Value& index, const
         const size_t place = placeIn(bytes->content.size(), numberOf(index), "byteArray");
         bytes->content[place] = static_cast<uint8_t>(numberOf(value));
     } else {
-        throw HostError("expected a list before the brackets, not " + kindName(object.kind()));
+        refuse("expected a list before the brackets", object, "put ... into char n of");
     }
 }
 
@@ -130,18 +143,19 @@ void setEntry(Runtime& runtime, PropertyListObject& list, const Value& key, cons
 }
 
 void deleteElement(Runtime& runtime, const Value& object, const Value& index) {
-    if (auto* properties = object.as<PropertyListObject>(); properties && !index.isNumber()) {
+    auto* list = object.as<ListObject>();
+    auto* properties = object.as<PropertyListObject>();
+    if (properties && !index.isNumber()) {
         if (const Entry* entry = entryUnder(runtime, *properties, index))
             eraseEntry(*properties, static_cast<size_t>(entry - properties->entries.data()));
         return;
     }
+    if (!list && !properties) refuse("expected a list to delete from", object, "delete char n of");
     const size_t place = placeIn(countOf(object), numberOf(index), "delete");
-    if (auto* properties = object.as<PropertyListObject>())
+    if (properties)
         eraseEntry(*properties, place);
-    else if (auto* list = object.as<ListObject>())
-        eraseItem(*list, place);
     else
-        throw HostError("expected a list to delete from, not " + kindName(object.kind()));
+        eraseItem(*list, place);
 }
 
 }  // namespace krl::player

@@ -236,7 +236,9 @@ int32_t ExpressionCompiler::formOf(const ChunkExpression& chunk) {
 void ExpressionCompiler::chunk(const ChunkExpression& expression, int32_t target) {
     const bool calls =
         (expression.first && expression.first->calls) || (expression.last && expression.last->calls);
-    const int32_t source = operand(*expression.source, calls);
+    const int32_t source =
+        expression.inBrackets ? temporaryOf(*expression.source) : operand(*expression.source, calls);
+    if (expression.inBrackets) emit(expression.place, Operations::requireText, source);
     int32_t first = 0;
     if (expression.first && !expression.last) {
         first = operand(*expression.first);

@@ -51,7 +51,41 @@ Token ExpressionParser::expectName(const char* what) {
 
 void ExpressionParser::fail(const std::string& expected, const std::string& hint) const {
     if (here().kind == TokenKind::Wrong) failAt(here().place, here().text);
-    failAt(here().place, "expected " + expected + ", not " + here().described() + hint);
+    failAt(here().place, "expected " + expected + ", not " + here().described() + hint + foreignHint());
+}
+
+/// Ends the message about what other languages write or where a line does not go on; else empty.
+std::string ExpressionParser::foreignHint() const {
+    if (here().kind == TokenKind::LineEnd && breaksLine()) return "; a line that goes on ends with \"\\\"";
+    if (here().kind != TokenKind::Mark) return "";
+    struct Entry {
+        const char *first, *second, *instead;
+    };
+    static constexpr Entry entries[] = {
+        {"=", "=", "equality is written ="},
+        {"+", "=", "write x = x + 1"},
+        {"-", "=", "write x = x - 1"},
+        {"*", "=", "write x = x * 2"},
+        {"/", "=", "write x = x / 2"},
+        {"+", "+", "write x = x + 1"},
+        {"/", "/", "a comment begins with --"},
+        {"/", "*", "a comment begins with --"},
+    };
+    const Token& before = at_ > 0 ? tokens_[at_ - 1] : here();
+    for (const Entry& entry : entries) {
+        const bool begins =
+            here().isMark(entry.first) && ahead().isMark(entry.second) && ahead().begin == here().end;
+        const bool ends =
+            before.isMark(entry.first) && here().isMark(entry.second) && before.end == here().begin;
+        if (begins || ends) return std::string("; ") + entry.instead;
+    }
+    return "";
+}
+
+/// Whether the line ends after a comma or an opening bracket, or before a comma or a closing one.
+bool ExpressionParser::breaksLine() const {
+    const bool after = at_ > 0 && tokens_[at_ - 1].isAnyMark({",", "(", "[", "{"});
+    return after || ahead().isMark(",") || closesBracket(ahead());
 }
 
 void ExpressionParser::failAt(Place place, const std::string& message) const {
@@ -197,15 +231,31 @@ ExpressionPointer ExpressionParser::chunkByDot(ChunkKind kind, ExpressionPointer
 ExpressionPointer ExpressionParser::indexed(ExpressionPointer object) {
     const Place place = take().place;
     do {
+        ExpressionPointer index = expression();
+        if (here().isMark("..")) return charactersOf(std::move(object), std::move(index), place);
         auto made = node<IndexExpression>(ExpressionKind::Index, place);
         made->object = std::move(object);
-        made->index = expression();
+        made->index = std::move(index);
         contain(*made, made->object);
         contain(*made, made->index);
         object = std::move(made);
     } while (takeMark(","));
     expectMark("]", "the index");
     return object;
+}
+
+/// The rest of `text[2..3]`.
+ExpressionPointer ExpressionParser::charactersOf(ExpressionPointer source, ExpressionPointer first,
+                                                 Place place) {
+    auto made = node<ChunkExpression>(ExpressionKind::Chunk, place);
+    made->inBrackets = true;
+    made->source = std::move(source);
+    made->first = std::move(first);
+    take();
+    made->last = expression();
+    for (const ExpressionPointer* part : {&made->source, &made->first, &made->last}) contain(*made, *part);
+    expectMark("]", "the position of the last character");
+    return made;
 }
 
 }  // namespace krl::player

@@ -21,6 +21,8 @@ protected:
     Token expectName(const char* what);
     /// `hint` ends the message, for example with a suggestion.
     [[noreturn]] void fail(const std::string& expected, const std::string& hint = "") const;
+    std::string foreignHint() const;
+    bool breaksLine() const;
     [[noreturn]] void failAt(Place place, const std::string& message) const;
 
     /// For parsing to go on after a mistake.
@@ -64,6 +66,7 @@ private:
     ExpressionPointer postfix(ExpressionPointer object);
     ExpressionPointer dotted(ExpressionPointer object);
     ExpressionPointer indexed(ExpressionPointer object);
+    ExpressionPointer charactersOf(ExpressionPointer source, ExpressionPointer first, Place place);
     ExpressionPointer chunkByDot(ChunkKind kind, ExpressionPointer source, Place place);
     ExpressionPointer primary();
     ExpressionPointer named();

@@ -2,6 +2,7 @@
 
 #include <deque>
 #include <unordered_map>
+#include <vector>
 
 #include "player/host/Value.h"
 
@@ -17,6 +18,12 @@ public:
     }
     Value& operator[](int32_t number) { return values_[static_cast<size_t>(number)]; }
     Value& named(SymbolId name) { return (*this)[number(name)]; }
+    /// By their numbers.
+    std::vector<SymbolId> names() const {
+        std::vector<SymbolId> all(values_.size());
+        for (const auto& [name, number] : numbers_) all[static_cast<size_t>(number)] = name;
+        return all;
+    }
     /// Their names stay numbered, since compiled handlers refer to the numbers.
     void clear() {
         for (Value& value : values_) value = Value();

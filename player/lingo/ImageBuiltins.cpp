@@ -185,7 +185,14 @@ Value importFileInto(Runtime& runtime, const Arguments& arguments) {
     return Value();
 }
 
+/// A part of an image as another one; or the image of a member becomes its part.
 Value crop(Runtime& runtime, const Arguments& arguments) {
+    if (auto* member = arguments[0].as<MemberObject>()) {
+        const Value whole = runtime.propertyNamed(arguments[0], runtime.symbol("image"));
+        const PixelRect part = pixelRectOf(arguments.object<RectObject>(1));
+        member->image = cropImage(runtime, *whole.as<ImageObject>(), part);
+        return Value();
+    }
     return cropImage(runtime, arguments.object<ImageObject>(0), pixelRectOf(arguments.object<RectObject>(1)));
 }
 

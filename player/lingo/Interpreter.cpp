@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <sstream>
 
 #include "catalogue/NearestName.h"
@@ -12,7 +13,7 @@
 #include "player/lingo/StatementCompiler.h"
 #include "player/pictures/FileAccess.h"
 
-/// Scripts, handlers and texts that are evaluated.
+/// Scripts, handlers, and texts as values.
 namespace krl::player {
 
 namespace {
@@ -97,13 +98,7 @@ void Interpreter::setMovieScript(const LoadedScript& script) {
     movieOwner_ = script.syntax->properties.empty() ? Value() : known;
 }
 
-Value Interpreter::evaluateText(std::string name, std::string_view text) {
-    auto source = std::make_shared<Source>(Source{std::move(name), std::string(text)});
-    const LoadedScript script = makeScript("", parseExpression(std::move(source), symbols));
-    return callHandler({&script, script.codes.front().get(), Value()}, {});
-}
-
-/// The method of the plug-in that is meant, whose prefix may be missing.
+/// The method of the plug-in that a name means, with or without the prefix.
 SymbolId Interpreter::methodWritten(SymbolId name) {
     const std::string prefix = "krlImage";
     const std::string& spelled = symbols.spelling(name);
@@ -181,10 +176,11 @@ Frame& Interpreter::push(Callee& callee, std::span<const Value> arguments) {
     made.at = code.instructions.data();
     made.caller = frame_;
     const size_t parameters = code.handler->parameters, given = std::min(parameters, arguments.size());
-    for (size_t i = 0; i < given; ++i) made.registers[i] = arguments[i];
-    for (size_t i = given; i < parameters; ++i) made.registers[i] = Value();
+    // Registers that were taken have no object to release.
+    for (size_t i = 0; i < given; ++i) std::construct_at(&made.registers[i], arguments[i]);
+    for (size_t i = given; i < parameters; ++i) std::construct_at(&made.registers[i]);
     for (size_t i = parameters; i < static_cast<size_t>(made.locals); ++i)
-        made.registers[i] = Value::unassigned();
+        std::construct_at(&made.registers[i], Value::unassigned());
     frame_ = &made;
     ++running_;
     return made;
@@ -234,55 +230,13 @@ Value Interpreter::send(SymbolId name, std::span<const Value> arguments) {
     return callByName(name, arguments, false);
 }
 
-Value Interpreter::valueOf(const std::string& expression) {
-    try {
-        auto source = std::make_shared<Source>(Source{"", expression});
-        return runInFrame(parseLeadingExpression(std::move(source), symbols, surroundings()));
-    } catch (const ScriptError&) {
-        return Value();
-    }
-}
-
-void Interpreter::runText(const std::string& statements) {
-    auto source = std::make_shared<Source>(Source{"do", statements});
-    runInFrame(parseStatements(std::move(source), symbols, surroundings()));
-}
-
-/// What a text that is evaluated in the running handler can name.
-Surroundings Interpreter::surroundings() const {
-    if (!frame_) return {};
-    Surroundings found;
-    const std::vector<SymbolId>& names = frame_->code->handler->locals;
-    for (size_t i = 0; i < names.size(); ++i)
-        if (!frame_->registers[i].isUnassigned()) found.locals.push_back(names[i]);
-    found.properties = frame_->script->syntax->properties;
-    return found;
-}
-
-/// Runs a text with the variables of the running handler, which get the values that it has set.
-Value Interpreter::runInFrame(std::unique_ptr<Script> syntax) {
-    const LoadedScript script = makeScript("", std::move(syntax));
-    Frame* const outer = frame_;
-    const Execution execution(*this);
-    Callee text{&script, script.codes.front().get(), outer ? outer->owner : Value()};
-    Frame& made = push(text, {});
-    made.outermost = true;
-    const Handler& handler = *made.code->handler;
-    const auto eachShared = [&](auto&& visit) {
-        if (!outer) return;
-        const std::vector<SymbolId>& names = outer->code->handler->locals;
-        for (size_t i = 0; i < names.size(); ++i)
-            for (size_t j = 0; j < handler.parameters; ++j)
-                if (handler.locals[j] == names[i]) visit(outer->registers[i], made.registers[j]);
-    };
-    eachShared([](const Value& theirs, Value& own) { own = theirs; });
-    execute();
-    eachShared([](Value& theirs, const Value& own) { theirs = own; });
-    return std::move(made.answer);
-}
-
 /// The value itself if it is a string, so that its index of characters is used again.
 Value Interpreter::asText(const Value& value) { return value.is(Kind::String) ? value : text(plain(value)); }
+
+/// What the chunks of a value are chunks of: for a member, its text.
+Value Interpreter::textOf(const Value& value) {
+    return value.is(Kind::Member) ? memberText(*this, value) : asText(value);
+}
 
 /// A part of a text. Single letters are values that are made once.
 Value Interpreter::piece(std::string_view part) {

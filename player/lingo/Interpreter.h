@@ -48,8 +48,10 @@ public:
     Value newInstance(const Value& script, std::span<const Value> arguments) override;
     std::span<const Value> handlerArguments() const override;
     void clearGlobals() override { globals_.clear(); }
+    void showGlobals() override;
+    void showLocals() override;
 
-    /// How often each name was skipped for want of a stage.
+    /// How often each name was skipped because there is no stage.
     const std::map<std::string, int64_t>& skipped() const { return skipped_; }
 
 private:
@@ -66,6 +68,7 @@ private:
 
     // Texts.
     Value asText(const Value& value);
+    Value textOf(const Value& value);
     Value piece(std::string_view part);
     /// An ASCII character of a text whose characters take one byte each; null for any other.
     const Value* letterOf(const StringObject& text, int32_t number);
@@ -116,7 +119,7 @@ private:
     Frame& push(Callee& callee, std::span<const Value> arguments);
     void pop() noexcept;
     [[noreturn]] void refuseDepth(const HandlerCode& code) const;
-    Value callBuiltin(const Builtin& builtin, std::span<const Value> arguments);
+    Value callBuiltin(const Builtin& builtin, std::span<const Value> arguments, bool asMethod);
     const Builtin* builtin(SymbolId name) const;
     const PropertyEntry* propertyOf(Kind kind, SymbolId name) const;
     const Builtin* functionAsProperty(Kind kind, SymbolId name) const;
@@ -127,6 +130,9 @@ private:
     Value missing(const char* need, SymbolId name, const std::span<const Value>* arguments);
     [[noreturn]] void unknownVariable(SymbolId variable);
     [[noreturn]] void unknownProperty(const Value& object, SymbolId name);
+    /// Whether it is a property of a member that only a stage could lay out.
+    bool needsLayout(const Value& object, SymbolId name) const;
+    std::string unsetName(const Value& object) const;
     std::vector<std::string> functionNames() const;
     std::vector<std::string> propertyNames(Kind kind) const;
 
@@ -136,6 +142,7 @@ private:
     Value runInFrame(std::unique_ptr<Script> syntax);
     void execute();
     LoadedScript makeScript(const std::string& name, std::unique_ptr<Script> syntax);
+    std::string shownVariable(SymbolId name, const Value& value) const;
     ScriptError placed(const std::string& message) const;
 
     const SessionOptions& options_;

@@ -18,6 +18,17 @@ bool isPlainLetter(char letter) {
 /// Second byte of the no-break space in UTF-8, which is common in text from the web.
 constexpr char kNoBreak = '\xA0';
 
+/// What other languages write, and what to write in Lingo.
+struct ForeignMark {
+    std::string_view mark;
+    const char* instead;
+};
+constexpr ForeignMark kForeignMarks[] = {
+    {"!=", "unequal is written <>"},
+    {"'", "strings are in double quotes"},
+    {";", "a statement ends with its line"},
+};
+
 class Lexer {
 public:
     explicit Lexer(const Source& source) : text_(source.text) {}
@@ -206,11 +217,14 @@ private:
         add(TokenKind::Name, begin);
     }
 
+    /// Whether the dot here is that of a number: not of a range, and not before the name of a property.
+    bool endsNumber() const { return peek(1) != '.' && (peek(1) & 0x80) == 0 && !isPlainLetter(peek(1)); }
+
     void takeNumber() {
         const size_t begin = at_;
         while (isDigit(peek())) ++at_;
         bool real = false;
-        if (peek() == '.' && isDigit(peek(1))) {  // two dots are a range
+        if (peek() == '.' && endsNumber()) {
             real = true;
             do ++at_;
             while (isDigit(peek()));
@@ -250,6 +264,12 @@ private:
             brackets_ += token.isAnyMark({"(", "[", "{"}) - token.isAnyMark({")", "]", "}"});
             return;
         }
+        for (const auto& [foreign, instead] : kForeignMarks)
+            if (text_.substr(at_, foreign.size()) == foreign) {
+                at_ += foreign.size();
+                addWrong(placeOf(begin), begin, "unexpected \"" + std::string(foreign) + "\"; " + instead);
+                return;
+            }
         const bool shown = peek() > ' ' && peek() < 0x7F;
         const std::string complaint =
             shown ? "unexpected character \"" + std::string(1, peek()) + '"' : "unexpected character";

@@ -323,6 +323,8 @@ Value copyOf(Runtime& runtime, const Value& value, int depth = 0) {
 
 Value duplicate(Runtime& runtime, const Arguments& arguments) {
     if (const auto* image = arguments[0].as<ImageObject>()) return duplicateImage(runtime, *image);
+    if (arguments[0].is(Kind::Member)) return duplicateMember(runtime, arguments[0], arguments[1]);
+    if (arguments.has(1)) arguments.mismatch(0, "a member");
     return copyOf(runtime, arguments[0]);
 }
 
@@ -352,7 +354,7 @@ constexpr Builtin kBuiltins[] = {
     {"deleteOne", 2, 2, deleteOne},
     {"deleteAll", 1, 1, deleteAll},
     {"sort", 1, 1, sort},
-    {"duplicate", 1, 1, duplicate},
+    {"duplicate", 1, 2, duplicate},
 };
 
 }  // namespace

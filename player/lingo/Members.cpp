@@ -70,6 +70,12 @@ int32_t Members::count() {
     return static_cast<int32_t>(numbered_.rend() - last);
 }
 
+int32_t Members::nextEmpty(const Value& member) {
+    auto place = static_cast<size_t>(std::max(numberOf(member), 1) - 1);
+    while (place < numbered_.size() && !isEmpty(numbered_[place])) ++place;
+    return static_cast<int32_t>(place) + 1;
+}
+
 void Members::add(const Value& member) {
     const int32_t number = count() + 1;
     const auto place = static_cast<size_t>(number - 1);

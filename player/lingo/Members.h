@@ -24,6 +24,8 @@ public:
     int32_t numberOf(const Value& member);
     /// The highest number of a member that is not empty.
     int32_t count();
+    /// The number of the first empty member from `member` on.
+    int32_t nextEmpty(const Value& member);
     /// Gives a member that a script has made the next number.
     void add(const Value& member);
     void clear();

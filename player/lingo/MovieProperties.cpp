@@ -75,6 +75,7 @@ constexpr PropertyEntry kProperties[] = {
     {Kind::Void, "environment", environment, nullptr},
     {Kind::Void, "environmentPropList", environment, nullptr},
     {Kind::Void, "colorDepth", number<32>, ignored},
+    {Kind::Void, "applicationName", [](Runtime& r, const Value&) { return r.text("krlimage"); }, nullptr},
     {Kind::Void, "movieName", movieName, nullptr},
     {Kind::Void, "movie", movieName, nullptr},
     {Kind::Void, "name", movieName, nullptr},

@@ -20,8 +20,8 @@ std::vector<Value> receivers(const Value& to) {
     return found;
 }
 
-/// `call(#name, object, ...)`, or for each object of a list, where objects without that handler are passed
-/// over; returns the last result.
+/// `call(#name, object, ...)`, or for each object of a list, where objects without that handler are
+/// skipped; returns the last result.
 Value call(Runtime& runtime, const Arguments& arguments) {
     const SymbolId name = arguments.symbol(0);
     const bool several = arguments[1].is(Kind::List) || arguments[1].is(Kind::PropertyList);

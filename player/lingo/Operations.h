@@ -61,6 +61,8 @@ struct Operations {
 
     // Texts.
     static Run text;         ///< a = b as text
+    static Run chunkText;    ///< a = b as text whose chunks change; of a member if c is 1
+    static Run requireText;  ///< refuses a that is no text, before brackets
     static Run show;         ///< a = b as `put` shows it
     static Run chunk;        ///< a = chunk c to c + 1 of b, form d
     static Run chunkCount;   ///< a = the number of chunks in b, form d

@@ -120,7 +120,7 @@ private:
         handlerGlobals_.clear();
         brokenBlocks_.clear();
         made->body = block();
-        // Many a script ends without the last `end`.
+        // Many scripts end without the last `end`.
         if (here().kind != TokenKind::End) {
             if (!here().isWord("end")) fail("\"end\" of the handler \"" + name.text + '"');
             take();

@@ -87,7 +87,7 @@ ExpressionPointer ExpressionParser::named() {
     const Token name = take();
     if (here().isMark("(")) return call(name);
     // The objects of the player, such as `_movie`.
-    if (name.isAnyWord({"_movie", "_player", "_system", "_global", "_key", "_mouse"})) {
+    if (name.isAnyWord({"_movie", "_player", "_system", "_global", "_key", "_mouse", "_sound"})) {
         auto made = node<CallExpression>(ExpressionKind::Call, name.place);
         made->name = symbols_.identifier(name.text);
         return made;

@@ -78,6 +78,8 @@ void setPaletteRef(Runtime& runtime, const Value& object, const Value& value) {
     image.palette = palette;
 }
 
+Value useAlpha(Runtime&, const Value& object) { return Value::truth(object.as<ImageObject>()->useAlpha); }
+
 void setUseAlpha(Runtime&, const Value& object, const Value& value) {
     object.as<ImageObject>()->useAlpha = truthOf(value);
 }
@@ -92,6 +94,14 @@ const std::vector<std::string>& pictureExtensions() {
 
 namespace {
 
+[[noreturn]] void noFile(Runtime& runtime, const MemberObject& member, const char* what,
+                         const std::vector<std::string>& extensions) {
+    const std::string start = std::string("there is no ") + what + " for the member ";
+    if (member.name.empty() && member.number > 0) throw HostError(start + std::to_string(member.number));
+    throw HostError(start + '"' + member.name + '"' +
+                    didYouMean(member.name, runtime.sandbox.memberNames(extensions)));
+}
+
 /// Read from its file on first use.
 Value memberImage(Runtime& runtime, const Value& object) {
     auto& member = *object.as<MemberObject>();
@@ -99,9 +109,7 @@ Value memberImage(Runtime& runtime, const Value& object) {
     if (const Bitmap* given = runtime.pictures ? runtime.pictures->member(member.name) : nullptr)
         return member.image = runtime.heap.make<ImageObject>(Bitmap(*given));
     const std::filesystem::path file = runtime.sandbox.member(member.name, pictureExtensions());
-    if (file.empty())
-        throw HostError("there is no picture for the member \"" + member.name + '"' +
-                        didYouMean(member.name, runtime.sandbox.memberNames(pictureExtensions())));
+    if (file.empty()) noFile(runtime, member, "picture", pictureExtensions());
     // Checked again once it is open: its name may have come to mean a file elsewhere.
     return member.image = runtime.heap.make<ImageObject>(readCheckedPicture(runtime.sandbox.placeOf(file)));
 }
@@ -120,9 +128,7 @@ Value memberText(Runtime& runtime, const Value& object) {
     if (!member.text.isVoid()) return member.text;
     const std::vector<std::string> extensions = {".txt"};
     const std::filesystem::path file = runtime.sandbox.member(member.name, extensions);
-    if (file.empty())
-        throw HostError("there is no text for the member \"" + member.name + '"' +
-                        didYouMean(member.name, runtime.sandbox.memberNames(extensions)));
+    if (file.empty()) noFile(runtime, member, "text", extensions);
     return member.text = runtime.text(readCheckedBytes(runtime.sandbox.placeOf(file)));
 }
 
@@ -165,6 +171,26 @@ void setMemberRegPoint(Runtime&, const Value& object, const Value& value) {
     if (!value.is(Kind::Point))
         throw HostError("expected a point for the regPoint, not " + kindName(value.kind()));
     object.as<MemberObject>()->regPoint = value;
+}
+
+Value regPointIsCentre(Runtime&, const Value& object) {
+    return Value::truth(object.as<MemberObject>()->regPoint.isVoid());
+}
+
+void centreRegPoint(Runtime& runtime, const Value& object, const Value& value) {
+    object.as<MemberObject>()->regPoint = truthOf(value) ? Value() : memberRegPoint(runtime, object);
+}
+
+/// Empty for a member that a script has made.
+Value memberFile(Runtime& runtime, const Value& object) {
+    std::vector<std::string> extensions = pictureExtensions();
+    extensions.push_back(".txt");
+    return runtime.text(runtime.sandbox.member(object.as<MemberObject>()->name, extensions).string());
+}
+
+template <void (*Write)(Runtime&, const Value&, const Value&)>
+void setOfMemberImage(Runtime& runtime, const Value& object, const Value& value) {
+    Write(runtime, memberImage(runtime, object), value);
 }
 
 template <Value (*Read)(Runtime&, const Value&)>
@@ -212,8 +238,7 @@ constexpr PropertyEntry kProperties[] = {
     {Kind::Image, "height", imageHeight, nullptr},
     {Kind::Image, "rect", imageRect, nullptr},
     {Kind::Image, "depth", imageDepth, nullptr},
-    {Kind::Image, "useAlpha",
-     [](Runtime&, const Value& o) { return Value::truth(o.as<ImageObject>()->useAlpha); }, setUseAlpha},
+    {Kind::Image, "useAlpha", useAlpha, setUseAlpha},
     {Kind::Image, "paletteRef", paletteRef, setPaletteRef},
     {Kind::Image, "ilk", kindSymbol, nullptr},
     {Kind::Member, "image", memberImage, setMemberImage},
@@ -231,6 +256,11 @@ constexpr PropertyEntry kProperties[] = {
     {Kind::Member, "height", ofMemberImage<imageHeight>, nullptr},
     {Kind::Member, "rect", ofMemberImage<imageRect>, nullptr},
     {Kind::Member, "depth", ofMemberImage<imageDepth>, nullptr},
+    {Kind::Member, "useAlpha", ofMemberImage<useAlpha>, setOfMemberImage<setUseAlpha>},
+    {Kind::Member, "palette", ofMemberImage<paletteRef>, setOfMemberImage<setPaletteRef>},
+    {Kind::Member, "paletteRef", ofMemberImage<paletteRef>, setOfMemberImage<setPaletteRef>},
+    {Kind::Member, "centerRegPoint", regPointIsCentre, centreRegPoint},
+    {Kind::Member, "fileName", memberFile, nullptr},
     {Kind::Member, "ilk", kindSymbol, nullptr},
 };
 

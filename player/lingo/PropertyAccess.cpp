@@ -7,7 +7,7 @@
 #include "player/lingo/InterpreterScopes.h"
 #include "player/lingo/StageNames.h"
 
-/// Properties and elements of objects.
+/// Properties and elements of objects, and variables that are shown.
 namespace krl::player {
 
 Value Interpreter::property(const Value& object, SymbolId name) {
@@ -23,8 +23,13 @@ Value Interpreter::property(const Value& object, SymbolId name) {
     }
     if (const PropertyEntry* entry = propertyOf(object.kind(), name)) return entry->read(*this, object);
     if (const Builtin* function = functionAsProperty(object.kind(), name))
-        return callBuiltin(*function, {&object, 1});
+        return callBuiltin(*function, {&object, 1}, true);
+    if (needsLayout(object, name)) return missing("a stage", name, nullptr);
     unknownProperty(object, name);
+}
+
+bool Interpreter::needsLayout(const Value& object, SymbolId name) const {
+    return object.is(Kind::Member) && isOfStageObjects(symbols.spelling(name));
 }
 
 Value Interpreter::propertyNamed(const Value& object, const Value& name) {
@@ -89,6 +94,7 @@ Value Interpreter::item(const Value& object, const Value& index) {
     if (object.is(Kind::Environment)) return propertyNamed(object, index);
     if (const auto* collection = object.as<CollectionObject>())
         return callByName(symbols.identifier(collection->of), {&index, 1}, false);
+    if (object.isVoid()) throw HostError("expected a list before the brackets, not VOID" + unsetName(object));
     return elementOf(*this, object, index);
 }
 
@@ -105,6 +111,7 @@ void Interpreter::setSystemProperty(SymbolId name, const Value& value) {
 void Interpreter::setItem(const Value& object, const Value& index, const Value& value) {
     if (skipsStage() && object.isVoid()) return;
     if (object.is(Kind::Environment)) return setProperty(object, symbols.identifier(plain(index)), value);
+    if (object.isVoid()) throw HostError("expected a list before the brackets, not VOID" + unsetName(object));
     Value* property = index.is(Kind::Symbol) ? instanceProperty(object, index.symbol()) : nullptr;
     if (!property) return setElement(*this, object, index, value);
     const Value gone = std::exchange(*property, value);
@@ -125,6 +132,10 @@ void Interpreter::setProperty(const Value& object, SymbolId name, const Value& v
     }
     if (skipsStage() && object.isVoid()) return;
     const PropertyEntry* entry = propertyOf(object.kind(), name);
+    if (!entry && needsLayout(object, name)) {
+        missing("a stage", name, nullptr);
+        return;
+    }
     if (!entry) unknownProperty(object, name);
     if (!entry->write)
         throw HostError("the property \"" + symbols.spelling(name) + "\" of " + kindName(object.kind()) +
@@ -193,6 +204,24 @@ void Interpreter::unknownVariable(SymbolId variable) {
     throw HostError("the variable \"" + name + "\" has no value yet" + didYouMean(name, known));
 }
 
+/// A line of `showGlobals`; empty for a variable without a value.
+std::string Interpreter::shownVariable(SymbolId name, const Value& value) const {
+    return value.isVoid() ? "" : symbols.spelling(name) + " = " + shownText(style(), value) + '\n';
+}
+
+void Interpreter::showGlobals() {
+    std::string lines = "-- Global Variables --\n";
+    for (const SymbolId name : globals_.names()) lines += shownVariable(name, globals_.named(name));
+    writeLines(output, lines);
+}
+
+void Interpreter::showLocals() {
+    std::string lines = "-- Local Variables --\n";
+    for (size_t i = 0; frame_ && i < frame_->code->handler->locals.size(); ++i)
+        lines += shownVariable(frame_->code->handler->locals[i], frame_->registers[i]);
+    writeLines(output, lines);
+}
+
 void Interpreter::unknownProperty(const Value& object, SymbolId name) {
     const std::string& wanted = symbols.spelling(name);
     std::vector<std::string> known = propertyNames(object.kind());
@@ -205,7 +234,17 @@ void Interpreter::unknownProperty(const Value& object, SymbolId name) {
         for (const SymbolId property : holder->script.syntax->properties)
             known.push_back(symbols.spelling(property));
     throw HostError(kindName(object.kind()) + " has no property \"" + wanted + '"' +
-                    didYouMean(wanted, known));
+                    didYouMean(wanted, known) + unsetName(object));
+}
+
+/// Ends a message about a variable without a value; empty for anything else.
+std::string Interpreter::unsetName(const Value& object) const {
+    if (!frame_ || !object.isUnassigned()) return "";
+    const std::vector<SymbolId>& names = frame_->code->handler->locals;
+    for (size_t i = 0; i < names.size(); ++i)
+        if (&frame_->registers[i] == &object)
+            return ": the variable \"" + symbols.spelling(names[i]) + "\" has no value yet";
+    return "";
 }
 
 }  // namespace krl::player

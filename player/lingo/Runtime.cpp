@@ -62,8 +62,10 @@ Colour Arguments::colour(size_t index) const {
 
 void Arguments::mismatch(size_t index, const std::string& wanted) const {
     const Kind given = (*this)[index].kind();
-    throw HostError(std::string(function_) + ": expected " + wanted + " as argument " +
-                    std::to_string(index + 1) + ", not " + kindName(given));
+    const size_t number = index + (asMethod_ ? 0 : 1);
+    const std::string place = number > 0 ? "as argument " + std::to_string(number) : "before the dot";
+    throw HostError(std::string(function_) + ": expected " + wanted + ' ' + place + ", not " +
+                    kindName(given));
 }
 
 }  // namespace krl::player

@@ -58,6 +58,9 @@ public:
     /// The arguments of the running handler.
     virtual std::span<const Value> handlerArguments() const = 0;
     virtual void clearGlobals() = 0;
+    /// Prints the variables that have a value.
+    virtual void showGlobals() = 0;
+    virtual void showLocals() = 0;
 
     TextStyle style() const { return {symbols, settings.floatPrecision}; }
     std::string plain(const Value& value) const { return plainText(style(), value); }
@@ -88,7 +91,9 @@ public:
 /// The arguments of a built-in function, read with type checks.
 class Arguments {
 public:
-    Arguments(const char* function, std::span<const Value> values) : function_(function), values_(values) {}
+    /// In a call written as a method, messages count the arguments without the object before the dot.
+    Arguments(const char* function, std::span<const Value> values, bool asMethod = false)
+        : function_(function), values_(values), asMethod_(asMethod) {}
 
     size_t count() const { return values_.size(); }
     bool has(size_t index) const { return index < values_.size() && !values_[index].isVoid(); }
@@ -115,6 +120,7 @@ public:
 private:
     const char* function_;
     std::span<const Value> values_;
+    bool asMethod_;
 };
 
 /// A built-in function; it is also a method of its first argument: `list.add(5)` is `add(list, 5)`.
@@ -165,6 +171,9 @@ const std::vector<std::string>& pictureExtensions();
 /// The text of a member, and what `put ... into field` sets.
 Value memberText(Runtime& runtime, const Value& member);
 void setMemberText(Runtime& runtime, const Value& member, const Value& value);
+
+/// A copy of a member in the next place, or in that of another one or of a number.
+Value duplicateMember(Runtime& runtime, const Value& member, const Value& place);
 
 /// A colour of the usual palette, by its index.
 Value indexedColour(uint8_t index);

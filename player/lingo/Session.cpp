@@ -92,7 +92,7 @@ struct Session::Parts {
         if (const std::string message = errorIn(result); !message.empty()) throw HostError(message);
     }
 
-    /// Lists what was skipped for want of a stage.
+    /// Lists what was skipped because there is no stage.
     void reportSkipped() {
         std::string all;
         for (const auto& [name, times] : interpreter.skipped())

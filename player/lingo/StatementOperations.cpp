@@ -34,6 +34,21 @@ Next Operations::text(Interpreter& interpreter, Frame& frame, const Instruction&
     return &at + 1;
 }
 
+Next Operations::chunkText(Interpreter& interpreter, Frame& frame, const Instruction& at) {
+    const Value taken = frame.take(at.b);
+    if (taken.is(Kind::Member) && at.c == 0)
+        throw HostError("expected a text to change, not a member; set its property \"text\"");
+    frame.registers[at.a] = interpreter.textOf(taken);
+    return &at + 1;
+}
+
+Next Operations::requireText(Interpreter&, Frame& frame, const Instruction& at) {
+    const Kind kind = frame.operand(at.a).kind();
+    if (kind != Kind::String)
+        throw HostError("expected a string before the brackets with a range, not " + kindName(kind));
+    return &at + 1;
+}
+
 Next Operations::show(Interpreter& interpreter, Frame& frame, const Instruction& at) {
     frame.registers[at.a] = interpreter.text(shownText(interpreter.style(), frame.take(at.b)));
     return &at + 1;
@@ -80,7 +95,7 @@ Next Operations::chunk(Interpreter& interpreter, Frame& frame, const Instruction
         found = interpreter.property(source, interpreter.symbols.identifier(chunkName(form.kind)));
         if (form.first) found = elementOf(interpreter, found, frame.operand(at.c));
     } else {
-        const Value held = interpreter.asText(source);
+        const Value held = interpreter.textOf(source);
         const auto& whole = *held.as<StringObject>();
         const auto [first, last] = range(interpreter, frame, at, whole.text);
         const Stretch place = findIn(whole, form.kind, first, last, interpreter.settings.itemDelimiter);
@@ -93,7 +108,7 @@ Next Operations::chunk(Interpreter& interpreter, Frame& frame, const Instruction
 }
 
 Next Operations::chunkCount(Interpreter& interpreter, Frame& frame, const Instruction& at) {
-    const Value whole = interpreter.asText(frame.take(at.b));
+    const Value whole = interpreter.textOf(frame.take(at.b));
     const ChunkKind kind = ChunkForm::of(at.d).kind;
     frame.registers[at.a] =
         Value::integer(countIn(*whole.as<StringObject>(), kind, interpreter.settings.itemDelimiter));
@@ -106,9 +121,13 @@ Next Operations::putChunk(Interpreter& interpreter, Frame& frame, const Instruct
     const std::string& more = added.as<StringObject>()->text;
     const auto [first, last] = range(interpreter, frame, at, whole);
     dropPositions(frame, at);
-    interpreter.heap.mustHold(whole.size() + more.size() + static_cast<size_t>(std::max(first, 0)));
-    frame.registers[at.a] = interpreter.text(
-        withChunk(whole, ChunkForm::of(at.d).kind, first, last, interpreter.settings.itemDelimiter, more));
+    const ChunkKind kind = ChunkForm::of(at.d).kind;
+    const bool padded = kind == ChunkKind::Item || kind == ChunkKind::Line;
+    const size_t most = whole.size() + more.size() + (padded ? static_cast<size_t>(std::max(first, 0)) : 0);
+    interpreter.heap.mustHold(most);
+    interpreter.heap.mustFit("string", most);
+    frame.registers[at.a] =
+        interpreter.text(withChunk(whole, kind, first, last, interpreter.settings.itemDelimiter, more));
     return &at + 1;
 }
 

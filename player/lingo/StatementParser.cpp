@@ -154,7 +154,7 @@ StatementPointer StatementParser::put() {
             auto assign = std::make_unique<AssignStatement>(StatementKind::PutInto, place);
             assign->mode = static_cast<PutMode>(mode);
             assign->value = std::move(made->values.front());
-            assign->target = target();
+            assign->target = fieldOrTarget();
             return assign;
         }
     return made;
@@ -178,6 +178,19 @@ bool StatementParser::bracketedArguments() const {
 ExpressionPointer StatementParser::target() {
     const Place place = here().place;
     ExpressionPointer made = accessPath();
+    requireTarget(*made, place);
+    return made;
+}
+
+/// `put text into member "a"` means its text, like that of a field.
+ExpressionPointer StatementParser::fieldOrTarget() {
+    const Place place = here().place;
+    ExpressionPointer made = accessPath();
+    if (made->kind == ExpressionKind::Call) {
+        SymbolId& name = static_cast<CallExpression&>(*made).name;
+        for (const char* reference : {"member", "cast"})
+            if (compareText(symbols_.spelling(name), reference) == 0) name = symbols_.identifier("field");
+    }
     requireTarget(*made, place);
     return made;
 }
@@ -238,19 +251,32 @@ bool StatementParser::commandForm() const {
     const Token& next = ahead();
     if (next.endsLine() || next.isWord("else")) return false;
     if (next.isMark("(")) return spacedArgument(here());
-    // `x - 1` is no statement, but `alert -1` is; and `sort [3, 1]` is one where `x[1] = 2` is none.
+    if (next.isMark("[")) return spacedList(here());
+    // `x - 1` is no statement, but `alert -1` is.
     return next.kind != TokenKind::Mark || next.isAnyMark({"-", "{"});
 }
 
 /// Whether the command is one for lists, written `append (list), x`.
 bool StatementParser::spacedArgument(const Token& command) const {
     if (!isListCommand(command) || ahead().begin == command.end) return false;
+    return ahead(closingBracket(1) + 1).isMark(",");
+}
+
+/// Whether the command is written `sort [3, 1]`, and not `list [1] = 2`.
+bool StatementParser::spacedList(const Token& command) const {
+    const Token& after = ahead(closingBracket(1) + 1);
+    return ahead().begin > command.end && (after.endsLine() || after.isMark(","));
+}
+
+/// Where the bracket ahead closes, or the end of the line.
+size_t StatementParser::closingBracket(size_t opening) const {
     int open = 0;
-    for (size_t i = 1; !ahead(i).endsLine(); ++i) {
+    size_t i = opening;
+    for (; !ahead(i).endsLine(); ++i) {
         if (opensBracket(ahead(i))) ++open;
-        if (closesBracket(ahead(i)) && --open == 0) return ahead(i + 1).isMark(",");
+        if (closesBracket(ahead(i)) && --open == 0) break;
     }
-    return false;
+    return i;
 }
 
 StatementPointer StatementParser::command() {

@@ -39,6 +39,7 @@ private:
     bool bracketedArguments() const;
     StatementPointer set();
     ExpressionPointer target();
+    ExpressionPointer fieldOrTarget();
     void requireTarget(const Expression& made, Place place) const;
     StatementPointer removal();
 
@@ -58,6 +59,8 @@ private:
     bool commandForm() const;
     StatementPointer command();
     bool spacedArgument(const Token& command) const;
+    bool spacedList(const Token& command) const;
+    size_t closingBracket(size_t opening) const;
     bool endsStatement() const;
 
     // Choice.

@@ -132,6 +132,7 @@ struct ChunkExpression : Expression {
     using Expression::Expression;
     ChunkKind chunk = ChunkKind::Char;
     ExpressionPointer first, last, source;
+    bool inBrackets = false;  ///< `source[first..last]`, of strings alone
 };
 
 enum class StatementKind {

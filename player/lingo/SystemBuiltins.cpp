@@ -56,6 +56,12 @@ Value clearGlobals(Runtime& runtime, const Arguments&) {
     return Value();
 }
 
+template <void (Runtime::*Show)()>
+Value show(Runtime& runtime, const Arguments&) {
+    (runtime.*Show)();
+    return Value();
+}
+
 /// Counted from the first use, to keep the numbers small.
 int64_t milliseconds() {
     using namespace std::chrono;
@@ -82,7 +88,7 @@ int32_t wholeOf(const Value& value, const char* name) {
 }
 
 void setFloatPrecision(Runtime& runtime, const Value&, const Value& value) {
-    runtime.settings.floatPrecision = std::clamp(wholeOf(value, "floatPrecision"), 0, 15);
+    runtime.settings.floatPrecision = std::clamp(wholeOf(value, "floatPrecision"), -15, 15);
 }
 
 void setItemDelimiter(Runtime& runtime, const Value&, const Value& value) {
@@ -123,6 +129,8 @@ constexpr Builtin kBuiltins[] = {
     {"paramCount", 0, 0, paramCount},
     {"param", 1, 1, parameter},
     {"clearGlobals", 0, 0, clearGlobals},
+    {"showGlobals", 0, 0, show<&Runtime::showGlobals>},
+    {"showLocals", 0, 0, show<&Runtime::showLocals>},
     {"startTimer", 0, 0, startTimer},
     {"time", 0, 0, time},
     {"keyPressed", 0, 1, keyPressed},

@@ -1,7 +1,9 @@
 #include "player/lingo/Text.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 #include "player/host/Compare.h"
 #include "player/host/HostError.h"
@@ -12,18 +14,27 @@ namespace krl::player {
 
 namespace {
 
-/// With an exponent where fixed decimals would hide the number or go on for digits it does not have.
+/// Leaves one decimal.
+std::string withoutZeros(std::string text) {
+    const size_t point = text.find('.');
+    if (point != std::string::npos) text.erase(std::max(text.find_last_not_of('0'), point + 1) + 1);
+    return text;
+}
+
+/// With an exponent where fixed decimals would hide the number or go on for digits it does not have. With a
+/// precision of 0, to the nearest integer; with one below 0, without zeros at the end.
 std::string floatText(double number, int precision) {
     if (std::isnan(number)) return "NAN";
     if (std::isinf(number)) return number < 0 ? "-INF" : "INF";
     char text[400];
+    const int decimals = std::abs(precision);
     const double size = std::fabs(number);
-    const bool hidden = size > 0 && size < std::pow(10, -precision);
+    const bool hidden = size > 0 && precision != 0 && size < std::pow(10, -decimals);
     if (!hidden && size < 1e16) {
-        std::snprintf(text, sizeof(text), "%.*f", precision, number);
-        return text;
+        std::snprintf(text, sizeof(text), "%.*f", decimals, number);
+        return precision < 0 ? withoutZeros(text) : text;
     }
-    std::snprintf(text, sizeof(text), "%.*e", precision, number);
+    std::snprintf(text, sizeof(text), "%.*e", decimals, number);
     std::string shown = text;
     // "e-05" and "e+20" are written e-5 and e20.
     size_t digits = shown.find('e') + 1;

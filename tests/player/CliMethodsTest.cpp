@@ -251,6 +251,19 @@ TEST_F(Check, NamesWhatThereIsNotAndWhatNeedsAStage) {
     EXPECT_EQ(countOf(errors, "^\n"), 6u) << errors;
 }
 
+TEST_F(Check, KnowsThePropertiesOfWhatNeedsAStage) {
+    const std::string script =
+        text("sprites.ls",
+             "on main\n  sprite(1).loc = point(1, 1)\n  put (the stage).drawRect.width\n"
+             "  s.loc = 5\n  put s.lco\nend\n");
+    const std::string errors = krlimage({"check", "--names", script}).err;
+    EXPECT_TELLS(errors, "sprites.ls:2:3: this needs a stage, which krlimage does not have: sprite");
+    EXPECT_TELLS(errors, "sprites.ls:3:12: this needs a stage, which krlimage does not have: stage");
+    EXPECT_TELLS(errors, "sprites.ls:4:5: this needs a stage, which krlimage does not have: loc");
+    EXPECT_TELLS(errors, "sprites.ls:5:9: there is no property \"lco\"");
+    EXPECT_EQ(countOf(errors, "^\n"), 4u) << errors;
+}
+
 TEST_F(Check, TakesManyHandlersInTheirOrder) {
     std::string script;
     for (int i = 0; i < 80000; ++i)

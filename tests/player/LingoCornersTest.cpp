@@ -43,6 +43,19 @@ TEST(LingoCorners, TakesAPropertyNamedLikeAChunkForAProperty) {
               "-- 3 \"two\" \"ne \"\n");
 }
 
+TEST(LingoCorners, ShowsFloatsWithTheirPrecision) {
+    const std::string shown = "\n  put 2.0, 1.25, 1.0 / 3, 0.4, 100.0, 1.5e-7";
+    EXPECT_EQ(printedBy("  the floatPrecision = 0" + shown), "-- 2 1 0 0 100 0\n");
+    EXPECT_EQ(printedBy("  the floatPrecision = -3" + shown), "-- 2.0 1.25 0.333 0.4 100.0 1.500e-7\n");
+    EXPECT_EQ(printedBy("  the floatPrecision = 2" + shown), "-- 2.00 1.25 0.33 0.40 100.00 1.50e-7\n");
+}
+
+TEST(LingoCorners, CountsTheItemsThatAChunkAddsAndNoOtherPositions) {
+    EXPECT_EQ(printedBy("  s = \"abc\"\n  put \"x\" into char 2000000000 of s\n  put s"), "-- \"abcx\"\n");
+    EXPECT_EQ(printedBy("  s = \"abc\"\n  put \"x\" into item 2000000000 of s"),
+              "3:16 out of memory: the script's values and images may take 64 MB together");
+}
+
 TEST(LingoCorners, KeepsACallWithoutBracketsApartFromAnExpressionInThem) {
     const std::string show = "on show a, b\n  put a, b\nend\n";
     EXPECT_EQ(outcomeOf("on main\n  show (1 + 2)\nend\n" + show), "-- 3 <Void>\n");

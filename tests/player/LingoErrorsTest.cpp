@@ -68,6 +68,92 @@ TEST(LingoErrors, SyntaxErrors) {
     EXPECT_EQ(failureOf("  put 1 \\ 2"), "2:9 expected the end of the line after \"\\\", which continues it");
 }
 
+TEST(LingoErrors, SaysWhatToWriteInsteadOfWhatOtherLanguagesDo) {
+    EXPECT_EQ(failureOf("  if x == 1 then put 2"),
+              "2:9 expected an expression, not \"=\"; equality is written =");
+    EXPECT_EQ(failureOf("  x += 1"), "2:5 expected \"=\" or the end of the line, not \"+\"; write x = x + 1");
+    EXPECT_EQ(failureOf("  x++"), "2:4 expected \"=\" or the end of the line, not \"+\"; write x = x + 1");
+    EXPECT_EQ(failureOf("  // note"), "2:3 expected a statement, not \"/\"; a comment begins with --");
+    EXPECT_EQ(failureOf("  x = 1 // note"),
+              "2:10 expected an expression, not \"/\"; a comment begins with --");
+    EXPECT_EQ(failureOf("  if x != 1 then put 2"), "2:8 unexpected \"!=\"; unequal is written <>");
+    EXPECT_EQ(failureOf("  put 'a'"), "2:7 unexpected \"'\"; strings are in double quotes");
+    EXPECT_EQ(failureOf("  put 1;"), "2:8 unexpected \";\"; a statement ends with its line");
+}
+
+TEST(LingoErrors, SaysHowALineGoesOn) {
+    EXPECT_EQ(failureOf("  x = [1,\n    2]"),
+              "2:10 expected an expression, not the end of the line; a line that goes on ends with \"\\\"");
+    EXPECT_EQ(
+        failureOf("  x = [1\n    , 2]"),
+        "2:9 expected \",\" or \"]\" in the list, not the end of the line; a line that goes on ends with "
+        "\"\\\"");
+}
+
+TEST(LingoErrors, CountsTheArgumentsOfAMethodAfterTheDot) {
+    const std::string image = "  i = image(2, 2, 32)\n";
+    EXPECT_EQ(failureOf(image + "  i.fill(i.rect, \"red\")"),
+              "3:5 fill: expected a colour or a property list as argument 2, not a string");
+    EXPECT_EQ(failureOf(image + "  fill(i, i.rect, \"red\")"),
+              "3:3 fill: expected a colour or a property list as argument 3, not a string");
+    EXPECT_EQ(failureOf(image + "  i.copyPixels(i, i.rect)"),
+              "3:5 copyPixels takes at least 3 arguments, not 2");
+    EXPECT_EQ(failureOf("  put 5.paramCount()"), "2:9 paramCount takes at most 0 arguments, not 1");
+    EXPECT_EQ(failureOf(image + "  i.rotate(90)"),
+              "3:5 rotate: expected a transform before the dot, not an image");
+}
+
+TEST(LingoErrors, NamesAVariableWithoutAValue) {
+    EXPECT_EQ(failureOf("  put picture.width"),
+              "2:15 VOID has no property \"width\": the variable \"picture\" has no value yet");
+    EXPECT_EQ(failureOf("  put list[1]"),
+              "2:11 expected a list before the brackets, not VOID: the variable \"list\" has no value yet");
+    EXPECT_EQ(failureOf("  list[1] = 2"),
+              "2:7 expected a list before the brackets, not VOID: the variable \"list\" has no value yet");
+    EXPECT_EQ(failureOf("  put [VOID][1].width"), "2:17 VOID has no property \"width\"");
+}
+
+TEST(LingoErrors, RefusesRangesOfWhatIsNoString) {
+    EXPECT_EQ(failureOf("  put [1, 2, 3][1..2]"),
+              "2:16 expected a string before the brackets with a range, not a list");
+    EXPECT_EQ(failureOf("  list = [1, 2]\n  put 5 into list[1..2]"),
+              "3:18 expected a string before the brackets with a range, not a list");
+    EXPECT_EQ(failureOf("  s = \"abc\"\n  delete s[1]"),
+              "3:11 expected a list to delete from, not a string: delete char n of changes a text");
+}
+
+TEST(LingoErrors, NamesMembersByNumberWhereTheyHaveNoName) {
+    EXPECT_EQ(failureOf("  put member(3).image"), "2:17 there is no picture for the member 3");
+    EXPECT_EQ(failureOf("  put member(3).text"), "2:17 there is no text for the member 3");
+}
+
+TEST(LingoErrors, PlacesAnErrorOfATextAtTheStatementThatRunsIt) {
+    EXPECT_EQ(failureOf("  do \"x = 1\" & RETURN & \"put nowhere(x)\""),
+              "2:3 line 2, column 5 of the text: there is no handler or function \"nowhere\"");
+    EXPECT_EQ(failureOf("  do \"put 1 +\""),
+              "2:3 line 1, column 8 of the text: expected an expression, not the end of the line");
+    EXPECT_EQ(Script("on main\n  do \"helper\"\nend\non helper\n  put nowhere()\nend\n").failure(),
+              "5:7 there is no handler or function \"nowhere\"");
+}
+
+TEST(LingoErrors, RefusesTheLayoutOfMembers) {
+    EXPECT_EQ(failureOf("  put member(\"page\").fontSize"),
+              "2:22 this needs a stage, which krlimage does not have: the fontSize");
+    EXPECT_EQ(failureOf("  set the font of member \"page\" = \"Arial\""),
+              "2:11 this needs a stage, which krlimage does not have: the font");
+    EXPECT_EQ(failureOf("  put member(\"page\").fontSise"), "2:22 a member has no property \"fontSise\"");
+    Script skipping("on main\n  member(\"page\").fontSize = 12\n  put member(\"page\").fontSize\nend\n");
+    skipping.options.stageless = Stageless::Ignore;
+    EXPECT_EQ(skipping.run(), "-- <Void>\nskipped without a stage: fontSize (2 times)\n");
+}
+
+TEST(LingoErrors, RefusesSoundAndOtherXtras) {
+    EXPECT_EQ(failureOf("  put _sound.soundLevel"),
+              "2:7 this needs sound, which krlimage does not have: _sound()");
+    EXPECT_EQ(failureOf("  openXlib \"FileIO\""),
+              "2:3 this needs other xtras, which krlimage does not have: openXlib(\"FileIO\")");
+}
+
 TEST(LingoErrors, MisspelledStatements) {
     EXPECT_EQ(failureOf("  retrun x y"),
               "2:12 expected \",\" or the end of the line, not \"y\", did you mean return?");
@@ -226,7 +312,7 @@ TEST(LingoErrors, WrongTypesOfValues) {
     EXPECT_EQ(failureOf(image + "  i.copyPixels(i, i.rect, i.rect, [#ink: #darkst])"),
               "3:5 copyPixels: there is no ink #darkst, did you mean darkest?");
     EXPECT_EQ(failureOf(image + "  i.copyPixels(i, [1, 2], i.rect)"),
-              "3:5 copyPixels: expected a rect or a list of four points as argument 3, not a list");
+              "3:5 copyPixels: expected a rect or a list of four points as argument 2, not a list");
     EXPECT_EQ(failureOf(image + "  i.copyPixels(i, i.rect, i.rect, [#maskImage: i, #maskOffset: 1])"),
               "3:5 copyPixels: expected a point under #maskOffset, not an integer");
 }
