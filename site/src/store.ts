@@ -5,6 +5,7 @@ import { EngineClient } from "./engine/client.js";
 import type { Failure, Rendered, Start } from "./engine/protocol.js";
 import { moved, newStep, scaledChain, type Chain, type EffectInfo, type Size, type Step, type Values } from "./model/document.js";
 import * as History from "./model/history.js";
+import { wordsOf } from "./model/words.js";
 import { pictureOfFile, SAMPLES, type SampleName } from "./pictures.js";
 
 /** The most pixels of the picture that is worked on while something is being set. */
@@ -97,18 +98,19 @@ export async function addStep(name: string): Promise<void> {
         changeChain([...chain.value.steps, step]);
         selected.value = step.id;
     });
-    say(`${name} added as step ${chain.value.steps.length}`);
+    say(`${wordsOf(name)} added as step ${chain.value.steps.length}`);
 }
 
 export function removeStep(id: number): void {
     const index = chain.value.steps.findIndex((step) => step.id === id);
-    const name = chain.value.steps[index]?.effect;
+    const removed = chain.value.steps[index];
+    if (!removed) return;
     const rest = chain.value.steps.filter((step) => step.id !== id);
     batch(() => {
         changeChain(rest);
         if (selected.value === id) selected.value = rest[Math.min(index, rest.length - 1)]?.id;
     });
-    say(`${name} removed`);
+    say(`${wordsOf(removed.effect)} removed`);
 }
 
 export function duplicateStep(id: number): void {
@@ -119,7 +121,7 @@ export function duplicateStep(id: number): void {
         changeChain([...steps.slice(0, index + 1), copy, ...steps.slice(index + 1)]);
         selected.value = copy.id;
     });
-    say(`${copy.effect} duplicated`);
+    say(`${wordsOf(copy.effect)} duplicated`);
 }
 
 export function moveStep(id: number, by: number): void {
@@ -127,7 +129,7 @@ export function moveStep(id: number, by: number): void {
     const steps = moved(chain.value.steps, from, from + by);
     if (steps === chain.value.steps) return;
     changeChain(steps);
-    say(`${steps[from + by]!.effect} is now step ${from + by + 1}`);
+    say(`${wordsOf(steps[from + by]!.effect)} is now step ${from + by + 1}`);
 }
 
 function changeStep(id: number, change: (step: Step) => Step, kind = ""): void {
@@ -146,7 +148,7 @@ export async function resetStep(id: number): Promise<void> {
     const step = chain.value.steps.find((entry) => entry.id === id)!;
     const values = await engine.ask("example", step.effect, chain.value.size);
     changeStep(id, (entry) => ({ ...entry, values }));
-    say(`${step.effect} has its example values again`);
+    say(`${wordsOf(step.effect)} has its example values again`);
 }
 
 export function clearChain(): void {

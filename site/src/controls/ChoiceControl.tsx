@@ -1,6 +1,7 @@
 import { useId } from "preact/hooks";
+import { wordsOf } from "../model/words.js";
 import type { ControlProps } from "./controls.js";
-import { Labelled, wordsOf } from "./Labelled.js";
+import { Labelled } from "./Labelled.js";
 
 /** Letters that fit side by side. */
 const SHORT = 24;

@@ -1,8 +1,9 @@
 import { useId } from "preact/hooks";
 import { FLARE_KINDS, newElement, settingArgument, valueOfFlare, withSetting, type Flare } from "../model/flare.js";
+import { wordsOf } from "../model/words.js";
 import { chain, chosenPart } from "../store.js";
 import { Icon } from "../studio/Icon.js";
-import { Labelled, wordsOf } from "./Labelled.js";
+import { Labelled } from "./Labelled.js";
 import { ScriptText, type TreeProps } from "./ScriptText.js";
 import { ValueControl } from "./ValueControl.js";
 

@@ -1,5 +1,5 @@
 import type { Value } from "krlimage";
-import { wordsOf } from "../controls/Labelled.js";
+import { wordsOf } from "../model/words.js";
 import { isPoint, type Size } from "../model/document.js";
 import { valueOfFlare, withSetting, type Flare } from "../model/flare.js";
 import type { Point } from "../model/places.js";

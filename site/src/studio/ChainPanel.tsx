@@ -1,5 +1,5 @@
 import { Control } from "../controls/Control.js";
-import { wordsOf } from "../controls/Labelled.js";
+import { wordsOf } from "../model/words.js";
 import { shownArguments, type Step } from "../model/document.js";
 import {
     chain, clearChain, complain, duplicateStep, effects, moveStep, removeStep, rendered, resetStep, selected, setValue, switchStep,

@@ -4,7 +4,7 @@ import { useEffect, useRef } from "preact/hooks";
 import type { EffectInfo, Size } from "../model/document.js";
 import { asImageData } from "../pictures.js";
 import { addStep, complain, effects, engine, families, source } from "../store.js";
-import { wordsOf } from "../controls/Labelled.js";
+import { wordsOf } from "../model/words.js";
 
 const search = signal("");
 
