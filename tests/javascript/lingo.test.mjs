@@ -9,7 +9,7 @@ import { TREE, sample } from "./support.mjs";
 const engine = await Engine.create();
 
 test("a script prints, reads pictures by name and saves new ones", async () => {
-    const { output, images } = engine.runLingo(`
+    const { output, images } = await engine.runLingo(`
 on main names
   picture = image(names[1])
   put picture.width && names.count
@@ -42,38 +42,57 @@ test("the examples of the tree", async () => {
     assert.equal((await run("sunset-flare", ["in.png", "out.png"], { "in.png": await sample("landscape") })).output.split("\n")[1], "-- [#error: 0]");
 });
 
-test("a failure has its line, and what was printed before", () => {
-    const failure = (source, options) => {
+test("a failure has its line, and what was printed before", async () => {
+    const failure = async (source, options) => {
         try {
-            engine.runLingo(source, options);
+            await engine.runLingo(source, options);
         } catch (error) {
             assert.ok(error instanceof LingoError, String(error));
             return error;
         }
         assert.fail("expected an error");
     };
-    const unknown = failure("on main\n  put 1\n  put [1][9]\nend\n");
+    const unknown = await failure("on main\n  put 1\n  put [1][9]\nend\n");
     assert.deepEqual([unknown.line, unknown.output], [3, "-- 1\n"]);
-    const syntax = failure("on main\n  if 1 = 1\n  end if\nend\n");
+    const syntax = await failure("on main\n  if 1 = 1\n  end if\nend\n");
     assert.equal(syntax.line, 2);
     assert.match(syntax.message, /then/);
-    assert.match(failure("on main\n  repeat while 1\n  end repeat\nend", { steps: 1000 }).message, /step/);
-    assert.match(failure("on main\n  x = image(\"/etc/passwd\")\nend").message, /outside/);
-    assert.match(failure("on main\n  f()\nend\non f\n  f()\nend").message, /deep/);
-    assert.match(failure("on main\n  image(100000, 100000, 32)\nend").message, /large|memory/);
+    assert.match((await failure("on main\n  repeat while 1\n  end repeat\nend", { steps: 1000 })).message, /step/);
+    assert.match((await failure("on main\n  x = image(\"/etc/passwd\")\nend")).message, /outside/);
+    assert.match((await failure("on main\n  f()\nend\non f\n  f()\nend")).message, /deep/);
+    assert.match((await failure("on main\n  image(100000, 100000, 32)\nend")).message, /large|memory/);
 });
 
-test("scripts leave nothing behind", () => {
+test("scripts leave nothing behind", async () => {
     const save = 'on main\n  image(2, 2, 32).save("a.png")\nend';
     const look = 'on main\n  image("a.png")\nend';
-    assert.deepEqual(Object.keys(engine.runLingo(save).images), ["a.png"]);
-    assert.throws(() => engine.runLingo(look), LingoError);
-    assert.deepEqual(Object.keys(engine.runLingo(save).images), ["a.png"]);
+    assert.deepEqual(Object.keys((await engine.runLingo(save)).images), ["a.png"]);
+    await assert.rejects(engine.runLingo(look), LingoError);
+    assert.deepEqual(Object.keys((await engine.runLingo(save)).images), ["a.png"]);
 });
 
-test("a picture that a script saves over is one that it made", () => {
+test("a picture that a script saves over is one that it made", async () => {
     const source = 'on main names\n  p = image(names[1])\n  p.setPixel(0, 0, rgb(9, 9, 9))\n  p.save(names[1])\nend';
-    const { images } = engine.runLingo(source, { images: { "p.png": plain(2, 2, 255), "q.png": plain(2, 2, 255) }, arguments: ["p.png"] });
+    const { images } = await engine.runLingo(source, { images: { "p.png": plain(2, 2, 255), "q.png": plain(2, 2, 255) }, arguments: ["p.png"] });
     assert.deepEqual(Object.keys(images), ["p.png"]);
     assert.equal(images["p.png"].data[0], 9);
+});
+
+test("the interpreter is loaded when a script runs, from another address if one is given", async () => {
+    const script = "on main\n  put 1\nend";
+    const without = await Engine.create({ lingoWasm: new URL("file:///nowhere/krlimage-lingo.wasm") });
+    without.apply(plain(2, 2, 0), "invert");
+    await assert.rejects(without.runLingo(script), { code: "ENOENT" });
+    const bytes = await readFile(`node_modules/krlimage/dist/krlimage-lingo-${engine.simd ? "simd" : "plain"}.wasm`);
+    const compiled = await Engine.create({ lingoWasm: await WebAssembly.compile(bytes) });
+    assert.equal((await compiled.runLingo(script)).output, "-- 1\n");
+    const plainly = await Engine.create({ simd: false });
+    assert.equal((await plainly.runLingo(script)).output, "-- 1\n");
+});
+
+test("scripts that run at a time have pictures and memory of their own", async () => {
+    const script = (level) => `on main\n  p = image("p.png")\n  p.fill(p.rect, rgb(${level}, 0, 0))\n  p.save("p.png")\nend`;
+    const levels = [10, 20, 30];
+    const outcomes = await Promise.all(levels.map((level) => engine.runLingo(script(level), { images: { "p.png": plain(2, 2, 255) } })));
+    assert.deepEqual(outcomes.map(({ images }) => images["p.png"].data[0]), levels);
 });

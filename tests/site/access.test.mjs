@@ -95,6 +95,9 @@ pageTest("the page works offline after the first visit", async (page) => {
         await page.locator(".facts").filter({ hasText: "960 × 640" }).waitFor();
         await addEffect(page, "sepia");
         await result(page);
+        await page.getByRole("tab", { name: "Lingo" }).click();
+        await page.getByRole("button", { name: "Run" }).click();
+        await page.locator(".outcome pre", { hasText: "[#error: 0]" }).waitFor();
     } finally {
         await site.context.setOffline(false);
     }

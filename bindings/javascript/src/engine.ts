@@ -4,7 +4,7 @@ import type { Effects, MethodName } from "./effects.js";
 import { KrlError } from "./errors.js";
 import type { Exports } from "./exports.js";
 import { runLingo, type LingoOptions, type LingoOutcome } from "./lingo.js";
-import { hasVectors, instantiate, type WasmSource } from "./load.js";
+import { hasVectors, instantiate, variantName, type WasmSource } from "./load.js";
 import { Look, readShippedLooks, type ShippedLook } from "./look.js";
 import { Memory, OutOfMemory } from "./memory.js";
 import { Loan } from "./pictures.js";
@@ -16,6 +16,8 @@ import { LentPicture } from "./write.js";
 export interface EngineOptions {
     /** The module, if it is not to be loaded from beside the package's own files. */
     wasm?: WasmSource;
+    /** The same for the module that runs scripts, which `runLingo` loads when it is first called. */
+    lingoWasm?: WasmSource;
     /** Whether to take the module with vectors; by default, if this machine has them. */
     simd?: boolean;
 }
@@ -84,7 +86,8 @@ export class Engine {
     private readonly byLowerName: ReadonlyMap<string, Effect>;
     private module: Module | undefined;
 
-    private constructor(exports: Exports, /** Whether it works with vectors. */ readonly simd: boolean) {
+    private constructor(exports: Exports, /** Whether it works with vectors. */ readonly simd: boolean,
+        private readonly lingoWasm: WasmSource | undefined) {
         const memory = new Memory(exports);
         const engine = exports._krl_engine_new!(1) >>> 0;
         if (engine === 0) throw new OutOfMemory(0);
@@ -101,7 +104,7 @@ export class Engine {
     /** Loads the module, once for all engines, and makes an engine. */
     static async create(options: EngineOptions = {}): Promise<Engine> {
         const simd = options.simd ?? hasVectors();
-        return new Engine(await instantiate(simd ? "simd" : "plain", options.wasm), simd);
+        return new Engine(await instantiate("engine", variantName(simd), options.wasm), simd, options.lingoWasm);
     }
 
     /**
@@ -198,13 +201,14 @@ export class Engine {
 
     /**
      * Runs a Lingo script: its handler `main`, or its first, with `arguments` as a list of texts. Scripts find the
-     * pictures of `images` by name, as members or as files; those that they save are in the outcome.
+     * pictures of `images` by name, as members or as files; those that they save are in the outcome. The first call
+     * loads the module with the interpreter. Each script has memory of its own, which is freed when it ends.
      *
      * @throws {KrlError} with the line, if the script is wrong or fails
      */
-    runLingo(source: string, options: LingoOptions = {}): LingoOutcome {
-        const { exports, memory } = this.alive();
-        return runLingo(exports, memory, source, options);
+    async runLingo(source: string, options: LingoOptions = {}): Promise<LingoOutcome> {
+        this.alive();
+        return runLingo(await instantiate("lingo", variantName(this.simd), this.lingoWasm), source, options);
     }
 
     /** A call as the command line, looks and `apply` take it as a text. Pictures are given by their names. */

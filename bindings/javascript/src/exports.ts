@@ -3,17 +3,15 @@ import type { Pointer } from "./memory.js";
 /** The part of the module's file system that scripts use. */
 export interface MemoryFiles {
     mkdir(path: string): void;
-    rmdir(path: string): void;
     writeFile(path: string, data: string): void;
-    unlink(path: string): void;
 }
 
 type Call = (...words: number[]) => number;
 
-/** What a module exports: the C interface of the engine, the runner of scripts, and memory. */
+/** What a module exports: the C interface of the engine or the runner of scripts, and memory. */
 export interface Exports {
     readonly HEAPU8: Uint8Array;
-    readonly FS: MemoryFiles;
+    readonly FS?: MemoryFiles;
     readonly _malloc: Call;
     readonly _free: Call;
     readonly [name: `_krl_${string}`]: Call;

@@ -1,7 +1,7 @@
 import { Code } from "./codes.js";
 import { KrlError } from "./errors.js";
 import type { Exports, Pointer } from "./exports.js";
-import { OutOfMemory, type Memory, type Scope } from "./memory.js";
+import { Memory, OutOfMemory, type Scope } from "./memory.js";
 import { PICTURE, readPicture } from "./read.js";
 import type { Picture, Source } from "./types.js";
 import { LentPicture } from "./write.js";
@@ -75,14 +75,9 @@ function runFile(exports: Exports, scope: Scope, options: LingoOptions): LingoOu
     return { output, alerts: text("_krl_script_alerts"), images: savedPictures(exports, scope, script) };
 }
 
-export function runLingo(exports: Exports, memory: Memory, source: string, options: LingoOptions): LingoOutcome {
-    const files = exports.FS;
-    files.mkdir(FOLDER);
-    try {
-        files.writeFile(FILE, source);
-        return memory.scoped((scope) => runFile(exports, scope, options));
-    } finally {
-        files.unlink(FILE);
-        files.rmdir(FOLDER);
-    }
+/** Runs a script in an instance that is used for nothing else. */
+export function runLingo(exports: Exports, source: string, options: LingoOptions): LingoOutcome {
+    exports.FS!.mkdir(FOLDER);
+    exports.FS!.writeFile(FILE, source);
+    return new Memory(exports).scoped((scope) => runFile(exports, scope, options));
 }

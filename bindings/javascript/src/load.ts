@@ -27,20 +27,38 @@ export function hasVectors(): boolean {
 /** With vectors, and without. */
 export type VariantName = "simd" | "plain";
 
-interface Variant {
+export function variantName(simd: boolean): VariantName {
+    return simd ? "simd" : "plain";
+}
+
+/** What a module contains: the effects, or the interpreter of scripts with the effects that they call. */
+export type Part = "engine" | "lingo";
+
+/** One of the package's modules. */
+type ModuleName = `${Part}-${VariantName}`;
+
+interface ModuleFiles {
     readonly file: URL;
     readonly factory: () => Promise<{ default: Factory }>;
 }
 
 // Written out for bundlers, which look for these forms.
-const VARIANTS: Readonly<Record<VariantName, Variant>> = {
-    simd: {
+const MODULES: Readonly<Record<ModuleName, ModuleFiles>> = {
+    "engine-simd": {
         get file() { return new URL("./krlimage-simd.wasm", import.meta.url); },
         factory: () => import("./krlimage-simd.mjs"),
     },
-    plain: {
+    "engine-plain": {
         get file() { return new URL("./krlimage-plain.wasm", import.meta.url); },
         factory: () => import("./krlimage-plain.mjs"),
+    },
+    "lingo-simd": {
+        get file() { return new URL("./krlimage-lingo-simd.wasm", import.meta.url); },
+        factory: () => import("./krlimage-lingo-simd.mjs"),
+    },
+    "lingo-plain": {
+        get file() { return new URL("./krlimage-lingo-plain.wasm", import.meta.url); },
+        factory: () => import("./krlimage-lingo-plain.mjs"),
     },
 };
 
@@ -66,13 +84,13 @@ async function compile(source: WasmSource): Promise<WebAssembly.Module> {
     return WebAssembly.compile(source as BufferSource);
 }
 
-const compiled = new Map<VariantName, Promise<WebAssembly.Module>>();
+const compiled = new Map<ModuleName, Promise<WebAssembly.Module>>();
 
 /** The package's own module, compiled once. */
-function ownModule(name: VariantName): Promise<WebAssembly.Module> {
+function ownModule(name: ModuleName): Promise<WebAssembly.Module> {
     let module = compiled.get(name);
     if (!module) {
-        module = compile(VARIANTS[name].file);
+        module = compile(MODULES[name].file);
         compiled.set(name, module);
         module.catch(() => compiled.delete(name));  // the next engine tries again
     }
@@ -80,12 +98,13 @@ function ownModule(name: VariantName): Promise<WebAssembly.Module> {
 }
 
 /** A new instance with memory of its own. */
-export async function instantiate(name: VariantName, source?: WasmSource): Promise<Exports> {
+export async function instantiate(part: Part, variant: VariantName, source?: WasmSource): Promise<Exports> {
     if (typeof WebAssembly !== "object" || !WebAssembly.validate(EXCEPTION_PROBE))
         throw new Error("this browser is too old: the engine needs WebAssembly with exceptions");
+    const name: ModuleName = `${part}-${variant}`;
     const [module, { default: factory }] = await Promise.all([
         source === undefined ? ownModule(name) : compile(source),
-        VARIANTS[name].factory(),
+        MODULES[name].factory(),
     ]);
     return new Promise((resolve, reject) => {
         const instantiateWasm = (imports: WebAssembly.Imports, done: (instance: WebAssembly.Instance) => void) => {

@@ -267,10 +267,10 @@ export class Studio implements AsyncServices {
         return call.slice(`${name}(${argument}: `.length, -1);
     }
 
-    runLingo(source: string, names: readonly string[]): Printed {
+    async runLingo(source: string, names: readonly string[]): Promise<Printed> {
         const begun = performance.now();
         const images = Object.fromEntries(names.map((name) => [`${name}.png`, this.kept(name)]));
-        const { output, alerts, images: made } = this.engine.runLingo(source, { images, steps: MOST_STEPS });
+        const { output, alerts, images: made } = await this.engine.runLingo(source, { images, steps: MOST_STEPS });
         return { output: output + alerts, images: made, milliseconds: performance.now() - begun };
     }
 }

@@ -10,7 +10,7 @@ engine.apply(image, "vignette(blur: 10%)");
 await engine.run(image, ["invert", ["brightness", { brightnessInt: 4 }]], { signal: AbortSignal.timeout(10) });
 const hue: number = engine.apply(null, "RGBtoHSV", { pColor: "#ff0000" }).entries.hue;
 try {
-    engine.runLingo("on main\nend");
+    await engine.runLingo("on main\nend");
 } catch (error) {
     if (error instanceof KrlError) console.log(error.line, error.argument?.length, half, hue);
 }
