@@ -103,6 +103,13 @@ int openToPour(const fs::path& target) {
 
 }  // namespace
 
+AtomicFileRules rulesFor(const fs::path& source) {
+    std::error_code unknown;
+    const fs::file_status status = fs::status(source, unknown);
+    const auto permissions = static_cast<unsigned>(status.permissions()) & 0777u;
+    return {.permissions = fs::is_regular_file(status) ? permissions : 0};
+}
+
 const std::string& AtomicFile::mark() {
     static const std::string mark = [] {
         const auto ticks = std::chrono::system_clock::now().time_since_epoch().count();

@@ -18,6 +18,9 @@ struct AtomicFileRules {
     unsigned permissions = 0;
 };
 
+/// The rules for a file made from `source`: who may not read that cannot read this either.
+AtomicFileRules rulesFor(const std::filesystem::path& source);
+
 /// A file that is written completely or not at all: under a temporary name beside its target, until
 /// `commit` renames it. Without `commit`, or if the program is interrupted, nothing is left behind. If
 /// the target is a pipe, a device or an open file, such as `/dev/stdout`, `commit` copies the content to

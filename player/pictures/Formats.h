@@ -6,6 +6,7 @@
 #include "player/pictures/AtomicFile.h"
 #include "player/pictures/InputFile.h"
 #include "player/pictures/PictureFiles.h"
+#include "player/pictures/Rows.h"
 
 /// The formats behind `readPicture` and `writePicture`.
 namespace krl::player {
@@ -15,9 +16,6 @@ void requirePossibleSize(const std::filesystem::path& path, int64_t width, int64
 /// The same for a file to read, which may not exceed the `PixelLimit` either. The height is that of all
 /// frames.
 void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_t height);
-
-/// Portable arbitrary map, `P7` with `RGB_ALPHA`.
-void writePam(AtomicFile& file, const Bitmap& picture);
 
 #if defined(KRL_WITH_VIPS)
 inline constexpr bool kHasVips = true;
@@ -55,19 +53,41 @@ private:
     std::exception_ptr failure_;
 };
 
-/// How to read a format without libvips. Both functions throw `PictureError`.
+/// How to read a format without libvips. The functions throw `PictureError`.
 struct FormatReader {
     bool (*isFormatOf)(const InputFile& file);
-    Bitmap (*read)(const InputFile& file);
+    /// Reads the header. The file must outlive the source.
+    std::unique_ptr<RowSource> (*open)(const InputFile& file);
     PictureSize (*readSize)(const InputFile& file);
 };
 
+/// The reader for a file; null for libvips.
+const FormatReader* readerFor(const InputFile& file);
+/// The whole picture, upright.
+Bitmap readWhole(const FormatReader& reader, const InputFile& file);
+
+/// How to write a format without libvips.
+struct FormatWriter {
+    /// Writes the header. The file and the options must outlive the sink. Throws `PictureError`.
+    std::unique_ptr<RowSink> (*open)(AtomicFile& file, const PictureHead& head, const WriteOptions& options,
+                                     const PictureContent& content);
+    bool dependsOnContent;
+};
+
+/// The writer for a format; null for libvips.
+const FormatWriter* writerFor(PictureFormat format);
+void writeWhole(const FormatWriter& writer, AtomicFile& file, const Bitmap& picture,
+                const WriteOptions& options);
+/// Whether the colours have to be converted to those of another profile; without one they are sRGB.
+bool convertsColours(const PictureMetadata* metadata, const WriteOptions& options);
+
 /// PAM, and portable maps of one byte or two a sample, `P5` and `P6`.
 extern const FormatReader kNetpbmReader;
+/// Portable arbitrary map, `P7` with `RGB_ALPHA`.
+extern const FormatWriter kPamWriter;
 /// PNG through libpng and JPEG through libjpeg, which start faster than libvips and read the same pixels.
 extern const FormatReader kPngReader, kJpegReader;
-void writePng(AtomicFile& file, const Bitmap& picture, const WriteOptions& options);
-void writeJpeg(AtomicFile& file, const Bitmap& picture, const WriteOptions& options);
+extern const FormatWriter kPngWriter, kJpegWriter;
 
 /// How to pack a PNG.
 struct PngPacking {
@@ -75,7 +95,8 @@ struct PngPacking {
     int level = 0;  ///< 0 to 9
 };
 /// What suits the content, unless a level is chosen.
-PngPacking pngPacking(const Bitmap& picture, const std::string& level);
+PngPacking pngPacking(bool isDrawing, const std::string& level);
+PictureContent contentOf(const Bitmap& picture);
 
 /// The formats of libvips.
 PictureSize readSizeWithVips(const InputFile& file);

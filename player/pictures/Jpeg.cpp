@@ -10,10 +10,10 @@
 #include <csetjmp>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 
 #include "player/pictures/ExifData.h"
 #include "player/pictures/Formats.h"
-#include "player/pictures/Geometry.h"
 #include "player/pictures/Iptc.h"
 #include "player/pictures/PictureMetadata.h"
 
@@ -70,7 +70,7 @@ bool completes(Errors& errors, const Work& work) {
     return true;
 }
 
-class JpegReader {
+class JpegReader final : public RowSource {
 public:
     explicit JpegReader(const InputFile& file) : file_(file) {
         jpeg_.err = startErrors(errors_);
@@ -78,7 +78,7 @@ public:
         progress_.progress_monitor = countScans;
         jpeg_.progress = &progress_;
     }
-    ~JpegReader() { jpeg_destroy_decompress(&jpeg_); }
+    ~JpegReader() override { jpeg_destroy_decompress(&jpeg_); }
     JpegReader(const JpegReader&) = delete;
     JpegReader& operator=(const JpegReader&) = delete;
 
@@ -94,18 +94,37 @@ public:
         return {jpeg_.image_width, jpeg_.image_height};
     }
 
-    Bitmap read() {
-        const auto [width, height, frames] = readSize();
+    /// Reads the header with all metadata.
+    void begin() {
+        size_ = readSize();
         if (jpeg_.num_components != 1 && jpeg_.num_components != 3)
             throw NeedsVips(cannotRead() + "this build reads JPEG pictures in colour or grey, not in CMYK");
-        requirePictureSize(file_.path(), width, height);
-        auto metadata = std::make_shared<PictureMetadata>();
-        readMetadata(*metadata);
-        Bitmap picture{static_cast<int32_t>(width), static_cast<int32_t>(height), {}, metadata};
-        picture.pixels.resize(static_cast<size_t>(width) * static_cast<size_t>(height));
-        readPixels(picture);
-        return upright(std::move(picture), takeOrientation(metadata->exif));
+        readMetadata(*metadata_);
+        // Of a progressive file libjpeg keeps more in memory than the picture takes.
+        isOneScan_ = !jpeg_has_multiple_scans(&jpeg_);
     }
+
+    PictureSize size() const override { return size_; }
+
+    bool comesInRows() const override { return isOneScan_; }
+
+    void read(Pixel* pixels, int32_t rows) override {
+        const bool isFirst = !std::exchange(hasStarted_, true);
+        auto* row = reinterpret_cast<JSAMPROW>(pixels);
+        const size_t rowBytes = static_cast<size_t>(size_.width) * sizeof(Pixel);
+        require(completes(errors_, [&] {
+            if (isFirst) start();
+            const JDIMENSION end = jpeg_.output_scanline + static_cast<JDIMENSION>(rows);
+            for (JSAMPROW next = row; jpeg_.output_scanline < end; next += rowBytes)
+                jpeg_read_scanlines(&jpeg_, &next, 1);
+        }));
+    }
+
+    void finish() override {
+        require(completes(errors_, [&] { jpeg_finish_decompress(&jpeg_); }));
+    }
+
+    std::shared_ptr<PictureMetadata> metadata() override { return metadata_; }
 
 private:
     std::string cannotRead() const { return "cannot read " + file_.path().string() + ": "; }
@@ -113,17 +132,9 @@ private:
         if (!isDone) throw PictureError(cannotRead() + "it is damaged: " + errors_.reason);
     }
 
-    void readPixels(Bitmap& picture) {
-        require(completes(errors_, [&] {
-            jpeg_.out_color_space = JCS_EXT_BGRA;
-            jpeg_start_decompress(&jpeg_);
-            while (jpeg_.output_scanline < jpeg_.output_height) {
-                auto* row =
-                    reinterpret_cast<JSAMPROW>(picture.row(static_cast<int32_t>(jpeg_.output_scanline)));
-                jpeg_read_scanlines(&jpeg_, &row, 1);
-            }
-            jpeg_finish_decompress(&jpeg_);
-        }));
+    void start() {
+        jpeg_.out_color_space = JCS_EXT_BGRA;
+        jpeg_start_decompress(&jpeg_);
     }
 
     void readMetadata(PictureMetadata& metadata) {
@@ -171,7 +182,16 @@ private:
     Errors errors_{};
     jpeg_progress_mgr progress_{};
     jpeg_decompress_struct jpeg_{};
+    PictureSize size_;
+    bool isOneScan_ = false, hasStarted_ = false;
+    const std::shared_ptr<PictureMetadata> metadata_ = std::make_shared<PictureMetadata>();
 };
+
+std::unique_ptr<RowSource> openJpeg(const InputFile& file) {
+    auto reader = std::make_unique<JpegReader>(file);
+    reader->begin();
+    return reader;
+}
 
 bool isJpeg(const InputFile& file) {
     uint8_t start[3] = {};
@@ -205,26 +225,27 @@ struct Destination : jpeg_destination_mgr {
     JOCTET bytes[1 << 16];
 };
 
-class JpegWriter {
+class JpegWriter final : public RowSink {
 public:
-    JpegWriter(AtomicFile& file, const Bitmap& picture, const WriteOptions& options)
-        : file_(file), picture_(picture), options_(options), destination_(file) {
+    JpegWriter(AtomicFile& file, const PictureHead& head, const WriteOptions& options)
+        : file_(file), head_(head), options_(options), destination_(file) {
         jpeg_.err = startErrors(errors_);
         require(completes(errors_, [&] { jpeg_create_compress(&jpeg_); }));
         jpeg_.dest = &destination_;
     }
-    ~JpegWriter() { jpeg_destroy_compress(&jpeg_); }
+    ~JpegWriter() override { jpeg_destroy_compress(&jpeg_); }
     JpegWriter(const JpegWriter&) = delete;
     JpegWriter& operator=(const JpegWriter&) = delete;
 
-    void write() {
+    /// Writes the header.
+    void begin() {
         const PictureMetadata none;
-        const PictureMetadata& metadata = picture_.metadata ? *picture_.metadata : none;
-        const std::vector<uint8_t> exif = withSize(metadata.exif, picture_.width, picture_.height);
+        const PictureMetadata& metadata = head_.metadata ? *head_.metadata : none;
+        const std::vector<uint8_t> exif = withSize(metadata.exif, head_.width, head_.height);
         const std::vector<uint8_t> iptc = iptcForJpeg(metadata.iptc);
         std::string xmp(kXmpMark);
         xmp.append(metadata.xmp.begin(), metadata.xmp.end());
-        std::vector<Pixel> row(static_cast<size_t>(picture_.width));
+        row_.resize(static_cast<size_t>(head_.width));
         require(completes(errors_, [&] {
             configure(metadata);
             jpeg_start_compress(&jpeg_, TRUE);
@@ -237,14 +258,22 @@ public:
             const std::vector<uint8_t>& profile = metadata.colourProfile;
             if (!profile.empty())
                 jpeg_write_icc_profile(&jpeg_, profile.data(), static_cast<unsigned>(profile.size()));
-            while (jpeg_.next_scanline < jpeg_.image_height) {
-                const Pixel* pixels = picture_.row(static_cast<int32_t>(jpeg_.next_scanline));
-                std::transform(pixels, pixels + picture_.width, row.begin(), onWhite);
-                auto* samples = reinterpret_cast<JSAMPROW>(row.data());
+        }));
+    }
+
+    void write(const Pixel* pixels, int32_t rows) override {
+        require(completes(errors_, [&] {
+            auto* samples = reinterpret_cast<JSAMPROW>(row_.data());
+            for (int32_t y = 0; y < rows; ++y) {
+                const Pixel* row = pixels + static_cast<size_t>(y) * row_.size();
+                std::transform(row, row + row_.size(), row_.begin(), onWhite);
                 jpeg_write_scanlines(&jpeg_, &samples, 1);
             }
-            jpeg_finish_compress(&jpeg_);
         }));
+    }
+
+    void finish() override {
+        require(completes(errors_, [&] { jpeg_finish_compress(&jpeg_); }));
     }
 
 private:
@@ -260,8 +289,8 @@ private:
     }
 
     void configure(const PictureMetadata& metadata) {
-        jpeg_.image_width = static_cast<JDIMENSION>(picture_.width);
-        jpeg_.image_height = static_cast<JDIMENSION>(picture_.height);
+        jpeg_.image_width = static_cast<JDIMENSION>(head_.width);
+        jpeg_.image_height = static_cast<JDIMENSION>(head_.height);
         jpeg_.input_components = 4;
         jpeg_.in_color_space = JCS_EXT_BGRX;
         jpeg_set_defaults(&jpeg_);
@@ -293,21 +322,26 @@ private:
     }
 
     AtomicFile& file_;
-    const Bitmap& picture_;
+    const PictureHead head_;
     const WriteOptions& options_;
+    std::vector<Pixel> row_;
     Errors errors_{};
     jpeg_compress_struct jpeg_{};
     Destination destination_;
 };
 
+std::unique_ptr<RowSink> openJpegWriter(AtomicFile& file, const PictureHead& head,
+                                        const WriteOptions& options, const PictureContent&) {
+    auto writer = std::make_unique<JpegWriter>(file, head, options);
+    writer->begin();
+    return writer;
+}
+
 }  // namespace
 
-const FormatReader kJpegReader{isJpeg, [](const InputFile& file) { return JpegReader(file).read(); },
+const FormatReader kJpegReader{isJpeg, openJpeg,
                                [](const InputFile& file) { return JpegReader(file).readSize(); }};
-
-void writeJpeg(AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
-    JpegWriter(file, picture, options).write();
-}
+const FormatWriter kJpegWriter{openJpegWriter, false};
 
 }  // namespace krl::player
 

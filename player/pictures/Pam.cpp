@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "player/pictures/Formats.h"
+#include "player/pictures/PixelLimit.h"
 
 namespace krl::player {
 
@@ -134,37 +135,65 @@ private:
     uint32_t most_;
 };
 
+/// Whether a picture may have this size. If so, its file has to be long enough before memory is taken.
+bool isAllowed(const PictureSize& size) {
+    return size.width > 0 && size.height > 0 && size.width <= PixelLimit::current() / size.height;
+}
+
 /// Portable grey and colour maps, `P5` and `P6`.
-Bitmap readMap(const std::filesystem::path& path, PamFile& file) {
-    char start[2] = {};
-    file.read(start, 2);
-    const size_t channels = start[1] == '6' ? 3 : 1;
-    const int64_t width = file.readNumber(), height = file.readNumber(), most = file.readNumber();
-    if (most < 1 || most > 65535) refuse(path, "its largest sample must be from 1 to 65535");
-    requirePictureSize(path, width, height);
-    const LevelReader reader(most);
-    const size_t rowBytes = static_cast<size_t>(width) * channels * reader.bytes();
-    const auto requireRow = [&](uint64_t y) {
-        if (y < static_cast<uint64_t>(height))
-            refuse(path, "it ends in row " + std::to_string(y + 1) + " of " + std::to_string(height));
-    };
-    requireRow(file.left() / rowBytes);  // before memory is taken
-    Bitmap picture{static_cast<int32_t>(width), static_cast<int32_t>(height), {}, nullptr};
-    picture.pixels.resize(static_cast<size_t>(width) * static_cast<size_t>(height));
-    std::vector<char> row(rowBytes);
-    for (int32_t y = 0; y < picture.height; ++y) {
-        if (file.read(row.data(), row.size()) != row.size()) requireRow(static_cast<uint64_t>(y));
-        const char* sample = row.data();
-        const auto next = [&] { return reader.level(std::exchange(sample, sample + reader.bytes())); };
-        for (Pixel* p = picture.row(y); p != picture.row(y) + width; ++p) {
+class MapSource final : public RowSource {
+public:
+    explicit MapSource(const InputFile& file) : path_(file.path()), file_(file) {
+        char start[2] = {};
+        file_.read(start, 2);
+        isColour_ = start[1] == '6';
+        size_.width = file_.readNumber();
+        size_.height = file_.readNumber();
+        const int64_t most = file_.readNumber();
+        if (most < 1 || most > 65535) refuse(path_, "its largest sample must be from 1 to 65535");
+        reader_ = LevelReader(most);
+        if (isAllowed(size_)) requireRow(static_cast<int64_t>(file_.left() / rowBytes()));
+    }
+
+    PictureSize size() const override { return size_; }
+
+    void read(Pixel* pixels, int32_t rows) override {
+        row_.resize(static_cast<size_t>(rowBytes()));
+        for (int32_t y = 0; y < rows; ++y, ++done_, pixels += size_.width) {
+            if (file_.read(row_.data(), row_.size()) != row_.size()) requireRow(done_);
+            fill(pixels);
+        }
+    }
+
+private:
+    uint64_t rowBytes() const {
+        return static_cast<uint64_t>(size_.width) * (isColour_ ? 3 : 1) * reader_.bytes();
+    }
+
+    void requireRow(int64_t y) const {
+        if (y < size_.height)
+            refuse(path_, "it ends in row " + std::to_string(y + 1) + " of " + std::to_string(size_.height));
+    }
+
+    void fill(Pixel* pixels) const {
+        const char* sample = row_.data();
+        const auto next = [&] { return reader_.level(std::exchange(sample, sample + reader_.bytes())); };
+        for (Pixel* p = pixels; p != pixels + size_.width; ++p) {
             p->red = p->green = p->blue = next();
-            if (channels == 3) p->green = next();
-            if (channels == 3) p->blue = next();
+            if (isColour_) p->green = next();
+            if (isColour_) p->blue = next();
             p->alpha = 255;
         }
     }
-    return picture;
-}
+
+    const std::filesystem::path& path_;
+    PamFile file_;
+    PictureSize size_;
+    bool isColour_ = false;
+    LevelReader reader_{255};
+    std::vector<char> row_;
+    int64_t done_ = 0;  ///< rows
+};
 
 /// The digit after the `P` that a file of these formats begins with, or 0.
 char kindOf(const InputFile& file) {
@@ -184,31 +213,46 @@ bool isPam(const InputFile& file) {
     return kind == '7';
 }
 
-Bitmap readPam(const InputFile& input) {
-    const std::filesystem::path& path = input.path();
-    PamFile file(input);
-    const PamHeader header = readHeader(path, file);
-    if (header.depth != 4 || header.maximum != 255 || header.tupleType != "RGB_ALPHA")
-        refuse(path, "a PAM picture must have DEPTH 4, MAXVAL 255 and TUPLTYPE RGB_ALPHA");
-    requirePictureSize(path, header.width, header.height);
-    const size_t count = size_t(header.width) * size_t(header.height), bytes = count * sizeof(Pixel);
-    const auto requireAll = [&](uint64_t there) {
-        if (there < bytes)
-            refuse(path, "it ends after " + std::to_string(there) + " of " + std::to_string(bytes) +
-                             " bytes of pixels");
-    };
-    requireAll(file.left());  // before memory is taken
-    Bitmap picture{static_cast<int32_t>(header.width), static_cast<int32_t>(header.height), {}, nullptr};
-    picture.pixels.resize(count);
-    requireAll(file.read(reinterpret_cast<char*>(picture.pixels.data()), bytes));
-    for (Pixel& p : picture.pixels) std::swap(p.blue, p.red);
-    return picture;
-}
+class PamSource final : public RowSource {
+public:
+    explicit PamSource(const InputFile& input) : path_(input.path()), file_(input) {
+        const PamHeader header = readHeader(path_, file_);
+        if (header.depth != 4 || header.maximum != 255 || header.tupleType != "RGB_ALPHA")
+            refuse(path_, "a PAM picture must have DEPTH 4, MAXVAL 255 and TUPLTYPE RGB_ALPHA");
+        size_ = {header.width, header.height};
+        if (isAllowed(size_)) requireAll(file_.left());
+    }
 
-Bitmap readNetpbm(const InputFile& file) {
-    if (isPam(file)) return readPam(file);
-    PamFile map(file);
-    return readMap(file.path(), map);
+    PictureSize size() const override { return size_; }
+
+    void read(Pixel* pixels, int32_t rows) override {
+        const uint64_t bytes = bytesOf(rows);
+        const uint64_t read = file_.read(reinterpret_cast<char*>(pixels), static_cast<size_t>(bytes));
+        done_ += read;
+        if (read < bytes) requireAll(done_);
+        for (Pixel* p = pixels; p != pixels + bytes / sizeof(Pixel); ++p) std::swap(p->blue, p->red);
+    }
+
+private:
+    uint64_t bytesOf(int64_t rows) const {
+        return static_cast<uint64_t>(size_.width) * static_cast<uint64_t>(rows) * sizeof(Pixel);
+    }
+
+    void requireAll(uint64_t there) const {
+        if (const uint64_t all = bytesOf(size_.height); there < all)
+            refuse(path_, "it ends after " + std::to_string(there) + " of " + std::to_string(all) +
+                              " bytes of pixels");
+    }
+
+    const std::filesystem::path& path_;
+    PamFile file_;
+    PictureSize size_;
+    uint64_t done_ = 0;  ///< bytes
+};
+
+std::unique_ptr<RowSource> openNetpbm(const InputFile& file) {
+    if (isPam(file)) return std::make_unique<PamSource>(file);
+    return std::make_unique<MapSource>(file);
 }
 
 PictureSize readNetpbmSize(const InputFile& file) {
@@ -224,19 +268,32 @@ PictureSize readNetpbmSize(const InputFile& file) {
     return {width, map.readNumber()};
 }
 
+class PamSink final : public RowSink {
+public:
+    PamSink(AtomicFile& file, const PictureHead& head) : file_(file), row_(size_t(head.width)) {
+        file_.write("P7\nWIDTH " + std::to_string(head.width) + "\nHEIGHT " + std::to_string(head.height) +
+                    "\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n");
+    }
+
+    void write(const Pixel* pixels, int32_t rows) override {
+        for (int32_t y = 0; y < rows; ++y, pixels += row_.size()) {
+            std::copy_n(pixels, row_.size(), row_.begin());
+            for (Pixel& p : row_) std::swap(p.blue, p.red);
+            file_.write({reinterpret_cast<const char*>(row_.data()), row_.size() * sizeof(Pixel)});
+        }
+    }
+
+private:
+    AtomicFile& file_;
+    std::vector<Pixel> row_;
+};
+
 }  // namespace
 
-const FormatReader kNetpbmReader{isNetpbm, readNetpbm, readNetpbmSize};
-
-void writePam(AtomicFile& file, const Bitmap& picture) {
-    file.write("P7\nWIDTH " + std::to_string(picture.width) + "\nHEIGHT " + std::to_string(picture.height) +
-               "\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n");
-    std::vector<Pixel> row(size_t(picture.width));
-    for (int32_t y = 0; y < picture.height; ++y) {
-        std::copy_n(picture.row(y), picture.width, row.begin());
-        for (Pixel& p : row) std::swap(p.blue, p.red);
-        file.write({reinterpret_cast<const char*>(row.data()), row.size() * sizeof(Pixel)});
-    }
-}
+const FormatReader kNetpbmReader{isNetpbm, openNetpbm, readNetpbmSize};
+const FormatWriter kPamWriter{
+    [](AtomicFile& file, const PictureHead& head, const WriteOptions&,
+       const PictureContent&) -> std::unique_ptr<RowSink> { return std::make_unique<PamSink>(file, head); },
+    false};
 
 }  // namespace krl::player

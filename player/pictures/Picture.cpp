@@ -5,8 +5,10 @@
 #include <cstdio>
 #include <cstring>
 
+#include "player/pictures/ExifData.h"
 #include "player/pictures/FileAccess.h"
 #include "player/pictures/Formats.h"
+#include "player/pictures/Geometry.h"
 #include "player/pictures/PictureMetadata.h"
 #include "player/pictures/PixelLimit.h"
 
@@ -58,7 +60,8 @@ constexpr const FormatReader* kReaders[] = {
 #endif
 };
 
-/// The reader for a file; null for libvips.
+}  // namespace
+
 const FormatReader* readerFor(const InputFile& file) {
     for (const FormatReader* reader : kReaders)
         if (reader->isFormatOf(file)) return reader;
@@ -70,9 +73,25 @@ const FormatReader* readerFor(const InputFile& file) {
 #endif
 }
 
+Bitmap readWhole(const FormatReader& reader, const InputFile& file) {
+    const std::unique_ptr<RowSource> source = reader.open(file);
+    const PictureSize size = source->size();
+    requirePictureSize(file.path(), size.width, size.height);
+    Bitmap picture{static_cast<int32_t>(size.width), static_cast<int32_t>(size.height), {}, nullptr};
+    picture.pixels.resize(static_cast<size_t>(size.width) * static_cast<size_t>(size.height));
+    source->read(picture.pixels.data(), picture.height);
+    source->finish();
+    const std::shared_ptr<PictureMetadata> metadata = source->metadata();
+    picture.metadata = metadata;
+    if (!metadata) return picture;
+    return upright(std::move(picture), takeOrientation(metadata->exif));
+}
+
+namespace {
+
 PictureFrames readWith(const FormatReader& reader, const InputFile& file) {
     PictureFrames one;
-    one.pictures.push_back(reader.read(file));
+    one.pictures.push_back(readWhole(reader, file));
     return one;
 }
 
@@ -100,39 +119,48 @@ PictureSize readSize(const InputFile& file) {
 
 Bitmap readFirst(const InputFile& file) { return std::move(read(file, FrameChoice::First).pictures.front()); }
 
-/// Whether the colours have to be converted to those of another profile; without one they are sRGB.
-bool convertsColours(const Bitmap& picture, const WriteOptions& options) {
-    const bool hasProfile = picture.metadata && !picture.metadata->colourProfile.empty();
+}  // namespace
+
+bool convertsColours(const PictureMetadata* metadata, const WriteOptions& options) {
+    const bool hasProfile = metadata && !metadata->colourProfile.empty();
     return !options.profile.empty() && (hasProfile || options.profile != "srgb");
 }
 
-using Writer = void (*)(AtomicFile& file, const Bitmap& picture, const WriteOptions& options);
-
-/// What writes a format without libvips; null for libvips.
-Writer writerFor(PictureFormat format) {
+const FormatWriter* writerFor(PictureFormat format) {
     switch (format) {
         case PictureFormat::Pam:
-            return
-                [](AtomicFile& file, const Bitmap& picture, const WriteOptions&) { writePam(file, picture); };
+            return &kPamWriter;
 #if defined(KRL_WITH_PNG_JPEG)
         case PictureFormat::Png:
-            return writePng;
+            return &kPngWriter;
         case PictureFormat::Jpeg:
-            return writeJpeg;
+            return &kJpegWriter;
 #endif
         default:
             return nullptr;
     }
 }
 
+void writeWhole(const FormatWriter& writer, AtomicFile& file, const Bitmap& picture,
+                const WriteOptions& options) {
+    const PictureContent content = writer.dependsOnContent ? contentOf(picture) : PictureContent();
+    const std::unique_ptr<RowSink> sink =
+        writer.open(file, {picture.width, picture.height, picture.metadata}, options, content);
+    sink->write(picture.pixels.data(), picture.height);
+    sink->finish();
+}
+
+namespace {
+
 #if defined(KRL_WITH_VIPS)
 void writePictures(AtomicFile& file, const FramesToWrite& frames, PictureFormat format,
                    const WriteOptions& options) {
     const Bitmap& first = frames.pictures.front();
-    const Writer writer = writerFor(format);
-    if (!writer || convertsColours(first, options)) return writeWithVips(file, frames, format, options);
+    const FormatWriter* writer = writerFor(format);
+    const bool isConverted = convertsColours(first.metadata.get(), options);
+    if (!writer || isConverted) return writeWithVips(file, frames, format, options);
     try {
-        writer(file, first, options);
+        writeWhole(*writer, file, first, options);
     } catch (const NeedsVips&) {
         writeWithVips(file, frames, format, options);
     }
@@ -140,7 +168,7 @@ void writePictures(AtomicFile& file, const FramesToWrite& frames, PictureFormat 
 #else
 void writePictures(AtomicFile& file, const FramesToWrite& frames, PictureFormat format,
                    const WriteOptions& options) {
-    writerFor(format)(file, frames.pictures.front(), options);
+    writeWhole(*writerFor(format), file, frames.pictures.front(), options);
 }
 #endif
 
@@ -165,7 +193,7 @@ void requireWritable(const std::filesystem::path& path, const Bitmap& picture, c
     const std::string complaint = writeOptionComplaint(*format, options);
     if (!complaint.empty()) throw PictureError("cannot write " + path.string() + ": " + complaint);
     const std::string missing = conversionComplaint(*format);
-    if (!missing.empty() && convertsColours(picture, options))
+    if (!missing.empty() && convertsColours(picture.metadata.get(), options))
         throw PictureError("cannot write " + path.string() + ": " + missing);
     requirePossibleSize(path, picture.width, picture.height);
 }
@@ -274,10 +302,7 @@ void writeCheckedPicture(const std::filesystem::path& path, const Bitmap& pictur
 void writeFramesOf(const std::filesystem::path& source, const std::filesystem::path& path,
                    const PictureFrames& frames, const WriteOptions& options) {
     requireWritable(path, frames.pictures.front(), options);
-    std::error_code unknown;
-    const std::filesystem::file_status status = std::filesystem::status(source, unknown);
-    const auto permissions = static_cast<unsigned>(status.permissions()) & 0777u;
-    AtomicFile file(path, {.permissions = std::filesystem::is_regular_file(status) ? permissions : 0});
+    AtomicFile file(path, rulesFor(source));
     write(file, {frames.pictures, frames.delays, frames.loops}, options);
 }
 

@@ -2,15 +2,15 @@
 
 #include <png.h>
 
-#include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <csetjmp>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "player/pictures/ExifData.h"
 #include "player/pictures/Formats.h"
-#include "player/pictures/Geometry.h"
 #include "player/pictures/PictureMetadata.h"
 
 namespace krl::player {
@@ -51,7 +51,26 @@ bool completes(png_structp png, const Work& work) {
     return true;
 }
 
-class PngReader {
+/// Whether anything but the end follows the pixels, as far as the file goes. Moves the place that is read
+/// from.
+bool hasChunkAfterPixels(const InputFile& file) {
+    constexpr uint64_t signatureBytes = 8, otherBytes = 12;  // of a chunk, beside its data
+    const auto isType = [](const uint8_t* start, const char* type) {
+        return std::memcmp(start + 4, type, 4) == 0;
+    };
+    bool hasPixels = false;
+    uint8_t start[8];
+    for (uint64_t place = signatureBytes; file.readAt(place, start, sizeof start);
+         place += otherBytes + png_get_uint_32(start)) {
+        if (isType(start, "IEND") || !std::isalpha(start[4])) return false;  // damaged, if not the end
+        const bool isOfPixels = isType(start, "IDAT");
+        if (hasPixels && !isOfPixels) return true;
+        hasPixels = isOfPixels;
+    }
+    return false;
+}
+
+class PngReader final : public RowSource {
 public:
     explicit PngReader(const InputFile& file) : file_(file) {
         png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, &reason_, giveUp, weighWarning);
@@ -64,7 +83,7 @@ public:
         png_set_chunk_malloc_max(png_, kMostChunkBytes);
         png_set_option(png_, PNG_SKIP_sRGB_CHECK_PROFILE, PNG_OPTION_ON);
     }
-    ~PngReader() { png_destroy_read_struct(&png_, &info_, nullptr); }
+    ~PngReader() override { png_destroy_read_struct(&png_, &info_, nullptr); }
     PngReader(const PngReader&) = delete;
     PngReader& operator=(const PngReader&) = delete;
 
@@ -78,18 +97,38 @@ public:
         return {png_get_image_width(png_, info_), png_get_image_height(png_, info_)};
     }
 
-    Bitmap read() {
-        const auto [width, height, frames] = readSize();
-        requirePictureSize(file_.path(), width, height);
+    /// Reads the header, and whether metadata follows the pixels.
+    void begin() {
+        endsWithMetadata_ = hasChunkAfterPixels(file_);
+        size_ = readSize();
+        isDeep_ = png_get_bit_depth(png_, info_) == 16;
         isColour_ = (png_get_color_type(png_, info_) & PNG_COLOR_MASK_COLOR) != 0;
+    }
+
+    PictureSize size() const override { return size_; }
+
+    bool comesInRows() const override { return !isInterlaced() && !endsWithMetadata_; }
+
+    void read(Pixel* pixels, int32_t rows) override {
+        if (!std::exchange(hasStarted_, true)) start();
+        auto* row = reinterpret_cast<png_bytep>(pixels);
+        const size_t rowBytes = static_cast<size_t>(size_.width) * sizeof(Pixel);
+        if (isInterlaced()) return readAllAtOnce(row, rowBytes);
+        require(completes(png_, [&] {
+            for (int32_t y = 0; y < rows; ++y)
+                png_read_row(png_, row + static_cast<size_t>(y) * rowBytes, nullptr);
+        }));
+    }
+
+    void finish() override {
+        require(completes(png_, [&] { png_read_end(png_, info_); }));
+    }
+
+    std::shared_ptr<PictureMetadata> metadata() override {
         auto metadata = std::make_shared<PictureMetadata>();
-        if (png_get_bit_depth(png_, info_) == 16)
-            metadata->losses.push_back("the precision of 16 bits a sample, as pictures have 8");
-        Bitmap picture{static_cast<int32_t>(width), static_cast<int32_t>(height), {}, metadata};
-        picture.pixels.resize(static_cast<size_t>(width) * static_cast<size_t>(height));
-        readPixels(picture);
+        if (isDeep_) metadata->losses.push_back("the precision of 16 bits a sample, as pictures have 8");
         readMetadata(*metadata);
-        return upright(std::move(picture), takeOrientation(metadata->exif));
+        return metadata;
     }
 
 private:
@@ -98,10 +137,9 @@ private:
             throw PictureError("cannot read " + file_.path().string() + ": it is damaged: " + reason_.text);
     }
 
-    void readPixels(Bitmap& picture) {
-        std::vector<png_bytep> rows(static_cast<size_t>(picture.height));
-        for (int32_t y = 0; y < picture.height; ++y)
-            rows[static_cast<size_t>(y)] = reinterpret_cast<png_bytep>(picture.row(y));
+    bool isInterlaced() const { return png_get_interlace_type(png_, info_) != PNG_INTERLACE_NONE; }
+
+    void start() {
         require(completes(png_, [&] {
             png_set_expand(png_);
             png_set_strip_16(png_);
@@ -110,9 +148,13 @@ private:
             png_set_bgr(png_);
             png_set_interlace_handling(png_);
             png_read_update_info(png_, info_);
-            png_read_image(png_, rows.data());
-            png_read_end(png_, info_);
         }));
+    }
+
+    void readAllAtOnce(png_bytep first, size_t rowBytes) {
+        std::vector<png_bytep> rows(static_cast<size_t>(size_.height));
+        for (size_t y = 0; y < rows.size(); ++y) rows[y] = first + y * rowBytes;
+        require(completes(png_, [&] { png_read_image(png_, rows.data()); }));
     }
 
     void readMetadata(PictureMetadata& metadata) {
@@ -149,9 +191,17 @@ private:
     const InputFile& file_;
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
+    PictureSize size_;
+    bool endsWithMetadata_ = false, isDeep_ = false, hasStarted_ = false;
     bool isColour_ = false;  ///< not grey, for which a profile of colours is no use
     Reason reason_;
 };
+
+std::unique_ptr<RowSource> openPng(const InputFile& file) {
+    auto reader = std::make_unique<PngReader>(file);
+    reader->begin();
+    return reader;
+}
 
 bool isPng(const InputFile& file) {
     png_byte start[8] = {};
@@ -164,32 +214,31 @@ void pass(png_structp png, png_bytep bytes, size_t count) {
 
 void flush(png_structp) {}
 
-class PngWriter {
+class PngWriter final : public RowSink {
 public:
-    PngWriter(AtomicFile& file, const Bitmap& picture, const WriteOptions& options)
-        : file_(file), picture_(picture), options_(options) {
+    PngWriter(AtomicFile& file, const PictureHead& head, const WriteOptions& options,
+              const PictureContent& content)
+        : file_(file), head_(head), options_(options), content_(content), writer_(file) {
         png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, &reason_, giveUp, weighWarning);
         info_ = png_ ? png_create_info_struct(png_) : nullptr;
         if (info_) return;
         png_destroy_write_struct(&png_, nullptr);
         throw std::bad_alloc();
     }
-    ~PngWriter() { png_destroy_write_struct(&png_, &info_); }
+    ~PngWriter() override { png_destroy_write_struct(&png_, &info_); }
     PngWriter(const PngWriter&) = delete;
     PngWriter& operator=(const PngWriter&) = delete;
 
-    void write() {
-        const std::vector<Pixel>& pixels = picture_.pixels;
-        isOpaque_ = std::all_of(pixels.begin(), pixels.end(), [](const Pixel& p) { return p.alpha == 255; });
-        const PngPacking packing = pngPacking(picture_, options_.compression);
-        std::vector<uint8_t> row(static_cast<size_t>(picture_.width) * 8);
+    /// Writes the header.
+    void begin() {
+        const PngPacking packing = pngPacking(content_.isDrawing, options_.compression);
+        row_.resize(static_cast<size_t>(head_.width) * 8);
         const PictureMetadata none;
-        const PictureMetadata& metadata = picture_.metadata ? *picture_.metadata : none;
-        const std::vector<uint8_t> exif = withSize(metadata.exif, picture_.width, picture_.height);
+        const PictureMetadata& metadata = head_.metadata ? *head_.metadata : none;
+        const std::vector<uint8_t> exif = withSize(metadata.exif, head_.width, head_.height);
         std::vector<png_text> texts = options_.isStripped ? std::vector<png_text>() : textsOf(metadata);
-        GuardedWriter writer(file_);
-        const bool isDone = completes(png_, [&] {
-            png_set_write_fn(png_, &writer, pass, flush);
+        require(completes(png_, [&] {
+            png_set_write_fn(png_, &writer_, pass, flush);
             png_set_benign_errors(png_, 1);
             png_set_option(png_, PNG_SKIP_sRGB_CHECK_PROFILE, PNG_OPTION_ON);
             png_set_user_limits(png_, kMostPixels, kMostPixels);
@@ -197,25 +246,36 @@ public:
             png_set_filter(png_, PNG_FILTER_TYPE_BASE,
                            packing.hasFilters ? PNG_ALL_FILTERS : PNG_FILTER_NONE);
             png_set_compression_level(png_, packing.level);
-            png_set_IHDR(png_, info_, static_cast<png_uint_32>(picture_.width),
-                         static_cast<png_uint_32>(picture_.height), options_.depth,
-                         isOpaque_ ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_RGBA, PNG_INTERLACE_NONE,
+            png_set_IHDR(png_, info_, static_cast<png_uint_32>(head_.width),
+                         static_cast<png_uint_32>(head_.height), options_.depth,
+                         content_.isOpaque ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_RGBA, PNG_INTERLACE_NONE,
                          PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
             setProfileAndResolution(metadata);
             if (!options_.isStripped) setExif(exif);
             png_set_text(png_, info_, texts.data(), static_cast<int>(texts.size()));
             png_write_info(png_, info_);
-            for (int32_t y = 0; y < picture_.height; ++y) {
-                fill(row.data(), picture_.row(y));
-                png_write_row(png_, row.data());
+        }));
+    }
+
+    void write(const Pixel* pixels, int32_t rows) override {
+        require(completes(png_, [&] {
+            for (int32_t y = 0; y < rows; ++y) {
+                fill(row_.data(), pixels + static_cast<size_t>(y) * static_cast<size_t>(head_.width));
+                png_write_row(png_, row_.data());
             }
-            png_write_end(png_, info_);
-        });
-        writer.rethrow();
-        if (!isDone) throw PictureError("cannot write " + file_.target().string() + ": " + reason_.text);
+        }));
+    }
+
+    void finish() override {
+        require(completes(png_, [&] { png_write_end(png_, info_); }));
     }
 
 private:
+    void require(bool isDone) const {
+        writer_.rethrow();
+        if (!isDone) throw PictureError("cannot write " + file_.target().string() + ": " + reason_.text);
+    }
+
     std::vector<png_text> textsOf(const PictureMetadata& metadata) {
         xmp_.assign(metadata.xmp.begin(), metadata.xmp.end());
         std::vector<png_text> texts;
@@ -261,32 +321,39 @@ private:
             *to++ = level;
             if (options_.depth == 16) *to++ = level;
         };
-        for (const Pixel* p = from; p != from + picture_.width; ++p) {
+        for (const Pixel* p = from; p != from + head_.width; ++p) {
             put(p->red);
             put(p->green);
             put(p->blue);
-            if (!isOpaque_) put(p->alpha);
+            if (!content_.isOpaque) put(p->alpha);
         }
     }
 
     AtomicFile& file_;
-    const Bitmap& picture_;
+    const PictureHead head_;
     const WriteOptions& options_;
+    const PictureContent content_;
+    GuardedWriter writer_;
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
-    bool isOpaque_ = false;
+    std::vector<uint8_t> row_;
     std::string xmp_;  ///< with the zero at its end that libpng expects
     Reason reason_;
 };
 
+std::unique_ptr<RowSink> openPngWriter(AtomicFile& file, const PictureHead& head, const WriteOptions& options,
+                                       const PictureContent& content) {
+    auto writer = std::make_unique<PngWriter>(file, head, options, content);
+    writer->begin();
+    return writer;
+}
+
 }  // namespace
 
-const FormatReader kPngReader{isPng, [](const InputFile& file) { return PngReader(file).read(); },
+const FormatReader kPngReader{isPng, openPng,
                               [](const InputFile& file) { return PngReader(file).readSize(); }};
 
-void writePng(AtomicFile& file, const Bitmap& picture, const WriteOptions& options) {
-    PngWriter(file, picture, options).write();
-}
+const FormatWriter kPngWriter{openPngWriter, true};
 
 }  // namespace krl::player
 

@@ -36,7 +36,7 @@ void attachFrames(VipsImage* image, const FramesToWrite& frames) {
 }
 
 std::string pngOptions(const Bitmap& picture, const std::string& level) {
-    const PngPacking packing = pngPacking(picture, level);
+    const PngPacking packing = pngPacking(contentOf(picture).isDrawing, level);
     return std::string("filter=") + (packing.hasFilters ? "all" : "none") +
            ",compression=" + std::to_string(packing.level);
 }

@@ -194,7 +194,7 @@ TEST_F(Pictures, ReportWhyTheyCannotBeWrittenByTheirOwnNames) {
 TEST_F(Pictures, ReportWhyReadingFails) {
     const auto failureOfPam = [](const fs::path& path) -> std::string {
         try {
-            kNetpbmReader.read(InputFile(path));
+            readWhole(kNetpbmReader, InputFile(path));
         } catch (const PictureError& error) {
             return error.what();
         }
@@ -226,8 +226,7 @@ TEST_F(Pictures, AreNotWrittenWhereClosingThemFails) {
 }
 
 TEST_F(Pictures, AreReadOnlyFromFiles) {
-    EXPECT_EQ(failureOf("/dev/null"),
-              "cannot read /dev/null: expected a file, got a pipe or device");
+    EXPECT_EQ(failureOf("/dev/null"), "cannot read /dev/null: expected a file, got a pipe or device");
     EXPECT_EQ(failureOf(folder), "cannot read " + folder.string() + ": is a folder");
 }
 #endif
