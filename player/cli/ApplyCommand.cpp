@@ -4,6 +4,7 @@
 #include <ostream>
 #include <utility>
 
+#include "core/Thread.h"
 #include "player/cli/ApplyLedger.h"
 #include "player/cli/ApplyOptions.h"
 #include "player/cli/ApplyPicture.h"
@@ -177,6 +178,14 @@ void refuseWithWatch(const ApplyOptions& options, const std::vector<fs::path>& i
         throw UsageError("--watch needs -o DIR");
 }
 
+/// How many threads each of the pictures that are worked on together may use, so that all processors are.
+unsigned threadsForEach(size_t pictures, unsigned jobs, ThreadChoice threads) {
+    const auto processors = static_cast<unsigned>(processorCount());
+    const size_t together = std::min<size_t>(jobs == 0 ? processors : jobs, pictures);
+    if (threads == ThreadChoice::One || together == 0) return 1;
+    return std::max(1u, processors / static_cast<unsigned>(together));
+}
+
 /// Works on the pictures of a part. Returns whether the next part can follow.
 bool workOnPart(const ApplyWork& work, const std::vector<MovingCall>& calls, const ApplyOptions& options,
                 const SessionOptions& settings, ApplyReport& report, const Terminal& terminal) {
@@ -188,7 +197,9 @@ bool workOnPart(const ApplyWork& work, const std::vector<MovingCall>& calls, con
         const CallOrder order = options.timings ? CallOrder::OneByOne : CallOrder::Together;
         const auto workOnEach = [&](const std::vector<size_t>& indexes, unsigned jobs) {
             workSideBySide(indexes.size(), jobs, [&]() -> Worker {
-                return [&, run = makeRunner(calls, settings, WorkingMemory::GivenBack, order)](size_t i) {
+                ApplyRunner runner = makeRunner(calls, settings, WorkingMemory::GivenBack, order);
+                runner.strips.threads = threadsForEach(indexes.size(), jobs, settings.threads);
+                return [&, run = std::move(runner)](size_t i) {
                     applyToPicture(run, work, indexes[i]);
                     report.settled(progress, indexes[i]);
                     bar.step();

@@ -7,6 +7,7 @@
 #include "player/cli/RawFrames.h"
 #include "player/cli/ReadRetry.h"
 #include "player/cli/Stopwatch.h"
+#include "player/cli/StreamedPicture.h"
 #include "player/pictures/FileAccess.h"
 #include "player/pictures/PictureMetadata.h"
 
@@ -27,6 +28,12 @@ std::vector<ReadyCall> readyCalls(const Bitmap& picture, std::span<const ChainCa
     return ready;
 }
 
+decltype(ApplyRunner::strip) onStrips(const std::shared_ptr<CatalogueCalls>& calls) {
+    return [calls](Bitmap& strip, std::span<const ReadyCall> ready) {
+        return calls->applyToStrip(strip, ready);
+    };
+}
+
 }  // namespace
 
 ApplyRunner makeRunner(const std::vector<MovingCall>& written, const SessionOptions& options,
@@ -40,7 +47,9 @@ ApplyRunner makeRunner(const std::vector<MovingCall>& written, const SessionOpti
                     return calls->apply(picture, readyCalls(picture, chain.first(most)));
                 },
                 [calls](Bitmap& picture, const ReadyLook& look) { return calls->apply(picture, look); },
-                moving};
+                order == CallOrder::Together ? onStrips(calls) : nullptr,
+                moving,
+                {}};
     }
     const auto session = std::make_shared<Session>(options);
     return {
@@ -48,7 +57,9 @@ ApplyRunner makeRunner(const std::vector<MovingCall>& written, const SessionOpti
             return std::vector{session->apply(picture, chain.front().lingo(picture.width, picture.height))};
         },
         {},
-        moving};
+        {},
+        moving,
+        {}};
 }
 
 namespace {
@@ -92,12 +103,8 @@ std::string runAll(const ApplyRunner& run, const std::vector<ReadyLook>& looks,
         }
         for (CallOutcome& outcome : outcomes) {
             const ChainCall& call = rest.front();
-            CallReport& made = report.calls.emplace_back();
-            made.call = call.lingo(width, height);
-            made.outcome = std::move(outcome);
+            CallReport& made = report.calls.emplace_back(reportOn(call, std::move(outcome), width, height));
             made.milliseconds = std::exchange(milliseconds, 0);
-            const bool plain = made.outcome.shown.empty() || made.outcome.shown == "[#error: 0]";
-            made.telling = !plain && !(made.outcome.ok() && call.method().makesPicture());
             if (!made.outcome.ok()) return sizeHint(call, picture);
             rest = rest.subspan(1);
         }
@@ -120,9 +127,8 @@ void runOnFrames(const ApplyRunner& run, const ApplyWork& work, const BatchItem&
                  PictureReport& report) {
     for (Bitmap& frame : frames.pictures) {
         PictureReport made;
-        const FrameFacts facts{item.frame, item.frames, work.fps, frame.width, frame.height};
         const std::string hint =
-            runAll(run, work.looks, run.moving ? run.moving->at(facts) : work.chain, frame, made);
+            runAll(run, work.looks, chainFor(run, work, item, frame.width, frame.height), frame, made);
         const bool hasFailed = !made.calls.empty() && !made.calls.back().outcome.ok();
         addTimes(report.calls, made.calls);
         if (report.calls.empty() || hasFailed) report.calls = std::move(made.calls);
@@ -157,6 +163,7 @@ PictureReport workOn(const ApplyRunner& run, const ApplyWork& work, size_t index
     const BatchItem& item = work.progress.items()[index];
     PictureReport report;
     try {
+        if (streamPicture(run, work, index, report)) return report;
         const std::optional<PictureFormat> format = formatFor(item.output, work.options);
         const bool readsAll = !work.firstFrame && format && holdsFrames(*format);
         const FrameChoice choice = readsAll ? FrameChoice::All : FrameChoice::First;
@@ -165,11 +172,7 @@ PictureReport workOn(const ApplyRunner& run, const ApplyWork& work, size_t index
             const Stopwatch watch(report.reading);
             return readFrames(item.input, choice);
         });
-        if (const auto& metadata = frames.pictures.front().metadata)
-            for (const std::string& loss : metadata->losses)
-                report.notes.push_back(item.input.string() + " loses " + loss);
-        for (const std::string& loss : lossesOfWriting(item.output, frames, work.options))
-            report.notes.push_back(item.input.string() + " loses " + loss);
+        report.notes = notesOnLosses(item, frames, work.options);
         runOnFrames(run, work, item, frames, report);
         if (!report.failure.empty()) {
             report.failure = item.input.string() + ": " + report.failure;
@@ -192,6 +195,29 @@ PictureReport workOn(const ApplyRunner& run, const ApplyWork& work, size_t index
 }
 
 }  // namespace
+
+const std::vector<ChainCall>& chainFor(const ApplyRunner& run, const ApplyWork& work, const BatchItem& item,
+                                       int32_t width, int32_t height) {
+    return run.moving ? run.moving->at({item.frame, item.frames, work.fps, width, height}) : work.chain;
+}
+
+CallReport reportOn(const ChainCall& call, CallOutcome outcome, int32_t width, int32_t height) {
+    CallReport made{call.lingo(width, height), std::move(outcome)};
+    const bool plain = made.outcome.shown.empty() || made.outcome.shown == "[#error: 0]";
+    made.telling = !plain && !(made.outcome.ok() && call.method().makesPicture());
+    return made;
+}
+
+std::vector<std::string> notesOnLosses(const BatchItem& item, const PictureFrames& frames,
+                                       const WriteOptions& options) {
+    std::vector<std::string> notes;
+    if (const auto& metadata = frames.pictures.front().metadata)
+        for (const std::string& loss : metadata->losses)
+            notes.push_back(item.input.string() + " loses " + loss);
+    for (const std::string& loss : lossesOfWriting(item.output, frames, options))
+        notes.push_back(item.input.string() + " loses " + loss);
+    return notes;
+}
 
 Bitmap changedBy(const ApplyRunner& run, const std::vector<ChainCall>& chain, Bitmap picture) {
     PictureReport report;

@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "look/FusedCalls.h"
 #include "player/cli/ApplyLedger.h"
 #include "player/cli/ApplyOptions.h"
 #include "player/cli/ApplyProgress.h"
@@ -16,6 +17,7 @@
 #include "player/cli/RawPipe.h"
 #include "player/pictures/Delivery.h"
 #include "player/pictures/PictureFiles.h"
+#include "player/pictures/StripPipeline.h"
 
 namespace krl::player {
 
@@ -52,8 +54,13 @@ struct ApplyRunner {
     /// Runs the first calls of a chain, at least one; returns their outcomes up to the first that fails.
     std::function<std::vector<CallOutcome>(Bitmap& picture, std::span<const ChainCall> chain)> calls;
     std::function<CallOutcome(Bitmap& picture, const ReadyLook& look)> look;
+    /// Runs calls that treat every pixel alone on a strip of a picture; null where each picture has to be
+    /// whole.
+    std::function<std::vector<CallOutcome>(Bitmap& strip, std::span<const ReadyCall> calls)> strip;
     /// The calls at each frame; null where they are the same for all.
     std::shared_ptr<MovingChain> moving;
+    /// For strips; pictures in progress share the processors.
+    StripRules strips;
 };
 
 /// What becomes of the working memory of a call.
@@ -66,6 +73,17 @@ enum class CallOrder { Together, OneByOne };
 ApplyRunner makeRunner(const std::vector<MovingCall>& written, const SessionOptions& options,
                        WorkingMemory memory = WorkingMemory::GivenBack,
                        CallOrder order = CallOrder::Together);
+
+/// The chain for a picture of this size.
+const std::vector<ChainCall>& chainFor(const ApplyRunner& run, const ApplyWork& work, const BatchItem& item,
+                                       int32_t width, int32_t height);
+
+/// The report on a call that was made on a picture of this size.
+CallReport reportOn(const ChainCall& call, CallOutcome outcome, int32_t width, int32_t height);
+
+/// What reading left out of the file, and what writing will, a line each.
+std::vector<std::string> notesOnLosses(const BatchItem& item, const PictureFrames& frames,
+                                       const WriteOptions& options);
 
 /// The picture after all calls. Throws `CommandError` for the first that fails.
 Bitmap changedBy(const ApplyRunner& run, const std::vector<ChainCall>& chain, Bitmap picture);

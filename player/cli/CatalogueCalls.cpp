@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "catalogue/DirectCall.h"
 #include "catalogue/Notation.h"
@@ -114,6 +115,13 @@ std::vector<CallOutcome> CatalogueCalls::apply(Bitmap& picture, std::span<const 
         for (size_t i = 0; i <= made.number; ++i)
             outcomes.push_back(outcomeOf(left[i].method, i == made.number ? made.result : CallResult()));
     }
+    return outcomes;
+}
+
+std::vector<CallOutcome> CatalogueCalls::applyToStrip(Bitmap& strip, std::span<const ReadyCall> calls) {
+    const int32_t bands = std::exchange(bands_, 1);
+    std::vector<CallOutcome> outcomes = apply(strip, calls);
+    bands_ = bands;
     return outcomes;
 }
 

@@ -27,12 +27,14 @@ public:
     /// The same with calls that treat every pixel alone, together if they can be. Returns the outcome of each
     /// up to the first that fails.
     std::vector<CallOutcome> apply(Bitmap& picture, std::span<const ReadyCall> calls);
+    /// The same on one band, for a strip of a picture whose other strips are read and written meanwhile.
+    std::vector<CallOutcome> applyToStrip(Bitmap& strip, std::span<const ReadyCall> calls);
     /// The same with all calls of a look.
     CallOutcome apply(Bitmap& picture, const ReadyLook& look);
 
 private:
     ImageEngine engine_;
-    const int32_t bands_;  ///< 0 for one for each processor
+    int32_t bands_;  ///< 0 for one for each processor
     bool keepsMemory_ = false;
     ScratchAllowance keptMemory_;  ///< beside that of the engine, which ends with a call
 };

@@ -4,6 +4,8 @@
 #include <fstream>
 #include <string>
 
+#include "player/pictures/StripPipeline.h"
+
 namespace krl::player {
 
 namespace {
@@ -38,6 +40,11 @@ uint64_t workingMemory(const PictureSize& size, std::optional<PictureFormat> wri
     for (const EncoderNeed& need : kEncoderNeeds)
         if (written == need.format) bytesPerPixel = need.bytesPerPixel;
     return kBytesPerPicture + pixels * static_cast<uint64_t>(size.frames) * bytesPerPixel;
+}
+
+uint64_t workingMemoryOfStrips(int32_t width, size_t pixels) {
+    const uint64_t strip = std::max(static_cast<uint64_t>(width), static_cast<uint64_t>(pixels));
+    return kBytesPerPicture + strip * (kBytesPerPixel + sizeof(Pixel) * StripPipeline::kStrips);
 }
 
 uint64_t availableMemory(const std::filesystem::path& root) {

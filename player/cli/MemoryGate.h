@@ -13,6 +13,9 @@ namespace krl::player {
 /// How much memory a picture takes at most from reading to writing in that format.
 uint64_t workingMemory(const PictureSize& size, std::optional<PictureFormat> written = {});
 
+/// The same for a picture of this width that goes through strips of so many pixels.
+uint64_t workingMemoryOfStrips(int32_t width, size_t pixels);
+
 /// The memory that the system can still give, within the limit of a container; 0 where it does not say. Its
 /// files are below `root`.
 uint64_t availableMemory(const std::filesystem::path& root = "/");

@@ -124,6 +124,11 @@ bool canFuse(const ReadyCall& call, const Picture& from, const Picture& to) {
     });
 }
 
+bool canRunOnStrips(const ReadyCall& call) {
+    return call.method.isPerPixel() && call.extent.isWhole() &&
+           std::none_of(call.arguments.begin(), call.arguments.end(), holdsPictures);
+}
+
 ChainResult runFused(ImageEngine& engine, int32_t bands, std::span<const ReadyCall> calls,
                      const Picture& from, const Picture& to) {
     try {

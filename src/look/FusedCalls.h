@@ -23,6 +23,10 @@ struct ReadyCall {
 /// no byte of `to` is another pixel's of any of them.
 bool canFuse(const ReadyCall& call, const Picture& from, const Picture& to);
 
+/// Whether a call on a picture is the same call on one strip of rows after another: the method treats every
+/// pixel alone and changes all of the picture, and its arguments hold no pictures.
+bool canRunOnStrips(const ReadyCall& call);
+
 /// What calls came to: the result of the first that failed, or else of the last one.
 struct ChainResult {
     CallResult result;

@@ -11,7 +11,7 @@ namespace krl::test {
 
 namespace {
 
-std::atomic<int64_t> living{0}, bytesLiving{0};
+std::atomic<int64_t> living{0}, bytesLiving{0}, mostBytes{0};
 /// Allocations that are still granted; negative means no limit.
 std::atomic<int64_t> granted{-1};
 std::atomic<bool> limited{false}, allThatFollow{false}, failed{false};
@@ -40,7 +40,9 @@ void* allocate(size_t bytes, size_t alignment) noexcept {
                       : std::aligned_alloc(alignment, rounded ? rounded : alignment);
     if (!block) return nullptr;
     living.fetch_add(1);
-    bytesLiving.fetch_add(sizeOf(block));
+    const int64_t size = sizeOf(block), held = bytesLiving.fetch_add(size) + size;
+    for (int64_t most = mostBytes.load(); most < held && !mostBytes.compare_exchange_weak(most, held);) {
+    }
     return block;
 }
 
@@ -60,6 +62,10 @@ void release(void* block) noexcept {
 
 int64_t livingBlocks() { return living.load(); }
 int64_t livingBytes() { return bytesLiving.load(); }
+
+PeakOfBytes::PeakOfBytes() : before_(livingBytes()) { mostBytes.store(before_); }
+
+int64_t PeakOfBytes::bytes() const { return mostBytes.load() - before_; }
 
 AllocationFault::AllocationFault(int64_t number, Extent extent) {
     failed.store(false);

@@ -10,6 +10,16 @@ int64_t livingBlocks();
 /// What they hold together, by the allocator's own account.
 int64_t livingBytes();
 
+/// The most bytes that were held at a time during this object's life, beyond those at its beginning.
+class PeakOfBytes {
+public:
+    PeakOfBytes();
+    int64_t bytes() const;
+
+private:
+    const int64_t before_;
+};
+
 /// While this object lives, allocation `number` (from 1) fails, or all from there on.
 class AllocationFault {
 public:
