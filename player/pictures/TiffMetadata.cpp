@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 
 #include "player/pictures/ExifData.h"
 #include "player/pictures/Iptc.h"
@@ -41,7 +40,7 @@ TiffSource sourceWithin(const std::vector<uint8_t>& bytes, size_t start) {
     return [&bytes, start](uint64_t place, uint8_t* to, size_t count) {
         const uint64_t size = bytes.size() - start;
         if (place > size || count > size - place) return false;
-        std::memcpy(to, bytes.data() + start + place, count);
+        std::copy_n(bytes.begin() + static_cast<ptrdiff_t>(start + place), count, to);
         return true;
     };
 }
