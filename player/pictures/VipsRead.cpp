@@ -63,6 +63,7 @@ std::shared_ptr<PictureMetadata> metadataOf(VipsImage* image, const InputFile& f
         metadata->iptc = std::move(facts.iptc);
         if (metadata->iptc.empty()) metadata->iptc = bareIptc(resources);
     }
+    takeOrientation(metadata->exif);  // which the pixels have by now
     metadata->losses = precisionLost(image);
     metadata->hasOtherResources = hasMoreThanIptc(resources);
     metadata->texts = textsOf(image);
