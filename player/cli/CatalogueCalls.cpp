@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <utility>
 
 #include "catalogue/DirectCall.h"
 #include "catalogue/Notation.h"
@@ -81,13 +80,17 @@ CatalogueCalls::CatalogueCalls(ThreadChoice threads) : bands_(threads == ThreadC
 }
 
 CallOutcome CatalogueCalls::apply(Bitmap& picture, const ReadyCall& call) {
+    return applyOn(bands_, picture, call);
+}
+
+CallOutcome CatalogueCalls::applyOn(int32_t bands, Bitmap& picture, const ReadyCall& call) {
     const Method& method = call.method;
     const krl::Picture view = viewOf(picture);
     CallResult result;
     try {
         result = callWithin(call.extent, view, [&] {
             const LoadedPicture loaded(engine_, view);
-            chooseBands(engine_, method, bands_);
+            chooseBands(engine_, method, bands);
             if (keepsMemory_) keptMemory_.set(engine_.buffer()->bytes() * kKeptPictures);
             return callMethod(method, engine_,
                               method.changedPicture() ? withCopiedPictures(call.arguments) : call.arguments);
@@ -102,26 +105,28 @@ CallOutcome CatalogueCalls::apply(Bitmap& picture, const ReadyCall& call) {
 }
 
 std::vector<CallOutcome> CatalogueCalls::apply(Bitmap& picture, std::span<const ReadyCall> calls) {
+    return applyOn(bands_, picture, calls);
+}
+
+std::vector<CallOutcome> CatalogueCalls::applyToStrip(Bitmap& strip, std::span<const ReadyCall> calls) {
+    return applyOn(1, strip, calls);
+}
+
+std::vector<CallOutcome> CatalogueCalls::applyOn(int32_t bands, Bitmap& picture,
+                                                 std::span<const ReadyCall> calls) {
     const krl::Picture view = viewOf(picture);
     std::vector<CallOutcome> outcomes;
     while (outcomes.size() < calls.size() && (outcomes.empty() || outcomes.back().ok())) {
         const std::span<const ReadyCall> left = calls.subspan(outcomes.size());
         const size_t count = countFusible(left, view);
         if (count < 2) {
-            outcomes.push_back(apply(picture, left.front()));
+            outcomes.push_back(applyOn(bands, picture, left.front()));
             continue;
         }
-        const ChainResult made = runFused(engine_, bands_, left.first(count), view, view);
+        const ChainResult made = runFused(engine_, bands, left.first(count), view, view);
         for (size_t i = 0; i <= made.number; ++i)
             outcomes.push_back(outcomeOf(left[i].method, i == made.number ? made.result : CallResult()));
     }
-    return outcomes;
-}
-
-std::vector<CallOutcome> CatalogueCalls::applyToStrip(Bitmap& strip, std::span<const ReadyCall> calls) {
-    const int32_t bands = std::exchange(bands_, 1);
-    std::vector<CallOutcome> outcomes = apply(strip, calls);
-    bands_ = bands;
     return outcomes;
 }
 

@@ -33,8 +33,11 @@ public:
     CallOutcome apply(Bitmap& picture, const ReadyLook& look);
 
 private:
+    CallOutcome applyOn(int32_t bands, Bitmap& picture, const ReadyCall& call);
+    std::vector<CallOutcome> applyOn(int32_t bands, Bitmap& picture, std::span<const ReadyCall> calls);
+
     ImageEngine engine_;
-    int32_t bands_;  ///< 0 for one for each processor
+    const int32_t bands_;  ///< 0 for one for each processor
     bool keepsMemory_ = false;
     ScratchAllowance keptMemory_;  ///< beside that of the engine, which ends with a call
 };
