@@ -25,6 +25,10 @@ bool holdsPictures(const Value& value) {
     return value.as<Picture>();
 }
 
+bool treatsWholePictureAlike(const ReadyCall& call) {
+    return call.method.isPerPixel() && call.extent.isWhole();
+}
+
 /// Each method prepares itself and hands its pass over; the next one is called from there, while the tables
 /// of those before still exist. The last one's pass then runs them all.
 class Fusion final : public SpanTaker {
@@ -115,7 +119,7 @@ private:
 }  // namespace
 
 bool canFuse(const ReadyCall& call, const Picture& from, const Picture& to) {
-    if (!call.method.isPerPixel() || !call.extent.isWhole()) return false;
+    if (!treatsWholePictureAlike(call)) return false;
     if (!isTight(from) || !isTight(to) || (!isSamePlace(from, to) && sharesMemory(from, to))) return false;
     return std::all_of(call.arguments.begin(), call.arguments.end(), [&](const Value& argument) {
         const auto* picture = argument.as<Picture>();
@@ -125,7 +129,7 @@ bool canFuse(const ReadyCall& call, const Picture& from, const Picture& to) {
 }
 
 bool canRunOnStrips(const ReadyCall& call) {
-    return call.method.isPerPixel() && call.extent.isWhole() &&
+    return treatsWholePictureAlike(call) &&
            std::none_of(call.arguments.begin(), call.arguments.end(), holdsPictures);
 }
 
