@@ -217,6 +217,22 @@ TEST_F(PngJpeg, PicturesAreTurnedUprightOnce) {
         }
 }
 
+TEST_F(PngJpeg, PicturesThatLibvipsTurnedAreNotTurnedAgain) {
+    auto metadata = std::make_shared<PictureMetadata>();
+    metadata->exif = exifWith(6, true);
+    Bitmap picture = speckled();
+    picture.metadata = metadata;
+    const Bitmap upright = readWithVips(written("turned.webp", picture));
+    ASSERT_EQ(upright.width, kHeight);
+    for (const char* name : {"upright.png", "upright.jpg"}) {
+        SCOPED_TRACE(name);
+        const std::string path = written(name, upright);
+        expectSameAsWithVips(path);
+        EXPECT_EQ(read(path)->width, kHeight);
+        EXPECT_EQ(read(path)->metadata->exif, exifWith(1, true));
+    }
+}
+
 TEST_F(PngJpeg, MetadataIsPreserved) {
     auto metadata = std::make_shared<PictureMetadata>();
     metadata->exif = exifWith(1, true);
