@@ -66,8 +66,9 @@ def findings(name: str, files: list, flags: tuple, directory: str, out: Path, ch
     if len(files) > 1:
         source = out / f"{name}.cpp"
         source.write_text("".join(f'#include "{file}"\n' for file in files))
-    tried = subprocess.run(["clang-tidy", "-quiet", f"-checks={checks}", str(source), "--", *flags, "-w", "-ferror-limit=1"],
-                           cwd=directory, text=True, capture_output=True)
+    tried = subprocess.run(
+        ["clang-tidy", "-quiet", f"-checks={checks}", str(source), "--", *flags, "-w", "-ferror-limit=1"],
+        cwd=directory, text=True, capture_output=True)
     lines = set(re.findall(r"^.*(?:warning|error): .*$", tried.stdout, re.MULTILINE))
     if len(files) > 1 and any("clang-diagnostic-error" in line for line in lines):
         half = len(files) // 2
