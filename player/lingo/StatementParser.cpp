@@ -242,7 +242,20 @@ StatementPointer StatementParser::assignmentOrCall() {
     }
     made->expression = std::move(path);
     if (!endsStatement()) fail("\"=\" or the end of the line", didYouMean(first.text, kStatementWords));
+    if (ExpressionPointer chunk = deletedChunk(*made->expression)) {
+        made = std::make_unique<ExpressionStatement>(StatementKind::Delete, first.place);
+        made->expression = std::move(chunk);
+    }
     return made;
+}
+
+/// The chunk of `text.word[2].delete()`, or nothing for another expression.
+ExpressionPointer StatementParser::deletedChunk(Expression& expression) const {
+    if (expression.kind != ExpressionKind::Call) return nullptr;
+    auto& call = static_cast<CallExpression&>(expression);
+    const bool isDelete = call.object && call.object->kind == ExpressionKind::Chunk &&
+                          call.arguments.empty() && compareText(symbols_.spelling(call.name), "delete") == 0;
+    return isDelete ? std::move(call.object) : nullptr;
 }
 
 /// `name argument, argument`

@@ -42,6 +42,7 @@ private:
     ExpressionPointer fieldOrTarget();
     void requireTarget(const Expression& made, Place place) const;
     StatementPointer removal();
+    ExpressionPointer deletedChunk(Expression& expression) const;
 
     // Statements that only a stage can carry out.
     StatementPointer stageStatement();

@@ -20,6 +20,13 @@ on main
   put w
   delete word 2 of w
   put w
+  w.line[1].delete()
+  put w
+  d = "one two three,four"
+  d.word[2].delete()
+  put d
+  d.item[1].char[1..2].delete()
+  put d
   put "line 3" into line 3 of w
   put w.line.count
   put length("abc"), chars("abcdef", 2, 4), offset("CD", "abcde"), offset("x", "abc")
