@@ -71,8 +71,7 @@ void Sandbox::refuse(const fs::path& file) const {
                     " is outside the folders that this script may access (--allow DIR adds one)");
 }
 
-fs::path Sandbox::toRead(const std::string& name) const {
-    const fs::path wanted = pathOf(name);
+fs::path Sandbox::found(const fs::path& wanted) const {
     std::vector<fs::path> places;
     if (wanted.is_absolute()) {
         places = {wanted};
@@ -82,17 +81,36 @@ fs::path Sandbox::toRead(const std::string& name) const {
         places.push_back(wanted);
         for (const fs::path& folder : allowed_) places.push_back(folder / wanted);
     }
-    bool found = false;
+    bool isElsewhere = false;
     for (const fs::path& place : places) {
         if (!isThere(place)) continue;
         // Resolved once: a second time, it could lead elsewhere.
         if (const fs::path real = resolved(place); holds(real)) return real;
-        found = true;
+        isElsewhere = true;
     }
-    if (found ||
+    if (isElsewhere ||
         std::none_of(places.begin(), places.end(), [this](const fs::path& place) { return allows(place); }))
         refuse(wanted);
-    throw HostError("there is no file " + wanted.string());
+    return {};
+}
+
+fs::path Sandbox::toRead(const std::string& name) const {
+    fs::path file = found(pathOf(name));
+    if (file.empty()) throw HostError("there is no file " + pathOf(name).string());
+    return file;
+}
+
+std::vector<std::string> Sandbox::namesIn(const std::string& folder) const {
+    std::vector<std::string> names;
+    const fs::path place = found(pathOf(folder));
+    std::error_code failed;
+    if (place.empty()) return names;
+    for (const fs::directory_entry& entry : fs::directory_iterator(place, failed)) {
+        const std::u8string name = entry.path().filename().u8string();
+        if (!name.starts_with(u8'.')) names.emplace_back(name.begin(), name.end());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
 }
 
 fs::path Sandbox::toWrite(const std::string& name) const {

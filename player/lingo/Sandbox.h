@@ -21,6 +21,9 @@ public:
     /// The file to read: in the script's folder, the cast, the output folder, the current folder if
     /// that is allowed, or another allowed folder. Throws `HostError` for files elsewhere or missing.
     std::filesystem::path toRead(const std::string& name) const;
+    /// The names of the files and folders in `folder`, in the same order on every system and without hidden
+    /// ones; none if there is no such folder. Throws `HostError` for a folder elsewhere.
+    std::vector<std::string> namesIn(const std::string& folder) const;
     /// The file to write: in the output folder, or in the script's folder. Throws `HostError`.
     std::filesystem::path toWrite(const std::string& name) const;
     /// The first file in the script's folder and the cast whose name without extension is `name`,
@@ -32,6 +35,8 @@ public:
     std::vector<std::string> memberNames(const std::vector<std::string>& extensions) const;
 
 private:
+    /// As `toRead`, but empty for a file that is missing.
+    std::filesystem::path found(const std::filesystem::path& wanted) const;
     bool allows(const std::filesystem::path& file) const;
     /// Whether a file without links is in an allowed folder.
     bool holds(const std::filesystem::path& real) const;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <chrono>
 #include <ctime>
 
@@ -111,6 +112,13 @@ Value integerOf(int64_t number) {
     return Value::integer(static_cast<int32_t>(static_cast<uint32_t>(number)));
 }
 
+/// A name without its folder, counted from 1; EMPTY behind the last one.
+Value fileNameInFolder(Runtime& runtime, const Arguments& arguments) {
+    const std::vector<std::string> names = runtime.sandbox.namesIn(arguments.text(0));
+    const auto index = static_cast<size_t>(std::max(arguments.integer(1), 0));
+    return runtime.text(index >= 1 && index <= names.size() ? names[index - 1] : "");
+}
+
 Value time(Runtime& runtime, const Arguments&) { return now(runtime, "%H:%M"); }
 
 /// No key is ever down.
@@ -134,6 +142,7 @@ constexpr Builtin kBuiltins[] = {
     {"startTimer", 0, 0, startTimer},
     {"time", 0, 0, time},
     {"keyPressed", 0, 1, keyPressed},
+    {"getNthFileNameInFolder", 2, 2, fileNameInFolder},
 };
 
 constexpr PropertyEntry kProperties[] = {

@@ -142,6 +142,31 @@ TEST(SessionRun, SavesInTheOutputFolder) {
     EXPECT_TRUE(fs::exists(folder.path() / "b.pam"));
 }
 
+TEST(SessionRun, ListsFilesInTheirOrder) {
+    const test::ScratchFolder folder;
+    const fs::path pictures = folder.path() / "pictures";
+    fs::create_directories(pictures / "more");
+    for (const char* name : {"b.pam", "a.pam", ".hidden.pam"})
+        writePicture(pictures / name, greyPicture(1, 1, 7));
+    EXPECT_EQ(run({}, folder.path(),
+                  "p = the moviePath & \"pictures/\"\nn = 1\n"
+                  "repeat while getNthFileNameInFolder(p, n) <> EMPTY\n"
+                  "put getNthFileNameInFolder(p, n)\nn = n + 1\nend repeat\n"
+                  "put getNthFileNameInFolder(\"pictures\", 0), getNthFileNameInFolder(\"missing\", 1)"),
+              "-- \"a.pam\"\n-- \"b.pam\"\n-- \"more\"\n-- \"\" \"\"\n");
+}
+
+TEST(Sandbox, FilesOfFoldersElsewhereAreNotListed) {
+    const test::ScratchFolder folder, elsewhere;
+    writePicture(elsewhere.path() / "secret.pam", greyPicture(1, 1, 7));
+    fs::create_directory_symlink(elsewhere.path(), folder.path() / "door");
+    for (const std::string& name : {elsewhere.path().string(), std::string("door"), std::string("..")}) {
+        const std::string message =
+            run({}, folder.path(), "put getNthFileNameInFolder(\"" + name + "\", 1)");
+        EXPECT_NE(message.find("outside the folders"), std::string::npos) << name << message;
+    }
+}
+
 TEST(Sandbox, NothingOutsideTheFoldersIsReadOrWritten) {
     const test::ScratchFolder folder, elsewhere;
     const fs::path secret = elsewhere.path() / "secret.pam";
