@@ -35,8 +35,8 @@ struct Amounts {
     const char* expected;
 };
 constexpr Amounts kMemorySizes{true, "M", uint64_t{1} << 20, uint64_t{1} << 44, "a size such as 500M or 4G"};
-constexpr Amounts kPixelCounts{false, "", 1, kPictureByteLimit / sizeof(Pixel),
-                               "a number of pixels such as 100M, at most 536870912"};
+constexpr Amounts kPixelCounts{false, "", 1, uint64_t{1} << 40,
+                               "a number of pixels such as 100M or 4G, at most 1099511627776"};
 
 /// Makes a plain number of one such as 500M.
 CLI::Validator amount(const Amounts& amounts) {

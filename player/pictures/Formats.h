@@ -11,10 +11,12 @@
 /// The formats behind `readPicture` and `writePicture`.
 namespace krl::player {
 
-/// Throws `PictureError` for a size that is empty or larger than any picture, before anything is allocated.
+/// Throws `PictureError` for a size that is empty or larger than any picture in memory, before anything is
+/// allocated.
 void requirePossibleSize(const std::filesystem::path& path, int64_t width, int64_t height);
-/// The same for a file to read, which may not exceed the `PixelLimit` either. The height is that of all
-/// frames.
+/// The same for a file, whose limit is the `PixelLimit`. The height is that of all frames.
+void requireAllowedSize(const std::filesystem::path& path, int64_t width, int64_t height);
+/// Both, for a file to read whole.
 void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_t height);
 
 #if defined(KRL_WITH_VIPS)

@@ -202,22 +202,31 @@ std::string sizeText(int64_t width, int64_t height) {
     return std::to_string(width) + " by " + std::to_string(height) + " pixels";
 }
 
+void requirePixels(const std::filesystem::path& path, int64_t width, int64_t height) {
+    if (width < 1 || height < 1)
+        throw PictureError(path.string() + " has no pixels: " + sizeText(width, height));
+}
+
 }  // namespace
 
 void requirePossibleSize(const std::filesystem::path& path, int64_t width, int64_t height) {
-    if (width < 1 || height < 1)
-        throw PictureError(path.string() + " has no pixels: " + sizeText(width, height));
+    requirePixels(path, width, height);
     if (width > kPictureByteLimit / 4 / height)
         throw PictureError(path.string() + " is too large: " + sizeText(width, height) +
-                           ", and pictures are limited to 2 GiB");
+                           ", and pictures in memory are limited to 2 GiB");
 }
 
-void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_t height) {
-    requirePossibleSize(path, width, height);
+void requireAllowedSize(const std::filesystem::path& path, int64_t width, int64_t height) {
+    requirePixels(path, width, height);
     const int64_t most = PixelLimit::current();
     if (width > most / height)
         throw PictureError(path.string() + " is too large: " + sizeText(width, height) +
                            ", and --max-pixels is " + std::to_string(most));
+}
+
+void requirePictureSize(const std::filesystem::path& path, int64_t width, int64_t height) {
+    requireAllowedSize(path, width, height);
+    requirePossibleSize(path, width, height);
 }
 
 Bitmap readPicture(const std::filesystem::path& path) { return readFirst(InputFile(path)); }
@@ -229,7 +238,7 @@ PictureFrames readFrames(const std::filesystem::path& path, FrameChoice choice) 
 PictureSize readPictureSize(const std::filesystem::path& path, FrameChoice choice) {
     PictureSize size = readSize(InputFile(path));
     if (choice == FrameChoice::First) size.frames = 1;
-    requirePictureSize(path, size.width, size.height * size.frames);
+    requireAllowedSize(path, size.width, size.height * size.frames);
     return size;
 }
 

@@ -1,4 +1,6 @@
 #include "memory/CountedMemory.h"
+#include "player/pictures/PictureFiles.h"
+#include "player/pictures/PixelLimit.h"
 #include "tests/player/CliRun.h"
 
 namespace krl::player {
@@ -50,6 +52,30 @@ TEST_F(StreamedApply, TakesMemoryThatDoesNotGrowWithTheHeight) {
     EXPECT_LT(high, 20 << 20);
     EXPECT_GT(peak(6000, {"sepia", "invert(#RGB)", "--timings"}), picture);
 }
+
+#if defined(KRL_WITH_PNG_JPEG)
+TEST_F(StreamedApply, IsForPicturesBeyondTwoGibibytes) {
+    constexpr int32_t width = 50'000, height = 10'738;
+    constexpr uint64_t bytes = uint64_t{width} * height * 4;
+    static_assert(bytes > uint64_t{1} << 31);
+    const std::string header = "P7\nWIDTH " + std::to_string(width) + "\nHEIGHT " + std::to_string(height) +
+                               "\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n";
+    const std::string input = text("a.pam", header), output = at("b.jpg");
+    std::filesystem::resize_file(input, header.size() + bytes);  // zeros that take no room on a disk
+    EXPECT_TELLS(apply(input, output, {"brightness(20)"}).err, "--max-pixels is 268435456");
+    EXPECT_TELLS(apply(input, output, {"--max-pixels=1G", "fastGaussianBlur"}).err,
+                 "pictures in memory are limited to 2 GiB");
+    EXPECT_EQ(files(), 1u);
+    const test::PeakOfBytes most;
+    const CliResult done = apply(input, output, {"--max-pixels=1G", "brightness(20)"});
+    EXPECT_EQ(done.code, 0) << done.err;
+    EXPECT_LT(most.bytes(), 60 << 20);
+    const PixelLimit limit(int64_t{1} << 30);
+    const PictureSize size = readPictureSize(output, FrameChoice::First);
+    EXPECT_EQ(size.width, width);
+    EXPECT_EQ(size.height, height);
+}
+#endif
 
 TEST_F(StreamedApply, ReplacesItsInput) {
     const std::string input = large("a.pam");

@@ -157,14 +157,14 @@ TEST_F(PixelLimits, AreAnOptionOfAllThatReadsPictures) {
     }
     EXPECT_EQ(files(), there) << "nothing half-written";
     EXPECT_EQ(PixelLimit::current(), kUsualPixelLimit);
-    for (const char* enough : {"1200", "1.2K", "5M", "536870912"})
+    for (const char* enough : {"1200", "1.2K", "5M", "1G", "1099511627776"})
         EXPECT_EQ(krlimage({"compare", "--max-pixels", enough, in, in}).code, enough[1] == '.' ? 2 : 0)
             << enough;
-    for (const char* wrong : {"0", "-1", "1G", "many", "536870913"}) {
+    for (const char* wrong : {"0", "-1", "2T", "many", "1099511627777"}) {
         const CliResult refused = krlimage({"compare", std::string("--max-pixels=") + wrong, in, in});
         EXPECT_EQ(refused.code, 2) << wrong;
         EXPECT_TELLS(refused.err,
-                     "--max-pixels: expected a number of pixels such as 100M, at most 536870912");
+                     "--max-pixels: expected a number of pixels such as 100M or 4G, at most 1099511627776");
     }
 }
 
