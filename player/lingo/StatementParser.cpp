@@ -251,10 +251,10 @@ StatementPointer StatementParser::assignmentOrCall() {
 
 /// The chunk of `text.word[2].delete()`, or nothing for another expression.
 ExpressionPointer StatementParser::deletedChunk(Expression& expression) const {
-    if (expression.kind != ExpressionKind::Call) return nullptr;
+    if (expression.kind != ExpressionKind::MethodCall) return nullptr;
     auto& call = static_cast<CallExpression&>(expression);
-    const bool isDelete = call.object && call.object->kind == ExpressionKind::Chunk &&
-                          call.arguments.empty() && compareText(symbols_.spelling(call.name), "delete") == 0;
+    const bool isDelete = call.object->kind == ExpressionKind::Chunk && call.arguments.empty() &&
+                          compareText(symbols_.spelling(call.name), "delete") == 0;
     return isDelete ? std::move(call.object) : nullptr;
 }
 

