@@ -7,7 +7,8 @@
 /// 255 is in `ByteArithmetic.h`.
 namespace krl {
 
-/// Division of a sum of bytes by the sum of their weights, as one multiplication and a shift.
+/// Division of a sum of bytes by the sum of their weights, as one multiplication and a shift. A running sum
+/// is kept in the form that `kept` gives it, and changes by what `scaled` makes of a difference.
 ///
 /// Exact for every sum of up to `255 * weight`: the multiplier is less than 1 too large, such a sum
 /// below `256 * weight` and 2^shift at least `2^31 * weight`, so up to `kLargestWeight` the error
@@ -21,6 +22,8 @@ public:
         : shift_(31 + static_cast<int>(std::bit_width(weight - 1))),
           multiplier_(static_cast<uint32_t>(((uint64_t{1} << shift_) + weight - 1) / weight)) {}
 
+    static Sum kept(Sum sum) { return sum; }
+    static Sum scaled(Sum difference) { return difference; }
     uint8_t operator()(uint32_t sum) const {
         return static_cast<uint8_t>((uint64_t{sum} * multiplier_) >> shift_);
     }
@@ -31,26 +34,32 @@ private:
 };
 
 /// The same for weights from 2 whose sums fit 16 bits. One 16-bit multiplier, rounded up or down, is
-/// accurate enough for every sum; a rounded-down one uses the sum plus one.
+/// accurate enough for every sum; a rounded-down one uses the sum plus one. Sums are kept scaled up to
+/// weights above 128, so that the last shift is a constant and compilers stay in 16 bits.
 class ShortByteQuotient {
 public:
     using Sum = uint16_t;
     static constexpr uint64_t kLargestWeight = 256;
 
-    explicit ShortByteQuotient(uint64_t weight) : shift_(static_cast<int>(std::bit_width(weight - 1)) - 1) {
-        const uint64_t power = uint64_t{1} << (16 + shift_), above = (power + weight - 1) / weight;
-        addend_ = above * weight - power > (uint64_t{1} << shift_);
+    explicit ShortByteQuotient(uint64_t weight) {
+        const int bits = static_cast<int>(std::bit_width(weight - 1));
+        const uint64_t power = uint64_t{1} << (15 + bits), above = (power + weight - 1) / weight;
+        addend_ = above * weight - power > (uint64_t{1} << (bits - 1));
         multiplier_ = static_cast<uint16_t>(above - addend_);
+        scale_ = static_cast<uint16_t>(1 << (kScaledBits - bits));
     }
 
-    uint8_t operator()(uint16_t sum) const {
-        const auto high = static_cast<uint16_t>((uint16_t(sum + addend_) * uint32_t{multiplier_}) >> 16);
-        return static_cast<uint8_t>(high >> shift_);
+    Sum kept(Sum sum) const { return scaled(static_cast<Sum>(sum + addend_)); }
+    Sum scaled(Sum difference) const { return static_cast<Sum>(difference * scale_); }
+    uint8_t operator()(Sum keptSum) const {
+        const auto high = static_cast<uint16_t>((keptSum * uint32_t{multiplier_}) >> 16);
+        return static_cast<uint8_t>(high >> (kScaledBits - 1));
     }
 
 private:
-    int shift_;
-    uint16_t multiplier_, addend_;
+    static constexpr int kScaledBits = 8;
+
+    uint16_t multiplier_, addend_, scale_;
 };
 
 /// The same in single precision. Adding one half to the sum keeps the quotient at least `0.5 / weight` away
@@ -61,6 +70,8 @@ public:
     static constexpr uint64_t kLargestWeight = uint64_t{1} << 14;
 
     explicit MiddleByteQuotient(uint64_t weight) : reciprocal_(1.0f / static_cast<float>(weight)) {}
+    static Sum kept(Sum sum) { return sum; }
+    static Sum scaled(Sum difference) { return difference; }
     uint8_t operator()(uint32_t sum) const {
         const float half = static_cast<float>(static_cast<int32_t>(sum)) + 0.5f;
         return static_cast<uint8_t>(static_cast<int32_t>(half * reciprocal_));
@@ -76,6 +87,8 @@ public:
     using Sum = uint64_t;
 
     explicit WideByteQuotient(uint64_t weight) : weight_(weight) {}
+    static Sum kept(Sum sum) { return sum; }
+    static Sum scaled(Sum difference) { return difference; }
     uint8_t operator()(uint64_t sum) const { return static_cast<uint8_t>(sum / weight_); }
 
 private:

@@ -25,9 +25,8 @@ KRL_VECTOR_LEVELS void sharpenBytes(const uint8_t* sharp, const uint8_t* blurred
 Status sharpen(ImageEngine& engine, int32_t radius, float amount, int32_t threshold, ChannelTarget target) {
     if (Status state = engine.imageStatus()) return state;
     const ImageBuffer& image = *engine.buffer();
-    const ImageCopy blurred(image);
-    leftOutWithoutThreads(
-        TentBlur(engine).blurTarget(blurred.row(0), image.height, image.width, radius, target));
+    const ScratchImage blurred(image);
+    leftOutWithoutThreads(TentBlur(engine).blurInto(blurred, image, radius, target));
     return withGain(amount, [&](auto gain) {
         return mixBytes(engine, blurred.row(0), target,
                         [=](const uint8_t* sharp, const uint8_t* beside, uint8_t* out, int32_t count) {

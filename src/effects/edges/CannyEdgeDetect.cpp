@@ -102,10 +102,9 @@ Status cannyEdgeDetect(ImageEngine& engine, int32_t blurAmount, int32_t threshol
     const ImageBuffer& image = *engine.buffer();
     if (image.width < 2 || image.height < 2) return kStatusOk;
 
-    const ImageCopy copy(image);
+    const ScratchImage copy(image);
     const ChannelTarget blurred = target == ChannelTarget::RGB ? target : ChannelTarget::Alpha;
-    leftOutWithoutThreads(
-        TentBlur(engine).blurTarget(copy.row(0), image.height, image.width, blurAmount, blurred));
+    leftOutWithoutThreads(TentBlur(engine).blurInto(copy, image, blurAmount, blurred));
     // No strength and no byte is below 0 or above 255, so further thresholds are as good as these.
     const auto least = static_cast<int16_t>(clampTo(threshold, -1, 256));
     return filterInner(engine, copy.view(), ChannelMask(target),

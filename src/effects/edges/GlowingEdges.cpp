@@ -62,11 +62,8 @@ Status glowingEdges(ImageEngine& engine, int32_t size, int32_t smoothness, float
     const ByteCurve curve =
         byteCurve([=](int32_t spread) { return truncatedByte(double(spread) * brightness); });
 
-    const ImageCopy lowest(image);
-    const ScratchImage highest(image);
-    if (smoothness > 0)
-        leftOutWithoutThreads(
-            TentBlur(engine).blurRGBA(lowest.row(0), image.height, image.width, smoothness));
+    const ScratchImage lowest(image), highest(image);
+    leftOutWithoutThreads(TentBlur(engine).blurInto(lowest, image, smoothness, ChannelTarget::RGBA));
     const Status rows = spreadOfRows(engine, lowest.view(), highest.view(), half);
     return rows ? rows : spreadOfColumns(engine, lowest.view(), highest.view(), half, curve);
 }

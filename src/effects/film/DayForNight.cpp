@@ -83,10 +83,8 @@ Status dayForNight(ImageEngine& engine, const DayForNightSettings& settings) {
     const ByteCurve tone = toneCurve(settings);
     const float colourfulness = saturationFactor(settings.saturation);
 
-    const ImageCopy soft(image);
-    if (settings.blur > 0)
-        leftOutWithoutThreads(
-            TentBlur(engine).blurRGBA(soft.row(0), image.height, image.width, settings.blur));
+    const ScratchImage soft(image);
+    leftOutWithoutThreads(TentBlur(engine).blurInto(soft, image, settings.blur, ChannelTarget::RGBA));
     const bool colourAlone = settings.target == ChannelTarget::RGB;
     return mixBytes(
         engine, soft.row(0), colourAlone ? ChannelTarget::RGB : ChannelTarget::RGBA,

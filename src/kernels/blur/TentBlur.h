@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "core/ChannelMask.h"
+#include "core/ImageCopy.h"
 #include "core/Scratch.h"
 #include "krlimage/engine.h"
 
@@ -39,19 +41,26 @@ public:
     Status blurSingle(Pixel* pixels, int32_t height, int32_t width, int32_t radius);
     /// Whole pixels for `RGBA`, colour for `RGB`, else alpha.
     Status blurTarget(Pixel* pixels, int32_t height, int32_t width, int32_t radius, ChannelTarget target);
+    /// `blurTarget` of an image into a block of its geometry, which gets the other bytes too. If a required
+    /// thread cannot start it becomes a copy.
+    Status blurInto(const ScratchImage& copy, const ImageBuffer& image, int32_t radius, ChannelTarget target);
     /// Byte `channel` of every pixel, 0 to 3; the others stay.
     Status blurChannel(Pixel* pixels, int32_t height, int32_t width, int32_t radius, int32_t channel);
     /// A plane of bytes.
     Status blurBytes(uint8_t* plane, int32_t height, int32_t width, int32_t radius);
 
 private:
+    Status blurPixels(const Pixel* from, Pixel* to, int32_t height, int32_t width, int32_t radius,
+                      ChannelMask mask);
+    Status blurBeside(const Pixel* from, Pixel* to, int32_t height, int32_t width, int32_t radius,
+                      ChannelTarget target);
     template <class Layout>
-    Status blurLayout(uint8_t* block, int32_t height, int32_t width, int32_t radius, const Layout& layout);
+    Status blurLayout(const uint8_t* from, uint8_t* to, int32_t height, int32_t width, int32_t radius,
+                      const Layout& layout);
 
     const ImageEngine& engine_;
     bool requiresThreads_;
-    Scratch<uint8_t>
-        lines_;  ///< the row pass's output and its bands' room; kept, so that several blurs take it once
+    Scratch<uint8_t> lines_;  ///< blurred rows and the bands' room; kept, so that several blurs take it once
 };
 
 }  // namespace krl

@@ -28,7 +28,7 @@ inline int32_t halfWidth(int32_t radius) {
 /// Sum of the weights of a window.
 constexpr int64_t weightOf(int32_t halfWidth) { return (halfWidth + int64_t{1}) * (halfWidth + int64_t{1}); }
 
-/// Bytes, whose sums are divided by `Quotient`.
+/// Bytes, whose sums are kept for `Quotient` and divided by it.
 template <class Quotient>
 class Bytes {
 public:
@@ -36,7 +36,9 @@ public:
     using Sum = typename Quotient::Sum;
 
     explicit Bytes(int32_t halfWidth) : divide_(static_cast<uint64_t>(weightOf(halfWidth))) {}
-    uint8_t quotient(Sum sum) const { return divide_(sum); }
+    Sum kept(Sum sum) const { return divide_.kept(sum); }
+    Sum scaled(Sum difference) const { return divide_.scaled(difference); }
+    uint8_t quotient(Sum keptSum) const { return divide_(keptSum); }
 
 private:
     Quotient divide_;
@@ -86,10 +88,11 @@ inline void stepLanes(const Arithmetic& arithmetic, typename Arithmetic::Sum* __
                       int lanes) {
     using Sum = typename Arithmetic::Sum;
     for (int i = 0; i < lanes; ++i) {
-        const auto bend = Sum(step.entering[i]) - 2 * Sum(step.centre[i]) + Sum(step.leaving[i]);
+        const auto bend =
+            static_cast<Sum>(Sum(step.entering[i]) - 2 * Sum(step.centre[i]) + Sum(step.leaving[i]));
         means[i] = arithmetic.quotient(sums[i]);
         sums[i] = static_cast<Sum>(sums[i] + slopes[i]);
-        slopes[i] = static_cast<Sum>(slopes[i] + bend);
+        slopes[i] = static_cast<Sum>(slopes[i] + arithmetic.scaled(bend));
     }
 }
 
@@ -112,33 +115,75 @@ void walkTransposed(const Arithmetic& arithmetic, typename Arithmetic::Sum* sums
 template <class Arithmetic>
 constexpr bool kInVectors = sizeof(typename Arithmetic::Sum) <= sizeof(uint32_t);
 
-/// The windows of up to `Lanes` lanes side by side, each at the same place of its own line.
+/// Sums and slopes of windows side by side.
+template <class Sum>
+struct WindowSums {
+    Sum *sums, *slopes;
+    int lanes;
+};
+
+/// Begins windows at `place` of lines with `length` places; `at(place)` has a sample for each lane.
+template <class Arithmetic, class At>
+void beginWindows(const Arithmetic& arithmetic, const WindowSums<typename Arithmetic::Sum>& windows,
+                  int32_t place, int32_t length, int32_t halfWidth, At&& at) {
+    using Sum = typename Arithmetic::Sum;
+    Sum *const sums = windows.sums, *const slopes = windows.slopes;
+    const int lanes = windows.lanes;
+    const auto add = [](Sum& to, Sum amount) { to = static_cast<Sum>(to + amount); };
+    // One side, from the place outward: weighted into the sums and plain into the slopes. What is past the
+    // end of the line comes all at once.
+    const auto addSide = [&](int32_t direction, int32_t reach) {
+        const int32_t inside = std::min(halfWidth, reach);
+        for (int32_t distance = 1; distance <= inside; ++distance) {
+            const auto* samples = at(place + direction * distance);
+            for (int i = 0; i < lanes; ++i) {
+                add(slopes[i], Sum(samples[i]));
+                add(sums[i], slopes[i]);
+            }
+        }
+        const int64_t outside = halfWidth - inside;
+        const auto* samples = at(place + direction * inside);
+        for (int i = 0; i < lanes && outside > 0; ++i) {
+            const Sum last = Sum(samples[i]);
+            add(sums[i], Sum(slopes[i] * Sum(outside) + last * Sum(outside * (outside + 1) / 2)));
+            add(slopes[i], Sum(last * Sum(outside)));
+        }
+    };
+    std::fill_n(sums, lanes, Sum{0});
+    std::fill_n(slopes, lanes, Sum{0});
+    addSide(-1, place);
+    // The next slope has neither the left side nor the place itself. The right side adds slopes to the sums,
+    // so these get beforehand what that will take.
+    const auto* own = at(place);
+    for (int i = 0; i < lanes; ++i) {
+        const Sum leaving = static_cast<Sum>(slopes[i] + own[i]);
+        add(sums[i], Sum(leaving * Sum(halfWidth) + own[i] * Sum(Sum(halfWidth) + 1)));
+        slopes[i] = static_cast<Sum>(Sum{0} - leaving);
+    }
+    addSide(1, length - 1 - place);
+    const auto* entering = at(std::min(place + halfWidth + 1, length - 1));
+    for (int i = 0; i < lanes; ++i) {
+        sums[i] = arithmetic.kept(sums[i]);
+        slopes[i] = arithmetic.scaled(static_cast<Sum>(slopes[i] + entering[i]));
+    }
+}
+
+/// The windows of `Lanes` lanes side by side that walk along a line from its beginning.
 template <class Arithmetic, int Lanes>
 class Window {
 public:
     using Sample = typename Arithmetic::Sample;
     using Sum = typename Arithmetic::Sum;
 
-    /// Begins at place 0 of `line`, in its first `lanes` lanes.
-    Window(const Arithmetic& arithmetic, const Line<Sample>& line, int32_t halfWidth, int lanes = Lanes)
-        : arithmetic_(arithmetic), lanes_(lanes) {
-        sumRightHalf(line, halfWidth);
-        const Sum reach = Sum(Sum(halfWidth) + 1);
-        const Sum leftWeight = Sum(int64_t{halfWidth + 1} * (int64_t{halfWidth} + 2) / 2);
-        const Sample* first = line.at(0);
-        const Sample* entering = line.at(std::min(halfWidth + 1, line.length - 1));
-        for (int i = 0; i < lanes_; ++i) {
-            add(sums_[i], Sum(Sum(first[i]) * leftWeight));
-            add(slopes_[i], Sum(Sum(entering[i]) - Sum(first[i]) * reach));
-        }
+    Window(const Arithmetic& arithmetic, const Line<Sample>& line, int32_t halfWidth)
+        : arithmetic_(arithmetic) {
+        beginWindows(arithmetic, WindowSums<Sum>{sums_, slopes_, Lanes}, 0, line.length, halfWidth,
+                     [&](int32_t place) { return line.at(place); });
     }
 
     /// Writes the means at this place to `means` and goes one place on.
     void step(Sample* means, Step<Sample> step) {
-        if constexpr (Lanes > 1 && kInVectors<Arithmetic>)
-            stepManyLanes(arithmetic_, sums_, slopes_, means, step, lanes_);
-        else
-            stepLanes(arithmetic_, sums_, slopes_, means, step, Lanes == 1 ? 1 : lanes_);
+        stepLanes(arithmetic_, sums_, slopes_, means, step, Lanes);
     }
 
     /// The same for every place of `line` from `first`, where it is, up to `end`.
@@ -148,33 +193,9 @@ public:
     }
 
 private:
-    static void add(Sum& to, Sum amount) { to = static_cast<Sum>(to + amount); }
-
-    /// Weighted into `sums_` and plain into `slopes_`: the samples right of place 0. Those past the
-    /// end of the line come all at once.
-    void sumRightHalf(const Line<Sample>& line, int32_t halfWidth) {
-        std::fill_n(sums_, lanes_, Sum{0});
-        std::fill_n(slopes_, lanes_, Sum{0});
-        const int32_t inside = std::min(halfWidth, line.length - 1);
-        for (int32_t place = 1; place <= inside; ++place) {
-            const Sample* samples = line.at(place);
-            for (int i = 0; i < lanes_; ++i) {
-                add(slopes_[i], Sum(samples[i]));
-                add(sums_[i], slopes_[i]);
-            }
-        }
-        const int64_t outside = halfWidth - inside;
-        for (int i = 0; i < lanes_ && outside > 0; ++i) {
-            const Sum last = Sum(line.last()[i]);
-            add(sums_[i], Sum(slopes_[i] * Sum(outside) + last * Sum(outside * (outside + 1) / 2)));
-            add(slopes_[i], Sum(last * Sum(outside)));
-        }
-    }
-
     static constexpr size_t kAlignment = Lanes > 4 ? 64 : alignof(Sum);
 
     const Arithmetic arithmetic_;
-    const int lanes_;
     alignas(kAlignment) Sum sums_[Lanes];
     alignas(kAlignment) Sum slopes_[Lanes];
 };

@@ -38,6 +38,13 @@ Picture blurred(Picture picture, const PixelKernel& kernel, int32_t radius, int3
     return picture;
 }
 
+ImageBuffer viewOf(Picture& picture) {
+    auto* bytes = reinterpret_cast<uint8_t*>(picture.pixels().data());
+    const int32_t rowBytes = picture.width() * 4;
+    return {bytes, picture.height(), picture.width(), rowBytes,
+            bytes + ptrdiff_t(rowBytes) * picture.height()};
+}
+
 Picture expected(Picture picture, const PixelKernel& kernel, int32_t radius) {
     picture.pixels() = reference::tentPixels(picture.pixels(), picture.height(), picture.width(), radius,
                                              kernel.first, kernel.last);
@@ -68,10 +75,12 @@ void expectExactUpTo(int32_t widest) {
         using Sum = typename Arithmetic::Sum;
         ASSERT_LE(weight * 255, std::numeric_limits<Sum>::max());
         for (uint64_t level = 0; level <= 255; ++level) {
-            ASSERT_EQ(arithmetic.quotient(static_cast<Sum>(weight * level)), level) << halfWidth;
+            const auto quotient = [&](uint64_t sum) {
+                return arithmetic.quotient(arithmetic.kept(static_cast<Sum>(sum)));
+            };
+            ASSERT_EQ(quotient(weight * level), level) << halfWidth;
             if (level < 255) {
-                ASSERT_EQ(arithmetic.quotient(static_cast<Sum>(weight * level + weight - 1)), level)
-                    << halfWidth;
+                ASSERT_EQ(quotient(weight * level + weight - 1), level) << halfWidth;
             }
         }
     }
@@ -146,6 +155,46 @@ TEST(TentBlur, GivesTheSameBytesForAnyNumberOfThreads) {
         for (const PixelKernel& kernel : kKernels)
             for (int32_t threads : {2, 3, 5, 16})
                 EXPECT_EQ(blurred(source, kernel, 9, threads), blurred(source, kernel, 9)) << kernel.name;
+    }
+}
+
+// Rows are blurred 16 or 64 at a time, and as many are kept as the windows reach and a few strips more.
+TEST(TentBlur, EqualsTheWeightedSumWhereRowsTakeThePlaceOfOthers) {
+    const Picture source = Picture::random(7, 530, 4);
+    for (int32_t radius : {1, 5, 22, 90, 300})
+        for (const PixelKernel& kernel : kKernels)
+            EXPECT_EQ(blurred(source, kernel, radius), expected(source, kernel, radius))
+                << kernel.name << radius;
+}
+
+TEST(TentBlur, BlursIntoACopyInAnyNumberOfBands) {
+    Picture source = Picture::random(21, 260, 9);
+    for (const auto& [target, kernel] : {std::pair{ChannelTarget::RGBA, kKernels[0]},
+                                         {ChannelTarget::RGB, kKernels[1]},
+                                         {ChannelTarget::Alpha, kKernels[2]}})
+        for (int32_t threads : {1, 2, 3, 5, 16, 300})
+            for (int32_t radius : {-1, 0, 1, 6, 20, 70, 500}) {
+                const EngineOf engine(threads);
+                const ImageBuffer image = viewOf(source);
+                const ScratchImage copy(image);
+                ASSERT_EQ(TentBlur(engine).blurInto(copy, image, radius, target), kStatusOk);
+                const Picture wanted = expected(source, kernel, radius);
+                ASSERT_TRUE(std::equal(wanted.pixels().begin(), wanted.pixels().end(), copy.row(0)))
+                    << kernel.name << ' ' << threads << " threads, radius " << radius;
+            }
+}
+
+TEST(TentBlur, CopiesWhereARequiredThreadCannotStart) {
+    Picture source = Picture::random(21, 260, 9);
+    EngineOf engine(4);
+    engine.requireThreads(true);
+    const ImageBuffer image = viewOf(source);
+    for (int32_t started : {0, 2}) {
+        const ScratchImage copy(image);
+        faults().threads = started;
+        EXPECT_EQ(TentBlur(engine).blurInto(copy, image, 5, ChannelTarget::RGB), kStatusThreadFailed);
+        faults().threads = -1;
+        EXPECT_TRUE(std::equal(source.pixels().begin(), source.pixels().end(), copy.row(0)));
     }
 }
 
