@@ -21,10 +21,22 @@ ByteCurve gleamGain(float brightness) {
 
 namespace {
 
-/// What each byte of the light becomes. Light of a list with one colour or none is grey here.
+/// What each byte of the light becomes. Light that is coloured by a list is grey here, so that its luma is a
+/// matter of one byte.
 ColourCurves lightCurves(const GleamLook& look, const LookupTables& tables) {
     const ByteCurve gain = gleamGain(look.brightness);
-    if (look.colourMethod == GleamColour::FromImage || look.colorList.size() != 1) return {gain, gain, gain};
+    if (look.colourMethod == GleamColour::FromImage || look.colorList.empty()) return {gain, gain, gain};
+    if (look.colorList.size() >= 2) {
+        const ColourCurve ramp({look.colorList.begin(), look.colorList.end()}, 255);
+        const auto ramped = [&](size_t channel) {
+            return byteCurve([&](int32_t i) {
+                const auto luma = static_cast<float>(lumaOf(i, i, i));
+                const auto t = static_cast<float>(luma * 0.00392156862745098);
+                return gain[clampByte(ramp.valueAt(channel, t))];
+            });
+        };
+        return {ramped(0), ramped(1), ramped(2)};
+    }
     const auto tinted = [&](int32_t channel) {
         const double share = tables.unitFromByte[clampByte(look.colorList[0].channel(channel))];
         return byteCurve([&](int32_t i) { return truncatedByte(share * gain[static_cast<size_t>(i)]); });
@@ -61,21 +73,7 @@ Status GleamStages::extractLight(Scratch<Pixel>& light) const {
     });
 }
 
-Status GleamStages::colourise(Scratch<Pixel>& light) const {
-    const ColourCurve curve({look_.colorList.begin(), look_.colorList.end()}, 255);
-    return forEachSpan(engine_, [&](Pixel* first, Pixel* last) {
-        Pixel* pixels = light.data() + (first - engine_.buffer()->row(0));
-        for (ptrdiff_t i = 0; i < last - first; ++i) {
-            const Pixel p = pixels[i];
-            const auto luma = static_cast<float>(lumaOf(p.red, p.green, p.blue));
-            const auto t = static_cast<float>(luma * 0.00392156862745098);
-            pixels[i] = {clampByte(curve.valueAt(0, t)), clampByte(curve.valueAt(1, t)),
-                         clampByte(curve.valueAt(2, t)), p.alpha};
-        }
-    });
-}
-
-Status GleamStages::layBoth(const Scratch<Pixel>& light) const {
+Status GleamStages::finish(const Scratch<Pixel>& light) const {
     const ColourCurves colours = lightCurves(look_, engine_.tables());
     const ByteCurve frontAlpha = alphaAtOpacity(look_.compositeTransparency);
     const ByteCurve lightAlpha = alphaAtOpacity(look_.transparency);
@@ -95,12 +93,6 @@ Status GleamStages::layBoth(const Scratch<Pixel>& light) const {
             layLight(pixels + start, faded, size, engine_.tables());
         });
     });
-}
-
-Status GleamStages::finish(Scratch<Pixel>& light) const {
-    if (hasRamp())
-        if (Status status = colourise(light)) return status;
-    return layBoth(light);
 }
 
 }  // namespace krl

@@ -33,14 +33,11 @@ public:
 
     /// The bright parts of the foreground, alpha as it is.
     Status extractLight(Scratch<Pixel>& light) const;
-    /// Colours the light, lays the foreground over the image and the light on top.
-    Status finish(Scratch<Pixel>& light) const;
+    /// Lays the foreground over the image and on top the light, in its colours.
+    Status finish(const Scratch<Pixel>& light) const;
 
 private:
-    Status colourise(Scratch<Pixel>& light) const;
-    Status layBoth(const Scratch<Pixel>& light) const;
     bool colourises() const { return look_.colourMethod == GleamColour::ColouriseImage; }
-    bool hasRamp() const { return colourises() && look_.colorList.size() >= 2; }
 
     const ImageEngine& engine_;
     const SecondImage& foreground_;
