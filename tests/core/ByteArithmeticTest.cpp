@@ -19,6 +19,8 @@ TEST(ByteArithmetic, EqualsTheTablesForAllBytes) {
             ASSERT_EQ(scaledByte(uint8_t(a), uint8_t(b)), sharedTables().scaleByte[a][b]) << a << ' ' << b;
             ASSERT_EQ(screenedByte(uint8_t(a), uint8_t(b)), sharedTables().blendScreen[a][b])
                 << a << ' ' << b;
+            ASSERT_EQ(softLitByte(uint32_t(a), uint32_t(b)), sharedTables().blendSoftLight[a][b])
+                << a << ' ' << b;
         }
 }
 

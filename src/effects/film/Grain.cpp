@@ -4,8 +4,8 @@
 
 #include "catalogue/Catalogue.h"
 #include "core/Bands.h"
+#include "core/Batch.h"
 #include "core/ByteArithmetic.h"
-#include "core/LookupTables.h"
 #include "core/PixelWord.h"
 #include "core/Random.h"
 #include "core/VectorLevels.h"
@@ -61,79 +61,59 @@ std::vector<GrainLayer> grainLayers(std::span<const ColourGrain> colours, const 
     return layers;
 }
 
-/// Luma of a span of pixels, truncated.
-KRL_VECTOR_LEVELS void lumasOf(const Pixel* pixels, int32_t count, uint8_t* lumas) {
-    for (int32_t x = 0; x < count; ++x) {
+/// Makes all colours of each pixel its luma, truncated.
+KRL_VECTOR_LEVELS void spreadLumas(const Pixel* __restrict pixels, size_t count, Pixel* __restrict spread) {
+    for (size_t x = 0; x < count; ++x) {
         const uint32_t word = wordOf(pixels[x]);
-        lumas[x] = truncatedByte(lumaOf(byteAt(word, 16), byteAt(word, 8), byteAt(word, 0)));
+        const uint32_t luma = truncatedByte(lumaOf(byteAt(word, 16), byteAt(word, 8), byteAt(word, 0)));
+        storeWord(spread[x], luma * 0x00010101u);
     }
 }
 
-/// Grained bytes and how far they show, for one colour of a row.
-struct GrainRow {
-    std::vector<uint8_t> grained, shown;
-};
-
-/// out = (shown * grained + (255 - shown) * in) / 255 for the colours of a span of pixels; rows in the order
-/// blue, green, red.
-KRL_VECTOR_LEVELS void mixGrain(Pixel* pixels, int32_t count, const uint8_t* const (&grained)[3],
-                                const uint8_t* const (&shown)[3]) {
-    const auto scale = [](uint32_t a, uint32_t b) { return dividedBy255(a * b); };
-    const uint8_t *const g0 = grained[0], *const g1 = grained[1], *const g2 = grained[2];
-    const uint8_t *const s0 = shown[0], *const s1 = shown[1], *const s2 = shown[2];
-    for (int32_t x = 0; x < count; ++x) {
-        const uint32_t word = wordOf(pixels[x]);
-        const uint32_t blue = scale(s0[x], g0[x]) + scale(255u - s0[x], word & 255u);
-        const uint32_t green = scale(s1[x], g1[x]) + scale(255u - s1[x], word >> 8 & 255u);
-        const uint32_t red = scale(s2[x], g2[x]) + scale(255u - s2[x], word >> 16 & 255u);
-        const uint32_t mixed = blue | green << 8 | red << 16 | (word & 0xFF000000u);
-        storeWord(pixels[x], word >> 24 != 0 ? mixed : word);
+/// out = (shown * grained + (255 - shown) * in) / 255 for the colours of a span of pixels, grained by soft
+/// light; levels in the order blue, green, red.
+KRL_VECTOR_LEVELS void mixGrain(Pixel* __restrict pixels, size_t count, const uint8_t* const (&levels)[3],
+                                const Pixel* __restrict shown) {
+    const uint8_t *const blue = levels[0], *const green = levels[1], *const red = levels[2];
+    for (size_t x = 0; x < count; ++x) {
+        const uint32_t word = wordOf(pixels[x]), shares = wordOf(shown[x]);
+        const auto mixed = [=](uint32_t level, int shift) {
+            const uint32_t in = word >> shift & 255u, share = shares >> shift & 255u;
+            const uint32_t grained = softLitByte(level, in);
+            return (dividedBy255(share * grained) + dividedBy255((255u - share) * in)) << shift;
+        };
+        const uint32_t fresh =
+            mixed(blue[x], 0) | mixed(green[x], 8) | mixed(red[x], 16) | (word & 0xFF000000u);
+        storeWord(pixels[x], word >> 24 != 0 ? fresh : word);
     }
 }
 
 /// The grains of red, green and blue, or one for all, walked down a band together.
 class GrainPainter {
 public:
-    GrainPainter(const LookupTables& tables, const std::vector<GrainLayer>& layers, int32_t width)
-        : tables_(tables), layers_(layers), width_(width), lumas_(size_t(width)) {
+    GrainPainter(const std::vector<GrainLayer>& layers, int32_t width)
+        : width_(size_t(width)),
+          strengths_{layers.back().strength, layers[layers.size() / 2].strength, layers.front().strength} {
         walks_.reserve(layers.size());
         for (const GrainLayer& layer : layers) walks_.emplace_back(layer.noise);
-        for (GrainRow& row : rows_)
-            row = {std::vector<uint8_t>(size_t(width)), std::vector<uint8_t>(size_t(width))};
     }
 
     void paintRow(Pixel* pixels, int32_t y) {
-        lumasOf(pixels, width_, lumas_.data());
-        const uint8_t* levels = nullptr;
-        for (size_t colour = 0; colour < 3; ++colour) {  // red first, as in the layers
-            const size_t source = std::min(colour, walks_.size() - 1);
-            if (source == colour) levels = walks_[source].levelsOf(y);
-            const size_t channel = 2 - colour;
-            fillRow(pixels, channel, levels, layers_[source].strength, rows_[channel]);
-        }
-        mixGrain(pixels, width_, {rows_[0].grained.data(), rows_[1].grained.data(), rows_[2].grained.data()},
-                 {rows_[0].shown.data(), rows_[1].shown.data(), rows_[2].shown.data()});
+        const uint8_t* row[3] = {};
+        for (size_t colour = 0; colour < 3; ++colour)  // red first, as in the layers
+            row[2 - colour] = colour < walks_.size() ? walks_[colour].levelsOf(y) : row[2];
+        forEachBatch(width_, [&](size_t first, size_t count) {
+            Pixel shown[kBatchPixels];
+            spreadLumas(pixels + first, count, shown);
+            applyCurves(shown, shown + count, strengths_);
+            mixGrain(pixels + first, count, {row[0] + first, row[1] + first, row[2] + first}, shown);
+        });
     }
 
 private:
-    void fillRow(const Pixel* pixels, size_t channel, const uint8_t* levels, const ByteCurve& strength,
-                 GrainRow& row) const {
-        // Stores of bytes could change anything but locals.
-        const uint8_t* lumas = lumas_.data();
-        const uint8_t* shownByLuma = strength.data();
-        const ByteSquare<uint8_t>& softLight = tables_.blendSoftLight;
-        uint8_t *grained = row.grained.data(), *shown = row.shown.data();
-        for (int32_t x = 0, width = width_; x < width; ++x)
-            grained[x] = softLight[levels[x]][pixels[x][channel]];
-        for (int32_t x = 0, width = width_; x < width; ++x) shown[x] = shownByLuma[lumas[x]];
-    }
-
-    const LookupTables& tables_;
-    const std::vector<GrainLayer>& layers_;
-    int32_t width_;
+    size_t width_;
     std::vector<SmoothNoise::Walk> walks_;
-    std::vector<uint8_t> lumas_;
-    GrainRow rows_[3];
+    ColourCurves strengths_;  ///< how far the grains show, by luma
 };
 
 }  // namespace
@@ -153,8 +133,7 @@ Status grain(ImageEngine& engine, const GrainSettings& settings) {
     const std::vector<GrainLayer> layers = grainLayers(colours, settings, image.width);
     std::vector<GrainPainter> painters;
     painters.reserve(size_t(engine.getThreadCount()));
-    for (int32_t i = 0; i < engine.getThreadCount(); ++i)
-        painters.emplace_back(engine.tables(), layers, image.width);
+    for (int32_t i = 0; i < engine.getThreadCount(); ++i) painters.emplace_back(layers, image.width);
 
     return runBands(engine, engine.getThreadCount(), [&](int32_t i) {
         const IndexRange rows = lineBand(image.height, engine.getThreadCount(), i);

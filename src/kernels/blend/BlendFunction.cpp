@@ -20,8 +20,8 @@ constexpr size_t kBatchBytes = 4 * kBatchPixels;
 /// A pixel as one word, whatever type its memory has.
 using Word [[gnu::may_alias]] = uint32_t;
 
-// The loops below go byte by byte and need no more than 16 bits for a step, so that the compiler makes the
-// shortest lanes of them.
+// The loops below go byte by byte and, but for soft light, need no more than 16 bits for a step, so that the
+// compiler makes the shortest lanes of them.
 
 /// Twice the product below the middle, twice the screen above it.
 constexpr uint16_t contrasted(bool below, uint16_t front, uint16_t behind) {
@@ -53,6 +53,7 @@ constexpr bool isArithmetic(BlendMode mode) {
         case BlendMode::PinLight:
         case BlendMode::Overlay:
         case BlendMode::Exclusion:
+        case BlendMode::SoftLight:
             return true;
         default:
             return false;
@@ -74,6 +75,7 @@ constexpr uint16_t blendedByte(uint16_t front, uint16_t behind) {
         return front < 128 ? std::min(front, behind) : std::max(front, behind);
     if constexpr (mode == BlendMode::Overlay) return contrasted(behind < 128, front, behind);
     if constexpr (mode == BlendMode::Exclusion) return excluded(front, behind);
+    if constexpr (mode == BlendMode::SoftLight) return softLitByte(front, behind);
     return front;
 }
 
