@@ -27,6 +27,12 @@ struct Pairs {
     void take(size_t i, const Pixel* first) { std::memcpy(words + 2 * i, first, 2 * sizeof(Pixel)); }
 };
 
+/// Where the upper left pixel of each place is. A picture of 2 GiB has fewer than 2^29.
+KRL_VECTOR_LEVELS void findCorners(const AxisBatch& rows, int32_t stride, const AxisBatch& columns,
+                                   size_t count, int32_t* __restrict corners) {
+    for (size_t i = 0; i < count; ++i) corners[i] = rows.whole[i] * stride + columns.whole[i];
+}
+
 KRL_VECTOR_LEVELS void mixPairs(const Pairs& pairs, const int32_t* __restrict fractions, size_t count,
                                 Word* __restrict blended) {
     for (size_t i = 0; i < count; ++i) {
@@ -97,11 +103,13 @@ KRL_VECTOR_LEVELS void nearestPixels(const Pixel* source, int32_t stride, const 
 
 void blendSquares(const Pixel* source, int32_t stride, const AxisBatch& rows, const AxisBatch& columns,
                   size_t count, Pixel* out) {
+    int32_t corners[kBatchPixels];
+    findCorners(rows, stride, columns, count, corners);
     Pairs upper, lower;
+    const Pixel* below = source + stride;
     for (size_t i = 0; i < count; ++i) {
-        const Pixel* corner = source + ptrdiff_t(rows.whole[i]) * stride + columns.whole[i];
-        upper.take(i, corner);
-        lower.take(i, corner + stride);
+        upper.take(i, source + corners[i]);
+        lower.take(i, below + corners[i]);
     }
     mixSquares(upper, lower, rows.fraction, columns.fraction, count, wordsOf(out));
 }

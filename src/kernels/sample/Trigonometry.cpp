@@ -77,12 +77,16 @@ KRL_VECTOR_LEVELS void reducedSinesAndCosines(const double* __restrict angles, d
 
 bool isReduced(double angle) { return std::fabs(angle) < kLargestAngle; }
 
+KRL_VECTOR_LEVELS bool areReduced(const double* angles, size_t count) {
+    int64_t large = 0;
+    for (size_t i = 0; i < count; ++i) large |= isReduced(angles[i]) ? 0 : -1;
+    return large == 0;
+}
+
 }  // namespace
 
 void sinesAndCosines(const double* angles, double* sines, double* cosines, size_t count) {
-    bool reduced = true;
-    for (size_t i = 0; i < count; ++i) reduced &= isReduced(angles[i]);
-    if (reduced) return reducedSinesAndCosines(angles, sines, cosines, count);
+    if (areReduced(angles, count)) return reducedSinesAndCosines(angles, sines, cosines, count);
     for (size_t i = 0; i < count; ++i) {
         sines[i] = sine(angles[i]);
         cosines[i] = cosine(angles[i]);
