@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 
 #include "catalogue/Catalogue.h"
@@ -44,16 +45,33 @@ struct Ripples {
             places[i] = static_cast<float>(heights[i] * amplitude + (start + step * static_cast<int32_t>(i)));
     }
 
-    void positions(const ImageBuffer& image, int32_t y, int32_t first, PositionBatch& batch) const {
+    /// Rows at the same distance above and below a centre in the picture share their angles. Of any other
+    /// centre every row is a pair of its own.
+    bool hasPairs(const ImageBuffer& image) const { return origin.y >= 0 && origin.y < image.height; }
+    int32_t rowPairs(const ImageBuffer& image) const {
+        return hasPairs(image) ? std::max(origin.y, image.height - 1 - origin.y) + 1 : image.height;
+    }
+
+    /// Makes a batch of the row of `pair` above the centre and of the one below, as far as there are.
+    template <class Put>
+    void makePair(const ImageBuffer& image, int32_t pair, PositionBatch& batch, int32_t first,
+                  Put&& put) const {
+        const bool paired = hasPairs(image);
+        const int32_t above = paired ? origin.y - pair : pair;
         double dx[kBatchPixels], angles[kBatchPixels], sines[kBatchPixels], cosines[kBatchPixels];
         for (size_t i = 0; i < batch.count; ++i)
             dx[i] = wrapSubtract(origin.x, first + static_cast<int32_t>(i));
-        anglesAt(dx, wrapSubtract(origin.y, y), angles, batch.count);
+        anglesAt(dx, wrapSubtract(origin.y, above), angles, batch.count);
         sinesAndCosines(angles, sines, cosines, batch.count);
         shiftPlaces(sines, first, 1, batch.count, batch.x);
-        shiftPlaces(cosines, y, 0, batch.count, batch.y);
         holdInside(batch.x, batch.count, image.width);
-        holdInside(batch.y, batch.count, image.height);
+        const auto makeRow = [&](int32_t y) {
+            shiftPlaces(cosines, y, 0, batch.count, batch.y);
+            holdInside(batch.y, batch.count, image.height);
+            put(y);
+        };
+        if (above >= 0) makeRow(above);
+        if (paired && pair > 0 && pair < image.height - origin.y) makeRow(origin.y + pair);
     }
 };
 
@@ -64,12 +82,14 @@ struct Ripples {
 /// `amplitude` below 0 is 0.
 Status circularWaves(ImageEngine& engine, float amplitude, float frequency, float phase, Point origin,
                      SampleQuality quality, ChannelTarget colourOrAlpha) {
+    if (Status state = engine.imageStatus()) return state;
+    const ImageBuffer& image = *engine.buffer();
     const Ripples ripples{amplitude < 0 ? 0.0f : amplitude, radiansPerPixel(frequency), phase, origin,
                           engine.useWidePath()};
-    return warpByPosition(engine, quality, colourOrAlpha,
-                          [&](int32_t y, int32_t first, PositionBatch& batch) {
-                              ripples.positions(*engine.buffer(), y, first, batch);
-                          });
+    return warpByLine(engine, quality, colourOrAlpha, ripples.rowPairs(image),
+                      [&](int32_t pair, PositionBatch& batch, int32_t first, auto&& put) {
+                          ripples.makePair(image, pair, batch, first, put);
+                      });
 }
 
 void describeCircularWaves(Catalogue& catalogue) {

@@ -130,7 +130,8 @@ TEST(BlockWaves, TakeAColumnFromOneColumn) {
 
 TEST(CircularWaves, FollowTheSlowRoad) {
     const Picture picture = Picture::random(561, 47, 7);
-    for (Point origin : {Point{20, 30}, Point{-100, 500}, Point{1 << 30, -2147483647}})
+    for (Point origin : {Point{20, 30}, Point{280, 23}, Point{9, 0}, Point{600, 46}, Point{5, 47},
+                         Point{-100, 500}, Point{1 << 30, -2147483647}})
         for (SampleQuality quality : {kStandard, kBilinear})
             for (ChannelTarget target : kTargets) {
                 EXPECT_EQ(picture.after(circles(6.5f, 12, 0.7f, origin, quality, target)),
