@@ -7,6 +7,7 @@
 #include "core/VectorLevels.h"
 #include "kernels/colour/ColourSpace.h"
 #include "kernels/colour/Grey.h"
+#include "kernels/colour/HueLane.h"
 #include "kernels/sample/PositionWarp.h"
 #include "krlimage/warp.h"
 
@@ -86,8 +87,7 @@ KRL_VECTOR_LEVELS void shiftPlaces(const uint8_t* __restrict values, const Pixel
                                    float* __restrict places) {
     for (size_t i = 0; i < count; ++i) {
         const int32_t place = start + step * static_cast<int32_t>(i);
-        const float unit = static_cast<float>(values[i]) / 255.0f;
-        const float alpha = static_cast<float>(byteAt(wordOf(pixels[i]), 24)) / 255.0f;
+        const float unit = unitFromLevel(values[i]), alpha = unitFromLevel(byteAt(wordOf(pixels[i]), 24));
         const auto shift = static_cast<float>((0.5 - unit) * reach);
         places[i] = static_cast<float>(place + static_cast<double>(alpha) * shift);
     }
