@@ -400,12 +400,17 @@ TEST_F(Apply, PrintsHowLongEachStepTakes) {
         << shown.err;
     std::vector<std::string> all = words;
     all.push_back("--json");
-    const CliResult done = krlimage(all);
-    EXPECT_TELLS(done.err, ": read ");
-    const auto json = nlohmann::json::parse(done.out);
-    EXPECT_GT(json["calls"][0]["milliseconds"], json["calls"][1]["milliseconds"]);
-    EXPECT_GT(json["milliseconds"]["read"], 0);
-    EXPECT_GT(json["milliseconds"]["write"], 0);
+    // The blur takes longer, but other programs may interrupt an inversion.
+    bool isBlurSlower = false;
+    for (int run = 0; run < 20 && !isBlurSlower; ++run) {
+        const CliResult done = krlimage(all);
+        EXPECT_TELLS(done.err, ": read ");
+        const auto json = nlohmann::json::parse(done.out);
+        isBlurSlower = json["calls"][0]["milliseconds"] > json["calls"][1]["milliseconds"];
+        EXPECT_GT(json["milliseconds"]["read"], 0);
+        EXPECT_GT(json["milliseconds"]["write"], 0);
+    }
+    EXPECT_TRUE(isBlurSlower);
 }
 
 TEST_F(Apply, AddsTheTimesOfAllFrames) {
