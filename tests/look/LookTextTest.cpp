@@ -47,6 +47,14 @@ TEST(LookText, ReadsBackWhatItWrites) {
     EXPECT_EQ(look.write(), kWarm);
 }
 
+TEST(LookText, TakesBracketsInQuotationMarksForLetters) {
+    const Look look = Look::read(
+        "krlimage look 1\ntitle: T\nparameter over: image(\"a(b.png\") \"what is laid over\"\n"
+        "composite($over, #screen)\n");
+    EXPECT_EQ(look.parameters()[0].standard, "image(\"a(b.png\")");
+    EXPECT_EQ(look.parameters()[0].meaning, "what is laid over");
+}
+
 TEST(LookText, PassesOverCommentsBlanksAndForeignLineEnds) {
     const Look look = Look::read(
         "\xEF\xBB\xBF-- from a friend\r\nkrlimage look 1 -- the first\r\n\ttitle:  A -- B \r\n"

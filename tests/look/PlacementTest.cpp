@@ -126,6 +126,13 @@ TEST_F(Placements, CoverWhatTheySay) {
     EXPECT_EQ(cover({Fit::Cover, 1, {}}), (Sides{0, 0, 39, 19}));
     EXPECT_EQ(cover({Fit::Stretch, 0.5, {}}), (Sides{10, 5, 29, 14}));
     EXPECT_EQ(cover({Fit::None, 2, Point{.y = 2, .x = 1}}), (Sides{1, 2, 8, 9}));
+    EXPECT_EQ(cover({Fit::None, 0.001, Point{.y = 2, .x = 1}}), (Sides{1, 2, 1, 2})) << "a pixel at least";
+}
+
+TEST_F(Placements, KeepTheOrderOfBytes) {
+    Picture redFirst = noise(4, 4, 5);
+    redFirst.order = PixelOrder::RGBA;
+    EXPECT_EQ(placed(redFirst, {}, 40, 20).order, PixelOrder::RGBA);
 }
 
 TEST_F(Placements, AreRefusedWithTheLine) {
@@ -141,6 +148,8 @@ TEST_F(Placements, AreRefusedWithTheLine) {
               "line 3: composite: fit: expected #none, #contain, #cover or #stretch, got #wide");
     EXPECT_EQ(complaint("composite($before, #normal, scale: 0)"),
               "line 3: composite: scale: expected a number above 0, up to 100, got 0");
+    EXPECT_EQ(complaint("composite($before, #normal, scale: 101)"),
+              "line 3: composite: scale: expected a number above 0, up to 100, got 101");
     EXPECT_EQ(complaint("composite($before, #normal, place: 5)"),
               "line 3: composite: place: expected a point, got 5");
     EXPECT_EQ(complaint("sepia(fit: #cover)").substr(0, 14), "line 3: sepia ");

@@ -59,6 +59,20 @@ TEST_F(Settings, OfASectionAreForItsCommandAlone) {
     EXPECT_FALSE(made("g"));
 }
 
+TEST_F(Settings, OfEmptyVariablesAreNone) {
+    write("format = pam\n");
+    setenv("KRLIMAGE_FORMAT", "", 1);
+    ASSERT_EQ(apply().code, 0);
+    EXPECT_EQ(contentOf(at("out")).substr(0, 2), "P7");
+}
+
+TEST_F(Settings, HaveOneValue) {
+    write("format = [\"png\", \"pam\"]\n");
+    const CliResult result = apply();
+    EXPECT_EQ(result.code, 2);
+    EXPECT_TELLS(result.err, "config: format takes one value");
+}
+
 TEST_F(Settings, ThatAreWrongNameTheirSource) {
     setenv("KRLIMAGE_JOBS", "many", 1);
     const CliResult result = apply();

@@ -30,6 +30,7 @@ TEST_F(Deliveries, HaveTheSizeThatIsAskedFor) {
     EXPECT_EQ(sizeOf(delivered(in, {"--resize", "x10"})), Size(20, 10));
     EXPECT_EQ(sizeOf(delivered(in, {"--resize", "50%"})), Size(20, 10));
     EXPECT_EQ(sizeOf(delivered(in, {"--resize", "50%x100%"})), Size(20, 20));
+    EXPECT_EQ(sizeOf(delivered(picture("thin.pam", 3, 100), {"--resize", "50%"})), Size(2, 50));
     EXPECT_EQ(sizeOf(delivered(in, {"--fit", "30x30"})), Size(30, 15));
     EXPECT_EQ(sizeOf(delivered(in, {"--fill", "30x30"})), Size(30, 30));
     EXPECT_EQ(sizeOf(delivered(in, {"--crop", "10x50%"})), Size(10, 10));
@@ -47,6 +48,8 @@ TEST_F(Deliveries, AreCutWhereTheyAreAskedToBe) {
     EXPECT_EQ(refused.code, 1);
     EXPECT_EQ(refused.err,
               "krlimage: " + in + ": cannot crop 5 by 2 pixels at 5, 0: the picture is 8 by 6 pixels\n");
+    for (const char* outside : {"3x2+5+5", "3x2+6+4", "9x2", "3x7"})
+        EXPECT_EQ(krlimage({"apply", in, "-o", at("no.pam"), "sepia", "--crop", outside}).code, 1) << outside;
     EXPECT_FALSE(std::filesystem::exists(at("no.pam")));
 }
 

@@ -149,6 +149,11 @@ TEST_F(Batches, NameOutputsByATemplate) {
     ASSERT_EQ(done.code, 0) << done.err;
     EXPECT_TRUE(fs::exists(at("out/1_1_noir.png")));
     EXPECT_TRUE(fs::exists(at("out/a/2_2_noir.png")));
+    ASSERT_EQ(
+        apply({at("in"), "-o", at("out"), "--look", "noir", "--look", "warm-evening", "--name", "{look}.pam"})
+            .code,
+        0);
+    EXPECT_TRUE(fs::exists(at("out/noir+warm-evening.pam")));
     const CliResult bad = apply({at("in"), "-o", at("out"), "--name", "{stam}.png"});
     EXPECT_EQ(bad.code, 2);
     EXPECT_TELLS(bad.err, "--name: {stam} is unknown; there is {folder}, {stem}");
@@ -184,12 +189,14 @@ TEST_F(Batches, TakeAListOfInputs) {
 
 TEST_F(Batches, SayWhichPicturesTheyPassOver) {
     fs::create_directories(at("in"));
-    picture("in/1.pam");
+    picture("in/1.pam"), picture("in/.hidden.pam");
     text("in/a.pgm", "P5 1 1 255 x"), text("in/b.jxl", "x");
     const CliResult done = apply({at("in"), "-o", at("out")});
     EXPECT_EQ(done.code, 0) << done.err;
     EXPECT_TELLS(done.err, "skipped " + at("in/a.pgm") + ": the format is read but not written");
     EXPECT_TELLS(done.err, "skipped " + at("in/b.jxl") + ": pictures of this format cannot be read");
+    EXPECT_TRUE(fs::exists(at("out/1.pam")));
+    EXPECT_FALSE(fs::exists(at("out/.hidden.pam")));
 }
 
 using Compare = CliTest;
@@ -208,9 +215,22 @@ TEST_F(Compare, MeasuresHowFarPicturesDiffer) {
               "PSNR                58.923 dB\nSSIM                1.0\nfirst at            2, 1\n");
     EXPECT_EQ(readPicture(at("d.pam")).pixels[6], (Pixel{0, 2, 0, 255}));
     EXPECT_EQ(krlimage({"compare", at("a.pam"), at("b.pam"), "--max", "2"}).code, 0);
+    EXPECT_EQ(krlimage({"compare", at("a.pam"), at("b.pam"), "--max", "1"}).code, 1);
     const CliResult sizes = krlimage({"compare", at("a.pam"), at("c.pam")});
     EXPECT_EQ(sizes.code, 1);
     EXPECT_TELLS(sizes.err, "the sizes differ");
+}
+
+TEST_F(Compare, ShowsTheFirstPixelAndTheAlphaThatDiffer) {
+    Bitmap a = noise(4, 3), b = a;
+    a.pixels[5].alpha = 200, b.pixels[5].alpha = 190;
+    b.pixels[9].blue = uint8_t(b.pixels[9].blue ^ 1);
+    writePicture(at("a.pam"), a), writePicture(at("b.pam"), b);
+    EXPECT_TELLS(krlimage({"compare", at("a.pam"), at("b.pam"), "-o", at("d.pam")}).out,
+                 "first at            1, 1\n");
+    const Bitmap shown = readPicture(at("d.pam"));
+    EXPECT_EQ(shown.pixels[5], (Pixel{10, 10, 10, 255}));
+    EXPECT_EQ(shown.pixels[9], (Pixel{1, 0, 0, 255}));
 }
 
 TEST_F(Compare, SaysHowAlikePicturesAre) {
