@@ -15,10 +15,9 @@
 #include <csignal>
 #endif
 #if defined(KRL_WITH_VIPS)
-#include <cstdio>
-// libjpeg needs the one above.
-#include <jpeglib.h>
 #include <png.h>
+
+#include "tests/player/JpegOf.h"
 #endif
 
 /// Pictures that go from file to file in strips, compared with those that are read and written whole.
@@ -382,22 +381,10 @@ TEST_F(PictureStreams, AreNotForInterlacedAndProgressivePictures) {
         png_destroy_write_struct(&png, &info);
         std::fclose(file);
 
-        file = std::fopen(at("a.jpg").c_str(), "wb");
-        jpeg_error_mgr errors;
-        jpeg_compress_struct jpeg{};
-        jpeg.err = jpeg_std_error(&errors);
-        jpeg_create_compress(&jpeg);
-        jpeg_stdio_dest(&jpeg, file);
-        jpeg.image_width = kWidth, jpeg.image_height = kHeight;
-        jpeg.input_components = 3, jpeg.in_color_space = JCS_RGB;
-        jpeg_set_defaults(&jpeg);
-        if (isWhole) jpeg_simple_progression(&jpeg);
-        jpeg_start_compress(&jpeg, TRUE);
-        JSAMPROW samples = row.data();
-        for (int32_t y = 0; y < kHeight; ++y) jpeg_write_scanlines(&jpeg, &samples, 1);
-        jpeg_finish_compress(&jpeg);
-        jpeg_destroy_compress(&jpeg);
-        std::fclose(file);
+        const auto change = [&](jpeg_compress_struct& jpeg) {
+            if (isWhole) jpeg_simple_progression(&jpeg);
+        };
+        test::writeJpeg(at("a.jpg"), kWidth, kHeight, {.change = change});
         for (const char* name : {"a.png", "a.jpg"})
             EXPECT_EQ(streamed(at(name), "b.pam", {}) == "no strips", isWhole) << name;
     }

@@ -4,12 +4,8 @@
 #if defined(KRL_WITH_VIPS)
 
 #include <fcntl.h>
-#include <unistd.h>
-
-#include <cstdio>
-// libjpeg needs the one above.
-#include <jpeglib.h>
 #include <png.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <sstream>
@@ -17,6 +13,7 @@
 #include "core/Random.h"
 #include "player/pictures/ExifData.h"
 #include "player/pictures/Formats.h"
+#include "tests/player/JpegOf.h"
 
 /// The readers and writers that need no libvips, compared with libvips.
 namespace krl::player {
@@ -102,27 +99,8 @@ protected:
         return at(name);
     }
 
-    /// A JPEG of libjpeg, of 1 grey or 4 inks.
-    std::string jpegOf(const std::string& name, int parts, J_COLOR_SPACE space) const {
-        jpeg_error_mgr errors;
-        jpeg_compress_struct jpeg{};
-        jpeg.err = jpeg_std_error(&errors);
-        jpeg_create_compress(&jpeg);
-        std::FILE* file = std::fopen(at(name).c_str(), "wb");
-        jpeg_stdio_dest(&jpeg, file);
-        jpeg.image_width = kWidth, jpeg.image_height = kHeight;
-        jpeg.input_components = parts, jpeg.in_color_space = space;
-        jpeg_set_defaults(&jpeg);
-        jpeg_start_compress(&jpeg, TRUE);
-        std::vector<uint8_t> row(size_t(kWidth * parts));
-        for (int y = 0; y < kHeight; ++y) {
-            for (size_t x = 0; x < row.size(); ++x) row[x] = uint8_t(x * 7 + size_t(y) * 3);
-            JSAMPROW samples = row.data();
-            jpeg_write_scanlines(&jpeg, &samples, 1);
-        }
-        jpeg_finish_compress(&jpeg);
-        jpeg_destroy_compress(&jpeg);
-        std::fclose(file);
+    std::string jpegOf(const std::string& name, const test::JpegKind& kind) const {
+        test::writeJpeg(at(name), kWidth, kHeight, kind);
         return at(name);
     }
 
@@ -175,7 +153,7 @@ TEST_F(PngJpeg, EveryKindOfJpegHasThePixelsThatItHasWithVips) {
         expectSameAsWithVips(name);
         EXPECT_EQ(read(name)->metadata->chroma, chroma == std::string("420") ? "4:2:0" : "4:4:4");
     }
-    expectSameAsWithVips(jpegOf("grey.jpg", 1, JCS_GRAYSCALE));
+    expectSameAsWithVips(jpegOf("grey.jpg", {1, JCS_GRAYSCALE}));
 }
 
 TEST_F(PngJpeg, WhatIsWrittenHasThePixelsThatItHasWithVips) {
@@ -230,6 +208,25 @@ TEST_F(PngJpeg, PicturesThatLibvipsTurnedAreNotTurnedAgain) {
         const std::string path = written(name, upright);
         expectSameAsWithVips(path);
         EXPECT_EQ(read(path)->width, kHeight);
+    }
+}
+
+TEST_F(PngJpeg, ChromaAndResolutionAreThoseOfTheFile) {
+    struct Kind {
+        int across, down, unit;
+        const char* chroma;
+        double perMillimetre;
+    };
+    for (const Kind& kind :
+         {Kind{1, 1, 1, "4:4:4", 254 / 25.4}, Kind{2, 1, 2, "4:4:4", 25.4}, Kind{2, 2, 0, "4:2:0", 0}}) {
+        const auto change = [&](jpeg_compress_struct& jpeg) {
+            jpeg.comp_info[0].h_samp_factor = kind.across, jpeg.comp_info[0].v_samp_factor = kind.down;
+            jpeg.density_unit = static_cast<UINT8>(kind.unit);
+            jpeg.X_density = jpeg.Y_density = 254;
+        };
+        const auto found = read(jpegOf("a.jpg", {.change = change}))->metadata;
+        EXPECT_EQ(found->chroma, kind.chroma);
+        EXPECT_NEAR(found->pixelsPerMillimetreX, kind.perMillimetre, 1e-9);
     }
 }
 
@@ -317,7 +314,7 @@ TEST_F(PngJpeg, TheSizeInExifDataIsThatOfThePicture) {
 }
 
 TEST_F(PngJpeg, LibvipsDoesWhatTheyCannot) {
-    const std::string inks = jpegOf("inks.jpg", 4, JCS_CMYK);
+    const std::string inks = jpegOf("inks.jpg", {4, JCS_CMYK});
     EXPECT_EQ(readPicture(inks).pixels, readWithVips(inks).pixels);
 
     auto metadata = std::make_shared<PictureMetadata>();
@@ -366,7 +363,7 @@ TEST_F(PngJpeg, DamagedFilesAreRefusedInOneLine) {
     std::string wrong = png;
     wrong[wrong.size() / 2] = static_cast<char>(~wrong[wrong.size() / 2]);
     EXPECT_TELLS(errorOf(text("c.png", wrong)), "c.png: it is damaged: ");
-    EXPECT_TELLS(errorOf(jpegOf("inks.jpg", 4, JCS_CMYK)), "colour or grey, not in CMYK");
+    EXPECT_TELLS(errorOf(jpegOf("inks.jpg", {4, JCS_CMYK})), "colour or grey, not in CMYK");
 }
 
 TEST_F(PngJpeg, LargeSizesAreRefusedBeforeTheirMemoryIsTaken) {
