@@ -78,11 +78,13 @@ public:
 
     void* take(size_t bytes) noexcept {
         const std::lock_guard lock(mutex_);
-        const auto fits = [=](void* block) {
-            return block && headOf(block).capacity >= bytes && headOf(block).capacity / 2 <= bytes;
-        };
-        const auto found = std::find_if(blocks_.begin(), blocks_.end(), fits);
-        if (found == blocks_.end()) return nullptr;
+        // The smallest that fits, so that an effect finds the blocks of its last call, whatever their order.
+        void** found = nullptr;
+        for (void*& block : blocks_) {
+            const bool fits = block && headOf(block).capacity >= bytes && headOf(block).capacity / 2 <= bytes;
+            if (fits && (!found || headOf(block).capacity < headOf(*found).capacity)) found = &block;
+        }
+        if (!found) return nullptr;
         held_ -= headOf(*found).capacity;
         return std::exchange(*found, nullptr);
     }
