@@ -22,6 +22,8 @@ public:
     Stage(const Stage&) = delete;
     Stage& operator=(const Stage&) = delete;
 
+    /// As it was loaded.
+    const player::Bitmap& original() const { return clean_; }
     std::vector<player::Value> examples(const Method& method);
 
     /// Restores the original picture.
