@@ -29,6 +29,8 @@ namespace {
 
 constexpr Size kSize{4000, 3000};
 constexpr int kRuns = 5;
+/// Milliseconds after which a peer runs no further time.
+constexpr double kLongPeer = 4000;
 
 [[noreturn]] void fail(const std::string& message) { throw std::runtime_error(message); }
 
@@ -53,7 +55,10 @@ public:
         AVFilterInOut *from = avfilter_inout_alloc(), *to = avfilter_inout_alloc();
         *from = {av_strdup("in"), source_, 0, nullptr};
         *to = {av_strdup("out"), sink_, 0, nullptr};
-        require(avfilter_graph_parse_ptr(graph_, chain.c_str(), &to, &from, nullptr), chain);
+        const int parsed = avfilter_graph_parse_ptr(graph_, chain.c_str(), &to, &from, nullptr);
+        avfilter_inout_free(&from);
+        avfilter_inout_free(&to);
+        require(parsed, chain);
         require(avfilter_graph_config(graph_, nullptr), chain);
         for (unsigned i = 0; i < graph_->nb_filters; ++i)
             if (std::strstr(graph_->filters[i]->name, "auto_scale"))
@@ -297,8 +302,9 @@ Times measure(Stage& stage, const Method& method, Peer& peer) {
     const std::vector<player::Value> arguments = stage.examples(method);
     Times times;
     double spent = 0;
-    for (int run = 0; run < kRuns && spent < 4000; ++run) {
+    for (int run = 0; run < kRuns; ++run) {
         times.ours = std::min(times.ours, stage.timed(method, arguments));
+        if (spent > kLongPeer) continue;  // one that takes so long needs no second run, ours does
         peer.prepare();
         const double theirs = milliseconds(1, [&] { peer.run(); });
         times.theirs = std::min(times.theirs, theirs);
