@@ -6,46 +6,48 @@
 #include "kernels/blend/AlphaScale.h"
 #include "kernels/blur/TentBlur.h"
 #include "kernels/curve/ByteCurve.h"
-#include "kernels/neighbour/LineWindow.h"
+#include "kernels/neighbour/RollingSquares.h"
 #include "krlimage/edges.h"
 
 namespace krl {
 
 namespace {
 
-/// Largest and smallest along the rows: `lowest` holds the picture and takes the smallest.
-Status spreadOfRows(const ImageEngine& engine, const ImageBuffer& lowest, const ImageBuffer& highest,
-                    int32_t half) {
-    const int32_t width = lowest.width;
-    return forEachRowWindow(engine, LineWindow::centred(half, width), [&](int32_t y, RowWindows& windows) {
-        Pixel *low = lowest.row(y), *high = highest.row(y);
-        if (!areOpaque(low, width)) scaleByAlpha(low, low, width);
-        windows.slide<Largest>(low, high);
-        windows.slide<Smallest>(low, low);
-    });
-}
-
 KRL_VECTOR_LEVELS
 void spreadsOf(const uint8_t* largest, const uint8_t* smallest, int32_t count, uint8_t* spreads) {
     for (int32_t i = 0; i < count; ++i) spreads[i] = static_cast<uint8_t>(largest[i] - smallest[i]);
 }
 
-/// The same down the columns, and what the difference of both becomes, into the image.
-Status spreadOfColumns(const ImageEngine& engine, const ImageBuffer& lowest, const ImageBuffer& highest,
-                       int32_t half, const ByteCurve& curve) {
+/// What the spread of each square of `softened` becomes, into the image.
+Status drawSpreads(const ImageEngine& engine, const ImageBuffer& softened, int32_t half, const ByteCurve& curve) {
     const ImageBuffer& image = *engine.buffer();
-    const LineWindow window = LineWindow::centred(half, image.height);
-    const int64_t tailRows = std::min(window.length, image.height);
+    const int32_t bands = engine.getThreadCount(), width = image.width;
+    const LineWindow along = LineWindow::centred(half, width), down = LineWindow::centred(half, image.height);
+    const uint64_t roomEach = roomForSquares(width, along, down);
+    const BandRoom room(bands, 2 * roomEach + static_cast<uint64_t>(width));
     const ChannelMask mask(ChannelTarget::RGB);
-    return forEachColumnSpan(engine, 2 * tailRows, [&](IndexRange columns, Pixel* room) {
-        const int32_t width = columns.last - columns.first;
-        ColumnWindows<Smallest> smallest(lowest, columns, window, room);
-        ColumnWindows<Largest> largest(highest, columns, window, room + tailRows * width);
-        for (int32_t y = 0; y < image.height; ++y) {
-            Pixel spreads[kColumnsAtOnce];
+    return runBands(engine, bands, [&](int32_t band) {
+        const IndexRange rows = lineBand(image.height, bands, band);
+        if (rows.first >= rows.last) return;
+        Pixel* const spreads = room.of(band);
+        const auto squaresOf = [&](auto extreme, Pixel* place) {
+            return RollingSquares(extreme, width, image.height, rows.first, along, down, place,
+                                  [&](RowWindows& windows, int32_t y, Pixel* target) {
+                                      const Pixel* row = softened.row(y);
+                                      if (!areOpaque(row, width)) {
+                                          scaleByAlpha(row, target, width);
+                                          row = target;
+                                      }
+                                      windows.slide<decltype(extreme)>(row, target);
+                                  });
+        };
+        auto largest = squaresOf(Largest(), spreads + width);
+        auto smallest = squaresOf(Smallest(), spreads + width + roomEach);
+        for (int32_t y = rows.first; y < rows.last; ++y) {
+            engine.throwIfCancelled();
             spreadsOf(firstByte(largest.next()), firstByte(smallest.next()), width * 4, firstByte(spreads));
             applyCurveTo<0, 1, 2>(spreads, spreads + width, curve);
-            mask.write(image.row(y) + columns.first, spreads, width);
+            mask.write(image.row(y), spreads, width);
         }
     });
 }
@@ -62,10 +64,9 @@ Status glowingEdges(ImageEngine& engine, int32_t size, int32_t smoothness, float
     const ByteCurve curve =
         byteCurve([=](int32_t spread) { return truncatedByte(double(spread) * brightness); });
 
-    const ScratchImage lowest(image), highest(image);
-    leftOutWithoutThreads(TentBlur(engine).blurInto(lowest, image, smoothness, ChannelTarget::RGBA));
-    const Status rows = spreadOfRows(engine, lowest.view(), highest.view(), half);
-    return rows ? rows : spreadOfColumns(engine, lowest.view(), highest.view(), half, curve);
+    const ScratchImage softened(image);
+    leftOutWithoutThreads(TentBlur(engine).blurInto(softened, image, smoothness, ChannelTarget::RGBA));
+    return drawSpreads(engine, softened.view(), half, curve);
 }
 
 void describeGlowingEdges(Catalogue& catalogue) {

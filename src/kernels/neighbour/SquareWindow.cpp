@@ -2,6 +2,7 @@
 
 #include "core/ImageCopy.h"
 #include "kernels/blend/AlphaScale.h"
+#include "kernels/neighbour/RollingSquares.h"
 
 // Both passes over one line of samples s, after its scaling by alpha where it is weighted:
 //
@@ -80,94 +81,7 @@ private:
     Scratch<Pixel> pixels_;
 };
 
-/// Both passes in one for a band of rows, written in place: a row is spread along itself when it enters the
-/// windows down the columns, and held for as long as they need it. As in `ColumnWindows` the entering rows
-/// are cut into groups of a window's length, and every window is the tail of one group and the head of the
-/// next.
-template <class Extreme, bool kWeighted>
-class RollingBand {
-public:
-    static uint64_t roomFor(const ImageBuffer& image, const LineWindow& along, const LineWindow& down) {
-        return static_cast<uint64_t>(image.width) * (2 * static_cast<uint64_t>(down.length) + 1) +
-               RowWindows::roomFor(along, image.width);
-    }
-
-    RollingBand(const ImageBuffer& image, const BandBorders& borders, int32_t bands, int32_t band,
-                const LineWindow& along, const LineWindow& down, Pixel* room)
-        : image_(image),
-          borders_(borders),
-          band_(band),
-          rows_(lineBand(image.height, bands, band)),
-          length_(down.length),
-          down_(down),
-          tails_(room),
-          arriving_(tails_ + rowPixels(length_)),
-          head_(arriving_ + rowPixels(length_)),
-          windows_(along, image.width, head_ + image.width),
-          entering_(rows_.first),
-          at_(length_) {}
-
-    void spread(ChannelMask mask) {
-        if (rows_.first >= rows_.last) return;
-        for (int32_t i = 0; i + 1 < length_; ++i) enter(i);
-        for (int32_t y = rows_.first; y < rows_.last; ++y) mask.write(image_.row(y), next(), image_.width);
-    }
-
-private:
-    /// The extremes of each column's window at the next row; good until the next call.
-    const Pixel* next() {
-        if (at_ == length_) beginGroup();
-        const int32_t i = at_++;
-        Pixel* tail = tails_ + rowPixels(i);
-        if (i == 0) return tail;
-        const Pixel* arrived = enter(i - 1);
-        combine(i == 1 ? arrived : head_, arrived, head_);
-        combine(head_, tail, tail);
-        return tail;
-    }
-
-    /// The rows that have arrived become the extremes from each of them to the group's end.
-    void beginGroup() {
-        enter(length_ - 1);
-        std::swap(tails_, arriving_);
-        for (int32_t i = length_ - 2; i >= 0; --i)
-            combine(tails_ + rowPixels(i), tails_ + rowPixels(i + 1), tails_ + rowPixels(i));
-        at_ = 0;
-    }
-
-    /// Spreads the next row that enters the columns, as row `i` of the arriving group.
-    const Pixel* enter(int32_t i) {
-        Pixel* target = arriving_ + rowPixels(i);
-        const auto y = static_cast<int32_t>(down_.sampleAt(entering_++));
-        if (y < 0 || y >= image_.height)
-            std::memset(target, Extreme::kOutside, static_cast<size_t>(image_.width) * sizeof(Pixel));
-        else
-            spreadRow<Extreme, kWeighted>(windows_, sourceRow(y), image_.width, target);
-        return target;
-    }
-    const Pixel* sourceRow(int32_t y) const {
-        if (y < rows_.first) return borders_.row(band_, y - rows_.first);
-        if (y >= rows_.last) return borders_.row(band_ + 1, y - rows_.last);
-        return image_.row(y);
-    }
-
-    ptrdiff_t rowPixels(int32_t rows) const { return ptrdiff_t(rows) * image_.width; }
-    void combine(const Pixel* a, const Pixel* b, Pixel* result) const {
-        combinePixels<Extreme>(a, b, image_.width, result);
-    }
-
-    const ImageBuffer& image_;
-    const BandBorders& borders_;
-    int32_t band_;
-    IndexRange rows_;
-    int32_t length_;  ///< of the windows down the columns
-    LineWindow down_;
-    Pixel *tails_, *arriving_, *head_;
-    RowWindows windows_;
-    int64_t entering_;  ///< the place down the columns at which the next row enters
-    int32_t at_;        ///< the next row within its group
-};
-
+/// Both passes in one for each band of rows, written in place.
 template <class Extreme, bool kWeighted>
 Status spreadRolling(const ImageEngine& engine, ChannelMask mask, int32_t half) {
     const ImageBuffer& image = *engine.buffer();
@@ -175,9 +89,23 @@ Status spreadRolling(const ImageEngine& engine, ChannelMask mask, int32_t half) 
     const LineWindow along = LineWindow::seededLate(half, image.width);
     const LineWindow down = LineWindow::seededLate(half, image.height);
     const BandBorders borders(image, bands, down.length / 2);
-    const BandRoom room(bands, RollingBand<Extreme, kWeighted>::roomFor(image, along, down));
+    const BandRoom room(bands, roomForSquares(image.width, along, down));
     return runBands(engine, bands, [&](int32_t band) {
-        RollingBand<Extreme, kWeighted>(image, borders, bands, band, along, down, room.of(band)).spread(mask);
+        const IndexRange rows = lineBand(image.height, bands, band);
+        if (rows.first >= rows.last) return;
+        const auto sourceRow = [&](int32_t y) -> const Pixel* {
+            if (y < rows.first) return borders.row(band, y - rows.first);
+            if (y >= rows.last) return borders.row(band + 1, y - rows.last);
+            return image.row(y);
+        };
+        RollingSquares squares(Extreme(), image.width, image.height, rows.first, along, down, room.of(band),
+                               [&](RowWindows& windows, int32_t y, Pixel* target) {
+                                   spreadRow<Extreme, kWeighted>(windows, sourceRow(y), image.width, target);
+                               });
+        for (int32_t y = rows.first; y < rows.last; ++y) {
+            engine.throwIfCancelled();
+            mask.write(image.row(y), squares.next(), image.width);
+        }
     });
 }
 
