@@ -47,13 +47,14 @@ int32_t drawsOf(const FlareElement& rays) { return clampTo(rays.count, 1, kMostD
 
 /// A direction in whole tenths of a degree for each spike. Of spikes with one direction every second is
 /// skipped: each takes out the next that was still there.
-std::vector<FanRay> spikeRays(const FlareElement& rays) {
+std::vector<FanRay> spikeRays(const ImageEngine& engine, const FlareElement& rays) {
     constexpr int32_t directions = 3600;
     const auto degreesOf = [&](int32_t tenths) { return belowFullTurn(tenths / 10.0 + rays.angle); };
     std::vector<int32_t> times(directions, 0);
     std::unordered_map<float, bool> takesNext;
     Random random(rays.seed);
     for (int32_t i = drawsOf(rays); i > 0; --i) {
+        engine.throwIfCancelled();
         const int32_t tenths = random.next() % directions;
         const auto tag = static_cast<float>(degreesOf(tenths));
         if (tag == kSkippedTag || tag != tag) continue;
@@ -69,11 +70,14 @@ std::vector<FanRay> spikeRays(const FlareElement& rays) {
 }
 
 /// Whole diameters, scattered over the aperture to both sides of the angle.
-std::vector<FanRay> fanRays(const FlareElement& rays) {
+std::vector<FanRay> fanRays(const ImageEngine& engine, const FlareElement& rays) {
     const int32_t aperture = clampTo(rays.aperture, 1, 360);
     std::vector<int32_t> times(size_t(aperture) * 10, 0);
     Random random(rays.seed);
-    for (int32_t i = drawsOf(rays); i > 0; --i) ++times[size_t(random.next() % (aperture * 10))];
+    for (int32_t i = drawsOf(rays); i > 0; --i) {
+        engine.throwIfCancelled();
+        ++times[size_t(random.next() % (aperture * 10))];
+    }
     std::vector<FanRay> list;
     for (size_t tenths = 0; tenths < times.size(); ++tenths) {
         if (times[tenths] == 0) continue;
@@ -87,11 +91,12 @@ std::vector<FanRay> fanRays(const FlareElement& rays) {
 
 /// Evenly spaced arms of neighbouring rays, one degree apart. Rays of neighbouring arms that end in the same
 /// pixel are one ray, drawn more often.
-std::vector<FanRay> starRays(const FlareElement& rays) {
+std::vector<FanRay> starRays(const ImageEngine& engine, const FlareElement& rays) {
     const int64_t arms = std::max(rays.count, 1), width = std::max(rays.width, 1);
     const int64_t total = arms * width, chosen = std::min(total, kMostStarRays);
     std::vector<FanRay> list;
     for (int64_t i = 0; i < chosen; ++i) {
+        engine.throwIfCancelled();
         const int64_t place = chosen == total ? i : int64_t(double(i) * (double(total) / double(chosen)));
         const int64_t arm = place % arms, beside = place / arms;
         const double degrees =
@@ -105,21 +110,21 @@ std::vector<FanRay> starRays(const FlareElement& rays) {
     return list;
 }
 
-std::vector<FanRay> raysOf(const FlareElement& rays) {
+std::vector<FanRay> raysOf(const ImageEngine& engine, const FlareElement& rays) {
     switch (rays.kind) {
         case FlareKind::Spike:
-            return spikeRays(rays);
+            return spikeRays(engine, rays);
         case FlareKind::RandomFan:
-            return fanRays(rays);
+            return fanRays(engine, rays);
         default:
-            return starRays(rays);
+            return starRays(engine, rays);
     }
 }
 
 }  // namespace
 
 void paintRays(const FlareState& state, const FlareElement& rays) {
-    const std::vector<FanRay> list = raysOf(rays);
+    const std::vector<FanRay> list = raysOf(*state.engine, rays);
     const double radius = radiusOf(rays);
     const double fade = 255.0 / radius;
     const int32_t intensity = truncate(rays.brightness);
