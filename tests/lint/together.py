@@ -3,8 +3,8 @@
 
 The linter spends nearly all of its time on the headers of the standard library, so that a source that includes many
 files takes little longer than one of them. Makes such sources in OUT, each of files that are compiled with the same
-flags in BUILD/compile_commands.json and match a PATTERN. Files that do not compile together, since they give one name
-to two things of their own, are halved. Prints the findings, each once, and what passed and failed.
+flags in BUILD/compile_commands.json and match a PATTERN. Files that give one name to two things of their own are kept
+apart; what still does not compile together is halved. Prints the findings, each once, and what passed and failed.
 """
 
 import json
@@ -14,7 +14,6 @@ import shlex
 import subprocess
 import sys
 from concurrent.futures import ThreadPoolExecutor
-from itertools import groupby
 from pathlib import Path
 
 MOST_TOGETHER = 24
@@ -35,8 +34,16 @@ def flags_of(command: dict) -> tuple:
     return tuple(kept)
 
 
+def own_names(file: str) -> set:
+    """What a file names for itself alone, as far as the beginnings of lines in its unnamed namespaces show."""
+    unnamed = re.compile(r"^namespace \{$(.*?)^\}  // namespace$", re.MULTILINE | re.DOTALL)
+    inner = "\n".join(unnamed.findall(Path(file).read_text()))
+    return set(re.findall(r"^(?:struct|class|enum class|enum|using) (\w+)", inner, re.MULTILINE)
+               + re.findall(r"^[A-Za-z][^\n=;{(]*?(\w+)(?: = |\(|\[|\{)", inner, re.MULTILINE))
+
+
 def units(build: Path, patterns: list) -> list:
-    """Lists of files with their flags and folder. Small folders share a unit, no folder is in two without need."""
+    """Lists of files with their flags and folder, none with two files that name something of their own alike."""
     groups, seen = {}, set()
     for command in json.loads((build / "compile_commands.json").read_text()):
         file = command["file"]
@@ -46,18 +53,16 @@ def units(build: Path, patterns: list) -> list:
         groups.setdefault((flags_of(command), command["directory"]), []).append(file)
     made = []
     for (flags, directory), files in groups.items():
-        together = []
-        for _, folder in groupby(sorted(files), key=lambda file: Path(file).parent):
-            folder = list(folder)
-            if together and len(together) + len(folder) > MOST_TOGETHER:
-                made.append((together, flags, directory))
-                together = []
-            together += folder
-            while len(together) > MOST_TOGETHER:
-                made.append((together[:MOST_TOGETHER], flags, directory))
-                together = together[MOST_TOGETHER:]
-        if together:
-            made.append((together, flags, directory))
+        together = []  # files and the names in them
+        for file in sorted(files):
+            names = own_names(file)
+            unit = next((unit for unit in together if len(unit[0]) < MOST_TOGETHER and not unit[1] & names), None)
+            if unit is None:
+                unit = ([], set())
+                together.append(unit)
+            unit[0].append(file)
+            unit[1].update(names)
+        made += [(unit, flags, directory) for unit, _ in together]
     return sorted(made, key=lambda unit: -len(unit[0]))  # the longest first, so that all processors end together
 
 
