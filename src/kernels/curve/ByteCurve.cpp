@@ -1,6 +1,15 @@
 #include "kernels/curve/ByteCurve.h"
 
+#include "kernels/curve/SaturatedSteps.h"
+
 namespace krl {
+
+Status runCurves(const ImageEngine& engine, const ChannelCurves& curves, const SpanWork& lookUp) {
+    const auto steps = SaturatedSteps::of(curves);
+    if (!steps) return runSpans(engine, lookUp, &curves);
+    return runSpans(
+        engine, [&](Pixel* first, Pixel* last) { steps->apply(first, last); }, &curves);
+}
 
 Status applyCurve(ImageEngine& engine, ChannelTarget target, const ByteCurve& curve) {
     return target == ChannelTarget::RGB ? applyCurveTo<0, 1, 2>(engine, curve)
@@ -17,9 +26,8 @@ void applyCurves(Pixel* first, Pixel* last, const ColourCurves& curves) {
 }
 
 Status applyCurves(ImageEngine& engine, const ColourCurves& curves) {
-    const ChannelCurves channels = curves.byChannel();
-    return runSpans(
-        engine, [&](Pixel* first, Pixel* last) { applyCurves(first, last, curves); }, &channels);
+    return runCurves(engine, curves.byChannel(),
+                     [&](Pixel* first, Pixel* last) { applyCurves(first, last, curves); });
 }
 
 Status shiftSaturated(ImageEngine& engine, Pixel step, bool subtract) {

@@ -35,13 +35,16 @@ void applyCurveTo(Pixel* first, Pixel* last, const ByteCurve& curve) {
     for (Pixel* p = rest; p != last; ++p) (((*p)[channel] = curve[(*p)[channel]]), ...);
 }
 
+/// Sends the loaded image through `curves`, in bands: by `lookUp`, or faster.
+Status runCurves(const ImageEngine& engine, const ChannelCurves& curves, const SpanWork& lookUp);
+
 /// The same over the loaded image, in bands.
 template <size_t... channel>
 Status applyCurveTo(ImageEngine& engine, const ByteCurve& curve) {
     ChannelCurves curves{};
     ((curves[channel] = &curve), ...);
-    const auto apply = [&](Pixel* first, Pixel* last) { applyCurveTo<channel...>(first, last, curve); };
-    return runSpans(engine, std::ref(apply), &curves);
+    const auto lookUp = [&](Pixel* first, Pixel* last) { applyCurveTo<channel...>(first, last, curve); };
+    return runCurves(engine, curves, std::ref(lookUp));
 }
 
 /// Sends the bytes of `target` through `curve`: the three colour bytes, or alpha alone.

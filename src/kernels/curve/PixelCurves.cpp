@@ -19,9 +19,11 @@ void PixelCurves::append(const ChannelCurves& next) {
     for (size_t channel = 0; channel < next.size(); ++channel)
         if (next[channel])
             for (uint8_t& level : *curves[channel]) level = (*next[channel])[level];
+    steps_ = SaturatedSteps::of({&colours_.blue, &colours_.green, &colours_.red, &alpha_});
 }
 
 void PixelCurves::apply(Pixel* first, Pixel* last) const {
+    if (steps_) return steps_->apply(first, last);
     const bool isGrey = colours_.blue == colours_.green && colours_.green == colours_.red;
     if (!isGrey)
         applyCurves(first, last, colours_);

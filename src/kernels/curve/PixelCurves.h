@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kernels/curve/ByteCurve.h"
+#include "kernels/curve/SaturatedSteps.h"
 
 namespace krl {
 
@@ -17,6 +18,7 @@ public:
 private:
     ColourCurves colours_;
     ByteCurve alpha_;
+    std::optional<SaturatedSteps> steps_;  ///< the same, if they are such steps
 };
 
 }  // namespace krl
