@@ -17,8 +17,8 @@ inline uint64_t roomForSquares(int32_t width, const LineWindow& along, const Lin
 /// read and written. As in `ColumnWindows` the entering rows are cut into groups of a window's length, and every window
 /// is the tail of one group and the head of the next.
 ///
-/// `SpreadRow` is called as `spreadRow(windows, y, target)` for every row within the picture, from the top, and writes the
-/// extremes along row `y` to `target`.
+/// `SpreadRow` is called as `spreadRow(windows, y, target)` for every row within the picture that the windows reach, from
+/// the top, and writes the extremes along row `y` to `target`.
 template <class Extreme, class SpreadRow>
 class RollingSquares {
 public:
