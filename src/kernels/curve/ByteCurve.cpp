@@ -31,20 +31,13 @@ Status applyCurves(ImageEngine& engine, const ColourCurves& curves) {
 }
 
 Status shiftSaturated(ImageEngine& engine, Pixel step, bool subtract) {
-    const auto up = [](uint8_t byte, uint8_t by) {
-        const auto sum = static_cast<uint8_t>(byte + by);
-        return sum < byte ? uint8_t{255} : sum;
+    const auto shifted = [=](uint8_t by) {
+        return byteCurve([=](int32_t i) { return clampByte(subtract ? i - by : i + by); });
     };
-    const auto down = [](uint8_t byte, uint8_t by) {
-        return byte < by ? uint8_t{0} : static_cast<uint8_t>(byte - by);
-    };
-    const auto shift = [&](auto move) {
-        return forEachPixel(engine, [=](Pixel& p) {
-            p = {move(p.blue, step.blue), move(p.green, step.green), move(p.red, step.red),
-                 move(p.alpha, step.alpha)};
-        });
-    };
-    return subtract ? shift(down) : shift(up);
+    const ByteCurve blue = shifted(step.blue), green = shifted(step.green), red = shifted(step.red),
+                    alpha = shifted(step.alpha);
+    const auto steps = SaturatedSteps::of({&blue, &green, &red, &alpha});
+    return forEachSpan(engine, [&](Pixel* first, Pixel* last) { steps->apply(first, last); });
 }
 
 }  // namespace krl
