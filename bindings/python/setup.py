@@ -48,7 +48,8 @@ class CMakeBuild(build_ext):
         if shutil.which("ccache"):
             options["CMAKE_CXX_COMPILER_LAUNCHER"] = "ccache"
         generator = ["-G", "Ninja"] if shutil.which("ninja") else []
-        subprocess.run(["cmake", "-S", HERE, "-B", build, *generator,
+        # Afresh, since what an earlier build found may lie in another prefix, or in one that is gone.
+        subprocess.run(["cmake", "--fresh", "-S", HERE, "-B", build, *generator,
                         *(f"-D{name}={value}" for name, value in options.items())], check=True)
         subprocess.run(["cmake", "--build", build, "--parallel"], check=True)
 
