@@ -5,8 +5,8 @@
 
 namespace krl {
 
-ImageEngine::ImageEngine() : scratch_(std::make_unique<ScratchAllowance>()) {}
-ImageEngine::~ImageEngine() = default;
+ImageEngine::ImageEngine() : scratch_(std::make_unique<ScratchAllowance>()) { keepThreads(); }
+ImageEngine::~ImageEngine() { letThreadsGo(); }
 
 void ImageEngine::allocateTables() { lookupTables_ = std::make_unique<LookupTables>(); }
 

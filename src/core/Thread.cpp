@@ -2,27 +2,35 @@
 
 #include <algorithm>
 
-#include "core/DefinedFloats.h"
-
 #if defined(_WIN32)
 #include <windows.h>
 
 #include <new>
+
+#include "core/DefinedFloats.h"
 #else
 #include <chrono>
 #include <system_error>
+#include <thread>
+
+#include "core/WaitingThreads.h"
 #endif
 
 namespace krl {
 
+namespace {
+
+/// Room for a thread is taken beforehand: one that runs must not be lost.
+template <class Thread>
+void makeRoom(std::vector<Thread>& threads) {
+    if (threads.size() == threads.capacity()) threads.reserve(2 * threads.size() + 1);
+}
+
+}  // namespace
+
 #if defined(_WIN32)
 
 namespace {
-
-/// Room for a handle is taken beforehand: a thread that runs must not be lost.
-void makeRoom(std::vector<void*>& handles) {
-    if (handles.size() == handles.capacity()) handles.reserve(2 * handles.size() + 1);
-}
 
 DWORD WINAPI runTask(void* task) {
     const DefinedFloats floats;
@@ -62,6 +70,9 @@ void ThreadGroup::join() {
     threads_.clear();
 }
 
+void keepThreads() {}
+void letThreadsGo() noexcept {}
+
 Mutex::Mutex() {
     static_assert(sizeof(section_) >= sizeof(CRITICAL_SECTION));
     InitializeCriticalSection(new (section_) CRITICAL_SECTION);
@@ -79,20 +90,25 @@ uint32_t tickCount() {
     return static_cast<uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
 }
 
+void keepThreads() { WaitingThreads::keep(); }
+void letThreadsGo() noexcept { WaitingThreads::letGo(); }
+
 bool ThreadGroup::start(ThreadTask& task) {
+    makeRoom(threads_);
     try {
-        threads_.emplace_back([&task] {
-            const DefinedFloats floats;
-            task.run();
-        });
-        return true;
+        threads_.push_back(WaitingThreads::take());
     } catch (const std::system_error&) {
         return false;
     }
+    threads_.back()->give(task);
+    return true;
 }
 
 void ThreadGroup::join() {
-    for (std::thread& thread : threads_) thread.join();
+    for (WaitingThread* thread : threads_) {
+        thread->waitForEnd();
+        WaitingThreads::giveBack(thread);
+    }
     threads_.clear();
 }
 

@@ -6,7 +6,6 @@
 
 #if !defined(_WIN32)
 #include <mutex>
-#include <thread>
 #endif
 
 /// Threads, locks and time as the system gives them. On Windows they come from the system itself, by
@@ -28,7 +27,14 @@ protected:
     ~ThreadTask() = default;
 };
 
-/// Threads that start one by one and end together; none outlives its group.
+/// Keeps threads whose task has ended for later tasks until `letThreadsGo`. The calls are counted. On Windows no
+/// thread is kept, since the plug-in may be unloaded at any time.
+void keepThreads();
+void letThreadsGo() noexcept;
+
+class WaitingThread;
+
+/// Tasks on threads of their own, which start one by one and end together; none outlives its group.
 class ThreadGroup {
 public:
     ThreadGroup() = default;
@@ -48,7 +54,7 @@ private:
 #if defined(_WIN32)
     std::vector<void*> threads_;  ///< handles
 #else
-    std::vector<std::thread> threads_;
+    std::vector<WaitingThread*> threads_;
 #endif
 };
 

@@ -8,7 +8,15 @@
 #include <limits>
 #include <mutex>
 #include <thread>
+#include <utility>
 #include <vector>
+
+#if defined(__linux__)
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#endif
 
 #include "core/Bands.h"
 #include "core/DefinedFloats.h"
@@ -78,6 +86,66 @@ TEST(ThreadGroup, RunsBandsBeyondThatNumber) {
     ASSERT_EQ(runBands(ImageEngine(), 131, [&](int32_t band) { ++ran[size_t(band)]; }), kStatusOk);
     EXPECT_EQ(ran, std::vector<int>(131, 1));
 }
+
+#if defined(__linux__)
+/// Which thread it runs on.
+struct NamingTask final : ThreadTask {
+    void run() noexcept override { thread = std::this_thread::get_id(); }
+    std::thread::id thread;
+};
+
+std::thread::id threadOfNextGroup() {
+    NamingTask task;
+    ThreadGroup group;
+    return group.start(task) ? (group.join(), task.thread) : std::thread::id();
+}
+
+/// How many threads this process has, once those that have ended are gone.
+ptrdiff_t threadsOfProcess() {
+    namespace fs = std::filesystem;
+    ptrdiff_t count = -1, before = -1;
+    do {
+        before = std::exchange(count, std::distance(fs::directory_iterator("/proc/self/task"), {}));
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    } while (count != before);
+    return count;
+}
+
+TEST(ThreadGroup, UsesAThreadAgainWhileThereIsAnEngine) {
+    const ptrdiff_t before = threadsOfProcess();
+    {
+        const ImageEngine engine, another;
+        const std::thread::id thread = threadOfNextGroup();
+        EXPECT_NE(thread, std::thread::id());
+        EXPECT_EQ(threadOfNextGroup(), thread);
+        ASSERT_EQ(runBands(engine, 4, [](int32_t) {}), kStatusOk);
+        EXPECT_EQ(threadsOfProcess(), before + 3);
+        ASSERT_EQ(runBands(another, 4, [](int32_t) {}), kStatusOk);
+        EXPECT_EQ(threadsOfProcess(), before + 3) << "whichever engine it is";
+    }
+    EXPECT_EQ(threadsOfProcess(), before);
+    EXPECT_NE(threadOfNextGroup(), std::thread::id());
+    EXPECT_EQ(threadsOfProcess(), before) << "no thread stays that no engine keeps";
+}
+
+// The thread sanitizer lets no child of a program with several threads start one.
+#if !defined(__SANITIZE_THREAD__)
+TEST(ThreadGroup, StartsThreadsOfItsOwnInAChildOfFork) {
+    const ImageEngine engine;
+    const std::thread::id thread = threadOfNextGroup();
+    ASSERT_NE(thread, std::thread::id());
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(20);  // ends a child that waits for a thread of its parent
+        _exit(threadOfNextGroup() == std::thread::id() ? 1 : 0);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(threadOfNextGroup(), thread) << "the parent still has its own";
+}
+#endif
+#endif
 
 TEST(ThreadGroup, ComputesAsEffectsAreDefinedWhateverItsStarterDoes) {
     const RoundingReset reset;
