@@ -196,7 +196,7 @@ KRL_API krl_engine* krl_engine_new(int32_t bands);
  * another number. */
 #define KRL_KEPT_PICTURES 16
 KRL_API krl_code krl_engine_keep_memory(krl_engine* engine, int32_t keep);
-/* NULL is fine. Results and their pictures outlive the engine. */
+/* NULL is fine. Results and pictures outlive it; the threads of calls stay until the last engine goes. */
 KRL_API void krl_engine_free(krl_engine* engine);
 
 /* Ends the call that runs on the engine soon, and every later one at once, with KRL_CANCELLED, until
