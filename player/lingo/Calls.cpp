@@ -14,7 +14,7 @@ Value Interpreter::callByName(SymbolId name, std::span<const Value> arguments, b
         return callByName(name, arguments.subspan(1), false);
     if (skipsStage() && asMethod && arguments.front().isVoid()) return Value();
     Callee callee;
-    if (findCallee(name, arguments, asMethod, callee)) return callHandler(std::move(callee), arguments);
+    if (findCallee(name, arguments, asMethod, callee)) return callHandler(callee, arguments);
     if (const int32_t selector = selectorOf(name, arguments); selector > 0)
         return callXtra(selector, arguments);
     if (const Builtin* known = builtin(name)) return callBuiltin(*known, arguments, asMethod);

@@ -32,9 +32,9 @@ struct HandlerCode {
     std::vector<Instruction> instructions;
     std::vector<Place> places;  ///< of each instruction
     std::vector<Value> constants;
+    int32_t parameters = 0;  ///< the first local variables
+    int32_t locals = 0;
     int32_t registers = 0;
-
-    int32_t locals() const { return static_cast<int32_t>(handler->locals.size()); }
 };
 
 /// A running handler.
@@ -50,7 +50,8 @@ struct Frame {
     bool outermost = false;  ///< not called by an instruction
     const Instruction* at = nullptr;
     Frame* caller = nullptr;
-    Value answer;  ///< of an outermost one
+    Frame* callee = nullptr;  ///< the frame of the next level, once there has been one
+    Value answer;             ///< of an outermost one
 
     /// The value in a register, or a constant, whose numbers are below 0.
     const Value& operand(int32_t number) const { return number < 0 ? constants[~number] : registers[number]; }

@@ -48,8 +48,7 @@ Value Interpreter::runInFrame(std::unique_ptr<Script> syntax) {
     const LoadedScript script = makeScript("", std::move(syntax));
     Frame* const outer = frame_;
     const Execution execution(*this);
-    Callee text{&script, script.codes.front().get(), outer ? outer->owner : Value()};
-    Frame& made = push(text, {});
+    Frame& made = push(script, *script.codes.front(), outer ? outer->owner : Value(), {});
     made.outermost = true;
     const Handler& handler = *made.code->handler;
     const auto eachShared = [&](auto&& visit) {

@@ -17,7 +17,8 @@ protected:
                        Globals& globals)
         : script_(script), heap_(heap), symbols_(symbols), globals_(globals) {
         code_.handler = &handler;
-        next_ = code_.registers = code_.locals();
+        code_.parameters = static_cast<int32_t>(handler.parameters);
+        next_ = code_.registers = code_.locals = static_cast<int32_t>(handler.locals.size());
     }
 
     /// Returns the registers that are taken during its lifetime.
@@ -42,7 +43,7 @@ protected:
 
     /// The first of `count` unused registers.
     int32_t temporary(int32_t count = 1);
-    bool isTemporary(int32_t operand) const { return operand >= code_.locals(); }
+    bool isTemporary(int32_t operand) const { return operand >= code_.locals; }
 
     /// The value of an expression in `target`.
     void into(const Expression& expression, int32_t target);

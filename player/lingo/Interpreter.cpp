@@ -148,38 +148,47 @@ void Interpreter::close() {
         for (const auto& code : script.codes) code->constants.clear();
 }
 
-Value Interpreter::callHandler(Callee callee, std::span<const Value> arguments) {
+Value Interpreter::callHandler(const Callee& callee, std::span<const Value> arguments) {
     const Execution execution(*this);
-    begin(callee, arguments);
-    Frame& made = *frame_;
+    Frame& made = begin(*callee.script, *callee.code, callee.owner, arguments);
     made.outermost = true;
     execute();
     result = std::move(made.answer);
     return result;
 }
 
-Frame& Interpreter::push(Callee& callee, std::span<const Value> arguments) {
-    if (running_ >= kDeepestEvaluation) Execution::refuse();
+Frame& Interpreter::frameOfNextLevel() {
     const auto level = static_cast<size_t>(running_);
     if (level == frames_.size()) frames_.push_back(std::make_unique<Frame>());
-    Frame& made = *frames_[level];
-    const HandlerCode& code = *callee.code;
+    Frame& next = *frames_[level];
+    if (frame_) frame_->callee = &next;
+    return next;
+}
+
+Frame& Interpreter::push(const LoadedScript& script, const HandlerCode& code, const Value& owner,
+                         std::span<const Value> arguments) {
+    if (running_ >= kDeepestEvaluation) Execution::refuse();
+    Frame& made = frame_ && frame_->callee ? *frame_->callee : frameOfNextLevel();
     made.registers = stack_.take(static_cast<size_t>(code.registers));
-    made.script = callee.script;
+    made.script = &script;
     made.code = &code;
     made.arguments = arguments;
-    made.properties = callee.owner.isVoid() ? nullptr : holderOf(callee.owner);
-    made.owner = std::move(callee.owner);
+    made.properties = nullptr;
+    if (owner.hasObject()) {
+        made.owner = owner;
+        made.properties = holderOf(owner);
+    }
     made.constants = code.constants.data();
-    made.locals = code.locals();
+    made.locals = code.locals;
     made.outermost = false;
     made.at = code.instructions.data();
     made.caller = frame_;
-    const size_t parameters = code.handler->parameters, given = std::min(parameters, arguments.size());
+    const auto parameters = static_cast<size_t>(code.parameters);
+    const size_t given = std::min(parameters, arguments.size());
     // Registers that were taken have no object to release.
     for (size_t i = 0; i < given; ++i) std::construct_at(&made.registers[i], arguments[i]);
     for (size_t i = given; i < parameters; ++i) std::construct_at(&made.registers[i]);
-    for (size_t i = parameters; i < static_cast<size_t>(made.locals); ++i)
+    for (size_t i = parameters; i < static_cast<size_t>(code.locals); ++i)
         std::construct_at(&made.registers[i], Value::unassigned());
     frame_ = &made;
     ++running_;
@@ -189,7 +198,8 @@ Frame& Interpreter::push(Callee& callee, std::span<const Value> arguments) {
 void Interpreter::pop() noexcept {
     Frame& done = *frame_;
     stack_.giveBack(done.registers, static_cast<size_t>(done.code->registers));
-    done.owner = done.answer = Value();
+    if (done.owner.hasObject()) done.owner = Value();
+    if (done.answer.hasObject()) done.answer = Value();
     frame_ = done.caller;
     --running_;
 }

@@ -109,14 +109,17 @@ private:
     static int32_t selectorOf(SymbolId name, std::span<const Value> arguments);
     Value callXtra(int32_t selector, std::span<const Value> arguments);
     /// Calls a handler and waits for its end.
-    Value callHandler(Callee callee, std::span<const Value> arguments);
+    Value callHandler(const Callee& callee, std::span<const Value> arguments);
     /// Begins a handler, within the limit of nested calls.
-    void begin(Callee& callee, std::span<const Value> arguments) {
-        if (running_ >= options_.recursionLimit) refuseDepth(*callee.code);
-        push(callee, arguments);
+    Frame& begin(const LoadedScript& script, const HandlerCode& code, const Value& owner,
+                 std::span<const Value> arguments) {
+        if (running_ >= options_.recursionLimit) refuseDepth(code);
+        return push(script, code, owner, arguments);
     }
     /// Makes a frame the running one.
-    Frame& push(Callee& callee, std::span<const Value> arguments);
+    Frame& push(const LoadedScript& script, const HandlerCode& code, const Value& owner,
+                std::span<const Value> arguments);
+    Frame& frameOfNextLevel();
     void pop() noexcept;
     [[noreturn]] void refuseDepth(const HandlerCode& code) const;
     Value callBuiltin(const Builtin& builtin, std::span<const Value> arguments, bool asMethod);

@@ -152,11 +152,13 @@ Next Operations::send(Interpreter& interpreter, Frame& frame, const Instruction&
 template <bool kMethod>
 Next Operations::callBy(Interpreter& interpreter, Frame& frame, const Instruction& at) {
     const std::span<const Value> arguments{frame.registers + at.c, static_cast<size_t>(at.d)};
+    // Values up to images have no handlers of their own.
+    if (!kMethod && (arguments.empty() || arguments.front().kind() <= Kind::Image))
+        if (const HandlerCode* code = frame.script->handler(at.b))
+            return interpreter.begin(*frame.script, *code, frame.owner, arguments).at;
     Interpreter::Callee callee;
-    if (interpreter.findCallee(at.b, arguments, kMethod, callee)) {
-        interpreter.begin(callee, arguments);
-        return interpreter.frame_->at;
-    }
+    if (interpreter.findCallee(at.b, arguments, kMethod, callee))
+        return interpreter.begin(*callee.script, *callee.code, callee.owner, arguments).at;
     Value answer = interpreter.callByName(at.b, arguments, kMethod);
     frame.drop(at.c, at.d);
     if (at.a >= 0) frame.registers[at.a] = std::move(answer);
