@@ -365,6 +365,18 @@ TEST(LingoErrors, DeepButAllowedScriptsRun) {
     EXPECT_EQ(script.printed.str(), "-- 391\n");
 }
 
+// Their variables take several pieces of memory, each of which is entered again once it was left.
+TEST(LingoErrors, ThousandsOfHandlersKeepTheirVariables) {
+    Script script(
+        "on main\n  put sum(3000)\n  put sum(2)\n  put sum(3000)\nend\n"
+        "on sum n\n  if n = 0 then return 0\n  own = [n]\n  rest = sum(n - 1)\n"
+        "  return rest + last(own)\nend\n"
+        "on last all\n  other = all.duplicate()\n  return other[1]\nend\n");
+    script.options.recursionLimit = 5000;
+    EXPECT_EQ(script.failure(), "no failure");
+    EXPECT_EQ(script.printed.str(), "-- 4501500\n-- 3\n-- 4501500\n");
+}
+
 TEST(LingoErrors, ListsThatContainThemselvesEndInAMessage) {
     EXPECT_EQ(failureOf("  l = []\n  l.add(l)\n  put l"), "4:3 the list to show is nested too deeply");
     EXPECT_EQ(failureOf("  l = []\n  l.add(l)\n  m = []\n  m.add(m)\n  put l = m"),
