@@ -53,9 +53,8 @@ struct Ripples {
     }
 
     /// Makes a batch of the row of `pair` above the centre and of the one below, as far as there are.
-    template <class Put>
     void makePair(const ImageBuffer& image, int32_t pair, PositionBatch& batch, int32_t first,
-                  Put&& put) const {
+                  const PutRow& put) const {
         const bool paired = hasPairs(image);
         const int32_t above = paired ? origin.y - pair : pair;
         double dx[kBatchPixels], angles[kBatchPixels], sines[kBatchPixels], cosines[kBatchPixels];
@@ -87,7 +86,7 @@ Status circularWaves(ImageEngine& engine, float amplitude, float frequency, floa
     const Ripples ripples{amplitude < 0 ? 0.0f : amplitude, radiansPerPixel(frequency), phase, origin,
                           engine.useWidePath()};
     return warpByLine(engine, quality, colourOrAlpha, ripples.rowPairs(image),
-                      [&](int32_t pair, PositionBatch& batch, int32_t first, auto&& put) {
+                      [&](int32_t pair, PositionBatch& batch, int32_t first, const PutRow& put) {
                           ripples.makePair(image, pair, batch, first, put);
                       });
 }

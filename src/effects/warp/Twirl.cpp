@@ -29,8 +29,7 @@ public:
     int32_t rowPairs() const { return height_ / 2 + 1; }
 
     /// Makes a batch of row `pair` and of its counterpart below the middle; row 0 has none.
-    template <class Put>
-    void makePair(int32_t pair, PositionBatch& batch, int32_t first, Put&& put) const {
+    void makePair(int32_t pair, PositionBatch& batch, int32_t first, const PutRow& put) const {
         double dx[kBatchPixels], sizes[kBatchPixels], turns[kBatchPixels], sines[kBatchPixels],
             cosines[kBatchPixels];
         const double dy = centreY_ - pair;
@@ -90,7 +89,7 @@ Status twirl(ImageEngine& engine, int32_t twirl, SampleQuality quality, ChannelT
     if (Status state = engine.imageStatus()) return state;
     const TwirlDisc disc(*engine.buffer(), twirl);
     return warpByLine(engine, quality, colourOrAlpha, disc.rowPairs(),
-                      [&](int32_t pair, PositionBatch& batch, int32_t first, auto&& put) {
+                      [&](int32_t pair, PositionBatch& batch, int32_t first, const PutRow& put) {
                           disc.makePair(pair, batch, first, put);
                       });
 }

@@ -97,6 +97,15 @@ struct RowRing {
     Sample* row(int32_t y) const { return rows + ptrdiff_t((y - first) % count) * pitch; }
 };
 
+/// Columns of such rows from `first` on.
+template <class Sample>
+struct RingColumns {
+    const RowRing<Sample>& rows;
+    ptrdiff_t first;
+
+    const Sample* operator()(int32_t y) const { return rows.row(y) + first; }
+};
+
 /// Cuts a block into parts that begin at cache lines.
 class Room {
 public:
@@ -252,8 +261,7 @@ private:
         tent::beginWindows(arithmetic_,
                            tent::WindowSums<Sum>{own.sums + first, own.slopes + first,
                                                  (columns.last - columns.first) * Layout::kLanes},
-                           y, height_, halfWidth_,
-                           [&](int32_t place) { return own.rows.row(place) + first; });
+                           y, height_, halfWidth_, RingColumns<Sample>{own.rows, first});
     }
 
     /// Walks columns down `rows`, in tiles of adjacent ones row by row. The processor does not foresee which

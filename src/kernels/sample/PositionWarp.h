@@ -1,11 +1,12 @@
 #pragma once
 
-#include <algorithm>
-#include <utility>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
 
-#include "core/Bands.h"
-#include "core/ImageCopy.h"
-#include "kernels/sample/Sampler.h"
+#include "core/Batch.h"
+#include "krlimage/engine.h"
+#include "krlimage/options.h"
 
 namespace krl {
 
@@ -25,47 +26,21 @@ inline float heldInside(float place, int32_t length) {
 /// The same for `count` coordinates.
 void holdInside(float* places, size_t count, int32_t length);
 
-/// Lines whose batches are made one below the other before the next to the right: what a turned batch reads
-/// across many rows is still in the cache for the batch below it.
-inline constexpr int32_t kLinesAtOnce = 32;
+/// Fills a row of the picture from where a batch says.
+using PutRow = std::function<void(int32_t y)>;
+/// Fills the batch of a line from column `first` on, for as many columns as it counts, and calls `put(y)` for
+/// the row that comes from there; it may do so for several rows.
+using MakeLine = std::function<void(int32_t line, PositionBatch& batch, int32_t first, const PutRow& put)>;
 
-/// A warp line by line, banded by lines: `make(line, PositionBatch&, firstColumn, put)` fills the batch, for
-/// as many columns as it counts, and calls `put(y)` for the row that comes from there; it may do so for
-/// several rows. A pixel that comes from its own place stays as it is.
-template <class Make>
+/// A warp line by line, banded by lines. A pixel that comes from its own place stays as it is.
 Status warpByLine(const ImageEngine& engine, SampleQuality quality, ChannelTarget target, int32_t lineCount,
-                  Make&& make) {
-    const ImageBuffer& image = *engine.buffer();
-    const ImageCopy source(image);
-    return withSampler(source.view(), quality, target, [&](const auto& sampler) {
-        return forEachLineRange(engine, lineCount, [&](IndexRange lines) {
-            PositionBatch batch;
-            for (int32_t top = lines.first; top < lines.last; top += kLinesAtOnce)
-                forEachBatch(static_cast<size_t>(image.width), [&](size_t first, size_t count) {
-                    const auto put = [&](int32_t y) {
-                        sampler.sample(image.row(y) + first, batch.y, batch.x, batch.count);
-                    };
-                    engine.throwIfCancelled();
-                    for (int32_t line = top; line < std::min(top + kLinesAtOnce, lines.last); ++line) {
-                        batch.count = count;
-                        make(line, batch, static_cast<int32_t>(first), put);
-                    }
-                });
-        });
-    });
-}
+                  const MakeLine& make);
 
-/// A warp whose pixels come from where `positions(y, firstColumn, PositionBatch&)` says, after the state
-/// tests.
-template <class Positions>
+/// Where the pixels of row `y` from column `first` on come from, for as many as the batch counts.
+using FindPositions = std::function<void(int32_t y, int32_t first, PositionBatch& batch)>;
+
+/// A warp row by row, after the state tests.
 Status warpByPosition(const ImageEngine& engine, SampleQuality quality, ChannelTarget target,
-                      Positions&& positions) {
-    if (Status state = engine.imageStatus()) return state;
-    return warpByLine(engine, quality, target, engine.buffer()->height,
-                      [&](int32_t y, PositionBatch& batch, int32_t firstColumn, auto&& put) {
-                          positions(y, firstColumn, batch);
-                          put(y);
-                      });
-}
+                      const FindPositions& positions);
 
 }  // namespace krl
