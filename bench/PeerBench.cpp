@@ -320,7 +320,8 @@ int run(const std::vector<std::string>& wanted) {
     DestroyExceptionInfo(&failure);
     SetMagickResourceLimit(ThreadsResource, 1);
     gegl_init(nullptr, nullptr);
-    g_object_set(gegl_config(), "threads", 1, "use-opencl", FALSE, nullptr);
+    // Some operations are offered only to programs under this licence, with which ours agrees.
+    g_object_set(gegl_config(), "threads", 1, "use-opencl", FALSE, "application-license", "GPL3", nullptr);
     ScratchAllowance kept;
     kept.set(size_t{1} << 30);
     Stage stage(player::builtInPlugIn(), kSize, true);
