@@ -18,15 +18,6 @@ constexpr uint8_t applyKeyMatte(uint8_t alpha, uint8_t matte, bool keep, bool in
     return keep ? std::min(alpha, weight) : std::max(alpha, weight);
 }
 
-/// Folds `matteOf(const Pixel&)` into the alpha of every pixel, after the state tests.
-template <class MatteOf>
-Status keyEachPixel(const ImageEngine& engine, bool keep, bool invert, MatteOf&& matteOf) {
-    return forEachSpan(engine, [&](Pixel* first, Pixel* last) {
-        for (Pixel* p = first; p != last; ++p)
-            p->alpha = applyKeyMatte(p->alpha, matteOf(std::as_const(*p)), keep, invert);
-    });
-}
-
 /// Folds `count` mattes into the alpha of the pixels beside them.
 void foldMattes(Pixel* pixels, const uint8_t* mattes, size_t count, bool keep, bool invert);
 

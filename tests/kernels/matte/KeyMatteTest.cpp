@@ -25,7 +25,10 @@ TEST(KeyMatte, RunsGiveWhatPixelsGive) {
     const auto matteOf = [](const Pixel& p) { return uint8_t(p.blue ^ p.red); };
     for (const bool keep : {false, true})
         for (const bool invert : {false, true}) {
-            const auto byPixel = [&](ImageEngine& e) { return keyEachPixel(e, keep, invert, matteOf); };
+            const auto byPixel = [&](ImageEngine& e) {
+                return forEachPixel(
+                    e, [&](Pixel& p) { p.alpha = applyKeyMatte(p.alpha, matteOf(p), keep, invert); });
+            };
             const auto bySpan = [&](ImageEngine& e) {
                 return keyEachSpan(e, keep, invert, [&](const Pixel* p, size_t count, uint8_t* mattes) {
                     ASSERT_LE(count, kBatchPixels);
