@@ -7,14 +7,42 @@
 /// Tokens, operators and access to parts: expressions down to their primaries.
 namespace krl::player {
 
-/// Left-associative operators of equal precedence.
-struct ExpressionParser::Level {
-    struct Entry {
-        const char* text;
-        Operator operation;
-    };
-    std::vector<Entry> entries;
+namespace {
+
+/// All are left-associative; the higher its level, the closer it binds.
+struct BinaryOperator {
+    const char* text;
+    Operator operation;
+    int level;
 };
+
+const BinaryOperator* binaryOperator(const Token& token) {
+    using enum Operator;
+    static constexpr BinaryOperator marks[] = {
+        {"=", Equal, 1}, {"<>", Unequal, 1}, {"<=", LessOrEqual, 1},       {">=", GreaterOrEqual, 1},
+        {"<", Less, 1},  {">", Greater, 1},  {"&&", ConcatenateSpaced, 2}, {"&", Concatenate, 2},
+        {"+", Add, 3},   {"-", Subtract, 3}, {"*", Multiply, 4},           {"/", Divide, 4},
+    };
+    static constexpr BinaryOperator words[] = {
+        {"and", And, 0},
+        {"or", Or, 0},
+        {"contains", Contains, 1},
+        {"starts", Starts, 1},
+        {"intersects", Intersects, 1},
+        {"within", Within, 1},
+        {"mod", Modulo, 4},
+    };
+    if (token.kind == TokenKind::Mark) {
+        for (const BinaryOperator& entry : marks)
+            if (token.text == entry.text) return &entry;
+    } else if (token.kind == TokenKind::Name) {
+        for (const BinaryOperator& entry : words)
+            if (token.isWord(entry.text)) return &entry;
+    }
+    return nullptr;
+}
+
+}  // namespace
 
 ExpressionParser::ExpressionParser(std::shared_ptr<const Source> source, SymbolTable& symbols)
     : symbols_(symbols),
@@ -62,14 +90,10 @@ std::string ExpressionParser::foreignHint() const {
         const char *first, *second, *instead;
     };
     static constexpr Entry entries[] = {
-        {"=", "=", "equality is written ="},
-        {"+", "=", "write x = x + 1"},
-        {"-", "=", "write x = x - 1"},
-        {"*", "=", "write x = x * 2"},
-        {"/", "=", "write x = x / 2"},
-        {"+", "+", "write x = x + 1"},
-        {"/", "/", "a comment begins with --"},
-        {"/", "*", "a comment begins with --"},
+        {"=", "=", "equality is written ="},    {"+", "=", "write x = x + 1"},
+        {"-", "=", "write x = x - 1"},          {"*", "=", "write x = x * 2"},
+        {"/", "=", "write x = x / 2"},          {"+", "+", "write x = x + 1"},
+        {"/", "/", "a comment begins with --"}, {"/", "*", "a comment begins with --"},
     };
     const Token& before = at_ > 0 ? tokens_[at_ - 1] : here();
     for (const Entry& entry : entries) {
@@ -121,36 +145,15 @@ ExpressionPointer ExpressionParser::expression() {
     return whole;
 }
 
-ExpressionPointer ExpressionParser::binary(size_t level) {
-    using enum Operator;
-    static const Level levels[] = {
-        {{{"and", And}, {"or", Or}}},
-        {{{"=", Equal},
-          {"<>", Unequal},
-          {"<=", LessOrEqual},
-          {">=", GreaterOrEqual},
-          {"<", Less},
-          {">", Greater},
-          {"contains", Contains},
-          {"starts", Starts},
-          {"intersects", Intersects},
-          {"within", Within}}},
-        {{{"&&", ConcatenateSpaced}, {"&", Concatenate}}},
-        {{{"+", Add}, {"-", Subtract}}},
-        {{{"*", Multiply}, {"/", Divide}, {"mod", Modulo}}},
-    };
-    if (level == std::size(levels)) return unary();
-    ExpressionPointer left = binary(level + 1);
+ExpressionPointer ExpressionParser::binary(int lowest) {
+    ExpressionPointer left = unary();
     for (;;) {
-        const auto& entries = levels[level].entries;
-        const auto found = std::find_if(entries.begin(), entries.end(), [&](const Level::Entry& entry) {
-            return here().isMark(entry.text) || here().isWord(entry.text);
-        });
-        if (found == entries.end()) return left;
+        const BinaryOperator* found = binaryOperator(here());
+        if (!found || found->level < lowest) return left;
         auto made = node<BinaryExpression>(ExpressionKind::Binary, take().place);
         made->operation = found->operation;
         made->left = std::move(left);
-        made->right = binary(level + 1);
+        made->right = binary(found->level + 1);
         contain(*made, made->left);
         contain(*made, made->right);
         left = std::move(made);

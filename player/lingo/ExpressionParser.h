@@ -59,9 +59,8 @@ protected:
     std::vector<VariableExpression*> variables_;
 
 private:
-    struct Level;
-
-    ExpressionPointer binary(size_t level);
+    /// With operators of the level `lowest` and above.
+    ExpressionPointer binary(int lowest);
     ExpressionPointer unary();
     ExpressionPointer postfix(ExpressionPointer object);
     ExpressionPointer dotted(ExpressionPointer object);
