@@ -49,14 +49,21 @@ void enterScratch() {
     static_cast<void>(entered);
 }
 
+/// "docs" draws ninety pictures, which takes as long as thousands of other runs: one in a thousand does.
+bool isLeftOut(const std::vector<std::string>& words) {
+    static unsigned met = 0;
+    return !words.empty() && words.front() == "docs" && met++ % 1000 != 0;
+}
+
 }  // namespace
 
 int runWords(const uint8_t* data, size_t size) {
     enterScratch();
-    const std::string text(reinterpret_cast<const char*>(data), size);
+    const std::vector<std::string> words = wordsOf(std::string(reinterpret_cast<const char*>(data), size));
+    if (isLeftOut(words)) return 0;
     std::ostringstream out, err;
     const player::Terminal terminal{out, err, false};
-    const int code = player::runCommandLine(wordsOf(text), terminal);
+    const int code = player::runCommandLine(words, terminal);
     if (code < 0 || code > 2) report("exit code " + std::to_string(code));
     if (code != 0 && err.str().empty() && out.str().find("\"ok\": false") == std::string::npos)
         report("a failure without a word");
