@@ -84,8 +84,10 @@ KRL_VECTOR_LEVELS HueTally tallyHues(const KeyWindow& window, const float* hues,
 KRL_VECTOR_LEVELS void plainHueMattes(const KeyWindow& window, const float* hues, size_t count,
                                       uint8_t* mattes) {
     constexpr double kOff = std::numeric_limits<double>::infinity();
-    const double low = window.low, high = window.high, scale = window.scale;
+    const double low = window.low, high = window.high;
     const double outerLow = window.outerLow, outerHigh = window.outerHigh;
+    // A width of -0 gives a slope below 0, which no ramp shows; distances within the range are below 0 too.
+    const double scale = std::fabs(window.scale);
     for (size_t i = 0; i < count; ++i) {
         const double turn = hues[i] * kTurnsPerDegree;
         const double distance = std::max(low - turn, turn - high);

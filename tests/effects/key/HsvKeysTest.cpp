@@ -174,9 +174,9 @@ TEST(ChromaKey, FollowsItsDefinitionForAnyArguments) {
     }
 }
 
-TEST(ChromaKey, TakesWhatIsNoNumber) {
+TEST(ChromaKey, TakesWhatIsNoNumberAndNegativeZero) {
     const Picture source = manyColours();
-    for (const float odd : {kNaN, kInfinity, -kInfinity, 1e38f, 1e-40f})
+    for (const float odd : {kNaN, kInfinity, -kInfinity, 1e38f, 1e-40f, -0.0f})
         for (size_t place = 0; place < 9; ++place) {
             reference::ChromaArguments a{110, 20, 30, 0.7f, 20, 30, 0.6f, 20, 30};
             float* const all[] = {&a.huePick,  &a.innerHue, &a.outerHue, &a.satPick, &a.innerSat,
