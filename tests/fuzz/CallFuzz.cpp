@@ -172,6 +172,16 @@ Picture pictureToChange(Bytes& bytes) {
 
 }  // namespace
 
+/// The call as somebody would write it, for those who look for what is wrong with it.
+void show(const Method& method, const Picture& picture, const std::vector<Value>& arguments, int32_t bands) {
+    std::string call = method.shortName() + '(';
+    for (const Value& argument : arguments)
+        call += (call.back() == '(' ? "" : ", ") +
+                (argument.as<Picture>() ? "<picture>" : writeNotation(argument));
+    std::fprintf(stderr, "%d by %d pixels, 1 and %d bands: %s)\n", picture.info.width, picture.info.height,
+                 bands, call.c_str());
+}
+
 int runCall(const uint8_t* data, size_t size) {
     static const std::vector<const Method*> methods = callable();
     Bytes bytes(data, size);
@@ -181,6 +191,7 @@ int runCall(const uint8_t* data, size_t size) {
         randomArguments(bytes, method, picture.info.width, picture.info.height);
     const auto bands = 2 + static_cast<int32_t>(bytes.below(15));
     const NoThreads alone(!bytes.oneIn(32));
+    if (std::getenv("KRL_FUZZ_SHOW")) show(method, picture, arguments, bands);
     const Aftermath one = after(method, picture, arguments, 1);
     const Aftermath many = after(method, picture, arguments, bands);
     if (one.result.code == kCallCancelled || many.result.code == kCallCancelled) {
