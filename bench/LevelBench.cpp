@@ -2,6 +2,7 @@
 #include <chrono>
 #include <cstdio>
 #include <exception>
+#include <stdexcept>
 #include <string>
 
 #include "Stage.h"
@@ -10,19 +11,18 @@
 /// Prints the milliseconds of every method on one band, one per line, the best of several runs in wall-clock
 /// time:
 ///
-///     krlbench_level [PLUG_IN|-] [PART_OF_A_NAME]
+///     krlbench_level [PLUG_IN|-] [NAME_OR_PART_OF_ONE [WIDTHxHEIGHT [RUNS]]]
 ///
-/// The plug-in is that of this program, or one from a file. Run under several builds, it compares them.
+/// The plug-in is that of this program, or one from a file; the picture has 4000 by 3000 pixels unless others
+/// are given. Run under several builds, it compares them.
 namespace krl::bench {
 namespace {
 
-constexpr int kRuns = 3;
-
-double bestOf(Stage& stage, const Method& method) {
+double bestOf(Stage& stage, const Method& method, int runs) {
     using Clock = std::chrono::steady_clock;
     const std::vector<player::Value> arguments = stage.examples(method);
     double best = 0;
-    for (int run = 0; run < kRuns; ++run) {
+    for (int run = 0; run < runs; ++run) {
         stage.restore();
         const Clock::time_point start = Clock::now();
         stage.call(method, arguments);
@@ -32,11 +32,21 @@ double bestOf(Stage& stage, const Method& method) {
     return best;
 }
 
-void run(const std::string& plugIn, const std::string& part) {
-    Stage stage(plugIn == "-" ? player::builtInPlugIn() : player::loadPlugIn(plugIn), {4000, 3000}, true);
+Size sizeIn(const std::string& word) {
+    Size size{};
+    if (std::sscanf(word.c_str(), "%dx%d", &size.width, &size.height) != 2)
+        throw std::invalid_argument("expected a size such as 1000x750, not " + word);
+    return size;
+}
+
+void run(const std::string& plugIn, const std::string& part, Size size, int runs) {
+    Stage stage(plugIn == "-" ? player::builtInPlugIn() : player::loadPlugIn(plugIn), size, true);
+    const auto isNamed = [&](const Method* method) { return method->shortName() == part; };
+    const bool whole = std::any_of(host::methods().begin(), host::methods().end(), isNamed);
     for (const Method* method : host::methods()) {
-        if (method->managesTheEngine() || method->shortName().find(part) == std::string::npos) continue;
-        std::printf("%s %.3f\n", method->shortName().c_str(), bestOf(stage, *method));
+        if (method->managesTheEngine()) continue;
+        if (whole ? !isNamed(method) : method->shortName().find(part) == std::string::npos) continue;
+        std::printf("%s %.3f\n", method->shortName().c_str(), bestOf(stage, *method, runs));
         std::fflush(stdout);
     }
 }
@@ -46,7 +56,11 @@ void run(const std::string& plugIn, const std::string& part) {
 
 int main(int argc, char** argv) {
     try {
-        krl::bench::run(argc > 1 ? argv[1] : "-", argc > 2 ? argv[2] : "");
+        const auto word = [&](int place, const char* otherwise) {
+            return argc > place ? argv[place] : otherwise;
+        };
+        krl::bench::run(word(1, "-"), word(2, ""), krl::bench::sizeIn(word(3, "4000x3000")),
+                        std::stoi(word(4, "3")));
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "krlbench_level: %s\n", error.what());

@@ -4,10 +4,10 @@
 #include <stdexcept>
 #include <string>
 
-#include "Scenes.h"
 #include "core/Bands.h"
 #include "core/Numbers.h"
 #include "core/Random.h"
+#include "player/pictures/PictureFiles.h"
 
 namespace krl::bench {
 
@@ -30,7 +30,7 @@ struct Between {
 
 player::Bitmap landscape(int32_t width, int32_t height) {
     constexpr int32_t kGrain = 5;  // levels, from -2 to 2
-    const player::Bitmap small = paint::landscape();
+    const player::Bitmap small = player::readPicture(KRL_SAMPLES "/landscape.png");
     player::Bitmap picture{width, height, std::vector<Pixel>(size_t(width) * size_t(height)), nullptr};
     Random random(2026);
     for (int32_t y = 0; y < height; ++y) {
