@@ -1,13 +1,23 @@
 #include "catalogue/Catalogue.h"
 #include "core/Bands.h"
+#include "core/VectorLevels.h"
+#include "effects/alpha/ChangeAlpha.h"
 #include "krlimage/alpha.h"
 
 namespace krl {
 
+namespace {
+
+KRL_STREAM_LEVELS void setAlpha(Pixel* first, Pixel* last, uint32_t alpha) {
+    changeAlpha(first, last, [=](uint32_t) { return alpha; });
+}
+
+}  // namespace
+
 /// Sets all alpha to 0 for black, 255 for white.
 Status clearAlpha(ImageEngine& engine, AlphaFill direction) {
-    const uint8_t fill = direction == AlphaFill::White ? 255 : 0;
-    return forEachPixel(engine, [=](Pixel& p) { p.alpha = fill; });
+    const uint32_t alpha = direction == AlphaFill::White ? 255 : 0;
+    return forEachSpan(engine, [=](Pixel* first, Pixel* last) { setAlpha(first, last, alpha); });
 }
 
 void describeClearAlpha(Catalogue& catalogue) {

@@ -1,15 +1,25 @@
 #include <algorithm>
 
 #include "catalogue/Catalogue.h"
+#include "core/Bands.h"
+#include "core/VectorLevels.h"
+#include "effects/alpha/ChangeAlpha.h"
 #include "kernels/colour/Grey.h"
 #include "krlimage/alpha.h"
 
 namespace krl {
 
-/// Limits alpha to the mean of the three colours: `min(alpha, (blue + green + red) / 3)`.
-Status rgbaToAlpha(ImageEngine& engine) {
-    return forEachPixel(engine, [](Pixel& p) { p.alpha = std::min(p.alpha, meanColour(p)); });
+namespace {
+
+KRL_STREAM_LEVELS void limitToMean(Pixel* first, Pixel* last) {
+    changeAlpha(first, last,
+                [](uint32_t word) { return std::min<uint32_t>(word >> 24, thirdOf(colourSum(word))); });
 }
+
+}  // namespace
+
+/// Limits alpha to the mean of the three colours: `min(alpha, (blue + green + red) / 3)`.
+Status rgbaToAlpha(ImageEngine& engine) { return forEachSpan(engine, limitToMean); }
 
 void describeRgbaToAlpha(Catalogue& catalogue) {
     catalogue.add("krlImageRGBAtoAlpha", rgbaToAlpha)

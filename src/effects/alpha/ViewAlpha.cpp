@@ -1,13 +1,25 @@
 #include "catalogue/Catalogue.h"
 #include "core/Bands.h"
+#include "core/PixelWord.h"
+#include "core/VectorLevels.h"
 #include "krlimage/alpha.h"
 
 namespace krl {
 
-/// Sets the three colours to alpha, and alpha to 255.
-Status viewAlpha(ImageEngine& engine) {
-    return forEachPixel(engine, [](Pixel& p) { p = {p.alpha, p.alpha, p.alpha, 255}; });
+namespace {
+
+KRL_STREAM_LEVELS void showAlpha(Pixel* first, Pixel* last) {
+    constexpr uint32_t kOpaqueBlack = 0xFF000000;
+    for (Pixel* p = first; p != last; ++p) {
+        const uint32_t alpha = wordOf(*p) >> 24;
+        storeWord(*p, kOpaqueBlack | alpha << 16 | alpha << 8 | alpha);
+    }
 }
+
+}  // namespace
+
+/// Sets the three colours to alpha, and alpha to 255.
+Status viewAlpha(ImageEngine& engine) { return forEachSpan(engine, showAlpha); }
 
 void describeViewAlpha(Catalogue& catalogue) {
     catalogue.add("krlImageViewAlpha", viewAlpha)
