@@ -16,6 +16,11 @@
 #include "core/WaitingThreads.h"
 #endif
 
+// A module of WebAssembly without shared memory has its caller's thread alone, and no code for others.
+#if defined(__EMSCRIPTEN__) && !defined(__EMSCRIPTEN_PTHREADS__)
+#define KRL_ONE_THREAD
+#endif
+
 namespace krl {
 
 namespace {
@@ -90,6 +95,15 @@ uint32_t tickCount() {
     return static_cast<uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
 }
 
+#if defined(KRL_ONE_THREAD)
+
+void keepThreads() {}
+void letThreadsGo() noexcept {}
+bool ThreadGroup::start(ThreadTask&) { return false; }
+void ThreadGroup::join() {}
+
+#else
+
 void keepThreads() { WaitingThreads::keep(); }
 void letThreadsGo() noexcept { WaitingThreads::letGo(); }
 
@@ -111,6 +125,8 @@ void ThreadGroup::join() {
     }
     threads_.clear();
 }
+
+#endif
 
 #endif
 
