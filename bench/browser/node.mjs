@@ -1,7 +1,7 @@
 /**
  * Times our effects beside the peers in Node, and beside our native code.
  *
- *     node node.mjs TREE        # after bench/browser/bench has installed everything into build/bench/browser
+ *     node node.mjs TREE [SIZE]        # after bench/browser/bench has installed everything into build/bench/browser
  */
 import { execFileSync } from "node:child_process";
 import { writeFileSync } from "node:fs";
@@ -42,7 +42,7 @@ const libraries = [
     vips(await require("wasm-vips")()),
     sharp(require("sharp")),
 ];
-for (const size of SIZES) {
+for (const size of process.argv[3] ? [process.argv[3].split("x").map(Number)] : SIZES) {
     const times = await timesOf(libraries, size, tell);
     const native = nativeTimes(size);
     for (const key of Object.keys(OPERATIONS)) times[key].native = native[key];
