@@ -170,8 +170,6 @@ Picture pictureToChange(Bytes& bytes) {
     return randomPicture(bytes, width, height);
 }
 
-}  // namespace
-
 /// The call as somebody would write it, for those who look for what is wrong with it.
 void show(const Method& method, const Picture& picture, const std::vector<Value>& arguments, int32_t bands) {
     std::string call = method.shortName() + '(';
@@ -181,6 +179,8 @@ void show(const Method& method, const Picture& picture, const std::vector<Value>
     std::fprintf(stderr, "%d by %d pixels, 1 and %d bands: %s)\n", picture.info.width, picture.info.height,
                  bands, call.c_str());
 }
+
+}  // namespace
 
 int runCall(const uint8_t* data, size_t size) {
     static const std::vector<const Method*> methods = callable();
