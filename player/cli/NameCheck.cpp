@@ -81,7 +81,7 @@ private:
         if (call.arguments.size() != 1 || call.arguments.front()->kind != ExpressionKind::String) return;
         const auto& name = static_cast<const LiteralExpression&>(*call.arguments.front());
         static const std::string known = readMessageTable(host::messageTable().head()).xtraName;
-        if (compareText(name.text, known) != 0)
+        if (!sameText(name.text, known))
             report_(name.place, "there is no xtra \"" + name.text + "\", only \"" + known + '"');
     }
 

@@ -8,10 +8,6 @@ namespace krl::player {
 
 namespace {
 
-char lower(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
 int sign(double a, double b) { return a < b ? -1 : a > b ? 1 : 0; }
 
 /// The rank of a type in a sorted list of mixed content.
@@ -139,8 +135,7 @@ bool equal(const SymbolTable& symbols, const Value& a, const Value& b) {
     if (a.isInteger() && b.isInteger()) return a.integer() == b.integer();
     if (a.is(Kind::String) && b.is(Kind::String)) {
         if (a.sameWords(b)) return true;
-        const std::string &first = a.as<StringObject>()->text, &second = b.as<StringObject>()->text;
-        return first.size() == second.size() && compareText(first, second) == 0;
+        return sameText(a.as<StringObject>()->text, b.as<StringObject>()->text);
     }
     if (a.is(Kind::Float) || b.is(Kind::Float)) {
         const Value& real = a.is(Kind::Float) ? a : b;
@@ -167,7 +162,7 @@ const PropertyListObject::Entry* findEntry(const SymbolTable& symbols, const Pro
             if (kind == Kind::Symbol ? entry.key.symbol() == key.symbol() : sameKey(symbols, entry.key, key))
                 return &entry;
         } else if (named && !other && (kind == Kind::String || kind == Kind::Symbol) &&
-                   compareText(textOf(symbols, entry.key), textOf(symbols, key)) == 0) {
+                   sameText(textOf(symbols, entry.key), textOf(symbols, key))) {
             other = &entry;
         }
     }

@@ -9,11 +9,11 @@ namespace {
 bool blank(char letter) { return letter == ' ' || letter == '\t' || letter == '\r'; }
 
 /// Removes the first word of `text` and returns it.
-std::string takeWord(std::string_view& text) {
+std::string_view takeWord(std::string_view& text) {
     while (!text.empty() && blank(text.front())) text.remove_prefix(1);
     size_t length = 0;
     while (length < text.size() && !blank(text[length])) ++length;
-    std::string word(text.substr(0, length));
+    const std::string_view word = text.substr(0, length);
     text.remove_prefix(length);
     return word;
 }
@@ -32,11 +32,9 @@ MethodSignature readLine(std::string_view line) {
     method.name = takeWord(told);
     for (bool first = true; !told.empty(); first = false) {
         std::string_view part = takeUntil(told, ",");
-        MethodSignature::Argument argument;
-        argument.kind = takeWord(part);
-        argument.name = takeWord(part);
-        const bool itself = first && argument.kind == "object";
-        if (!itself && !argument.kind.empty()) method.arguments.push_back(std::move(argument));
+        const std::string_view kind = takeWord(part);
+        const bool itself = first && kind == "object";
+        if (!itself && !kind.empty()) ++method.arguments;
     }
     return method;
 }

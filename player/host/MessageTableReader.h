@@ -8,12 +8,8 @@ namespace krl::player {
 
 /// One method as described by a registered message table.
 struct MethodSignature {
-    struct Argument {
-        std::string kind;  ///< `integer`, `symbol`, ...
-        std::string name;
-    };
     std::string name;
-    std::vector<Argument> arguments;  ///< without `object me`
+    size_t arguments = 0;  ///< how many, without `object me`
 };
 
 /// A parsed message table: the xtra's name and its methods, indexed by selector.

@@ -3,11 +3,19 @@
 namespace krl::player {
 
 std::string folded(std::string_view text) {
-    std::string lower(text);
-    for (char& letter : lower)
-        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-    return lower;
+    std::string made(text);
+    for (char& letter : made) letter = lower(letter);
+    return made;
 }
+
+/// FNV-1a over the letters in lower case.
+size_t SymbolTable::Hash::operator()(std::string_view name) const noexcept {
+    uint64_t hash = 0xCBF29CE484222325u;
+    for (const char letter : name) hash = (hash ^ static_cast<unsigned char>(lower(letter))) * 0x100000001B3u;
+    return static_cast<size_t>(hash);
+}
+
+SymbolTable::SymbolTable() { ids_.reserve(2048); }  // a session begins with more than half as many
 
 const std::string& SymbolTable::spelling(SymbolId id) const {
     static const std::string unknown = "?";
@@ -15,14 +23,18 @@ const std::string& SymbolTable::spelling(SymbolId id) const {
 }
 
 SymbolId SymbolTable::intern(std::string_view spelling, bool asSymbol) {
-    const auto [found, added] = ids_.try_emplace(folded(spelling), static_cast<SymbolId>(entries_.size()));
-    if (added) {
-        entries_.push_back({std::string(spelling), asSymbol});
+    if (const auto found = ids_.find(spelling); found != ids_.end()) {
+        Entry& entry = entries_[static_cast<size_t>(found->second)];
+        // In place, since the key lies there; it differs in case alone.
+        if (asSymbol && !entry.usedAsSymbol)
+            std::copy(spelling.begin(), spelling.end(), entry.spelling.begin());
+        entry.usedAsSymbol |= asSymbol;
         return found->second;
     }
-    Entry& entry = entries_[static_cast<size_t>(found->second)];
-    if (asSymbol && !entry.usedAsSymbol) entry = {std::string(spelling), true};
-    return found->second;
+    const auto id = static_cast<SymbolId>(entries_.size());
+    entries_.push_back({std::string(spelling), asSymbol});
+    ids_.emplace(entries_.back().spelling, id);
+    return id;
 }
 
 }  // namespace krl::player

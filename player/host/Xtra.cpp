@@ -143,7 +143,7 @@ Value Xtra::call(const Value& instance, int32_t selector, std::span<const Value>
     const MethodSignature& method = table_.methods[static_cast<size_t>(selector)];
     std::vector<ScriptValue> words = {instance.words()};
     for (const Value& argument : arguments) words.push_back(argument.words());
-    words.resize(1 + std::max(arguments.size(), method.arguments.size()));
+    words.resize(1 + std::max(arguments.size(), method.arguments));
     CallInfo info;
     info.selector = selector;
     info.arguments = words.data();

@@ -23,8 +23,7 @@ constexpr const char* kChannels[] = {"red", "green", "blue", "colorType", "palet
 constexpr const char* kFields[] = {"field", "member", "cast"};
 
 bool isAnyOf(std::span<const char* const> names, const std::string& wanted) {
-    return std::any_of(names.begin(), names.end(),
-                       [&](const char* name) { return compareText(wanted, name) == 0; });
+    return std::any_of(names.begin(), names.end(), [&](const char* name) { return sameText(wanted, name); });
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 namespace krl::player {
 
 StatementPointer StatementParser::conditional() {
-    const Token first = here();
+    const Token& first = here();
     auto made = std::make_unique<IfStatement>(StatementKind::If, first.place);
     for (;;) {
         take();

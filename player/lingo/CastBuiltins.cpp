@@ -26,7 +26,7 @@ Value field(Runtime& runtime, const Arguments& arguments) {
 Value castLib(Runtime& runtime, const Arguments& arguments) {
     const Value& wanted = arguments[0];
     const bool first = wanted.isInteger() && wanted.integer() == 1;
-    if (!first && compareText(runtime.plain(wanted), kCastName) != 0)
+    if (!first && !sameText(runtime.plain(wanted), kCastName))
         throw HostError("there is no castLib " + shownText(runtime.style(), wanted) + ", only 1, \"" +
                         kCastName + '"');
     return runtime.heap.make<CastLibObject>();

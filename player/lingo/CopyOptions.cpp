@@ -96,7 +96,7 @@ CopyOptions copyOptionsOf(const Runtime& runtime, const PropertyListObject& list
         const std::string name = runtime.plain(key);
         const Option* found = nullptr;
         for (const Option& option : kOptions)
-            if (compareText(name, option.name) == 0) found = &option;
+            if (sameText(name, option.name)) found = &option;
         if (!found)
             throw HostError("copyPixels: there is no option #" + name + didYouMean(name, copyOptionNames()));
         if (!value.isVoid()) found->set(runtime, options, value);

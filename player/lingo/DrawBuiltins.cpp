@@ -47,7 +47,7 @@ Pixel colourIn(const Arguments& arguments, const char* name, const Value& value)
 ShapeType shapeIn(const Runtime& runtime, const Arguments& arguments, const Value& value) {
     const std::string name = runtime.plain(value);
     for (size_t i = 0; i < std::size(kShapes); ++i)
-        if (compareText(name, kShapes[i]) == 0) return static_cast<ShapeType>(i);
+        if (sameText(name, kShapes[i])) return static_cast<ShapeType>(i);
     throw HostError(std::string(arguments.function()) +
                     ": expected the #shapeType #rect, #oval, #roundRect or " + "#line, not " +
                     shownText(runtime.style(), value));
@@ -66,14 +66,14 @@ Pen penOf(const Runtime& runtime, const Arguments& arguments, size_t last, Shape
     bool bordered = false;
     for (const auto& [key, value] : list->entries) {
         const std::string name = runtime.plain(key);
-        if (compareText(name, "shapeType") == 0) {
+        if (sameText(name, "shapeType")) {
             pen.shape = shapeIn(runtime, arguments, value);
-        } else if (compareText(name, "color") == 0) {
+        } else if (sameText(name, "color")) {
             pen.colour = colourIn(arguments, "color", value);
-        } else if (compareText(name, "bgColor") == 0) {
+        } else if (sameText(name, "bgColor")) {
             pen.border = colourIn(arguments, "bgColor", value);
             bordered = true;
-        } else if (compareText(name, "lineSize") == 0 && value.isNumber()) {
+        } else if (sameText(name, "lineSize") && value.isNumber()) {
             pen.lineSize = std::max(0, value.isInteger() ? value.integer() : rounded(value.number()));
         } else {
             throw HostError(std::string(arguments.function()) + ": there is no option #" + name + " with " +

@@ -11,7 +11,7 @@ namespace {
 
 /// All are left-associative; the higher its level, the closer it binds.
 struct BinaryOperator {
-    const char* text;
+    std::string_view text;
     Operator operation;
     int level;
 };
@@ -52,13 +52,13 @@ ExpressionParser::ExpressionParser(std::shared_ptr<const Source> source, SymbolT
     script_->source = source_;
 }
 
-bool ExpressionParser::takeMark(const char* mark) {
+bool ExpressionParser::takeMark(std::string_view mark) {
     if (!here().isMark(mark)) return false;
     ++at_;
     return true;
 }
 
-bool ExpressionParser::takeWord(const char* word) {
+bool ExpressionParser::takeWord(std::string_view word) {
     if (!here().isWord(word)) return false;
     ++at_;
     return true;
@@ -72,7 +72,7 @@ void ExpressionParser::expectWord(const char* word, const char* after) {
     if (!takeWord(word)) fail(std::string("\"") + word + "\" after " + after);
 }
 
-Token ExpressionParser::expectName(const char* what) {
+const Token& ExpressionParser::expectName(const char* what) {
     if (here().kind != TokenKind::Name) fail(what);
     return take();
 }
@@ -123,11 +123,11 @@ void ExpressionParser::contain(Expression& whole, const ExpressionPointer& part)
 }
 
 bool ExpressionParser::isJoiningWord(const Token& token) {
-    static constexpr const char* words[] = {
+    static constexpr std::string_view words[] = {
         "then",     "to",     "of",   "in",   "into", "after", "before",    "and",        "or",    "mod",
         "contains", "starts", "down", "else", "end",  "with",  "otherwise", "intersects", "within"};
     return std::any_of(std::begin(words), std::end(words),
-                       [&](const char* word) { return token.isWord(word); });
+                       [&](std::string_view word) { return token.isWord(word); });
 }
 
 bool ExpressionParser::beginsExpression() const {
@@ -188,7 +188,7 @@ ExpressionPointer ExpressionParser::postfix(ExpressionPointer object) {
 
 ExpressionPointer ExpressionParser::dotted(ExpressionPointer object) {
     take();
-    const Token name = expectName("a name after \".\"");
+    const Token& name = expectName("a name after \".\"");
     ChunkKind kind;
     const bool ofChunks = here().isMark("[") || (here().isMark(".") && ahead().isWord("count"));
     if (isChunkName(name, kind) && ofChunks) return chunkByDot(kind, std::move(object), name.place);

@@ -12,13 +12,13 @@ protected:
     // The current token.
     const Token& here() const { return tokens_[at_]; }
     const Token& ahead(size_t count = 1) const { return tokens_[std::min(at_ + count, tokens_.size() - 1)]; }
-    Token take() { return here().kind == TokenKind::End ? here() : tokens_[at_++]; }
-    bool takeMark(const char* mark);
-    bool takeWord(const char* word);
+    const Token& take() { return here().kind == TokenKind::End ? here() : tokens_[at_++]; }
+    bool takeMark(std::string_view mark);
+    bool takeWord(std::string_view word);
     void expectMark(const char* mark, const char* after);
     void expectWord(const char* word, const char* after);
     /// Takes a name for a new entity; `what` describes it in messages.
-    Token expectName(const char* what);
+    const Token& expectName(const char* what);
     /// `hint` ends the message, for example with a suggestion.
     [[noreturn]] void fail(const std::string& expected, const std::string& hint = "") const;
     std::string foreignHint() const;
@@ -89,7 +89,7 @@ private:
     bool takesOf();
     void expectIn();
 
-    std::vector<Token> tokens_;
+    const std::vector<Token> tokens_;
     size_t at_ = 0;
     int nesting_ = 0;
 };

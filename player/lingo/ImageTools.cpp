@@ -81,7 +81,7 @@ constexpr std::pair<const char*, Palette> kPalettes[] = {
 Palette paletteNamed(const Runtime& runtime, const Value& name) {
     const std::string wanted = runtime.plain(name);
     for (const auto& [known, palette] : kPalettes)
-        if (name.is(Kind::Symbol) && compareText(wanted, known) == 0) return palette;
+        if (name.is(Kind::Symbol) && sameText(wanted, known)) return palette;
     throw HostError("expected the palette #systemMac, #grayscale or #web216, not " +
                     shownText(runtime.style(), name));
 }

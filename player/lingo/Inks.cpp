@@ -98,7 +98,7 @@ Ink inkOf(const Runtime& runtime, const Value& value) {
                                                    : -1;
     std::vector<std::string> names;
     for (const Named& entry : kInks) {
-        const bool named = !wanted.empty() && compareText(wanted, entry.name) == 0;
+        const bool named = !wanted.empty() && sameText(wanted, entry.name);
         if (named || static_cast<int32_t>(entry.ink) == number) return entry.ink;
         names.emplace_back(entry.name);
     }

@@ -36,6 +36,7 @@ public:
     std::vector<Token> run() {
         if (text_.substr(0, 3) == "\xEF\xBB\xBF") at_ = 3;  // UTF-8 byte order mark
         lineStart_ = at_;
+        tokens_.reserve(text_.size() / 4);
         while (at_ < text_.size()) step();
         if (!tokens_.empty() && tokens_.back().kind != TokenKind::LineEnd) add(TokenKind::LineEnd, at_);
         add(TokenKind::End, at_);
@@ -47,14 +48,13 @@ private:
     Place placeOf(size_t position) const { return {line_, static_cast<int>(position - lineStart_) + 1}; }
 
     Token& add(TokenKind kind, size_t begin) {
-        Token token;
+        Token& token = tokens_.emplace_back();
         token.kind = kind;
         token.place = placeOf(begin);
         token.begin = begin;
         token.end = at_;
-        token.text = std::string(text_.substr(begin, at_ - begin));
-        tokens_.push_back(std::move(token));
-        return tokens_.back();
+        token.text = text_.substr(begin, at_ - begin);
+        return token;
     }
 
     void step() {
@@ -253,15 +253,17 @@ private:
     }
 
     void takeMark() {
-        static const char* const marks[] = {"..", "<>", "<=", ">=", "&&", "(", ")", "[", "]", "{", "}",
-                                            ",",  ":",  ".",  "=",  "<",  ">", "&", "+", "-", "*", "/"};
+        static constexpr std::string_view kPairs[] = {"..", "<>", "<=", ">=", "&&"};
+        static constexpr std::string_view kOpening = "([{", kClosing = ")]}", kOthers = ",:.=<>&+-*/";
         const size_t begin = at_;
-        for (const char* mark : marks) {
-            const std::string_view wanted(mark);
-            if (text_.substr(at_, wanted.size()) != wanted) continue;
-            at_ += wanted.size();
-            const Token& token = add(TokenKind::Mark, begin);
-            brackets_ += token.isAnyMark({"(", "[", "{"}) - token.isAnyMark({")", "]", "}"});
+        const auto has = [&](std::string_view marks) { return marks.find(peek()) < marks.size(); };
+        const bool opens = has(kOpening), closes = has(kClosing);
+        const bool isPair =
+            std::find(std::begin(kPairs), std::end(kPairs), text_.substr(at_, 2)) != std::end(kPairs);
+        if (opens || closes || isPair || has(kOthers)) {
+            at_ += isPair ? 2 : 1;
+            brackets_ += opens - closes;
+            add(TokenKind::Mark, begin);
             return;
         }
         for (const auto& [foreign, instead] : kForeignMarks)
@@ -302,14 +304,12 @@ ScriptError Source::error(Place place, const std::string& message) const {
     return ScriptError(name, place, message, line(place.line));
 }
 
-bool Token::isWord(const char* word) const { return kind == TokenKind::Name && compareText(text, word) == 0; }
-
-bool Token::isAnyMark(std::initializer_list<const char*> marks) const {
-    return std::any_of(marks.begin(), marks.end(), [this](const char* mark) { return isMark(mark); });
+bool Token::isAnyMark(std::initializer_list<std::string_view> marks) const {
+    return std::any_of(marks.begin(), marks.end(), [this](std::string_view mark) { return isMark(mark); });
 }
 
-bool Token::isAnyWord(std::initializer_list<const char*> words) const {
-    return std::any_of(words.begin(), words.end(), [this](const char* word) { return isWord(word); });
+bool Token::isAnyWord(std::initializer_list<std::string_view> words) const {
+    return std::any_of(words.begin(), words.end(), [this](std::string_view word) { return isWord(word); });
 }
 
 std::string Token::described() const {

@@ -3,8 +3,10 @@
 #include <initializer_list>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "player/host/SymbolTable.h"
 #include "player/lingo/ScriptError.h"
 
 namespace krl::player {
@@ -39,12 +41,10 @@ struct Token {
     double real = 0;
     size_t begin = 0, end = 0;  ///< in the source's text
 
-    bool isMark(const char* mark) const { return kind == TokenKind::Mark && text == mark; }
-    /// Whether it is this word, given in lower case.
-    bool isWord(const char* word) const;
-    bool isAnyMark(std::initializer_list<const char*> marks) const;
-    /// Whether it is one of these words, given in lower case.
-    bool isAnyWord(std::initializer_list<const char*> words) const;
+    bool isMark(std::string_view mark) const { return kind == TokenKind::Mark && text == mark; }
+    bool isWord(std::string_view word) const { return kind == TokenKind::Name && sameText(text, word); }
+    bool isAnyMark(std::initializer_list<std::string_view> marks) const;
+    bool isAnyWord(std::initializer_list<std::string_view> words) const;
     bool endsLine() const { return kind == TokenKind::End || kind == TokenKind::LineEnd; }
     /// The token for messages: `"then"`, `the end of the line`.
     std::string described() const;

@@ -26,7 +26,7 @@ ChunkKind chunkNamed(const Runtime& runtime, const Arguments& arguments, size_t 
     static constexpr const char* names[] = {"char", "word", "item", "line"};
     const std::string& wanted = runtime.symbols.spelling(arguments.symbol(index));
     for (int i = 0; i < 4; ++i)
-        if (compareText(wanted, names[i]) == 0) return static_cast<ChunkKind>(i);
+        if (sameText(wanted, names[i])) return static_cast<ChunkKind>(i);
     arguments.mismatch(index, "#char, #word, #item or #line");
 }
 

@@ -108,7 +108,7 @@ private:
 
     void handler() {
         take();
-        const Token name = expectName("the name of the handler after \"on\"");
+        const Token& name = expectName("the name of the handler after \"on\"");
         auto made = std::make_unique<Handler>();
         made->place = name.place;
         made->name = symbols_.identifier(name.text);
@@ -136,7 +136,7 @@ private:
         const bool bracketed = takeMark("(");
         if (!(bracketed && takeMark(")")) && !here().endsLine()) {
             do {
-                const Token name = expectName("the name of a parameter");
+                const Token& name = expectName("the name of a parameter");
                 made.locals.push_back(symbols_.identifier(name.text));
             } while (takeMark(","));
             if (bracketed) expectMark(")", "the parameters");

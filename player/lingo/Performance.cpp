@@ -35,7 +35,7 @@ const HandlerCode* Performance::entry(bool inFrames) const {
     for (const auto& one : script_.codes) {
         const std::string& name = interpreter_.symbols.spelling(one->handler->name);
         const bool event = std::any_of(std::begin(kEvents), std::end(kEvents),
-                                       [&](const char* known) { return compareText(name, known) == 0; });
+                                       [&](const char* known) { return sameText(name, known); });
         if (!event) return one.get();
     }
     const bool begun = handler("prepareMovie") || handler("stopMovie");

@@ -32,7 +32,7 @@ ExpressionPointer ExpressionParser::bracketed() {
 }
 
 ExpressionPointer ExpressionParser::literal() {
-    const Token token = take();
+    const Token& token = take();
     if (token.kind == TokenKind::String) return text(token.text, token.place);
     const ExpressionKind kind = token.kind == TokenKind::Integer ? ExpressionKind::Integer
                                 : token.kind == TokenKind::Float ? ExpressionKind::Float
@@ -84,7 +84,7 @@ ExpressionPointer ExpressionParser::named() {
     if (beginsChunk(kind)) return chunk(kind);
     if (ExpressionPointer known = constant()) return known;
     if (ExpressionPointer found = referenced()) return found;
-    const Token name = take();
+    const Token& name = take();
     if (here().isMark("(")) return call(name);
     // The objects of the player, such as `_movie`.
     if (name.isAnyWord({"_movie", "_player", "_system", "_global", "_key", "_mouse", "_sound"})) {
@@ -160,7 +160,7 @@ ExpressionPointer ExpressionParser::propertyList(std::unique_ptr<ListExpression>
 /// A name before a colon counts as a symbol.
 ExpressionPointer ExpressionParser::propertyKey() {
     if (here().kind != TokenKind::Name || !ahead().isMark(":")) return expression();
-    const Token name = take();
+    const Token& name = take();
     auto made = node<LiteralExpression>(ExpressionKind::Symbol, name.place);
     made->text = name.text;
     made->symbol = symbols_.symbol(name.text);

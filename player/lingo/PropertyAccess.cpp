@@ -148,8 +148,8 @@ namespace {
 /// The same colour as `#rgb`, or the nearest of the palette as `#paletteIndex`.
 Value colourOfType(const Value& value, const std::string& type) {
     const Colour colour = value.colour();
-    if (compareText(type, "rgb") == 0) return Value::colour(colour);
-    if (compareText(type, "paletteIndex") != 0)
+    if (sameText(type, "rgb")) return Value::colour(colour);
+    if (!sameText(type, "paletteIndex"))
         throw HostError("expected the colorType #rgb or #paletteIndex, not " + type);
     return indexedColour(
         nearestIndex(Palette::System, 8, {colour.blue(), colour.green(), colour.red(), 255}));
@@ -160,17 +160,17 @@ Value colourOfType(const Value& value, const std::string& type) {
 /// A copy of a colour with another level of red, green or blue, another index or in another form.
 Value Interpreter::withChannel(const Value& colour, SymbolId name, const Value& level) {
     static constexpr const char* channels[] = {"red", "green", "blue"};
-    if (compareText(symbols.spelling(name), "colorType") == 0) return colourOfType(colour, plain(level));
+    if (sameText(symbols.spelling(name), "colorType")) return colourOfType(colour, plain(level));
     uint32_t word = colour.colour().word;
     for (int i = 0; i < 3; ++i) {
-        if (compareText(symbols.spelling(name), channels[i]) != 0) continue;
+        if (!sameText(symbols.spelling(name), channels[i])) continue;
         if (!level.isNumber())
             throw HostError("expected a number for a colour, not " + kindName(level.kind()));
         const int32_t whole = level.isInteger() ? level.integer() : rounded(level.number());
         word = (word & ~(0xFFu << i * 8)) | uint32_t(clampByte(whole)) << i * 8;
         return Value::colour(Colour(word));
     }
-    if (compareText(symbols.spelling(name), "paletteIndex") == 0 && level.isInteger())
+    if (sameText(symbols.spelling(name), "paletteIndex") && level.isInteger())
         return indexedColour(clampByte(level.integer()));
     unknownProperty(colour, name);
 }

@@ -6,7 +6,7 @@
 namespace krl::player {
 
 bool ExpressionParser::isChunkName(const Token& token, ChunkKind& kind) {
-    static constexpr const char* names[] = {"char", "word", "item", "line"};
+    static constexpr std::string_view names[] = {"char", "word", "item", "line"};
     for (int i = 0; i < 4; ++i)
         if (token.isWord(names[i])) {
             kind = static_cast<ChunkKind>(i);
@@ -87,7 +87,7 @@ ExpressionPointer ExpressionParser::theProperty(const Token& name, SymbolId prop
 ExpressionPointer ExpressionParser::theNumberOf(Place place) {
     static constexpr const char* kinds[] = {"members", "castMembers", "castLibs", "xtras",
                                             "menus",   "menuItems",   "windows"};
-    const Token plural = here();
+    const Token& plural = here();
     Token singular = plural;
     if (!singular.text.empty()) singular.text.pop_back();
     ChunkKind kind;
@@ -96,7 +96,7 @@ ExpressionPointer ExpressionParser::theNumberOf(Place place) {
         return countOf(kind, ExpressionKind::ChunkCount, place);
     }
     for (const char* one : kinds)
-        if (compareText(plural.text, one) == 0)
+        if (sameText(plural.text, one))
             return theProperty(take(), symbols_.identifier(std::string("number of ") + one));
     if (!plural.isAnyWord({"member", "cast", "castlib", "field"}))
         failAt(plural.place, "expected chars, words, items or lines to count");
@@ -123,8 +123,8 @@ ExpressionPointer ExpressionParser::referenced() {
     if (here().isWord("new") && ahead().isAnyWord({"script", "xtra"}) && !ahead(2).isMark("="))
         return newObject();
     for (const char* kind : kinds) {
-        if (compareText(here().text, kind) != 0 || here().kind != TokenKind::Name) continue;
-        const Token name = take();
+        if (!sameText(here().text, kind) || here().kind != TokenKind::Name) continue;
+        const Token& name = take();
         if (beginsReference()) return reference(name);
         --at_;
         return bracketedReference();
@@ -135,7 +135,7 @@ ExpressionPointer ExpressionParser::referenced() {
 /// `member(1) of castLib 2`; null for anything else.
 ExpressionPointer ExpressionParser::bracketedReference() {
     if (!here().isAnyWord({"member", "cast", "field"}) || !ahead().isMark("(")) return nullptr;
-    const Token name = take();
+    const Token& name = take();
     auto made = call(name);
     ofCast(*made);
     return made;
@@ -143,7 +143,7 @@ ExpressionPointer ExpressionParser::bracketedReference() {
 
 /// `new script "Name"` with or without brackets around the name.
 ExpressionPointer ExpressionParser::newObject() {
-    const Token name = take();
+    const Token& name = take();
     auto made = node<CallExpression>(ExpressionKind::Call, name.place);
     made->name = symbols_.identifier(name.text);
     made->arguments.push_back(primary());
@@ -181,7 +181,7 @@ ExpressionPointer ExpressionParser::referredTo() {
 void ExpressionParser::ofCast(CallExpression& member) {
     if (!here().isAnyWord({"of", "in"}) || !ahead().isWord("castlib")) return;
     take();
-    const Token name = take();
+    const Token& name = take();
     if (here().isMark("("))
         member.arguments.push_back(bracketed());
     else if (beginsReference())

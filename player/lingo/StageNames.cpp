@@ -103,7 +103,7 @@ constexpr const char* kOfStageObjects[] = {
 template <size_t Count>
 bool holds(const char* const (&names)[Count], std::string_view wanted) {
     return std::any_of(std::begin(names), std::end(names),
-                       [&](const char* name) { return compareText(name, wanted) == 0; });
+                       [&](const char* name) { return sameText(name, wanted); });
 }
 
 }  // namespace

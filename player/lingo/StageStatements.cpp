@@ -17,7 +17,7 @@ StatementPointer StatementParser::stageStatement() {
 
 /// `go to frame 5 of movie "x"`, `go loop`, `play done`
 StatementPointer StatementParser::go() {
-    const Token name = take();
+    const Token& name = take();
     auto made = callNamed(name);
     takeWord("to");
     while (!endsStatement()) {
@@ -37,7 +37,7 @@ StatementPointer StatementParser::go() {
 
 /// `sound playFile 1, "x"`
 StatementPointer StatementParser::soundCommand() {
-    const Token name = take();
+    const Token& name = take();
     auto made = callNamed(name);
     add(*made, text(take().text, name.place));
     do add(*made, expression());
@@ -48,7 +48,7 @@ StatementPointer StatementParser::soundCommand() {
 
 /// `open window "x"`, `open "file" with "program"`
 StatementPointer StatementParser::open() {
-    const Token name = take();
+    const Token& name = take();
     auto made = callNamed(name);
     add(*made, expression());
     if (takeWord("with") || takeMark(",")) add(*made, expression());
@@ -59,7 +59,7 @@ StatementPointer StatementParser::open() {
 /// `tell window "x" to f()`, or a block up to `end tell`. What it tells is the body of a choice whose
 /// condition is refused.
 StatementPointer StatementParser::tell() {
-    const Token name = take();
+    const Token& name = take();
     auto made = std::make_unique<IfStatement>(StatementKind::If, name.place);
     IfStatement::Branch& branch = made->branches.emplace_back();
     auto call = callNamed(name);
@@ -76,7 +76,7 @@ StatementPointer StatementParser::tell() {
 
 /// `when keyDown then f()`
 StatementPointer StatementParser::when() {
-    const Token name = take();
+    const Token& name = take();
     auto made = std::make_unique<IfStatement>(StatementKind::If, name.place);
     IfStatement::Branch& branch = made->branches.emplace_back();
     auto call = callNamed(name);

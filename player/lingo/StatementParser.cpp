@@ -29,7 +29,7 @@ void StatementParser::passLineEnds() {
 void StatementParser::declare(std::vector<SymbolId>& names) {
     take();
     do {
-        const Token name = expectName("the name of a variable");
+        const Token& name = expectName("the name of a variable");
         names.push_back(symbols_.identifier(name.text));
     } while (takeMark(","));
 }
@@ -47,7 +47,7 @@ Block StatementParser::block() {
 
 /// One statement and its line end. After a mistake, parsing goes on in the next line.
 void StatementParser::recoveringStatementInto(Block& body) {
-    const Token first = here();
+    const Token& first = here();
     const int statements = statements_, inCase = inCase_;
     const size_t variables = variables_.size(), before = body.size();
     std::vector<std::string> broken = brokenBlocks_;
@@ -189,7 +189,7 @@ ExpressionPointer StatementParser::fieldOrTarget() {
     if (made->kind == ExpressionKind::Call) {
         SymbolId& name = static_cast<CallExpression&>(*made).name;
         for (const char* reference : {"member", "cast"})
-            if (compareText(symbols_.spelling(name), reference) == 0) name = symbols_.identifier("field");
+            if (sameText(symbols_.spelling(name), reference)) name = symbols_.identifier("field");
     }
     requireTarget(*made, place);
     return made;
@@ -205,8 +205,7 @@ void StatementParser::requireTarget(const Expression& made, Place place) const {
             return;
         case ExpressionKind::Call:
             // `put 1 into field "a"`
-            if (compareText(symbols_.spelling(static_cast<const CallExpression&>(made).name), "field") == 0)
-                return;
+            if (sameText(symbols_.spelling(static_cast<const CallExpression&>(made).name), "field")) return;
             [[fallthrough]];
         default:
             failAt(place, "expected a variable, a property, an element of a list or a chunk to assign to");
@@ -222,7 +221,7 @@ StatementPointer StatementParser::set() {
 }
 
 StatementPointer StatementParser::assignmentOrCall() {
-    const Token first = here();
+    const Token& first = here();
     if (commandForm()) return command();
     ExpressionPointer path = accessPath();
     if (here().isMark("=")) {
@@ -254,7 +253,7 @@ ExpressionPointer StatementParser::deletedChunk(Expression& expression) const {
     if (expression.kind != ExpressionKind::MethodCall) return nullptr;
     auto& call = static_cast<CallExpression&>(expression);
     const bool isDelete = call.object->kind == ExpressionKind::Chunk && call.arguments.empty() &&
-                          compareText(symbols_.spelling(call.name), "delete") == 0;
+                          sameText(symbols_.spelling(call.name), "delete");
     return isDelete ? std::move(call.object) : nullptr;
 }
 
@@ -293,7 +292,7 @@ size_t StatementParser::closingBracket(size_t opening) const {
 }
 
 StatementPointer StatementParser::command() {
-    const Token name = take();
+    const Token& name = take();
     auto made = callNamed(name);
     if (!beginsExpression()) fail("a statement", didYouMean(name.text, kStatementWords));
     // `append list (x)`: the list is no function.

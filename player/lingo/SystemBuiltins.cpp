@@ -25,7 +25,7 @@ Value abortHandlers(Runtime&, const Arguments&) { throw Halt{true}; }
 Value xtraNamed(Runtime& runtime, const Arguments& arguments) {
     const bool first = arguments[0].isInteger() && arguments[0].integer() == 1;
     const std::string& name = first ? runtime.xtra.name() : arguments.text(0);
-    if (compareText(name, runtime.xtra.name()) != 0)
+    if (!sameText(name, runtime.xtra.name()))
         throw HostError("there is no xtra \"" + name + "\", only \"" + runtime.xtra.name() + '"');
     return runtime.heap.make<XtraObject>(runtime.xtra);
 }

@@ -344,9 +344,8 @@ TEST(Xtra, ReadsItsMethodsFromTheRegisteredTable) {
     EXPECT_LT(xtra.selector(host.symbols.identifier("quit")), 0);
     const MethodSignature& vignette =
         xtra.methods()[static_cast<size_t>(xtra.selector(host.symbols.identifier("krlImageVignette")))];
-    ASSERT_EQ(vignette.arguments.size(), 10u);
-    EXPECT_EQ(vignette.arguments[1].kind, "color");
-    EXPECT_EQ(vignette.arguments[9].name, "invert");
+    EXPECT_EQ(vignette.name, "krlImageVignette");
+    EXPECT_EQ(vignette.arguments, 10u);
     EXPECT_EQ(host.blocks(), 0);
     EXPECT_EQ(host.references(), 0);
 }
