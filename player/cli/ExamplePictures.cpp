@@ -66,6 +66,15 @@ Bitmap sideBySide(const Bitmap& left, const Bitmap& right) {
     return both;
 }
 
+/// Of a session that reads the pictures that come with the program.
+SessionOptions settings() {
+    SessionOptions options;
+    options.allowedFolders = sampleFolders();
+    // The same pictures on every machine.
+    options.threads = ThreadChoice::One;
+    return options;
+}
+
 /// The lines of a list, or none if it cannot be read.
 std::set<std::string> linesOf(const fs::path& list) {
     std::set<std::string> lines;
@@ -95,26 +104,26 @@ std::string examplePictureAddress(const Method& method) {
     return file + ", beside methods.md";
 }
 
-SessionOptions exampleSettings() {
-    SessionOptions options;
-    options.allowedFolders = sampleFolders();
-    // The same pictures on every machine.
-    options.threads = ThreadChoice::One;
-    return options;
+ExamplePainter::ExamplePainter() : session_(settings()) {}
+
+const ExamplePainter::Sample& ExamplePainter::sample(const std::string& name) {
+    if (const auto found = samples_.find(name); found != samples_.end()) return found->second;
+    Bitmap whole = readPicture(requireSample(name)), small = smallSide(whole);
+    return samples_.emplace(name, Sample{std::move(whole), std::move(small)}).first->second;
 }
 
-Bitmap examplePicture(Session& session, const Method& method) {
-    Bitmap picture;
-    for (const std::string& sample : samplesFor(method)) {
-        const Bitmap before = readPicture(requireSample(sample));
-        Bitmap after = before;
-        const CallOutcome outcome = session.apply(after, callOn(before, method));
+Bitmap ExamplePainter::picture(const Method& method) {
+    Bitmap shown;
+    for (const std::string& name : samplesFor(method)) {
+        const Sample& before = sample(name);
+        Bitmap after = before.whole;
+        const CallOutcome outcome = session_.apply(after, callOn(before.whole, method));
         if (!outcome.ok()) throw CommandError(method.shortName() + ": " + outcome.error);
-        const Bitmap left = smallSide(before), right = smallSide(after);
-        picture = sideBySide(left, right);
-        if (left.pixels != right.pixels) break;
+        const Bitmap small = smallSide(after);
+        shown = sideBySide(before.small, small);
+        if (small.pixels != before.small.pixels) break;
     }
-    return picture;
+    return shown;
 }
 
 std::string examplePictureLine(const Method& method, const Bitmap& picture) {
@@ -131,9 +140,9 @@ void writeExamplePictures(const fs::path& folder) {
     const std::set<std::string> listed = linesOf(folder / kList);
     std::vector<std::string> lines(methods.size());
     workSideBySide(methods.size(), 0, [&]() -> Worker {
-        const auto session = std::make_shared<Session>(exampleSettings());
-        return [&, session](size_t i) {
-            const Bitmap picture = examplePicture(*session, *methods[i]);
+        const auto painter = std::make_shared<ExamplePainter>();
+        return [&, painter](size_t i) {
+            const Bitmap picture = painter->picture(*methods[i]);
             lines[i] = examplePictureLine(*methods[i], picture);
             const fs::path file = folder / examplePictureFile(*methods[i]);
             WriteOptions options;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <string>
 
 #include "catalogue/Method.h"
@@ -20,11 +21,23 @@ std::string examplePictureFile(const Method& method);
 /// Where a user finds the picture: its file, or what it is called beside the reference page.
 std::string examplePictureAddress(const Method& method);
 
-/// The settings of a session that reads the pictures that come with the program.
-SessionOptions exampleSettings();
+/// Draws example pictures, and keeps the samples that it has read for the next.
+class ExamplePainter {
+public:
+    ExamplePainter();
 
-/// The picture before the method's example call and after it, side by side. Throws `CommandError`.
-Bitmap examplePicture(Session& session, const Method& method);
+    /// The picture before the method's example call and after it, side by side. Throws `CommandError`.
+    Bitmap picture(const Method& method);
+
+private:
+    struct Sample {
+        Bitmap whole, small;
+    };
+    const Sample& sample(const std::string& name);
+
+    Session session_;
+    std::map<std::string, Sample> samples_;
+};
 
 /// The picture's line in the list of those that the reference page has: the hash of its pixels, and its name.
 std::string examplePictureLine(const Method& method, const Bitmap& picture);

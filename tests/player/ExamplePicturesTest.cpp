@@ -60,8 +60,8 @@ const std::vector<Bitmap>& pictures() {
         const std::vector<const Method*> methods = shownMethods();
         std::vector<Bitmap> all(methods.size());
         workSideBySide(methods.size(), 0, [&]() -> Worker {
-            const auto session = std::make_shared<Session>(exampleSettings());
-            return [&, session](size_t i) { all[i] = examplePicture(*session, *methods[i]); };
+            const auto painter = std::make_shared<ExamplePainter>();
+            return [&, painter](size_t i) { all[i] = painter->picture(*methods[i]); };
         });
         return all;
     }();
