@@ -1,5 +1,7 @@
 #include "player/host/MessageTableReader.h"
 
+#include <utility>
+
 #include "player/host/HostError.h"
 
 namespace krl::player {
@@ -41,13 +43,24 @@ MethodSignature readLine(std::string_view line) {
 
 }  // namespace
 
-MessageTable readMessageTable(std::string_view text) {
-    MessageTable table;
-    std::string_view heading = takeUntil(text, "\n");
-    if (takeWord(heading) == "xtra") table.xtraName = takeWord(heading);
-    if (table.xtraName.empty()) throw HostError("the xtra's message table does not begin with its name");
-    while (!text.empty()) table.methods.push_back(readLine(takeUntil(text, "\n")));
-    return table;
+MessageTable::MessageTable(std::string text) : text_(std::move(text)), unread_(text_) {
+    std::string_view heading = takeUntil(unread_, "\n");
+    if (takeWord(heading) == "xtra") xtraName_ = takeWord(heading);
+    if (xtraName_.empty()) throw HostError("the xtra's message table does not begin with its name");
+}
+
+const std::vector<MethodSignature>& MessageTable::methods() const {
+    while (!unread_.empty()) {
+        const MethodSignature& method = methods_.emplace_back(readLine(takeUntil(unread_, "\n")));
+        selectors_.emplace(method.name, static_cast<int32_t>(methods_.size() - 1));
+    }
+    return methods_;
+}
+
+int32_t MessageTable::selector(std::string_view name) const {
+    methods();
+    const auto found = selectors_.find(name);
+    return found == selectors_.end() ? -1 : found->second;
 }
 
 }  // namespace krl::player

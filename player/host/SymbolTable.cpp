@@ -9,13 +9,11 @@ std::string folded(std::string_view text) {
 }
 
 /// FNV-1a over the letters in lower case.
-size_t SymbolTable::Hash::operator()(std::string_view name) const noexcept {
+size_t FoldedHash::operator()(std::string_view text) const noexcept {
     uint64_t hash = 0xCBF29CE484222325u;
-    for (const char letter : name) hash = (hash ^ static_cast<unsigned char>(lower(letter))) * 0x100000001B3u;
+    for (const char letter : text) hash = (hash ^ static_cast<unsigned char>(lower(letter))) * 0x100000001B3u;
     return static_cast<size_t>(hash);
 }
-
-SymbolTable::SymbolTable() { ids_.reserve(2048); }  // a session begins with more than half as many
 
 const std::string& SymbolTable::spelling(SymbolId id) const {
     static const std::string unknown = "?";

@@ -24,11 +24,18 @@ inline bool sameText(std::string_view a, std::string_view b) {
            std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return lower(x) == lower(y); });
 }
 
+/// For tables by names and texts, ignoring case.
+struct FoldedHash {
+    size_t operator()(std::string_view text) const noexcept;
+};
+struct SameText {
+    bool operator()(std::string_view a, std::string_view b) const noexcept { return sameText(a, b); }
+};
+
 /// Interned names, ignoring case. A symbol is spelled as in its first use as a symbol, or until then as in
 /// the first identifier.
 class SymbolTable {
 public:
-    SymbolTable();
     SymbolId symbol(std::string_view spelling) { return intern(spelling, true); }
     SymbolId identifier(std::string_view spelling) { return intern(spelling, false); }
     /// The name without its `#`; `?` for an unknown number.
@@ -40,17 +47,12 @@ private:
         std::string spelling;
         bool usedAsSymbol;
     };
-    struct Hash {
-        size_t operator()(std::string_view name) const noexcept;
-    };
-    struct Same {
-        bool operator()(std::string_view a, std::string_view b) const noexcept { return sameText(a, b); }
-    };
 
     SymbolId intern(std::string_view spelling, bool asSymbol);
 
     std::deque<Entry> entries_;
-    std::unordered_map<std::string_view, SymbolId, Hash, Same> ids_;  ///< under the spellings in `entries_`
+    std::unordered_map<std::string_view, SymbolId, FoldedHash, SameText>
+        ids_;  ///< under the spellings in `entries_`
 };
 
 }  // namespace krl::player

@@ -49,15 +49,7 @@ Xtra::Xtra(EmbeddedHost& host, PlugInLibrary library) : host_(host), library_(st
     const auto found = registered ? registered->texts.find("msgTable") : decltype(registered->texts.end()){};
     if (!registered || found == registered->texts.end())
         throw HostError("the xtra registered no message table");
-    table_ = readMessageTable(found->second);
-    for (size_t selector = 0; selector < table_.methods.size(); ++selector)
-        selectors_.emplace(host_.symbols.identifier(table_.methods[selector].name),
-                           static_cast<int32_t>(selector));
-}
-
-int32_t Xtra::selector(SymbolId name) const {
-    const auto found = selectors_.find(name);
-    return found == selectors_.end() ? -1 : found->second;
+    table_.emplace(found->second);
 }
 
 void Xtra::findClasses() {
@@ -140,7 +132,7 @@ Value Xtra::newInstance() {
 }
 
 Value Xtra::call(const Value& instance, int32_t selector, std::span<const Value> arguments) {
-    const MethodSignature& method = table_.methods[static_cast<size_t>(selector)];
+    const MethodSignature& method = methods()[static_cast<size_t>(selector)];
     std::vector<ScriptValue> words = {instance.words()};
     for (const Value& argument : arguments) words.push_back(argument.words());
     words.resize(1 + std::max(arguments.size(), method.arguments));

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
-#include <unordered_map>
 
 #include "player/host/EmbeddedHost.h"
 #include "player/host/MessageTableReader.h"
@@ -21,10 +21,10 @@ public:
     Xtra(const Xtra&) = delete;
     Xtra& operator=(const Xtra&) = delete;
 
-    const std::string& name() const { return table_.xtraName; }
-    const std::vector<MethodSignature>& methods() const { return table_.methods; }
+    const std::string& name() const { return table_->xtraName(); }
+    const std::vector<MethodSignature>& methods() const { return table_->methods(); }
     /// Selector of a method by name, ignoring case; negative if there is none.
-    int32_t selector(SymbolId name) const;
+    int32_t selector(SymbolId name) const { return table_->selector(host_.symbols.spelling(name)); }
 
     /// Creates an instance of the scripting class, as `new` does.
     Value newInstance();
@@ -50,8 +50,7 @@ private:
 
     EmbeddedHost& host_;
     PlugInLibrary library_;
-    MessageTable table_;
-    std::unordered_map<SymbolId, int32_t> selectors_;
+    std::optional<MessageTable> table_;
     host::Identifier scriptClass_{}, registrationClass_{};
     int64_t instances_ = 0;
 };

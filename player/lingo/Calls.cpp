@@ -125,8 +125,8 @@ Value Interpreter::callXtra(int32_t selector, std::span<const Value> arguments) 
 }
 
 const Builtin* Interpreter::builtin(SymbolId name) const {
-    const auto id = static_cast<size_t>(name);
-    return id < builtins_.size() ? builtins_[id] : nullptr;
+    const Meaning* meaning = meaningOf(name);
+    return meaning ? meaning->function : nullptr;
 }
 
 Value Interpreter::callBuiltin(const Builtin& entry, std::span<const Value> arguments, bool asMethod) {
@@ -148,7 +148,7 @@ void Interpreter::unknownCall(SymbolId name, std::span<const Value> arguments, b
     if (onXtra) {
         known.clear();
         for (const MethodSignature& method : arguments.front().as<XtraInstanceObject>()->xtra.methods())
-            known.push_back(method.name);
+            known.emplace_back(method.name);
     }
     if (!arguments.empty())
         if (const auto* instance = arguments.front().as<InstanceObject>())
@@ -165,8 +165,8 @@ std::vector<std::string> Interpreter::functionNames() const {
         if (script)
             for (const auto& handler : script->syntax->handlers)
                 names.push_back(symbols.spelling(handler->name));
-    for (const Builtin* entry : builtins_)
-        if (entry) names.emplace_back(entry->name);
+    for (const auto& family : builtinFamilies())
+        for (const Builtin& entry : family) names.emplace_back(entry.name);
     return names;
 }
 

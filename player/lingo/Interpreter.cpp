@@ -61,12 +61,14 @@ Interpreter::Interpreter(EmbeddedHost& embedded, Xtra& plugIn, const SessionOpti
       tablesName_(symbols.identifier("krlImageCreateLookupTables")),
       goName_(symbols.identifier("go")),
       countName_(symbols.identifier("count")) {
-    for (const auto& family : builtinFamilies())
-        for (const Builtin& entry : family) under(builtins_, symbols.identifier(entry.name)) = &entry;
-    for (const auto& family : propertyFamilies())
-        for (const PropertyEntry& entry : family)
-            under(properties_, symbols.identifier(entry.name)).push_back(&entry);
     host.onMessage = [this](std::string_view text) { writeLines(output, text); };
+}
+
+const Meaning* Interpreter::meaningOf(SymbolId name) const {
+    if (!symbols.contains(name)) return nullptr;
+    for (auto next = static_cast<SymbolId>(meanings_.size()); next <= name; ++next)
+        meanings_.push_back(player::meaningOf(symbols.spelling(next)));
+    return meanings_[static_cast<size_t>(name)];
 }
 
 LoadedScript Interpreter::makeScript(const std::string& name, std::unique_ptr<Script> syntax) {

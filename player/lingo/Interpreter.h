@@ -123,6 +123,8 @@ private:
     void pop() noexcept;
     [[noreturn]] void refuseDepth(const HandlerCode& code) const;
     Value callBuiltin(const Builtin& builtin, std::span<const Value> arguments, bool asMethod);
+    /// Null if the name has none.
+    const Meaning* meaningOf(SymbolId name) const;
     const Builtin* builtin(SymbolId name) const;
     const PropertyEntry* propertyOf(Kind kind, SymbolId name) const;
     const Builtin* functionAsProperty(Kind kind, SymbolId name) const;
@@ -152,9 +154,8 @@ private:
     std::deque<LoadedScript> scripts_;
     std::map<std::string, Value> scriptValues_;
     Globals globals_;
-    std::vector<const Builtin*> builtins_;                       ///< by symbol
-    std::vector<std::vector<const PropertyEntry*>> properties_;  ///< by symbol; the last of each kind counts
-    std::map<std::string, int64_t> skipped_;                     ///< what needed a stage
+    mutable std::vector<const Meaning*> meanings_;  ///< by symbol, up to the last that was asked for
+    std::map<std::string, int64_t> skipped_;        ///< what needed a stage
     const LoadedScript* movie_ = nullptr;
     Value movieOwner_;  ///< has the movie script's properties, if it declares any
     SymbolId newName_, ancestorName_, tablesName_, goName_, countName_;

@@ -176,9 +176,9 @@ Value Interpreter::withChannel(const Value& colour, SymbolId name, const Value& 
 }
 
 const PropertyEntry* Interpreter::propertyOf(Kind kind, SymbolId name) const {
-    const auto place = static_cast<size_t>(name);
-    if (place >= properties_.size()) return nullptr;
-    const auto& entries = properties_[place];
+    const Meaning* meaning = meaningOf(name);
+    if (!meaning) return nullptr;
+    const auto& entries = meaning->properties;
     const auto found = std::find_if(entries.rbegin(), entries.rend(),
                                     [&](const PropertyEntry* entry) { return entry->kind == kind; });
     return found == entries.rend() ? nullptr : *found;
@@ -186,9 +186,9 @@ const PropertyEntry* Interpreter::propertyOf(Kind kind, SymbolId name) const {
 
 std::vector<std::string> Interpreter::propertyNames(Kind kind) const {
     std::vector<std::string> names;
-    for (const auto& entries : properties_)
-        for (const PropertyEntry* entry : entries)
-            if (entry->kind == kind) names.emplace_back(entry->name);
+    for (const auto& family : propertyFamilies())
+        for (const PropertyEntry& entry : family)
+            if (entry.kind == kind) names.emplace_back(entry.name);
     std::sort(names.begin(), names.end());
     return names;
 }

@@ -1,5 +1,7 @@
 #include "player/lingo/Runtime.h"
 
+#include <unordered_map>
+
 #include "player/host/HostError.h"
 #include "player/lingo/Arithmetic.h"
 
@@ -26,6 +28,19 @@ std::vector<std::span<const Builtin>> builtinFamilies() {
 std::vector<std::span<const PropertyEntry>> propertyFamilies() {
     return {objectProperties(), systemProperties(), movieProperties(),     scriptProperties(),
             vectorProperties(), dataProperties(),   transformProperties(), castProperties()};
+}
+
+const Meaning* meaningOf(std::string_view name) {
+    static const auto all = [] {
+        std::unordered_map<std::string_view, Meaning, FoldedHash, SameText> made;
+        for (const auto& family : builtinFamilies())
+            for (const Builtin& entry : family) made[entry.name].function = &entry;
+        for (const auto& family : propertyFamilies())
+            for (const PropertyEntry& entry : family) made[entry.name].properties.push_back(&entry);
+        return made;
+    }();
+    const auto found = all.find(name);
+    return found == all.end() ? nullptr : &found->second;
 }
 
 const Value& Arguments::operator[](size_t index) const {

@@ -166,6 +166,14 @@ std::span<const PropertyEntry> dataProperties();
 std::span<const PropertyEntry> transformProperties();
 std::vector<std::span<const PropertyEntry>> propertyFamilies();
 
+/// What a name means in the language.
+struct Meaning {
+    const Builtin* function = nullptr;
+    std::vector<const PropertyEntry*> properties;  ///< the last of each kind counts
+};
+/// The meaning of a name, ignoring case; null if it has none.
+const Meaning* meaningOf(std::string_view name);
+
 /// The extensions of files that are pictures.
 const std::vector<std::string>& pictureExtensions();
 /// The text of a member, and what `put ... into field` sets.
