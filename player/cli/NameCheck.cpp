@@ -80,7 +80,7 @@ private:
     void checkXtra(const CallExpression& call) {
         if (call.arguments.size() != 1 || call.arguments.front()->kind != ExpressionKind::String) return;
         const auto& name = static_cast<const LiteralExpression&>(*call.arguments.front());
-        static const std::string known = MessageTable(host::messageTable().head()).xtraName();
+        static const std::string known = MessageTable(std::string(host::messageTable().head())).xtraName();
         if (!sameText(name.text, known))
             report_(name.place, "there is no xtra \"" + name.text + "\", only \"" + known + '"');
     }

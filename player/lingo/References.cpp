@@ -181,7 +181,7 @@ ExpressionPointer ExpressionParser::referredTo() {
 void ExpressionParser::ofCast(CallExpression& member) {
     if (!here().isAnyWord({"of", "in"}) || !ahead().isWord("castlib")) return;
     take();
-    const Token& name = take();
+    take();
     if (here().isMark("("))
         member.arguments.push_back(bracketed());
     else if (beginsReference())

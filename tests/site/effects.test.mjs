@@ -17,7 +17,7 @@ pageTest("every effect, applied by its card, gives the bytes of the table", asyn
         assert.equal(hashOf(await result(page)), table.get(`${scriptName} landscape`), name);
         await page.getByRole("button", { name: "Clear", exact: true }).click();
     }
-});
+}, { minutes: 10 });
 
 pageTest("effects are found by their words", async (page) => {
     const search = async (words) => {

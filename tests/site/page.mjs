@@ -9,9 +9,9 @@ export let site;
 before(async () => { site = await openSite(); });
 after(() => site.close());
 
-/** A fresh page for a test, which must leave no error in the console. */
-export function pageTest(name, work) {
-    test(name, { timeout: 120_000 }, async () => {
+/** A fresh page for a test, which must leave no error in the console. What hangs is ended after `minutes`. */
+export function pageTest(name, work, { minutes = 2 } = {}) {
+    test(name, { timeout: minutes * 60_000 }, async () => {
         site.problems.length = 0;
         const page = await site.newPage();
         try {
