@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cmath>
+#include <ctime>
 #include <limits>
 
 #include "core/LookupTables.h"
@@ -163,10 +163,9 @@ std::vector<FlareElement> absurdVersions(const FlareElement& element) {
 TEST(LensFlare, SurvivesAbsurdSettings) {
     for (const FlareElement& element : test::oneOfEachKind())
         for (const FlareElement& absurd : absurdVersions(element)) {
-            const auto start = std::chrono::steady_clock::now();
+            const std::clock_t start = std::clock();
             flared(Picture(60, 40), absurd, test::greyRamp(), 2);
-            const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-            EXPECT_LT(taken.count(), 20.0) << int(element.kind);
+            EXPECT_LT(double(std::clock() - start) / CLOCKS_PER_SEC, 20) << int(element.kind);
         }
 }
 
