@@ -81,6 +81,15 @@ size_t exifStart(const std::vector<uint8_t>& exif) {
     return isMarked ? kExifMark.size() : 0;
 }
 
+std::vector<uint8_t> withMark(std::vector<uint8_t> exif) {
+    const size_t start = exifStart(exif);
+    const bool isExif = exif.size() >= start + 2 && exif[start] == exif[start + 1] &&
+                        (exif[start] == 'I' || exif[start] == 'M');
+    if (!isExif) return {};
+    if (start == 0) exif.insert(exif.begin(), kExifMark.begin(), kExifMark.end());
+    return exif;
+}
+
 std::vector<uint8_t> withoutThumbnail(std::vector<uint8_t> exif) {
     std::optional<ExifBody> found = bodyOf(exif);
     if (!found) return exif;

@@ -13,6 +13,9 @@ inline constexpr std::string_view kExifMark{"Exif\0\0", 6};
 /// Where the TIFF header in EXIF data is, which may begin with `kExifMark` or not.
 size_t exifStart(const std::vector<uint8_t>& exif);
 
+/// EXIF data with the mark, which some files leave out; empty for bytes that are none.
+std::vector<uint8_t> withMark(std::vector<uint8_t> exif);
+
 /// The EXIF data without its small picture, which would show what the large one looked like before.
 std::vector<uint8_t> withoutThumbnail(std::vector<uint8_t> exif);
 

@@ -52,7 +52,7 @@ std::vector<std::string> precisionLost(VipsImage* image) {
 std::shared_ptr<PictureMetadata> metadataOf(VipsImage* image, const InputFile& file, bool profileFits) {
     auto metadata = std::make_shared<PictureMetadata>();
     if (profileFits) metadata->colourProfile = blobOf(image, VIPS_META_ICC_NAME);
-    metadata->exif = withoutThumbnail(blobOf(image, VIPS_META_EXIF_NAME));
+    metadata->exif = withoutThumbnail(withMark(blobOf(image, VIPS_META_EXIF_NAME)));
     metadata->xmp = blobOf(image, VIPS_META_XMP_NAME);
     std::vector<uint8_t> resources = blobOf(image, VIPS_META_IPTC_NAME);
     metadata->iptc = bareIptc(resources);

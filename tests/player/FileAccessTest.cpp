@@ -108,6 +108,18 @@ std::vector<uint8_t> exifWithThumbnail(bool isLittle) {
     return exif;
 }
 
+TEST_F(FileAccess, MarksExifDataAndDropsWhatIsNone) {
+    for (const bool isLittle : {true, false}) {
+        const std::vector<uint8_t> marked = exifWithThumbnail(isLittle);
+        EXPECT_EQ(withMark(marked), marked);
+        EXPECT_EQ(withMark({marked.begin() + kExifMark.size(), marked.end()}), marked);
+        std::vector<uint8_t> damaged = marked;
+        damaged[3] = 'x';
+        EXPECT_TRUE(withMark(damaged).empty());
+    }
+    EXPECT_TRUE(withMark({}).empty());
+}
+
 TEST_F(FileAccess, DropsTheSmallPictureInExifData) {
     for (const bool isLittle : {true, false}) {
         const std::vector<uint8_t> before = exifWithThumbnail(isLittle), after = withoutThumbnail(before);
