@@ -2,7 +2,7 @@
 #include <iterator>
 #include <span>
 
-#include "player/host/Compare.h"
+#include "player/host/SymbolTable.h"
 #include "player/lingo/Operations.h"
 #include "player/lingo/StatementCompiler.h"
 

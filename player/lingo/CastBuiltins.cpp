@@ -1,5 +1,5 @@
-#include "player/host/Compare.h"
 #include "player/host/HostError.h"
+#include "player/host/SymbolTable.h"
 #include "player/lingo/ImageTools.h"
 #include "player/lingo/Runtime.h"
 

@@ -4,8 +4,8 @@
 #include <cmath>
 
 #include "core/Numbers.h"
-#include "player/host/Compare.h"
 #include "player/host/HostError.h"
+#include "player/host/SymbolTable.h"
 #include "player/lingo/Arithmetic.h"
 
 namespace krl::player {

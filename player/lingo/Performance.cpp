@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "player/host/Compare.h"
+#include "player/host/SymbolTable.h"
 
 namespace krl::player {
 

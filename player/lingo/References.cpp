@@ -1,4 +1,4 @@
-#include "player/host/Compare.h"
+#include "player/host/SymbolTable.h"
 #include "player/lingo/ExpressionParser.h"
 #include "player/lingo/Parser.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "player/host/Compare.h"
+#include "player/host/SymbolTable.h"
 
 namespace krl::player {
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "catalogue/NearestName.h"
-#include "player/host/Compare.h"
+#include "player/host/SymbolTable.h"
 #include "player/lingo/Parser.h"
 
 namespace krl::player {

@@ -3,8 +3,8 @@
 #include <ctime>
 
 #include "catalogue/NearestName.h"
-#include "player/host/Compare.h"
 #include "player/host/HostError.h"
+#include "player/host/SymbolTable.h"
 #include "player/lingo/Arithmetic.h"
 #include "player/lingo/Interpreter.h"
 

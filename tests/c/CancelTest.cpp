@@ -145,12 +145,11 @@ TEST_F(Cancelling, EndsSoonInTheMiddleOfALongCall) {
         "#angle: 1.0, #brightness: 90.0, #transparency: 0, #colourList: [0: rgb(80, 220, 170)], "
         "#blendMethod: #screen]])",
         "lensFlare([#spike: [#origin: point(450, 350), #radius: 2000.0, #count: 2000000000, #seed: 3, "
-        "#angle: 1.0, "
-        "#brightness: 90.0, #transparency: 0, #colourList: [0: rgb(80, 220, 170)], #blendMethod: #screen]])",
-        "lensFlare([#randomFan: [#origin: point(450, 350), #radius: 2000.0, #count: 2000000000, #aperture: "
-        "360, "
-        "#seed: 3, #angle: 1.0, #brightness: 90.0, #transparency: 0, #colourList: [0: rgb(80, 220, 170)], "
-        "#blendMethod: #screen]])"};
+        "#angle: 1.0, #brightness: 90.0, #transparency: 0, #colourList: [0: rgb(80, 220, 170)], "
+        "#blendMethod: #screen]])",
+        "lensFlare([#randomFan: [#origin: point(450, 350), #radius: 2000.0, #count: 2000000000, "
+        "#aperture: 360, #seed: 3, #angle: 1.0, #brightness: 90.0, #transparency: 0, "
+        "#colourList: [0: rgb(80, 220, 170)], #blendMethod: #screen]])"};
     for (const char* text : longCalls) {
         krl_code code = KRL_OK;
         const double time = secondsToEnd(engine, std::chrono::milliseconds(50),
