@@ -36,6 +36,7 @@ function nativeTimes([width, height]) {
 const { Engine } = await import(pathToFileURL(`${tree}/build/javascript/dist/krlimage.js`));
 const libraries = [
     ours("ours", await Engine.create()),
+    ours("2 threads", await Engine.create({ threads: 2 })),
     photon(require("@silvia-odwyer/photon-node")),
     jimp(require("jimp")),
     openCv(await openCvReady()),

@@ -31,6 +31,7 @@ async function tables() {
     const { Engine } = await import("/krlimage/krlimage.js");
     const libraries = [
         ours("ours", await Engine.create()),
+        ours("2 threads", await Engine.create({ threads: 2 })),
         photon(await photonReady()),
         jimp(await import(`${PEERS}/jimp/dist/browser/index.js`)),
         openCv(await openCvReady()),

@@ -161,7 +161,7 @@ void* takeScratch(size_t bytes) {
         if (void* block = idleBlocks().take(bytes)) return block;
     try {
         return allocate(bytes);
-    } catch (const std::bad_alloc&) {
+    } catch (...) {  // std::bad_alloc: threads of WebAssembly cannot ask for a type
         releaseIdleScratch();
         return allocate(bytes);
     }

@@ -67,10 +67,33 @@ function outcome(engine, effect, picture, given) {
     }
 }
 
-/** The hash of a row of the table: an effect's example on a sample. */
+/** An effect's example on a sample: the picture and the message. */
+export async function rowOf(engine, effect, name, sample) {
+    return outcome(engine, effect, await sample(name), await picturesFor(effect, sample));
+}
+
+/** The hash of a row of the table. */
 export async function hashOfRow(engine, effect, name, sample) {
-    const [picture, message] = outcome(engine, effect, await sample(name), await picturesFor(effect, sample));
-    return hashOf(picture, message);
+    return hashOf(...await rowOf(engine, effect, name, sample));
+}
+
+/** Every hash by `"krlImageVignette landscape"`. */
+export async function hashesOf(engine, sample) {
+    const rows = [];
+    for (const effect of engine.effects.values())
+        for (const name of TABLE_SAMPLES)
+            rows.push([`${effect.scriptName} ${name}`, await hashOfRow(engine, effect, name, sample)]);
+    return rows;
+}
+
+/** The picture with every pixel `times` as wide and high: enough of them for many threads. */
+export function enlarged({ width, height, data }, times) {
+    const from = new Uint32Array(data.buffer, data.byteOffset, width * height);
+    const to = new Uint32Array(width * height * times * times);
+    const across = width * times;
+    for (let y = 0; y < height * times; ++y)
+        for (let x = 0; x < across; ++x) to[y * across + x] = from[Math.floor(y / times) * width + Math.floor(x / times)];
+    return { width: across, height: height * times, data: new Uint8ClampedArray(to.buffer) };
 }
 
 /** The samples that the table has rows for. */

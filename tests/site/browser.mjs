@@ -16,15 +16,18 @@ const TYPES = {
     ".svg": "image/svg+xml", ".png": "image/png",
 };
 
+/** What a server says for pages that are cut off from others, in which workers share memory. */
+export const ISOLATED = { "cross-origin-opener-policy": "same-origin", "cross-origin-embedder-policy": "require-corp" };
+
 /** Serves a folder on a free port, and others under names of their own. */
-async function serve(folder, others) {
+async function serve(folder, others, headers) {
     const server = createServer(async (request, response) => {
         const { pathname } = new URL(request.url, "http://localhost");
         const path = normalize(pathname).replace(/\/$/, "/index.html");
         try {
             const [, name, rest] = /^\/([^/]*)\/(.*)$/.exec(path) ?? [];
             const bytes = await readFile(others[name] ? join(others[name], rest) : join(folder, path));
-            response.writeHead(200, { "content-type": TYPES[extname(path)] ?? "application/octet-stream" }).end(bytes);
+            response.writeHead(200, { ...headers, "content-type": TYPES[extname(path)] ?? "application/octet-stream" }).end(bytes);
         } catch {
             response.writeHead(404).end();
         }
@@ -36,9 +39,10 @@ async function serve(folder, others) {
 const FLAGS = ["--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run", "--disable-background-networking",
     "--disable-component-update", "--disable-sync"];
 
-/** The page in a browser; `close` ends all. */
-export async function openSite(folder = `${TREE}/build/site`) {
-    const server = await serve(folder, { tests: `${TREE}/tests/javascript`, pictures: process.env.KRL_HASH_PICTURES });
+/** The page in a browser, which a server gives with `headers`; `close` ends all. */
+export async function openSite(headers = {}) {
+    const others = { tests: `${TREE}/tests/javascript`, pictures: process.env.KRL_HASH_PICTURES };
+    const server = await serve(`${TREE}/build/site`, others, headers);
     const profile = await mkdtemp(join(tmpdir(), "krl-site-"));
     const context = await chromium.launchPersistentContext(profile, {
         executablePath: "/usr/bin/chromium", args: FLAGS, viewport: { width: 1440, height: 900 }, acceptDownloads: true,

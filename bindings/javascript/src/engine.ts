@@ -4,11 +4,12 @@ import type { Effects, MethodName } from "./effects.js";
 import { KrlError } from "./errors.js";
 import type { Exports } from "./exports.js";
 import { runLingo, type LingoOptions, type LingoOutcome } from "./lingo.js";
-import { hasVectors, instantiate, variantName, type WasmSource } from "./load.js";
+import { hasVectors, instantiate, requireWebAssembly, variantName, type WasmSource } from "./load.js";
 import { Look, readShippedLooks, type ShippedLook } from "./look.js";
 import { Memory, OutOfMemory } from "./memory.js";
 import { Loan } from "./pictures.js";
 import { Outcome, picturesIn } from "./results.js";
+import { instantiateThreads, threadCount, type Threads } from "./threads.js";
 import type { Arguments, Picture, Source, Value } from "./types.js";
 import { LentPicture } from "./write.js";
 
@@ -18,9 +19,29 @@ export interface EngineOptions {
     wasm?: WasmSource;
     /** The same for the module that runs scripts, which `runLingo` loads when it is first called. */
     lingoWasm?: WasmSource;
+    /** The same for the module that is loaded in its place if threads share the work. */
+    threadsWasm?: WasmSource;
     /** Whether to take the module with vectors; by default, if this machine has them. */
     simd?: boolean;
+    /**
+     * The most threads that share the work of a call, with the one that calls; `"auto"` is one for each processor. By
+     * default 1. The bytes are the same for any number. Each thread but the first is a worker, which `dispose` ends.
+     * It takes vectors, and a place that may wait and has memory to share: Node, or a worker of a page that is
+     * cross-origin isolated. Elsewhere, such as on the main thread of a page, one thread does the work.
+     */
+    threads?: "auto" | number;
 }
+
+/** What engines are made of. */
+interface Parts {
+    readonly exports: Exports;
+    readonly simd: boolean;
+    readonly threads: Threads | undefined;
+    readonly lingoWasm: WasmSource | undefined;
+}
+
+/** Ends the threads of engines that nobody has any more. */
+const forgotten = new FinalizationRegistry<Threads>((threads) => threads.end());
 
 /** How a call is made. */
 export interface CallOptions {
@@ -84,13 +105,23 @@ export class Engine {
     /** Looks that come with the engine. */
     readonly shippedLooks: readonly ShippedLook[];
     private readonly byLowerName: ReadonlyMap<string, Effect>;
+    /** Whether it works with vectors. */
+    readonly simd: boolean;
+    /** How many threads share the work of a call; a picture of less than 128 Kpixels is one thread's work. */
+    readonly threads: number;
+    private readonly lingoWasm: WasmSource | undefined;
+    private readonly workers: Threads | undefined;
     private module: Module | undefined;
 
-    private constructor(exports: Exports, /** Whether it works with vectors. */ readonly simd: boolean,
-        private readonly lingoWasm: WasmSource | undefined) {
+    private constructor({ exports, simd, threads, lingoWasm }: Parts) {
         const memory = new Memory(exports);
-        const engine = exports._krl_engine_new!(1) >>> 0;
+        const engine = exports._krl_engine_new!(threads ? 0 : 1) >>> 0;
         if (engine === 0) throw new OutOfMemory(0);
+        this.simd = simd;
+        this.threads = threads ? exports._krl_thread_count!() : 1;
+        this.lingoWasm = lingoWasm;
+        this.workers = threads;
+        if (threads) forgotten.register(this, threads, this);
         this.module = { exports, memory, engine };
         this.families = readCatalogue(exports, memory);
         const effects = this.families.flatMap((family) => family.effects);
@@ -103,8 +134,12 @@ export class Engine {
 
     /** Loads the module, once for all engines, and makes an engine. */
     static async create(options: EngineOptions = {}): Promise<Engine> {
-        const simd = options.simd ?? hasVectors();
-        return new Engine(await instantiate("engine", variantName(simd), options.wasm), simd, options.lingoWasm);
+        requireWebAssembly();
+        const { wasm, threadsWasm, lingoWasm, simd = hasVectors() } = options;
+        const count = simd ? await threadCount(options.threads ?? 1) : 1;
+        const threads = count > 1 ? await instantiateThreads(count, threadsWasm) : undefined;
+        const exports = threads?.exports ?? await instantiate("engine", variantName(simd), wasm);
+        return new Engine({ exports, simd, threads, lingoWasm });
     }
 
     /**
@@ -236,9 +271,11 @@ export class Engine {
         return this.alive().exports.HEAPU8.length;
     }
 
-    /** Gives all its memory back; calls fail from now on. */
+    /** Gives all its memory back and ends its threads; calls fail from now on. */
     dispose(): void {
         this.module = undefined;  // the instance and its memory are nobody else's
+        this.workers?.end();
+        forgotten.unregister(this);
     }
 
     [Symbol.dispose](): void {

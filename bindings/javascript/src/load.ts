@@ -1,4 +1,5 @@
 import type { Exports } from "./exports.js";
+import { nodeModule } from "./node.js";
 
 /** Where a module's bytes come from. */
 export type WasmSource = string | URL | Response | BufferSource | WebAssembly.Module;
@@ -37,8 +38,11 @@ export type Part = "engine" | "lingo";
 /** One of the package's modules. */
 type ModuleName = `${Part}-${VariantName}`;
 
-interface ModuleFiles {
+interface ModuleFile {
     readonly file: URL;
+}
+
+interface ModuleFiles extends ModuleFile {
     readonly factory: () => Promise<{ default: Factory }>;
 }
 
@@ -62,18 +66,21 @@ const MODULES: Readonly<Record<ModuleName, ModuleFiles>> = {
     },
 };
 
+/** The module whose work threads share, which needs no JavaScript of the compiler's. */
+const THREADS: ModuleFile = {
+    get file() { return new URL("./krlimage-threads.wasm", import.meta.url); },
+};
+
 /** What a server or Node has under an address. */
 async function bytesOf(source: string | URL): Promise<Response | BufferSource> {
     const url = source instanceof URL ? source : new URL(source, globalThis.location?.href ?? import.meta.url);
     if (url.protocol !== "file:") return fetch(url);
-    // Node's fetch reads no files. Bundlers for browsers must not look for this module.
-    const files = "node:fs/promises";
-    const { readFile } = await import(/* @vite-ignore */ /* webpackIgnore: true */ files) as
-        { readFile(file: URL): Promise<Uint8Array<ArrayBuffer>> };
+    // Node's fetch reads no files.
+    const { readFile } = await nodeModule<{ readFile(file: URL): Promise<Uint8Array<ArrayBuffer>> }>("node:fs/promises");
     return readFile(url);
 }
 
-async function compile(source: WasmSource): Promise<WebAssembly.Module> {
+export async function compile(source: WasmSource): Promise<WebAssembly.Module> {
     if (source instanceof WebAssembly.Module) return source;
     if (typeof source === "string" || source instanceof URL) return compile(await bytesOf(source) as WasmSource);
     if (typeof Response !== "undefined" && source instanceof Response) {
@@ -84,23 +91,26 @@ async function compile(source: WasmSource): Promise<WebAssembly.Module> {
     return WebAssembly.compile(source as BufferSource);
 }
 
-const compiled = new Map<ModuleName, Promise<WebAssembly.Module>>();
+const compiled = new Map<ModuleName | "threads", Promise<WebAssembly.Module>>();
 
 /** The package's own module, compiled once. */
-function ownModule(name: ModuleName): Promise<WebAssembly.Module> {
+export function ownModule(name: ModuleName | "threads"): Promise<WebAssembly.Module> {
     let module = compiled.get(name);
     if (!module) {
-        module = compile(MODULES[name].file);
+        module = compile((name === "threads" ? THREADS : MODULES[name]).file);
         compiled.set(name, module);
         module.catch(() => compiled.delete(name));  // the next engine tries again
     }
     return module;
 }
 
-/** A new instance with memory of its own. */
-export async function instantiate(part: Part, variant: VariantName, source?: WasmSource): Promise<Exports> {
+export function requireWebAssembly(): void {
     if (typeof WebAssembly !== "object" || !WebAssembly.validate(EXCEPTION_PROBE))
         throw new Error("this browser is too old: the engine needs WebAssembly with exceptions");
+}
+
+/** A new instance with memory of its own. */
+export async function instantiate(part: Part, variant: VariantName, source?: WasmSource): Promise<Exports> {
     const name: ModuleName = `${part}-${variant}`;
     const [module, { default: factory }] = await Promise.all([
         source === undefined ? ownModule(name) : compile(source),

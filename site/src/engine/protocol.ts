@@ -9,6 +9,7 @@ export interface Start {
     readonly looks: readonly (ShippedLook & { readonly title: string; readonly description: string })[];
     readonly release: string;
     readonly simd: boolean;
+    readonly threads: number;
 }
 
 /** What failed, and in which step. */

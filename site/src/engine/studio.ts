@@ -93,6 +93,7 @@ export class Studio implements AsyncServices {
         });
         return {
             families: this.engine.families, looks, release: this.engine.release, simd: this.engine.simd,
+            threads: this.engine.threads,
             lengths: Object.fromEntries([...this.effects].map(([name, { lengths }]) => [name, lengths])),
         };
     }

@@ -3,7 +3,7 @@ import type { Reply, Request } from "./protocol.js";
 import { failureOf, Studio } from "./studio.js";
 
 // Messages come before the engine is there: they wait for it.
-const studio = Engine.create().then((engine) => new Studio(engine));
+const studio = Engine.create({ threads: "auto" }).then((engine) => new Studio(engine));
 
 /** The pixels of pictures in an answer, which need no copy. */
 function transfers(answer: unknown): Transferable[] {

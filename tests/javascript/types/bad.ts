@@ -10,3 +10,4 @@ engine.apply(7, "invert");
 engine.apply(image, "composite", {});
 await engine.run(image, [["brightness", { blur: 1 }]]);
 engine.apply(image, "invert").entries.colour;
+await Engine.create({ threads: "many" });

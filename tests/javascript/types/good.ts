@@ -1,6 +1,6 @@
 import { Engine, KrlError, type Picture, type VignetteArguments } from "krlimage";
 
-const engine = await Engine.create({ simd: false });
+const engine = await Engine.create({ simd: false, threads: "auto" });
 const image: Picture = { width: 2, height: 2, data: new Uint8ClampedArray(16) };
 const soft: VignetteArguments = { blur: 160, theColor: "#201008", shape: "ellipse", mix: 0.5 };
 const { picture } = engine.apply(image, "vignette", soft, { copy: true });
