@@ -46,10 +46,11 @@ int32_t threadCount() {
 
 }  // namespace
 
-// What Emscripten's C library takes from its own JavaScript, where the page must make a worker for every thread.
+// What Emscripten's C library takes from its own JavaScript, where the page makes a worker for every thread.
 extern "C" {
 
-void _emscripten_thread_init(pthread_t self, int isMainBrowserThread, int isMainRuntimeThread, int canBlock, int profiles);
+void _emscripten_thread_init(pthread_t self, int isMainBrowserThread, int isMainRuntimeThread, int canBlock,
+                             int profiles);
 void* emscripten_tls_init(void);
 void _emscripten_thread_exit(void* result);
 void _emscripten_thread_free_data(pthread_t thread);
@@ -86,7 +87,9 @@ void abort(void) { __builtin_trap(); }
 void emscripten_unwind_to_js_event_loop(void) { __builtin_trap(); }
 
 /// An instruction, where the compiler may use it.
-void* emscripten_memcpy_big(void* to, const void* from, size_t bytes) { return __builtin_memcpy(to, from, bytes); }
+void* emscripten_memcpy_big(void* to, const void* from, size_t bytes) {
+    return __builtin_memcpy(to, from, bytes);
+}
 }
 
 bool krl_worker::take(const Thread& begun) {
@@ -104,8 +107,8 @@ void krl_worker::runNext() {
         __builtin_wasm_memory_atomic_wait32(reinterpret_cast<int32_t*>(&state), now, -1);
     _emscripten_thread_init(thread.self, 0, 0, 1, 0);
     emscripten_tls_init();
-    int old;
-    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &old);  // else it wakes ten times a second to see whether it is
+    int old;  // a thread that can be cancelled wakes ten times a second to see whether it is
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &old);
     _emscripten_thread_exit(thread.entry(thread.argument));
     state = Waiting;
 }

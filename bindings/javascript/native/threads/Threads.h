@@ -2,8 +2,9 @@
 
 #include "krlimage.h"
 
-/// Workers of the module for JavaScript, in the manner of the C interface. A worker has another instance of the module
-/// on the same memory. The threads that an engine begins run on the workers that wait; where none waits, none begins.
+/// Workers of the module for JavaScript, in the manner of the C interface. A worker has another instance of
+/// the module on the same memory. The threads that an engine begins run on the workers that wait; where none
+/// waits, none begins.
 extern "C" {
 
 /// A worker's share of the memory.
