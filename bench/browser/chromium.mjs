@@ -1,4 +1,4 @@
-/** Runs page.mjs in Chromium and prints its tables: node chromium.mjs TREE */
+/** Runs page.mjs in Chromium and prints its tables: node chromium.mjs TREE [SIZE] */
 import { readFile } from "node:fs/promises";
 import { createServer } from "node:http";
 import { createRequire } from "node:module";
@@ -24,7 +24,7 @@ const browser = await chromium.launch({ executablePath: "/usr/bin/chromium", arg
 const page = await browser.newPage();
 page.on("console", (message) => console.error(message.text()));
 await page.goto(`http://localhost:${server.address().port}/`);
-console.log(await page.evaluate(() => new Promise((resolve, reject) => {
+console.log(await page.evaluate((size) => new Promise((resolve, reject) => {
     const worker = new Worker("/bench/page.mjs", { type: "module" });
     worker.onerror = (event) => reject(new Error(event.message));
     worker.onmessage = ({ data: { words, table, failure } }) => {
@@ -32,6 +32,7 @@ console.log(await page.evaluate(() => new Promise((resolve, reject) => {
         if (table) resolve(table);
         if (failure) reject(new Error(failure));
     };
-})));
+    worker.postMessage({ size });
+}), process.argv[3]?.split("x").map(Number)));
 await browser.close();
 server.close();

@@ -1,5 +1,5 @@
-/** Times our effects beside the peers in a browser, in a worker. */
-import { jimp, openCv, ours, photon, vips } from "./operations.mjs";
+/** Times our effects beside the peers in a browser, in a worker; of jimp, the package has only a stub for browsers. */
+import { openCv, ours, photon, vips } from "./operations.mjs";
 import { SIZES, tableOf, timesOf } from "./stage.mjs";
 
 const PEERS = "/peers/node_modules";
@@ -27,23 +27,23 @@ async function openCvReady() {
     return cv;
 }
 
-async function tables() {
+async function tables(sizes) {
     const { Engine } = await import("/krlimage/krlimage.js");
     const libraries = [
         ours("ours", await Engine.create()),
         ours("2 threads", await Engine.create({ threads: 2 })),
         photon(await photonReady()),
-        jimp(await import(`${PEERS}/jimp/dist/browser/index.js`)),
         openCv(await openCvReady()),
         vips(await (await import(`${PEERS}/wasm-vips/lib/vips-es6.js`)).default({ dynamicLibraries: [] })),
     ];
     const made = [];
-    for (const size of SIZES) {
+    for (const size of sizes) {
         const times = await timesOf(libraries, size, (words) => globalThis.postMessage({ words }));
         made.push(`Chromium, ${size.join(" by ")}\n\n${tableOf(times, libraries.map(({ name }) => name))}`);
     }
     return made.join("\n\n");
 }
 
-tables().then((table) => globalThis.postMessage({ table }),
+globalThis.onmessage = ({ data: { size } }) => tables(size ? [size] : SIZES).then(
+    (table) => globalThis.postMessage({ table }),
     (problem) => globalThis.postMessage({ failure: String(problem?.stack ?? problem) }));
