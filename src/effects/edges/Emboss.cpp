@@ -6,6 +6,7 @@
 #include "core/Doubts.h"
 #include "core/ExactFunctions.h"
 #include "core/ImageCopy.h"
+#include "core/Numbers.h"
 #include "core/VectorLevels.h"
 #include "kernels/neighbour/Gradient3x3.h"
 #include "krlimage/edges.h"
