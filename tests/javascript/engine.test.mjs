@@ -201,6 +201,27 @@ test("the catalogue", () => {
     assert.ok(!engine.effects.has("load"));
 });
 
+test("effects are the same objects however they are reached", async () => {
+    const fresh = await Engine.create();
+    const picture = plain(1, 1, 10);
+    fresh.apply(picture, "KRLIMAGEINVERT");  // before the catalogue is read
+    assert.equal(picture.data[0], 245);
+    assert.equal(fresh.families, fresh.families);
+    for (const { name, effects } of fresh.families)
+        for (const effect of effects) {
+            assert.equal(effect.family, name);
+            assert.equal(fresh.effects.get(effect.name), effect);
+        }
+    assert.equal(fresh.effects.size, fresh.families.flatMap(({ effects }) => effects).length);
+    fresh.dispose();
+    for (const property of ["families", "effects", "shippedLooks"]) assert.throws(() => fresh[property], /disposed/);
+});
+
+test("only the whole name of an effect finds it", () => {
+    for (const name of ["", "inver", "invert\0", "krlImage", "krlImageInvert\0blur", "load"])
+        assert.throws(() => engine.apply(plain(1, 1, 0), name), { reason: "no such method" }, JSON.stringify(name));
+});
+
 test("the release is that of the tree", async () => {
     assert.match(await readFile(`${TREE}/CMakeLists.txt`, "utf8"), new RegExp(`VERSION ${engine.release} `));
 });

@@ -84,23 +84,49 @@ const KIND_NAMES: Readonly<Record<number, ArgumentKind>> = {
     [Kind.point]: "point", [Kind.colourList]: "colours", [Kind.picture]: "picture",
 };
 
-/** The catalogue of a module, family by family, without what manages the engine of a script. */
-export function readCatalogue(exports: Exports, memory: Memory): Family[] {
-    const reader = new CatalogueReader(exports, memory);
-    const root = ROOT.read(memory, exports._krl_catalogue!() >>> 0);
-    return memory.words(root.families, root.count)
-        .map((at) => reader.family(at))
-        .filter((family) => family.effects.length > 0);
-}
+/** The catalogue of a module, without what manages the engine of a script. An effect is read when it is asked for. */
+export class Catalogue {
+    private readonly known = new Map<Pointer, Effect>();
+    private all: readonly Family[] | undefined;
+    private named: ReadonlyMap<string, Effect> | undefined;
 
-class CatalogueReader {
     constructor(private readonly exports: Exports, private readonly memory: Memory) {}
 
-    family(at: Pointer): Family {
-        const info = FAMILY.read(this.memory, at);
-        const methods = this.memory.words(info.methods, info.count).map((method) => METHOD.read(this.memory, method));
-        const effects = methods.filter(({ flags }) => !(flags & Flag.managesEngine)).map((method) => this.effect(method));
-        return { name: info.name, heading: info.heading, effects };
+    /** Effects by family, in reading order. */
+    get families(): readonly Family[] {
+        return this.all ??= this.readFamilies();
+    }
+
+    /** Effects by name, in reading order. */
+    get effects(): ReadonlyMap<string, Effect> {
+        return this.named ??= new Map(this.families.flatMap(({ effects }) => effects.map((effect) => [effect.name, effect])));
+    }
+
+    /** The effect of this name, or of this name in Lingo, in letters of any case. */
+    find(name: string): Effect | undefined {
+        if (name.includes("\0")) return undefined;  // where the engine would see it end
+        const at = this.memory.scoped((scope) => this.exports._krl_find_method!(scope.text(name)) >>> 0);
+        return at === 0 ? undefined : this.effectAt(at);
+    }
+
+    private readFamilies(): Family[] {
+        const root = ROOT.read(this.memory, this.exports._krl_catalogue!() >>> 0);
+        const families = this.memory.words(root.families, root.count).map((at) => {
+            const { name, heading, methods, count } = FAMILY.read(this.memory, at);
+            const effects = this.memory.words(methods, count).map((method) => this.effectAt(method));
+            return { name, heading, effects: effects.filter((effect) => effect !== undefined) };
+        });
+        return families.filter(({ effects }) => effects.length > 0);
+    }
+
+    private effectAt(at: Pointer): Effect | undefined {
+        const known = this.known.get(at);
+        if (known) return known;
+        const info = METHOD.read(this.memory, at);
+        if (info.flags & Flag.managesEngine) return undefined;
+        const effect = this.effect(info);
+        this.known.set(at, effect);
+        return effect;
     }
 
     private effect(info: ReturnType<typeof METHOD.read>): Effect {

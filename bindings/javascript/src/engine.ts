@@ -1,5 +1,5 @@
 import { callByText, callWithValues, parseValue, writeCall, type Module } from "./calls.js";
-import { exampleOf, readCatalogue, type Effect, type Family } from "./catalogue.js";
+import { Catalogue, exampleOf, type Effect, type Family } from "./catalogue.js";
 import type { Effects, MethodName } from "./effects.js";
 import { KrlError } from "./errors.js";
 import type { Exports } from "./exports.js";
@@ -96,21 +96,16 @@ function rewritten(lent: LentPicture, changes: boolean, { copy }: CallOptions): 
  * engine.apply(imageData, "vignette", { blur: 160 });
  */
 export class Engine {
-    /** Effects by family, in reading order. */
-    readonly families: readonly Family[];
-    /** Effects by name, in reading order. */
-    readonly effects: ReadonlyMap<string, Effect>;
     /** The release, such as `"2.0.24"`. */
     readonly release: string;
-    /** Looks that come with the engine. */
-    readonly shippedLooks: readonly ShippedLook[];
-    private readonly byLowerName: ReadonlyMap<string, Effect>;
     /** Whether it works with vectors. */
     readonly simd: boolean;
     /** How many threads share the work of a call; a picture of less than 128 Kpixels is one thread's work. */
     readonly threads: number;
     private readonly lingoWasm: WasmSource | undefined;
     private readonly workers: Threads | undefined;
+    private readonly catalogue: Catalogue;
+    private looks: readonly ShippedLook[] | undefined;
     private module: Module | undefined;
 
     private constructor({ exports, simd, threads, lingoWasm }: Parts) {
@@ -123,13 +118,8 @@ export class Engine {
         this.workers = threads;
         if (threads) forgotten.register(this, threads, this);
         this.module = { exports, memory, engine };
-        this.families = readCatalogue(exports, memory);
-        const effects = this.families.flatMap((family) => family.effects);
-        this.effects = new Map(effects.map((effect) => [effect.name, effect]));
-        this.byLowerName = new Map(effects.flatMap((effect) =>
-            [effect.name, effect.scriptName].map((name) => [name.toLowerCase(), effect])));
+        this.catalogue = new Catalogue(exports, memory);
         this.release = memory.text(exports._krl_release!() >>> 0);
-        this.shippedLooks = readShippedLooks(exports, memory);
     }
 
     /** Loads the module, once for all engines, and makes an engine. */
@@ -140,6 +130,24 @@ export class Engine {
         const threads = count > 1 ? await instantiateThreads(count, threadsWasm) : undefined;
         const exports = threads?.exports ?? await instantiate("engine", variantName(simd), wasm);
         return new Engine({ exports, simd, threads, lingoWasm });
+    }
+
+    /** Effects by family, in reading order. */
+    get families(): readonly Family[] {
+        this.alive();
+        return this.catalogue.families;
+    }
+
+    /** Effects by name, in reading order. */
+    get effects(): ReadonlyMap<string, Effect> {
+        this.alive();
+        return this.catalogue.effects;
+    }
+
+    /** Looks that come with the engine. */
+    get shippedLooks(): readonly ShippedLook[] {
+        const { exports, memory } = this.alive();
+        return this.looks ??= readShippedLooks(exports, memory);
     }
 
     /**
@@ -294,7 +302,7 @@ export class Engine {
 
     private effectOf(call: string): Effect {
         const name = call.trim().split(/[\s(]/, 1)[0]!;
-        const effect = this.byLowerName.get(name.toLowerCase());
+        const effect = this.catalogue.find(name);
         if (!effect) throw new KrlError(`no effect is called ${name}`, { method: name, reason: "no such method" });
         return effect;
     }

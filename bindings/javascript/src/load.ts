@@ -82,13 +82,15 @@ async function bytesOf(source: string | URL): Promise<Response | BufferSource> {
 
 export async function compile(source: WasmSource): Promise<WebAssembly.Module> {
     if (source instanceof WebAssembly.Module) return source;
-    if (typeof source === "string" || source instanceof URL) return compile(await bytesOf(source) as WasmSource);
+    if (typeof source === "string" || source instanceof URL) return compile(await bytesOf(source));
+    // Asked before `Response`, whose mere name makes Node load what it has for the network.
+    if (source instanceof ArrayBuffer || ArrayBuffer.isView(source)) return WebAssembly.compile(source);
     if (typeof Response !== "undefined" && source instanceof Response) {
         if (!source.ok) throw new Error(`cannot load ${source.url}: ${source.status} ${source.statusText}`);
         // Not streamed: a server may name another type than WebAssembly's.
         return WebAssembly.compile(await source.arrayBuffer());
     }
-    return WebAssembly.compile(source as BufferSource);
+    return WebAssembly.compile(source as BufferSource);  // bytes of another realm
 }
 
 const compiled = new Map<ModuleName | "threads", Promise<WebAssembly.Module>>();
