@@ -15,38 +15,38 @@ export const OPERATIONS = {
         given: { radius: 10, amount: 1, threshold: 0, colourOrAlpha: "RGB" },
     },
     blend: {
-        words: "blend, multiply", effect: "composite", second: "foreground",
+        words: "blend, multiply", effect: "composite", second: ["foreground"],
         given: { blendMethod: "multiply", backgroundAlpha: "background_alpha_no" },
     },
     twirl: { words: "twirl, bilinear", effect: "twirl", given: { twirl: 30, quality: "bilinear", colourOrAlpha: "RGBA" } },
+    displacement: {
+        words: "warp by a map, bilinear", effect: "displacementMapComposite", second: ["dMapOne", "dMapTwo"],
+        given: { colouringOptionOne: "red", colouringOptionTwo: "green", hDistance: 60, vDistance: 40, edgeOption: "wrap" },
+    },
 };
 
-/** Where each pixel of a twirled picture comes from: x and y in turn. */
-function twirlMap({ width, height }) {
-    const map = new Float32Array(width * height * 2);
-    for (let y = 0, at = 0; y < height; ++y)
-        for (let x = 0; x < width; ++x, at += 2) {
-            const dx = x - width / 2, dy = y - height / 2;
-            const turn = 3 * (1 - Math.hypot(dx, dy) / (width / 2));
-            map[at] = dx * Math.cos(turn) - dy * Math.sin(turn) + width / 2;
-            map[at + 1] = dx * Math.sin(turn) + dy * Math.cos(turn) + height / 2;
-        }
-    return map;
-}
+/** Radians that the middle of a twirled picture is turned by; at half its width it is 0. */
+const TWIRL = 3;
 
 /*
  * A library is { name, stage(picture, second) }. A stage has both pictures in the library's own form, and for each
  * operation { prepare(), run(prepared), end(prepared) }, of which only `run` is timed. It may be asynchronous.
+ *
+ * Peers that warp do it by a map of places, which they make by functions of their own from the place of each pixel.
+ * Those places are made beforehand.
  */
 
 export function ours(name, engine) {
     return {
         name,
         stage(picture, second) {
-            return Object.fromEntries(Object.entries(OPERATIONS).map(([key, { effect, given, second: argument }]) => [key, {
-                prepare: () => ({ ...picture, data: picture.data.slice() }),
-                run: (own) => engine.apply(own, effect, argument ? { ...given, [argument]: second } : given),
-            }]));
+            return Object.fromEntries(Object.entries(OPERATIONS).map(([key, { effect, given, second: names = [] }]) => {
+                const all = { ...given, ...Object.fromEntries(names.map((name) => [name, second])) };
+                return [key, {
+                    prepare: () => ({ ...picture, data: picture.data.slice() }),
+                    run: (own) => engine.apply(own, effect, all),
+                }];
+            }));
         },
     };
 }
@@ -104,12 +104,28 @@ export function openCv(cv) {
                 whole.data.set(data);
                 return whole;
             };
-            const [four, other, three, a, b, c, out, map, rest] = [made(picture), made(second), ...Array.from({ length: 7 }, () => mat())];
+            const [four, other, three, a, b, c, d, out] = [made(picture), made(second), ...Array.from({ length: 6 }, () => mat())];
             cv.cvtColor(four, three, cv.COLOR_RGBA2RGB);
             const window = (radius) => new cv.Size(radius + 1, radius + 1);
-            const place = () => {
-                map.create(picture.height, picture.width, cv.CV_32FC2);
-                map.data32F.set(twirlMap(picture));
+            const { width, height } = picture;
+            /** A number for each pixel. */
+            const numbers = (numberAt) => {
+                const made = mat(height, width, cv.CV_32F);
+                for (let y = 0, at = 0; y < height; ++y) for (let x = 0; x < width; ++x) made.data32F[at++] = numberAt(x, y);
+                return made;
+            };
+            const columns = numbers((x) => x), rows = numbers((_, y) => y);
+            const fromMiddle = [numbers((x) => x - width / 2), numbers((_, y) => y - height / 2)];
+            const channels = new cv.MatVector();
+            mats.push(channels);
+            /** The picture read from columns `x` and rows `y`. */
+            const remap = (x, y) => cv.remap(four, out, x, y, cv.INTER_LINEAR, cv.BORDER_REPLICATE);
+            /** Columns or rows shifted by a channel of the other picture. */
+            const shifted = (channel, reach, from, to) => {
+                const values = channels.get(channel);
+                values.convertTo(c, cv.CV_32F, reach / 255, -reach / 2);
+                values.delete();
+                cv.add(from, c, to);
             };
             const boxes = (radius) => ({ run: () => { cv.blur(four, a, window(radius)); cv.blur(a, out, window(radius)); } });
             return {
@@ -138,7 +154,25 @@ export function openCv(cv) {
                     },
                 },
                 blend: { run: () => cv.multiply(four, other, out, 1 / 255) },
-                twirl: { prepare: place, run: () => cv.remap(four, out, map, rest, cv.INTER_LINEAR) },
+                twirl: {
+                    run: () => {
+                        cv.cartToPolar(...fromMiddle, a, b);
+                        a.convertTo(c, -1, -2 * TWIRL / width, TWIRL);
+                        cv.add(b, c, d);
+                        cv.polarToCart(a, d, b, c);
+                        b.convertTo(a, -1, 1, width / 2);
+                        c.convertTo(d, -1, 1, height / 2);
+                        remap(a, d);
+                    },
+                },
+                displacement: {
+                    run: () => {
+                        cv.split(other, channels);
+                        shifted(0, 60, columns, a);
+                        shifted(1, -40, rows, b);
+                        remap(a, b);
+                    },
+                },
                 end: () => { for (const each of mats) each.delete(); },
             };
         },
@@ -155,7 +189,9 @@ export function vips(library) {
                 .copy({ interpretation: "srgb" });
             const [four, other] = [made(picture), made(second)];
             const three = four.extractBand(0, { n: 3 });
-            let map;
+            const { width, height } = picture;
+            const places = Image.newFromMemory(Image.xyz(width, height).cast("float").writeToMemory(), width, height, 2, "float");
+            const remapped = (map) => four.mapim(map, { interpolate: Interpolate.newFromName("bilinear"), extend: "copy" });
             const to = (make) => ({
                 run: () => {
                     const image = make();
@@ -171,12 +207,14 @@ export function vips(library) {
                 edges: to(() => three.sobel()),
                 sharpen: to(() => three.sharpen({ sigma: 4 })),
                 blend: to(() => four.composite2(other, "multiply")),
-                twirl: {
-                    prepare: () => {
-                        map ??= Image.newFromMemory(twirlMap(picture), picture.width, picture.height, 2, "float");
-                    },
-                    ...to(() => four.mapim(map, { interpolate: Interpolate.newFromName("bilinear") })),
-                },
+                twirl: to(() => {
+                    const polar = places.linear([1, 1], [-width / 2, -height / 2]).complex("polar");
+                    const radius = polar.extractBand(0);
+                    const angle = polar.extractBand(1).add(radius.linear(-2 * TWIRL / width, TWIRL).multiply(180 / Math.PI));
+                    return remapped(radius.bandjoin(angle).complex("rect").linear([1, 1], [width / 2, height / 2]));
+                }),
+                displacement: to(() => remapped(
+                    other.extractBand(0, { n: 2 }).linear([60 / 255, -40 / 255], [-30, 20]).add(places))),
             };
         },
     };

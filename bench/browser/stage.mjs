@@ -23,46 +23,54 @@ export function scene(width, height, seed) {
     return { width, height, data };
 }
 
-/** The best of some runs in milliseconds, fewer if they take long. */
-export async function timeOf({ prepare, run, end }, most = 5, seconds = 6) {
-    let best = Infinity;
-    for (let count = 0, spent = 0; count < most && spent < seconds * 1000; ++count) {
-        const own = await prepare?.();
-        const begun = performance.now();
-        await run(own);
-        const taken = performance.now() - begun;
-        end?.(own);
-        best = Math.min(best, taken);
-        spent += taken;
-    }
+/** Milliseconds of one run. */
+async function timeOf({ prepare, run, end }) {
+    const own = await prepare?.();
+    const begun = performance.now();
+    await run(own);
+    const taken = performance.now() - begun;
+    end?.(own);
+    return taken;
+}
+
+/** The best of some runs of each library in milliseconds, in turns, so that all have the same share of what disturbs. */
+async function bestInTurns(runs, fail, most = 7, seconds = 6) {
+    const best = {}, spent = {};
+    for (let turn = 0; turn < most; ++turn)
+        for (const [name, run] of Object.entries(runs)) {
+            if ((spent[name] ??= 0) > seconds * 1000) continue;
+            try {
+                const taken = await timeOf(run);
+                best[name] = Math.min(best[name] ?? Infinity, taken);
+                spent[name] += taken;
+            } catch (problem) {
+                fail(name, problem);
+                spent[name] = Infinity;
+            }
+        }
     return best;
 }
 
-/** Milliseconds by operation and library, operation by operation in turns. Failures of a peer are `undefined`. */
+/** Milliseconds by operation and library. Failures of a peer are missing. */
 export async function timesOf(libraries, [width, height], tell = () => {}) {
     const [picture, second] = [scene(width, height, 1), scene(width, height, 5)];
     const stages = libraries.map(({ name, stage }) => [name, stage(picture, second)]);
     const times = {};
-    for (const key of Object.keys(OPERATIONS)) {
-        times[key] = {};
-        for (const [name, stage] of stages) {
-            if (!stage[key]) continue;
-            try {
-                times[key][name] = await timeOf(stage[key]);
-            } catch (problem) {
-                tell(`${name} failed at ${OPERATIONS[key].words}: ${problem.message ?? problem}`);
-            }
-            tell(`${width}x${height} ${key} ${name} ${times[key][name]?.toFixed(1)}`);
-        }
+    for (const [key, { words }] of Object.entries(OPERATIONS)) {
+        const runs = Object.fromEntries(stages.filter(([, stage]) => stage[key]).map(([name, stage]) => [name, stage[key]]));
+        times[key] = await bestInTurns(runs, (name, problem) => tell(`${name} failed at ${words}: ${problem.message ?? problem}`));
+        tell(`${width}x${height} ${words}: ${Object.entries(times[key]).map(([name, time]) => `${name} ${time.toFixed(1)}`).join(", ")}`);
     }
     for (const [, stage] of stages) stage.end?.();
     return times;
 }
 
+/** Rows of cells as a table. */
+export const markdown = (rows) => rows.map((cells) => `| ${cells.join(" | ")} |`).join("\n");
+
 /** A table: our milliseconds, and those of the others as multiples of them. */
 export function tableOf(times, [first, ...others]) {
-    const line = (cells) => `| ${cells.join(" | ")} |`;
-    const rows = Object.entries(times).map(([key, of]) => line([OPERATIONS[key].words, of[first].toFixed(1),
-        ...others.map((name) => of[name] === undefined ? "" : (of[name] / of[first]).toFixed(2))]));
-    return [line(["operation", `${first}, ms`, ...others]), line(Array(others.length + 2).fill("---")), ...rows].join("\n");
+    const rows = Object.entries(times).map(([key, of]) => [OPERATIONS[key].words, of[first].toFixed(1),
+        ...others.map((name) => of[name] === undefined ? "" : (of[name] / of[first]).toFixed(2))]);
+    return markdown([["operation", `${first}, ms`, ...others], Array(others.length + 2).fill("---"), ...rows]);
 }
