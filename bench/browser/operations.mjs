@@ -208,10 +208,12 @@ export function vips(library) {
                 sharpen: to(() => three.sharpen({ sigma: 4 })),
                 blend: to(() => four.composite2(other, "multiply")),
                 twirl: to(() => {
-                    const polar = places.linear([1, 1], [-width / 2, -height / 2]).complex("polar");
-                    const radius = polar.extractBand(0);
-                    const angle = polar.extractBand(1).add(radius.linear(-2 * TWIRL / width, TWIRL).multiply(180 / Math.PI));
-                    return remapped(radius.bandjoin(angle).complex("rect").linear([1, 1], [width / 2, height / 2]));
+                    const [x, y] = [0, 1].map((band) => places.extractBand(band));
+                    const polar = x.linear(1, -width / 2).complexform(y.linear(1, -height / 2)).complex("polar");
+                    const radius = polar.real();
+                    const turn = radius.linear(-2 * TWIRL / width, TWIRL).multiply(180 / Math.PI);
+                    const turned = radius.complexform(polar.imag().add(turn)).complex("rect");
+                    return remapped(turned.real().linear(1, width / 2).bandjoin(turned.imag().linear(1, height / 2)));
                 }),
                 displacement: to(() => remapped(
                     other.extractBand(0, { n: 2 }).linear([60 / 255, -40 / 255], [-30, 20]).add(places))),
