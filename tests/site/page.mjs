@@ -1,6 +1,7 @@
 /** What tests of the page share: one browser for a file, a fresh page for each test. */
 import assert from "node:assert/strict";
 import { after, before, test } from "node:test";
+import { setTimeout as pause } from "node:timers/promises";
 import { hashOf } from "../javascript/rows.mjs";
 import { openSite } from "./browser.mjs";
 
@@ -52,3 +53,8 @@ export const addEffect = async (page, name) => {
 };
 export const stepNames = (page) => page.locator(".step .title > span:first-child").allTextContents();
 export const hashOfResult = async (page) => hashOf(await result(page));
+/** Waits until a field holds `value`: a button is pressed before what it asks of the worker has come. */
+export const valueBecomes = async (field, value) => {
+    for (let attempts = 100; attempts > 0 && await field.inputValue() !== value; --attempts) await pause(20);
+    assert.equal(await field.inputValue(), value);
+};
