@@ -33,6 +33,25 @@ private:
     uint32_t multiplier_;
 };
 
+/// The upper 16 bits of a product, as a sum of products of bytes: for machines that cannot multiply words to
+/// words' upper halves, whose vectors would be widened and narrowed again.
+constexpr uint16_t upperHalfByBytes(uint16_t a, uint16_t b) {
+    const auto word = [](int number) { return static_cast<uint16_t>(number); };
+    const uint16_t aHigh = word(a >> 8), aLow = word(a & 255), bHigh = word(b >> 8), bLow = word(b & 255);
+    const uint16_t cross = word(aHigh * bLow + (word(aLow * bLow) >> 8));
+    const uint16_t carry = word(aLow * bHigh + (cross & 255));
+    return word(aHigh * bHigh + (cross >> 8) + (carry >> 8));
+}
+
+/// The upper 16 bits of a product.
+constexpr uint16_t upperHalf(uint16_t a, uint16_t b) {
+#if defined(__wasm_simd128__)
+    return upperHalfByBytes(a, b);
+#else
+    return static_cast<uint16_t>((a * uint32_t{b}) >> 16);
+#endif
+}
+
 /// The same for weights from 2 whose sums fit 16 bits. One 16-bit multiplier, rounded up or down, is
 /// accurate enough for every sum; a rounded-down one uses the sum plus one. Sums are kept scaled up to
 /// weights above 128, so that the last shift is a constant and compilers stay in 16 bits.
@@ -52,8 +71,7 @@ public:
     Sum kept(Sum sum) const { return scaled(static_cast<Sum>(sum + addend_)); }
     Sum scaled(Sum difference) const { return static_cast<Sum>(difference * scale_); }
     uint8_t operator()(Sum keptSum) const {
-        const auto high = static_cast<uint16_t>((keptSum * uint32_t{multiplier_}) >> 16);
-        return static_cast<uint8_t>(high >> (kScaledBits - 1));
+        return static_cast<uint8_t>(upperHalf(keptSum, multiplier_) >> (kScaledBits - 1));
     }
 
 private:
