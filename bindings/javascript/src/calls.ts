@@ -56,8 +56,7 @@ export function callWithValues(module: Module, scope: Scope, lent: LentPicture |
     const method = scope.text(effect.name);
     const entries = Outcome.of(exports, scope, (place) =>
         exports._krl_call!(engine, lent?.at ?? 0, method, list, pairs.length, place)).value(effect.name, names(effect));
-    const changed = effect.changedArgument && writer.pictures.get(effect.changedArgument);
-    if (changed) changed.loan.finish(changed.bytes);
+    if (effect.changedArgument) writer.pictures.get(effect.changedArgument)?.after(true);
     return entries;
 }
 

@@ -4,9 +4,10 @@ import type { Effects, MethodName } from "./effects.js";
 import { KrlError } from "./errors.js";
 import type { Exports } from "./exports.js";
 import { runLingo, type LingoOptions, type LingoOutcome } from "./lingo.js";
+import { HeldPicture } from "./held.js";
 import { hasVectors, instantiate, requireWebAssembly, variantName, type WasmSource } from "./load.js";
 import { Look, readShippedLooks, type ShippedLook } from "./look.js";
-import { Memory, OutOfMemory } from "./memory.js";
+import { collected, Memory, OutOfMemory } from "./memory.js";
 import { Loan } from "./pictures.js";
 import { Outcome, picturesIn } from "./results.js";
 import { instantiateThreads, threadCount, type Threads } from "./threads.js";
@@ -39,9 +40,6 @@ interface Parts {
     readonly threads: Threads | undefined;
     readonly lingoWasm: WasmSource | undefined;
 }
-
-/** Ends the threads of engines that nobody has any more. */
-const forgotten = new FinalizationRegistry<Threads>((threads) => threads.end());
 
 /** How a call is made. */
 export interface CallOptions {
@@ -82,12 +80,6 @@ export type ChainCall = string | { [M in MethodName]: readonly [M, Effects[M]["a
 /** The next turn of the event loop, in which a signal can come. */
 const nextTurn = () => new Promise<void>((resolve) => { setTimeout(resolve); });
 
-/** The picture that a call has rewritten. */
-function rewritten(lent: LentPicture, changes: boolean, { copy }: CallOptions): Picture {
-    if (copy) return lent.loan.copy(lent.bytes);
-    return changes ? lent.loan.finish(lent.bytes) : lent.loan.picture;
-}
-
 /**
  * The effects, in memory of their own.
  *
@@ -116,7 +108,7 @@ export class Engine {
         this.threads = threads ? exports._krl_thread_count!() : 1;
         this.lingoWasm = lingoWasm;
         this.workers = threads;
-        if (threads) forgotten.register(this, threads, this);
+        if (threads) collected.register(this, () => threads.end(), this);
         this.module = { exports, memory, engine };
         this.catalogue = new Catalogue(exports, memory);
         this.release = memory.text(exports._krl_release!() >>> 0);
@@ -165,13 +157,13 @@ export class Engine {
         const module = this.alive();
         const effect = this.effectOf(call);
         return module.memory.scoped((scope) => {
-            const lent = source === null ? undefined : new LentPicture(scope, source, effect.name, "picture", options.width);
+            const lent = source === null ? undefined : new LentPicture(scope, source, effect.name, "picture", options);
             const entries = call.includes("(")
                 ? callByText(module, scope, lent, effect, call)
                 : callWithValues(module, scope, lent, effect, given as Arguments);
             const pictures = picturesIn(entries);
             return {
-                picture: pictures[0] ?? (lent ? rewritten(lent, effect.rewritesPicture, options) : null),
+                picture: pictures[0] ?? lent?.after(effect.rewritesPicture, options.copy) ?? null,
                 pictures,
                 entries: Array.isArray(entries) ? {} : entries as Record<string, Value>,
             };
@@ -188,19 +180,27 @@ export class Engine {
         const { signal, onProgress } = options;
         signal?.throwIfAborted();
         const loan = new Loan(source, options.width, "run", "picture");
-        const working = loan.copy(loan.picture.data);
-        let picture = working;
+        const held = this.hold(loan.picture);
+        let picture: Picture = held;
         const results: Result[] = [];
-        for (const call of calls) {
-            if (results.length > 0) await nextTurn();
-            signal?.throwIfAborted();
-            const result = this.applyCall(picture, call);
-            results.push(result);
-            picture = result.picture ?? picture;
-            onProgress?.(results.length, calls.length);
+        try {
+            for (const call of calls) {
+                if (results.length > 0) await nextTurn();
+                signal?.throwIfAborted();
+                const result = this.applyCall(picture, call);
+                results.push(result);
+                picture = result.picture ?? picture;
+                onProgress?.(results.length, calls.length);
+            }
+            const rewritten = picture === held && !options.copy ? loan.finish(held.data) : held.copy();
+            const given = <P>(one: P) => one === held ? rewritten : one;
+            return {
+                picture: given(picture),
+                results: results.map((result) => ({ ...result, picture: given(result.picture) })),
+            };
+        } finally {
+            held.dispose();
         }
-        if (picture === working && !options.copy) picture = loan.finish(working.data);
-        return { picture, results };
     }
 
     /**
@@ -220,13 +220,28 @@ export class Engine {
         }
         const { exports, memory, engine } = this.alive();
         return memory.scoped((scope) => {
-            const lent = new LentPicture(scope, source, "look", "picture", options.width);
+            const lent = new LentPicture(scope, source, "look", "picture", options);
             look.lendPictures(scope);
             const entries = Outcome.of(exports, scope, (place) =>
                 exports._krl_look_apply!(engine, look.handle(exports), lent.at, place)).value("", []);
             const pictures = picturesIn(entries);
-            return { picture: pictures[0] ?? rewritten(lent, true, options), pictures, entries: {} };
+            return { picture: pictures[0] ?? lent.after(true, options.copy), pictures, entries: {} };
         });
+    }
+
+    /**
+     * Copies a picture into the engine's memory, for several calls: on a held picture they copy nothing.
+     *
+     * @example
+     * using picture = engine.hold(imageData);
+     * engine.apply(picture, "sepia");
+     * context.putImageData(picture.copy(), 0, 0);
+     *
+     * @throws {KrlError} if the source is no picture
+     */
+    hold(source: Source, { width }: Pick<CallOptions, "width"> = {}): HeldPicture {
+        const { memory } = this.alive();
+        return new HeldPicture(memory, new Loan(source, width, "hold", "picture").picture);
     }
 
     /** Reads a look from its text, or takes one that comes with the engine by its name. */
@@ -283,7 +298,7 @@ export class Engine {
     dispose(): void {
         this.module = undefined;  // the instance and its memory are nobody else's
         this.workers?.end();
-        forgotten.unregister(this);
+        collected.unregister(this);
     }
 
     [Symbol.dispose](): void {

@@ -1,6 +1,7 @@
 export { Engine } from "./engine.js";
 export type { CallOptions, ChainCall, ChainOptions, ChainResult, EngineOptions, Result } from "./engine.js";
 export { KrlError } from "./errors.js";
+export { HeldPicture } from "./held.js";
 export { LingoError } from "./lingo.js";
 export type { LingoOptions, LingoOutcome } from "./lingo.js";
 export { Look } from "./look.js";

@@ -1,5 +1,5 @@
 import type { Exports, Pointer } from "./exports.js";
-import { OutOfMemory, Structure, type Memory, type Scope } from "./memory.js";
+import { collected, OutOfMemory, Structure, type Memory, type Scope } from "./memory.js";
 import { Outcome } from "./results.js";
 import type { Source } from "./types.js";
 import { LentPicture } from "./write.js";
@@ -34,8 +34,6 @@ export function readShippedLooks(exports: Exports, memory: Memory): ShippedLook[
         text: memory.text(exports._krl_shipped_look_text!(index) >>> 0),
     }));
 }
-
-const collected = new FinalizationRegistry<() => void>((free) => free());
 
 /** A chain of calls with a title, a description and parameters. */
 export class Look {

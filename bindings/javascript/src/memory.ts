@@ -1,5 +1,8 @@
 import type { Exports } from "./exports.js";
 
+/** Frees what belongs to an object when nobody has that object any more; what frees it may not hold the object. */
+export const collected = new FinalizationRegistry<() => void>((free) => free());
+
 /** An address in the module's memory; 0 is none. */
 export type Pointer = number;
 

@@ -1,12 +1,19 @@
 import { KrlError, mismatch } from "./errors.js";
 import type { Bytes, Canvas, Picture, Source } from "./types.js";
 
-const PIXEL_BYTES = 4;
+export const PIXEL_BYTES = 4;
 
 /** A picture of transparent black: an `ImageData` where there is such. */
 export function newPicture(width: number, height: number): Picture {
     if (typeof ImageData !== "undefined") return new ImageData(width, height);
     return { width, height, data: new Uint8ClampedArray(width * height * PIXEL_BYTES) };
+}
+
+/** A new picture of these pixels. */
+export function newPictureOf({ width, height }: Picture, pixels: Bytes): Picture {
+    const made = newPicture(width, height);
+    made.data.set(pixels);
+    return made;
 }
 
 function isCanvas(source: unknown): source is Canvas {
@@ -64,9 +71,7 @@ export class Loan {
 
     /** A new picture of these pixels; the source stays as it is. */
     copy(pixels: Bytes): Picture {
-        const made = newPicture(this.picture.width, this.picture.height);
-        made.data.set(pixels);
-        return made;
+        return newPictureOf(this.picture, pixels);
     }
 }
 

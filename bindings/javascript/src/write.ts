@@ -1,10 +1,12 @@
 import { RGBA } from "./codes.js";
 import { mismatch } from "./errors.js";
 import type { Exports, Pointer } from "./exports.js";
+import { HeldPicture } from "./held.js";
 import { OutOfMemory, type Scope } from "./memory.js";
-import { Loan } from "./pictures.js";
+import { Loan, PIXEL_BYTES } from "./pictures.js";
 import { PICTURE } from "./read.js";
 import type { ArgumentKind } from "./catalogue.js";
+import type { Picture } from "./types.js";
 
 const COLOUR = /^#[0-9a-f]{6}$/i;
 
@@ -37,20 +39,36 @@ export class LentPicture {
     /** The `krl_picture`. */
     readonly at: Pointer;
     private readonly pixels: Pointer;
+    /** Whether the call works on the picture itself, and not on a copy. */
+    private readonly inPlace: boolean;
 
-    constructor(private readonly scope: Scope, source: unknown, method: string, argument: string, width?: number) {
+    constructor(private readonly scope: Scope, source: unknown, method: string, argument: string,
+        { width, copy = false }: { width?: number, copy?: boolean } = {}) {
         this.loan = new Loan(source, width, method, argument);
-        const { data, width: across, height } = this.loan.picture;
-        this.pixels = scope.allocate(data.length);
-        scope.memory.bytes(this.pixels, data.length).set(data);
+        const held = source instanceof HeldPicture && !copy ? source.lend(scope) : undefined;
+        this.inPlace = held !== undefined;
+        this.pixels = held ?? this.copied();
         this.at = scope.allocate(PICTURE.bytes);
+        const { width: across, height } = this.loan.picture;
         PICTURE.write(scope.memory, this.at,
-            { pixels: this.pixels, width: across, height, rowBytes: across * 4, order: RGBA });
+            { pixels: this.pixels, width: across, height, rowBytes: across * PIXEL_BYTES, order: RGBA });
     }
 
-    /** The pixels as they are now; valid until the module runs again. */
-    get bytes(): Uint8Array {
-        return this.scope.memory.bytes(this.pixels, this.loan.picture.data.length);
+    /** The picture after the call, which may have changed it: the source, or a copy. */
+    after(changed: boolean, copy = false): Picture {
+        if (this.inPlace || !changed && !copy) return this.loan.picture;
+        const { width, height } = this.loan.picture;
+        const pixels = this.scope.memory.bytes(this.pixels, width * height * PIXEL_BYTES);
+        return copy ? this.loan.copy(pixels) : this.loan.finish(pixels);
+    }
+
+    private copied(): Pointer {
+        const { width, height } = this.loan.picture;
+        const bytes = width * height * PIXEL_BYTES;
+        const at = this.scope.allocate(bytes);
+        // The pixels are read only now, since memory that grows leaves views of it behind.
+        this.scope.memory.bytes(at, bytes).set(this.loan.picture.data);
+        return at;
     }
 }
 
