@@ -1,7 +1,7 @@
 /** Loads our package and the peers in Node: each is a function that gives what operations.mjs describes. */
 import { createRequire } from "node:module";
 import { pathToFileURL } from "node:url";
-import { jimp, openCv, ours, photon, sharp, vips } from "./operations.mjs";
+import { jimp, openCv, ours, oursCopying, photon, sharp, vips } from "./operations.mjs";
 
 async function engineOf(tree, options) {
     const { Engine } = await import(pathToFileURL(`${tree}/build/javascript/dist/krlimage.js`));
@@ -21,6 +21,7 @@ export function librariesOf(tree) {
     return {
         ours: async () => ours("ours", await engineOf(tree)),
         "2 threads": async () => ours("2 threads", await engineOf(tree, { threads: 2 })),
+        copying: async () => oursCopying("copying", await engineOf(tree)),
         photon: async () => photon(require("@silvia-odwyer/photon-node")),
         jimp: async () => jimp(require("jimp")),
         "opencv-js": async () => openCv(await openCvReady(require("@techstark/opencv-js"))),

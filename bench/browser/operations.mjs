@@ -36,19 +36,29 @@ const TWIRL = 3;
  * Those places are made beforehand.
  */
 
-export function ours(name, engine) {
+/** Our effects on pictures that `own` makes for the engine and `end` gives back. */
+function effects(name, engine, own, end) {
     return {
         name,
         stage(picture, second) {
-            return Object.fromEntries(Object.entries(OPERATIONS).map(([key, { effect, given, second: names = [] }]) => {
-                const all = { ...given, ...Object.fromEntries(names.map((name) => [name, second])) };
-                return [key, {
-                    prepare: () => ({ ...picture, data: picture.data.slice() }),
-                    run: (own) => engine.apply(own, effect, all),
-                }];
-            }));
+            const other = own(second);
+            const operations = Object.entries(OPERATIONS).map(([key, { effect, given, second: names = [] }]) => {
+                const all = { ...given, ...Object.fromEntries(names.map((name) => [name, other])) };
+                return [key, { prepare: () => own(picture), run: (one) => engine.apply(one, effect, all), end }];
+            });
+            return { ...Object.fromEntries(operations), end: () => end(other) };
         },
     };
+}
+
+/** On pictures in the engine's memory, as the pictures of the others are in theirs. */
+export function ours(name, engine) {
+    return effects(name, engine, (picture) => engine.hold(picture), (held) => held.dispose());
+}
+
+/** On pictures outside, which are copied in and out by each call. */
+export function oursCopying(name, engine) {
+    return effects(name, engine, (picture) => ({ ...picture, data: picture.data.slice() }), () => {});
 }
 
 export function photon(library) {

@@ -1,5 +1,5 @@
 /** Times our effects beside the peers in a browser, in a worker; of jimp, the package has only a stub for browsers. */
-import { openCv, ours, photon, vips } from "./operations.mjs";
+import { openCv, ours, oursCopying, photon, vips } from "./operations.mjs";
 import { SIZES, tableOf, timesOf } from "./stage.mjs";
 
 const PEERS = "/peers/node_modules";
@@ -32,6 +32,7 @@ async function tables(sizes) {
     const libraries = [
         ours("ours", await Engine.create()),
         ours("2 threads", await Engine.create({ threads: 2 })),
+        oursCopying("copying", await Engine.create()),
         photon(await photonReady()),
         openCv(await openCvReady()),
         vips(await (await import(`${PEERS}/wasm-vips/lib/vips-es6.js`)).default({ dynamicLibraries: [] })),
